@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: MIT
+# One interface target carries what every target of the project is compiled with.
+add_library(zr_options INTERFACE)
+target_include_directories(zr_options INTERFACE ${CMAKE_SOURCE_DIR})
+
+# The passes state their results to the bit: no fused multiply-add anywhere.
+target_compile_options(zr_options INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual
+    -Woverloaded-virtual -Wno-missing-field-initializers -ffp-contract=off>)
+
+if(ZR_SANITIZE)
+  target_compile_options(zr_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=${ZR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1>)
+  target_link_options(zr_options INTERFACE -fsanitize=${ZR_SANITIZE})
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WIN32)
+  target_compile_options(zr_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-D_FORTIFY_SOURCE=2 -fstack-protector-strong>)
+  target_link_options(zr_options INTERFACE -Wl,-z,relro,-z,now)
+endif()
+if(NOT WIN32 AND NOT ZR_SANITIZE)
+  target_link_options(zr_options INTERFACE -Wl,-z,defs)
+endif()
