@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "host/ref.h"
@@ -11,9 +8,6 @@
 #include "host/serializer.h"
 #include "module/keyframe/export_node.h"
 
-namespace zrt {
-class NodeFilter;
-}
 
 inline constexpr char kTypeKeyframeTool[] = "TKSAVE";
 
