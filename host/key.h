@@ -14,6 +14,8 @@ public:
     float m_params[5] = {};  // m_params[0]: KeyInterpolation; the others are 0
 
     virtual ~Key() = default;
+
+    bool Passes(KeyInterpolation how) const { return m_params[0] == static_cast<float>(how); }
 };
 
 class PositionKey : public Key {

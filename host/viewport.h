@@ -9,6 +9,7 @@
 namespace vl::zr {
 
 class Animation;
+class Node;
 
 class Layer : public Interface {
 public:

@@ -34,6 +34,7 @@ public:
     }
     bool Write(const void* data, std::size_t size) override {
         if (!m_writable) return false;
+        if (size == 0) return true;
         m_content.replace(m_position, size, static_cast<const char*>(data), size);
         m_position += size;
         return true;
