@@ -60,13 +60,15 @@ CellRange Around(double value) {
     return {CellOf(value - 2 * kTransformTolerance), CellOf(value + 2 * kTransformTolerance)};
 }
 
-// The translation, and what changes with a turn about any axis or with the size.
-constexpr int kCellAxes = 6;
+// The elements of the affine transform: a number for every way in which places can differ.
+constexpr unsigned kCellAxes = 12;
 
 std::array<double, kCellAxes> Place(Node* node) {
     vl::Matrix4<double> world;
     node->GetWorldMatrix(&world, 1);
-    return {world.m[3][0], world.m[3][1], world.m[3][2], world.m[0][0], world.m[0][1], world.m[1][2]};
+    std::array<double, kCellAxes> place;
+    for (std::size_t axis = 0; axis < kCellAxes; ++axis) place[axis] = world.m[axis / 3][axis % 3];
+    return place;
 }
 
 }  // namespace

@@ -69,6 +69,8 @@ bool ListsEqual(std::uint32_t number, const std::uint16_t* countsA, std::uint16_
     return true;
 }
 
+}  // namespace
+
 bool GeometryEqual(const Mesh& a, const Mesh& b) {
     if (a.m_nVertices != b.m_nVertices || a.m_nFaces != b.m_nFaces) return false;
     if (a.m_nSecondary != b.m_nSecondary || a.m_nFormat != b.m_nFormat) return false;
@@ -95,8 +97,6 @@ bool TransformsEqual(Node* a, Node* b) {
     b->GetWorldMatrix(&worldB, 1);
     return worldA.Equal(worldB, 9.999999974752427e-07);
 }
-
-}  // namespace
 
 int RemoveUnusedMaterials(Scene* scene, ChangeRecord* record) {
     std::vector<Material*> unused;
