@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// Steps of the pipeline whose files are still to come.
+#include "module/keyframe/keyframe_tool.h"
+
+int ZR_TK::AssignNames() {
+    return 0;
+}
+int ZR_TK::FillTreeView(HWND, int) {
+    return 0;
+}
+void ZR_TK::LightTargetPass() {
+}
+void ZR_TK::CameraTargetPass() {
+}
+void ZR_TK::OrientationPass() {
+}
+void ZR_TK::MergeKeys() {
+}
+void ZR_TK::ResampleKeys() {
+}
+void ZR_TK::FlipAxes() {
+}
+void ZR_TK::MakeUniqueName(ExportNode*) {
+}
+void ZR_TK::MakeMaterialNames() {
+}
