@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Steps of the pipeline whose files are still to come.
 #include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/name_text.h"
 
 int ZR_TK::AssignNames() {
     return 0;
@@ -23,4 +24,12 @@ void ZR_TK::FlipAxes() {
 void ZR_TK::MakeUniqueName(ExportNode*) {
 }
 void ZR_TK::MakeMaterialNames() {
+}
+
+char* zrt::CopyNameBounded(char* destination, const char* source, std::size_t size) {
+    if (destination == nullptr || source == nullptr || size == 0) return nullptr;
+    std::size_t length = 0;
+    for (; length + 1 < size && source[length] != 0; ++length) destination[length] = source[length];
+    destination[length] = 0;
+    return destination;
 }
