@@ -25,28 +25,29 @@ enum ExportNodeFlag : std::uint32_t {
     NF_POST = 0x400,           // carries the scene matrix above a top-level record
 };
 
-// Key records, read by exporters as they lie in memory. The five parameters are those of the host's key.
+// Key records, read by exporters as they lie in memory: zero where nothing is said. The five parameters are
+// those of the host's key.
 struct ExportPositionKey {
-    float fTime;  // seconds
-    float fParams[5];
-    std::uint32_t dwReserved;
+    float fTime = 0;  // seconds
+    float fParams[5] = {};
+    std::uint32_t dwReserved = 0;
     vl::Vector3<float> vValue;
 };
 
 struct ExportScaleKey {
-    float fTime;
-    float fParams[5];
-    std::uint32_t dwReserved;
+    float fTime = 0;
+    float fParams[5] = {};
+    std::uint32_t dwReserved = 0;
     vl::Vector3<float> vValue;
 };
 
 struct ExportRotationKey {
-    float fTime;
-    float fParams[5];
-    std::uint32_t dwOrder;      // axis order of vEuler; 0 when the source is not Euler angles
-    vl::Vector3<float> vEuler;  // radians
-    vl::Quaternion qValue;      // absolute orientation
-    vl::AngleAxis aaValue;      // absolute in the first key, then the step from the previous key
+    float fTime = 0;
+    float fParams[5] = {};
+    std::uint32_t dwOrder = 0;          // axis order of vEuler; 0 when the source is not Euler angles
+    vl::Vector3<float> vEuler;          // radians
+    vl::Quaternion qValue{0, 0, 0, 0};  // absolute orientation
+    vl::AngleAxis aaValue;              // absolute in the first key, then the step from the previous key
 };
 
 static_assert(sizeof(ExportPositionKey) == 40 && sizeof(ExportScaleKey) == 40);

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
+#include <unordered_map>
 #include <vector>
 
-#include "host/ref.h"
 #include "host/scene.h"
 #include "host/serializer.h"
 #include "module/keyframe/export_node.h"
 
-
 inline constexpr char kTypeKeyframeTool[] = "TKSAVE";
 
-// The keyframe tools. Each pass stands in a file of its own (hierarchy.cpp, group_split.cpp, key_extraction.cpp
-// ...); the operations below that are not virtual are those passes.
+// The keyframe tools. Hosts see them as vl::tk::Serializer; each pass stands in a file of its own.
 class ZR_TK final : public vl::tk::Serializer {
 public:
-    ZR_TK();
     ~ZR_TK() override;
 
     const char* GetTypeName() override { return kTypeKeyframeTool; }
@@ -42,25 +40,41 @@ public:
     float MapTime(float time) override { return time * m_fTimeScale + m_fTimeOffset; }
     float GetFrameRate() override;
 
-private:
-    void DeleteThis() override { delete this; }
-
-    // Hierarchy (hierarchy.cpp, rest_pose.cpp).
+    // A new record with the transforms of the node, or identities for null; whoever lists it first owns it.
     ExportNode* NewRecord(vl::zr::Node* node);
+
+    // The first record of m_pAllNodes with this pNode; null for none and for null. m_pAllNodes may grow
+    // between calls; a record's pNode no longer changes once it is listed there.
+    ExportNode* FindNodeRecord(vl::zr::Node* node);
+
+    // m_nMaxNameLength within its valid range. Name buffers hold one character more.
+    int NameLimit() const { return std::clamp(m_nMaxNameLength, 4, 512); }
+
+    // Hierarchy (hierarchy.cpp, rest_pose.cpp). All three walk from the given records downwards.
     void ComputeLocalMatrices(vl::Array* records);
     void CollectAllNodes(vl::Array* records);
-    void DecomposeRest(ExportNode* record, const vl::AffineParts* parts);
+    void DecomposeRest(ExportNode* record, const vl::AffineParts* parts);  // null: of mLocal
 
-    // Pivot and split passes (group_split.cpp, geometry_split.cpp, static_pivot.cpp, animated_pivot.cpp).
-    void GroupSplit(ExportNode* record);
-    void GeometrySplit(ExportNode* record);
-    void StaticPivotPass(ExportNode* record);
-    void AnimatedPivotPass(ExportNode* record);
+    // Pivot and split passes, from the given records downwards (group_split.cpp, geometry_split.cpp,
+    // static_pivot.cpp, animated_pivot.cpp).
+    void GroupSplit(vl::Array* records);
+    void GeometrySplit(vl::Array* records);
+    void StaticPivotPass(vl::Array* records);
+    void AnimatedPivotPass(vl::Array* records);
+
+    // Gives the record's object to a new child for the same node, first or last among the children.
+    enum class SplitPlace { kFront, kBack };
+    void SplitOff(ExportNode* record, SplitPlace place);
+
+    // Separates turned scale axes from the rest of a record's transform. Returns the record that carries
+    // the content afterwards.
+    ExportNode* StaticPivot(ExportNode* record);
 
     // Keys (key_extraction.cpp, scene_matrix.cpp, time_mapping.cpp).
     void ExtractRecordKeys(ExportNode* record);
     void FoldSceneMatrix();
     void RemapTime();
+    void ApplyTimeMapping();
 
     // Cameras and lights (target_passes.cpp, orientation_pass.cpp).
     void LightTargetPass();
@@ -72,10 +86,17 @@ private:
     void ResampleKeys();
     void FlipAxes();
 
-    // Names (hierarchy_names.cpp, unique_names.cpp, material_names.cpp).
+    // Names (unique_names.cpp, material_names.cpp).
     void MakeUniqueName(ExportNode* record);
     void MakeMaterialNames();
 
+private:
+    void DeleteThis() override { delete this; }
+
     // Records that stand outside the tree, which AddNode makes without a parent.
     std::vector<ExportNode*> m_looseRecords;
+
+    // Index of m_pAllNodes for FindNodeRecord, up to m_nIndexed.
+    std::unordered_map<vl::zr::Node*, ExportNode*> m_nodeRecords;
+    int m_nIndexed = 0;
 };
