@@ -9,6 +9,10 @@
 #include "module/cleaner/mesh_index.h"
 #include "platform/windows.h"
 
+namespace zrt {
+struct Operation;
+}
+
 // The scene cleaner. A run takes its scene, context and record from the fields, so that one object serves
 // one run at a time; Invoke makes an object of its own for each call.
 class CCleanerImpl : public zr_CLEANER {
@@ -49,6 +53,9 @@ public:
     // The scene's own operation in the form of the others; context and record are not used.
     int MergeEqualMaterials(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record);
 
+protected:
+    DWORD m_dwCallLimit = 15000;  // milliseconds that a call handed to the interface thread may wait
+
 private:
     void DeleteThis() override { delete this; }
 
@@ -58,12 +65,29 @@ private:
 
     bool IsDuplicateMesh(vl::zr::Node* node, vl::zr::Mesh* mesh);
 
-    // The dialog and its worker thread (dialog.cpp).
+    // The dialog, on the interface thread (dialog.cpp).
     static INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    bool HandleCommand(int command, LPARAM parameter);
+    void InitDialog(HWND dialog);
+    void StartRun();
+    void ShowRunning();
+    void ShowFinished();
+    void ShowLog();
+    void RunEnvironmentCall();
+    void FinishRun();
+
+    // Its worker thread (worker.cpp).
     static DWORD WINAPI WorkerProc(LPVOID object);
+    void RunWorker();
+    int RunInWorker(const zrt::Operation& operation);
     void AppendLog(const char16_t* text, bool lineEnd);
-    void AppendLogFormat(bool lineEnd, const char16_t* format, ...);
+    void AppendLogFormat(bool lineEnd, const char16_t* format, int value);
     bool CallOnInterfaceThread();
+    LRESULT SendCommand(int command, LPARAM parameter);
+
+    // One call that the worker hands to the interface thread. The time-out and the start of the call may
+    // coincide: whoever takes the call out of kPending decides.
+    enum class InterfaceCall { kNone, kPending, kTaken, kAbandoned };
 
     vl::zr::Scene* m_pScene = nullptr;     // of the current run; not owned
     vl::Context* m_pContext = nullptr;     // of the current run; owned while the dialog is open
@@ -75,6 +99,8 @@ private:
     CI2BMap m_options;                     // by option id (Operation::option)
     zrt::MeshIndex m_dupIndex;             // meshes seen by RemoveMeshDupes; empty between runs
     HANDLE m_hEvent = nullptr;             // of one call handed to the interface thread
+    std::atomic<InterfaceCall> m_call = InterfaceCall::kNone;
+    bool m_bStarted = false;               // a run was started in this dialog; interface thread only
 };
 
 // A new cleaner whose one count belongs to the caller, or null when there is no memory.
