@@ -15,6 +15,7 @@
 #include <commctrl.h>
 #else
 #include "platform/windows/base.h"
+#include "platform/windows/gdi.h"
 #endif
 
 #include "platform/wide.h"
