@@ -15,6 +15,7 @@
 #include <commctrl.h>
 #else
 #include "platform/windows/base.h"
+#include "platform/windows/gdi.h"
 #include "platform/windows/kernel.h"
 #include "platform/windows/resource.h"
 #include "platform/windows/ui.h"
