@@ -1,25 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
 
 #include "host/host_app.h"
+#include "host/module_entry.h"
 
 namespace kernix {
-
-// A module's one exported function.
-using ModuleEntry = vl::Word (*)(std::uint32_t command, vl::Word arg, vl::Word arg2);
-
-enum ModuleCommand : std::uint32_t {
-    ZRDLL_INIT = 0x1001,
-    ZRDLL_VERSION = 0x1010,
-    ZRDLL_GETVERSIONSTRING = 0x1020,
-    ZRDLL_GETDESCRIPTION = 0x1021,
-    ZRDLL_CREATE = 0x10002,
-};
 
 // The part of a host application that is the same for every host: arrays, extensions by type name, settings,
 // messages. A concrete host adds its windows and strings.

@@ -6,9 +6,6 @@
 int ZR_TK::AssignNames() {
     return 0;
 }
-int ZR_TK::FillTreeView(HWND, int) {
-    return 0;
-}
 void ZR_TK::LightTargetPass() {
 }
 void ZR_TK::CameraTargetPass() {
