@@ -10,6 +10,7 @@
 #include "app/services/poly_boolean_contacts.h"
 #include "app/services/poly_boolean_flips.h"
 #include "app/services/poly_boolean_tessellator.h"
+#include "app/services/poly_boolean_unite.h"
 
 struct PolyBoolean::Polygon {
     std::vector<std::vector<std::array<double, 2>>> contours;
@@ -23,9 +24,7 @@ constexpr double kLargestCoordinate = 1e150;
 // The grid divides a scaled unit this many times, so that a letter of a long text, which is given few units,
 // keeps its shape. A text given 2^18 units fills half of what the exact predicates can hold.
 constexpr double kCellsPerUnit = 2048;
-constexpr double kLargestCell = 1 << 30;
-
-constexpr int kMostPasses = 4;
+constexpr double kLargestCell = 0x3FFFFFFF;
 
 // Cells per contour unit along an axis of the given extent.
 double CellsFor(double scale, double extent) {
@@ -42,7 +41,6 @@ struct PolyBooleanExtension::Workspace {
     void Load(const Polygon& polygon, const double (&scale)[2]);
     void AddContour(const std::vector<std::array<double, 2>>& contour, const double (&origin)[2],
                     const double (&cells)[2]);
-    void UniteCrossing();
 };
 
 void PolyBooleanExtension::Workspace::Load(const Polygon& polygon, const double (&scale)[2]) {
@@ -61,6 +59,12 @@ void PolyBooleanExtension::Workspace::Load(const Polygon& polygon, const double 
     gridLoops.clear();
     loops.clear();
     for (const auto& contour : polygon.contours) AddContour(contour, low, cells);
+    if (!UniteCrossing(gridLoops)) return;
+    loops.clear();
+    for (const GridLoop& grid : gridLoops) {
+        TessLoop& loop = loops.emplace_back();
+        for (const GridPoint at : grid) loop.push_back(tessellator.PointAt(at));
+    }
 }
 
 // Points that fall on one cell in a row are one point; what is left of less than three fills nothing.
@@ -82,38 +86,6 @@ void PolyBooleanExtension::Workspace::AddContour(const std::vector<std::array<do
     if (grid.size() < 3) return;
     gridLoops.push_back(std::move(grid));
     loops.push_back(std::move(loop));
-}
-
-// Replaces every group of contours that cross by the outline of what it fills. What is left does not cross,
-// and inside and outside alternate.
-void PolyBooleanExtension::Workspace::UniteCrossing() {
-    const std::vector<int> groups = CrossingGroups(gridLoops);
-    if (std::all_of(groups.begin(), groups.end(), [](int group) { return group == kApart; })) return;
-    std::vector<std::vector<const TessLoop*>> members(loops.size());
-    std::vector<TessLoop> result;
-    for (std::size_t i = 0; i < loops.size(); ++i) {
-        if (groups[i] == kApart) {
-            result.push_back(loops[i]);
-        } else {
-            members[static_cast<std::size_t>(groups[i])].push_back(&loops[i]);
-        }
-    }
-    bool crossed = false;
-    for (const auto& group : members) {
-        if (group.empty()) continue;
-        for (TessLoop& loop : tessellator.Outline(group, Filling::kNonZero, crossed)) {
-            result.push_back(std::move(loop));
-        }
-    }
-    loops = std::move(result);
-    // New points stand on the grid, a little beside the crossing edges, so that edges may cross again; what
-    // comes of it is ever smaller.
-    crossed = true;
-    for (int pass = 0; crossed && pass < kMostPasses; ++pass) {
-        std::vector<const TessLoop*> all;
-        for (const TessLoop& loop : loops) all.push_back(&loop);
-        loops = tessellator.Outline(all, Filling::kOdd, crossed);
-    }
 }
 
 PolyBooleanExtension::PolyBooleanExtension() : m_workspace(std::make_unique<Workspace>()) {
@@ -147,7 +119,6 @@ void PolyBooleanExtension::Triangulate(Polygon* polygon, TriangleCallback callba
     if (!polygon) return;
     Workspace& work = *m_workspace;
     work.Load(*polygon, m_scale);
-    work.UniteCrossing();
     std::vector<TessPoint*>& corners = work.tessellator.Triangulate(work.loops);
     FlipFlatTriangles(corners);
     for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
