@@ -198,6 +198,12 @@ TEST_F(KeyExtraction, ProcessEndsWithTheTimeRange) {
     EXPECT_EQ(m_tool->GetEndTime(), 40);
     // The rest pose is that of the current time.
     EXPECT_NEAR(m_tool->FindNodeRecord(node)->vPosition.x, 25, 1e-5);
+    // It is that of the record's own transform, after a pivot has been taken out of it.
+    node->AddTransformController()->m_offset = {0, 1, 0};
+    node->AddTransformController()->m_dwFlags = vl::zr::kControllerPivotGroup;
+    Process(kExtractKeys);
+    EXPECT_NEAR(m_tool->FindNodeRecord(node)->vPosition.y, 1, 1e-5);
+    node->AddTransformController()->m_offset = {};
 
     Process(kExtractKeys, kReverseTime);
     EXPECT_EQ(m_tool->GetEndTime(), 30);

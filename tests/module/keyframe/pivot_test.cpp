@@ -176,6 +176,12 @@ TEST_F(Pivots, ExportersMayWritePivotsThemselves) {
     EXPECT_EQ(Shape(m_tool->m_pRoots), "6(19) 1");
     EXPECT_EQ(Record(group)->vPivot, (Vector{0, 2, 0}));
     ExpectNear(Record(group)->mWorld, World(group, 0), 1e-12);
+
+    // Not where the record has handed its object away.
+    AddMesh(*m_scene, one);
+    Build(kGroupSplit, 1);
+    EXPECT_EQ(Record(one)->pSplit->vPosition, (Vector{0, -1, 0}));
+    EXPECT_EQ(Record(one)->vPivot, Vector());
 }
 
 TEST_F(Pivots, ObjectOffsets) {
