@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+#include "host/array.h"
+#include "host/extension.h"
+
+class ChangeRecord;
+
+namespace vl::zr {
+class Animation;
+}
+
+inline constexpr char kTypeAnimManager[] = "2AA39A1A-49AB-479a-B293-C222FDF04182";
+
+// zr_ANIM_MANAGER::MergeAnimations: the key types kept and merged.
+enum AnimMergeFlag : std::uint32_t {
+    ANIM_MERGE_POSITION = 0x1,
+    ANIM_MERGE_ROTATION = 0x2,
+    ANIM_MERGE_SCALE = 0x4,
+};
+
+// Operations on a scene's animations. Every animation passed belongs to a scene. A record may be null. One
+// object runs one operation at a time.
+class zr_ANIM_MANAGER : public vl::Extension {
+public:
+    const char* GetTypeName() override { return kTypeAnimManager; }
+
+    virtual int GetRevision() { return 1; }
+
+    // Whether a viewport that plays animations refers to it. names: null, or receives the viewports' names,
+    // each followed by "\n", as wcsncpy copies: at most maxLen characters, no terminator at maxLen and
+    // above, zeros behind a shorter text; untouched when nothing refers to the animation.
+    virtual bool IsAnimationUsed(vl::zr::Animation* animation, char16_t* names, int maxLen) = 0;
+
+    // The scene's answer to the deletion; false for null and when the scene forbids it.
+    virtual bool RemoveAnimation(ChangeRecord* record, vl::zr::Animation* animation) = 0;
+
+    // True when at least one removal succeeded. animations is not null.
+    virtual bool RemoveAnimations(ChangeRecord* record, vl::Array* animations) = 0;
+
+    // A new animation with the first source's tracks and the later sources' transform keys. flags:
+    // AnimMergeFlag. Null for fewer than two animations. The scene owns the result.
+    virtual vl::zr::Animation* MergeAnimations(ChangeRecord* record, vl::Array* animations,
+                                               bool removeSources, std::uint32_t flags) = 0;
+    virtual bool Reserved(vl::Word a, vl::Word b, vl::Word c) = 0;  // false
+
+private:
+    void DeleteThis() override { delete this; }
+};

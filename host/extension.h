@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/interface.h"
+#include "host/ref.h"
+#include "host/text.h"
+#include "host/var.h"
+#include "host/word.h"
+
+namespace vl {
+
+class Context;
+class Params;
+namespace xml {
+class Element;
+}
+
+// What every extension answers besides the operations of its own class. The operations here are the core
+// library's; they keep parameters and metadata of the extension, made on first use.
+class KERNIX_API Extension : public Interface {
+public:
+    Extension();
+    ~Extension() override;
+
+    const char* GetTypeName() override { return "zr_extension"; }
+    bool IsTypeOf(const char* name) override {
+        return EqualNoCase(name, "zr_extension") || Interface::IsTypeOf(name);
+    }
+    ResultEnum CopyFrom(Interface* source, unsigned flags) override {
+        return dynamic_cast<Extension*>(source) != nullptr ? CloneFrom(source, flags) : kWrongClass;
+    }
+
+    virtual int GetInterfaceVersion();  // 0
+
+    // The type of the first parameter at this position, ZR_VALUE_NONE when there is none.
+    virtual zr_VALUETYPE GetParamType(int position);
+
+    // Fills element with a description of the extension's methods. Here: kWrongClass, there are none.
+    virtual ResultEnum QueryInfo(xml::Element* element, unsigned flags);
+
+    // Runs a method by number. Here: kWrongClass, there is none.
+    virtual ResultEnum Invoke(int method, Params* params, Context* context);
+
+    // Runs the method whose number is in command; arguments may hold the vl::Params as an object. The
+    // result is the number that Invoke answers.
+    virtual Var InvokeCommand(const Var& command, const Var& arguments, Context* context);
+
+    // Parameters by position among those of the type (vl::Params). SetParam answers the former value,
+    // GetParam the value, or the given one when the parameter is absent. A pointer value travels in the
+    // word; where a type is read through a pointer (ZR_VALUE_MATRIX), GetParam fills what it points to.
+    virtual Word SetParam(int position, Word value, zr_VALUETYPE type);
+    virtual Word GetParam(int position, Word value, zr_VALUETYPE type) const;
+
+    // The same for int, bool, float and object values in their own form; other forms are kWrongClass and
+    // an empty Var.
+    virtual ResultEnum SetParamVar(int position, const Var& value);
+    virtual Var GetParamVar(int position) const;
+    virtual bool DeleteParam(int position);
+
+    // Without a count for the caller. Null when absent and not to be created.
+    virtual VarMap* GetMetadata(bool create);
+    virtual ResultEnum SetMetadata(VarMap* metadata);
+    virtual Params* GetParams(bool create);
+    virtual ResultEnum SetParams(Params* params);
+
+private:
+    Ref<Interface> m_params;
+    Ref<Interface> m_metadata;
+};
+
+}  // namespace vl

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/api.h"
+
+namespace vl::zr {
+
+class Node;
+
+// A generator makes the content of a node anew whenever the host shows it.
+class KERNIX_API Generator {
+public:
+    // True when a generator of that name is present for the node.
+    static bool IsPresent(Node* node, const char* name);
+};
+
+}  // namespace vl::zr

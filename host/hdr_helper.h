@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/extension.h"
+
+class ChangeRecord;
+
+namespace vl::zr {
+class Scene;
+}
+
+inline constexpr char kTypeHdrHelper[] = "HDR_HELPER_75A199E1_E98C_4cdc_8140_AB7F04411F97_";
+
+// Looks after a scene's environment.
+class zr_HDR_HELPER : public vl::Extension {
+public:
+    // Takes environment lights and backdrops out of the scene; how many went. context and record may be null.
+    virtual int RemoveEnvironment(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) = 0;
+};

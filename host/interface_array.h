@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/interface.h"
+
+namespace vl {
+
+// A list of interfaces that holds a count on each.
+class KERNIX_API InterfaceArray : public Interface {
+public:
+    // A new, empty array; the caller holds its one count.
+    static InterfaceArray* CreateStrong();
+
+    // The element, without a count of its own; null when index is not below GetCount.
+    virtual Interface* GetAt(unsigned index) = 0;
+    virtual unsigned GetCount() = 0;
+
+    virtual void Add(Interface* element) = 0;  // null is not added
+    virtual void Remove(Interface* element) = 0;
+
+    const char* GetTypeName() override { return "zr_interface_array"; }
+};
+
+}  // namespace vl

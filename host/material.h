@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/array.h"
+#include "host/interface.h"
+
+namespace vl::zr {
+
+class Material : public Interface {
+public:
+    Array* m_pControllers = nullptr;  // of Controller*; null when there is none
+    void* m_pUserData = nullptr;      // belongs to whoever works on the scene
+
+    // The name, terminated within the buffer. 0, with the buffer untouched, when there is none.
+    virtual int GetName(char* buffer, int size) = 0;
+    virtual int GetNameW(char16_t* buffer, int size) = 0;
+
+    const char* GetTypeName() override { return "zr_material"; }
+};
+
+}  // namespace vl::zr

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+namespace vl {
+
+// Holds one count of a host object and releases it on every path.
+//
+//   Ref<Array> a = Ref<Array>::Adopt(g_pHost->CreateArray());   takes over the caller's count
+//   Ref<Node> n = Ref<Node>::Share(node);                       adds a count of its own
+template <typename T>
+class Ref {
+public:
+    Ref() = default;
+    Ref(std::nullptr_t) {}
+    Ref(const Ref& other) : m_object(other.m_object) {
+        if (m_object != nullptr) m_object->AddRef();
+    }
+    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    Ref& operator=(Ref other) noexcept {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~Ref() {
+        if (m_object != nullptr) m_object->Release();
+    }
+
+    static Ref Adopt(T* object) {
+        Ref ref;
+        ref.m_object = object;
+        return ref;
+    }
+    static Ref Share(T* object) {
+        if (object != nullptr) object->AddRef();
+        return Adopt(object);
+    }
+
+    T* Get() const { return m_object; }
+    T* operator->() const { return m_object; }
+    T& operator*() const { return *m_object; }
+    explicit operator bool() const { return m_object != nullptr; }
+
+    // Hands the count to the caller.
+    [[nodiscard]] T* Detach() { return std::exchange(m_object, nullptr); }
+    void Reset() { *this = Ref(); }
+
+private:
+    T* m_object = nullptr;
+};
+
+}  // namespace vl

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "host/interface.h"
+
+namespace vl {
+
+class InterfaceArray;
+
+// An object that others refer to and that knows them. Subscribing holds no count in either direction: a
+// subscriber leaves before it ends.
+class KERNIX_API ReferenceSource : public Interface {
+public:
+    ~ReferenceSource() override;
+
+    // The objects that refer to this one, in the order in which they subscribed. filter: a type name
+    // their IsTypeOf accepts, or null for all. The caller holds the array's one count.
+    InterfaceArray* GetSubscribers(const char* filter) const;
+
+    void Subscribe(Interface* subscriber);
+    void Unsubscribe(Interface* subscriber);  // one subscription; nothing when there is none
+
+private:
+    std::vector<Interface*> m_subscribers;
+};
+
+}  // namespace vl

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "host/host_app.h"
+#include "host/module_entry.h"
+
+namespace kernix {
+
+// The part of a host application that is the same for every host: arrays, extensions by type name, settings,
+// messages. A concrete host adds its windows and strings.
+class KERNIX_API HostAppBase : public HostApp {
+public:
+    HostAppBase();
+    virtual ~HostAppBase();
+
+    // Initialises a module: it then registers its type names, which CreateExtension asks it for. Answers
+    // what the module answers.
+    vl::Word StartModule(HINSTANCE module, ModuleEntry entry);
+
+    // An extension that the host itself offers.
+    void AddExtension(const std::string& typeName, std::function<vl::Extension*()> create);
+
+    void SetSetting(const std::string& key, int value) { m_settings[key] = value; }
+
+    void* LoadModuleStrings(HINSTANCE module) override;
+    const char16_t* GetModuleString(void* table, int id) override;
+    void RegisterExtensionType(HINSTANCE module, const char* typeName, int a, int b) override;
+    vl::Array* CreateSortedArray(vl::ArrayComparator comparator) override;
+    vl::Array* CreateArray() override;
+    vl::Interface* CreateInstance(int a, int b, int classCode) override;
+    vl::Extension* CreateExtension(const char* typeName) override;
+    void ReportError(int severity, const char* text) override;
+    void ReportFailure(int code) override;
+    HWND GetMainWindow(int which) override;
+    int GetSettingInt(int mode, const char* key, int fallback) override;
+    void ShowHelpTopic(const char* page, int mode) override;
+    void LocalizeDialog(void* table, HWND dialog) override;
+    void LogLine(const char16_t* format, ...) override;
+    vl::Context* CreateContext(int a, int b) override;
+
+protected:
+    // Where messages for the user go, UTF-8; here to standard error. severity 0 is a log line.
+    virtual void ShowMessage(int severity, const std::string& text);
+
+private:
+    std::map<HINSTANCE, ModuleEntry> m_modules;
+    std::map<std::string, std::function<vl::Extension*()>> m_extensions;
+    std::map<std::string, int> m_settings;
+};
+
+// A new context with count 1.
+KERNIX_API vl::Context* CreateContext();
+
+}  // namespace kernix

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/math.h"
+
+namespace kernix {
+
+// A unit quaternion in double precision, on which the rotation types of host/ are computed.
+struct Rotation {
+    double x = 0;
+    double y = 0;
+    double z = 0;
+    double w = 1;
+
+    static Rotation From(const vl::Quaternion& q);  // brought to unit length; no length is no rotation
+    static Rotation From(const vl::AngleAxis& a);
+    static Rotation About(double ax, double ay, double az, double angle);  // the axis may have any length
+
+    // Of a matrix whose first three rows are a right-handed orthonormal frame; w is not negative.
+    static Rotation FromRows(const double (&rows)[3][3]);
+
+    Rotation Times(const Rotation& next) const;  // first this, then next
+    Rotation Inverted() const { return {-x, -y, -z, w}; }
+    void ToRows(double (&m)[4][4]) const;  // writes the upper left three by three
+    vl::Quaternion ToQuaternion() const;
+    vl::AngleAxis ToAngleAxis() const;
+};
+
+}  // namespace kernix

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "kernix/scene/mesh_model.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kernix {
+namespace {
+
+void IndexLists(const std::vector<std::uint32_t>& indices, const std::vector<std::uint16_t>& counts,
+                std::size_t uniform, std::vector<const std::uint32_t*>& lists) {
+    const std::size_t count = counts.empty() ? indices.size() / uniform : counts.size();
+    lists.clear();
+    lists.reserve(count);
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        lists.push_back(indices.data() + start);
+        start += counts.empty() ? uniform : counts[i];
+    }
+}
+
+}  // namespace
+
+void MeshGeometry::Index() {
+    IndexLists(faceIndices, faceCounts, 3, faces);
+    IndexLists(secondaryIndices, secondaryCounts, 2, secondary);
+}
+
+MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::vector<MaterialModel*> uses,
+                     std::uint32_t format)
+    : m_uses(std::move(uses)), m_geometry(std::move(geometry)) {
+    const MeshGeometry& g = *m_geometry;
+    const auto dataOrNull = [](const auto& list) { return list.empty() ? nullptr : list.data(); };
+    m_nFormat = format;
+    m_pPositions = dataOrNull(g.positions);
+    m_nVertices = static_cast<std::uint32_t>(g.positions.size() / 3);
+    m_nFaces = static_cast<std::uint32_t>(g.faces.size());
+    m_pFaceCounts = dataOrNull(g.faceCounts);
+    m_pFaceAttributes = dataOrNull(g.faceAttributes);
+    m_ppFaces = dataOrNull(g.faces);
+    m_nSecondary = static_cast<std::uint32_t>(g.secondary.size());
+    m_pSecondaryCounts = dataOrNull(g.secondaryCounts);
+    m_ppSecondary = dataOrNull(g.secondary);
+}
+
+vl::Interface* MeshModel::QueryComponent(int kind, int) {
+    if (kind != vl::zr::kComponentMesh) return nullptr;
+    auto* component = new vl::zr::MeshComponent;
+    component->m_nVertices = m_nVertices;
+    component->m_nFaces = m_nFaces;
+    component->m_nSecondary = m_nSecondary;
+    return component;
+}
+
+int MeshModel::CountMaterialUses(vl::zr::Material* material, int) {
+    return static_cast<int>(std::count(m_uses.begin(), m_uses.end(), material));
+}
+
+}  // namespace kernix

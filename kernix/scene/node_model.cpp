@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "kernix/scene/node_model.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "kernix/array.h"
+#include "kernix/scene/scene_model.h"
+#include "kernix/utf.h"
+
+namespace kernix {
+
+NodeModel::NodeModel(SceneModel& scene, std::string name) : m_scene(scene), m_name(std::move(name)) {
+    m_restMatrix.IdentityMatrix();
+}
+
+NodeModel::~NodeModel() = default;
+
+vl::VarMap* NodeModel::GetMetadata(bool create) {
+    if (!m_metadata && create) m_metadata = vl::Ref<vl::VarMap>::Adopt(vl::VarMap::Create());
+    return m_metadata.Get();
+}
+
+void NodeModel::GetName(char* buffer, int size) { CopyText(m_name, buffer, size); }
+
+void NodeModel::GetNameW(char16_t* buffer, int size) { CopyText(ToUtf16(m_name), buffer, size); }
+
+// For example "wheel_left, 3 children, 24 vertices, 12 faces".
+void NodeModel::GetDescription(char* buffer, int size) {
+    std::string text = m_name.empty() ? "unnamed" : m_name;
+    int children = 0;
+    for (const vl::zr::Node* child = m_pFirstChild; child != nullptr; child = child->m_pNextSibling) ++children;
+    if (children != 0) text += ", " + std::to_string(children) + (children == 1 ? " child" : " children");
+    if (const auto* mesh = dynamic_cast<const vl::zr::Mesh*>(m_pObject)) {
+        text += ", " + std::to_string(mesh->m_nVertices) + " vertices, " + std::to_string(mesh->m_nFaces) + " faces";
+    }
+    CopyText(text, buffer, size + 1);
+}
+
+vl::zr::Controller* NodeModel::GetController(int kind) {
+    return kind == vl::zr::kControllerTransform ? m_transform.Get() : nullptr;
+}
+
+void NodeModel::GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) {
+    const bool moves = isStatic == 0 && m_transform && m_transform->Resolve(nullptr) != nullptr;
+    if (moves) {
+        m_transform->EvaluateMatrix(m_scene.GetCurrentTime(), 0, m, 0);
+    } else {
+        *m = m_restMatrix;
+    }
+}
+
+void NodeModel::GetWorldMatrix(vl::Matrix4<double>* m, int isStatic) { *m = World(isStatic); }
+
+// Walks up to the nearest ancestor whose transform is known, and down again: each node is computed once for
+// each state of the scene, at any depth.
+const vl::Matrix4<double>& NodeModel::World(int isStatic) {
+    const auto which = static_cast<std::size_t>(isStatic != 0);
+    const std::uint64_t state = isStatic != 0 ? m_scene.GetRestState() : m_scene.GetTimeState();
+    std::vector<NodeModel*> unknown;
+    for (NodeModel* node = this; node != nullptr && node->m_worlds[which].state != state; node = node->m_parent) {
+        unknown.push_back(node);
+    }
+    while (!unknown.empty()) {
+        NodeModel* node = unknown.back();
+        unknown.pop_back();
+        CachedWorld& world = node->m_worlds[which];
+        node->GetLocalMatrix(&world.matrix, isStatic);
+        world.matrix.Transform(node->m_parent != nullptr ? node->m_parent->m_worlds[which].matrix
+                                                         : m_scene.GetSceneMatrix());
+        world.state = state;
+    }
+    return m_worlds[which].matrix;
+}
+
+void NodeModel::Delete(int) { m_scene.RemoveNode(*this); }
+
+vl::zr::Object3D* NodeModel::GetObjectOfKind(int kind) {
+    return m_pObject != nullptr && m_pObject->IsKindOf(kind) ? m_pObject : nullptr;
+}
+
+void NodeModel::SetRestPose(const Pose& pose) {
+    m_restPose = pose;
+    // A scale of zero is treated as it is in an animation.
+    const auto notZero = [](float s) { return s == 0 ? 1e-6 : double{s}; };
+    m_restMatrix.SetScale({notZero(pose.scale.x), notZero(pose.scale.y), notZero(pose.scale.z)});
+    m_restMatrix.Rotate(pose.rotation);
+    m_restMatrix.Offset(pose.translation);
+    m_scene.TransformsChanged();
+}
+
+void NodeModel::SetRestMatrix(const vl::Matrix4<double>& m) {
+    m_restMatrix = m;
+    vl::AffineParts parts;
+    m.AffineDecompose(parts);
+    m_restPose = {parts.t, parts.q, {parts.k.x * parts.f, parts.k.y * parts.f, parts.k.z * parts.f}};
+    m_scene.TransformsChanged();
+}
+
+void NodeModel::SetObject(vl::Ref<vl::zr::Object3D> object) {
+    if (m_object) m_object->m_pNode = nullptr;
+    m_object = std::move(object);
+    m_pObject = m_object.Get();
+    if (m_pObject != nullptr) m_pObject->m_pNode = this;
+}
+
+void NodeModel::SetObjectOffset(const vl::Matrix4<double>& offset) {
+    m_objectOffset = offset;
+    m_pObjectOffset = &*m_objectOffset;
+}
+
+void NodeModel::AddControllerWord(vl::zr::Controller* controller) {
+    if (!m_controllerWords) {
+        m_controllerWords = vl::Ref<vl::Array>::Adopt(CreateArray());
+        m_pControllers = m_controllerWords.Get();
+    }
+    m_controllerWords->Add(vl::ToWord(controller));
+}
+
+TransformControllerModel* NodeModel::AddTransformController() {
+    if (!m_transform) {
+        m_transform = vl::Ref<TransformControllerModel>::Adopt(new TransformControllerModel(*this));
+        AddControllerWord(m_transform.Get());
+    }
+    return m_transform.Get();
+}
+
+SampledControllerModel* NodeModel::AddController(std::string target) {
+    m_controllers.push_back(
+        vl::Ref<SampledControllerModel>::Adopt(new SampledControllerModel(m_scene, std::move(target))));
+    AddControllerWord(m_controllers.back().Get());
+    return m_controllers.back().Get();
+}
+
+bool NodeModel::HasGenerator(const char* name) const {
+    return std::find(m_generators.begin(), m_generators.end(), name) != m_generators.end();
+}
+
+}  // namespace kernix

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/node.h"
+#include "host/object.h"
+#include "host/ref.h"
+#include "host/var.h"
+#include "kernix/scene/sampled_controller_model.h"
+#include "kernix/scene/transform_controller_model.h"
+
+namespace kernix {
+
+class SceneModel;
+
+// A node of a SceneModel; made by SceneModel::AddNode.
+class KERNIX_API NodeModel final : public vl::zr::Node {
+public:
+    NodeModel(SceneModel& scene, std::string name);
+    ~NodeModel() override;
+
+    vl::VarMap* GetMetadata(bool create) override;
+    void GetName(char* buffer, int size) override;
+    void GetNameW(char16_t* buffer, int size) override;
+    void GetDescription(char* buffer, int size) override;
+    vl::zr::Controller* GetController(int kind) override;
+    void GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) override;
+    void GetWorldMatrix(vl::Matrix4<double>* m, int isStatic) override;
+    void Delete(int mode) override;
+    vl::zr::Object3D* GetObjectOfKind(int kind) override;
+
+    SceneModel& GetScene() const { return m_scene; }
+    NodeModel* GetParent() const { return m_parent; }
+    const std::string& GetNameText() const { return m_name; }
+    bool IsDeleted() const { return m_deleted; }
+
+    // The transform at rest: a pose, or any matrix.
+    void SetRestPose(const Pose& pose);
+    void SetRestMatrix(const vl::Matrix4<double>& m);
+    const Pose& GetRestPose() const { return m_restPose; }
+
+    // Takes over the caller's count. Null takes the object away.
+    void SetObject(vl::Ref<vl::zr::Object3D> object);
+    void SetObjectOffset(const vl::Matrix4<double>& offset);
+    TransformControllerModel* AddTransformController();  // or the one there is
+    SampledControllerModel* AddController(std::string target);
+    void AddGenerator(std::string name) { m_generators.push_back(std::move(name)); }
+    bool HasGenerator(const char* name) const;
+
+    // What the node stands for in the document it came from; -1 when it stands for nothing.
+    int m_source = -1;
+
+private:
+    friend class SceneModel;
+
+    // A world transform and the state of the scene that it was made for.
+    struct CachedWorld {
+        vl::Matrix4<double> matrix;
+        std::uint64_t state = 0;
+    };
+
+    const vl::Matrix4<double>& World(int isStatic);
+    void AddControllerWord(vl::zr::Controller* controller);
+
+    SceneModel& m_scene;
+    std::string m_name;
+    NodeModel* m_parent = nullptr;
+    NodeModel* m_previous = nullptr;   // sibling
+    NodeModel* m_lastChild = nullptr;
+    int m_listIndex = 0;               // in the scene's node list when that was last numbered
+    bool m_deleted = false;
+    Pose m_restPose;
+    vl::Matrix4<double> m_restMatrix;
+    CachedWorld m_worlds[2];           // at the current time, at rest
+    vl::Ref<vl::zr::Object3D> m_object;
+    std::optional<vl::Matrix4<double>> m_objectOffset;
+    vl::Ref<vl::VarMap> m_metadata;
+    vl::Ref<TransformControllerModel> m_transform;
+    std::vector<vl::Ref<SampledControllerModel>> m_controllers;
+    vl::Ref<vl::Array> m_controllerWords;
+    std::vector<std::string> m_generators;
+};
+
+}  // namespace kernix

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "kernix/scene/transform_controller_model.h"
+
+#include <cmath>
+
+#include "kernix/scene/animation_model.h"
+#include "kernix/scene/node_model.h"
+#include "kernix/scene/scene_model.h"
+
+namespace kernix {
+namespace {
+
+// What a scale of exactly zero counts as, so that the transform keeps its inverse.
+constexpr double kLeastScale = 1e-6;
+
+double NotZero(double scale) {
+    if (std::fabs(scale) >= kLeastScale) return scale;
+    return scale < 0 ? -kLeastScale : kLeastScale;
+}
+
+}  // namespace
+
+TransformControllerModel::TransformControllerModel(NodeModel& node) : m_node(node), m_tracks(node.GetScene()) {
+    m_pTracks = m_tracks.Words();
+}
+
+// The caller may go on to change keys, so everything that depends on them is made anew from here on.
+void TransformControllerModel::Changed() { m_node.GetScene().TransformsChanged(); }
+
+TransformTrack* TransformControllerModel::Resolve(vl::zr::Track* track) const {
+    return static_cast<TransformTrack*>(track != nullptr ? track : m_tracks.Active());
+}
+
+TransformTrack* TransformControllerModel::AddTransformTrack(AnimationModel* animation) {
+    if (vl::zr::Track* track = m_tracks.Find(animation)) return static_cast<TransformTrack*>(track);
+    auto* track = new TransformTrack(animation);
+    m_tracks.Add(vl::Ref<vl::zr::Track>::Adopt(track));
+    return track;
+}
+
+vl::zr::Track* TransformControllerModel::AddTrack(vl::zr::Animation* animation) {
+    return AddTransformTrack(static_cast<AnimationModel*>(animation));
+}
+
+void TransformControllerModel::SaveTrack(vl::Stream* stream, vl::zr::Track* track, int) {
+    if (TransformTrack* resolved = Resolve(track)) resolved->Save(*stream);
+}
+
+void TransformControllerModel::LoadTrack(vl::Stream* stream, int, vl::zr::Track* track) {
+    if (TransformTrack* resolved = Resolve(track)) resolved->Load(*stream);
+    Changed();
+}
+
+void TransformControllerModel::RetimeTrack(float scale, float offset, vl::zr::Track* track) {
+    if (TransformTrack* resolved = Resolve(track)) resolved->Retime(scale, offset);
+    Changed();
+}
+
+vl::zr::RotationKey* TransformControllerModel::AddRotationKey(float time, vl::zr::Track* track) {
+    TransformTrack* resolved = Resolve(track);
+    Changed();
+    return resolved != nullptr ? resolved->AddRotation(time) : nullptr;
+}
+
+vl::zr::PositionKey* TransformControllerModel::AddPositionKey(float time, vl::zr::Track* track) {
+    TransformTrack* resolved = Resolve(track);
+    Changed();
+    return resolved != nullptr ? resolved->AddPosition(time) : nullptr;
+}
+
+vl::zr::ScaleKey* TransformControllerModel::AddScaleKey(float time, vl::zr::Track* track) {
+    TransformTrack* resolved = Resolve(track);
+    Changed();
+    return resolved != nullptr ? resolved->AddScale(time) : nullptr;
+}
+
+int TransformControllerModel::GetTrackKeyCount(int keyType, vl::zr::Track* track) {
+    const TransformTrack* resolved = Resolve(track);
+    return resolved != nullptr ? resolved->Count(keyType) : 0;
+}
+
+vl::zr::Key* TransformControllerModel::GetKey(int keyType, int index, vl::zr::Track* track) {
+    const TransformTrack* resolved = Resolve(track);
+    return resolved != nullptr ? resolved->Get(keyType, index) : nullptr;
+}
+
+void TransformControllerModel::RemoveKey(int keyType, int index, vl::zr::Track* track) {
+    if (TransformTrack* resolved = Resolve(track)) resolved->Remove(keyType, index);
+    Changed();
+}
+
+void TransformControllerModel::EvaluateMatrix(float time, int, vl::Matrix4<double>* m, int) {
+    const TransformTrack* track = Resolve(nullptr);
+    if (track == nullptr) {
+        m_node.GetLocalMatrix(m, 1);
+        return;
+    }
+    const TransformTrack::Sample sample = track->Evaluate(time, m_node.GetRestPose());
+    m->IdentityMatrix();
+    sample.rotation.ToRows(m->m);
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) m->m[row][column] *= NotZero(sample.scale[row]);
+        m->m[3][row] = sample.translation[row];
+    }
+}
+
+void TransformControllerModel::NormalizeRotationKeys(vl::zr::Track* track, int) {
+    if (TransformTrack* resolved = Resolve(track)) resolved->NormalizeRotations();
+}
+
+}  // namespace kernix

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#include "module/cleaner/removal.h"
+
+#include "host/change_record.h"
+#include "host/node.h"
+
+namespace zrt {
+
+int RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record) {
+    return RemoveEach(nodes, context, [record](vl::zr::Node* node) {
+        if (record != nullptr) record->RecordNodeRemoval(node, 0);
+        node->Delete(0);
+    });
+}
+
+}  // namespace zrt

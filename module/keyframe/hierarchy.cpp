@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// From the scene's nodes to the tree of records.
+#include <unordered_set>
+#include <vector>
+
+#include "host/node.h"
+#include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/name_text.h"
+#include "module/keyframe/node_filter.h"
+#include "module/keyframe/record.h"
+
+namespace {
+
+// One record for each accepted node of the scene, listed in parents and roots in the order of the scene.
+void BuildRecords(ZR_TK& tool) {
+    zrt::NodeFilter filter(tool.m_pScene, tool.m_dwExportFlags);
+    struct Siblings {
+        vl::zr::Node* next;
+        ExportNode* parent;
+    };
+    std::vector<Siblings> pending{{tool.m_pScene->m_pFirstNode, nullptr}};
+    while (!pending.empty()) {
+        auto& [next, parent] = pending.back();
+        vl::zr::Node* node = next;
+        if (node == nullptr) {
+            pending.pop_back();
+            continue;
+        }
+        next = node->m_pNextSibling;
+        const std::uint32_t flags = filter.Flags(node);
+        if (flags == 0) continue;
+        ExportNode* record = tool.NewRecord(node);
+        record->dwFlags = flags;
+        record->pSourceNode = node;
+        if (parent != nullptr) {
+            zrt::AppendChild(parent, record);
+        } else {
+            if (tool.m_pRoots == nullptr) tool.m_pRoots = g_pHost->CreateArray();
+            tool.m_pRoots->Add(vl::ToWord(record));
+        }
+        pending.push_back({node->m_pFirstChild, record});
+    }
+}
+
+void AddGroupingRoot(ZR_TK& tool) {
+    ExportNode* root = tool.NewRecord(nullptr);
+    root->mWorld = tool.m_mScene;
+    root->dwFlags = NF_ROOT | NF_GROUP | NF_ADDED;
+    for (ExportNode* record : vl::ArrayOf<ExportNode*>(tool.m_pRoots)) zrt::AppendChild(root, record);
+    tool.m_pRoots->RemoveAll();
+    tool.m_pRoots->Add(vl::ToWord(root));
+}
+
+}  // namespace
+
+int ZR_TK::BuildHierarchy() {
+    if (m_pScene == nullptr || m_dwExportFlags == 0) {
+        g_pHost->ReportError(1, "Invalid parameters");
+        return 0;
+    }
+    if ((m_dwExportFlags & vl::tk::kGeometrySplit) != 0) m_dwExportFlags |= vl::tk::kGroupSplit;
+    m_mScene.IdentityMatrix();
+    m_pScene->GetParam(vl::zr::kParamSceneMatrix, vl::ToWord(&m_mScene), ZR_VALUE_MATRIX);
+
+    BuildRecords(*this);
+    if (m_pRoots == nullptr) return 0;
+    if ((m_dwExportFlags & vl::tk::kGroupingRoot) != 0 && m_pRoots->m_nCount > 1) AddGroupingRoot(*this);
+
+    if ((m_dwExportFlags & vl::tk::kGroupSplit) != 0) GroupSplit(m_pRoots);
+    ComputeLocalMatrices(m_pRoots);
+    if (m_bAnimated) {
+        AnimatedPivotPass(m_pRoots);
+    } else if ((m_dwExportFlags & vl::tk::kStaticPivot) != 0) {
+        StaticPivotPass(m_pRoots);
+    }
+    if ((m_dwExportFlags & vl::tk::kGeometrySplit) != 0) GeometrySplit(m_pRoots);
+
+    if (m_pAllNodes == nullptr) m_pAllNodes = g_pHost->CreateArray();
+    CollectAllNodes(m_pRoots);
+    return 1;
+}
+
+void ZR_TK::ComputeLocalMatrices(vl::Array* records) {
+    zrt::WalkRecords(records, [](ExportNode* record) {
+        if (record->pParent == nullptr) {
+            record->mLocal = record->mWorld;
+        } else {
+            record->mLocal.SetLocalMatrix(record->pParent->mWorld, record->mWorld);
+        }
+        return record;
+    });
+}
+
+void ZR_TK::CollectAllNodes(vl::Array* records) {
+    const vl::ArrayOf<ExportNode*> all(m_pAllNodes);
+    std::unordered_set<ExportNode*> listed(all.begin(), all.end());
+    zrt::WalkRecords(records, [&](ExportNode* record) {
+        if (listed.insert(record).second) m_pAllNodes->Add(vl::ToWord(record));
+        return record;
+    });
+}
+
+ExportNode* ZR_TK::AddNode(ExportNode* parent, const char* name) {
+    if (m_pAllNodes == nullptr) return nullptr;
+    ExportNode* record = NewRecord(nullptr);
+    if (parent != nullptr) {
+        zrt::AppendChild(parent, record);
+        record->mWorld = parent->mWorld;
+    } else {
+        m_looseRecords.push_back(record);
+    }
+    if ((m_dwExportFlags & vl::tk::kAssignNames) != 0) {
+        const int limit = NameLimit();
+        if (name == nullptr) name = "";
+        if ((m_dwNameFlags & vl::tk::kNamesWide) != 0) {
+            record->wszName = new char16_t[limit + 1]();
+            AtoWex(name, record->wszName, limit);
+        } else {
+            record->szName = new char[limit + 1]();
+            zrt::CopyNameBounded(record->szName, name, limit + 1);
+        }
+        if ((m_dwNameFlags & vl::tk::kNamesUnique) != 0 && m_pNameTable != nullptr) MakeUniqueName(record);
+    }
+    m_pAllNodes->Add(vl::ToWord(record));
+    return record;
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// What exporters ask of a record's keys.
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/record.h"
+
+namespace {
+
+vl::Array* Track(ExportNode* record, int track) {
+    switch (track) {
+        case vl::zr::kKeyPosition:
+            return record->pPosKeys;
+        case vl::zr::kKeyRotation:
+            return record->pRotKeys;
+        case vl::zr::kKeyScale:
+            return record->pScaleKeys;
+        default:
+            return nullptr;
+    }
+}
+
+bool HasSeveral(vl::Array* track) {
+    return track != nullptr && track->m_nCount > 1;
+}
+
+// The key, or null when there is none.
+template <typename Key>
+const Key* FindKey(vl::Array* track, int index) {
+    return track != nullptr && track->IsValidIndex(index) ? vl::FromWord<Key*>(track->GetAt(index)) : nullptr;
+}
+
+template <typename Key>
+void CollectTimes(vl::Array* track, std::vector<float>& times) {
+    for (const Key* key : vl::ArrayOf<Key*>(track)) times.push_back(key->fTime);
+}
+
+// A total order: what is no number comes last.
+bool IsEarlier(float a, float b) {
+    return a < b || (std::isnan(b) && !std::isnan(a));
+}
+
+}  // namespace
+
+int ZR_TK::HasAnimation() {
+    if (m_pScene == nullptr || m_pScene->IsAnimated() == 0) return 0;
+    for (const ExportNode* record : vl::ArrayOf<ExportNode*>(m_pAllNodes)) {
+        if (HasSeveral(record->pPosKeys) || HasSeveral(record->pScaleKeys) || HasSeveral(record->pRotKeys)) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int ZR_TK::GetKeyCount(ExportNode* record, int track) {
+    if (record == nullptr) return -1;
+    if ((record->dwFlags & NF_GROUP) == 0 && (m_dwAnimFlags & vl::tk::kGroupKeysOnly) != 0) return 0;
+    if (track < vl::zr::kKeyPosition || track > vl::zr::kKeyScale) return 0;
+    vl::Array* keys = Track(record, track);
+    if (HasSeveral(keys)) return keys->m_nCount;
+    return (m_dwAnimFlags & vl::tk::kAtLeastOneKey) != 0 ? 1 : 0;
+}
+
+int ZR_TK::GetRotationKey(ExportNode* record, int index, ExportRotationKey* out) {
+    if (const auto* key = FindKey<ExportRotationKey>(record->pRotKeys, index)) {
+        *out = *key;
+    } else {
+        *out = {};
+        out->qValue = record->qRotation;
+        if ((m_dwAnimFlags & vl::tk::kAngleAxisKeys) != 0) out->aaValue = vl::AngleAxis(record->qRotation);
+    }
+    return 1;
+}
+
+int ZR_TK::GetScaleKey(ExportNode* record, int index, ExportScaleKey* out) {
+    if (const auto* key = FindKey<ExportScaleKey>(record->pScaleKeys, index)) {
+        *out = *key;
+    } else {
+        *out = {};
+        out->vValue = record->vScale;
+    }
+    return 1;
+}
+
+int ZR_TK::GetPositionKey(ExportNode* record, int index, ExportPositionKey* out) {
+    if (const auto* key = FindKey<ExportPositionKey>(record->pPosKeys, index)) {
+        *out = *key;
+    } else {
+        *out = {};
+        out->vValue = record->vPosition;
+    }
+    return 1;
+}
+
+vl::Array* ZR_TK::GetKeyTimes(ExportNode* record, int withAncestors) {
+    std::vector<float> times;
+    for (ExportNode* r = record; r != nullptr; r = withAncestors != 0 ? r->pParent : nullptr) {
+        CollectTimes<ExportPositionKey>(r->pPosKeys, times);
+        CollectTimes<ExportRotationKey>(r->pRotKeys, times);
+        CollectTimes<ExportScaleKey>(r->pScaleKeys, times);
+    }
+    if (!times.empty()) times.push_back(0.0f);
+    // Of equal times, -0.0 and 0.0 among them, the first one found stays: stable.
+    std::stable_sort(times.begin(), times.end(), IsEarlier);
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+
+    vl::Array* result = g_pHost->CreateArray();
+    for (const float time : times) result->Add(vl::ToWord(time));
+    return result;
+}
+
+void ZR_TK::AddKeyTime(vl::Array* times, float time) {
+    vl::ArrayOf<float> view(times);
+    int low = 0;
+    for (int high = view.Count(); low < high;) {
+        const int middle = low + (high - low) / 2;
+        if (view[middle] < time) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    if (low == view.Count() || view[low] != time) view.InsertAt(low, time);
+}

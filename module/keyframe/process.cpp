@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/record.h"
+
+namespace {
+
+bool ShowsInfo() {
+    return g_pHost->GetSettingInt(0, "Features\\ShowTweenkitInfo", 0) != 0;
+}
+
+}  // namespace
+
+int ZR_TK::Process(int) {
+    using namespace vl::tk;
+    const auto exports = [this](std::uint32_t flags) { return (m_dwExportFlags & flags) != 0; };
+
+    if (ShowsInfo()) g_pHost->LogLine(u"ZR_TK::Process() - entering");
+    m_bAnimated = !exports(kIgnoreAnimation) && m_pScene != nullptr && m_pScene->IsAnimated() != 0;
+    if (BuildHierarchy() == 0) return 0;
+    if (exports(kExtractKeys) && ExtractKeys() != 0) m_dwStatus |= 0x1;
+    if (exports(kLightTargetRecords | kLightTargetKeys)) LightTargetPass();
+    if (exports(kCameraTargetRecords | kCameraTargetKeys)) CameraTargetPass();
+    if (exports(kAssignNames)) AssignNames();
+    if (exports(kDecomposeRest | kExtractKeys)) {
+        zrt::WalkRecords(m_pRoots, [this](ExportNode* record) {
+            DecomposeRest(record, nullptr);
+            return record;
+        });
+    }
+    OrientationPass();
+    if (m_nMaxMaterialNameLength > 2) MakeMaterialNames();
+    if (exports(kMergeKeys)) MergeKeys();
+    if ((m_dwAnimFlags & kResampleKeys) != 0) ResampleKeys();
+    if (exports(kFlipAxes)) FlipAxes();
+
+    m_fStartTime = m_pScene->GetStartTime(nullptr);
+    m_fEndTime = m_pScene->GetEndTime(nullptr);
+    if ((m_dwAnimFlags & (kRescaleTime | kSetLength | kReverseTime)) != 0) RemapTime();
+    if (ShowsInfo()) FillTreeView(nullptr, 0);
+    return 1;
+}

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// The scene matrix goes into the keys of the top-level records, or above them where a key cannot hold it.
+#include <cmath>
+
+#include "host/controller.h"
+#include "module/keyframe/affine.h"
+#include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/record.h"
+
+namespace {
+
+// The controlled transform at a time, with the scene matrix as the last step.
+vl::AffineParts PartsAt(vl::zr::TransformController* controller, float time,
+                        const vl::Matrix4<double>& scene) {
+    vl::Matrix4<double> m;
+    controller->EvaluateMatrix(time, 0, &m, 0);
+    m.Transform(scene);
+    vl::AffineParts parts;
+    m.AffineDecompose(parts);
+    return parts;
+}
+
+// True when at no key the scene matrix turns the axes of the scale.
+bool CanFold(vl::zr::TransformController* controller, const vl::Matrix4<double>& scene) {
+    for (const int track : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
+        const int count = controller->GetTrackKeyCount(track, nullptr);
+        for (int i = 0; i < count; ++i) {
+            const float time = controller->GetKey(track, i, nullptr)->m_fTime;
+            if (vl::AngleAxis(PartsAt(controller, time, scene).u).angle > zrt::kTurnTolerance) return false;
+        }
+    }
+    return true;
+}
+
+void Fold(ExportNode* record, const vl::Matrix4<double>& scene) {
+    vl::zr::TransformController* controller = record->pController;
+    for (auto* key : vl::ArrayOf<ExportScaleKey*>(record->pScaleKeys)) {
+        key->vValue = zrt::SignedScale(PartsAt(controller, key->fTime, scene));
+    }
+    for (auto* key : vl::ArrayOf<ExportPositionKey*>(record->pPosKeys)) {
+        key->vValue = PartsAt(controller, key->fTime, scene).t;
+    }
+    for (auto* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) {
+        key->qValue = PartsAt(controller, key->fTime, scene).q;
+    }
+}
+
+}  // namespace
+
+void ZR_TK::FoldSceneMatrix() {
+    if (m_mScene.IsIdentity(zrt::kIdentityTolerance)) return;
+    vl::ArrayOf<ExportNode*> roots(m_pRoots);
+    for (int i = 0; i < roots.Count(); ++i) {
+        ExportNode* record = roots[i];
+        if (record->pController == nullptr) continue;
+        if (CanFold(record->pController, m_mScene)) {
+            Fold(record, m_mScene);
+            continue;
+        }
+        ExportNode* post = NewRecord(record->pNode);
+        post->dwFlags = NF_POST | NF_GROUP | NF_ADDED;
+        post->mWorld = m_mScene;
+        post->mLocal = m_mScene;
+        zrt::AppendChild(post, record);
+        roots.SetAt(i, post);
+        m_pAllNodes->Add(vl::ToWord(post));
+    }
+}

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "platform/graphics/font_face.h"
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+
+#include <cstring>
+#include <map>
+#include <tuple>
+#include <vector>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+#include FT_TRUETYPE_TABLES_H
+
+namespace platform {
+namespace {
+
+using PatternPtr = std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)>;
+
+std::string ToUtf8(const char16_t* text) {
+    std::string result;
+    const auto* bytes = reinterpret_cast<const FcChar8*>(text);
+    int left = static_cast<int>(2 * std::char_traits<char16_t>::length(text));
+    while (left > 0) {
+        FcChar32 character = 0;
+        const int used = FcUtf16ToUcs4(bytes, FcEndianLittle, &character, left);
+        if (used <= 0) break;
+        FcChar8 encoded[FC_UTF8_MAX_LEN];
+        const int length = FcUcs4ToUtf8(character, encoded);
+        result.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
+        bytes += used;
+        left -= used;
+    }
+    return result;
+}
+
+std::u16string ToUtf16(const FcChar8* text) {
+    std::u16string result;
+    int left = static_cast<int>(std::strlen(reinterpret_cast<const char*>(text)));
+    while (left > 0) {
+        FcChar32 character = 0;
+        const int used = FcUtf8ToUcs4(text, &character, left);
+        if (used <= 0) break;
+        if (character < 0x10000) {
+            result += static_cast<char16_t>(character);
+        } else {
+            result += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
+            result += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+        }
+        text += used;
+        left -= used;
+    }
+    return result;
+}
+
+// The library and the faces opened from it; the faces go first.
+struct Library {
+    FT_Library library = nullptr;
+    std::mutex mutex;
+    // By what was asked for, so a request costs one look-up after its first time.
+    std::map<std::tuple<std::u16string, LONG, bool>, FontFace*> requests;
+    // By file and style, so requests that end at one face share it.
+    std::map<std::tuple<std::string, int, bool, bool>, std::unique_ptr<FontFace>> faces;
+
+    Library() { FT_Init_FreeType(&library); }
+    ~Library() {
+        faces.clear();
+        FT_Done_FreeType(library);
+    }
+};
+
+Library& TheLibrary() {
+    static Library library;
+    return library;
+}
+
+}  // namespace
+
+struct FontFace::Match {
+    std::string file;
+    int index = 0;
+    std::u16string family;
+    bool slant = false;
+    bool embolden = false;
+};
+
+FontFace::Match FontFace::BestMatch(const LOGFONTW& font) {
+    const PatternPtr pattern(FcPatternCreate(), FcPatternDestroy);
+    const std::string wished = ToUtf8(font.lfFaceName);
+    if (!wished.empty()) {
+        FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(wished.c_str()));
+    }
+    const LONG weight = font.lfWeight > 0 ? font.lfWeight : FW_NORMAL;
+    FcPatternAddInteger(pattern.get(), FC_WEIGHT, FcWeightFromOpenType(weight));
+    FcPatternAddInteger(pattern.get(), FC_SLANT, font.lfItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
+    FcPatternAddBool(pattern.get(), FC_OUTLINE, FcTrue);
+    FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
+    FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+    FcDefaultSubstitute(pattern.get());
+
+    FcResult result = FcResultNoMatch;
+    const PatternPtr best(FcFontMatch(nullptr, pattern.get(), &result), FcPatternDestroy);
+    Match match;
+    FcChar8* text = nullptr;
+    if (!best || FcPatternGetString(best.get(), FC_FILE, 0, &text) != FcResultMatch) return match;
+    match.file = reinterpret_cast<const char*>(text);
+    FcPatternGetInteger(best.get(), FC_INDEX, 0, &match.index);
+
+    // A face may have several family names; the one asked for wins.
+    for (int i = 0; FcPatternGetString(best.get(), FC_FAMILY, i, &text) == FcResultMatch; ++i) {
+        const bool asked = FcStrCmpIgnoreCase(text, reinterpret_cast<const FcChar8*>(wished.c_str())) == 0;
+        if (i == 0 || asked) match.family = ToUtf16(text);
+        if (asked) break;
+    }
+    FcMatrix* matrix = nullptr;
+    match.slant = FcPatternGetMatrix(best.get(), FC_MATRIX, 0, &matrix) == FcResultMatch && matrix->xy != 0;
+    FcBool embolden = FcFalse;
+    FcPatternGetBool(best.get(), FC_EMBOLDEN, 0, &embolden);
+    match.embolden = embolden != FcFalse;
+    return match;
+}
+
+FontFace* FontFace::Find(const LOGFONTW& font) {
+    Library& library = TheLibrary();
+    const std::lock_guard lock(library.mutex);
+    if (!library.library) return nullptr;
+    auto [request, isNew] = library.requests.try_emplace(
+        {std::u16string(font.lfFaceName), font.lfWeight, font.lfItalic != 0}, nullptr);
+    if (!isNew) return request->second;
+
+    const Match match = BestMatch(font);
+    if (match.file.empty()) return nullptr;
+    auto& face = library.faces[{match.file, match.index, match.slant, match.embolden}];
+    if (!face) {
+        FT_Face opened = nullptr;
+        if (FT_New_Face(library.library, match.file.c_str(), match.index, &opened) != 0) return nullptr;
+        if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) {
+            FT_Done_Face(opened);
+            return nullptr;
+        }
+        face.reset(new FontFace(opened, match));
+    }
+    return request->second = face.get();
+}
+
+FontFace::FontFace(FT_Face face, const Match& match)
+    : m_face(face),
+      m_family(match.family),
+      m_unitsPerEm(face->units_per_EM),
+      m_cellHeight(face->ascender - face->descender),
+      // The slant and the thickening that text renderers commonly give such faces.
+      m_shear(match.slant ? 0.2 : 0.0),
+      m_embolden(match.embolden ? face->units_per_EM / 24 : 0) {
+    if (!face->charmap && face->num_charmaps > 0) FT_Set_Charmap(face, face->charmaps[0]);
+    const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+    if (os2 && os2->usWinAscent + os2->usWinDescent > 0) {
+        m_cellHeight = os2->usWinAscent + os2->usWinDescent;
+    }
+    if (m_cellHeight <= 0) m_cellHeight = m_unitsPerEm;
+}
+
+FontFace::~FontFace() {
+    FT_Done_Face(m_face);
+}
+
+unsigned FontFace::GlyphIndex(char16_t character) {
+    const std::lock_guard lock(m_mutex);
+    const unsigned glyph = FT_Get_Char_Index(m_face, character);
+    if (glyph != 0 || character > 0xFF || !m_face->charmap ||
+        m_face->charmap->encoding != FT_ENCODING_MS_SYMBOL) {
+        return glyph;
+    }
+    // Symbol fonts keep their characters in the private area.
+    return FT_Get_Char_Index(m_face, 0xF000u + character);
+}
+
+const FT_Outline* FontFace::Load(unsigned glyph, int& advance) {
+    if (FT_Load_Glyph(m_face, glyph, FT_LOAD_NO_SCALE | FT_LOAD_IGNORE_TRANSFORM) != 0) return nullptr;
+    FT_GlyphSlot slot = m_face->glyph;
+    if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return nullptr;
+    advance = static_cast<int>(slot->metrics.horiAdvance);
+    if (m_embolden != 0) {
+        FT_Outline_Embolden(&slot->outline, m_embolden);
+        if (advance != 0) advance += m_embolden;
+    }
+    if (m_shear != 0) {
+        const FT_Matrix matrix{0x10000, static_cast<FT_Fixed>(m_shear * 0x10000), 0, 0x10000};
+        FT_Outline_Transform(&slot->outline, &matrix);
+    }
+    return &slot->outline;
+}
+
+}  // namespace platform

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTreeWidget>
+#include <vector>
+
+#include "platform/ui/qt/window.h"
+
+namespace zrui {
+
+// A tree view in a window of its own. The widget belongs to the toolkit and goes when the user closes it.
+class TreeWindow final : public Window {
+public:
+    // CW_USEDEFAULT leaves the place, or the size, to the toolkit.
+    TreeWindow(const QString& title, DWORD style, const RECT& xywh, QWidget* parent);
+
+    QString Text() const override { return m_tree.windowTitle(); }
+    void SetText(const QString& text) override { m_tree.setWindowTitle(text); }
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    HTREEITEM Insert(const TVINSERTSTRUCTA& insert);
+
+    QTreeWidget& m_tree;
+    std::vector<QTreeWidgetItem*> m_items;  // an item's handle is its position + 1
+};
+
+}  // namespace zrui

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// The Windows names that the module uses. On Windows they are the system's; elsewhere the headers of
+// platform/windows/ declare the same names and platform/ implements them.
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+// commctrl.h needs windows.h before it.
+#include <commctrl.h>
+#else
+#include "platform/windows/base.h"
+#include "platform/windows/gdi.h"
+#include "platform/windows/kernel.h"
+#include "platform/windows/resource.h"
+#include "platform/windows/ui.h"
+#endif
+
+#include "platform/wide.h"

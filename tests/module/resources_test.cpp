@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <span>
+#include <vector>
+
+#include "module/resources/resource.h"
+#include "platform/ui/dialog_template.h"
+#include "platform/windows.h"
+
+// The resources as they lie in the module, which this program carries itself.
+namespace {
+
+std::span<const std::byte> Resource(LPCSTR name, LPCSTR type) {
+    const HRSRC resource = FindResourceA(nullptr, name, type);
+    return {static_cast<const std::byte*>(LockResource(LoadResource(nullptr, resource))),
+            SizeofResource(nullptr, resource)};
+}
+
+// Reads a language table strictly; anything out of form is a failure.
+std::map<int, std::u16string> ReadTable(LPCSTR name) {
+    std::map<int, std::u16string> texts;
+    const auto bytes = Resource(name, "LNG");
+    EXPECT_EQ(bytes.size() % 2, 0u);
+    std::u16string content(bytes.size() / 2, 0);
+    std::memcpy(content.data(), bytes.data(), content.size() * 2);
+    EXPECT_EQ(content.front(), 0xFEFF);
+    EXPECT_EQ(content.substr(content.size() - 2), u"\r\n");
+    EXPECT_EQ(content.find(u'\0'), std::u16string::npos);
+    int lastId = 0;
+    for (std::size_t begin = 1; begin < content.size();) {
+        const std::size_t end = content.find(u"\r\n", begin);
+        if (end == std::u16string::npos) break;
+        const std::u16string line = content.substr(begin, end - begin);
+        begin = end + 2;
+        if (line.empty() || line == u";") continue;
+        const std::size_t digits = line.find_first_not_of(u"0123456789");
+        const std::string number(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(digits));
+        EXPECT_EQ(line.substr(digits, 2), u"=\"") << name << " " << number;
+        EXPECT_EQ(line.find(u'"', digits + 2), line.size() - 1) << name << " " << number;
+        const int id = std::stoi(number);
+        EXPECT_GT(id, lastId);
+        lastId = id;
+        texts[id] = line.substr(digits + 2, line.size() - digits - 3);
+    }
+    return texts;
+}
+
+std::vector<int> IdsOf(const std::map<int, std::u16string>& table) {
+    std::vector<int> ids;
+    for (const auto& [id, text] : table) ids.push_back(id);
+    return ids;
+}
+
+const std::vector<int> kIds = {1,    100,  500,  501,  502,  503,  504,  505,  506,  507,  508,  510,
+                               511,  512,  601,  602,  603,  604,  605,  1000, 1001, 1002, 1050, 1100,
+                               1101, 1111, 1121, 1131, 1141, 1151, 1161, 1171, 1181, 1191, 2001};
+
+TEST(LanguageTables, HoldTheSameIdsInFormApartFromChinese) {
+    for (const char* name : {"ENG", "DE_DE", "FR_FR", "JA_JP"}) {
+        EXPECT_EQ(IdsOf(ReadTable(name)), kIds) << name;
+    }
+    std::vector<int> chinese = kIds;
+    std::erase_if(chinese,
+                  [](int id) { return id == 508 || id == 512 || id == 605 || id == 1181 || id == 1191; });
+    EXPECT_EQ(IdsOf(ReadTable("CN_CN")), chinese);
+}
+
+TEST(LanguageTables, KeepBlanksAndCharactersOutsideLatin) {
+    auto french = ReadTable("FR_FR");
+    EXPECT_EQ(french[2001], u" : %d supprimé ;");
+    EXPECT_EQ(french[507], u"Toute note, légende en cours et annotation ");
+    EXPECT_EQ(french[512], u"Cartes d\u2019environnement et panneaux arrière");
+    EXPECT_EQ(ReadTable("DE_DE")[604], u"Schließen");
+    EXPECT_EQ(ReadTable("CN_CN")[1], u"3D结构导出");
+    EXPECT_EQ(ReadTable("CN_CN")[1151], u"remove notes, callouts and annotatins");
+}
+
+TEST(LanguageTables, JapaneseIsEnglishButForTheDescription) {
+    auto japanese = ReadTable("JA_JP");
+    EXPECT_EQ(japanese[1], u"3D 階層の書き出し");
+    japanese[1] = ReadTable("ENG")[1];
+    EXPECT_EQ(japanese, ReadTable("ENG"));
+}
+
+TEST(LanguageTables, OnlyTheCountHasAConversion) {
+    for (const char* name : {"ENG", "CN_CN", "DE_DE", "FR_FR", "JA_JP"}) {
+        for (const auto& [id, text] : ReadTable(name)) {
+            EXPECT_EQ(text.find(u'%') != std::u16string::npos, id == 2001) << name << " " << id;
+        }
+    }
+}
+
+TEST(MethodDescription, IsAsciiWithWindowsLineEnds) {
+    const auto bytes = Resource("CLEANER_QUERY_INFO", "ZRDATA");
+    ASSERT_FALSE(bytes.empty());
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto c = static_cast<unsigned char>(bytes[i]);
+        ASSERT_TRUE(c == '\r' || c == '\n' || (c >= 0x20 && c < 0x7F)) << i;
+        if (c == '\n') {
+            ASSERT_EQ(static_cast<char>(bytes[i - 1]), '\r') << i;
+        }
+    }
+}
+
+TEST(VersionRecord, StatesTheVersion) {
+    const auto bytes = Resource(MAKEINTRESOURCEA(1), MAKEINTRESOURCEA(16));
+    std::uint32_t fixed[4];
+    ASSERT_GE(bytes.size(), 40 + sizeof(fixed));
+    std::memcpy(fixed, bytes.data() + 40, sizeof(fixed));
+    EXPECT_EQ(fixed[0], 0xFEEF04BDu);
+    EXPECT_EQ(fixed[2], (6u << 16) | 3u);
+    EXPECT_EQ(fixed[3], (1u << 16) | 8069u);
+}
+
+// Every control: identifier, style, caption, place.
+struct Expected {
+    unsigned id;
+    unsigned style;
+    const char16_t* caption;
+    int x, y, width, height;
+};
+
+constexpr unsigned kShown = 0x10000000;
+constexpr unsigned kChild = 0x40000000;
+constexpr unsigned kTab = 0x00010000;
+constexpr unsigned kCheck = kChild | kShown | kTab | 3;
+constexpr unsigned kPush = kChild | kShown | kTab;
+
+constexpr Expected kControls[] = {
+    {1003, kCheck, u"#502", 12, 12, 216, 10},
+    {1004, kCheck, u"#503", 12, 26, 216, 10},
+    {1006, kCheck, u"#504", 12, 40, 216, 10},
+    {1005, kCheck, u"#505", 12, 54, 216, 10},
+    {1007, kCheck, u"#506", 12, 68, 216, 10},
+    {1008, kCheck, u"#507", 12, 82, 216, 10},
+    {1010, kCheck, u"#510", 12, 96, 216, 10},
+    {1009, kCheck, u"#511", 12, 110, 216, 10},
+    {1011, kCheck, u"#508", 12, 124, 216, 10},
+    {1012, kCheck, u"#512", 12, 138, 216, 10},
+    {1001, kPush | 1, u"#601", 41, 160, 50, 14},
+    {2, kPush, u"#602", 95, 160, 50, 14},
+    {9, kPush, u"#605", 149, 160, 50, 14},
+    {1021, kChild | 0x00800000, u"", 6, 148, 228, 8},
+    {1002, kChild | kTab, u"#603", 94, 160, 50, 14},
+    {1023, kChild | kShown | 7, u"#501", 6, 1, 228, 152},
+    {1022, kChild | 0x00A00844, u"", 190, 5, 44, 137},
+};
+
+TEST(CleanerDialog, IsLaidOutAsTheProcedureNeedsIt) {
+    const auto dialog =
+        platform::ParseDialogTemplate(Resource(MAKEINTRESOURCEA(IDD_CLEANER), MAKEINTRESOURCEA(5)));
+    ASSERT_TRUE(dialog.has_value());
+    EXPECT_EQ(dialog->style, 0x80C008CCu);
+    EXPECT_EQ(dialog->caption, u"#500");
+    EXPECT_EQ(dialog->fontFace, u"MS Shell Dlg");
+    EXPECT_EQ(dialog->fontPoints, 8);
+    EXPECT_EQ(dialog->place.width, 240);
+    EXPECT_EQ(dialog->place.height, 180);
+    ASSERT_EQ(dialog->controls.size(), std::size(kControls));
+    for (std::size_t i = 0; i < std::size(kControls); ++i) {
+        const platform::DialogControl& control = dialog->controls[i];
+        const Expected& expected = kControls[i];
+        EXPECT_EQ(control.id, expected.id) << i;
+        EXPECT_EQ(control.style, expected.style) << i;
+        EXPECT_EQ(control.caption, expected.caption) << i;
+        const platform::DialogPlace& place = control.place;
+        EXPECT_EQ((std::vector<int>{place.x, place.y, place.width, place.height}),
+                  (std::vector<int>{expected.x, expected.y, expected.width, expected.height}))
+            << i;
+    }
+    EXPECT_EQ(dialog->controls.back().exStyle, 0x200u);
+}
+
+TEST(CleanerDialog, CutAnywhereIsRefused) {
+    const auto whole = Resource(MAKEINTRESOURCEA(IDD_CLEANER), MAKEINTRESOURCEA(5));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const std::vector<std::byte> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_FALSE(platform::ParseDialogTemplate(cut).has_value()) << size;
+    }
+}
+
+}  // namespace
