@@ -114,7 +114,9 @@ private:
 }  // namespace
 
 void WriteRecordJson(const Tool& tool, const ExportOptions& options, const std::filesystem::path& file) {
-    gltf::WriteFiles({{file, RecordWriter(tool, options).Text()}});
+    gltf::FileTransaction files;
+    files.Add(file, gltf::BytesOf(RecordWriter(tool, options).Text()));
+    files.Commit();
 }
 
 }  // namespace zr
