@@ -6,7 +6,7 @@
 namespace kernix {
 
 // A unit quaternion in double precision, on which the rotation types of host/ are computed.
-struct Rotation {
+struct KERNIX_API Rotation {
     double x = 0;
     double y = 0;
     double z = 0;
