@@ -35,7 +35,8 @@ std::size_t WidthOf(int keyType) {
 }
 
 vl::Quaternion Narrow(const kernix::Rotation& r) {
-    return {static_cast<float>(r.x), static_cast<float>(r.y), static_cast<float>(r.z), static_cast<float>(r.w)};
+    return {static_cast<float>(r.x), static_cast<float>(r.y), static_cast<float>(r.z),
+            static_cast<float>(r.w)};
 }
 
 // What TakeKeys reads of one key, whatever its type.
