@@ -271,7 +271,7 @@ void SceneBuilder::ApplyExtension(std::size_t index) {
         if (group != nullptr && group->Bool()) controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
         vl::Matrix4<double> offset;
         offset.IdentityMatrix();
-        offset.Offset({-(*pivot)[0], -(*pivot)[1], -(*pivot)[2]});
+        offset.Offset(vl::Vector3<float>{-(*pivot)[0], -(*pivot)[1], -(*pivot)[2]});
         node->SetObjectOffset(offset);
     }
     if (const Json* offset = extension->Find("objectOffset")) node->SetObjectOffset(MatrixOf(*offset));
