@@ -54,36 +54,33 @@ std::uint32_t ContentIds::Accessor(std::size_t index) {
     return *m_accessors[index];
 }
 
-std::uint32_t ContentIds::Image(std::size_t index) {
-    const Json& image = m_document.Elements(Kind::kImage)[index];
-    std::string content = "image ";
-    for (const gltf::JsonMember& member : image.Members()) {
-        if (member.Name() == "name") continue;
-        const bool isView = member.Name() == "bufferView";
-        content += Join(
-            member.Name(), "=",
-            isView ? Join("view ", View(*member.value.Index())) : gltf::WriteJson(member.value, false), ";");
+// Members in any order, the name aside, with what they refer to in place of indices.
+std::uint32_t ContentIds::Resolved(std::string_view kind, const Json& element) {
+    std::vector<std::string> parts;
+    for (const gltf::JsonMember& member : element.Members()) {
+        const std::string_view name = member.Name();
+        if (name == "name") continue;
+        if (name == "bufferView")
+            parts.push_back(Join("view ", View(*member.value.Index())));
+        else if (name == "source")
+            parts.push_back(
+                Join("image ", Resolved("image", m_document.Elements(Kind::kImage)[*member.value.Index()])));
+        else if (name == "sampler")
+            parts.push_back(
+                Join("sampler ", Canonical(m_document.Elements(Kind::kSampler)[*member.value.Index()])));
+        else
+            parts.push_back(Join(name, "=", gltf::WriteJson(member.value, false)));
     }
+    std::sort(parts.begin(), parts.end());
+    std::string content(kind);
+    for (const std::string& part : parts) content += Join(" ", part, ";");
     return Text(content);
 }
 
 std::uint32_t ContentIds::Texture(std::size_t index) {
-    if (m_textures[index]) return *m_textures[index];
-    const Json& texture = m_document.Elements(Kind::kTexture)[index];
-    std::string content = "texture ";
-    for (const gltf::JsonMember& member : texture.Members()) {
-        if (member.Name() == "name") continue;
-        content += Join(member.Name(), "=");
-        if (member.Name() == "source") {
-            content += std::to_string(Image(*member.value.Index()));
-        } else if (member.Name() == "sampler") {
-            content += Canonical(m_document.Elements(Kind::kSampler)[*member.value.Index()]);
-        } else {
-            content += gltf::WriteJson(member.value, false);
-        }
-        content += ';';
-    }
-    return *(m_textures[index] = Text(content));
+    if (!m_textures[index])
+        m_textures[index] = Resolved("texture", m_document.Elements(Kind::kTexture)[index]);
+    return *m_textures[index];
 }
 
 std::string ContentIds::Canonical(const Json& value) {

@@ -29,7 +29,7 @@ public:
     std::string Canonical(const gltf::Json& value);
 
 private:
-    std::uint32_t Image(std::size_t index);
+    std::uint32_t Resolved(std::string_view kind, const gltf::Json& element);
     std::uint32_t View(std::size_t index);
     std::string AccessorContent(const gltf::Json& accessor, std::size_t index);
     void Append(const gltf::Json& value, std::string_view holder, bool outermost, std::string& out);

@@ -34,6 +34,11 @@ std::size_t WidthOf(int keyType) {
     return keyType == vl::zr::kKeyRotation ? 4 : 3;
 }
 
+vl::Quaternion Narrow(const kernix::Rotation& r) {
+    return {static_cast<float>(r.x), static_cast<float>(r.y), static_cast<float>(r.z),
+            static_cast<float>(r.w)};
+}
+
 // What TakeKeys reads of one key, whatever its type.
 struct KeyView {
     float time;
@@ -55,8 +60,8 @@ KeyView View(const kernix::TransformTrack& track, int keyType, int index) {
             rotation.GetQuaternion(&q);
         else
             // Angle-axis keys are steps from the key before; the curve knows where they lead.
-            q = track.Evaluate(view.time, {}).rotation.ToQuaternion();
-        std::copy_n(&q.x, 1, view.value);
+            q = Narrow(track.Evaluate(view.time, {}).rotation);
+        view.value[0] = q.x;
         view.value[1] = q.y;
         view.value[2] = q.z;
         view.value[3] = q.w;
@@ -92,7 +97,7 @@ std::vector<float> Sample(const kernix::TransformTrack& track, int keyType, floa
     const auto sample = track.Evaluate(time, {});
     const auto narrow = [](double value) { return static_cast<float>(value); };
     if (keyType == vl::zr::kKeyRotation) {
-        const vl::Quaternion q = sample.rotation.ToQuaternion();
+        const vl::Quaternion q = Narrow(sample.rotation);
         return {q.x, q.y, q.z, q.w};
     }
     const double* from = keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale;
