@@ -130,6 +130,26 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
     }
 }
 
+// The keys with times that ascend. Keys that share a time make a jump: the curve comes in to the first and
+// goes on from the last, so the first moves to the time before, where there is one.
+std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) {
+    std::vector<KeyView> keys;
+    for (int i = 0; i < track.Count(keyType); ++i) {
+        const KeyView key = View(track, keyType, i);
+        if (!keys.empty() && keys.back().time >= key.time) {
+            const float before = std::nextafter(key.time, -std::numeric_limits<float>::infinity());
+            const bool hasRoom = keys.size() < 2 || keys[keys.size() - 2].time < before;
+            if (hasRoom) {
+                keys.back().time = before;
+            } else {
+                keys.pop_back();
+            }
+        }
+        keys.push_back(key);
+    }
+    return keys;
+}
+
 Curve Linearized(const kernix::TransformTrack& track, int keyType, const std::vector<KeyView>& keys) {
     const std::size_t width = WidthOf(keyType);
     float range = 1;
@@ -225,16 +245,7 @@ void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve) {
 }
 
 Curve TakeKeys(const kernix::TransformTrack& track, int keyType) {
-    std::vector<KeyView> keys;
-    for (int i = 0; i < track.Count(keyType); ++i) {
-        KeyView key = View(track, keyType, i);
-        // Of keys that share a time the last one counts.
-        if (!keys.empty() && keys.back().time >= key.time) {
-            key.time = keys.back().time;
-            keys.pop_back();
-        }
-        keys.push_back(key);
-    }
+    const std::vector<KeyView> keys = Distinct(track, keyType);
     Curve curve;
     if (keys.empty()) return curve;
     const bool alike = std::all_of(keys.begin(), keys.end(), [&](const KeyView& key) {
@@ -245,6 +256,15 @@ Curve TakeKeys(const kernix::TransformTrack& track, int keyType) {
     curve.interpolation = keys.front().interpolation;
     for (const KeyView& key : keys) AppendKey(curve, key, WidthOf(keyType));
     return curve;
+}
+
+Curve Straightened(const kernix::TransformTrack& track, int keyType) {
+    return Linearized(track, keyType, Distinct(track, keyType));
+}
+
+void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve) {
+    track.Clear(keyType);
+    PutKeys(track, keyType, curve);
 }
 
 }  // namespace zr

@@ -36,4 +36,16 @@ std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const C
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
 Curve TakeKeys(const kernix::TransformTrack& track, int keyType);
 
+// The keys as a linear curve, whatever way they pass.
+Curve Straightened(const kernix::TransformTrack& track, int keyType);
+
+// Puts the curve's keys in the place of the track's.
+void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
+
+// The keys as a linear curve, whatever way they pass.
+Curve Straightened(const kernix::TransformTrack& track, int keyType);
+
+// Puts the curve's keys in the place of the track's.
+void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
+
 }  // namespace zr
