@@ -13,5 +13,6 @@ class Session;
 // failure is an exception whose text names the file and the place.
 void AddExportCommand(CLI::App& app, Session& session);
 void AddInfoCommand(CLI::App& app, Session& session);
+void AddTreeCommand(CLI::App& app, Session& session);
 
 }  // namespace zr

@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
     app.fallthrough();
     zr::AddExportCommand(app, session);
     zr::AddInfoCommand(app, session);
+    zr::AddTreeCommand(app, session);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "app/commands/commands.h"
+#include "app/commands/session.h"
+#include "app/commands/windows.h"
+#include "app/scene/loaded_scene.h"
+#include "app/services/terminal_tree.h"
+#include "host/serializer.h"
+#include "platform/ui/host_windows.h"
+
+namespace zr {
+namespace {
+
+constexpr int kNameLength = 255;
+
+struct TreeOptions {
+    std::string scene;
+    bool window = false;
+};
+
+// Everything that an export can take along, with the names as the scene has them.
+vl::Ref<vl::tk::Serializer> BuildTree(Host& host, LoadedScene& loaded) {
+    auto tool = host.Create<vl::tk::Serializer>("TKSAVE");
+    tool->m_pScene = &loaded.Scene();
+    tool->m_dwExportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
+                            vl::tk::kExportBones | vl::tk::kExportNotes | vl::tk::kAllRenderables |
+                            vl::tk::kAllChoices | vl::tk::kAssignNames | vl::tk::kExtractKeys;
+    tool->m_dwNameFlags = vl::tk::kNamesKeepCharacters | vl::tk::kNamesLeadingDigit;
+    tool->m_nMaxNameLength = kNameLength;
+    tool->Process(0);
+    return tool;
+}
+
+int ShowTree(Session& session, const TreeOptions& options) {
+    if (options.window) StartWindows();
+    Host& host = session.GetHost();
+    LoadedScene loaded(gltf::Document::Load(options.scene));
+    const auto tool = BuildTree(host, loaded);
+    if (options.window) {
+        if (tool->FillTreeView(nullptr, 0) == 0)
+            throw std::runtime_error(options.scene + ": nothing to show");
+        platform::RunUntilWindowsClosed();
+        return 0;
+    }
+    TerminalTree tree;
+    tool->FillTreeView(tree.Handle(), 0);
+    std::fputs(tree.Draw().c_str(), stdout);
+    return 0;
+}
+
+}  // namespace
+
+void AddTreeCommand(CLI::App& app, Session& session) {
+    auto options = std::make_shared<TreeOptions>();
+    CLI::App* command =
+        app.add_subcommand("tree", "Show the hierarchy that an export of a scene would write");
+    command->add_option("SCENE", options->scene, "A .gltf or .glb file")->required();
+    command->add_flag("--window", options->window, "Open a window instead of printing");
+    command->callback([&session, options] {
+        session.SetCommand([&session, options] { return ShowTree(session, *options); });
+    });
+}
+
+}  // namespace zr

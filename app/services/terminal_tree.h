@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "platform/ui/host_windows.h"
+
+namespace zr {
+
+// A tree control that draws itself as text. It takes TVM_INSERTITEMA with every item last among its siblings.
+//
+//   root
+//   ├── first
+//   │   └── leaf
+//   └── second
+class TerminalTree final : public platform::HostControl {
+public:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LONG_PTR GetValue(int) override { return 0; }
+
+    std::size_t Count() const { return m_items.size(); }
+
+    // One line an item, in tree order. Of an item deeper than kMaxGuides only the nearest levels are drawn,
+    // after "..." and the depth, so that the text stays linear in the items.
+    std::string Draw() const;
+    static constexpr std::size_t kMaxGuides = 32;
+
+private:
+    // Items are kept in the order of insertion. An item's number is its position + 1, and 0 is the root above
+    // all.
+    struct Item {
+        std::string text;
+        std::size_t parent = 0;
+        std::size_t depth = 0;  // 0: top level
+        std::vector<std::size_t> children;
+    };
+
+    const std::vector<std::size_t>& ChildrenOf(std::size_t number) const;
+    void DrawItem(std::size_t number, std::string& out) const;
+
+    std::vector<Item> m_items;
+    std::vector<std::size_t> m_topLevel;
+};
+
+}  // namespace zr
