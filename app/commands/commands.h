@@ -12,5 +12,6 @@ class Session;
 // Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A
 // failure is an exception whose text names the file and the place.
 void AddInfoCommand(CLI::App& app, Session& session);
+void AddTextCommand(CLI::App& app, Session& session);
 
 }  // namespace zr
