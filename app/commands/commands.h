@@ -14,5 +14,6 @@ class Session;
 void AddExportCommand(CLI::App& app, Session& session);
 void AddInfoCommand(CLI::App& app, Session& session);
 void AddTreeCommand(CLI::App& app, Session& session);
+void AddTextCommand(CLI::App& app, Session& session);
 
 }  // namespace zr

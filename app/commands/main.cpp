@@ -41,6 +41,7 @@ int main(int argc, char** argv) {
     zr::AddExportCommand(app, session);
     zr::AddInfoCommand(app, session);
     zr::AddTreeCommand(app, session);
+    zr::AddTextCommand(app, session);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
