@@ -92,10 +92,11 @@ void ZR_TK::ComputeLocalMatrices(vl::Array* records) {
 }
 
 void ZR_TK::CollectAllNodes(vl::Array* records) {
+    // The tree holds each record once; only an earlier list can hold it already.
     const vl::ArrayOf<ExportNode*> all(m_pAllNodes);
-    std::unordered_set<ExportNode*> listed(all.begin(), all.end());
+    const std::unordered_set<ExportNode*> listed(all.begin(), all.end());
     zrt::WalkRecords(records, [&](ExportNode* record) {
-        if (listed.insert(record).second) m_pAllNodes->Add(vl::ToWord(record));
+        if (listed.count(record) == 0) m_pAllNodes->Add(vl::ToWord(record));
         return record;
     });
 }

@@ -16,6 +16,11 @@ namespace zrt {
 
 using vl::zr::Node;
 
+NodeFilter::NodeFilter(vl::zr::Scene* scene, std::uint32_t exportFlags)
+    : m_scene(scene), m_options(exportFlags) {
+    m_known.reserve(static_cast<std::size_t>(vl::ArrayOf<Node*>(scene->m_pNodes).Count()));
+}
+
 std::uint32_t NodeFilter::Flags(Node* node) {
     if (const auto known = m_known.find(node); known != m_known.end()) return known->second;
 

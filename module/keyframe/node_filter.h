@@ -16,7 +16,7 @@ namespace zrt {
 // questions; the scene must not change while the filter is in use.
 class NodeFilter {
 public:
-    NodeFilter(vl::zr::Scene* scene, std::uint32_t exportFlags) : m_scene(scene), m_options(exportFlags) {}
+    NodeFilter(vl::zr::Scene* scene, std::uint32_t exportFlags);
 
     // The flags of the node's record; 0: no record for it, nor for anything below it.
     std::uint32_t Flags(vl::zr::Node* node);
