@@ -58,7 +58,8 @@ public:
     virtual Key* GetKey(int keyType, int index, Track* track) = 0;  // in time order; null outside
     virtual void RemoveKey(int keyType, int index, Track* track) = 0;
 
-    // The node's transform relative to its parent at the time, of the active animation. The numbers are 0.
+    // The node's transform relative to its parent at the time, of the active animation; with
+    // kControllerPivotGroup without the pivot that everything on the node hangs from. The numbers are 0.
     virtual void EvaluateMatrix(float time, int mode, Matrix4<double>* m, int flags) = 0;
 
     // Makes every rotation key of the track an angle-axis key, with the same motion. The number is 0.

@@ -68,7 +68,19 @@ constexpr Rule kRules[] = {
     {ZR_BODY "trigger.nodes[]", kIndex, Kind::kNode},
     {ZR_BODY "joint.connectedNode", kIndex, Kind::kNode},
 
-    {"*.extensions.ZR_scene", kObject},
+    {"extensions.ZR_scene.layers[].name", kString},
+    {"extensions.ZR_scene.layers[].nodes[]", kIndex, Kind::kNode, kValue},
+    {"extensions.ZR_scene.viewports[].name", kString},
+    {"extensions.ZR_scene.viewports[].kind!", Shape::kCount},
+    {"extensions.ZR_scene.viewports[].layer", Shape::kCount},
+    {"extensions.ZR_scene.viewports[].animations[]", kIndex, Kind::kAnimation, kValue},
+    {ZR_NODE "ZR_scene.target", kIndex, Kind::kNode, kValue},
+    {ZR_NODE "ZR_scene.note", kBool},
+    {ZR_NODE "ZR_scene.selector", kBool},
+    {ZR_NODE "ZR_scene.selected", kIndex, Kind::kNode, kValue},
+    {ZR_NODE "ZR_scene.pivot", kNumbers, Kind::kCount, kNothing, 3},
+    {ZR_NODE "ZR_scene.pivotGroup", kBool},
+    {ZR_NODE "ZR_scene.objectOffset", kNumbers, Kind::kCount, kNothing, 16},
 };
 
 constexpr std::string_view kKnown[] = {

@@ -48,6 +48,14 @@ void NodeModel::GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) {
     } else {
         *m = m_restMatrix;
     }
+    if (m_transform && (m_transform->m_dwFlags & vl::zr::kControllerPivotGroup) != 0) {
+        // Everything on the node, its children too, hangs from the pivot.
+        const vl::Vector3<float>& pivot = m_transform->m_offset;
+        vl::Matrix4<double> hung;
+        hung.SetTranslate({-double{pivot.x}, -double{pivot.y}, -double{pivot.z}});
+        hung.Transform(*m);
+        *m = hung;
+    }
 }
 
 void NodeModel::GetWorldMatrix(vl::Matrix4<double>* m, int isStatic) { *m = World(isStatic); }

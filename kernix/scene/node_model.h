@@ -43,6 +43,7 @@ public:
     void SetRestPose(const Pose& pose);
     void SetRestMatrix(const vl::Matrix4<double>& m);
     const Pose& GetRestPose() const { return m_restPose; }
+    const vl::Matrix4<double>& GetRestMatrix() const { return m_restMatrix; }
 
     // Takes over the caller's count. Null takes the object away.
     void SetObject(vl::Ref<vl::zr::Object3D> object);

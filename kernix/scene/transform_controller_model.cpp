@@ -92,7 +92,7 @@ void TransformControllerModel::RemoveKey(int keyType, int index, vl::zr::Track* 
 void TransformControllerModel::EvaluateMatrix(float time, int, vl::Matrix4<double>* m, int) {
     const TransformTrack* track = Resolve(nullptr);
     if (track == nullptr) {
-        m_node.GetLocalMatrix(m, 1);
+        *m = m_node.GetRestMatrix();
         return;
     }
     const TransformTrack::Sample sample = track->Evaluate(time, m_node.GetRestPose());

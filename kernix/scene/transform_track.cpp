@@ -121,6 +121,15 @@ void TransformTrack::Remove(int keyType, int index) {
     Changed();
 }
 
+void TransformTrack::Clear(int keyType) {
+    switch (keyType) {
+        case vl::zr::kKeyPosition: m_positions.clear(); break;
+        case vl::zr::kKeyRotation: m_rotations.clear(); break;
+        default: m_scales.clear(); break;
+    }
+    Changed();
+}
+
 std::optional<std::pair<float, float>> TransformTrack::GetRange() {
     std::optional<std::pair<float, float>> range;
     const auto widen = [&](const auto& keys) {

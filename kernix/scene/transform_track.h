@@ -37,6 +37,7 @@ public:
     int Count(int keyType) const;
     vl::zr::Key* Get(int keyType, int index) const;  // null outside
     void Remove(int keyType, int index);             // nothing outside
+    void Clear(int keyType);
 
     // The pose at a time; parts without a key are those of rest. Before the first and after the last key
     // the pose stays.

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+#include "host/math.h"
+#include "host/serializer.h"
+
+namespace zr {
+
+// What an export asks of the keyframe tools. As it stands, everything is exported.
+struct ExportOptions {
+    std::uint32_t exportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
+                                vl::tk::kExportBones | vl::tk::kExportNotes | vl::tk::kAllRenderables |
+                                vl::tk::kAllChoices | vl::tk::kOffsetControllers | vl::tk::kExtractKeys;
+    std::uint32_t nameFlags = 0;
+    std::uint32_t animFlags = 0;
+    int pivotMode = 0;
+    float rescale = 1;  // time factor, or seconds with kSetLength
+    int maxNameLength = 32;
+    int maxMaterialNameLength = 0;
+    vl::tk::RenameCallback rename = nullptr;
+    void* renameContext = nullptr;
+    vl::Matrix4<double> sceneMatrix;
+
+    ExportOptions() { sceneMatrix.IdentityMatrix(); }
+
+    bool Has(vl::tk::ExportFlag flag) const { return (exportFlags & flag) != 0; }
+    bool Has(vl::tk::AnimFlag flag) const { return (animFlags & flag) != 0; }
+};
+
+}  // namespace zr

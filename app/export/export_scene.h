@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <functional>
+
+#include "app/export/export_options.h"
+#include "app/scene/loaded_scene.h"
+#include "app/services/host.h"
+
+namespace zr {
+
+// Told now and then how much is done, 0 to 1; may throw to stop the export.
+using ExportProgress = std::function<void(double)>;
+
+// Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
+// nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
+// and when nothing is to be exported.
+void ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress);
+
+// The same for the active animation, as the records themselves.
+void ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file);
+
+}  // namespace zr

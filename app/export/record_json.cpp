@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "app/export/record_json.h"
+
+#include <unordered_map>
+
+#include "app/gltf/file.h"
+#include "app/gltf/json.h"
+#include "kernix/scene/node_model.h"
+#include "kernix/utf.h"
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+using gltf::JsonTree;
+
+class RecordWriter {
+public:
+    RecordWriter(const Tool& tool, const ExportOptions& options) : m_tool(tool), m_options(options) {}
+
+    std::string Text() {
+        int index = 0;
+        for (ExportNode* record : AllRecords(m_tool)) m_index[record] = index++;
+        Json root = JsonTree::MakeObject();
+        Put(root, "start", m_tool->GetStartTime());
+        Put(root, "end", m_tool->GetEndTime());
+        Put(root, "frameRate", m_tool->GetFrameRate());
+        Json nodes = JsonTree::MakeArray();
+        for (ExportNode* record : AllRecords(m_tool)) m_tree.Append(nodes, Node(*record));
+        m_tree.Member(root, "nodes") = nodes;
+        return gltf::WriteJson(root, true) + "\n";
+    }
+
+private:
+    void Put(Json& object, std::string_view name, float value) { m_tree.Member(object, name) = m_tree.MakeNumber(value); }
+    void Put(Json& object, std::string_view name, std::initializer_list<float> values) {
+        m_tree.Member(object, name) = m_tree.MakeNumbers(std::vector<float>(values));
+    }
+    void PutInt(Json& object, std::string_view name, int value) {
+        m_tree.Member(object, name) = m_tree.MakeNumber(static_cast<double>(value));
+    }
+    void PutMatrix(Json& object, std::string_view name, const vl::Matrix4<double>& m) {
+        Json numbers = JsonTree::MakeArray();
+        for (const auto& row : m.m) {
+            for (const double value : row) m_tree.Append(numbers, m_tree.MakeNumber(value));
+        }
+        m_tree.Member(object, name) = numbers;
+    }
+
+    std::string NameOf(const ExportNode& record) const {
+        if (record.szName != nullptr) return kernix::ToUtf8(kernix::ToUtf16(record.szName));
+        if (record.wszName != nullptr) return kernix::ToUtf8(record.wszName);
+        return record.pNode != nullptr ? static_cast<kernix::NodeModel*>(record.pNode)->GetNameText() : std::string();
+    }
+
+    int SourceOf(const ExportNode& record) const {
+        const vl::zr::Node* node = record.pNode != nullptr ? record.pNode : record.pSourceNode;
+        return node != nullptr ? static_cast<const kernix::NodeModel*>(node)->m_source : -1;
+    }
+
+    Json Node(ExportNode& record) {
+        Json node = JsonTree::MakeObject();
+        m_tree.Member(node, "name") = m_tree.MakeString(NameOf(record));
+        PutInt(node, "parent", record.pParent != nullptr ? m_index[record.pParent] : -1);
+        m_tree.Member(node, "flags") = m_tree.MakeIndex(record.dwFlags);
+        Put(node, "position", {record.vPosition.x, record.vPosition.y, record.vPosition.z});
+        Put(node, "rotation", {record.qRotation.x, record.qRotation.y, record.qRotation.z, record.qRotation.w});
+        Put(node, "scale", {record.vScale.x, record.vScale.y, record.vScale.z});
+        if (!(record.vPivot == vl::Vector3<float>())) {
+            Put(node, "pivot", {record.vPivot.x, record.vPivot.y, record.vPivot.z});
+        }
+        PutMatrix(node, "local", record.mLocal);
+        PutMatrix(node, "world", record.mWorld);
+        PutInt(node, "source", SourceOf(record));
+        if (record.pTarget != nullptr) PutInt(node, "target", m_index[record.pTarget]);
+        m_tree.Member(node, "positionKeys") = VectorKeys<ExportPositionKey>(record.pPosKeys);
+        m_tree.Member(node, "rotationKeys") = RotationKeys(record.pRotKeys);
+        m_tree.Member(node, "scaleKeys") = VectorKeys<ExportScaleKey>(record.pScaleKeys);
+        return node;
+    }
+
+    template <typename Key>
+    Json VectorKeys(vl::Array* keys) {
+        Json list = JsonTree::MakeArray();
+        for (const Key* key : vl::ArrayOf<Key*>(keys)) {
+            Json item = JsonTree::MakeObject();
+            Put(item, "time", key->fTime);
+            Put(item, "value", {key->vValue.x, key->vValue.y, key->vValue.z});
+            m_tree.Append(list, item);
+        }
+        return list;
+    }
+
+    Json RotationKeys(vl::Array* keys) {
+        Json list = JsonTree::MakeArray();
+        for (const auto* key : vl::ArrayOf<ExportRotationKey*>(keys)) {
+            Json item = JsonTree::MakeObject();
+            Put(item, "time", key->fTime);
+            Put(item, "value", {key->qValue.x, key->qValue.y, key->qValue.z, key->qValue.w});
+            if (m_options.Has(vl::tk::kAngleAxisKeys)) {
+                Put(item, "axisAngle", {key->aaValue.x, key->aaValue.y, key->aaValue.z, key->aaValue.angle});
+            }
+            m_tree.Append(list, item);
+        }
+        return list;
+    }
+
+    const Tool& m_tool;
+    const ExportOptions& m_options;
+    JsonTree m_tree;
+    std::unordered_map<const ExportNode*, int> m_index;
+};
+
+}  // namespace
+
+void WriteRecordJson(const Tool& tool, const ExportOptions& options, const std::filesystem::path& file) {
+    gltf::FileTransaction files;
+    files.Add(file, gltf::BytesOf(RecordWriter(tool, options).Text()));
+    files.Commit();
+}
+
+}  // namespace zr

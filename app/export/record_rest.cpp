@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "app/export/record_rest.h"
+
+#include "host/object.h"
+
+namespace zr {
+namespace {
+
+// The tools place a camera or light record where the host shows the object, not where its node stands.
+bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Matrix4<double>& shown) {
+    if (!options.Has(vl::tk::kAllChoices) || (record.dwFlags & NF_GEOMETRY) == 0 || record.pNode == nullptr) {
+        return false;
+    }
+    if (auto* camera = dynamic_cast<vl::zr::Camera*>(record.pNode->m_pObject)) {
+        camera->GetObjectMatrix(record.pNode, &shown);
+    } else if (auto* light = dynamic_cast<vl::zr::Light*>(record.pNode->m_pObject)) {
+        light->GetObjectMatrix(record.pNode, &shown);
+    } else {
+        return false;
+    }
+    shown.Invert();
+    return true;
+}
+
+}  // namespace
+
+vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options) {
+    auto* node = static_cast<kernix::NodeModel*>(record.pSourceNode);
+    if (record.pController == nullptr || node == nullptr) return record.mLocal;
+    vl::Matrix4<double> local = node->GetRestMatrix();
+    if (record.pParent == nullptr) local.Transform(options.sceneMatrix);
+    if (options.Has(vl::tk::kFlipAxes)) local.Flip();
+    vl::Matrix4<double> shown;
+    if (PlacesObject(record, options, shown)) local.SetMul(shown, local);
+    return local;
+}
+
+}  // namespace zr

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/export/export_options.h"
+#include "kernix/scene/scene_model.h"
+#include "module/keyframe/export_node.h"
+
+namespace zr {
+
+// The record's transform relative to its parent record when nothing moves. A record's own mLocal is that of
+// the scene's current time, which an animation may have moved away from rest.
+vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options);
+
+}  // namespace zr

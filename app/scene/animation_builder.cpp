@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "app/scene/animation_builder.h"
+
+#include "app/gltf/text.h"
+#include "app/gltf/walk.h"
+#include "app/scene/curves.h"
+
+namespace zr {
+
+using gltf::IndexMember;
+using gltf::Join;
+using gltf::Json;
+using gltf::Kind;
+
+namespace {
+
+int KeyTypeOf(std::string_view path) {
+    if (path == "translation") return vl::zr::kKeyPosition;
+    if (path == "rotation") return vl::zr::kKeyRotation;
+    return path == "scale" ? vl::zr::kKeyScale : 0;
+}
+
+}  // namespace
+
+AnimationBuilder::Goal AnimationBuilder::GoalOf(const Json& target) {
+    const std::string_view path = target.Find("path")->String();
+    if (path != "pointer") return {IndexMember(target, "node", kNone), path};
+    const Json* extensions = target.Find("extensions");
+    const Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
+    if (extension == nullptr) return {};
+    const std::string_view pointer = extension->Find("pointer")->String();
+    const auto named = gltf::PointerTarget(pointer);
+    if (named && named->kind == Kind::kNode) {
+        const std::size_t end = named->textOffset + named->textSize;
+        const std::string_view rest = end < pointer.size() ? pointer.substr(end + 1) : std::string_view();
+        if (KeyTypeOf(rest) != 0 || rest == "weights") return {named->index, rest};
+    }
+    return {kNone, pointer};
+}
+
+void AnimationBuilder::NoteMotions() {
+    const auto animations = m_loaded.m_document.Elements(Kind::kAnimation);
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        const Json* channels = animations[i].Find("channels");
+        if (channels == nullptr) continue;
+        for (const Json& channel : channels->Items()) {
+            const Goal goal = GoalOf(*channel.Find("target"));
+            if (goal.node == kNone) continue;
+            const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
+            const Json* interpolation = sampler.Find("interpolation");
+            m_motions[goal.node] +=
+                Join("moves ", i, " ", goal.path, " ", m_ids.Accessor(IndexMember(sampler, "input")), " ",
+                     m_ids.Accessor(IndexMember(sampler, "output")), " ",
+                     interpolation != nullptr ? interpolation->String() : std::string_view("LINEAR"), ";");
+        }
+    }
+}
+
+std::string AnimationBuilder::Motion(std::size_t node, std::size_t parent) {
+    const auto above = m_movingAbove.find(parent);
+    const std::size_t moving = above != m_movingAbove.end() ? above->second : kNone;
+    const auto own = m_motions.find(node);
+    if (own != m_motions.end()) {
+        m_movingAbove[node] = node;
+        // Equal curves lead to equal places only below the same parent.
+        return Join("below ", parent, ";", own->second);
+    }
+    if (moving == kNone) return {};
+    m_movingAbove[node] = moving;
+    return Join("with ", moving, ";");
+}
+
+void AnimationBuilder::Build() {
+    const auto animations = m_loaded.m_document.Elements(Kind::kAnimation);
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        const Json* channels = animations[i].Find("channels");
+        if (channels == nullptr) continue;
+        for (std::size_t k = 0; k < channels->Items().size(); ++k) {
+            const Json& channel = channels->Items()[k];
+            const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
+            const Goal goal = GoalOf(*channel.Find("target"));
+            if (goal.path.empty()) continue;
+            if (!IsReadable(m_loaded.m_document, sampler))
+                m_loaded.m_unreadable.push_back(Join("/animations/", i, "/channels/", k));
+            else
+                Channel(i, k, sampler, goal);
+        }
+    }
+}
+
+void AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const Json& sampler,
+                               const Goal& goal) {
+    kernix::AnimationModel* model = m_loaded.m_animations[animation];
+    kernix::NodeModel* node = goal.node != kNone ? m_loaded.m_nodes[goal.node] : nullptr;
+    if (goal.node != kNone && node == nullptr) return;
+    const int keyType = KeyTypeOf(goal.path);
+    LoadedChannel loaded{animation, channel, {}, keyType};
+    if (keyType != 0) {
+        kernix::TransformControllerModel* controller = node->AddTransformController();
+        PutKeys(*controller->AddTransformTrack(model), keyType, ReadCurve(m_loaded.m_document, sampler));
+        loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
+    } else {
+        kernix::SampledControllerModel* controller = SampledController(goal);
+        if (controller == nullptr) return;
+        Curve curve = ReadCurve(m_loaded.m_document, sampler);
+        kernix::SampledTrack* track = controller->AddSampledTrack(model);
+        track->m_interpolation = curve.interpolation;
+        track->m_times = std::move(curve.times);
+        track->m_values = std::move(curve.values);
+        loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
+    }
+    m_loaded.m_channels.push_back(std::move(loaded));
+}
+
+// The controller stands at what it moves: a node for its weights, a material, or the first node that shows
+// the camera, light or mesh. Null when nothing in the scene does.
+kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& goal) {
+    const std::string target =
+        goal.node != kNone ? Join("/nodes/", goal.node, "/weights") : std::string(goal.path);
+    const auto known = m_sampled.find(target);
+    if (known != m_sampled.end()) return known->second;
+    kernix::SampledControllerModel*& made = m_sampled[target];
+    if (goal.node != kNone) return made = m_loaded.m_nodes[goal.node]->AddController(target);
+    const auto named = gltf::PointerTarget(goal.path);
+    if (!named) return made;
+    if (named->kind == Kind::kMaterial) {
+        kernix::MaterialModel* material = m_loaded.m_materials[named->index];
+        return made = material != nullptr ? material->AddController(target) : nullptr;
+    }
+    if (named->kind == Kind::kNode) {
+        kernix::NodeModel* node = m_loaded.m_nodes[named->index];
+        return made = node != nullptr ? node->AddController(target) : nullptr;
+    }
+    kernix::NodeModel* node = FirstShowing(named->kind, named->index);
+    return made = node != nullptr ? node->AddController(target) : nullptr;
+}
+
+kernix::NodeModel* AnimationBuilder::FirstShowing(Kind kind, std::size_t index) {
+    if (m_showing.empty()) {
+        const auto nodes = m_loaded.m_document.Elements(Kind::kNode);
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            if (m_loaded.m_nodes[i] == nullptr) continue;
+            const auto note = [&](Kind shown, const Json& holder, std::string_view name) {
+                if (holder.Find(name) != nullptr)
+                    m_showing.try_emplace({shown, IndexMember(holder, name)}, m_loaded.m_nodes[i]);
+            };
+            note(Kind::kCamera, nodes[i], "camera");
+            note(Kind::kMesh, nodes[i], "mesh");
+            const Json* extensions = nodes[i].Find("extensions");
+            const Json* light = extensions != nullptr ? extensions->Find("KHR_lights_punctual") : nullptr;
+            if (light != nullptr) note(Kind::kLight, *light, "light");
+        }
+    }
+    const auto found = m_showing.find({kind, index});
+    return found != m_showing.end() ? found->second : nullptr;
+}
+
+}  // namespace zr

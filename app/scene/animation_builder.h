@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "app/scene/content_ids.h"
+#include "app/scene/loaded_scene.h"
+
+namespace zr {
+
+// Makes controllers and tracks of the document's animations.
+class AnimationBuilder {
+public:
+    explicit AnimationBuilder(LoadedScene& loaded, ContentIds& ids) : m_loaded(loaded), m_ids(ids) {}
+
+    // Reads which node each channel moves, before the nodes are there.
+    void NoteMotions();
+    // How a node moves: equal for two nodes that show at the same place at rest only when they do so at any
+    // time of any animation. parent: the node's parent, or kNone.
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    std::string Motion(std::size_t node, std::size_t parent);
+
+    void Build();
+
+private:
+    struct Goal {
+        std::size_t node = kNone;  // of transforms and weights
+        std::string_view path;     // translation, rotation, scale, weights; else a pointer
+    };
+
+    static Goal GoalOf(const gltf::Json& target);
+    void Channel(std::size_t animation, std::size_t channel, const gltf::Json& sampler, const Goal& goal);
+    kernix::SampledControllerModel* SampledController(const Goal& goal);
+    kernix::NodeModel* FirstShowing(gltf::Kind kind, std::size_t index);
+
+    LoadedScene& m_loaded;
+    ContentIds& m_ids;
+    std::unordered_map<std::size_t, std::string> m_motions;  // of nodes with channels
+    std::unordered_map<std::size_t, std::size_t>
+        m_movingAbove;  // nearest node, from the node on up, that moves
+    std::unordered_map<std::string, kernix::SampledControllerModel*> m_sampled;
+    std::map<std::pair<gltf::Kind, std::size_t>, kernix::NodeModel*> m_showing;
+};
+
+}  // namespace zr

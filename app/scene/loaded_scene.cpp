@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "app/scene/loaded_scene.h"
+
+#include "app/scene/scene_builder.h"
+#include "app/scene/scene_writer.h"
+
+namespace zr {
+
+LoadedScene::LoadedScene(gltf::Document document, const SceneOptions& options)
+    : m_document(std::move(document)), m_scene(vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)) {
+    SceneBuilder(*this, options).Build();
+}
+
+LoadedScene::~LoadedScene() = default;
+
+void LoadedScene::WriteBack() {
+    SceneWriter(*this).Run();
+}
+
+}  // namespace zr

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/gltf/document.h"
+#include "host/ref.h"
+#include "kernix/scene/scene_model.h"
+
+namespace zr {
+
+struct SceneOptions {
+    std::optional<std::size_t> scene;  // of the document; none: its default, else its first, else every root
+    // Elements (nodes, materials, animations) that must stay whatever else holds: true for their name.
+    std::function<bool(gltf::Kind kind, std::string_view name)> keep;
+};
+
+// One channel of the document as a curve the scene plays.
+struct LoadedChannel {
+    std::size_t animation;
+    std::size_t channel;
+    vl::Ref<vl::zr::Controller> controller;
+    int keyType = 0;  // of a transform controller; 0 for other controllers
+};
+
+// Why an element stays that an operation might otherwise take.
+struct KeptElement {
+    gltf::Kind kind;
+    std::size_t index;
+    std::string reason;  // the place in the document that refers to it, or "kept by name"
+};
+
+// A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
+// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone.
+//
+// A node that something in the document refers to gets a dummy when it shows nothing. A mesh of such a node
+// has a format value of its own: nothing else equals it. Materials that something else than the scene's
+// meshes refers to are not listed unless those use them too, and are never equal to others.
+class LoadedScene {
+public:
+    explicit LoadedScene(gltf::Document document, const SceneOptions& options = {});
+    LoadedScene(LoadedScene&&) = default;
+    ~LoadedScene();
+
+    kernix::SceneModel& Scene() { return *m_scene; }
+    gltf::Document& Document() { return m_document; }
+
+    // By index in the document; null for what is not in the scene.
+    kernix::NodeModel* Node(std::size_t index) const { return m_nodes[index]; }
+    kernix::MaterialModel* Material(std::size_t index) const { return m_materials[index]; }
+    kernix::AnimationModel* Animation(std::size_t index) const { return m_animations[index]; }
+
+    const std::vector<KeptElement>& Kept() const { return m_kept; }
+    // Animation data that is stored in a form that cannot be read; such channels have no keys in the scene.
+    const std::vector<std::string>& Unreadable() const { return m_unreadable; }
+
+    // Brings into the document what changed in the scene since it was made: nodes, materials, animations and
+    // keys that went, were merged or were added, metadata that was emptied, layers and viewports. Call once;
+    // the scene stands for the old document afterwards. Throws gltf::Error.
+    void WriteBack();
+
+private:
+    friend class SceneBuilder;
+    friend class MeshBuilder;
+    friend class AnimationBuilder;
+    friend class SceneWriter;
+
+    gltf::Document m_document;
+    vl::Ref<kernix::SceneModel> m_scene;
+    std::vector<kernix::NodeModel*> m_nodes;
+    std::vector<kernix::MaterialModel*> m_materials;
+    std::vector<kernix::AnimationModel*> m_animations;
+    std::vector<LoadedChannel> m_channels;
+    std::vector<kernix::LayerModel*> m_layers;        // as ZR_scene lists them
+    std::vector<kernix::ViewportModel*> m_viewports;  // the same; empty when the host gave its own
+    std::vector<std::size_t> m_extrasNodes;           // nodes whose metadata came from extras
+    std::vector<KeptElement> m_kept;
+    std::vector<std::string> m_unreadable;
+};
+
+}  // namespace zr

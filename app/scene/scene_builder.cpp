@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: MIT
+#include "app/scene/scene_builder.h"
+
+#include <algorithm>
+
+#include "app/gltf/references.h"
+#include "app/gltf/text.h"
+#include "host/kinds.h"
+#include "host/var.h"
+#include "kernix/scene/plain_objects.h"
+#include "kernix/utf.h"
+
+namespace zr {
+
+using gltf::IndexMember;
+using gltf::Join;
+using gltf::Json;
+using gltf::Kind;
+
+namespace {
+
+const Json* Extension(const Json& element, std::string_view name) {
+    const Json* extensions = element.Find("extensions");
+    return extensions != nullptr ? extensions->Find(name) : nullptr;
+}
+
+std::string_view NameOf(const Json& element) {
+    const Json* name = element.Find("name");
+    return name != nullptr ? name->String() : std::string_view();
+}
+
+template <std::size_t N>
+std::optional<std::array<float, N>> Numbers(const Json& object, std::string_view name) {
+    const Json* member = object.Find(name);
+    if (member == nullptr) return std::nullopt;
+    std::array<float, N> numbers;
+    for (std::size_t i = 0; i < N; ++i) numbers[i] = static_cast<float>(member->Items()[i].Number());
+    return numbers;
+}
+
+vl::Matrix4<double> MatrixOf(const Json& numbers) {
+    vl::Matrix4<double> matrix;
+    for (std::size_t i = 0; i < 16; ++i) matrix.m[i / 4][i % 4] = numbers.Items()[i].Number();
+    return matrix;
+}
+
+vl::Var VarOf(const Json& value) {
+    if (value.IsBool()) return vl::Var(value.Bool());
+    if (value.IsString()) return vl::Var(kernix::ToUtf16(value.String()));
+    if (const auto index = value.Index(); index && *index <= 0x7FFFFFFF)
+        return vl::Var(static_cast<int>(*index));
+    if (value.IsNumber()) return vl::Var(static_cast<float>(value.Number()));
+    return vl::Var(kernix::ToUtf16(gltf::WriteJson(value, false)));
+}
+
+}  // namespace
+
+SceneBuilder::SceneBuilder(LoadedScene& loaded, const SceneOptions& options)
+    : m_loaded(loaded),
+      m_document(loaded.m_document),
+      m_scene(*loaded.m_scene),
+      m_options(options),
+      m_ids(loaded.m_document),
+      m_meshes(loaded, m_ids),
+      m_animations(loaded, m_ids) {
+}
+
+void SceneBuilder::Build() {
+    const std::size_t nodes = m_document.Elements(Kind::kNode).size();
+    m_loaded.m_nodes.resize(nodes);
+    m_loaded.m_materials.resize(m_document.Elements(Kind::kMaterial).size());
+    m_loaded.m_animations.resize(m_document.Elements(Kind::kAnimation).size());
+    ChooseNodes();
+    MarkReferences();
+    AddMaterials();
+    m_animations.NoteMotions();
+    AddNodes();
+    AddAnimations();
+    AddLayersAndViewports();
+}
+
+// The nodes of the scene in pre-order.
+void SceneBuilder::ChooseNodes() {
+    const auto nodes = m_document.Elements(Kind::kNode);
+    const auto scenes = m_document.Elements(Kind::kScene);
+    m_parents.assign(nodes.size(), kNone);
+    m_inScene.assign(nodes.size(), false);
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        if (const Json* children = nodes[i].Find("children"))
+            for (const Json& child : children->Items()) m_parents[*child.Index()] = i;
+
+    std::vector<std::size_t> open;
+    if (scenes.empty()) {
+        for (std::size_t i = nodes.size(); i-- > 0;)
+            if (m_parents[i] == kNone) open.push_back(i);
+    } else {
+        const std::size_t chosen = m_options.scene.value_or(IndexMember(m_document.Root(), "scene"));
+        if (chosen >= scenes.size())
+            m_document.Fail(gltf::ErrorKind::kReference, "/scenes", Join("there is no scene ", chosen));
+        if (const Json* roots = scenes[chosen].Find("nodes"))
+            for (const Json& root : roots->Items()) open.push_back(*root.Index());
+        std::reverse(open.begin(), open.end());
+    }
+    while (!open.empty()) {
+        const std::size_t node = open.back();
+        open.pop_back();
+        m_order.push_back(node);
+        m_inScene[node] = true;
+        const Json* children = nodes[node].Find("children");
+        if (children == nullptr) continue;
+        const auto items = children->Items();
+        for (std::size_t i = items.size(); i-- > 0;) open.push_back(*items[i].Index());
+    }
+}
+
+void SceneBuilder::MarkReferences() {
+    m_nodeMarks.resize(m_loaded.m_nodes.size());
+    m_materialMarks.resize(m_loaded.m_materials.size());
+    m_animationMarks.resize(m_loaded.m_animations.size());
+    m_drawn.resize(m_loaded.m_materials.size(), false);
+    std::vector<bool> meshInScene(m_document.Elements(Kind::kMesh).size(), false);
+    for (std::size_t node : m_order) {
+        const Json& json = m_document.Elements(Kind::kNode)[node];
+        if (json.Find("mesh") != nullptr) meshInScene[IndexMember(json, "mesh")] = true;
+    }
+    const auto keep = [](Mark& mark, const gltf::Place& place) {
+        if (!mark.reason) mark.reason = place.Pointer();
+    };
+    gltf::ForEachReference(m_document, [&](const gltf::Reference& reference) {
+        const gltf::Target& target = reference.target;
+        const auto steps = reference.place.Steps();
+        // The second step below the root tells the member of an element of the core collections.
+        const std::string_view member = steps.size() > 3 ? steps[3].member : std::string_view();
+        const bool isOurs = steps.size() > 2 && (steps[2].member == "ZR_scene" ||
+                                                 (steps.size() > 4 && steps[4].member == "ZR_scene"));
+        const bool fromNode = reference.owner && reference.owner->kind == Kind::kNode;
+        const bool fromScene = reference.owner && reference.owner->kind == Kind::kScene;
+        if (target.kind == Kind::kNode) {
+            Mark& mark = m_nodeMarks[target.index];
+            if (reference.owner && reference.owner->kind == Kind::kSkin && member == "joints")
+                mark.isJoint = true;
+            if ((fromNode && member == "children") || (fromScene && member == "nodes") || isOurs) return;
+            keep(mark, reference.place);
+        } else if (target.kind == Kind::kMaterial) {
+            if (reference.owner && reference.owner->kind == Kind::kMesh &&
+                meshInScene[reference.owner->index])
+                m_drawn[target.index] = true;
+            else
+                keep(m_materialMarks[target.index], reference.place);
+        } else if (target.kind == Kind::kAnimation && !isOurs) {
+            keep(m_animationMarks[target.index], reference.place);
+        }
+    });
+    MarkByName(Kind::kNode, m_nodeMarks);
+    MarkByName(Kind::kMaterial, m_materialMarks);
+    MarkByName(Kind::kAnimation, m_animationMarks);
+}
+
+void SceneBuilder::MarkByName(Kind kind, std::vector<Mark>& marks) {
+    const auto elements = m_document.Elements(kind);
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        if (!marks[i].reason && m_options.keep && m_options.keep(kind, NameOf(elements[i])))
+            marks[i].reason = "kept by name";
+        if (marks[i].reason) m_loaded.m_kept.push_back({kind, i, *marks[i].reason});
+    }
+}
+
+void SceneBuilder::AddMaterials() {
+    const auto materials = m_document.Elements(Kind::kMaterial);
+    for (std::size_t i = 0; i < materials.size(); ++i) {
+        const bool kept = m_materialMarks[i].reason.has_value();
+        if (kept && !UsedInScene(i)) continue;
+        const Json* name = materials[i].Find("name");
+        std::optional<std::string> text;
+        if (name != nullptr) text = std::string(name->String());
+        std::string content = m_ids.Canonical(materials[i]);
+        // Something refers to this one, so it is equal to none.
+        if (kept) content += Join(" #", i);
+        m_loaded.m_materials[i] = m_scene.AddMaterial(std::move(text), std::move(content));
+    }
+}
+
+void SceneBuilder::AddNodes() {
+    for (std::size_t node : m_order) AddNode(node, m_parents[node]);
+    // What refers to other nodes waits until all are there.
+    for (std::size_t node : m_order) ApplyExtension(node);
+}
+
+void SceneBuilder::AddNode(std::size_t index, std::size_t parent) {
+    const Json& json = m_document.Elements(Kind::kNode)[index];
+    kernix::NodeModel* above = parent != kNone ? m_loaded.m_nodes[parent] : nullptr;
+    kernix::NodeModel* node = m_scene.AddNode(above, std::string(NameOf(json)));
+    m_loaded.m_nodes[index] = node;
+    node->m_source = static_cast<int>(index);
+    SetTransform(*node, json);
+    SetMetadata(index);
+    node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(MakeObject(index, parent)));
+    const bool showsMore = node->m_pObject != nullptr && !node->m_pObject->IsKindOf(vl::zr::kKindBone);
+    if (m_nodeMarks[index].isJoint && showsMore) node->m_dwFlags |= vl::zr::kNodeSkeleton;
+}
+
+vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent) {
+    const Json& node = m_document.Elements(Kind::kNode)[index];
+    const Mark& mark = m_nodeMarks[index];
+    std::string motion = m_animations.Motion(index, parent);
+    if (node.Find("mesh") != nullptr) {
+        // What something refers to is no one's duplicate.
+        if (mark.reason) motion += Join("node ", index, ";");
+        return m_meshes.Build(node, motion);
+    }
+    if (node.Find("camera") != nullptr) return new kernix::CameraModel;
+    if (vl::zr::Object3D* light = MakeLight(node)) return light;
+    if (const Json* extension = Extension(node, "ZR_scene")) {
+        const auto is = [&](std::string_view name) {
+            const Json* member = extension->Find(name);
+            return member != nullptr && member->Bool();
+        };
+        if (is("note")) return kernix::CreateNote();
+        if (is("selector")) return kernix::CreateSelector();
+    }
+    if (mark.isJoint) return kernix::CreateBone();
+    if (mark.reason) return kernix::CreateDummy();
+    return nullptr;
+}
+
+vl::zr::Object3D* SceneBuilder::MakeLight(const Json& node) {
+    const Json* extension = Extension(node, "KHR_lights_punctual");
+    if (extension == nullptr) return nullptr;
+    const Json& light = m_document.Elements(Kind::kLight)[IndexMember(*extension, "light")];
+    const std::string_view type = light.Find("type")->String();
+    return new kernix::LightModel(type == "spot"          ? vl::zr::kLightSpot
+                                  : type == "directional" ? vl::zr::kLightDirectional
+                                                          : vl::zr::kLightPoint);
+}
+
+void SceneBuilder::SetTransform(kernix::NodeModel& model, const Json& node) {
+    if (const Json* matrix = node.Find("matrix")) return model.SetRestMatrix(MatrixOf(*matrix));
+    kernix::Pose pose;
+    if (const auto t = Numbers<3>(node, "translation")) pose.translation = {(*t)[0], (*t)[1], (*t)[2]};
+    if (const auto r = Numbers<4>(node, "rotation")) pose.rotation = {(*r)[0], (*r)[1], (*r)[2], (*r)[3]};
+    if (const auto s = Numbers<3>(node, "scale")) pose.scale = {(*s)[0], (*s)[1], (*s)[2]};
+    model.SetRestPose(pose);
+}
+
+void SceneBuilder::SetMetadata(std::size_t index) {
+    const Json* extras = m_document.Elements(Kind::kNode)[index].Find("extras");
+    if (extras == nullptr || (extras->IsObject() && extras->Members().empty())) return;
+    vl::VarMap* map = m_loaded.m_nodes[index]->GetMetadata(true);
+    if (!extras->IsObject()) map->Set(u"", VarOf(*extras));
+    for (const gltf::JsonMember& member : extras->Members())
+        map->Set(kernix::ToUtf16(member.Name()), VarOf(member.value));
+    m_loaded.m_extrasNodes.push_back(index);
+}
+
+void SceneBuilder::ApplyExtension(std::size_t index) {
+    const Json* extension = Extension(m_document.Elements(Kind::kNode)[index], "ZR_scene");
+    if (extension == nullptr) return;
+    kernix::NodeModel* node = m_loaded.m_nodes[index];
+    const auto named = [&](std::string_view name) {
+        return extension->Find(name) != nullptr ? m_loaded.m_nodes[IndexMember(*extension, name)] : nullptr;
+    };
+    if (kernix::NodeModel* target = named("target")) {
+        if (auto* camera = dynamic_cast<kernix::CameraModel*>(node->m_pObject)) camera->SetTarget(target);
+        if (auto* light = dynamic_cast<kernix::LightModel*>(node->m_pObject)) light->SetTarget(target);
+    }
+    if (extension->Find("selector") != nullptr) m_scene.SetSelector(node, named("selected"));
+    if (const auto pivot = Numbers<3>(*extension, "pivot")) {
+        kernix::TransformControllerModel* controller = node->AddTransformController();
+        controller->m_offset = {(*pivot)[0], (*pivot)[1], (*pivot)[2]};
+        const Json* group = extension->Find("pivotGroup");
+        if (group != nullptr && group->Bool()) controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
+    }
+    if (const Json* offset = extension->Find("objectOffset")) node->SetObjectOffset(MatrixOf(*offset));
+}
+
+void SceneBuilder::AddAnimations() {
+    const auto animations = m_document.Elements(Kind::kAnimation);
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        kernix::AnimationModel* model = m_scene.AddAnimation(kernix::ToUtf16(NameOf(animations[i])));
+        model->m_locked = m_animationMarks[i].reason.has_value();
+        m_loaded.m_animations[i] = model;
+    }
+    m_animations.Build();
+}
+
+void SceneBuilder::AddLayersAndViewports() {
+    const Json* extension = Extension(m_document.Root(), "ZR_scene");
+    const Json* layers = extension != nullptr ? extension->Find("layers") : nullptr;
+    const Json* viewports = extension != nullptr ? extension->Find("viewports") : nullptr;
+    if (layers != nullptr) {
+        for (const Json& json : layers->Items()) {
+            kernix::LayerModel* layer = m_scene.AddLayer(std::string(NameOf(json)));
+            m_loaded.m_layers.push_back(layer);
+            if (const Json* members = json.Find("nodes"))
+                for (const Json& member : members->Items())
+                    if (kernix::NodeModel* node = m_loaded.m_nodes[*member.Index()]) layer->AddMember(node);
+        }
+    }
+    if (viewports == nullptr) return AddDefaultViewport();
+    for (const Json& json : viewports->Items()) {
+        kernix::ViewportModel* viewport =
+            m_scene.AddViewport(static_cast<int>(IndexMember(json, "kind")), std::string(NameOf(json)));
+        m_loaded.m_viewports.push_back(viewport);
+        const std::size_t layer = IndexMember(json, "layer", m_loaded.m_layers.size());
+        if (layer < m_loaded.m_layers.size()) viewport->m_pLayer = m_loaded.m_layers[layer];
+        if (const Json* played = json.Find("animations"))
+            for (const Json& animation : played->Items())
+                viewport->AddAnimationReference(m_loaded.m_animations[*animation.Index()]);
+    }
+}
+
+// A document without viewports plays all it has.
+void SceneBuilder::AddDefaultViewport() {
+    kernix::ViewportModel* viewport = m_scene.AddViewport(vl::zr::kViewportView, "");
+    const auto animations = m_document.Elements(Kind::kAnimation);
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        const Json* channels = animations[i].Find("channels");
+        const bool moves =
+            channels != nullptr &&
+            std::any_of(channels->Items().begin(), channels->Items().end(), [](const Json& channel) {
+                const Json& target = *channel.Find("target");
+                return target.Find("node") != nullptr || target.Find("path")->String() == "pointer";
+            });
+        if (moves || m_animationMarks[i].reason) viewport->AddAnimationReference(m_loaded.m_animations[i]);
+    }
+}
+
+}  // namespace zr

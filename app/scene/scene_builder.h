@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/scene/animation_builder.h"
+#include "app/scene/content_ids.h"
+#include "app/scene/loaded_scene.h"
+#include "app/scene/mesh_builder.h"
+
+namespace zr {
+
+// Makes the scene of a LoadedScene.
+class SceneBuilder {
+public:
+    SceneBuilder(LoadedScene& loaded, const SceneOptions& options);
+
+    void Build();
+
+private:
+    // What the document says about an element apart from the scene itself.
+    struct Mark {
+        bool isJoint = false;
+        std::optional<std::string> reason;  // why it must stay
+    };
+
+    void ChooseNodes();
+    void MarkReferences();
+    void MarkByName(gltf::Kind kind, std::vector<Mark>& marks);
+    void AddMaterials();
+    void AddNodes();
+    void AddNode(std::size_t index, std::size_t parent);
+    vl::zr::Object3D* MakeObject(std::size_t index, std::size_t parent);
+    vl::zr::Object3D* MakeLight(const gltf::Json& node);
+    void SetTransform(kernix::NodeModel& model, const gltf::Json& node);
+    void SetMetadata(std::size_t index);
+    void ApplyExtension(std::size_t index);
+    void AddAnimations();
+    void AddLayersAndViewports();
+    void AddDefaultViewport();
+    bool UsedInScene(std::size_t material) const { return m_drawn[material]; }
+
+    static constexpr std::size_t kNone = AnimationBuilder::kNone;
+
+    LoadedScene& m_loaded;
+    gltf::Document& m_document;
+    kernix::SceneModel& m_scene;
+    const SceneOptions& m_options;
+    ContentIds m_ids;
+    MeshBuilder m_meshes;
+    AnimationBuilder m_animations;
+    std::vector<std::size_t> m_order;    // nodes of the scene, parents first
+    std::vector<std::size_t> m_parents;  // of every node of the document
+    std::vector<bool> m_inScene;
+    std::vector<bool> m_drawn;  // materials that the scene's meshes use
+    std::vector<Mark> m_nodeMarks;
+    std::vector<Mark> m_materialMarks;
+    std::vector<Mark> m_animationMarks;
+};
+
+}  // namespace zr
