@@ -3,9 +3,12 @@
 
 #include <stdexcept>
 
+#include "app/export/added_keys.h"
 #include "app/export/bake.h"
+#include "app/export/flip_objects.h"
 #include "app/export/record_json.h"
 #include "app/export/record_keys.h"
+#include "app/export/record_names.h"
 #include "app/export/record_nodes.h"
 #include "kernix/utf.h"
 
@@ -22,13 +25,17 @@ std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
 
 }  // namespace
 
-void ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress) {
+MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
+                         std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
     }
-    BakeCurves(scene, options);
     const std::vector<kernix::AnimationModel*> animations = Animations(scene);
+    MotionReport report;
+    for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
+    BakeCurves(scene, options);
+    std::vector<AddedKeys> added;
     Tool first = RunTool(host, scene, animations.empty() ? nullptr : animations.front(), options);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
@@ -41,16 +48,31 @@ void ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, 
                                          "\" need different nodes with these options: export them one by one with --animation");
             }
         }
-        TakeBackKeys(i > 0 ? later : first, scene, *animations[i], options);
+        const Tool& tool = i > 0 ? later : first;
+        CompareMotion(tool, scene, *animations[i], options, report);
+        CollectAddedKeys(tool, *animations[i], added);
+        TakeBackKeys(tool, scene, *animations[i], options);
     }
-    WriteRecordNodes(loaded, first, options);
+    if (renameMap != nullptr) *renameMap = RenameMap(first);
+    WriteMaterialNames(loaded, first);
+    WriteAddedKeys(loaded, WriteRecordNodes(loaded, first, options), added);
     loaded.WriteBack();
+    if (options.Has(vl::tk::kFlipAxes)) FlipObjects(loaded.Document());
     progress(1);
+    return report;
 }
 
-void ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file) {
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file,
+                           std::string* renameMap) {
+    kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
+    MotionReport report;
+    if (animation != nullptr) report.keysBefore = CountKeys(*animation);
     BakeCurves(loaded.Scene(), options);
-    WriteRecordJson(RunTool(host, loaded.Scene(), loaded.Scene().GetActiveAnimation(), options), options, file);
+    const Tool tool = RunTool(host, loaded.Scene(), animation, options);
+    if (animation != nullptr) CompareMotion(tool, loaded.Scene(), *animation, options, report);
+    if (renameMap != nullptr) *renameMap = RenameMap(tool);
+    WriteRecordJson(tool, options, file);
+    return report;
 }
 
 }  // namespace zr

@@ -3,8 +3,10 @@
 
 #include <filesystem>
 #include <functional>
+#include <string>
 
 #include "app/export/export_options.h"
+#include "app/export/motion_report.h"
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
 
@@ -15,10 +17,11 @@ using ExportProgress = std::function<void(double)>;
 
 // Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
 // nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
-// and when nothing is to be exported.
-void ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress);
+// and when nothing is to be exported. renameMap: null, or receives the text of the map (RenameMap).
+MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
+                         std::string* renameMap = nullptr);
 
 // The same for the active animation, as the records themselves.
-void ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file);
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file, std::string* renameMap = nullptr);
 
 }  // namespace zr

@@ -3,6 +3,7 @@
 
 #include <unordered_map>
 
+#include "app/export/record_names.h"
 #include "app/gltf/file.h"
 #include "app/gltf/json.h"
 #include "kernix/scene/node_model.h"
@@ -45,12 +46,6 @@ private:
             for (const double value : row) m_tree.Append(numbers, m_tree.MakeNumber(value));
         }
         m_tree.Member(object, name) = numbers;
-    }
-
-    std::string NameOf(const ExportNode& record) const {
-        if (record.szName != nullptr) return kernix::ToUtf8(kernix::ToUtf16(record.szName));
-        if (record.wszName != nullptr) return kernix::ToUtf8(record.wszName);
-        return record.pNode != nullptr ? static_cast<kernix::NodeModel*>(record.pNode)->GetNameText() : std::string();
     }
 
     int SourceOf(const ExportNode& record) const {

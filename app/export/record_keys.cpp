@@ -43,11 +43,19 @@ Curve ToCurve(vl::Array* rotations, const ExportRotationKey*) {
 }
 
 // The keys of a record's track; nothing where the record has none of the type.
-Curve RecordCurve(const ExportNode& record, int keyType) {
+Curve KeysOf(const ExportNode& record, int keyType) {
     switch (keyType) {
         case vl::zr::kKeyPosition: return ToCurve(record.pPosKeys, static_cast<ExportPositionKey*>(nullptr));
         case vl::zr::kKeyScale: return ToCurve(record.pScaleKeys, static_cast<ExportScaleKey*>(nullptr));
         default: return ToCurve(record.pRotKeys, static_cast<ExportRotationKey*>(nullptr));
+    }
+}
+
+// Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
+void MakeAscending(Curve& curve) {
+    for (std::size_t i = 1; i < curve.times.size(); ++i) {
+        if (curve.times[i] > curve.times[i - 1]) continue;
+        curve.times[i] = std::nextafter(curve.times[i - 1], std::numeric_limits<float>::infinity());
     }
 }
 
@@ -69,14 +77,6 @@ bool IsUnchanged(const Curve& exported, const TransformTrack& track, int keyType
         }
     }
     return true;
-}
-
-// Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
-void MakeAscending(Curve& curve) {
-    for (std::size_t i = 1; i < curve.times.size(); ++i) {
-        if (curve.times[i] > curve.times[i - 1]) continue;
-        curve.times[i] = std::nextafter(curve.times[i - 1], std::numeric_limits<float>::infinity());
-    }
 }
 
 // A motion that the tools do not extract (one rotation key alone) is a pose: it stays, where the record stands.
@@ -101,7 +101,7 @@ void TakeBackRecord(const ExportNode& record, TransformTrack& track, vl::tk::Ser
     bool hasKeys = false;
     bool unchanged = true;
     for (std::size_t i = 0; i < 3; ++i) {
-        curves[i] = RecordCurve(record, kTypes[i]);
+        curves[i] = KeysOf(record, kTypes[i]);
         hasKeys = hasKeys || !curves[i].times.empty();
         unchanged = unchanged && IsUnchanged(curves[i], track, kTypes[i], tool);
     }
@@ -120,6 +120,12 @@ void TakeBackRecord(const ExportNode& record, TransformTrack& track, vl::tk::Ser
 }
 
 }  // namespace
+
+Curve RecordCurve(const ExportNode& record, int keyType) {
+    Curve curve = KeysOf(record, keyType);
+    MakeAscending(curve);
+    return curve;
+}
 
 void TakeBackKeys(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation,
                   const ExportOptions& options) {

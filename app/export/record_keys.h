@@ -2,8 +2,12 @@
 #pragma once
 
 #include "app/export/tool_run.h"
+#include "app/scene/curves.h"
 
 namespace zr {
+
+// The keys of a record's track, in strictly ascending order; nothing where the record has none of the type.
+Curve RecordCurve(const ExportNode& record, int keyType);
 
 // Takes the keys of a finished run back into the scene's tracks for that animation, with the time mapped for
 // everything else that the animation moves. A track whose keys came through unchanged keeps its own, slopes

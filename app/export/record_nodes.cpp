@@ -30,13 +30,16 @@ public:
     NodeWriter(LoadedScene& loaded, const Tool& tool, const ExportOptions& options)
         : m_loaded(loaded), m_document(loaded.Document()), m_tree(m_document.Tree()), m_tool(tool), m_options(options) {}
 
-    void Run() {
+    std::vector<std::size_t> Run() {
         PlaceRecords();
         for (const auto& node : m_loaded.Scene().AllNodes()) MoveObject(*node);
         for (ExportNode* record : AllRecords(m_tool)) WriteNode(*record);
         WriteRoots();
         MoveJoints();
         DeleteRejected();
+        std::vector<std::size_t> nodes;
+        for (const ExportNode* record : AllRecords(m_tool)) nodes.push_back(m_index[record]);
+        return nodes;
     }
 
 private:
@@ -225,8 +228,8 @@ private:
 
 }  // namespace
 
-void WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options) {
-    NodeWriter(loaded, tool, options).Run();
+std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options) {
+    return NodeWriter(loaded, tool, options).Run();
 }
 
 bool SameStructure(const Tool& a, const Tool& b) {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
 #include "app/export/tool_run.h"
 #include "app/scene/loaded_scene.h"
 
@@ -10,7 +13,9 @@ namespace zr {
 // place in the document, so that every reference to it holds; other records become new nodes. A node's object
 // goes to the record that carries it, and pivots and offsets that the records spell out leave ZR_scene. Nodes
 // without a record are deleted from the scene: WriteBack takes them out of the document.
-void WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
+//
+// Returns the node of each record, in the order of the records.
+std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
 // Whether two runs made the same records of the same nodes, so that their keys fit one set of nodes.
 bool SameStructure(const Tool& a, const Tool& b);

@@ -4,9 +4,7 @@
 #include "host/object.h"
 
 namespace zr {
-namespace {
 
-// The tools place a camera or light record where the host shows the object, not where its node stands.
 bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Matrix4<double>& shown) {
     if (!options.Has(vl::tk::kAllChoices) || (record.dwFlags & NF_GEOMETRY) == 0 || record.pNode == nullptr) {
         return false;
@@ -22,16 +20,14 @@ bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Ma
     return true;
 }
 
-}  // namespace
-
 vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options) {
     auto* node = static_cast<kernix::NodeModel*>(record.pSourceNode);
     if (record.pController == nullptr || node == nullptr) return record.mLocal;
     vl::Matrix4<double> local = node->GetRestMatrix();
     if (record.pParent == nullptr) local.Transform(options.sceneMatrix);
-    if (options.Has(vl::tk::kFlipAxes)) local.Flip();
     vl::Matrix4<double> shown;
     if (PlacesObject(record, options, shown)) local.SetMul(shown, local);
+    if (options.Has(vl::tk::kFlipAxes)) local.Flip();
     return local;
 }
 

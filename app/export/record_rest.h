@@ -11,4 +11,8 @@ namespace zr {
 // the scene's current time, which an animation may have moved away from rest.
 vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options);
 
+// Whether the tools place the record, of a camera or light, where the host shows the object and not where its
+// node stands; shown is then the transform between the two, at the scene's current time.
+bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Matrix4<double>& shown);
+
 }  // namespace zr

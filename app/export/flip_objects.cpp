@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "app/export/flip_objects.h"
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "app/gltf/accessor.h"
+#include "app/gltf/walk.h"
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+using gltf::JsonTree;
+using gltf::Kind;
+
+// Y and Z exchanged.
+constexpr float kExchange[16] = {1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+
+// Half a turn about the bisector of Y and Z: the proper rotation that takes -Z to -Y and Y to Z.
+constexpr float kTurn[4] = {0, 0.70710678f, 0.70710678f, 0};
+
+class ObjectFlipper {
+public:
+    explicit ObjectFlipper(gltf::Document& document) : m_document(document), m_tree(document.Tree()) {}
+
+    void Run() {
+        for (const std::size_t node : SceneNodes()) {
+            Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, "matrix", kExchange,
+                  &m_meshNodes);
+            Split(node, {"camera"}, {"KHR_lights_punctual"}, "rotation", kTurn, nullptr);
+        }
+        for (const std::size_t skin : m_skins) FlipSkin(skin);
+        MoveWeights();
+    }
+
+private:
+    Json& Element(Kind kind, std::size_t index) { return m_document.Elements(kind)[index]; }
+
+    std::vector<std::size_t> SceneNodes() {
+        std::vector<std::size_t> nodes;
+        const auto scenes = m_document.Elements(Kind::kScene);
+        const std::size_t scene = gltf::IndexMember(m_document.Root(), "scene", 0);
+        if (scene >= scenes.size()) return nodes;
+        const auto add = [&nodes](const Json* list) {
+            if (list == nullptr) return;
+            for (const Json& item : list->Items()) nodes.push_back(static_cast<std::size_t>(*item.Index()));
+        };
+        add(scenes[scene].Find("nodes"));
+        for (std::size_t i = 0; i < nodes.size(); ++i) add(Element(Kind::kNode, nodes[i]).Find("children"));
+        return nodes;
+    }
+
+    // Moves members and extensions of a node, if it has any of them, to a new child with the transform.
+    void Split(std::size_t node, std::initializer_list<std::string_view> members,
+               std::initializer_list<std::string_view> extensions, std::string_view transform,
+               std::span<const float> numbers, std::unordered_map<std::size_t, std::size_t>* children) {
+        Json content = JsonTree::MakeObject();
+        for (const std::string_view name : members) Move(Element(Kind::kNode, node), content, name);
+        for (const std::string_view name : extensions) MoveExtension(node, content, name, {});
+        if (content.Members().empty()) return;
+        // What a camera or light aims at goes with it.
+        if (transform == "rotation") MoveExtension(node, content, "ZR_scene", "target");
+        if (const Json* skin = content.Find("skin")) m_skins.insert(static_cast<std::size_t>(*skin->Index()));
+
+        m_tree.Member(content, transform) = m_tree.MakeNumbers(numbers);
+        const std::size_t child = m_document.Append(Kind::kNode, content);
+        Json& list = m_tree.Member(Element(Kind::kNode, node), "children");
+        if (!list.IsArray()) list = JsonTree::MakeArray();
+        m_tree.Append(list, m_tree.MakeIndex(child));
+        if (children != nullptr) (*children)[node] = child;
+    }
+
+    void Move(Json& from, Json& to, std::string_view name) {
+        const Json* member = from.Find(name);
+        if (member == nullptr) return;
+        const Json value = *member;
+        from.EraseMember(name);
+        m_tree.Member(to, name) = value;
+    }
+
+    // member: of the extension; empty for all of it.
+    void MoveExtension(std::size_t node, Json& content, std::string_view name, std::string_view member) {
+        Json* from = Element(Kind::kNode, node).Find("extensions");
+        Json* extension = from != nullptr ? from->Find(name) : nullptr;
+        if (extension == nullptr || (!member.empty() && extension->Find(member) == nullptr)) return;
+        Json& to = m_tree.Member(content, "extensions");
+        if (!to.IsObject()) to = JsonTree::MakeObject();
+        if (member.empty()) {
+            Move(*from, to, name);
+        } else {
+            Json& part = m_tree.Member(to, name);
+            part = JsonTree::MakeObject();
+            Move(*extension, part, member);
+            if (extension->Members().empty()) from->EraseMember(name);
+        }
+        if (from->Members().empty()) Element(Kind::kNode, node).EraseMember("extensions");
+    }
+
+    void FlipSkin(std::size_t index) {
+        const Json& skin = Element(Kind::kSkin, index);
+        std::vector<float> binds;
+        if (const Json* accessor = skin.Find("inverseBindMatrices")) {
+            const auto source = static_cast<std::size_t>(*accessor->Index());
+            if (!gltf::HasData(m_document, source)) {
+                throw std::runtime_error(
+                    "skins[" + std::to_string(index) +
+                    "]: the inverse bind matrices are stored in a form that cannot be read");
+            }
+            binds = gltf::ReadFloats(m_document, source);
+        } else {
+            const Json* joints = skin.Find("joints");
+            const std::size_t count = joints != nullptr ? joints->Items().size() : 0;
+            for (std::size_t i = 0; i < 16 * count; ++i) binds.push_back(i % 16 % 5 == 0 ? 1.0f : 0.0f);
+        }
+        for (std::size_t column = 0; column + 4 <= binds.size(); column += 4) {
+            std::swap(binds[column + 1], binds[column + 2]);
+        }
+        const std::size_t accessor = gltf::AppendFloats(m_document, "MAT4", gltf::Use::kInverseBinds, binds);
+        m_tree.Member(Element(Kind::kSkin, index), "inverseBindMatrices") = m_tree.MakeIndex(accessor);
+    }
+
+    // Morph weights are the mesh's and follow it.
+    void MoveWeights() {
+        for (Json& animation : m_document.Elements(Kind::kAnimation)) {
+            Json* channels = animation.Find("channels");
+            if (channels == nullptr) continue;
+            for (Json& channel : channels->Items()) {
+                if (Json* target = channel.Find("target")) MoveWeights(*target);
+            }
+        }
+    }
+    void MoveWeights(Json& target) {
+        const Json* path = target.Find("path");
+        if (Json* node = target.Find("node");
+            node != nullptr && path != nullptr && path->String() == "weights") {
+            const auto moved = m_meshNodes.find(static_cast<std::size_t>(*node->Index()));
+            if (moved != m_meshNodes.end()) *node = m_tree.MakeIndex(moved->second);
+        }
+        Json* extensions = target.Find("extensions");
+        Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
+        Json* pointer = extension != nullptr ? extension->Find("pointer") : nullptr;
+        if (pointer == nullptr) return;
+        const std::string text(pointer->String());
+        const auto named = gltf::PointerTarget(text);
+        if (!named || named->kind != Kind::kNode || text.find("/weights") == std::string::npos) return;
+        const auto moved = m_meshNodes.find(named->index);
+        if (moved == m_meshNodes.end()) return;
+        *pointer =
+            m_tree.MakeString("/nodes/" + std::to_string(moved->second) + text.substr(text.find("/weights")));
+    }
+
+    gltf::Document& m_document;
+    JsonTree& m_tree;
+    std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // child that a node's mesh went to
+    std::set<std::size_t> m_skins;
+};
+
+}  // namespace
+
+void FlipObjects(gltf::Document& document) {
+    ObjectFlipper(document).Run();
+}
+
+}  // namespace zr

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "host/settings_store.h"
+
+namespace zr {
+
+// Stored settings from an INI file: the setting "anim\mergekeys" is "mergekeys" in the section "anim",
+// whatever the case. Sections below a section stand in its name ("user\anim"). Every value is a number.
+class SettingsFile final : public SettingsStore {
+public:
+    // Throws std::runtime_error, with the file and line, for a file that cannot be read, is no INI file or
+    // holds something else than a number.
+    explicit SettingsFile(const std::filesystem::path& file);
+
+    // section: null or empty for the whole file. A number outside the type's range gives fallback, an int
+    // loses its fraction.
+    int GetInt(const char* section, const char* key, int fallback) override;
+    float GetFloat(const char* section, const char* key, float fallback) override;
+
+private:
+    std::optional<double> Find(const char* section, const char* key) const;
+
+    std::map<std::string, double> m_values;  // by folded section, '\' and name
+};
+
+}  // namespace zr
