@@ -86,7 +86,7 @@ void FileTransaction::Add(const fs::path& target, std::span<const Bytes> pieces)
     if (!file) Fail(target, "cannot be written", errno);
     m_pending.push_back({temporary, target});
     for (Bytes piece : pieces)
-        if (std::fwrite(piece.data(), 1, piece.size(), file.get()) != piece.size())
+        if (!piece.empty() && std::fwrite(piece.data(), 1, piece.size(), file.get()) != piece.size())
             Fail(target, "cannot be written", errno);
     if (std::fclose(file.release()) != 0) Fail(target, "cannot be written", errno);
 }

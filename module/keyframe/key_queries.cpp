@@ -94,20 +94,23 @@ int ZR_TK::GetPositionKey(ExportNode* record, int index, ExportPositionKey* out)
     return 1;
 }
 
-vl::Array* ZR_TK::GetKeyTimes(ExportNode* record, int withAncestors) {
+std::vector<float> zrt::KeyTimes(const ExportNode* record, bool withAncestors) {
     std::vector<float> times;
-    for (ExportNode* r = record; r != nullptr; r = withAncestors != 0 ? r->pParent : nullptr) {
-        CollectTimes<ExportPositionKey>(r->pPosKeys, times);
-        CollectTimes<ExportRotationKey>(r->pRotKeys, times);
-        CollectTimes<ExportScaleKey>(r->pScaleKeys, times);
+    for (; record != nullptr; record = withAncestors ? record->pParent : nullptr) {
+        CollectTimes<ExportPositionKey>(record->pPosKeys, times);
+        CollectTimes<ExportRotationKey>(record->pRotKeys, times);
+        CollectTimes<ExportScaleKey>(record->pScaleKeys, times);
     }
-    if (!times.empty()) times.push_back(0.0f);
     // Of equal times, -0.0 and 0.0 among them, the first one found stays: stable.
     std::stable_sort(times.begin(), times.end(), IsEarlier);
     times.erase(std::unique(times.begin(), times.end()), times.end());
+    return times;
+}
 
+vl::Array* ZR_TK::GetKeyTimes(ExportNode* record, int withAncestors) {
     vl::Array* result = g_pHost->CreateArray();
-    for (const float time : times) result->Add(vl::ToWord(time));
+    for (const float time : zrt::KeyTimes(record, withAncestors != 0)) result->Add(vl::ToWord(time));
+    if (result->m_nCount != 0) AddKeyTime(result, 0.0f);
     return result;
 }
 

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
 #include "host/scene.h"
 #include "host/serializer.h"
 #include "module/keyframe/export_node.h"
+#include "module/keyframe/unique_names.h"
 
 inline constexpr char kTypeKeyframeTool[] = "TKSAVE";
 
@@ -86,8 +88,8 @@ public:
     void ResampleKeys();
     void FlipAxes();
 
-    // Names (unique_names.cpp, material_names.cpp).
-    void MakeUniqueName(ExportNode* record);
+    // Names (hierarchy_names.cpp, material_names.cpp).
+    void MakeUniqueName(ExportNode* record);  // and lists it in m_pNameTable, which exists
     void MakeMaterialNames();
 
 private:
@@ -99,4 +101,6 @@ private:
     // Index of m_pAllNodes for FindNodeRecord, up to m_nIndexed.
     std::unordered_map<vl::zr::Node*, ExportNode*> m_nodeRecords;
     int m_nIndexed = 0;
+
+    std::optional<zrt::UniqueNames> m_uniqueNames;  // the names in m_pNameTable; set with it
 };

@@ -34,6 +34,9 @@ void DestroyTrack(vl::Array*& track) {
     track = nullptr;
 }
 
+// The times of a record's keys, and of its ancestors' when asked: ascending, each once.
+std::vector<float> KeyTimes(const ExportNode* record, bool withAncestors);
+
 // Visits every record before its children, in order, however deep the tree is. visit(record) returns the
 // record whose children come next (the record itself, one made in its place) or null to go no deeper; it
 // may change children, not the list that is walked.

@@ -6,7 +6,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
-#include <cstdlib>
 #include <functional>
 #include <thread>
 
@@ -26,7 +25,6 @@ struct Received {
 class DialogTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
         std::string error;
         ASSERT_TRUE(platform::StartUserInterface(error)) << error;
     }

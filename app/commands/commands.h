@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace zr {
+
+class Session;
+
+// Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A
+// failure is an exception whose text names the file and the place.
+void AddInfoCommand(CLI::App& app, Session& session);
+
+}  // namespace zr

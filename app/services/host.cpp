@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "app/services/host.h"
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <utility>
+
+#include "app/services/poly_boolean.h"
+#include "app/services/strings.h"
+#include "kernix/resource_reader.h"
+#include "platform/ui/host_windows.h"
+#include "platform/windows.h"
+
+namespace zr {
+namespace {
+
+constexpr int kViewWindow = 4;
+constexpr std::size_t kLongestText = 1024;
+
+// The 3D view window of a host without one on the screen: its value 0 holds the view.
+class ViewWindow final : public platform::HostControl {
+public:
+    LRESULT OnMessage(UINT, WPARAM, LPARAM) override { return 0; }
+    LONG_PTR GetValue(int index) override { return index == 0 ? reinterpret_cast<LONG_PTR>(m_view) : 0; }
+
+    ViewObject* m_view = nullptr;
+};
+
+// The module stands in lib/ beside the bin/ of the program, or beside the program itself.
+std::filesystem::path FindModule() {
+    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    for (const auto& candidate : {folder.parent_path() / "lib" / "zrtools.so", folder / "zrtools.so",
+                                  folder.parent_path() / "lib" / "zrtools" / "zrtools.so"}) {
+        if (std::filesystem::exists(candidate)) return candidate;
+    }
+    throw std::runtime_error("the module zrtools.so was found neither in " +
+                             (folder.parent_path() / "lib").string() + " nor in " + folder.string());
+}
+
+}  // namespace
+
+struct Host::Parts {
+    explicit Parts(const std::string& language) : strings(language) {}
+
+    StringTables strings;
+    ViewWindow viewWindow;
+    ModuleEntry entry = nullptr;
+};
+
+Host::Host(const std::string& language) : m_parts(std::make_unique<Parts>(language)) {
+    kernix::SetResourceReader(ReadModuleResource);
+    AddExtension(kTypePolyBoolean, [] { return new PolyBooleanExtension; });
+}
+
+Host::~Host() = default;
+
+void Host::LoadModule() {
+    const std::filesystem::path file = FindModule();
+    // Never unloaded: objects of the module may live as long as the process.
+    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) throw std::runtime_error(std::string("the module cannot be loaded: ") + dlerror());
+    m_parts->entry = reinterpret_cast<ModuleEntry>(dlsym(library, "ZRDLLFunc"));
+    if (m_parts->entry == nullptr) throw std::runtime_error(file.string() + " is no module: it lacks ZRDLLFunc");
+    StartModule(static_cast<HINSTANCE>(library), m_parts->entry);
+}
+
+std::u16string Host::ModuleVersion() const {
+    char16_t buffer[kLongestText] = {};
+    m_parts->entry(ZRDLL_GETVERSIONSTRING, vl::ToWord(buffer + 0), 0);
+    return buffer;
+}
+
+std::u16string Host::ModuleDescription() const {
+    char16_t buffer[kLongestText] = {};
+    m_parts->entry(ZRDLL_GETDESCRIPTION, vl::ToWord(buffer + 0), 0);
+    return buffer;
+}
+
+void Host::FailToCreate(const char* typeName) {
+    throw std::runtime_error(std::string("the module offers no extension \"") + typeName + "\"");
+}
+
+void Host::SetView(ViewObject* view) { m_parts->viewWindow.m_view = view; }
+
+std::string Host::TakeReportedError() { return std::exchange(m_reportedError, {}); }
+
+void* Host::LoadModuleStrings(HINSTANCE module) {
+    return const_cast<ModuleStrings*>(m_parts->strings.Load(module));
+}
+
+const char16_t* Host::GetModuleString(void* table, int id) {
+    return table != nullptr ? static_cast<const ModuleStrings*>(table)->Get(id) : u"";
+}
+
+HWND Host::GetMainWindow(int which) {
+    return which == kViewWindow ? m_parts->viewWindow.Handle() : nullptr;
+}
+
+void Host::ShowHelpTopic(const char* page, int) {
+    std::fprintf(stderr, "zr: help: see \"%s\" in the documentation\n", page);
+}
+
+void Host::LocalizeDialog(void* table, HWND dialog) {
+    if (table != nullptr) static_cast<const ModuleStrings*>(table)->LocalizeDialog(dialog);
+}
+
+void Host::ShowMessage(int severity, const std::string& text) {
+    if (severity > 0) m_reportedError = text;
+    if (severity > 0 || m_showLog) std::fprintf(stderr, "zr: %s\n", text.c_str());
+}
+
+}  // namespace zr

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+// Exports what cameras and lights aim at: as records, or as further keys of the one that aims.
+#include "host/ref.h"
+#include "module/keyframe/aimed_object.h"
+#include "module/keyframe/key_resample.h"
+#include "module/keyframe/key_track.h"
+#include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/record.h"
+
+namespace {
+
+using zrt::AimedObject;
+
+// What differs between cameras and lights.
+struct TargetPass {
+    AimedObject (*find)(vl::zr::Node*);
+    std::uint32_t recordFlag;  // NF_GEOMETRY when only records with their object take part
+    std::uint32_t records;     // the export flags
+    std::uint32_t keys;
+    std::uint32_t targetFlag;
+};
+
+constexpr TargetPass kLights = {AimedObject::LightOf, 0, vl::tk::kLightTargetRecords,
+                                vl::tk::kLightTargetKeys, NF_LIGHT_TARGET};
+constexpr TargetPass kCameras = {AimedObject::CameraOf, NF_GEOMETRY, vl::tk::kCameraTargetRecords,
+                                 vl::tk::kCameraTargetKeys, NF_CAMERA_TARGET};
+
+vl::Vector3<float> WorldTarget(vl::zr::Node* node, const AimedObject& object) {
+    vl::Matrix4<double> world;
+    node->GetWorldMatrix(&world, 1);
+    return world.PointTransform(object.Target());
+}
+
+// A new top-level record where the object aims, with a key wherever the object or one above it has one.
+void CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObject& object, std::uint32_t flag) {
+    vl::zr::Node* node = record->pNode;
+    ExportNode* target = tool.NewRecord(nullptr);
+    target->dwFlags = NF_ADDED | flag;
+    tool.m_pAllNodes->Add(vl::ToWord(target));
+    record->pTarget = target;
+    tool.m_pRoots->Add(vl::ToWord(target));
+
+    target->vPosition = WorldTarget(node, object);
+    target->mWorld.MoveTo(target->vPosition);
+    target->mLocal = target->mWorld;
+
+    const std::vector<float> times = zrt::KeyTimes(record, true);
+    if (times.size() < 2) return;
+    zrt::SceneTime sceneTime(tool.m_pScene);
+    for (const float time : times) {
+        auto* key = zrt::AddKey<ExportPositionKey>(target->pPosKeys);
+        key->fTime = time;
+        sceneTime.Set(time);
+        key->vValue = WorldTarget(node, object);
+    }
+}
+
+void RunTargetPass(ZR_TK& tool, const TargetPass& pass) {
+    const bool records = (tool.m_dwExportFlags & pass.records) != 0;
+    const bool keys = (tool.m_dwExportFlags & pass.keys) != 0;
+    for (ExportNode* record : vl::ArrayOf<ExportNode*>(tool.m_pAllNodes)) {
+        if (record->pNode == nullptr || (record->dwFlags & pass.recordFlag) != pass.recordFlag) continue;
+        const AimedObject object = pass.find(record->pNode);
+        if (!object || !object.Aims()) continue;
+
+        ExportNode* target = tool.FindNodeRecord(object.TargetNode());
+        if (target == nullptr) {
+            if (records && !keys) CreateTargetRecord(tool, record, object, pass.targetFlag);
+        } else if (records) {
+            target->dwFlags |= pass.targetFlag;
+            record->pTarget = target;
+        } else if (record->pPosKeys != nullptr) {
+            const auto times = vl::Ref<vl::Array>::Adopt(tool.GetKeyTimes(target, 0));
+            zrt::ResamplePositions(zrt::ReadTimes(times.Get()), record->pPosKeys, record->vPosition);
+        }
+    }
+}
+
+}  // namespace
+
+void ZR_TK::LightTargetPass() {
+    RunTargetPass(*this, kLights);
+}
+void ZR_TK::CameraTargetPass() {
+    RunTargetPass(*this, kCameras);
+}

@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "kernix/host_app_base.h"
+#include "kernix/scene/plain_objects.h"
+#include "module/cleaner/cleaner.h"
+#include "module/frame/globals.h"
+#include "tests/module/cleaner_plain.h"
+#include "tests/module/cleaner_scenes.h"
+
+using cleaner_test::CallLog;
+using cleaner_test::MakeMesh;
+using kernix::NodeModel;
+using kernix::SceneModel;
+
+namespace {
+
+using Object = vl::Ref<vl::zr::Object3D>;
+using Operation = int (CCleanerImpl::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
+
+// Whatever the cleaner asks it sets the break.
+class StopObject final : public vl::zr::Renderable {
+public:
+    explicit StopObject(vl::Context* context) : m_context(context) {}
+    bool IsKindOf(int) override { return Stop(); }
+    bool IsTypeOf(const char*) override { return Stop(); }
+    int GetType() override { return Stop() ? 1 : 0; }
+    vl::Interface* QueryComponent(int, int) override { return nullptr; }
+    int CountMaterialUses(vl::zr::Material*, int) override { return 0; }
+
+private:
+    bool Stop() {
+        m_context->SetBreak(true);
+        return false;
+    }
+    vl::Context* m_context;
+};
+
+class CleanerOperations : public testing::Test {
+protected:
+    void SetUp() override { g_pHost = &m_host; }
+    void TearDown() override { g_pHost = nullptr; }
+
+    NodeModel* AddNode(NodeModel* parent, const char* name) { return m_scene->AddNode(parent, name); }
+    NodeModel* AddMesh(NodeModel* parent, const char* name, float x) {
+        NodeModel* node = AddNode(parent, name);
+        node->SetObject(MakeMesh(m_material, x));
+        return node;
+    }
+    int Run(Operation operation) {
+        return ((*m_cleaner).*operation)(m_scene.Get(), m_context.Get(), m_log.Get());
+    }
+
+    kernix::HostAppBase m_host;
+    vl::Ref<SceneModel> m_scene = vl::Ref<SceneModel>::Adopt(new SceneModel);
+    kernix::MaterialModel* m_material = m_scene->AddMaterial("material", "");
+    vl::Ref<CallLog> m_log = vl::Ref<CallLog>::Adopt(new CallLog(*m_scene));
+    vl::Ref<vl::Context> m_context = vl::Ref<vl::Context>::Adopt(kernix::CreateContext());
+    vl::Ref<CCleanerImpl> m_cleaner = vl::Ref<CCleanerImpl>::Adopt(CreateCleaner());
+};
+
+TEST_F(CleanerOperations, MakeTheCallsOfThePlainForm) {
+    const struct {
+        const char* name;
+        Operation operation;
+        int (*plain)(vl::zr::Scene*, ChangeRecord*);
+    } cases[] = {
+        {"materials", &CCleanerImpl::RemoveUnusedMaterials, plain::RemoveUnusedMaterials},
+        {"empty nodes", &CCleanerImpl::RemoveEmptyNodes, plain::RemoveEmptyNodes},
+        {"layers", &CCleanerImpl::RemoveUnusedLayers, plain::RemoveUnusedLayers},
+        {"notes", &CCleanerImpl::RemoveNotesAndEtc, plain::RemoveNotesAndEtc},
+        {"repeated meshes", &CCleanerImpl::RemoveMeshDupes, plain::RemoveMeshDupes},
+    };
+    for (const auto& c : cases) {
+        std::size_t calls = 0;
+        for (unsigned seed = 0; seed < 300; ++seed) {
+            const auto expected = cleaner_test::Trace(seed, c.plain);
+            const auto actual = cleaner_test::Trace(seed, [&](vl::zr::Scene* scene, ChangeRecord* record) {
+                return ((*m_cleaner).*c.operation)(scene, m_context.Get(), record);
+            });
+            ASSERT_EQ(actual, expected) << c.name << ", scene " << seed;
+            calls += static_cast<std::size_t>(std::count_if(
+                actual.begin(), actual.end(), [](const auto& line) { return line.ends_with(" mode 0"); }));
+        }
+        EXPECT_GT(calls, 200U) << c.name << ": the scenes give it work";
+    }
+}
+
+// After the k-th recording a break comes: the removal that was recorded happens, and no other.
+TEST_F(CleanerOperations, ABreakLeavesWhatIsCountedAndRecorded) {
+    const Operation operations[] = {
+        &CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
+        &CCleanerImpl::RemoveUnusedLayers,    &CCleanerImpl::RemoveModelViews,
+        &CCleanerImpl::RemoveMeshDupes,
+    };
+    for (const Operation operation : operations) {
+        const auto run = [&](std::size_t stopAfter, std::vector<std::string>& lines) {
+            const auto scene = cleaner_test::RandomScene(5);
+            const std::size_t before = cleaner_test::Content(*scene).size();
+            const auto log = vl::Ref<CallLog>::Adopt(new CallLog(*scene));
+            int notifications = 0;
+            scene->m_onNotify = [&](int, int, int) { ++notifications; };
+            m_context->SetBreak(stopAfter == 0);
+            log->m_onLine = [&] { m_context->SetBreak(log->m_lines.size() >= stopAfter); };
+            const int count = ((*m_cleaner).*operation)(scene.Get(), m_context.Get(), log.Get());
+            lines = log->m_lines;
+            EXPECT_EQ(before - cleaner_test::Content(*scene).size(), static_cast<std::size_t>(count));
+            EXPECT_EQ(lines.size(), static_cast<std::size_t>(count));
+            EXPECT_EQ(notifications, 1);
+        };
+        std::vector<std::string> all;
+        run(1000, all);
+        ASSERT_GT(all.size(), 1U);
+        for (std::size_t stop = 0; stop < all.size(); ++stop) {
+            std::vector<std::string> lines;
+            run(stop, lines);
+            EXPECT_EQ(lines, std::vector<std::string>(all.begin(), all.begin() + static_cast<long>(stop)));
+        }
+    }
+}
+
+TEST_F(CleanerOperations, ABreakWhileCollectingRemovesNothing) {
+    m_scene->AddMaterial("unused", "");
+    AddNode(nullptr, "empty");
+    AddMesh(nullptr, "mesh", 0);
+    AddMesh(nullptr, "repeated", 0);
+    AddNode(nullptr, "note")->SetObject(Object::Adopt(kernix::CreateNote()));
+    auto* stop = new StopObject(m_context.Get());
+    AddNode(nullptr, "stop")->SetObject(Object::Adopt(stop));
+    m_scene->AddLayer("layer");
+    AddNode(nullptr, "target")->Subscribe(stop);
+    int notifications = 0;
+    m_scene->m_onNotify = [&](int, int, int) { ++notifications; };
+    for (const Operation operation : {&CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
+                                      &CCleanerImpl::RemoveNotesAndEtc, &CCleanerImpl::RemoveMeshDupes}) {
+        m_context->SetBreak(false);
+        EXPECT_EQ(Run(operation), 0);
+        EXPECT_TRUE(m_context->IsBreak()) << "the object was asked";
+    }
+    EXPECT_TRUE(m_log->m_lines.empty());
+    EXPECT_EQ(notifications, 4);
+    m_scene->m_onNotify = nullptr;
+}
+
+TEST_F(CleanerOperations, MetadataIsClearedNotRecorded) {
+    AddNode(nullptr, "plain");
+    AddNode(nullptr, "empty")->GetMetadata(true);
+    NodeModel* node = AddNode(nullptr, "full");
+    node->GetMetadata(true)->Set(u"part", vl::Var(std::u16string(u"4711")));
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveMetadata), 2);
+    EXPECT_EQ(node->GetMetadata(false)->GetCount(), 0);
+    EXPECT_EQ(m_scene->m_pNodes->m_nCount, 3);
+    EXPECT_TRUE(m_log->m_lines.empty());
+}
+
+TEST_F(CleanerOperations, PortfoliosGoBeforeModelViewsFromTheLast) {
+    for (const auto& [kind, name] :
+         {std::pair{1, "m1"}, {2, "view"}, {6, "p1"}, {1, "m2"}, {6, "p2"}, {3, "other"}}) {
+        m_scene->AddViewport(kind, name);
+    }
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveModelViews), 4);
+    EXPECT_EQ(m_log->m_lines,
+              (std::vector<std::string>{"viewport p2 of 6 mode 0", "viewport p1 of 5 mode 0",
+                                        "viewport m2 of 4 mode 0", "viewport m1 of 3 mode 0"}));
+    EXPECT_EQ(cleaner_test::Content(*m_scene),
+              (std::vector<std::string>{"material material", "viewport view", "viewport other"}));
+}
+
+// Eleven repeated meshes in a chain need eleven passes; the tenth is the last.
+TEST_F(CleanerOperations, RepeatedMeshesGoFromTheLeavesInTenPasses) {
+    AddMesh(nullptr, "first", 0);
+    const char* names[] = {"r0", "r1", "r2", "r3", "r4", "r5", "r6", "r7", "r8", "r9", "r10"};
+    NodeModel* parent = nullptr;
+    for (const char* name : names) parent = AddMesh(parent, name, 0);
+    NodeModel* kept = AddMesh(nullptr, "parent", 0);
+    AddNode(kept, "child that stays");
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveMeshDupes), 10);
+    EXPECT_EQ(m_log->m_lines.front(), "node r10 of 14 mode 0");
+    EXPECT_EQ(cleaner_test::Content(*m_scene),
+              (std::vector<std::string>{"node first", "node r0", "node parent", "node child that stays",
+                                        "material material"}));
+}
+
+// A system node is no first occurrence and does not go.
+TEST_F(CleanerOperations, SystemMeshesTakeNoPart) {
+    AddMesh(nullptr, "system", 0)->m_dwFlags = vl::zr::kNodeSystem;
+    AddMesh(nullptr, "first", 0);
+    AddMesh(nullptr, "system again", 0)->m_dwFlags = vl::zr::kNodeSystem;
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveMeshDupes), 0);
+}
+
+TEST_F(CleanerOperations, AbsentListsAndSceneAreNothingToDo) {
+    int notifications = 0;
+    m_scene->m_onNotify = [&](int, int, int) { ++notifications; };
+    AddNode(nullptr, "note")->SetObject(Object::Adopt(kernix::CreateNote()));
+    m_scene->AddMaterial("only without nodes", "");
+    m_scene->m_pDefaultMaterial = m_material;
+    m_scene->m_pNodes = nullptr;
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveUnusedMaterials), 1) << "no node uses it";
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveMetadata), 0);
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveNotesAndEtc), 0);
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveMeshDupes), 0);
+    EXPECT_EQ(notifications, 4);
+    m_scene->m_pMaterials = nullptr;
+    m_scene->m_pAnimations = nullptr;
+    for (const Operation operation :
+         {&CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
+          &CCleanerImpl::RemoveUnusedLayers, &CCleanerImpl::RemoveUnusedAnimations}) {
+        EXPECT_EQ(Run(operation), 0);
+    }
+    EXPECT_EQ(notifications, 4) << "an early return tells nobody";
+    m_scene->m_onNotify = nullptr;
+    for (const Operation operation :
+         {&CCleanerImpl::RemoveUnusedAnimations, &CCleanerImpl::RemoveUnusedMaterials,
+          &CCleanerImpl::RemoveEmptyNodes, &CCleanerImpl::RemoveUnusedLayers, &CCleanerImpl::RemoveMetadata,
+          &CCleanerImpl::RemoveModelViews, &CCleanerImpl::RemoveNotesAndEtc, &CCleanerImpl::RemoveMeshDupes,
+          &CCleanerImpl::MergeEqualMaterials}) {
+        EXPECT_EQ(((*m_cleaner).*operation)(nullptr, nullptr, nullptr), 0);
+    }
+}
+
+}  // namespace

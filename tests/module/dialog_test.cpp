@@ -1,0 +1,369 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <thread>
+
+#include "app/services/strings.h"
+#include "host/ref.h"
+#include "kernix/host_app_base.h"
+#include "kernix/scene/change_record_model.h"
+#include "kernix/scene/scene_model.h"
+#include "module/cleaner/cleaner.h"
+#include "module/cleaner/operations.h"
+#include "module/frame/globals.h"
+#include "module/resources/resource.h"
+#include "platform/ui/host_windows.h"
+
+// Drives the real dialog and its worker: the steps of a test run in the dialog's event loop, and the
+// operations are replaced by the test's own, so that it decides when and where a run stands.
+namespace {
+
+using namespace std::chrono_literals;
+using Lines = std::vector<std::u16string>;
+
+class DialogHost final : public kernix::HostAppBase {
+public:
+    explicit DialogHost(const char* language) : m_tables(language), m_strings(m_tables.Load(nullptr)) {}
+
+    const char16_t* GetModuleString(void*, int id) override { return m_strings->Get(id); }
+    void LocalizeDialog(void*, HWND dialog) override { m_strings->LocalizeDialog(dialog); }
+    void ShowHelpTopic(const char* page, int) override { m_helpPages.push_back(page); }
+
+    std::vector<std::string> m_helpPages;
+
+private:
+    zr::StringTables m_tables;
+    const zr::ModuleStrings* m_strings;
+};
+
+// Every operation is the test's.
+class ScriptedCleaner final : public CCleanerImpl {
+public:
+    std::function<int(int option, ChangeRecord* record)> m_work = [](int, ChangeRecord*) { return 0; };
+    void SetCallLimit(DWORD milliseconds) { m_dwCallLimit = milliseconds; }
+
+    int RemoveUnusedAnimations(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override {
+        return m_work(1010, r);
+    }
+    int RemoveUnusedMaterials(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override {
+        return m_work(1003, r);
+    }
+    int RemoveEmptyNodes(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1009, r); }
+    int RemoveUnusedLayers(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1006, r); }
+    int RemoveMetadata(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1004, r); }
+    int RemoveModelViews(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1005, r); }
+    int RemoveNotesAndEtc(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1008, r); }
+    int RemoveMeshDupes(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override { return m_work(1007, r); }
+    int RemoveEnvMapsAndBackplates(vl::zr::Scene*, vl::Context*, ChangeRecord* r) override {
+        return m_work(1012, r);
+    }
+};
+
+class CleanerDialogTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        std::string error;
+        ASSERT_TRUE(platform::StartUserInterface(error)) << error;
+    }
+
+    CleanerDialogTest() {
+        g_pHost = &m_host;
+        m_scene->m_onRefresh = [this] { ++m_refreshes; };
+    }
+    ~CleanerDialogTest() override { g_pHost = nullptr; }
+
+    // Opens the dialog and runs the steps in it; they must have it closed at their end.
+    void Open(const std::function<void()>& steps) {
+        QTimer::singleShot(0, [&] {
+            m_dialog = QApplication::activeModalWidget();
+            ASSERT_NE(m_dialog, nullptr);
+            EXPECT_TRUE(QTest::qWaitForWindowActive(m_dialog));
+            EXPECT_TRUE(m_scene->IsModal());
+            steps();
+        });
+        EXPECT_FALSE(m_cleaner->RunDialog(m_scene.Get()));
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_FALSE(m_scene->IsModal());
+    }
+
+    template <typename T = QWidget>
+    T* Control(int id) {
+        return m_dialog->findChild<T*>(QString::number(id));
+    }
+
+    bool IsVisible(int id) { return Control(id)->isVisible(); }
+    void Click(int id) { QTest::mouseClick(Control(id), Qt::LeftButton); }
+    std::u16string Caption(int id) { return Control<QAbstractButton>(id)->text().toStdU16String(); }
+
+    void CheckOnly(std::initializer_list<int> options) {
+        for (const zrt::Operation& operation : zrt::kOperations) {
+            const bool on = std::find(options.begin(), options.end(), operation.option) != options.end();
+            Control<QCheckBox>(operation.option)->setChecked(on);
+        }
+    }
+
+    // A key where the focus is, as the user would press it.
+    void Press(Qt::Key key) {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : m_dialog, key);
+    }
+
+    bool WaitForEnd() {
+        return QTest::qWaitFor([this] { return IsVisible(IDC_CLOSE); }, 10000);
+    }
+
+    Lines Log() {
+        Lines lines;
+        for (const QString& line : Control<QPlainTextEdit>(IDC_LOG)->toPlainText().split('\n')) {
+            lines.push_back(line.toStdU16String());
+        }
+        if (!lines.empty() && lines.back().empty()) lines.pop_back();
+        return lines;
+    }
+
+    DialogHost m_host{"en"};
+    vl::Ref<kernix::SceneModel> m_scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
+    vl::Ref<ScriptedCleaner> m_cleaner = vl::Ref<ScriptedCleaner>::Adopt(new ScriptedCleaner);
+    QWidget* m_dialog = nullptr;
+    int m_refreshes = 0;
+};
+
+TEST_F(CleanerDialogTest, WithoutASceneNothingHappens) {
+    EXPECT_FALSE(m_cleaner->RunDialog(nullptr));
+}
+
+TEST_F(CleanerDialogTest, OpensWithEveryOptionOnAndClosesOnCancel) {
+    Open([&] {
+        for (const zrt::Operation& operation : zrt::kOperations) {
+            EXPECT_TRUE(Control<QCheckBox>(operation.option)->isChecked());
+            EXPECT_TRUE(Control(operation.option)->isEnabled());
+        }
+        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_FALSE(IsVisible(id));
+        Click(IDC_CLOSE);
+    });
+    EXPECT_EQ(m_refreshes, 1);
+    Open([&] { Press(Qt::Key_Escape); });
+    EXPECT_EQ(m_refreshes, 2);
+}
+
+TEST_F(CleanerDialogTest, CaptionsComeInTheUsersLanguage) {
+    const auto captions = [this](const char* language) {
+        DialogHost host(language);
+        g_pHost = &host;
+        Lines texts;
+        Open([&] {
+            texts = {m_dialog->windowTitle().toStdU16String(),
+                     Caption(IDC_METADATA),
+                     Caption(IDC_ENVIRONMENT),
+                     Caption(IDC_PROCESS),
+                     Caption(IDC_CLOSE),
+                     Caption(IDC_HELP_PAGE)};
+            Click(IDC_CLOSE);
+        });
+        return texts;
+    };
+    const std::u16string englishEnvironment = u"Environment maps and backplates";
+    EXPECT_EQ(captions("de"),
+              (Lines{u"Nicht verwendete Szenenobjekte entfernen ...", u"Metadaten",
+                     u"Umgebungskarten und Rückenplatten", u"Prozess", u"Abbrechen", u"Hilfe"}));
+    EXPECT_EQ(captions("fr"),
+              (Lines{u"Supprimer les objets de la scène non utilisés…", u"Toute métadonnée",
+                     u"Cartes d’environnement et panneaux arrière", u"Processus", u"Annuler", u"Aide"}));
+    EXPECT_EQ(captions("zh"), (Lines{u"Remove unused scene objects ...", u"Metadata", englishEnvironment,
+                                     u"Process", u"Cancel", u"Help"}));
+    for (const char* language : {"en", "ja"}) {
+        EXPECT_EQ(captions(language), (Lines{u"Remove unused scene objects ...", u"Any metadata",
+                                             englishEnvironment, u"Process", u"Cancel", u"Help"}));
+    }
+}
+
+TEST_F(CleanerDialogTest, FullRunLogsEveryOperationInOrder) {
+    vl::Ref<ChangeRecord> record;
+    m_cleaner->m_work = [&](int option, ChangeRecord* given) {
+        if (!record) record = vl::Ref<ChangeRecord>::Share(given);
+        EXPECT_EQ(given, record.Get());
+        EXPECT_EQ(option == 1012, QThread::currentThread() == qApp->thread());
+        return option - 1000;
+    };
+    Open([&] {
+        const QRect options = Control(IDC_OPTIONS)->geometry();
+        const QRect log = Control(IDC_LOG)->geometry();
+        const QPoint breakPlace = Control(IDC_BREAK)->pos();
+        const QSize closeSize = Control(IDC_CLOSE)->size();
+        Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(
+            Log(),
+            (Lines{u"run cleaning scene;", u"remove metadata: 4 deleted;",
+                   u"remove duplicated materials: 0 deleted;", u"remove geometry dupes: 7 deleted;",
+                   u"remove empty nodes: 9 deleted;", u"remove modelviews and portfolios: 5 deleted;",
+                   u"remove unused layers: 6 deleted;", u"remove notes, callouts and annotations: 8 deleted;",
+                   u"remove unused materials: 3 deleted;",
+                   u"cleaning unused animation sequences: 10 deleted;",
+                   u"remove environment map and backplates: 1 deleted;", u"cleaning scene finished;"}));
+        EXPECT_EQ(Control(IDC_LOG)->geometry(), QRect(options.x(), log.y(), options.width(), log.height()));
+        EXPECT_EQ(Control(IDC_CLOSE)->geometry(), QRect(breakPlace, closeSize));
+        EXPECT_EQ(Caption(IDC_CLOSE), u"Close");
+        EXPECT_EQ(QApplication::focusWidget(), Control(IDC_CLOSE));
+        for (const int id : {IDC_PROCESS, IDC_BREAK, IDC_PROGRESS, IDC_OPTIONS, IDC_METADATA}) {
+            EXPECT_FALSE(IsVisible(id)) << id;
+        }
+        Press(Qt::Key_Return);
+    });
+    const auto& kept = static_cast<kernix::ChangeRecordModel&>(*record);
+    EXPECT_EQ(kept.GetCaption(), u"Cleaning scene");
+    EXPECT_FALSE(kept.IsOpen());
+    EXPECT_EQ(record->GetRefCount(), 1);
+}
+
+TEST_F(CleanerDialogTest, FrenchLogKeepsItsBlanks) {
+    DialogHost host("fr");
+    g_pHost = &host;
+    Open([&] {
+        CheckOnly({1003, 1012});
+        Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(),
+                  (Lines{u"exécuter le nettoyage de la scène ;",
+                         u"supprimer les matières non utilisées : 0 supprimé ;",
+                         u"supprimer les cartes d’environnement et les panneaux arrière : 1 supprimé ;",
+                         u"nettoyage de la scène terminé ;"}));
+        EXPECT_EQ(Caption(IDC_CLOSE), u"Fermer");
+        Click(IDC_CLOSE);
+    });
+}
+
+TEST_F(CleanerDialogTest, ProgressStandsAtTheLastOperationThatRan) {
+    Open([&] {
+        CheckOnly({1006});
+        Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove unused layers: 0 deleted;",
+                                u"cleaning scene finished;"}));
+        EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->value(), 5);
+        EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->maximum(), 9);
+        Click(IDC_CLOSE);
+    });
+}
+
+// The log of an object goes on from dialog to dialog.
+TEST_F(CleanerDialogTest, EmptyRunsOneAfterAnotherContinueTheLog) {
+    const Lines once = {u"run cleaning scene;", u"cleaning scene finished;"};
+    for (int run = 1; run <= 3; ++run) {
+        Open([&] {
+            CheckOnly({});
+            Click(IDC_PROCESS);
+            ASSERT_TRUE(WaitForEnd());
+            EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->value(), 0);
+            Lines expected;
+            for (int i = 0; i < run; ++i) expected.insert(expected.end(), once.begin(), once.end());
+            EXPECT_EQ(Log(), expected);
+            Press(Qt::Key_Escape);
+        });
+    }
+    EXPECT_EQ(m_refreshes, 3);
+}
+
+TEST_F(CleanerDialogTest, BreakEndsTheRunAndNothingElseDoes) {
+    std::atomic<bool> proceed = false;
+    std::atomic<int> calls = 0;
+    m_cleaner->m_work = [&](int, ChangeRecord*) {
+        ++calls;
+        while (!proceed) std::this_thread::sleep_for(1ms);
+        return 1;
+    };
+    Open([&] {
+        Click(IDC_PROCESS);
+        EXPECT_EQ(QApplication::focusWidget(), Control(IDC_BREAK));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
+        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_TRUE(IsVisible(id));
+        for (const int id : {IDC_PROCESS, IDC_CLOSE, IDC_HELP_PAGE, IDC_OPTIONS}) EXPECT_FALSE(IsVisible(id));
+        EXPECT_EQ(Control<QPlainTextEdit>(IDC_LOG)->toPlainText(), "run cleaning scene;\nremove metadata");
+        // The dialog stays, and no second run starts.
+        Press(Qt::Key_Escape);
+        m_dialog->close();
+        Control<QPushButton>(IDC_PROCESS)->setEnabled(true);
+        Control<QPushButton>(IDC_PROCESS)->click();
+        EXPECT_TRUE(m_dialog->isVisible());
+        Press(Qt::Key_Space);
+        EXPECT_FALSE(Control(IDC_BREAK)->isEnabled());
+        Press(Qt::Key_Escape);
+        proceed = true;
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(),
+                  (Lines{u"run cleaning scene;", u"remove metadata: 1 deleted;", u"breaked by customer;"}));
+        Control<QPushButton>(IDC_PROCESS)->click();
+        EXPECT_TRUE(IsVisible(IDC_CLOSE));
+        Press(Qt::Key_Escape);
+    });
+    EXPECT_EQ(calls, 1);
+}
+
+// The interface thread stalls past the limit: the call that it finds afterwards is dropped.
+TEST_F(CleanerDialogTest, LateCallIsDropped) {
+    bool called = false;
+    m_cleaner->SetCallLimit(30);
+    m_cleaner->m_work = [&](int, ChangeRecord*) {
+        called = true;
+        return 0;
+    };
+    Open([&] {
+        CheckOnly({1012});
+        auto* log = Control<QPlainTextEdit>(IDC_LOG);
+        // Queued while the worker waits for this line to be shown, so ahead of the call that it posts next.
+        QObject::connect(log, &QPlainTextEdit::textChanged, [log] {
+            if (!log->toPlainText().endsWith("backplates")) return;
+            QMetaObject::invokeMethod(
+                qApp, [] { std::this_thread::sleep_for(150ms); }, Qt::QueuedConnection);
+        });
+        Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove environment map and backplates: 0 deleted;",
+                                u"cleaning scene finished;"}));
+        Click(IDC_CLOSE);
+    });
+    EXPECT_FALSE(called);
+}
+
+// The call begins in time and outlasts the limit: it counts 0, and the record stays open until it is over.
+TEST_F(CleanerDialogTest, SlowCallCountsNothingAndKeepsTheRecordOpen) {
+    bool wasOpen = false;
+    m_cleaner->SetCallLimit(30);
+    m_cleaner->m_work = [&](int, ChangeRecord* record) {
+        std::this_thread::sleep_for(150ms);
+        wasOpen = static_cast<kernix::ChangeRecordModel*>(record)->IsOpen();
+        return 5;
+    };
+    Open([&] {
+        CheckOnly({1012});
+        Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove environment map and backplates: 0 deleted;",
+                                u"cleaning scene finished;"}));
+        Click(IDC_CLOSE);
+    });
+    EXPECT_TRUE(wasOpen);
+}
+
+TEST_F(CleanerDialogTest, HelpLeavesTheDialogAsItIs) {
+    Open([&] {
+        Press(Qt::Key_F1);
+        Click(IDC_HELP_PAGE);
+        EXPECT_TRUE(IsVisible(IDC_PROCESS));
+        Click(IDC_CLOSE);
+    });
+    EXPECT_EQ(m_host.m_helpPages,
+              (std::vector<std::string>{"flush_unused_objects.htm", "flush_unused_objects.htm"}));
+}
+
+}  // namespace

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// What cameras and lights aim at, and where they are shown, through the tool.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "kernix/scene/scene_model.h"
+#include "module/keyframe/keyframe_tool.h"
+#include "tests/module/test_host.h"
+
+namespace {
+
+using kernix::NodeModel;
+using kernix::SceneModel;
+using vl::Ref;
+using namespace vl::tk;
+using M = vl::Matrix4<double>;
+using V3f = vl::Vector3<float>;
+
+std::vector<float> Times(vl::Array* positions) {
+    std::vector<float> times;
+    for (const auto* key : vl::ArrayOf<ExportPositionKey*>(positions)) times.push_back(key->fTime);
+    return times;
+}
+
+// A scene with one object that aims at a target.
+template <typename Object>
+class Aiming {
+public:
+    explicit Aiming(Object* object, bool hasTarget = true) {
+        m_scene->SetSceneMatrix(m_matrix);
+        m_animation = m_scene->AddAnimation(u"move");
+        m_node = m_scene->AddNode(nullptr, "object");
+        m_node->SetObject(Ref<vl::zr::Object3D>::Adopt(object));
+        m_target = m_scene->AddNode(nullptr, "target");
+        m_target->SetRestPose({{0, 0, -5}, {}, {1, 1, 1}});
+        if (hasTarget) object->SetTarget(m_target);
+        m_tool->m_pScene = m_scene.Get();
+    }
+
+    void Move(NodeModel* node, const std::vector<std::pair<float, V3f>>& keys) {
+        auto* track = node->AddTransformController()->AddTransformTrack(m_animation);
+        for (const auto& [time, value] : keys) track->AddPosition(time)->m_value = value;
+    }
+
+    // Exports with the flags and answers the record of the object.
+    ExportNode* Export(std::uint32_t flags) {
+        m_tool->m_dwExportFlags = flags | kExportCameras | kExportLights | kExtractKeys;
+        EXPECT_EQ(m_tool->Process(0), 1);
+        return m_tool->FindNodeRecord(m_node);
+    }
+
+    static M Identity() {
+        M m;
+        m.IdentityMatrix();
+        return m;
+    }
+
+    M m_matrix = Identity();
+    Ref<SceneModel> m_scene = Ref<SceneModel>::Adopt(new SceneModel);
+    Ref<ZR_TK> m_tool = Ref<ZR_TK>::Adopt(new ZR_TK);
+    kernix::AnimationModel* m_animation;
+    NodeModel* m_node;
+    NodeModel* m_target;
+};
+
+using AimingCamera = Aiming<kernix::CameraModel>;
+using AimingLight = Aiming<kernix::LightModel>;
+
+class TargetPassTest : public HostTest {};
+
+// Where the exported object stands and looks at a time, by the usual interpolation of its keys.
+M Exported(ZR_TK& tool, ExportNode* record, float time) {
+    const auto find = [time](const auto& at, int count) {
+        int next = 0;
+        while (next < count && at(next) <= time) ++next;
+        return next;
+    };
+    ExportPositionKey p[2];
+    ExportRotationKey r[2];
+    const int positions = tool.GetKeyCount(record, 1);
+    const int rotations = tool.GetKeyCount(record, 2);
+    const int pNext =
+        find([&](int i) { return tool.GetPositionKey(record, i, &p[0]), p[0].fTime; }, positions);
+    const int rNext =
+        find([&](int i) { return tool.GetRotationKey(record, i, &r[0]), r[0].fTime; }, rotations);
+    const auto fraction = [time](float a, float b) { return b > a ? (time - a) / (b - a) : 0.0f; };
+    tool.GetPositionKey(record, std::max(pNext - 1, 0), &p[0]);
+    tool.GetPositionKey(record, std::max(std::min(pNext, positions - 1), 0), &p[1]);
+    tool.GetRotationKey(record, std::max(rNext - 1, 0), &r[0]);
+    tool.GetRotationKey(record, std::max(std::min(rNext, rotations - 1), 0), &r[1]);
+    const float s = fraction(p[0].fTime, p[1].fTime);
+    M m;
+    m.SetRotate(vl::Quaternion(fraction(r[0].fTime, r[1].fTime), r[0].qValue, r[1].qValue, 0));
+    m.Offset(V3f{p[0].vValue.x + (p[1].vValue.x - p[0].vValue.x) * s,
+                 p[0].vValue.y + (p[1].vValue.y - p[0].vValue.y) * s,
+                 p[0].vValue.z + (p[1].vValue.z - p[0].vValue.z) * s});
+    return m;
+}
+
+template <typename Object>
+M Shown(Aiming<Object>& aiming, float time) {
+    aiming.m_scene->SetCurrentTime(time, 1);
+    M shown;
+    static_cast<Object*>(aiming.m_node->m_pObject)->GetObjectMatrix(aiming.m_node, &shown);
+    shown.Invert();
+    M world;
+    aiming.m_node->GetWorldMatrix(&world, 0);
+    shown.Transform(world);
+    return shown;
+}
+
+template <typename Object>
+void ExpectShown(Aiming<Object>& aiming, ExportNode* record, float end) {
+    for (int i = 0; i <= 100; ++i) {
+        const float time = end * static_cast<float>(i) / 100;
+        const M exported = Exported(*aiming.m_tool.Get(), record, time);
+        const M shown = Shown(aiming, time);
+        EXPECT_TRUE(exported.Equal(shown, 0.003))
+            << "at " << time << ": looks along (" << -exported.m[2][0] << ", " << -exported.m[2][1] << ", "
+            << -exported.m[2][2] << "), shown (" << -shown.m[2][0] << ", " << -shown.m[2][1] << ", "
+            << -shown.m[2][2] << ")";
+    }
+}
+
+TEST_F(TargetPassTest, ExportedTargetIsMarkedAndLinked) {
+    AimingCamera camera(new kernix::CameraModel);
+    camera.Move(camera.m_node, {{0, {0, 0, 0}}, {1, {1, 0, 0}}});
+    const ExportNode* record = camera.Export(kCameraTargetRecords | kCameraTargetKeys);
+    const ExportNode* target = camera.m_tool->FindNodeRecord(camera.m_target);
+    ASSERT_NE(target, nullptr);
+    EXPECT_EQ(record->pTarget, target);
+    EXPECT_EQ(target->dwFlags & (NF_CAMERA_TARGET | NF_LIGHT_TARGET), NF_CAMERA_TARGET);
+    EXPECT_EQ(Times(record->pPosKeys), (std::vector<float>{0, 1}));
+    EXPECT_EQ(camera.m_tool->m_pRoots->m_nCount, 2);
+}
+
+TEST_F(TargetPassTest, TargetMotionGoesIntoTheKeys) {
+    AimingLight light(new kernix::LightModel(vl::zr::kLightSpot));
+    light.Move(light.m_node, {{5, {5, 0, 0}}, {15, {15, 0, 0}}});
+    light.Move(light.m_target, {{10, {0, 0, 0}}, {20, {0, 0, 9}}});
+    const ExportNode* record = light.Export(kLightTargetKeys | kKeepAllNodes);
+    EXPECT_EQ(Times(record->pPosKeys), (std::vector<float>{0, 5, 10, 15, 20}));
+    std::vector<float> xs;
+    for (const auto* key : vl::ArrayOf<ExportPositionKey*>(record->pPosKeys)) xs.push_back(key->vValue.x);
+    EXPECT_EQ(xs, (std::vector<float>{5, 5, 10, 15, 15}));
+    EXPECT_EQ(record->pTarget, nullptr);
+}
+
+// The target has no node: its record is sampled from the scene, whose time does not change.
+TEST_F(TargetPassTest, RecordIsMadeForAnAimWithoutNode) {
+    for (const bool severalKeys : {true, false}) {
+        AimingCamera camera(new kernix::CameraModel, false);
+        camera.m_node->SetRestPose({{1, 2, 3}, {}, {1, 1, 1}});
+        if (severalKeys) camera.Move(camera.m_node, {{2, {1, 2, 3}}, {4, {7, 2, 3}}});
+        camera.m_scene->SetCurrentTime(3.5f, 1);
+        const ExportNode* record = camera.Export(kCameraTargetRecords);
+        EXPECT_EQ(camera.m_scene->GetCurrentTime(), 3.5f);
+        const ExportNode* target = record->pTarget;
+        ASSERT_NE(target, nullptr);
+        EXPECT_EQ(target->dwFlags, static_cast<std::uint32_t>(NF_ADDED | NF_CAMERA_TARGET));
+        EXPECT_EQ(vl::ArrayOf<ExportNode*>(camera.m_tool->m_pRoots)[1], target);
+        EXPECT_EQ(target->vPosition, (V3f{1, 2, 2}));
+        EXPECT_EQ(target->mLocal.m[3][2], 2);
+        EXPECT_EQ(Times(target->pPosKeys), severalKeys ? (std::vector<float>{2, 4}) : std::vector<float>());
+    }
+}
+
+TEST_F(TargetPassTest, PointLightsAimAtNothing) {
+    AimingLight light(new kernix::LightModel(vl::zr::kLightPoint), false);
+    EXPECT_EQ(light.Export(kLightTargetRecords)->pTarget, nullptr);
+    EXPECT_EQ(light.m_tool->m_pRoots->m_nCount, 1);
+}
+
+// A target that passes straight ahead, up close: the aim turns by 120 degrees, most of them in the middle.
+TEST_F(TargetPassTest, StandingCameraFollowsItsTarget) {
+    for (const std::uint32_t targets : {kCameraTargetRecords, kCameraTargetKeys}) {
+        AimingCamera camera(new kernix::CameraModel);
+        camera.m_node->SetRestPose({{0, 0, 1}, vl::Quaternion(vl::AngleAxis(0, 1, 0, 0.4f)), {1, 1, 1}});
+        camera.Move(camera.m_target, {{0, {-3, 0, -1}}, {2, {3, 1, -1}}});
+        ExpectShown(camera, camera.Export(targets | kAllChoices | kMergeKeys), 2);
+    }
+}
+
+TEST_F(TargetPassTest, MovingLightFollowsAMovingTarget) {
+    AimingLight light(new kernix::LightModel(vl::zr::kLightDirectional));
+    light.Move(light.m_node, {{0, {4, 0, 0}}, {1, {4, 5, 0}}, {3, {-4, 5, 0}}});
+    light.Move(light.m_target, {{0.5f, {0, 0, -2}}, {2, {0, 1, -6}}});
+    ExpectShown(light, light.Export(kLightTargetKeys | kKeepAllNodes | kAllChoices), 3);
+}
+
+// A position of the object in its node and no target: the same displacement at every time, no further keys.
+TEST_F(TargetPassTest, DisplacedCameraKeepsItsKeys) {
+    for (const std::uint32_t form : {std::uint32_t{kAllChoices}, std::uint32_t{0}}) {
+        auto* object = new kernix::CameraModel;
+        object->SetObjectPosition({0, 2, 0});
+        AimingCamera camera(object, false);
+        camera.m_node->SetRestPose({{0, 0, 1}, vl::Quaternion(vl::AngleAxis(1, 0, 0, 0.5f)), {1, 1, 1}});
+        if (form != 0) camera.Move(camera.m_node, {{0, {1, 0, 0}}, {4, {5, 0, 0}}});
+        ExportNode* record = camera.Export(form);
+        EXPECT_EQ(camera.m_tool->GetKeyCount(record, 1), form != 0 ? 2 : 0);
+        ExpectShown(camera, record, 4);
+    }
+}
+
+TEST_F(TargetPassTest, UnturnedCameraIsLeftAlone) {
+    AimingCamera camera(new kernix::CameraModel);
+    camera.Move(camera.m_node, {{0, {0, 0, 0}}, {1, {0, 0, 3}}});
+    ExportNode* record = camera.Export(kAllChoices | kCameraTargetKeys);
+    EXPECT_EQ(record->pRotKeys, nullptr);
+    EXPECT_EQ(record->pScaleKeys, nullptr);
+    EXPECT_EQ(Times(record->pPosKeys), (std::vector<float>{0, 1}));
+}
+
+}  // namespace

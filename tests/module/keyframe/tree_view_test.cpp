@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "module/keyframe/tree_view.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTreeWidget>
+#include <deque>
+
+#include "host/ref.h"
+#include "kernix/array.h"
+#include "kernix/host_app_base.h"
+#include "kernix/scene/plain_objects.h"
+#include "kernix/scene/scene_model.h"
+#include "module/frame/globals.h"
+#include "module/keyframe/keyframe_tool.h"
+#include "platform/ui/host_windows.h"
+
+namespace {
+
+using ArrayRef = vl::Ref<vl::Array>;
+
+// A tree control that keeps what is inserted as "parent > text", parents by the number of their line.
+class TreeRecorder final : public platform::HostControl {
+public:
+    LRESULT OnMessage(UINT message, WPARAM, LPARAM lParam) override {
+        EXPECT_EQ(message, TVM_INSERTITEMA);
+        const auto& insert = *reinterpret_cast<const TVINSERTSTRUCTA*>(lParam);
+        EXPECT_EQ(insert.hInsertAfter, TVI_LAST);
+        EXPECT_EQ(insert.item.mask, 0x27u);
+        const bool isRoot = insert.hParent == TVI_ROOT;
+        m_parents.push_back(isRoot ? 0 : static_cast<int>(reinterpret_cast<std::uintptr_t>(insert.hParent)));
+        m_texts.emplace_back(insert.item.pszText);
+        return static_cast<LRESULT>(m_texts.size());
+    }
+    LONG_PTR GetValue(int) override { return 0; }
+
+    std::vector<int> m_parents;
+    std::vector<std::string> m_texts;
+};
+
+ArrayRef NewArray(int count = 0) {
+    ArrayRef array = ArrayRef::Adopt(kernix::CreateArray());
+    for (int i = 0; i < count; ++i) array->Add(0);
+    return array;
+}
+
+class TreeViewTest : public ::testing::Test {
+protected:
+    TreeViewTest() { g_pHost = &m_host; }
+    ~TreeViewTest() override { g_pHost = nullptr; }
+
+    kernix::HostAppBase m_host;
+    vl::Ref<kernix::SceneModel> m_scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
+};
+
+TEST_F(TreeViewTest, LabelNamesFlagsKeysAndType) {
+    char name[] = "object";
+    ExportNode record;
+    record.szName = name;
+    record.dwFlags = NF_ROOT | NF_GROUP | NF_ADDED;
+    EXPECT_EQ(zrt::TreeLabel(record), "object |<[group|add]NULL");
+    record.dwFlags = 0;
+    EXPECT_EQ(zrt::TreeLabel(record), "object |<[]NULL");
+    record.szName = nullptr;
+    record.dwFlags = 0xFFFFFFFF;
+    EXPECT_EQ(zrt::TreeLabel(record), "[group|add|Pivot|Geometry|POST|camera target|light target]NULL");
+}
+
+TEST_F(TreeViewTest, LabelCountsTheTracksThatExist) {
+    kernix::NodeModel* node = m_scene->AddNode(nullptr, "box");
+    const ArrayRef rotations = NewArray(2);
+    const ArrayRef positions = NewArray(5);
+    const ArrayRef scales = NewArray(0);
+    ExportNode record;
+    record.pNode = node;
+    record.pController = node->AddTransformController();
+    EXPECT_EQ(zrt::TreeLabel(record), "[][Animation:]NULL [box]");
+    node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(kernix::CreateBone()));
+    record.pRotKeys = rotations.Get();
+    record.pPosKeys = positions.Get();
+    EXPECT_EQ(zrt::TreeLabel(record), "[][Animation: r:2 t:5]Bone [box]");
+    record.pScaleKeys = scales.Get();
+    EXPECT_EQ(zrt::TreeLabel(record), "[][Animation: r:2 t:5 s:0]Bone [box]");
+    node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(kernix::CreateNote()));
+    record.pController = nullptr;
+    EXPECT_EQ(zrt::TreeLabel(record), "[]Unknown [box]");
+}
+
+TEST_F(TreeViewTest, LabelIsBoundedAndEndsWithAWholeCharacter) {
+    std::string name(509, 'x');
+    name += "\xC3\xA9\xC3\xA9";
+    ExportNode record;
+    record.szName = name.data();
+    EXPECT_EQ(zrt::TreeLabel(record), name.substr(0, 511));
+    name.insert(name.begin(), 'x');
+    record.szName = name.data();
+    EXPECT_EQ(zrt::TreeLabel(record), name.substr(0, 510));
+}
+
+TEST_F(TreeViewTest, ItemsNestInTheRecordsOrder) {
+    std::deque<ExportNode> records(5);
+    char names[] = "a\0b\0c\0d\0e";
+    for (std::size_t i = 0; i < records.size(); ++i) records[i].szName = names + 2 * i;
+    const ArrayRef roots = NewArray();
+    const ArrayRef children = NewArray();
+    vl::ArrayOf<ExportNode*>(roots.Get()).Add(&records[0]);
+    vl::ArrayOf<ExportNode*>(roots.Get()).Add(&records[4]);
+    for (std::size_t i = 1; i < 3; ++i) vl::ArrayOf<ExportNode*>(children.Get()).Add(&records[i]);
+    const ArrayRef grandchildren = NewArray();
+    vl::ArrayOf<ExportNode*>(grandchildren.Get()).Add(&records[3]);
+    records[0].pChildren = children.Get();
+    records[1].pChildren = grandchildren.Get();
+
+    TreeRecorder tree;
+    zrt::AddTreeItems(tree.Handle(), TVI_ROOT, roots.Get());
+    EXPECT_EQ(tree.m_texts, (std::vector<std::string>{"a |<[]NULL", "b |<[]NULL", "d |<[]NULL", "c |<[]NULL",
+                                                      "e |<[]NULL"}));
+    EXPECT_EQ(tree.m_parents, (std::vector<int>{0, 1, 2, 1, 0}));
+}
+
+TEST_F(TreeViewTest, DepthIsNoDanger) {
+    constexpr std::size_t kDepth = 200000;
+    std::vector<ExportNode> records(kDepth);
+    std::vector<ArrayRef> lists;
+    for (ExportNode& record : records) {
+        lists.push_back(NewArray());
+        vl::ArrayOf<ExportNode*>(lists.back().Get()).Add(&record);
+    }
+    for (std::size_t i = 0; i + 1 < kDepth; ++i) records[i].pChildren = lists[i + 1].Get();
+    TreeRecorder tree;
+    zrt::AddTreeItems(tree.Handle(), TVI_ROOT, lists.front().Get());
+    ASSERT_EQ(tree.m_parents.size(), kDepth);
+    EXPECT_EQ(tree.m_parents.back(), static_cast<int>(kDepth) - 1);
+}
+
+TEST_F(TreeViewTest, ToolFillsTheCallersTreeOrAWindowOfItsOwn) {
+    std::string error;
+    ASSERT_TRUE(platform::StartUserInterface(error)) << error;
+    const auto tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
+    EXPECT_EQ(tool->FillTreeView(nullptr, 0), 0);
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+
+    kernix::NodeModel* parent = m_scene->AddNode(nullptr, "parent");
+    m_scene->AddNode(parent, "child");
+    tool->m_pScene = m_scene.Get();
+    tool->m_dwExportFlags = vl::tk::kKeepAllNodes;
+    ASSERT_EQ(tool->BuildHierarchy(), 1);
+
+    TreeRecorder recorder;
+    EXPECT_EQ(tool->FillTreeView(recorder.Handle(), 0), 1);
+    EXPECT_EQ(recorder.m_texts,
+              (std::vector<std::string>{"[group]NULL [parent, 1 child]", "[group]NULL [child]"}));
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+
+    EXPECT_EQ(tool->FillTreeView(nullptr, 0), 1);
+    ASSERT_EQ(QApplication::topLevelWidgets().size(), 1);
+    auto* window = qobject_cast<QTreeWidget*>(QApplication::topLevelWidgets().first());
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->windowTitle(), " ZR_TK::FillTreeView ");
+    ASSERT_EQ(window->topLevelItemCount(), 1);
+    EXPECT_EQ(window->topLevelItem(0)->child(0)->text(0), "[group]NULL [child]");
+    window->close();
+}
+
+}  // namespace
