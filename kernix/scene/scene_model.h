@@ -23,7 +23,7 @@ namespace kernix {
 // The scene in memory. Whoever builds one adds parents before their children. It owns everything in it;
 // what is removed stays alive, out of the lists, until the scene ends. A deleted node leaves the layers at
 // the next notification. One thread at a time.
-class KERNIX_API SceneModel final : public vl::zr::Scene {
+class KERNIX_API SceneModel : public vl::zr::Scene {
 public:
     SceneModel();
     ~SceneModel() override;

@@ -13,10 +13,14 @@ TrackList::TrackList(SceneModel& scene) : m_scene(scene), m_words(vl::Ref<vl::Ar
 
 TrackList::~TrackList() = default;
 
+// Callers ask for the animations in the order of the tracks, or for one of them again and again.
 vl::zr::Track* TrackList::Find(const vl::zr::Animation* animation) const {
-    if (m_recent != nullptr && m_recent->GetAnimation() == animation) return m_recent;
-    for (const auto& track : m_tracks) {
-        if (track->GetAnimation() == animation) return m_recent = track.Get();
+    const std::size_t count = m_tracks.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t index = (m_recent + i) % count;
+        if (m_tracks[index]->GetAnimation() != animation) continue;
+        m_recent = index;
+        return m_tracks[index].Get();
     }
     return nullptr;
 }
@@ -34,7 +38,7 @@ void TrackList::Remove(const AnimationModel* animation) {
     if (found == m_tracks.end()) return;
     m_words->RemoveAt(static_cast<int>(found - m_tracks.begin()));
     m_tracks.erase(found);
-    m_recent = nullptr;
+    m_recent = 0;
 }
 
 vl::zr::Track* TrackList::Active() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "host/animation.h"
@@ -30,7 +31,7 @@ private:
     SceneModel& m_scene;
     std::vector<vl::Ref<vl::zr::Track>> m_tracks;
     vl::Ref<vl::Array> m_words;
-    mutable vl::zr::Track* m_recent = nullptr;  // what Find answered last
+    mutable std::size_t m_recent = 0;  // index of what Find answered last
 };
 
 }  // namespace kernix

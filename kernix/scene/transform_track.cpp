@@ -211,14 +211,17 @@ TransformTrack::Sample TransformTrack::Evaluate(float time, const Pose& rest) co
     return sample;
 }
 
+// Each step leads from what the steps before it add up to, so that their rounding does not add up as well.
 void TransformTrack::NormalizeRotations() {
     const std::vector<Rotation> orientations = Orientations();
+    Rotation shown;
     for (std::size_t i = 0; i < m_rotations.size(); ++i) {
         RotationKeyModel& key = *m_rotations[i];
-        if (key.m_type == vl::zr::kRotationAngleAxis) continue;
-        const Rotation step = i == 0 ? orientations[0] : orientations[i - 1].Inverted().Times(orientations[i]);
-        key.m_angleAxis = step.ToAngleAxis();
-        key.m_type = vl::zr::kRotationAngleAxis;
+        if (key.m_type != vl::zr::kRotationAngleAxis) {
+            key.m_angleAxis = shown.Inverted().Times(orientations[i]).ToAngleAxis();
+            key.m_type = vl::zr::kRotationAngleAxis;
+        }
+        shown = shown.Times(Rotation::From(key.m_angleAxis));
     }
     Changed();
 }

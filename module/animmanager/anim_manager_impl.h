@@ -25,16 +25,14 @@ struct AnimSource {
     double dOffset = 0;  // added to the times of its keys, seconds: each source keeps its own times
 };
 
-// The animation manager. The members are set while an operation runs and empty between operations.
+// The animation manager. The members are set while an operation runs and empty between operations. The arrays
+// passed may be the scene's own list.
 class CAnimManagerImpl final : public zr_ANIM_MANAGER {
 public:
     bool IsAnimationUsed(vl::zr::Animation* animation, char16_t* names, int maxLen) override;
     bool RemoveAnimation(ChangeRecord* record, vl::zr::Animation* animation) override;
 
-    // An animation that stands in the array twice is removed once. The array may be the scene's own list.
     bool RemoveAnimations(ChangeRecord* record, vl::Array* animations) override;
-
-    // The array may be the scene's own list.
     vl::zr::Animation* MergeAnimations(ChangeRecord* record, vl::Array* animations, bool removeSources,
                                        std::uint32_t flags) override;
     bool Reserved(vl::Word, vl::Word, vl::Word) override { return false; }
