@@ -11,6 +11,8 @@ class Session;
 
 // Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A
 // failure is an exception whose text names the file and the place.
+void AddCleanCommand(CLI::App& app, Session& session);
+void AddDescribeCommand(CLI::App& app, Session& session);
 void AddInfoCommand(CLI::App& app, Session& session);
 
 }  // namespace zr

@@ -38,6 +38,8 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.add_option("--language", session.m_language, "Language of the module's texts: en, de, fr, ja or zh");
     app.fallthrough();
+    zr::AddCleanCommand(app, session);
+    zr::AddDescribeCommand(app, session);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
