@@ -42,6 +42,8 @@ int main(int argc, char** argv) {
     zr::AddInfoCommand(app, session);
     zr::AddTreeCommand(app, session);
     zr::AddTextCommand(app, session);
+    zr::AddCleanCommand(app, session);
+    zr::AddDescribeCommand(app, session);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -6,12 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "kernix/host_app_base.h"
 #include "kernix/scene/plain_objects.h"
 #include "module/cleaner/cleaner.h"
-#include "module/frame/globals.h"
 #include "tests/module/cleaner_plain.h"
 #include "tests/module/cleaner_scenes.h"
+#include "tests/module/test_host.h"
 
 using cleaner_test::CallLog;
 using cleaner_test::MakeMesh;
@@ -41,11 +40,8 @@ private:
     vl::Context* m_context;
 };
 
-class CleanerOperations : public testing::Test {
+class CleanerOperations : public HostTest {
 protected:
-    void SetUp() override { g_pHost = &m_host; }
-    void TearDown() override { g_pHost = nullptr; }
-
     NodeModel* AddNode(NodeModel* parent, const char* name) { return m_scene->AddNode(parent, name); }
     NodeModel* AddMesh(NodeModel* parent, const char* name, float x) {
         NodeModel* node = AddNode(parent, name);
@@ -56,7 +52,6 @@ protected:
         return ((*m_cleaner).*operation)(m_scene.Get(), m_context.Get(), m_log.Get());
     }
 
-    kernix::HostAppBase m_host;
     vl::Ref<SceneModel> m_scene = vl::Ref<SceneModel>::Adopt(new SceneModel);
     kernix::MaterialModel* m_material = m_scene->AddMaterial("material", "");
     vl::Ref<CallLog> m_log = vl::Ref<CallLog>::Adopt(new CallLog(*m_scene));

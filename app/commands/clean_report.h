@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "app/commands/clean_scene.h"
+
+namespace zr {
+
+// What happened to one scene.
+struct CleanReport {
+    std::filesystem::path scene;
+    std::filesystem::path output;  // empty: nothing was written
+    std::uintmax_t bytesBefore = 0;
+    std::uintmax_t bytesAfter = 0;  // 0: nothing was written
+    CleanResult result;
+};
+
+// For people: a line for each step that took something, with the names where they are asked for.
+std::string CleanReportText(const CleanReport& report, bool withNames, bool explain);
+
+// The same as a JSON object.
+std::string CleanReportJson(const CleanReport& report, bool explain);
+
+// What the cleaner left alone because an extension could refer to it, one line each.
+std::string CleanRefusals(const CleanReport& report);
+
+}  // namespace zr

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "app/services/environment_helper.h"
+
+#include <string_view>
+#include <utility>
+
+#include "host/hdr_helper.h"
+
+namespace zr {
+
+using gltf::Document;
+using gltf::Json;
+using gltf::Kind;
+
+namespace {
+
+constexpr std::string_view kImageBasedLights = "EXT_lights_image_based";
+
+void EraseExtension(Json& holder, std::string_view name) {
+    Json* extensions = holder.Find("extensions");
+    if (extensions == nullptr || !extensions->EraseMember(name)) return;
+    if (extensions->Members().empty()) holder.EraseMember("extensions");
+}
+
+void EraseName(Json& root, std::string_view list, std::string_view name) {
+    Json* names = root.Find(list);
+    if (names == nullptr) return;
+    names->FilterItems([&](const Json& item) { return item.String() != name; });
+    if (names->Items().empty()) root.EraseMember(list);
+}
+
+void RemoveLights(Document& document, std::vector<std::string>& removed) {
+    Json* extensions = document.Root().Find("extensions");
+    const Json* content = extensions != nullptr ? extensions->Find(kImageBasedLights) : nullptr;
+    if (content == nullptr) return;
+    if (const Json* lights = content->Find("lights")) {
+        for (const Json& light : lights->Items()) {
+            const Json* name = light.Find("name");
+            removed.emplace_back(name != nullptr ? name->String() : "environment light");
+        }
+    }
+    EraseExtension(document.Root(), kImageBasedLights);
+    for (Json& scene : document.Elements(Kind::kScene)) EraseExtension(scene, kImageBasedLights);
+    EraseName(document.Root(), "extensionsUsed", kImageBasedLights);
+    EraseName(document.Root(), "extensionsRequired", kImageBasedLights);
+}
+
+}  // namespace
+
+class EnvironmentService::Helper final : public zr_HDR_HELPER {
+public:
+    explicit Helper(EnvironmentService& service) : m_service(service) {}
+
+    const char* GetTypeName() override { return kTypeHdrHelper; }
+
+    int RemoveEnvironment(vl::zr::Scene*, vl::Context*, ChangeRecord*) override {
+        std::vector<std::string>& removed = m_service.m_removed;
+        const std::size_t before = removed.size();
+        RemoveLights(*m_service.m_document, removed);
+        return static_cast<int>(removed.size() - before);
+    }
+
+private:
+    EnvironmentService& m_service;
+};
+
+class EnvironmentService::View final : public ViewObject {
+public:
+    explicit View(EnvironmentService& service) : m_service(service) {}
+
+    void ClearBackdrop(ChangeRecord*) override {
+        Json* extensions = m_service.m_document->Root().Find("extensions");
+        Json* scene = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        if (scene != nullptr && scene->EraseMember("backdrop")) m_service.m_removed.emplace_back("backdrop");
+    }
+
+private:
+    EnvironmentService& m_service;
+};
+
+EnvironmentService::EnvironmentService(Host& host) : m_host(host) {
+    host.AddExtension(kTypeHdrHelper, [this] { return m_document != nullptr ? new Helper(*this) : nullptr; });
+}
+
+EnvironmentService::~EnvironmentService() {
+    m_host.AddExtension(kTypeHdrHelper, [] { return nullptr; });
+}
+
+std::vector<std::string> EnvironmentService::Run(Document& document, const std::function<void()>& work) {
+    const std::lock_guard lock(m_mutex);
+    View view(*this);
+    m_document = &document;
+    m_host.SetView(&view);
+    work();
+    m_host.SetView(nullptr);
+    m_document = nullptr;
+    return std::exchange(m_removed, {});
+}
+
+}  // namespace zr
