@@ -28,6 +28,7 @@ std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
 MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
                          std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
+    if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
     }
