@@ -35,9 +35,6 @@ const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo = {{
 
 namespace {
 
-// Elements that go with the last node which shows them.
-constexpr KindSet kShownKinds{Kind::kMesh, Kind::kSkin, Kind::kCamera, Kind::kLight};
-
 using Operation = int (zr_CLEANER::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
 // Null for the steps that are no operation of the cleaner's own.
@@ -85,6 +82,18 @@ std::string WordsFor(const std::string& place) {
     }
     return words + " (" + place + ")";
 }
+
+}  // namespace
+
+SceneOptions SceneOptionsOf(const CleanOptions& options) {
+    SceneOptions sceneOptions;
+    if (!options.keep.empty()) {
+        sceneOptions.keep = [&options](Kind, std::string_view name) { return Matches(options.keep, name); };
+    }
+    return sceneOptions;
+}
+
+namespace {
 
 // One pass of the steps over the scene of a document.
 class Round {
@@ -139,16 +148,6 @@ public:
     }
 
 private:
-    static SceneOptions SceneOptionsOf(const CleanOptions& options) {
-        SceneOptions sceneOptions;
-        if (!options.keep.empty()) {
-            sceneOptions.keep = [&options](Kind, std::string_view name) {
-                return Matches(options.keep, name);
-            };
-        }
-        return sceneOptions;
-    }
-
     bool Ran(CleanStep step) const { return m_result.steps[static_cast<std::size_t>(step)].ran; }
 
     bool IsHeld(Kind kind, std::size_t index) const {

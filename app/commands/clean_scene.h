@@ -48,6 +48,14 @@ struct CleanOptions {
     bool keepData = false;          // what nothing refers to any more stays in the file
 };
 
+// How a scene is loaded for these options, which must outlive it.
+struct SceneOptions;
+SceneOptions SceneOptionsOf(const CleanOptions& options);
+
+// Elements that go with the last node which shows them.
+inline constexpr gltf::KindSet kShownKinds{gltf::Kind::kMesh, gltf::Kind::kSkin, gltf::Kind::kCamera,
+                                           gltf::Kind::kLight};
+
 struct StepResult {
     bool ran = false;
     std::size_t count = 0;
