@@ -207,6 +207,18 @@ TEST_F(CleanDocumentTest, LeavesAloneWhatAnUnknownExtensionCouldMean) {
     EXPECT_EQ(NamesOf(Clean(forced, options), CleanStep::kEmptyNodes), (Strings{"leaf", "branch"}));
 }
 
+// A sound, a label: an extension on a node that refers to nothing and shows something.
+TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
+    Document document =
+        Scene(Replaced(kScene, R"({"name": "leaf")", R"({"extensions": {"X_label": {"text": "here"}},
+      "name": "leaf")"));
+    const CleanResult result = Clean(document, Unseen());
+    EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), Strings{});
+    EXPECT_TRUE(std::any_of(result.held.begin(), result.held.end(), [](const HeldElement& held) {
+        return held.name == "leaf" && held.holder == "extension X_label (/nodes/5/extensions/X_label)";
+    }));
+}
+
 // The nodes that only an animation without a view moves go when it has gone.
 TEST_F(CleanDocumentTest, GoesOnWhileSomethingIsSetFree) {
     std::string json = Replaced(kScene, R"("extensions": {
