@@ -48,7 +48,7 @@ constexpr const char* kScene = R"({
     {"name": "red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
     {"name": "also red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
     {"name": "night"},
-    {"name": "unused"}
+    {"name": "unused", "doubleSided": true}
   ],
   "animations": [
     {"name": "run", "samplers": [{"input": 1, "output": 2}],
@@ -215,7 +215,7 @@ TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
     const CleanResult result = Clean(document, Unseen());
     EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), Strings{});
     EXPECT_TRUE(std::any_of(result.held.begin(), result.held.end(), [](const HeldElement& held) {
-        return held.name == "leaf" && held.holder == "extension X_label (/nodes/5/extensions/X_label)";
+        return held.name == "leaf" && held.holder.starts_with("extension X_label (/nodes/");
     }));
 }
 
