@@ -63,7 +63,8 @@ struct StepResult {
     std::vector<gltf::OpaqueUse> refusals;  // what kept the step from running
 };
 
-// An element that the steps which ran would have taken if nothing held it.
+// An element that the steps which ran would have taken if nothing held it. Indices in the holder's place are
+// those of the scene as it was, unless what went first set more free.
 struct HeldElement {
     gltf::Kind kind;
     std::string name;
