@@ -269,10 +269,6 @@ void SceneBuilder::ApplyExtension(std::size_t index) {
         controller->m_offset = {(*pivot)[0], (*pivot)[1], (*pivot)[2]};
         const Json* group = extension->Find("pivotGroup");
         if (group != nullptr && group->Bool()) controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
-        vl::Matrix4<double> offset;
-        offset.IdentityMatrix();
-        offset.Offset(vl::Vector3<float>{-(*pivot)[0], -(*pivot)[1], -(*pivot)[2]});
-        node->SetObjectOffset(offset);
     }
     if (const Json* offset = extension->Find("objectOffset")) node->SetObjectOffset(MatrixOf(*offset));
 }
