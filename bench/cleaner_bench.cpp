@@ -60,7 +60,12 @@ void Run(benchmark::State& state, Operation operation, bool deep, int expected) 
 }
 
 void Sizes(benchmark::internal::Benchmark* b) {
-    b->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->Complexity(benchmark::oAuto);
+    b->Arg(1000)
+        ->Arg(10000)
+        ->Arg(100000)
+        ->Iterations(5)
+        ->Unit(benchmark::kMillisecond)
+        ->Complexity(benchmark::oAuto);
 }
 
 BENCHMARK_CAPTURE(Run, MeshDupes, &CCleanerImpl::RemoveMeshDupes, false, 4)->Apply(Sizes);
