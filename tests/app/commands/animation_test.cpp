@@ -139,8 +139,8 @@ void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene&
             const auto there = static_cast<float>(time + offset);
             // Where two sources meet, a first vector gives way to the last one, and rotations jump.
             const float vectorTime = i > 0 && time == times.front() ? there + 0.001F : there;
-            const float turnTime =
-                time == times.back() ? std::nextafter(there, -std::numeric_limits<float>::infinity()) : there;
+            const bool jumps = i + 1 < names.size() && time == times.back();
+            const float turnTime = jumps ? std::nextafter(there, 0.0F) : there;
             for (std::size_t node = 0; node < before.Document().Elements(Kind::kNode).size(); ++node) {
                 if (before.Node(node) == nullptr) continue;
                 SCOPED_TRACE(gltf::Join(names[i], " node ", node, " at ", std::to_string(time)));
