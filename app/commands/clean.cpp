@@ -10,6 +10,7 @@
 #include <set>
 #include <thread>
 
+#include "app/commands/clean_dialog.h"
 #include "app/commands/clean_report.h"
 #include "app/commands/commands.h"
 #include "app/commands/progress.h"
@@ -30,6 +31,7 @@ struct Arguments {
     bool dryRun = false;
     bool json = false;
     bool explain = false;
+    bool dialog = false;
     unsigned jobs = 1;
     CleanOptions options;
 };
@@ -205,6 +207,12 @@ private:
     std::atomic<std::size_t> m_finished = 0;
 };
 
+int RunDialog(Session& session, const Arguments& arguments) {
+    const Job job = MakeJobs(arguments).front();
+    CleanInDialog(job.scene, job.output, session.GetHost(), arguments.options);
+    return 0;
+}
+
 }  // namespace
 
 void AddCleanCommand(CLI::App& app, Session& session) {
@@ -221,6 +229,8 @@ void AddCleanCommand(CLI::App& app, Session& session) {
         ->type_name("FILE");
     command->add_option("--out-dir", arguments->outDir,
                         "Write every scene into this folder, under its own name");
+    CLI::Option* dialog =
+        command->add_flag("--dialog", arguments->dialog, "Choose in a window what goes, and watch it go");
     command->add_flag("--all", arguments->all, "Also metadata, model views, notes and the environment");
     command->add_option("--only", arguments->only, "Only these operations, separated by commas")
         ->delimiter(',');
@@ -238,8 +248,14 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     command->add_option("--jobs", arguments->jobs, "Scenes cleaned at the same time")
         ->check(CLI::Range(1, 256))
         ->type_name("N");
+    for (const char* other :
+         {"--out-dir", "--all", "--only", "--skip", "--dry-run", "--explain", "--json", "--jobs"}) {
+        dialog->excludes(command->get_option(other));
+    }
     command->callback([&session, arguments] {
-        session.SetCommand([&session, arguments] { return CleanRun(session, *arguments).Run(); });
+        session.SetCommand([&session, arguments] {
+            return arguments->dialog ? RunDialog(session, *arguments) : CleanRun(session, *arguments).Run();
+        });
     });
 }
 

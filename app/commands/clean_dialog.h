@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace vl::zr {
-class Scene;
-}
+#include <filesystem>
+
+#include "app/commands/clean_scene.h"
 
 namespace zr {
 
 class Host;
 
-// Lets the user clean the scene in the module's dialog; returns when it is closed. Throws
-// std::runtime_error where no window can be opened.
-void RunCleanDialog(Host& host, vl::zr::Scene& scene);
+// Lets the user clean the scene in the module's dialog and, when it is closed, writes what is left; what
+// nothing refers to goes too, unless options.keepData. Throws std::runtime_error where no window can be
+// opened, and, unless options.force, when an extension that is not known could refer to what the dialog
+// takes.
+void CleanInDialog(const std::filesystem::path& scene, const std::filesystem::path& output, Host& host,
+                   const CleanOptions& options);
 
 }  // namespace zr

@@ -35,9 +35,6 @@ const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo = {{
 
 namespace {
 
-// Elements that go with the last node which shows them.
-constexpr KindSet kShownKinds{Kind::kMesh, Kind::kSkin, Kind::kCamera, Kind::kLight};
-
 using Operation = int (zr_CLEANER::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
 // Null for the steps that are no operation of the cleaner's own.
@@ -86,6 +83,18 @@ std::string WordsFor(const std::string& place) {
     return words + " (" + place + ")";
 }
 
+}  // namespace
+
+SceneOptions SceneOptionsOf(const CleanOptions& options) {
+    SceneOptions sceneOptions;
+    if (!options.keep.empty()) {
+        sceneOptions.keep = [&options](Kind, std::string_view name) { return Matches(options.keep, name); };
+    }
+    return sceneOptions;
+}
+
+namespace {
+
 // One pass of the steps over the scene of a document.
 class Round {
 public:
@@ -125,6 +134,7 @@ public:
             m_result.held.push_back(
                 {kept.kind, ElementName(m_loaded.Document(), kept.kind, kept.index), WordsFor(kept.reason)});
         }
+        if (Ran(CleanStep::kMaterials)) ExplainVariants();
         if (!Ran(CleanStep::kEmptyNodes)) return;
         for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
             if (plain->m_pObject != nullptr || plain->m_pFirstChild != nullptr) continue;
@@ -139,16 +149,6 @@ public:
     }
 
 private:
-    static SceneOptions SceneOptionsOf(const CleanOptions& options) {
-        SceneOptions sceneOptions;
-        if (!options.keep.empty()) {
-            sceneOptions.keep = [&options](Kind, std::string_view name) {
-                return Matches(options.keep, name);
-            };
-        }
-        return sceneOptions;
-    }
-
     bool Ran(CleanStep step) const { return m_result.steps[static_cast<std::size_t>(step)].ran; }
 
     bool IsHeld(Kind kind, std::size_t index) const {
@@ -163,6 +163,29 @@ private:
         vl::zr::Object3D* object = node->m_pObject;
         return object != nullptr &&
                (object->IsKindOf(vl::zr::kKindDummy) || object->IsKindOf(vl::zr::kKindBone));
+    }
+
+    // Materials that no primitive shows until a variant is chosen.
+    void ExplainVariants() {
+        Document& document = m_loaded.Document();
+        std::vector<std::string> variants(document.Elements(Kind::kMaterial).size());
+        std::vector<bool> shown(variants.size(), false);
+        gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
+            if (reference.target.kind != Kind::kMaterial) return;
+            const std::string place = reference.place.Pointer();
+            if (place.find("/KHR_materials_variants/") == std::string::npos) {
+                shown[reference.target.index] = true;
+            } else {
+                variants[reference.target.index] = place;
+            }
+        });
+        for (std::size_t i = 0; i < variants.size(); ++i) {
+            kernix::MaterialModel* material = m_loaded.Material(i);
+            if (shown[i] || variants[i].empty() || material == nullptr) continue;
+            if (m_scene.MergedInto(material) != material) continue;
+            m_result.held.push_back(
+                {Kind::kMaterial, ElementName(document, Kind::kMaterial, i), WordsFor(variants[i])});
+        }
     }
 
     void NameMetadata(std::vector<std::string>& names) const {
@@ -220,11 +243,6 @@ void Add(gltf::Collected& total, gltf::Collected more) {
     }
 }
 
-bool IsEmpty(const gltf::Collected& collected) {
-    return std::all_of(collected.removed.begin(), collected.removed.end(),
-                       [](std::size_t n) { return n == 0; });
-}
-
 // Notes the steps that could take an element that something refers to in a way that cannot be followed.
 std::array<bool, kCleanSteps> AllowedSteps(Document& document, const CleanOptions& options,
                                            CleanResult& result) {
@@ -244,8 +262,8 @@ std::array<bool, kCleanSteps> AllowedSteps(Document& document, const CleanOption
 
 }  // namespace
 
-// An animation that goes frees the nodes it moved, and a skin or mesh the joints and materials it named: as
-// long as a round sets something free, another one follows.
+// An animation that goes frees the nodes it moved, and a skin its joints: as long as a round sets something
+// free, another one follows. Places in the explanation are those of the document before the last round.
 CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress) {
@@ -254,9 +272,9 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
     const auto collectShown = [&] {
         if (options.keepData) return false;
         gltf::Collected collected = gltf::CollectGarbage(document, kShownKinds, options.force);
-        const bool any = !IsEmpty(collected);
+        const bool freesJoints = collected.removed[gltf::Ordinal(Kind::kSkin)] != 0;
         Add(result.collected, std::move(collected));
-        return any;
+        return freesJoints;
     };
     collectShown();
     for (bool again = true; again;) {

@@ -48,6 +48,14 @@ struct CleanOptions {
     bool keepData = false;          // what nothing refers to any more stays in the file
 };
 
+// How a scene is loaded for these options, which must outlive it.
+struct SceneOptions;
+SceneOptions SceneOptionsOf(const CleanOptions& options);
+
+// Elements that go with the last node which shows them.
+inline constexpr gltf::KindSet kShownKinds{gltf::Kind::kMesh, gltf::Kind::kSkin, gltf::Kind::kCamera,
+                                           gltf::Kind::kLight};
+
 struct StepResult {
     bool ran = false;
     std::size_t count = 0;
@@ -55,7 +63,8 @@ struct StepResult {
     std::vector<gltf::OpaqueUse> refusals;  // what kept the step from running
 };
 
-// An element that the steps which ran would have taken if nothing held it.
+// An element that the steps which ran would have taken if nothing held it. Indices in the holder's place are
+// those of the scene as it was, unless what went first set more free.
 struct HeldElement {
     gltf::Kind kind;
     std::string name;

@@ -7,6 +7,7 @@
 
 #include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
+#include "app/commands/pass_options.h"
 #include "app/commands/progress.h"
 #include "app/commands/session.h"
 #include "app/export/export_scene.h"
@@ -60,6 +61,7 @@ struct ExportArguments {
     double scale = 1;
     std::string optionWords;
     ExportOptions options;
+    PassOptions passes;
 };
 
 void AddFlags(CLI::App& command, std::uint32_t& word, const BitFlag& flag) {
@@ -104,7 +106,8 @@ bool EndsWith(const std::string& text, std::string_view end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-int RunExport(Session& session, const ExportArguments& arguments) {
+int RunExport(Session& session, ExportArguments& arguments) {
+    arguments.passes.ApplyTo(session.GetHost(), arguments.options);
     LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
     session.ThrowIfStopped();
     kernix::SceneModel& scene = loaded.Scene();
@@ -117,16 +120,25 @@ int RunExport(Session& session, const ExportArguments& arguments) {
     }
     const auto out = gltf::PathOf(arguments.out);
     Progress bar("export");
+    MotionReport report;
+    std::string renameMap;
     if (EndsWith(arguments.out, ".json")) {
-        ExportRecords(session.GetHost(), loaded, arguments.options, out);
-        return 0;
-    }
-    ExportScene(session.GetHost(), loaded, arguments.options, [&](double done) {
+        report = ExportRecords(session.GetHost(), loaded, arguments.options, out, &renameMap);
+    } else {
+        const auto onProgress = [&](double done) {
+            session.ThrowIfStopped();
+            bar.Show(done);
+        };
+        report = ExportScene(session.GetHost(), loaded, arguments.options, onProgress, &renameMap);
         session.ThrowIfStopped();
-        bar.Show(done);
-    });
-    session.ThrowIfStopped();
-    loaded.Document().Save(out);
+        loaded.Document().Save(out);
+    }
+    if (!arguments.passes.RenameMapFile().empty()) {
+        gltf::FileTransaction files;
+        files.Add(gltf::PathOf(arguments.passes.RenameMapFile()), gltf::BytesOf(renameMap));
+        files.Commit();
+    }
+    std::printf("%s\n", Describe(report).c_str());
     return 0;
 }
 
@@ -158,6 +170,7 @@ void AddExportCommand(CLI::App& app, Session& session) {
     command->add_option("--scale", arguments->scale, "Factor from the scene's unit to the result's")->check(CLI::PositiveNumber);
     command->add_option("--option-words", arguments->optionWords,
                         "The three option words EXPORT,NAME,ANIM, hexadecimal; replaces the flags above");
+    arguments->passes.AddTo(*command);
     command->callback([command, arguments, &session] {
         session.SetCommand([command, arguments, &session] {
             FinishOptions(*command, *arguments);

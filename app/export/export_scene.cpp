@@ -10,6 +10,7 @@
 #include "app/export/record_keys.h"
 #include "app/export/record_names.h"
 #include "app/export/record_nodes.h"
+#include "host/stream.h"
 #include "kernix/utf.h"
 
 namespace zr {
@@ -23,11 +24,33 @@ std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
     return animations;
 }
 
+// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks for
+// the records that fit all the others; it is to be deleted again.
+kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
+    kernix::AnimationModel* all = scene.AddAnimation(u"");
+    for (auto* plain : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
+        auto* controller =
+            static_cast<kernix::TransformControllerModel*>(plain->GetController(vl::zr::kControllerTransform));
+        if (controller == nullptr) continue;
+        vl::zr::Track* fullest = nullptr;
+        for (auto* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
+            if (fullest == nullptr || track->GetKeyCount() > fullest->GetKeyCount()) fullest = track;
+        }
+        if (fullest == nullptr) continue;
+        const auto stream = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
+        controller->SaveTrack(stream.Get(), fullest, 0);
+        stream->Seek(0, 0);
+        controller->LoadTrack(stream.Get(), 0, controller->AddTrack(all));
+    }
+    return all;
+}
+
 }  // namespace
 
 MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
                          std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
+    if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
     }
@@ -36,26 +59,25 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
     BakeCurves(scene, options);
     std::vector<AddedKeys> added;
-    Tool first = RunTool(host, scene, animations.empty() ? nullptr : animations.front(), options);
+    kernix::AnimationModel* all = animations.size() > 1 ? AddFullestTracks(scene) : nullptr;
+    Tool records = RunTool(host, scene, all != nullptr ? all : animations.empty() ? nullptr : animations.front(), options);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
-        Tool later;
-        if (i > 0) {
-            later = RunTool(host, scene, animations[i], options);
-            if (!SameStructure(first, later)) {
-                throw std::runtime_error("the animations \"" + kernix::ToUtf8(animations.front()->m_name) + "\" and \"" +
-                                         kernix::ToUtf8(animations[i]->m_name) +
-                                         "\" need different nodes with these options: export them one by one with --animation");
-            }
-        }
-        const Tool& tool = i > 0 ? later : first;
+        const Tool tool = all != nullptr ? RunTool(host, scene, animations[i], options) : records;
+        const std::size_t addedBefore = added.size();
         CompareMotion(tool, scene, *animations[i], options, report);
         CollectAddedKeys(tool, *animations[i], added);
+        if (!SameStructure(records, tool) && (added.size() != addedBefore || !KeysFit(tool, records))) {
+            throw std::runtime_error("the animation \"" + kernix::ToUtf8(animations[i]->m_name) +
+                                     "\" needs other nodes than the others with these options: export them one by one "
+                                     "with --animation");
+        }
         TakeBackKeys(tool, scene, *animations[i], options);
     }
-    if (renameMap != nullptr) *renameMap = RenameMap(first);
-    WriteMaterialNames(loaded, first);
-    WriteAddedKeys(loaded, WriteRecordNodes(loaded, first, options), added);
+    if (all != nullptr) scene.DeleteAnimation(all);
+    if (renameMap != nullptr) *renameMap = RenameMap(records);
+    WriteMaterialNames(loaded, records);
+    WriteAddedKeys(loaded, WriteRecordNodes(loaded, records, options), added);
     loaded.WriteBack();
     if (options.Has(vl::tk::kFlipAxes)) FlipObjects(loaded.Document());
     progress(1);

@@ -36,6 +36,7 @@ public:
         for (ExportNode* record : AllRecords(m_tool)) WriteNode(*record);
         WriteRoots();
         MoveJoints();
+        MoveWeights();
         DeleteRejected();
         std::vector<std::size_t> nodes;
         for (const ExportNode* record : AllRecords(m_tool)) nodes.push_back(m_index[record]);
@@ -64,6 +65,7 @@ private:
         const auto from = static_cast<std::size_t>(model.m_source);
         const auto carrier = m_carrier.find(&model);
         if (carrier != m_carrier.end() && m_index[carrier->second] == from) return;
+        if (carrier != m_carrier.end()) m_meshMoved[from] = m_index[carrier->second];
         for (const std::string_view name : kObjectMembers) {
             const Json* member = NodeAt(from).Find(name);
             if (member == nullptr) continue;
@@ -89,7 +91,7 @@ private:
         const std::size_t index = m_index[&record];
         WriteTransform(record, index);
         WriteName(record, index);
-        ErasePivots(index);
+        if (record.vPivot == vl::Vector3<float>()) ErasePivots(index);
         if (record.pTarget != nullptr) WriteTarget(record, index);
         const vl::ArrayOf<ExportNode*> children(record.pChildren);
         NodeAt(index).EraseMember("children");
@@ -208,6 +210,24 @@ private:
         }
     }
 
+    // Morph weights are animated where the mesh is.
+    void MoveWeights() {
+        if (m_meshMoved.empty()) return;
+        for (Json& animation : m_document.Elements(Kind::kAnimation)) {
+            Json* channels = animation.Find("channels");
+            if (channels == nullptr) continue;
+            for (Json& channel : channels->Items()) {
+                Json* target = channel.Find("target");
+                const Json* path = target != nullptr ? target->Find("path") : nullptr;
+                Json* node = target != nullptr ? target->Find("node") : nullptr;
+                if (path == nullptr || path->String() != "weights" || node == nullptr) continue;
+                const auto index = node->Index();
+                const auto found = index ? m_meshMoved.find(*index) : m_meshMoved.end();
+                if (found != m_meshMoved.end()) *node = m_tree.MakeIndex(found->second);
+            }
+        }
+    }
+
     void DeleteRejected() {
         std::vector<kernix::NodeModel*> rejected;
         for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_loaded.Scene().m_pNodes)) {
@@ -222,6 +242,7 @@ private:
     const Tool& m_tool;
     const ExportOptions& m_options;
     std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
+    std::unordered_map<std::size_t, std::size_t> m_meshMoved;    // from node to node
     std::unordered_map<const kernix::NodeModel*, ExportNode*> m_exported;
     std::unordered_map<const kernix::NodeModel*, ExportNode*> m_carrier;  // of each node's object
 };
@@ -246,6 +267,19 @@ bool SameStructure(const Tool& a, const Tool& b) {
     for (int i = 0; i < left.Count(); ++i) {
         const ExportNode* parent = left[i]->pParent;
         if ((parent != nullptr ? partner[parent] : nullptr) != right[i]->pParent) return false;
+    }
+    return true;
+}
+
+bool KeysFit(const Tool& keys, const Tool& records) {
+    std::unordered_map<const vl::zr::Node*, const ExportNode*> places;
+    for (const ExportNode* record : AllRecords(records)) {
+        if (record->pController != nullptr) places[record->pSourceNode] = record;
+    }
+    for (const ExportNode* record : AllRecords(keys)) {
+        if (record->pController == nullptr) continue;
+        const auto found = places.find(record->pSourceNode);
+        if (found == places.end() || (found->second->pParent == nullptr) != (record->pParent == nullptr)) return false;
     }
     return true;
 }

@@ -17,7 +17,11 @@ namespace zr {
 // Returns the node of each record, in the order of the records.
 std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
-// Whether two runs made the same records of the same nodes, so that their keys fit one set of nodes.
+// Whether two runs made the same records of the same nodes.
 bool SameStructure(const Tool& a, const Tool& b);
+
+// Whether the keys of a run fit the records of another one: the moved nodes have a record there, at the top where
+// they are at the top here.
+bool KeysFit(const Tool& keys, const Tool& records);
 
 }  // namespace zr

@@ -24,7 +24,11 @@ int KeyTypeOf(std::string_view path) {
 
 AnimationBuilder::Goal AnimationBuilder::GoalOf(const Json& target) {
     const std::string_view path = target.Find("path")->String();
-    if (path != "pointer") return {IndexMember(target, "node", kNone), path};
+    if (path != "pointer") {
+        // A channel without a node plays nothing.
+        const std::size_t node = IndexMember(target, "node", kNone);
+        return node != kNone ? Goal{node, path} : Goal{};
+    }
     const Json* extensions = target.Find("extensions");
     const Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
     if (extension == nullptr) return {};

@@ -2,6 +2,7 @@
 #include "app/scene/scene_builder.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/gltf/references.h"
 #include "app/gltf/text.h"
@@ -27,6 +28,27 @@ const Json* Extension(const Json& element, std::string_view name) {
 std::string_view NameOf(const Json& element) {
     const Json* name = element.Find("name");
     return name != nullptr ? name->String() : std::string_view();
+}
+
+// Extensions of a node that show nothing when the node has no object of its own.
+constexpr std::string_view kBareExtensions[] = {
+    "EXT_mesh_gpu_instancing", "KHR_lights_punctual",
+    "KHR_node_hoverability",   "KHR_node_selectability",
+    "KHR_node_visibility",     "KHR_xmp",
+    "KHR_xmp_json_ld",         "ZR_scene",
+};
+
+// The extension that makes a node without a mesh more than an empty place (a sound, a body of physics,
+// something that is not known), or null.
+const gltf::JsonMember* ContentExtension(const Json& node) {
+    const Json* extensions = node.Find("extensions");
+    if (extensions == nullptr || node.Find("mesh") != nullptr) return nullptr;
+    const auto members = extensions->Members();
+    const auto found = std::find_if(members.begin(), members.end(), [](const gltf::JsonMember& member) {
+        return std::find(std::begin(kBareExtensions), std::end(kBareExtensions), member.Name()) ==
+               std::end(kBareExtensions);
+    });
+    return found != members.end() ? &*found : nullptr;
 }
 
 template <std::size_t N>
@@ -151,6 +173,11 @@ void SceneBuilder::MarkReferences() {
             keep(m_animationMarks[target.index], reference.place);
         }
     });
+    for (std::size_t node : m_order) {
+        const gltf::JsonMember* content = ContentExtension(m_document.Elements(Kind::kNode)[node]);
+        if (content != nullptr && !m_nodeMarks[node].reason)
+            m_nodeMarks[node].reason = Join("/nodes/", node, "/extensions/", content->Name());
+    }
     MarkByName(Kind::kNode, m_nodeMarks);
     MarkByName(Kind::kMaterial, m_materialMarks);
     MarkByName(Kind::kAnimation, m_animationMarks);
@@ -269,10 +296,6 @@ void SceneBuilder::ApplyExtension(std::size_t index) {
         controller->m_offset = {(*pivot)[0], (*pivot)[1], (*pivot)[2]};
         const Json* group = extension->Find("pivotGroup");
         if (group != nullptr && group->Bool()) controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
-        vl::Matrix4<double> offset;
-        offset.IdentityMatrix();
-        offset.Offset(vl::Vector3<float>{-(*pivot)[0], -(*pivot)[1], -(*pivot)[2]});
-        node->SetObjectOffset(offset);
     }
     if (const Json* offset = extension->Find("objectOffset")) node->SetObjectOffset(MatrixOf(*offset));
 }

@@ -48,7 +48,7 @@ constexpr const char* kScene = R"({
     {"name": "red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
     {"name": "also red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
     {"name": "night"},
-    {"name": "unused"}
+    {"name": "unused", "doubleSided": true}
   ],
   "animations": [
     {"name": "run", "samplers": [{"input": 1, "output": 2}],
@@ -205,6 +205,18 @@ TEST_F(CleanDocumentTest, LeavesAloneWhatAnUnknownExtensionCouldMean) {
     CleanOptions options = Unseen();
     options.force = true;
     EXPECT_EQ(NamesOf(Clean(forced, options), CleanStep::kEmptyNodes), (Strings{"leaf", "branch"}));
+}
+
+// A sound, a label: an extension on a node that refers to nothing and shows something.
+TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
+    Document document =
+        Scene(Replaced(kScene, R"({"name": "leaf")", R"({"extensions": {"X_label": {"text": "here"}},
+      "name": "leaf")"));
+    const CleanResult result = Clean(document, Unseen());
+    EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), Strings{});
+    EXPECT_TRUE(std::any_of(result.held.begin(), result.held.end(), [](const HeldElement& held) {
+        return held.name == "leaf" && held.holder.starts_with("extension X_label (/nodes/");
+    }));
 }
 
 // The nodes that only an animation without a view moves go when it has gone.
