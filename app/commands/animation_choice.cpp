@@ -12,17 +12,19 @@ namespace {
 
 constexpr std::size_t kMostListed = 20;
 
+}  // namespace
+
 std::string Candidates(const std::vector<kernix::AnimationModel*>& animations) {
     if (animations.empty()) return "the scene has no animation";
     std::string text = "the scene has ";
     for (std::size_t i = 0; i < std::min(animations.size(), kMostListed); ++i) {
-        text += (i == 0 ? "" : ", ") + std::to_string(i) + " \"" + kernix::ToUtf8(animations[i]->m_name) + "\"";
+        text +=
+            (i == 0 ? "" : ", ") + std::to_string(i) + " \"" + kernix::ToUtf8(animations[i]->m_name) + "\"";
     }
-    if (animations.size() > kMostListed) text += " and " + std::to_string(animations.size() - kMostListed) + " more";
+    if (animations.size() > kMostListed)
+        text += " and " + std::to_string(animations.size() - kMostListed) + " more";
     return text;
 }
-
-}  // namespace
 
 std::vector<kernix::AnimationModel*> AnimationsOf(kernix::SceneModel& scene) {
     std::vector<kernix::AnimationModel*> animations;
@@ -46,8 +48,22 @@ kernix::AnimationModel* ChooseAnimation(kernix::SceneModel& scene, const std::st
         return animations[index];
     }
     if (matches.size() == 1) return matches.front();
-    throw std::runtime_error((matches.empty() ? "no animation is named \"" : "more than one animation is named \"") + name +
-                             "\": " + Candidates(animations));
+    throw std::runtime_error(
+        (matches.empty() ? "no animation is named \"" : "more than one animation is named \"") + name +
+        "\": " + Candidates(animations));
+}
+
+std::vector<kernix::AnimationModel*> ChooseAnimations(kernix::SceneModel& scene,
+                                                      const std::vector<std::string>& names) {
+    std::vector<kernix::AnimationModel*> chosen;
+    for (const std::string& name : names) {
+        kernix::AnimationModel* animation = ChooseAnimation(scene, name);
+        if (std::find(chosen.begin(), chosen.end(), animation) != chosen.end()) {
+            throw std::runtime_error("animation \"" + name + "\" is chosen twice");
+        }
+        chosen.push_back(animation);
+    }
+    return chosen;
 }
 
 }  // namespace zr

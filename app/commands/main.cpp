@@ -44,6 +44,10 @@ int main(int argc, char** argv) {
     zr::AddTextCommand(app, session);
     zr::AddCleanCommand(app, session);
     zr::AddDescribeCommand(app, session);
+    zr::AddAnimationsCommand(app, session);
+    zr::AddRemoveAnimationsCommand(app, session);
+    zr::AddMergeCommand(app, session);
+    zr::AddSplitCommand(app, session);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

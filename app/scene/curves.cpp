@@ -47,7 +47,8 @@ struct KeyView {
     const kernix::Tangents* tangents;
 };
 
-KeyView View(const kernix::TransformTrack& track, int keyType, int index) {
+// shown: the orientation of the rotation key before, from which an angle-axis key is a step; then this key's.
+KeyView View(const kernix::TransformTrack& track, int keyType, int index, kernix::Rotation& shown) {
     KeyView view{};
     const vl::zr::Key* key = track.Get(keyType, index);
     view.time = key->m_fTime;
@@ -56,11 +57,15 @@ KeyView View(const kernix::TransformTrack& track, int keyType, int index) {
     if (keyType == vl::zr::kKeyRotation) {
         kernix::RotationKeyModel& rotation = *track.Rotations()[at];
         vl::Quaternion q;
-        if (rotation.GetRotationType() == vl::zr::kRotationQuaternion)
+        if (rotation.GetRotationType() == vl::zr::kRotationAngleAxis) {
+            vl::AngleAxis step;
+            rotation.GetValue(&step);
+            shown = shown.Times(kernix::Rotation::From(step));
+            q = Narrow(shown);
+        } else {
             rotation.GetQuaternion(&q);
-        else
-            // Angle-axis keys are steps from the key before; the curve knows where they lead.
-            q = Narrow(track.Evaluate(view.time, {}).rotation);
+            shown = kernix::Rotation::From(q);
+        }
         view.value[0] = q.x;
         view.value[1] = q.y;
         view.value[2] = q.z;
@@ -136,14 +141,15 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
 }
 
 // The keys with times that ascend. Keys that share a time make a jump: the curve comes in to the first and
-// goes on from the last, so the first moves to the time before, where there is one.
+// goes on from the last, so the first moves to the time before, where there is one that is not negative.
 std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) {
     std::vector<KeyView> keys;
+    kernix::Rotation shown;
     for (int i = 0; i < track.Count(keyType); ++i) {
-        const KeyView key = View(track, keyType, i);
+        const KeyView key = View(track, keyType, i, shown);
         if (!keys.empty() && keys.back().time >= key.time) {
             const float before = std::nextafter(key.time, -std::numeric_limits<float>::infinity());
-            const bool hasRoom = keys.size() < 2 || keys[keys.size() - 2].time < before;
+            const bool hasRoom = before >= 0 && (keys.size() < 2 || keys[keys.size() - 2].time < before);
             if (hasRoom) {
                 keys.back().time = before;
             } else {

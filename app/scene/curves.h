@@ -42,10 +42,4 @@ Curve Straightened(const kernix::TransformTrack& track, int keyType);
 // Puts the curve's keys in the place of the track's.
 void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
 
-// The keys as a linear curve, whatever way they pass.
-Curve Straightened(const kernix::TransformTrack& track, int keyType);
-
-// Puts the curve's keys in the place of the track's.
-void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
-
 }  // namespace zr

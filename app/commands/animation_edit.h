@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/scene/loaded_scene.h"
+#include "app/services/host.h"
+
+namespace zr {
+
+using Animations = std::vector<kernix::AnimationModel*>;
+
+// Every controller of the scene's nodes and then of its materials; holder: which node or material it moves,
+// for people.
+void ForEachController(
+    kernix::SceneModel& scene,
+    const std::function<void(vl::zr::Controller& controller, const std::string& holder)>& visit);
+std::string HolderName(const kernix::NodeModel& node);
+
+// Gives the target's track for an animation the content of a track of the same class; the target may stand in
+// another scene.
+void CopyTrack(vl::zr::Controller& source, vl::zr::Track* track, vl::zr::Controller& target,
+               kernix::AnimationModel* animation);
+
+// The animation's name in double quotes.
+std::string Quoted(const kernix::AnimationModel& animation);
+
+// Removes animations through the module's manager. Those that something in the document refers to stay; for
+// each of them one line that says why.
+std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations);
+
+// A viewport that refers to any of the old animations refers to all the new ones too.
+void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const Animations& added);
+
+// Prints each line to standard error, after the label.
+void PrintNotes(const char* label, const std::vector<std::string>& lines);
+
+}  // namespace zr

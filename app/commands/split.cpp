@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "app/commands/animation_choice.h"
+#include "app/commands/commands.h"
+#include "app/commands/session.h"
+#include "app/commands/split_animation.h"
+
+namespace zr {
+namespace {
+
+struct SplitArguments {
+    std::string scene;
+    std::string out;
+    std::string animation;
+    std::vector<float> cuts;
+    bool each = false;
+};
+
+kernix::AnimationModel& AnimationToSplit(kernix::SceneModel& scene, const std::string& name) {
+    const Animations animations = AnimationsOf(scene);
+    if (!name.empty()) return *ChooseAnimation(scene, name);
+    if (animations.size() == 1) return *animations.front();
+    throw std::runtime_error("choose one with --animation: " + Candidates(animations));
+}
+
+std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
+    std::sort(cuts.begin(), cuts.end());
+    cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
+    for (const float cut : cuts) {
+        if (start < cut && cut < end) continue;
+        char text[128];
+        std::snprintf(text, sizeof text,
+                      "the cut at %g s is not inside the animation, which plays from %g to %g s",
+                      static_cast<double>(cut), static_cast<double>(start), static_cast<double>(end));
+        throw std::runtime_error(text);
+    }
+    return cuts;
+}
+
+int RunSplit(Session& session, const SplitArguments& arguments) {
+    if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
+    LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
+    session.ThrowIfStopped();
+    kernix::SceneModel& scene = loaded.Scene();
+    kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
+    const Animations parts = arguments.each
+                                 ? SeparateAnimation(scene, animation)
+                                 : CutAnimation(scene, animation,
+                                                Ascending(arguments.cuts, scene.GetStartTime(&animation),
+                                                          scene.GetEndTime(&animation)));
+    if (parts.empty()) throw std::runtime_error("animation " + Quoted(animation) + " moves nothing");
+    FollowInViewports(scene, {&animation}, parts);
+    PrintNotes("kept", RemoveAnimations(session.GetHost(), loaded, {&animation}));
+    for (kernix::AnimationModel* part : parts) {
+        std::printf("%s  %g s\n", Quoted(*part).c_str(), static_cast<double>(scene.GetEndTime(part)));
+    }
+    loaded.WriteBack();
+    session.ThrowIfStopped();
+    loaded.Document().Save(gltf::PathOf(arguments.out));
+    return 0;
+}
+
+}  // namespace
+
+void AddSplitCommand(CLI::App& app, Session& session) {
+    auto* command = app.add_subcommand("split", "Cut an animation into several");
+    auto arguments = std::make_shared<SplitArguments>();
+    command->add_option("scene", arguments->scene, "Scene to read (.gltf, .glb)")->required();
+    command->add_option("out", arguments->out, "Scene to write (.gltf, .glb)")->required();
+    command->add_option("--animation", arguments->animation,
+                        "The animation to cut (name, or index), where there are several");
+    command->add_option("--at", arguments->cuts, "Times of the cuts, seconds, separated by commas")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    command->add_flag("--each", arguments->each, "One animation for each node that it moves");
+    command->callback([arguments, &session] {
+        session.SetCommand([arguments, &session] { return RunSplit(session, *arguments); });
+    });
+}
+
+}  // namespace zr
