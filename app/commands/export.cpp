@@ -121,19 +121,21 @@ int RunExport(Session& session, ExportArguments& arguments) {
     const auto out = gltf::PathOf(arguments.out);
     Progress bar("export");
     MotionReport report;
+    // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
     std::string renameMap;
+    std::string* const wantedMap = arguments.passes.RenameMapFile().empty() ? nullptr : &renameMap;
     if (EndsWith(arguments.out, ".json")) {
-        report = ExportRecords(session.GetHost(), loaded, arguments.options, out, &renameMap);
+        report = ExportRecords(session.GetHost(), loaded, arguments.options, out, wantedMap);
     } else {
         const auto onProgress = [&](double done) {
             session.ThrowIfStopped();
             bar.Show(done);
         };
-        report = ExportScene(session.GetHost(), loaded, arguments.options, onProgress, &renameMap);
+        report = ExportScene(session.GetHost(), loaded, arguments.options, onProgress, wantedMap);
         session.ThrowIfStopped();
         loaded.Document().Save(out);
     }
-    if (!arguments.passes.RenameMapFile().empty()) {
+    if (wantedMap != nullptr) {
         gltf::FileTransaction files;
         files.Add(gltf::PathOf(arguments.passes.RenameMapFile()), gltf::BytesOf(renameMap));
         files.Commit();
