@@ -26,8 +26,8 @@ public:
     // Reports the triangles in the units that the contours came in.
     virtual void Triangulate(Polygon* polygon, TriangleCallback callback, void* user) = 0;
 
-    // Factors from contour units to the integer grid on which the work is done. A negative or zero factor
-    // counts by its magnitude, or as 1.
+    // Factors from contour units to the unit of the integer grid, which the extension may divide further. A
+    // negative or zero factor counts by its magnitude, or as 1.
     virtual void SetScale(double sx, double sy) = 0;
     virtual void DeletePolygon(Polygon* polygon) = 0;
 
