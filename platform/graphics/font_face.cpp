@@ -149,8 +149,8 @@ FontFace::FontFace(FT_Face face, const Match& match)
       m_family(match.family),
       m_unitsPerEm(face->units_per_EM),
       m_cellHeight(face->ascender - face->descender),
-      // The slant and the thickening that text renderers commonly give such faces.
-      m_shear(match.slant ? 0.2 : 0.0),
+      // The slant and the thickening that the system's own renderers give such faces.
+      m_shear(match.slant ? 0.25 : 0.0),
       m_embolden(match.embolden ? face->units_per_EM / 24 : 0) {
     if (!face->charmap && face->num_charmaps > 0) FT_Set_Charmap(face, face->charmaps[0]);
     const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));

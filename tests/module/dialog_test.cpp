@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <algorithm>
 #include <atomic>
 #include <functional>
@@ -22,13 +15,15 @@
 #include "module/cleaner/operations.h"
 #include "module/frame/globals.h"
 #include "module/resources/resource.h"
-#include "platform/ui/host_windows.h"
+#include "tests/platform/ui_driver.h"
 
 // Drives the real dialog and its worker: the steps of a test run in the dialog's event loop, and the
 // operations are replaced by the test's own, so that it decides when and where a run stands.
 namespace {
 
 using namespace std::chrono_literals;
+using driver::Key;
+using driver::Place;
 using Lines = std::vector<std::u16string>;
 
 class DialogHost final : public kernix::HostAppBase {
@@ -71,10 +66,7 @@ public:
 
 class CleanerDialogTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        std::string error;
-        ASSERT_TRUE(platform::StartUserInterface(error)) << error;
-    }
+    static void SetUpTestSuite() { ASSERT_EQ(driver::Start(), ""); }
 
     CleanerDialogTest() {
         g_pHost = &m_host;
@@ -84,57 +76,43 @@ protected:
 
     // Opens the dialog and runs the steps in it; they must have it closed at their end.
     void Open(const std::function<void()>& steps) {
-        QTimer::singleShot(0, [&] {
-            m_dialog = QApplication::activeModalWidget();
-            ASSERT_NE(m_dialog, nullptr);
-            EXPECT_TRUE(QTest::qWaitForWindowActive(m_dialog));
+        bool ran = false;
+        driver::WhenDialogOpens([&] {
             EXPECT_TRUE(m_scene->IsModal());
+            ran = true;
             steps();
         });
         EXPECT_FALSE(m_cleaner->RunDialog(m_scene.Get()));
-        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_TRUE(ran);
+        EXPECT_FALSE(driver::HasDialog());
         EXPECT_FALSE(m_scene->IsModal());
     }
 
-    template <typename T = QWidget>
-    T* Control(int id) {
-        return m_dialog->findChild<T*>(QString::number(id));
-    }
-
-    bool IsVisible(int id) { return Control(id)->isVisible(); }
-    void Click(int id) { QTest::mouseClick(Control(id), Qt::LeftButton); }
-    std::u16string Caption(int id) { return Control<QAbstractButton>(id)->text().toStdU16String(); }
-
-    void CheckOnly(std::initializer_list<int> options) {
+    static void CheckOnly(std::initializer_list<int> options) {
         for (const zrt::Operation& operation : zrt::kOperations) {
             const bool on = std::find(options.begin(), options.end(), operation.option) != options.end();
-            Control<QCheckBox>(operation.option)->setChecked(on);
+            driver::SetChecked(operation.option, on);
         }
     }
 
-    // A key where the focus is, as the user would press it.
-    void Press(Qt::Key key) {
-        QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus ? focus : m_dialog, key);
+    static bool WaitForEnd() {
+        return driver::WaitFor([] { return driver::IsVisible(IDC_CLOSE); });
     }
 
-    bool WaitForEnd() {
-        return QTest::qWaitFor([this] { return IsVisible(IDC_CLOSE); }, 10000);
-    }
-
-    Lines Log() {
+    static Lines Log() {
         Lines lines;
-        for (const QString& line : Control<QPlainTextEdit>(IDC_LOG)->toPlainText().split('\n')) {
-            lines.push_back(line.toStdU16String());
+        std::u16string text = driver::Text(IDC_LOG);
+        while (!text.empty()) {
+            const std::size_t end = std::min(text.find(u'\n'), text.size());
+            lines.push_back(text.substr(0, end));
+            text.erase(0, end + 1);
         }
-        if (!lines.empty() && lines.back().empty()) lines.pop_back();
         return lines;
     }
 
     DialogHost m_host{"en"};
     vl::Ref<kernix::SceneModel> m_scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
     vl::Ref<ScriptedCleaner> m_cleaner = vl::Ref<ScriptedCleaner>::Adopt(new ScriptedCleaner);
-    QWidget* m_dialog = nullptr;
     int m_refreshes = 0;
 };
 
@@ -145,14 +123,14 @@ TEST_F(CleanerDialogTest, WithoutASceneNothingHappens) {
 TEST_F(CleanerDialogTest, OpensWithEveryOptionOnAndClosesOnCancel) {
     Open([&] {
         for (const zrt::Operation& operation : zrt::kOperations) {
-            EXPECT_TRUE(Control<QCheckBox>(operation.option)->isChecked());
-            EXPECT_TRUE(Control(operation.option)->isEnabled());
+            EXPECT_TRUE(driver::IsChecked(operation.option));
+            EXPECT_TRUE(driver::IsEnabled(operation.option));
         }
-        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_FALSE(IsVisible(id));
-        Click(IDC_CLOSE);
+        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_FALSE(driver::IsVisible(id));
+        driver::Click(IDC_CLOSE);
     });
     EXPECT_EQ(m_refreshes, 1);
-    Open([&] { Press(Qt::Key_Escape); });
+    Open([&] { driver::Press(Key::kEscape); });
     EXPECT_EQ(m_refreshes, 2);
 }
 
@@ -162,13 +140,9 @@ TEST_F(CleanerDialogTest, CaptionsComeInTheUsersLanguage) {
         g_pHost = &host;
         Lines texts;
         Open([&] {
-            texts = {m_dialog->windowTitle().toStdU16String(),
-                     Caption(IDC_METADATA),
-                     Caption(IDC_ENVIRONMENT),
-                     Caption(IDC_PROCESS),
-                     Caption(IDC_CLOSE),
-                     Caption(IDC_HELP_PAGE)};
-            Click(IDC_CLOSE);
+            texts = {driver::Title(),           driver::Text(IDC_METADATA), driver::Text(IDC_ENVIRONMENT),
+                     driver::Text(IDC_PROCESS), driver::Text(IDC_CLOSE),    driver::Text(IDC_HELP_PAGE)};
+            driver::Click(IDC_CLOSE);
         });
         return texts;
     };
@@ -192,15 +166,15 @@ TEST_F(CleanerDialogTest, FullRunLogsEveryOperationInOrder) {
     m_cleaner->m_work = [&](int option, ChangeRecord* given) {
         if (!record) record = vl::Ref<ChangeRecord>::Share(given);
         EXPECT_EQ(given, record.Get());
-        EXPECT_EQ(option == 1012, QThread::currentThread() == qApp->thread());
+        EXPECT_EQ(option == 1012, driver::IsWindowThread());
         return option - 1000;
     };
     Open([&] {
-        const QRect options = Control(IDC_OPTIONS)->geometry();
-        const QRect log = Control(IDC_LOG)->geometry();
-        const QPoint breakPlace = Control(IDC_BREAK)->pos();
-        const QSize closeSize = Control(IDC_CLOSE)->size();
-        Click(IDC_PROCESS);
+        const Place options = driver::PlaceOf(IDC_OPTIONS);
+        const Place log = driver::PlaceOf(IDC_LOG);
+        const Place breakPlace = driver::PlaceOf(IDC_BREAK);
+        const Place closePlace = driver::PlaceOf(IDC_CLOSE);
+        driver::Click(IDC_PROCESS);
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(
             Log(),
@@ -211,14 +185,15 @@ TEST_F(CleanerDialogTest, FullRunLogsEveryOperationInOrder) {
                    u"remove unused materials: 3 deleted;",
                    u"cleaning unused animation sequences: 10 deleted;",
                    u"remove environment map and backplates: 1 deleted;", u"cleaning scene finished;"}));
-        EXPECT_EQ(Control(IDC_LOG)->geometry(), QRect(options.x(), log.y(), options.width(), log.height()));
-        EXPECT_EQ(Control(IDC_CLOSE)->geometry(), QRect(breakPlace, closeSize));
-        EXPECT_EQ(Caption(IDC_CLOSE), u"Close");
-        EXPECT_EQ(QApplication::focusWidget(), Control(IDC_CLOSE));
+        EXPECT_EQ(driver::PlaceOf(IDC_LOG), (Place{options.x, log.y, options.width, log.height}));
+        EXPECT_EQ(driver::PlaceOf(IDC_CLOSE),
+                  (Place{breakPlace.x, breakPlace.y, closePlace.width, closePlace.height}));
+        EXPECT_EQ(driver::Text(IDC_CLOSE), u"Close");
+        EXPECT_EQ(driver::FocusedId(), IDC_CLOSE);
         for (const int id : {IDC_PROCESS, IDC_BREAK, IDC_PROGRESS, IDC_OPTIONS, IDC_METADATA}) {
-            EXPECT_FALSE(IsVisible(id)) << id;
+            EXPECT_FALSE(driver::IsVisible(id)) << id;
         }
-        Press(Qt::Key_Return);
+        driver::Press(Key::kSpace);
     });
     const auto& kept = static_cast<kernix::ChangeRecordModel&>(*record);
     EXPECT_EQ(kept.GetCaption(), u"Cleaning scene");
@@ -231,28 +206,28 @@ TEST_F(CleanerDialogTest, FrenchLogKeepsItsBlanks) {
     g_pHost = &host;
     Open([&] {
         CheckOnly({1003, 1012});
-        Click(IDC_PROCESS);
+        driver::Click(IDC_PROCESS);
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(Log(),
                   (Lines{u"exécuter le nettoyage de la scène ;",
                          u"supprimer les matières non utilisées : 0 supprimé ;",
                          u"supprimer les cartes d’environnement et les panneaux arrière : 1 supprimé ;",
                          u"nettoyage de la scène terminé ;"}));
-        EXPECT_EQ(Caption(IDC_CLOSE), u"Fermer");
-        Click(IDC_CLOSE);
+        EXPECT_EQ(driver::Text(IDC_CLOSE), u"Fermer");
+        driver::Click(IDC_CLOSE);
     });
 }
 
 TEST_F(CleanerDialogTest, ProgressStandsAtTheLastOperationThatRan) {
     Open([&] {
         CheckOnly({1006});
-        Click(IDC_PROCESS);
+        driver::Click(IDC_PROCESS);
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove unused layers: 0 deleted;",
                                 u"cleaning scene finished;"}));
-        EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->value(), 5);
-        EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->maximum(), 9);
-        Click(IDC_CLOSE);
+        EXPECT_EQ(driver::ProgressOf(IDC_PROGRESS).value, 5);
+        EXPECT_EQ(driver::ProgressOf(IDC_PROGRESS).maximum, 9);
+        driver::Click(IDC_CLOSE);
     });
 }
 
@@ -262,13 +237,13 @@ TEST_F(CleanerDialogTest, EmptyRunsOneAfterAnotherContinueTheLog) {
     for (int run = 1; run <= 3; ++run) {
         Open([&] {
             CheckOnly({});
-            Click(IDC_PROCESS);
+            driver::Click(IDC_PROCESS);
             ASSERT_TRUE(WaitForEnd());
-            EXPECT_EQ(Control<QProgressBar>(IDC_PROGRESS)->value(), 0);
+            EXPECT_EQ(driver::ProgressOf(IDC_PROGRESS).value, 0);
             Lines expected;
             for (int i = 0; i < run; ++i) expected.insert(expected.end(), once.begin(), once.end());
             EXPECT_EQ(Log(), expected);
-            Press(Qt::Key_Escape);
+            driver::Press(Key::kEscape);
         });
     }
     EXPECT_EQ(m_refreshes, 3);
@@ -283,28 +258,29 @@ TEST_F(CleanerDialogTest, BreakEndsTheRunAndNothingElseDoes) {
         return 1;
     };
     Open([&] {
-        Click(IDC_PROCESS);
-        EXPECT_EQ(QApplication::focusWidget(), Control(IDC_BREAK));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
-        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_TRUE(IsVisible(id));
-        for (const int id : {IDC_PROCESS, IDC_CLOSE, IDC_HELP_PAGE, IDC_OPTIONS}) EXPECT_FALSE(IsVisible(id));
-        EXPECT_EQ(Control<QPlainTextEdit>(IDC_LOG)->toPlainText(), "run cleaning scene;\nremove metadata");
+        driver::Click(IDC_PROCESS);
+        EXPECT_EQ(driver::FocusedId(), IDC_BREAK);
+        ASSERT_TRUE(driver::WaitFor([&] { return calls == 1; }));
+        for (const int id : {IDC_PROGRESS, IDC_LOG, IDC_BREAK}) EXPECT_TRUE(driver::IsVisible(id));
+        for (const int id : {IDC_PROCESS, IDC_CLOSE, IDC_HELP_PAGE, IDC_OPTIONS})
+            EXPECT_FALSE(driver::IsVisible(id));
+        EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove metadata"}));
         // The dialog stays, and no second run starts.
-        Press(Qt::Key_Escape);
-        m_dialog->close();
-        Control<QPushButton>(IDC_PROCESS)->setEnabled(true);
-        Control<QPushButton>(IDC_PROCESS)->click();
-        EXPECT_TRUE(m_dialog->isVisible());
-        Press(Qt::Key_Space);
-        EXPECT_FALSE(Control(IDC_BREAK)->isEnabled());
-        Press(Qt::Key_Escape);
+        driver::Press(Key::kEscape);
+        driver::CloseDialog();
+        driver::SetEnabled(IDC_PROCESS, true);
+        driver::Trigger(IDC_PROCESS);
+        EXPECT_TRUE(driver::HasDialog());
+        driver::Click(IDC_BREAK);
+        EXPECT_FALSE(driver::IsEnabled(IDC_BREAK));
+        driver::Press(Key::kEscape);
         proceed = true;
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(Log(),
                   (Lines{u"run cleaning scene;", u"remove metadata: 1 deleted;", u"breaked by customer;"}));
-        Control<QPushButton>(IDC_PROCESS)->click();
-        EXPECT_TRUE(IsVisible(IDC_CLOSE));
-        Press(Qt::Key_Escape);
+        driver::Trigger(IDC_PROCESS);
+        EXPECT_TRUE(driver::IsVisible(IDC_CLOSE));
+        driver::Press(Key::kEscape);
     });
     EXPECT_EQ(calls, 1);
 }
@@ -319,18 +295,16 @@ TEST_F(CleanerDialogTest, LateCallIsDropped) {
     };
     Open([&] {
         CheckOnly({1012});
-        auto* log = Control<QPlainTextEdit>(IDC_LOG);
         // Queued while the worker waits for this line to be shown, so ahead of the call that it posts next.
-        QObject::connect(log, &QPlainTextEdit::textChanged, [log] {
-            if (!log->toPlainText().endsWith("backplates")) return;
-            QMetaObject::invokeMethod(
-                qApp, [] { std::this_thread::sleep_for(150ms); }, Qt::QueuedConnection);
+        driver::OnTextChange(IDC_LOG, [] {
+            if (!driver::Text(IDC_LOG).ends_with(u"backplates")) return;
+            driver::Post([] { std::this_thread::sleep_for(150ms); });
         });
-        Click(IDC_PROCESS);
+        driver::Click(IDC_PROCESS);
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove environment map and backplates: 0 deleted;",
                                 u"cleaning scene finished;"}));
-        Click(IDC_CLOSE);
+        driver::Click(IDC_CLOSE);
     });
     EXPECT_FALSE(called);
 }
@@ -346,21 +320,21 @@ TEST_F(CleanerDialogTest, SlowCallCountsNothingAndKeepsTheRecordOpen) {
     };
     Open([&] {
         CheckOnly({1012});
-        Click(IDC_PROCESS);
+        driver::Click(IDC_PROCESS);
         ASSERT_TRUE(WaitForEnd());
         EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove environment map and backplates: 0 deleted;",
                                 u"cleaning scene finished;"}));
-        Click(IDC_CLOSE);
+        driver::Click(IDC_CLOSE);
     });
     EXPECT_TRUE(wasOpen);
 }
 
 TEST_F(CleanerDialogTest, HelpLeavesTheDialogAsItIs) {
     Open([&] {
-        Press(Qt::Key_F1);
-        Click(IDC_HELP_PAGE);
-        EXPECT_TRUE(IsVisible(IDC_PROCESS));
-        Click(IDC_CLOSE);
+        driver::Press(Key::kF1);
+        driver::Click(IDC_HELP_PAGE);
+        EXPECT_TRUE(driver::IsVisible(IDC_PROCESS));
+        driver::Click(IDC_CLOSE);
     });
     EXPECT_EQ(m_host.m_helpPages,
               (std::vector<std::string>{"flush_unused_objects.htm", "flush_unused_objects.htm"}));

@@ -36,18 +36,6 @@ TEST(Events, WaitTakesAsLongAsItsLimit) {
     CloseHandle(event);
 }
 
-TEST(Handles, FailOnceClosedAndNeverMeanAnotherObject) {
-    const HANDLE closed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    EXPECT_TRUE(CloseHandle(closed));
-    const HANDLE next = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    EXPECT_FALSE(SetEvent(closed));
-    EXPECT_FALSE(CloseHandle(closed));
-    EXPECT_EQ(WaitForSingleObject(closed, 0), WAIT_FAILED);
-    EXPECT_EQ(WaitForSingleObject(next, 0), WAIT_TIMEOUT);
-    EXPECT_FALSE(CloseHandle(nullptr));
-    CloseHandle(next);
-}
-
 TEST(Threads, WaitSeesWhatTheThreadDid) {
     std::atomic<int> counter = 0;
     for (int i = 0; i < 100; ++i) {

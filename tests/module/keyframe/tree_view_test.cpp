@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QTreeWidget>
 #include <deque>
 
 #include "host/ref.h"
@@ -14,30 +12,12 @@
 #include "kernix/scene/scene_model.h"
 #include "module/frame/globals.h"
 #include "module/keyframe/keyframe_tool.h"
-#include "platform/ui/host_windows.h"
+#include "tests/module/keyframe/tree_recorder.h"
+#include "tests/platform/ui_driver.h"
 
 namespace {
 
 using ArrayRef = vl::Ref<vl::Array>;
-
-// A tree control that keeps what is inserted as "parent > text", parents by the number of their line.
-class TreeRecorder final : public platform::HostControl {
-public:
-    LRESULT OnMessage(UINT message, WPARAM, LPARAM lParam) override {
-        EXPECT_EQ(message, TVM_INSERTITEMA);
-        const auto& insert = *reinterpret_cast<const TVINSERTSTRUCTA*>(lParam);
-        EXPECT_EQ(insert.hInsertAfter, TVI_LAST);
-        EXPECT_EQ(insert.item.mask, 0x27u);
-        const bool isRoot = insert.hParent == TVI_ROOT;
-        m_parents.push_back(isRoot ? 0 : static_cast<int>(reinterpret_cast<std::uintptr_t>(insert.hParent)));
-        m_texts.emplace_back(insert.item.pszText);
-        return static_cast<LRESULT>(m_texts.size());
-    }
-    LONG_PTR GetValue(int) override { return 0; }
-
-    std::vector<int> m_parents;
-    std::vector<std::string> m_texts;
-};
 
 ArrayRef NewArray(int count = 0) {
     ArrayRef array = ArrayRef::Adopt(kernix::CreateArray());
@@ -114,9 +94,9 @@ TEST_F(TreeViewTest, ItemsNestInTheRecordsOrder) {
 
     TreeRecorder tree;
     zrt::AddTreeItems(tree.Handle(), TVI_ROOT, roots.Get());
-    EXPECT_EQ(tree.m_texts, (std::vector<std::string>{"a |<[]NULL", "b |<[]NULL", "d |<[]NULL", "c |<[]NULL",
+    EXPECT_EQ(tree.Texts(), (std::vector<std::string>{"a |<[]NULL", "b |<[]NULL", "d |<[]NULL", "c |<[]NULL",
                                                       "e |<[]NULL"}));
-    EXPECT_EQ(tree.m_parents, (std::vector<int>{0, 1, 2, 1, 0}));
+    EXPECT_EQ(tree.Parents(), (std::vector<int>{0, 1, 2, 1, 0}));
 }
 
 TEST_F(TreeViewTest, DepthIsNoDanger) {
@@ -130,16 +110,15 @@ TEST_F(TreeViewTest, DepthIsNoDanger) {
     for (std::size_t i = 0; i + 1 < kDepth; ++i) records[i].pChildren = lists[i + 1].Get();
     TreeRecorder tree;
     zrt::AddTreeItems(tree.Handle(), TVI_ROOT, lists.front().Get());
-    ASSERT_EQ(tree.m_parents.size(), kDepth);
-    EXPECT_EQ(tree.m_parents.back(), static_cast<int>(kDepth) - 1);
+    ASSERT_EQ(tree.Parents().size(), kDepth);
+    EXPECT_EQ(tree.Parents().back(), static_cast<int>(kDepth) - 1);
 }
 
 TEST_F(TreeViewTest, ToolFillsTheCallersTreeOrAWindowOfItsOwn) {
-    std::string error;
-    ASSERT_TRUE(platform::StartUserInterface(error)) << error;
+    ASSERT_EQ(driver::Start(), "");
     const auto tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
     EXPECT_EQ(tool->FillTreeView(nullptr, 0), 0);
-    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+    EXPECT_TRUE(driver::TreeWindows().empty());
 
     kernix::NodeModel* parent = m_scene->AddNode(nullptr, "parent");
     m_scene->AddNode(parent, "child");
@@ -149,19 +128,19 @@ TEST_F(TreeViewTest, ToolFillsTheCallersTreeOrAWindowOfItsOwn) {
 
     TreeRecorder recorder;
     EXPECT_EQ(tool->FillTreeView(recorder.Handle(), 0), 1);
-    EXPECT_EQ(recorder.m_texts,
+    EXPECT_EQ(recorder.Texts(),
               (std::vector<std::string>{"[group]NULL [parent, 1 child]", "[group]NULL [child]"}));
-    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+    EXPECT_TRUE(driver::TreeWindows().empty());
 
     EXPECT_EQ(tool->FillTreeView(nullptr, 0), 1);
-    ASSERT_EQ(QApplication::topLevelWidgets().size(), 1);
-    auto* window = qobject_cast<QTreeWidget*>(QApplication::topLevelWidgets().first());
-    ASSERT_NE(window, nullptr);
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(window->windowTitle(), " ZR_TK::FillTreeView ");
-    ASSERT_EQ(window->topLevelItemCount(), 1);
-    EXPECT_EQ(window->topLevelItem(0)->child(0)->text(0), "[group]NULL [child]");
-    window->close();
+    const std::vector<driver::TreeWindow> windows = driver::TreeWindows();
+    ASSERT_EQ(windows.size(), 1u);
+    EXPECT_TRUE(windows[0].isVisible);
+    EXPECT_EQ(windows[0].title, u" ZR_TK::FillTreeView ");
+    ASSERT_EQ(windows[0].items.size(), 1u);
+    ASSERT_EQ(windows[0].items[0].children.size(), 1u);
+    EXPECT_EQ(windows[0].items[0].children[0].text, u"[group]NULL [child]");
+    driver::CloseTreeWindows();
 }
 
 }  // namespace
