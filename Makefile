@@ -3,7 +3,7 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 
-.PHONY: all packages configure demo test test-release test-asan test-tsan bench clean
+.PHONY: all packages demo test test-release test-asan test-tsan bench windows windows-packages windows-test clean
 
 all: packages
 	@cmake --preset $(PRESET) >/dev/null
@@ -40,6 +40,20 @@ bench: packages
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release -j $(JOBS)
 	@for bench in $(BUILD)/bin/*_bench; do $$bench || exit 1; done
+
+# The module and its core library for Windows, 32 and 64 bit. The 64-bit tests run under Wine.
+windows-packages: packages
+	@tools/install-packages cmake/packages-windows.txt
+
+windows: windows-packages
+	@cmake --preset windows-x86 >/dev/null
+	@cmake --build --preset windows-x86 -j $(JOBS)
+	@cmake --preset windows-x64 >/dev/null
+	@cmake --build --preset windows-x64 -j $(JOBS)
+
+windows-test: windows
+	@ctest --preset windows-x86
+	@tools/with-wine ctest --preset windows-x64
 
 clean:
 	rm -rf build

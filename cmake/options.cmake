@@ -20,3 +20,12 @@ endif()
 if(NOT WIN32 AND NOT ZR_SANITIZE)
   target_link_options(zr_options INTERFACE -Wl,-z,defs)
 endif()
+
+if(WIN32)
+  # The compiler's own libraries go into each file: beside kernix.dll only the system's are needed.
+  target_link_options(zr_options INTERFACE -static)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "i686")
+    # The older floating-point unit rounds elsewhere: results would differ from the other builds'.
+    target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse>)
+  endif()
+endif()

@@ -10,6 +10,7 @@ namespace vl {
 // One element of a host array, and the value type of generic parameters: a pointer, an integer, or the
 // bits of a float in the low 32 bits with zeros above them.
 using Word = std::uintptr_t;
+static_assert(sizeof(Word) == sizeof(void*) && sizeof(Word) >= sizeof(std::uint32_t));
 
 template <typename T>
 inline Word ToWord(T value) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "host/array.h"
@@ -51,7 +52,10 @@ struct ExportRotationKey {
 };
 
 static_assert(sizeof(ExportPositionKey) == 40 && sizeof(ExportScaleKey) == 40);
+static_assert(offsetof(ExportPositionKey, vValue) == 28 && offsetof(ExportScaleKey, vValue) == 28);
 static_assert(sizeof(ExportRotationKey) == 72);
+static_assert(offsetof(ExportRotationKey, vEuler) == 28 && offsetof(ExportRotationKey, qValue) == 40 &&
+              offsetof(ExportRotationKey, aaValue) == 56);
 
 // One record of the export hierarchy. It owns its children, names, keys and track arrays; ends with
 // DestroyExportNode. Matrices: mLocal is relative to pParent, whatever lies between the two in the scene.
