@@ -22,6 +22,9 @@ void IndexLists(const std::vector<std::uint32_t>& indices, const std::vector<std
 }  // namespace
 
 void MeshGeometry::Index() {
+    faceIndices.shrink_to_fit();
+    faceAttributes.shrink_to_fit();
+    secondaryIndices.shrink_to_fit();
     IndexLists(faceIndices, faceCounts, 3, faces);
     IndexLists(secondaryIndices, secondaryCounts, 2, secondary);
 }

@@ -24,6 +24,7 @@ struct MeshGeometry {
     std::vector<const std::uint32_t*> faces;
     std::vector<const std::uint32_t*> secondary;
 
+    // Also gives back the room that filling left over.
     KERNIX_API void Index();
 };
 
