@@ -60,8 +60,9 @@ void Run(benchmark::State& state, Operation operation, bool deep, int expected) 
 }
 
 void Sizes(benchmark::internal::Benchmark* b) {
-    b->Arg(1000)
-        ->Arg(10000)
+    b->Arg(10000)
+        ->Arg(20000)
+        ->Arg(40000)
         ->Arg(100000)
         ->Iterations(5)
         ->Unit(benchmark::kMillisecond)

@@ -76,7 +76,7 @@ private:
     NodeModel* m_parent = nullptr;
     NodeModel* m_previous = nullptr;   // sibling
     NodeModel* m_lastChild = nullptr;
-    int m_listIndex = 0;               // in the scene's node list when that was last numbered
+    std::size_t m_number = 0;          // of all nodes the scene ever had
     bool m_deleted = false;
     Pose m_restPose;
     // A scene has many nodes and few of them use any of these, so a node holds matrices only on demand.

@@ -27,6 +27,7 @@ SceneModel::~SceneModel() {
 }
 
 NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
+    const std::size_t number = m_ownNodes.size();
     m_ownNodes.push_back(vl::Ref<NodeModel>::Adopt(new NodeModel(*this, std::move(name))));
     NodeModel* node = m_ownNodes.back().Get();
     NodeModel*& last = parent != nullptr ? parent->m_lastChild : m_lastNode;
@@ -35,7 +36,8 @@ NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
     node->m_previous = last;
     (last != nullptr ? last->m_pNextSibling : first) = node;
     last = node;
-    node->m_listIndex = m_pNodes->m_nCount;
+    node->m_number = number;
+    m_removedNodes.Append();
     m_pNodes->Add(vl::ToWord<vl::zr::Node*>(node));
     return node;
 }

@@ -89,7 +89,10 @@ TEST(Scene, KeepsItsNodeListInOrderUnderManyDeletions) {
     std::mt19937 engine(5);
     std::vector<NodeModel*> order = nodes;
     std::shuffle(order.begin(), order.end(), engine);
-    for (std::size_t i = 0; i < 2500; ++i) order[i]->Delete(0);
+    for (std::size_t i = 0; i < 2500; ++i) {
+        order[i]->Delete(0);
+        if (i % 100 == 0) nodes.push_back(scene->AddNode(nullptr, "added " + std::to_string(i)));
+    }
     std::vector<std::string> expected;
     for (NodeModel* node : nodes) {
         if (!node->IsDeleted()) expected.push_back(node->GetNameText());
