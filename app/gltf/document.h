@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -63,8 +64,9 @@ public:
     // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
     // needs beside it; all files appear or none. Files of its own that the document came with are found from
     // there too: kept in the same folder, copied into another one, taken into a container made from text.
-    // The document is spent afterwards. Throws Error.
-    void Save(const std::filesystem::path& target);
+    // The document is spent afterwards. Throws Error. beforeCommit is called when all is written and no file
+    // has appeared yet; what it throws leaves everything as it was.
+    void Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
 private:
     enum class Origin {

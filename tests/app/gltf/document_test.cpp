@@ -151,6 +151,9 @@ TEST(Document, AFailedSaveLeavesNothing) {
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), Error);
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), Error);
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), Error);
+    const auto stop = [] { throw std::runtime_error("stop"); };
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "new/out.gltf", stop), std::runtime_error);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
     for (const std::string& file : folder.Files()) EXPECT_EQ(file.find(".tmp"), std::string::npos) << file;
     EXPECT_FALSE(std::filesystem::exists(folder / "out/taken.gltf/in.gltf"));
     EXPECT_TRUE(std::filesystem::exists(folder / "out/taken.gltf/inside"));
