@@ -139,13 +139,14 @@ int SceneModel::MergeEqualMaterials() {
     }
     if (merged.empty()) return 0;
 
-    std::unordered_set<const MeshGeometry*> done;
+    std::unordered_set<const FaceAttributes*> done;
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
         auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
         if (mesh == nullptr) continue;
         for (MaterialModel*& use : mesh->m_uses) use = use != nullptr ? MergedInto(use) : nullptr;
-        if (!done.insert(mesh->GetGeometry().get()).second) continue;
-        for (std::uint32_t& attribute : mesh->GetGeometry()->faceAttributes) {
+        const auto& attributes = mesh->GetFaceAttributes();
+        if (!attributes || !done.insert(attributes.get()).second) continue;
+        for (std::uint32_t& attribute : *attributes) {
             if (attribute < m_mergedInto.size()) attribute = m_mergedInto[attribute]->GetId();
         }
     }

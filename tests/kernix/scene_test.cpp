@@ -211,10 +211,11 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions.assign(9, 0);
     geometry->faceIndices = {0, 1, 2, 2, 1, 0};
-    geometry->faceAttributes = {red2->GetId(), blue->GetId()};
+    const auto attributes = std::make_shared<kernix::FaceAttributes>();
+    *attributes = {red2->GetId(), blue->GetId()};
     geometry->Index();
     NodeModel* node = scene->AddNode(nullptr, "n");
-    auto* mesh = new kernix::MeshModel(geometry, {red2, blue}, 0);
+    auto* mesh = new kernix::MeshModel(geometry, attributes, {red2, blue}, 0);
     node->SetObject(Ref<vl::zr::Object3D>::Adopt(mesh));
     EXPECT_EQ(scene->MergeEqualMaterials(), 1);
     EXPECT_EQ(mesh->CountMaterialUses(red, 1), 1);
