@@ -1,28 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include <benchmark/benchmark.h>
 
-#include <memory>
-#include <utility>
+#include <vector>
 
 #include "kernix/host_app_base.h"
 #include "kernix/scene/scene_model.h"
 #include "module/cleaner/cleaner.h"
 #include "module/frame/globals.h"
+#include "tests/module/cleaner_scenes.h"
 
 using kernix::SceneModel;
 
 namespace {
 
 using Operation = int (CCleanerImpl::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
-
-vl::Ref<vl::zr::Object3D> Mesh(kernix::MaterialModel* material, float x) {
-    auto geometry = std::make_shared<kernix::MeshGeometry>();
-    geometry->positions = {x, 0, 0, x + 1, 0, 0, x, 1, 0};
-    geometry->faceIndices = {0, 1, 2};
-    geometry->faceAttributes = {material->GetId()};
-    geometry->Index();
-    return vl::Ref<vl::zr::Object3D>::Adopt(new kernix::MeshModel(std::move(geometry), {material}, 0));
-}
 
 // Half of the nodes show a mesh of a tenth as many materials, each mesh twice at its place; the others are
 // empty. deep: a chain; else all at the top.
@@ -35,7 +26,8 @@ vl::Ref<SceneModel> MakeScene(int nodes, bool deep) {
     for (int i = 0; i < nodes / 2; ++i) {
         const int shape = i / 2;
         kernix::MaterialModel* material = materials[static_cast<std::size_t>(shape) % materials.size()];
-        scene->AddNode(nullptr, "mesh")->SetObject(Mesh(material, static_cast<float>(shape)));
+        scene->AddNode(nullptr, "mesh")
+            ->SetObject(cleaner_test::MakeMesh(material, static_cast<float>(shape)));
     }
     return scene;
 }
@@ -60,8 +52,9 @@ void Run(benchmark::State& state, Operation operation, bool deep, int expected) 
 }
 
 void Sizes(benchmark::internal::Benchmark* b) {
-    b->Arg(1000)
-        ->Arg(10000)
+    b->Arg(10000)
+        ->Arg(20000)
+        ->Arg(40000)
         ->Arg(100000)
         ->Iterations(5)
         ->Unit(benchmark::kMillisecond)

@@ -136,6 +136,8 @@ private:
                     m_progress->Show((static_cast<double>(m_finished) + done) /
                                      static_cast<double>(m_jobs.size()));
                 });
+            } catch (const Stopped&) {
+                // The job is not done.
             } catch (...) {
                 job.error = std::current_exception();
             }
@@ -144,14 +146,21 @@ private:
     }
 
     void Clean(Job& job, zr_CLEANER& cleaner, const std::function<void(double)>& progress) {
+        // The parts of the time, roughly: loading, cleaning, writing.
+        constexpr double kLoaded = 0.25, kCleaned = 0.85;
+        const auto onProgress = [&](double done) {
+            m_session.ThrowIfStopped();
+            progress(kLoaded + (kCleaned - kLoaded) * done);
+        };
         gltf::Document document = gltf::Document::Load(job.scene);
+        onProgress(0);
         job.report.scene = job.scene;
         job.report.bytesBefore = SizeOf(job.scene);
         job.report.result =
-            CleanDocument(document, cleaner, m_environment, m_session.GetContext(), m_options, progress);
-        if (m_session.IsStopRequested()) return;
+            CleanDocument(document, cleaner, m_environment, m_session.GetContext(), m_options, onProgress);
+        m_session.ThrowIfStopped();
         if (!job.output.empty()) {
-            document.Save(job.output);
+            document.Save(job.output, [&] { m_session.ThrowIfStopped(); });
             job.report.output = job.output;
             job.report.bytesAfter = SizeOf(job.output);
         }
@@ -175,8 +184,10 @@ private:
                            stdout);
             }
         }
-        m_session.ThrowIfStopped();
         if (m_arguments.json) PrintArray(objects);
+        // A stop that came after the last scene was written stops nothing.
+        if (std::any_of(m_jobs.begin(), m_jobs.end(), [](const Job& job) { return !job.done && !job.error; }))
+            throw Stopped();
         return status;
     }
 

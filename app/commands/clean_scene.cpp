@@ -99,13 +99,12 @@ namespace {
 class Round {
 public:
     Round(Document document, zr_CLEANER& cleaner, EnvironmentService& environment, vl::Context* context,
-          const CleanOptions& options, CleanResult& result)
+          const SceneOptions& options, CleanResult& result)
         : m_cleaner(cleaner),
           m_environment(environment),
           m_context(context),
-          m_options(options),
           m_result(result),
-          m_loaded(std::move(document), SceneOptionsOf(options)),
+          m_loaded(std::move(document), options),
           m_scene(m_loaded.Scene()) {}
 
     void Run(std::size_t step) {
@@ -226,7 +225,6 @@ private:
     zr_CLEANER& m_cleaner;
     EnvironmentService& m_environment;
     vl::Context* m_context;
-    const CleanOptions& m_options;
     CleanResult& m_result;
     LoadedScene m_loaded;
     SceneModel& m_scene;
@@ -276,13 +274,18 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
         Add(result.collected, std::move(collected));
         return freesJoints;
     };
+    // The parts of the time, roughly: making the scene, the steps, collecting.
+    constexpr double kSceneMade = 0.5, kStepsDone = 0.75;
+    SceneOptions sceneOptions = SceneOptionsOf(options);
+    sceneOptions.progress = [&](double done) { progress(kSceneMade * done); };
     collectShown();
     for (bool again = true; again;) {
         const std::size_t animations = result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count;
-        Round round(std::move(document), cleaner, environment, context, options, result);
+        Round round(std::move(document), cleaner, environment, context, sceneOptions, result);
         for (std::size_t step = 0; step < kCleanSteps && !context->IsBreak(); ++step) {
             if (allowed[step]) round.Run(step);
-            progress(static_cast<double>(step + 1) / (kCleanSteps + 1));
+            progress(kSceneMade +
+                     (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
         }
         if (context->IsBreak()) return result;
         result.held.clear();

@@ -79,7 +79,7 @@ struct CleanResult {
 
 // Cleans the document in place with the module's cleaner, until nothing more goes: a second cleaning of the
 // result changes nothing. progress: 0 to 1. A break ends it between two removals; the document is then of
-// no use. Throws gltf::Error.
+// no use. Throws gltf::Error, and what progress throws.
 CleanResult CleanDocument(gltf::Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
@@ -108,8 +109,18 @@ bool EndsWith(const std::string& text, std::string_view end) {
 
 int RunExport(Session& session, ExportArguments& arguments) {
     arguments.passes.ApplyTo(session.GetHost(), arguments.options);
-    LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
-    session.ThrowIfStopped();
+    std::optional<Progress> bar("export");
+    // The parts of the time, roughly: loading, making the scene, exporting, writing.
+    constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
+    const auto advance = [&](double done) {
+        session.ThrowIfStopped();
+        bar->Show(done);
+    };
+    gltf::Document document = gltf::Document::Load(gltf::PathOf(arguments.scene));
+    SceneOptions sceneOptions;
+    sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
+    LoadedScene loaded(std::move(document), sceneOptions);
+    advance(kSceneMade);
     kernix::SceneModel& scene = loaded.Scene();
     if (!arguments.animation.empty()) {
         kernix::AnimationModel* chosen = ChooseAnimation(scene, arguments.animation);
@@ -119,7 +130,6 @@ int RunExport(Session& session, ExportArguments& arguments) {
         scene.SetActiveAnimation(chosen);
     }
     const auto out = gltf::PathOf(arguments.out);
-    Progress bar("export");
     MotionReport report;
     // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
     std::string renameMap;
@@ -127,19 +137,17 @@ int RunExport(Session& session, ExportArguments& arguments) {
     if (EndsWith(arguments.out, ".json")) {
         report = ExportRecords(session.GetHost(), loaded, arguments.options, out, wantedMap);
     } else {
-        const auto onProgress = [&](double done) {
-            session.ThrowIfStopped();
-            bar.Show(done);
-        };
+        const auto onProgress = [&](double done) { advance(kSceneMade + (kExported - kSceneMade) * done); };
         report = ExportScene(session.GetHost(), loaded, arguments.options, onProgress, wantedMap);
         session.ThrowIfStopped();
-        loaded.Document().Save(out);
+        loaded.Document().Save(out, [&] { session.ThrowIfStopped(); });
     }
     if (wantedMap != nullptr) {
         gltf::FileTransaction files;
         files.Add(gltf::PathOf(arguments.passes.RenameMapFile()), gltf::BytesOf(renameMap));
         files.Commit();
     }
+    bar.reset();
     std::printf("%s\n", Describe(report).c_str());
     return 0;
 }

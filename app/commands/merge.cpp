@@ -65,8 +65,7 @@ int RunMerge(Session& session, MergeArguments& arguments) {
         PrintNotes("kept", report.held);
     }
     loaded.WriteBack();
-    session.ThrowIfStopped();
-    loaded.Document().Save(gltf::PathOf(arguments.out));
+    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
     return 0;
 }
 

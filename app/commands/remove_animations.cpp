@@ -41,8 +41,7 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     if (!held.empty() && !arguments.unused) throw std::runtime_error("cannot remove " + held.front());
     PrintNotes("kept", held);
     loaded.WriteBack();
-    session.ThrowIfStopped();
-    loaded.Document().Save(gltf::PathOf(arguments.out));
+    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
     std::printf("removed %zu animations\n", chosen.size() - held.size());
     return 0;
 }

@@ -33,6 +33,7 @@ public:
     // Its break flag is set when the user presses Ctrl-C.
     vl::Context* GetContext() const { return m_context.Get(); }
     bool IsStopRequested() const { return m_context->IsBreak(); }
+    // On any thread.
     void ThrowIfStopped() const {
         if (IsStopRequested()) throw Stopped();
     }

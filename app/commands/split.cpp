@@ -60,8 +60,7 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
         std::printf("%s  %g s\n", Quoted(*part).c_str(), static_cast<double>(scene.GetEndTime(part)));
     }
     loaded.WriteBack();
-    session.ThrowIfStopped();
-    loaded.Document().Save(gltf::PathOf(arguments.out));
+    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
     return 0;
 }
 

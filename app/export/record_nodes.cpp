@@ -106,7 +106,7 @@ private:
         const vl::Matrix4<double> local = RestLocal(record, m_options);
         kernix::NodeModel* source = ModelOf(record.pSourceNode);
         if (source != nullptr && source->m_source >= 0) {
-            const vl::Matrix4<double>& before = source->GetRestMatrix();
+            const vl::Matrix4<double> before = source->GetRestMatrix();
             double size = 1;
             for (const auto& row : before.m) {
                 for (const double value : row) size = std::max(size, std::fabs(value));

@@ -83,11 +83,10 @@ void DropUnusedSamplers(Document& document) {
     }
 }
 
-// Bytes [begin, end) that ranges hold, and where they go.
+// Bytes [begin, end) that ranges hold.
 struct Block {
     std::size_t begin;
     std::size_t end;
-    std::size_t to = 0;
 };
 
 // Moves the bytes of a buffer that ranges hold together. Every block keeps its offset modulo 4, so that
@@ -108,30 +107,27 @@ std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& 
         else
             merged.push_back(block);
     }
+    std::vector<Document::BlockMove> moves;
     std::size_t size = 0;
-    for (Block& block : merged) {
-        block.to = size + (block.begin - size) % 4;
-        size = block.to + (block.end - block.begin);
+    for (const Block& block : merged) {
+        const std::size_t to = size + (block.begin - size) % 4;
+        moves.push_back({block.begin, block.end - block.begin, to});
+        size = to + moves.back().size;
     }
     // A few bytes behind the last block are padding.
     if ((size + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
 
-    std::vector<std::byte> packed(size);
-    for (const Block& block : merged)
-        std::copy(bytes->begin() + static_cast<std::ptrdiff_t>(block.begin),
-                  bytes->begin() + static_cast<std::ptrdiff_t>(block.end),
-                  packed.begin() + static_cast<std::ptrdiff_t>(block.to));
     for (Json* range : ranges) {
         const std::size_t begin = IndexMember(*range, "byteOffset");
         const auto after =
-            std::upper_bound(merged.begin(), merged.end(), begin,
-                             [](std::size_t at, const Block& block) { return at < block.begin; });
-        const Block& block = *std::prev(after);
-        const std::size_t moved = begin - block.begin + block.to;
+            std::upper_bound(moves.begin(), moves.end(), begin,
+                             [](std::size_t at, const auto& move) { return at < move.from; });
+        const Document::BlockMove& move = *std::prev(after);
+        const std::size_t moved = begin - move.from + move.to;
         if (moved != begin) document.Tree().Member(*range, "byteOffset") = document.Tree().MakeIndex(moved);
     }
     const std::size_t freed = bytes->size() - size;
-    document.ReplaceBuffer(buffer, std::move(packed));
+    document.PackBuffer(buffer, moves);
     return freed;
 }
 

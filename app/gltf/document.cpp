@@ -52,7 +52,7 @@ void Document::Read(FileContent content) {
     const std::string name = PathText(m_file);
     char* text = reinterpret_cast<char*>(m_content.data.get());
     std::size_t size = m_content.size;
-    Bytes bin;
+    std::span<std::byte> bin;
     bool hasBin = false;
     if (size == 0) Fail(ErrorKind::kContainer, "", "the file is empty");
     m_isGlb = IsGlb(m_content.View());
@@ -61,7 +61,7 @@ void Document::Read(FileContent content) {
         text += layout.jsonOffset;
         size = layout.jsonSize;
         hasBin = layout.hasBin;
-        bin = m_content.View().subspan(layout.binOffset, layout.binSize);
+        bin = m_content.MutableView().subspan(layout.binOffset, layout.binSize);
         m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
     }
     m_tree.Parse(text, size, name);
@@ -73,7 +73,7 @@ void Document::Read(FileContent content) {
     CheckAnimations(*this);
 }
 
-void Document::LoadBuffers(Bytes bin, bool hasBin) {
+void Document::LoadBuffers(std::span<std::byte> bin, bool hasBin) {
     const auto buffers = Elements(Kind::kBuffer);
     for (std::size_t i = 0; i < buffers.size(); ++i) {
         Buffer buffer;
@@ -116,7 +116,7 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
     } catch (const Error& error) {
         Fail(ErrorKind::kFile, place, error.what());
     }
-    buffer.bytes = buffer.file.View();
+    buffer.bytes = buffer.file.MutableView();
     return buffer;
 }
 
@@ -188,13 +188,23 @@ std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) 
     return Append(Kind::kBufferView, view);
 }
 
-void Document::ReplaceBuffer(std::size_t index, std::vector<std::byte> bytes) {
+void Document::PackBuffer(std::size_t index, std::span<const BlockMove> blocks) {
     Buffer& buffer = m_buffers[index];
+    const std::span<std::byte> bytes = buffer.bytes;
+    std::size_t end = 0;
+    for (const BlockMove& block : blocks) {
+        std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(end),
+                  bytes.begin() + static_cast<std::ptrdiff_t>(block.to), std::byte{0});
+        std::memmove(bytes.data() + block.to, bytes.data() + block.from, block.size);
+        end = block.to + block.size;
+    }
+    buffer.bytes = bytes.first(end);
+    if (!buffer.owned.empty()) {
+        buffer.owned.resize(end);
+        buffer.bytes = buffer.owned;
+    }
     // A data URI is written anew as one, a container's chunk stays in its container.
-    if (buffer.origin == Origin::kFile || buffer.origin == Origin::kNotStored) buffer.origin = Origin::kNew;
-    buffer.owned = std::move(bytes);
-    buffer.bytes = buffer.owned;
-    buffer.file = {};
+    if (buffer.origin == Origin::kFile) buffer.origin = Origin::kNew;
     Json& json = Elements(Kind::kBuffer)[index];
     m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.bytes.size());
     if (buffer.origin == Origin::kText) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -49,16 +50,23 @@ public:
     // Stores bytes that the document did not have, 4-byte aligned, in a buffer that Save places: the view's
     // index. `target` 0: none stated. `stride` 0: none stated.
     std::size_t AppendView(Bytes bytes, unsigned target, unsigned stride);
-    // Gives a buffer other content; its byteLength follows.
-    void ReplaceBuffer(std::size_t buffer, std::vector<std::byte> bytes);
+    // Moves blocks of a buffer's bytes down in place: what lies between them becomes zeros, what lies behind
+    // the last one goes, and byteLength follows. In order; a block moves down or stays, none meets another.
+    struct BlockMove {
+        std::size_t from;
+        std::size_t size;
+        std::size_t to;
+    };
+    void PackBuffer(std::size_t buffer, std::span<const BlockMove> blocks);
     // Takes out the buffers for which keep is false. The caller mends the references.
     void EraseBuffers(const std::vector<bool>& keep);
 
     // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
     // needs beside it; all files appear or none. Files of its own that the document came with are found from
     // there too: kept in the same folder, copied into another one, taken into a container made from text.
-    // The document is spent afterwards. Throws Error.
-    void Save(const std::filesystem::path& target);
+    // The document is spent afterwards. Throws Error. beforeCommit is called when all is written and no file
+    // has appeared yet; what it throws leaves everything as it was.
+    void Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
 private:
     enum class Origin {
@@ -73,12 +81,12 @@ private:
         std::filesystem::path path;  // of kFile, relative to the document
         FileContent file;
         std::vector<std::byte> owned;
-        Bytes bytes;
+        std::span<std::byte> bytes;  // in one of these, or in the container
     };
     friend class Saver;
 
     void Read(FileContent content);
-    void LoadBuffers(Bytes bin, bool hasBin);
+    void LoadBuffers(std::span<std::byte> bin, bool hasBin);
     Buffer LoadBuffer(const Json& json, std::size_t index);
 
     std::filesystem::path m_file;

@@ -19,6 +19,7 @@ struct FileContent {
     std::size_t size = 0;
 
     Bytes View() const { return {data.get(), size}; }
+    std::span<std::byte> MutableView() { return {data.get(), size}; }
 };
 
 // Reads a whole file; memory grows with what is really there. Throws Error (kFile).

@@ -63,7 +63,7 @@ public:
           m_toGlb(target.extension() == ".glb"),
           m_sameFolder(SameFolder(target, document.m_file)) {}
 
-    void Run() {
+    void Run(const std::function<void()>& beforeCommit) {
         NoteKeptFiles();
         Resources();
         if (m_toGlb) MergeBuffers();
@@ -77,6 +77,7 @@ public:
             json += '\n';
             m_files.Add(m_target, BytesOf(json));
         }
+        beforeCommit();
         m_files.Commit();
     }
 
@@ -270,10 +271,10 @@ private:
     FileTransaction m_files;
 };
 
-void Document::Save(const std::filesystem::path& target) {
+void Document::Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit) {
     if (target.extension() != ".glb" && target.extension() != ".gltf")
         throw Error(ErrorKind::kFile, PathText(target), "", "a scene's name ends in .gltf or .glb");
-    Saver(*this, target).Run();
+    Saver(*this, target).Run(beforeCommit);
 }
 
 }  // namespace zr::gltf

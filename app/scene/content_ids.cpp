@@ -2,6 +2,7 @@
 #include "app/scene/content_ids.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "app/gltf/accessor.h"
 #include "app/gltf/text.h"
@@ -12,46 +13,68 @@ using gltf::Join;
 using gltf::Json;
 using gltf::Kind;
 
+namespace {
+
+// The shape of an accessor and the values of its elements as bytes. Nothing when they cannot be read.
+std::optional<std::string> AccessorContent(const gltf::Document& document, std::size_t index) {
+    const Json& accessor = document.Elements(Kind::kAccessor)[index];
+    const bool isStored = accessor.Find("bufferView") != nullptr || accessor.Find("sparse") != nullptr;
+    if (!isStored || !gltf::HasData(document, index)) return std::nullopt;
+    const gltf::AccessorInfo info = gltf::Describe(document, index);
+    std::string content = Join(static_cast<std::uint32_t>(info.component), " ", info.shape.rows, "x",
+                               info.shape.columns, " ", info.count, info.normalized ? " n " : " ");
+    const auto append = [&](const auto& values) {
+        content.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
+    };
+    // Every other component fits a float exactly, so equal floats are equal bytes.
+    if (info.component == gltf::Component::kUnsignedInt)
+        append(gltf::ReadIntegers(document, index));
+    else
+        append(gltf::ReadFloats(document, index));
+    return content;
+}
+
+}  // namespace
+
 ContentIds::ContentIds(const gltf::Document& document)
-    : m_document(document),
-      m_accessors(document.Elements(Kind::kAccessor).size()),
-      m_textures(document.Elements(Kind::kTexture).size()),
-      m_views(document.Elements(Kind::kBufferView).size()) {
+    : m_document(document), m_textures(document.Elements(Kind::kTexture).size()) {
+    m_accessors.numbers.resize(document.Elements(Kind::kAccessor).size());
+    m_views.numbers.resize(document.Elements(Kind::kBufferView).size());
 }
 
 std::uint32_t ContentIds::Text(std::string_view text) {
-    return m_texts.try_emplace(std::string(text), static_cast<std::uint32_t>(m_texts.size())).first->second;
+    const auto [known, added] = m_texts.try_emplace(std::string(text), m_next);
+    if (added) ++m_next;
+    return known->second;
+}
+
+// contentOf(index): a text, or nothing for what cannot be read and equals only itself.
+template <typename ContentOf>
+std::uint32_t ContentIds::Number(Numbered& elements, std::size_t index, ContentOf contentOf) {
+    std::optional<std::uint32_t>& number = elements.numbers[index];
+    if (number) return *number;
+    if (const auto content = contentOf(index)) {
+        const std::size_t hash = std::hash<std::string_view>()(*content);
+        const auto [begin, end] = elements.firsts.equal_range(hash);
+        const auto equal =
+            std::find_if(begin, end, [&](const auto& first) { return contentOf(first.second) == content; });
+        if (equal != end) return *(number = elements.numbers[equal->second]);
+        elements.firsts.emplace(hash, index);
+    }
+    return *(number = m_next++);
 }
 
 std::uint32_t ContentIds::View(std::size_t index) {
-    if (m_views[index]) return *m_views[index];
-    const auto bytes = m_document.ViewBytes(index);
-    // What cannot be read equals only itself.
-    std::string content = bytes ? std::string(1, 'b') : Join("view ", index);
-    if (bytes) content.append(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-    return *(m_views[index] = Text(content));
-}
-
-std::string ContentIds::AccessorContent(const Json& accessor, std::size_t index) {
-    const gltf::AccessorInfo info = gltf::Describe(m_document, index);
-    std::string content = Join("accessor ", static_cast<std::uint32_t>(info.component), " ", info.shape.rows,
-                               "x", info.shape.columns, " ", info.count, info.normalized ? " n " : " ");
-    if (!gltf::HasData(m_document, index) ||
-        (accessor.Find("bufferView") == nullptr && !accessor.Find("sparse")))
-        return content + Join("unread ", index);
-    if (info.component == gltf::Component::kUnsignedInt) {
-        const auto values = gltf::ReadIntegers(m_document, index);
-        return content.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
-    }
-    // Every other component fits a float exactly, so equal floats are equal bytes.
-    const auto values = gltf::ReadFloats(m_document, index);
-    return content.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
+    return Number(m_views, index, [&](std::size_t view) -> std::optional<std::string_view> {
+        const auto bytes = m_document.ViewBytes(view);
+        if (!bytes) return std::nullopt;
+        return std::string_view(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+    });
 }
 
 std::uint32_t ContentIds::Accessor(std::size_t index) {
-    if (!m_accessors[index])
-        m_accessors[index] = Text(AccessorContent(m_document.Elements(Kind::kAccessor)[index], index));
-    return *m_accessors[index];
+    return Number(m_accessors, index,
+                  [&](std::size_t accessor) { return AccessorContent(m_document, accessor); });
 }
 
 // Members in any order, the name aside, with what they refer to in place of indices.

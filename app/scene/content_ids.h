@@ -29,16 +29,25 @@ public:
     std::string Canonical(const gltf::Json& value);
 
 private:
+    // The numbers of the accessors or views, and the first of every content. Content is found by a hash and
+    // compared where it stands, so that no copy of the document's data is kept.
+    struct Numbered {
+        std::vector<std::optional<std::uint32_t>> numbers;
+        std::unordered_multimap<std::size_t, std::size_t> firsts;  // index of an element, by hash
+    };
+
+    template <typename ContentOf>
+    std::uint32_t Number(Numbered& elements, std::size_t index, ContentOf contentOf);
     std::uint32_t Resolved(std::string_view kind, const gltf::Json& element);
     std::uint32_t View(std::size_t index);
-    std::string AccessorContent(const gltf::Json& accessor, std::size_t index);
     void Append(const gltf::Json& value, std::string_view holder, bool outermost, std::string& out);
 
     const gltf::Document& m_document;
+    std::uint32_t m_next = 0;
     std::unordered_map<std::string, std::uint32_t> m_texts;
-    std::vector<std::optional<std::uint32_t>> m_accessors;
+    Numbered m_accessors;
+    Numbered m_views;
     std::vector<std::optional<std::uint32_t>> m_textures;
-    std::vector<std::optional<std::uint32_t>> m_views;
 };
 
 }  // namespace zr

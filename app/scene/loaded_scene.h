@@ -20,6 +20,8 @@ struct SceneOptions {
     std::optional<std::size_t> scene;  // of the document; none: its default, else its first, else every root
     // Elements (nodes, materials, animations) that must stay whatever else holds: true for their name.
     std::function<bool(gltf::Kind kind, std::string_view name)> keep;
+    // Told now and then how much of the scene is made, 0 to 1; may throw.
+    std::function<void(double done)> progress = [](double) {};
 };
 
 // One channel of the document as a curve the scene plays.

@@ -18,11 +18,10 @@ enum Mode : std::size_t { kPoints, kLines, kLineLoop, kLineStrip, kTriangles, kT
 
 // Turns the vertex order of a primitive into triangles or pairs.
 void AddLists(std::size_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,
-              kernix::MeshGeometry& geometry, std::uint32_t attribute) {
+              kernix::MeshGeometry& geometry) {
     const auto at = [&](std::size_t i) { return first + order[i]; };
     const auto triangle = [&](std::size_t a, std::size_t b, std::size_t c) {
         geometry.faceIndices.insert(geometry.faceIndices.end(), {at(a), at(b), at(c)});
-        geometry.faceAttributes.push_back(attribute);
     };
     const auto pair = [&](std::size_t a, std::size_t b) {
         geometry.secondaryIndices.insert(geometry.secondaryIndices.end(), {at(a), at(b)});
@@ -103,34 +102,41 @@ std::string MeshBuilder::FormatOf(const Json& primitive) {
     return format;
 }
 
-void MeshBuilder::AddPrimitive(const Json& primitive, Shape& shape, std::string& lists,
-                               kernix::MeshGeometry* geometry) {
+kernix::MaterialModel* MeshBuilder::MaterialOf(const Json& primitive) const {
+    const std::size_t none = m_loaded.m_document.Elements(Kind::kMaterial).size();
+    const std::size_t material = IndexMember(primitive, "material", none);
+    return material < none ? m_loaded.Material(material) : nullptr;
+}
+
+void MeshBuilder::AddUses(const Json& primitive, Shape& shape) const {
+    shape.uses.push_back(MaterialOf(primitive));
+    const Json* extensions = primitive.Find("extensions");
+    const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
+    const Json* mappings = variants != nullptr ? variants->Find("mappings") : nullptr;
+    if (mappings == nullptr) return;
+    for (const Json& mapping : mappings->Items())
+        shape.uses.push_back(m_loaded.Material(IndexMember(mapping, "material")));
+}
+
+std::string MeshBuilder::ListsKey(const Json& primitive) {
+    const std::size_t none = m_loaded.m_document.Elements(Kind::kAccessor).size();
+    const std::size_t positions = IndexMember(*primitive.Find("attributes"), "POSITION", none);
+    const std::size_t indices = IndexMember(primitive, "indices", none);
+    return Join(positions < none ? Join(m_ids.Accessor(positions)) : "none", " ",
+                indices < none ? Join(m_ids.Accessor(indices)) : "none", " ",
+                IndexMember(primitive, "mode", kTriangles), ";");
+}
+
+void MeshBuilder::AddGeometry(const Json& primitive, kernix::MeshGeometry& geometry) const {
     const gltf::Document& document = m_loaded.m_document;
-    const std::size_t materials = document.Elements(Kind::kMaterial).size();
-    const std::size_t material = IndexMember(primitive, "material", materials);
-    kernix::MaterialModel* model = material < materials ? m_loaded.Material(material) : nullptr;
-    const std::size_t accessors = document.Elements(Kind::kAccessor).size();
-    const std::size_t indices = IndexMember(primitive, "indices", accessors);
-    if (geometry == nullptr) {
-        shape.uses.push_back(model);
-        shape.format += FormatOf(primitive);
-        if (const Json* extensions = primitive.Find("extensions"))
-            if (const Json* variants = extensions->Find("KHR_materials_variants"))
-                if (const Json* mappings = variants->Find("mappings"))
-                    for (const Json& mapping : mappings->Items())
-                        shape.uses.push_back(m_loaded.Material(IndexMember(mapping, "material")));
-        const std::size_t positions = IndexMember(*primitive.Find("attributes"), "POSITION", accessors);
-        lists += Join(positions < accessors ? Join(m_ids.Accessor(positions)) : "none", " ",
-                      indices < accessors ? Join(m_ids.Accessor(indices)) : "none", " ",
-                      IndexMember(primitive, "mode", kTriangles), " ", material, ";");
-        return;
-    }
-    const auto first = static_cast<std::uint32_t>(geometry->positions.size() / 3);
+    const auto first = static_cast<std::uint32_t>(geometry.positions.size() / 3);
     const std::vector<float> positions = Positions(primitive);
-    geometry->positions.insert(geometry->positions.end(), positions.begin(), positions.end());
-    std::vector<std::uint32_t> order;
+    geometry.positions.insert(geometry.positions.end(), positions.begin(), positions.end());
     if (Compressed(primitive) != nullptr) return;
-    if (indices < accessors) {
+    std::vector<std::uint32_t> order;
+    const std::size_t none = document.Elements(Kind::kAccessor).size();
+    const std::size_t indices = IndexMember(primitive, "indices", none);
+    if (indices < none) {
         if (gltf::HasData(document, indices)) order = gltf::ReadIntegers(document, indices);
     } else {
         order.resize(positions.size() / 3);
@@ -139,8 +145,21 @@ void MeshBuilder::AddPrimitive(const Json& primitive, Shape& shape, std::string&
     // Indices into positions that could not be read lead nowhere.
     for (std::uint32_t index : order)
         if (index >= positions.size() / 3) return;
-    AddLists(IndexMember(primitive, "mode", kTriangles), order, first, *geometry,
-             model != nullptr ? model->GetId() : kNoMaterial);
+    AddLists(IndexMember(primitive, "mode", kTriangles), order, first, geometry);
+}
+
+const MeshBuilder::Lists& MeshBuilder::ListsOf(std::span<const Json> primitives, const std::string& key) {
+    Lists& lists = m_lists[key];
+    if (lists.geometry) return lists;
+    lists.geometry = std::make_shared<kernix::MeshGeometry>();
+    const std::vector<std::uint32_t>& indices = lists.geometry->faceIndices;
+    for (const Json& primitive : primitives) {
+        const std::size_t before = indices.size();
+        AddGeometry(primitive, *lists.geometry);
+        lists.faces.push_back((indices.size() - before) / 3);
+    }
+    lists.geometry->Index();
+    return lists;
 }
 
 const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
@@ -148,21 +167,31 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     Shape& shape = known->second;
     if (!isNew) return shape;
     const Json& json = m_loaded.m_document.Elements(Kind::kMesh)[mesh];
-    std::string lists;
-    for (const Json& primitive : json.Find("primitives")->Items())
-        AddPrimitive(primitive, shape, lists, nullptr);
+    const std::span<const Json> primitives = json.Find("primitives")->Items();
+    std::string listsKey, materials;
+    std::vector<std::uint32_t> attributes;
+    for (const Json& primitive : primitives) {
+        AddUses(primitive, shape);
+        shape.format += FormatOf(primitive);
+        const kernix::MaterialModel* material = MaterialOf(primitive);
+        attributes.push_back(material != nullptr ? material->GetId() : kNoMaterial);
+        listsKey += ListsKey(primitive);
+        materials += Join(attributes.back(), ";");
+    }
     for (std::string_view name : {"weights", "extensions"})
         if (const Json* member = json.Find(name))
             shape.format += Join(name, "=", m_ids.Canonical(*member), ";");
 
-    std::shared_ptr<kernix::MeshGeometry>& geometry = m_geometries[lists];
-    if (!geometry) {
-        geometry = std::make_shared<kernix::MeshGeometry>();
-        for (const Json& primitive : json.Find("primitives")->Items())
-            AddPrimitive(primitive, shape, lists, geometry.get());
-        geometry->Index();
+    const Lists& lists = ListsOf(primitives, listsKey);
+    shape.geometry = lists.geometry;
+    std::shared_ptr<kernix::FaceAttributes>& shared = m_attributes[Join(listsKey, " of ", materials)];
+    if (!shared) {
+        shared = std::make_shared<kernix::FaceAttributes>();
+        shared->reserve(lists.geometry->faces.size());
+        for (std::size_t i = 0; i < attributes.size(); ++i)
+            shared->insert(shared->end(), lists.faces[i], attributes[i]);
     }
-    shape.geometry = geometry;
+    shape.attributes = shared;
     return shape;
 }
 
@@ -182,7 +211,7 @@ vl::zr::Object3D* MeshBuilder::Build(const Json& node, const std::string& motion
     for (std::string_view name : {"weights", "extensions", "camera"})
         if (const Json* member = node.Find(name))
             format += Join("node ", name, "=", m_ids.Canonical(*member), ";");
-    return new kernix::MeshModel(shape.geometry, shape.uses, m_ids.Text(format + motion));
+    return new kernix::MeshModel(shape.geometry, shape.attributes, shape.uses, m_ids.Text(format + motion));
 }
 
 }  // namespace zr

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -11,7 +12,7 @@
 
 namespace zr {
 
-// Makes the renderables of nodes. Meshes whose vertices, lists and materials are equal share their geometry.
+// Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their materials.
 class MeshBuilder {
 public:
     // attribute of the faces of a primitive without a material
@@ -25,13 +26,22 @@ public:
 private:
     struct Shape {
         std::shared_ptr<kernix::MeshGeometry> geometry;
+        std::shared_ptr<kernix::FaceAttributes> attributes;
         std::vector<kernix::MaterialModel*> uses;
         std::string format;  // all that is drawn and is no position, list or material
     };
 
+    struct Lists {
+        std::shared_ptr<kernix::MeshGeometry> geometry;
+        std::vector<std::size_t> faces;  // how many each primitive has
+    };
+
     const Shape& ShapeOf(std::size_t mesh);
-    void AddPrimitive(const gltf::Json& primitive, Shape& shape, std::string& lists,
-                      kernix::MeshGeometry* geometry);
+    const Lists& ListsOf(std::span<const gltf::Json> primitives, const std::string& key);
+    void AddUses(const gltf::Json& primitive, Shape& shape) const;
+    void AddGeometry(const gltf::Json& primitive, kernix::MeshGeometry& geometry) const;
+    kernix::MaterialModel* MaterialOf(const gltf::Json& primitive) const;
+    std::string ListsKey(const gltf::Json& primitive);
     std::string FormatOf(const gltf::Json& primitive);
     std::string SkinFormat(std::size_t skin);
     std::vector<float> Positions(const gltf::Json& primitive) const;
@@ -39,7 +49,8 @@ private:
     LoadedScene& m_loaded;
     ContentIds& m_ids;
     std::unordered_map<std::size_t, Shape> m_shapes;  // by mesh
-    std::unordered_map<std::string, std::shared_ptr<kernix::MeshGeometry>> m_geometries;
+    std::unordered_map<std::string, Lists> m_lists;
+    std::unordered_map<std::string, std::shared_ptr<kernix::FaceAttributes>> m_attributes;
 };
 
 }  // namespace zr

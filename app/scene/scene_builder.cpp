@@ -208,7 +208,12 @@ void SceneBuilder::AddMaterials() {
 }
 
 void SceneBuilder::AddNodes() {
-    for (std::size_t node : m_order) AddNode(node, m_parents[node]);
+    constexpr std::size_t kNodesAtOnce = 256;
+    for (std::size_t i = 0; i < m_order.size(); ++i) {
+        if (i % kNodesAtOnce == 0)
+            m_options.progress(static_cast<double>(i) / static_cast<double>(m_order.size()));
+        AddNode(m_order[i], m_parents[m_order[i]]);
+    }
     // What refers to other nodes waits until all are there.
     for (std::size_t node : m_order) ApplyExtension(node);
 }

@@ -22,13 +22,15 @@ void IndexLists(const std::vector<std::uint32_t>& indices, const std::vector<std
 }  // namespace
 
 void MeshGeometry::Index() {
+    faceIndices.shrink_to_fit();
+    secondaryIndices.shrink_to_fit();
     IndexLists(faceIndices, faceCounts, 3, faces);
     IndexLists(secondaryIndices, secondaryCounts, 2, secondary);
 }
 
-MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::vector<MaterialModel*> uses,
-                     std::uint32_t format)
-    : m_uses(std::move(uses)), m_geometry(std::move(geometry)) {
+MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<FaceAttributes> attributes,
+                     std::vector<MaterialModel*> uses, std::uint32_t format)
+    : m_uses(std::move(uses)), m_geometry(std::move(geometry)), m_attributes(std::move(attributes)) {
     const MeshGeometry& g = *m_geometry;
     const auto dataOrNull = [](const auto& list) { return list.empty() ? nullptr : list.data(); };
     m_nFormat = format;
@@ -36,7 +38,7 @@ MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::vector<Materia
     m_nVertices = static_cast<std::uint32_t>(g.positions.size() / 3);
     m_nFaces = static_cast<std::uint32_t>(g.faces.size());
     m_pFaceCounts = dataOrNull(g.faceCounts);
-    m_pFaceAttributes = dataOrNull(g.faceAttributes);
+    if (m_attributes) m_pFaceAttributes = dataOrNull(*m_attributes);
     m_ppFaces = dataOrNull(g.faces);
     m_nSecondary = static_cast<std::uint32_t>(g.secondary.size());
     m_pSecondaryCounts = dataOrNull(g.secondaryCounts);

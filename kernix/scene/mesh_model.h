@@ -16,7 +16,6 @@ struct MeshGeometry {
     std::vector<float> positions;                // x, y, z a vertex
     std::vector<std::uint32_t> faceIndices;      // of all faces, one after another
     std::vector<std::uint16_t> faceCounts;
-    std::vector<std::uint32_t> faceAttributes;   // MaterialModel::GetId of each face, or empty
     std::vector<std::uint32_t> secondaryIndices;
     std::vector<std::uint16_t> secondaryCounts;
 
@@ -24,24 +23,31 @@ struct MeshGeometry {
     std::vector<const std::uint32_t*> faces;
     std::vector<const std::uint32_t*> secondary;
 
+    // Also gives back the room that filling left over.
     KERNIX_API void Index();
 };
 
+// MaterialModel::GetId of each face. Apart from the geometry, which meshes of other materials share.
+using FaceAttributes = std::vector<std::uint32_t>;
+
 class KERNIX_API MeshModel final : public vl::zr::Mesh {
 public:
-    // geometry is indexed. uses: the material of each part that is drawn or can be chosen to be drawn.
-    MeshModel(std::shared_ptr<MeshGeometry> geometry, std::vector<MaterialModel*> uses, std::uint32_t format);
+    // geometry is indexed. attributes: null for none. uses: the material of each part that is drawn or can be
+    // chosen to be drawn.
+    MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<FaceAttributes> attributes,
+              std::vector<MaterialModel*> uses, std::uint32_t format);
 
     bool IsKindOf(int kind) override { return kind == vl::zr::kKindRenderable; }
     int GetType() override { return vl::zr::kTypeObject; }
     vl::Interface* QueryComponent(int kind, int mode) override;
     int CountMaterialUses(vl::zr::Material* material, int mode) override;
 
-    const std::shared_ptr<MeshGeometry>& GetGeometry() const { return m_geometry; }
+    const std::shared_ptr<FaceAttributes>& GetFaceAttributes() const { return m_attributes; }
     std::vector<MaterialModel*> m_uses;
 
 private:
     std::shared_ptr<MeshGeometry> m_geometry;
+    std::shared_ptr<FaceAttributes> m_attributes;
 };
 
 }  // namespace kernix

@@ -10,9 +10,7 @@
 
 namespace kernix {
 
-NodeModel::NodeModel(SceneModel& scene, std::string name) : m_scene(scene), m_name(std::move(name)) {
-    m_restMatrix.IdentityMatrix();
-}
+NodeModel::NodeModel(SceneModel& scene, std::string name) : m_scene(scene), m_name(std::move(name)) {}
 
 NodeModel::~NodeModel() = default;
 
@@ -46,7 +44,7 @@ void NodeModel::GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) {
     if (moves) {
         m_transform->EvaluateMatrix(m_scene.GetCurrentTime(), 0, m, 0);
     } else {
-        *m = m_restMatrix;
+        *m = GetRestMatrix();
     }
     if (m_transform && (m_transform->m_dwFlags & vl::zr::kControllerPivotGroup) != 0) {
         // Everything on the node, its children too, hangs from the pivot.
@@ -66,19 +64,20 @@ const vl::Matrix4<double>& NodeModel::World(int isStatic) {
     const auto which = static_cast<std::size_t>(isStatic != 0);
     const std::uint64_t state = isStatic != 0 ? m_scene.GetRestState() : m_scene.GetTimeState();
     std::vector<NodeModel*> unknown;
-    for (NodeModel* node = this; node != nullptr && node->m_worlds[which].state != state; node = node->m_parent) {
+    for (NodeModel* node = this; node != nullptr && !node->KnowsWorld(which, state); node = node->m_parent) {
         unknown.push_back(node);
     }
     while (!unknown.empty()) {
         NodeModel* node = unknown.back();
         unknown.pop_back();
-        CachedWorld& world = node->m_worlds[which];
+        if (!node->m_worlds[which]) node->m_worlds[which] = std::make_unique<CachedWorld>();
+        CachedWorld& world = *node->m_worlds[which];
         node->GetLocalMatrix(&world.matrix, isStatic);
-        world.matrix.Transform(node->m_parent != nullptr ? node->m_parent->m_worlds[which].matrix
+        world.matrix.Transform(node->m_parent != nullptr ? node->m_parent->m_worlds[which]->matrix
                                                          : m_scene.GetSceneMatrix());
         world.state = state;
     }
-    return m_worlds[which].matrix;
+    return m_worlds[which]->matrix;
 }
 
 void NodeModel::Delete(int) { m_scene.RemoveNode(*this); }
@@ -89,20 +88,28 @@ vl::zr::Object3D* NodeModel::GetObjectOfKind(int kind) {
 
 void NodeModel::SetRestPose(const Pose& pose) {
     m_restPose = pose;
-    // A scale of zero is treated as it is in an animation.
-    const auto notZero = [](float s) { return s == 0 ? 1e-6 : double{s}; };
-    m_restMatrix.SetScale({notZero(pose.scale.x), notZero(pose.scale.y), notZero(pose.scale.z)});
-    m_restMatrix.Rotate(pose.rotation);
-    m_restMatrix.Offset(pose.translation);
+    m_restMatrix.reset();
     m_scene.TransformsChanged();
 }
 
 void NodeModel::SetRestMatrix(const vl::Matrix4<double>& m) {
-    m_restMatrix = m;
+    m_restMatrix = std::make_unique<vl::Matrix4<double>>(m);
     vl::AffineParts parts;
     m.AffineDecompose(parts);
     m_restPose = {parts.t, parts.q, {parts.k.x * parts.f, parts.k.y * parts.f, parts.k.z * parts.f}};
     m_scene.TransformsChanged();
+}
+
+vl::Matrix4<double> NodeModel::GetRestMatrix() const {
+    if (m_restMatrix) return *m_restMatrix;
+    // A scale of zero is treated as it is in an animation.
+    const auto notZero = [](float s) { return s == 0 ? 1e-6 : double{s}; };
+    const vl::Vector3<float>& scale = m_restPose.scale;
+    vl::Matrix4<double> matrix;
+    matrix.SetScale({notZero(scale.x), notZero(scale.y), notZero(scale.z)});
+    matrix.Rotate(m_restPose.rotation);
+    matrix.Offset(m_restPose.translation);
+    return matrix;
 }
 
 void NodeModel::SetObject(vl::Ref<vl::zr::Object3D> object) {
@@ -113,8 +120,8 @@ void NodeModel::SetObject(vl::Ref<vl::zr::Object3D> object) {
 }
 
 void NodeModel::SetObjectOffset(const vl::Matrix4<double>& offset) {
-    m_objectOffset = offset;
-    m_pObjectOffset = &*m_objectOffset;
+    m_objectOffset = std::make_unique<vl::Matrix4<double>>(offset);
+    m_pObjectOffset = m_objectOffset.get();
 }
 
 void NodeModel::AddControllerWord(vl::zr::Controller* controller) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,7 +43,7 @@ public:
     void SetRestPose(const Pose& pose);
     void SetRestMatrix(const vl::Matrix4<double>& m);
     const Pose& GetRestPose() const { return m_restPose; }
-    const vl::Matrix4<double>& GetRestMatrix() const { return m_restMatrix; }
+    vl::Matrix4<double> GetRestMatrix() const;
 
     // Takes over the caller's count. Null takes the object away.
     void SetObject(vl::Ref<vl::zr::Object3D> object);
@@ -66,6 +66,9 @@ private:
     };
 
     const vl::Matrix4<double>& World(int isStatic);
+    bool KnowsWorld(std::size_t which, std::uint64_t state) const {
+        return m_worlds[which] != nullptr && m_worlds[which]->state == state;
+    }
     void AddControllerWord(vl::zr::Controller* controller);
 
     SceneModel& m_scene;
@@ -73,13 +76,14 @@ private:
     NodeModel* m_parent = nullptr;
     NodeModel* m_previous = nullptr;   // sibling
     NodeModel* m_lastChild = nullptr;
-    int m_listIndex = 0;               // in the scene's node list when that was last numbered
+    std::size_t m_number = 0;          // of all nodes the scene ever had
     bool m_deleted = false;
     Pose m_restPose;
-    vl::Matrix4<double> m_restMatrix;
-    CachedWorld m_worlds[2];           // at the current time, at rest
+    // A scene has many nodes and few of them use any of these, so a node holds matrices only on demand.
+    std::unique_ptr<vl::Matrix4<double>> m_restMatrix;  // null: the one of the pose
+    std::unique_ptr<CachedWorld> m_worlds[2];           // at the current time, at rest; null: not asked for yet
+    std::unique_ptr<vl::Matrix4<double>> m_objectOffset;
     vl::Ref<vl::zr::Object3D> m_object;
-    std::optional<vl::Matrix4<double>> m_objectOffset;
     vl::Ref<vl::VarMap> m_metadata;
     vl::Ref<TransformControllerModel> m_transform;
     std::vector<vl::Ref<SampledControllerModel>> m_controllers;

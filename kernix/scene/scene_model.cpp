@@ -27,6 +27,7 @@ SceneModel::~SceneModel() {
 }
 
 NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
+    const std::size_t number = m_ownNodes.size();
     m_ownNodes.push_back(vl::Ref<NodeModel>::Adopt(new NodeModel(*this, std::move(name))));
     NodeModel* node = m_ownNodes.back().Get();
     NodeModel*& last = parent != nullptr ? parent->m_lastChild : m_lastNode;
@@ -35,7 +36,8 @@ NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
     node->m_previous = last;
     (last != nullptr ? last->m_pNextSibling : first) = node;
     last = node;
-    node->m_listIndex = m_pNodes->m_nCount;
+    node->m_number = number;
+    m_removedNodes.Append();
     m_pNodes->Add(vl::ToWord<vl::zr::Node*>(node));
     return node;
 }
@@ -137,13 +139,14 @@ int SceneModel::MergeEqualMaterials() {
     }
     if (merged.empty()) return 0;
 
-    std::unordered_set<const MeshGeometry*> done;
+    std::unordered_set<const FaceAttributes*> done;
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
         auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
         if (mesh == nullptr) continue;
         for (MaterialModel*& use : mesh->m_uses) use = use != nullptr ? MergedInto(use) : nullptr;
-        if (!done.insert(mesh->GetGeometry().get()).second) continue;
-        for (std::uint32_t& attribute : mesh->GetGeometry()->faceAttributes) {
+        const auto& attributes = mesh->GetFaceAttributes();
+        if (!attributes || !done.insert(attributes.get()).second) continue;
+        for (std::uint32_t& attribute : *attributes) {
             if (attribute < m_mergedInto.size()) attribute = m_mergedInto[attribute]->GetId();
         }
     }

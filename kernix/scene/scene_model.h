@@ -16,6 +16,7 @@
 #include "kernix/scene/material_model.h"
 #include "kernix/scene/mesh_model.h"
 #include "kernix/scene/node_model.h"
+#include "kernix/scene/removal_counts.h"
 #include "kernix/scene/viewport_model.h"
 
 namespace kernix {
@@ -96,7 +97,6 @@ protected:
 private:
     void Unlink(NodeModel& node);
     void TakeFromList(NodeModel& node);
-    void NumberNodes();
     std::pair<float, float> GetRange(const vl::zr::Animation* animation) const;
 
     std::vector<vl::Ref<NodeModel>> m_ownNodes;
@@ -108,6 +108,7 @@ private:
     std::vector<MaterialModel*> m_mergedInto;  // by material id
     std::vector<LightModel*> m_watchedLights;
     vl::Ref<vl::Array> m_nodeWords;
+    RemovalCounts m_removedNodes;
     vl::Ref<vl::Array> m_materialWords;
     vl::Ref<vl::Array> m_animationWords;
     vl::Ref<vl::InterfaceArray> m_layers;
@@ -119,8 +120,6 @@ private:
     float m_currentTime = 0;
     int m_modalDepth = 0;
     bool m_layersHoldDeleted = false;
-    int m_removedSinceNumbered = 0;
-    std::size_t m_searched = 0;  // list elements looked at since the nodes were numbered
     std::uint64_t m_restState = 1;
     std::uint64_t m_timeState = 1;
 };

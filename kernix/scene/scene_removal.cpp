@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
-
 #include "host/generator.h"
 #include "kernix/scene/scene_model.h"
 
@@ -31,25 +29,9 @@ void SceneModel::Unlink(NodeModel& node) {
     }
 }
 
-void SceneModel::NumberNodes() {
-    int index = 0;
-    for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) static_cast<NodeModel*>(node)->m_listIndex = index++;
-    m_removedSinceNumbered = 0;
-    m_searched = 0;
-}
-
-// Removals move later nodes down, so a node stands between its number less the removals and its number. The
-// numbers are made anew when looking for nodes has cost as much as numbering does.
 void SceneModel::TakeFromList(NodeModel& node) {
-    if (m_searched > static_cast<std::size_t>(m_pNodes->m_nCount)) NumberNodes();
-    const vl::Word word = vl::ToWord<vl::zr::Node*>(&node);
-    int index = std::max(0, node.m_listIndex - m_removedSinceNumbered);
-    while (index < m_pNodes->m_nCount && m_pNodes->GetAt(index) != word) {
-        ++index;
-        ++m_searched;
-    }
-    m_pNodes->RemoveAt(index);
-    ++m_removedSinceNumbered;
+    m_pNodes->RemoveAt(static_cast<int>(node.m_number - m_removedNodes.Before(node.m_number)));
+    m_removedNodes.Remove(node.m_number);
 }
 
 void SceneModel::RemoveNode(NodeModel& node) {

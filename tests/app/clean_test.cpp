@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "app/commands/clean_scene.h"
 #include "app/gltf/error.h"
+#include "app/gltf/text.h"
 #include "tests/app/gltf/sample.h"
 
 namespace zr {
@@ -230,6 +232,29 @@ TEST_F(CleanDocumentTest, GoesOnWhileSomethingIsSetFree) {
     const CleanResult result = Clean(document, Unseen());
     EXPECT_EQ(NamesOf(result, CleanStep::kAnimations), Strings{"run"});
     EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), (Strings{"leaf", "branch", "attachment"}));
+}
+
+TEST(CleanCommand, CleansScenesTogetherAsItCleansEachAlone) {
+    const gltf::test::TemporaryFolder folder;
+    std::string scenes;
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = gltf::Join("scene", i, ".glb");
+        const std::string json = Replaced(kScene, "\"sky\"", gltf::Join("\"sky ", i, "\""));
+        folder.Write(name, gltf::test::Glb(json, SceneBytes()));
+        scenes += gltf::Join(" ", (folder / name).string());
+    }
+    const auto clean = [&](const std::string& jobs, const char* out) {
+        return std::system((ZR_PROGRAM " clean --all --jobs " + jobs + " --out-dir " +
+                            (folder / out).string() + scenes + " >" + (folder / out).string() + ".txt")
+                               .c_str());
+    };
+    EXPECT_EQ(clean("3", "together"), 0);
+    EXPECT_EQ(clean("1", "alone"), 0);
+    EXPECT_NE(folder.Read("alone/scene0.glb"), "");
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = gltf::Join("/scene", i, ".glb");
+        EXPECT_EQ(folder.Read("together" + name), folder.Read("alone" + name));
+    }
 }
 
 }  // namespace

@@ -89,7 +89,10 @@ TEST(Scene, KeepsItsNodeListInOrderUnderManyDeletions) {
     std::mt19937 engine(5);
     std::vector<NodeModel*> order = nodes;
     std::shuffle(order.begin(), order.end(), engine);
-    for (std::size_t i = 0; i < 2500; ++i) order[i]->Delete(0);
+    for (std::size_t i = 0; i < 2500; ++i) {
+        order[i]->Delete(0);
+        if (i % 100 == 0) nodes.push_back(scene->AddNode(nullptr, "added " + std::to_string(i)));
+    }
     std::vector<std::string> expected;
     for (NodeModel* node : nodes) {
         if (!node->IsDeleted()) expected.push_back(node->GetNameText());
@@ -208,10 +211,11 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions.assign(9, 0);
     geometry->faceIndices = {0, 1, 2, 2, 1, 0};
-    geometry->faceAttributes = {red2->GetId(), blue->GetId()};
+    const auto attributes = std::make_shared<kernix::FaceAttributes>();
+    *attributes = {red2->GetId(), blue->GetId()};
     geometry->Index();
     NodeModel* node = scene->AddNode(nullptr, "n");
-    auto* mesh = new kernix::MeshModel(geometry, {red2, blue}, 0);
+    auto* mesh = new kernix::MeshModel(geometry, attributes, {red2, blue}, 0);
     node->SetObject(Ref<vl::zr::Object3D>::Adopt(mesh));
     EXPECT_EQ(scene->MergeEqualMaterials(), 1);
     EXPECT_EQ(mesh->CountMaterialUses(red, 1), 1);

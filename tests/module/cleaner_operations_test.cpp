@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kernix/scene/plain_objects.h"
@@ -22,23 +24,46 @@ namespace {
 using Object = vl::Ref<vl::zr::Object3D>;
 using Operation = int (CCleanerImpl::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
-// Whatever the cleaner asks it sets the break.
-class StopObject final : public vl::zr::Renderable {
+// Tells whatever the cleaner asks it.
+class AskedObject final : public vl::zr::Renderable {
 public:
-    explicit StopObject(vl::Context* context) : m_context(context) {}
-    bool IsKindOf(int) override { return Stop(); }
-    bool IsTypeOf(const char*) override { return Stop(); }
-    int GetType() override { return Stop() ? 1 : 0; }
+    explicit AskedObject(std::function<void()> onAsked) : m_onAsked(std::move(onAsked)) {}
+    bool IsKindOf(int kind) override { return Told(kind == vl::zr::kKindRenderable); }
+    bool IsTypeOf(const char*) override { return Told(false); }
+    int GetType() override { return Told(false) ? 1 : 0; }
     vl::Interface* QueryComponent(int, int) override { return nullptr; }
-    int CountMaterialUses(vl::zr::Material*, int) override { return 0; }
+    int CountMaterialUses(vl::zr::Material*, int) override { return Told(false) ? 1 : 0; }
 
 private:
-    bool Stop() {
-        m_context->SetBreak(true);
-        return false;
+    bool Told(bool answer) {
+        m_onAsked();
+        return answer;
     }
-    vl::Context* m_context;
+    std::function<void()> m_onAsked;
 };
+
+// What the lists, the tree and the layers say about the nodes agrees.
+void ExpectConsistent(SceneModel& scene) {
+    std::set<vl::zr::Node*> listed, reached;
+    for (auto* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) listed.insert(node);
+    std::vector<vl::zr::Node*> open = {scene.m_pFirstNode};
+    while (!open.empty()) {
+        vl::zr::Node* node = open.back();
+        open.pop_back();
+        if (node == nullptr) continue;
+        reached.insert(node);
+        open.insert(open.end(), {node->m_pFirstChild, node->m_pNextSibling});
+    }
+    EXPECT_EQ(reached, listed);
+    std::set<vl::Interface*> layers = {nullptr};
+    for (unsigned i = 0; i < scene.m_pLayers->GetCount(); ++i) {
+        auto* layer = static_cast<vl::zr::Layer*>(scene.m_pLayers->GetAt(i));
+        for (auto* member : vl::ArrayOf<vl::zr::Node*>(layer->m_pMembers))
+            EXPECT_EQ(listed.count(member), 1U);
+        layers.insert(layer);
+    }
+    for (const auto& viewport : scene.Viewports()) EXPECT_EQ(layers.count(viewport->m_pLayer), 1U);
+}
 
 class CleanerOperations : public HostTest {
 protected:
@@ -119,13 +144,51 @@ TEST_F(CleanerOperations, ABreakLeavesWhatIsCountedAndRecorded) {
     }
 }
 
+// A break at whichever call to the scene's objects or to the record: what went is counted and recorded, the
+// scene holds together, and cleaning it again takes the rest.
+TEST_F(CleanerOperations, ABreakAtAnyCallLeavesAConsistentScene) {
+    for (const Operation operation : {&CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
+                                      &CCleanerImpl::RemoveUnusedLayers, &CCleanerImpl::RemoveModelViews,
+                                      &CCleanerImpl::RemoveNotesAndEtc, &CCleanerImpl::RemoveMeshDupes}) {
+        std::vector<std::string> whole;
+        // The first run goes through, the last one ends before its break.
+        bool stopped = true;
+        for (int stopAt = 0; stopped; ++stopAt) {
+            const auto scene = cleaner_test::RandomScene(5);
+            int calls = 0;
+            const auto onCall = [&] {
+                if (++calls == stopAt) m_context->SetBreak(true);
+            };
+            for (int i = 0; i < 3; ++i) {
+                scene->AddNode(nullptr, "asked")->SetObject(Object::Adopt(new AskedObject(onCall)));
+            }
+            const auto log = vl::Ref<CallLog>::Adopt(new CallLog(*scene));
+            log->m_onLine = onCall;
+            const std::size_t before = cleaner_test::Content(*scene).size();
+            const auto run = [&] {
+                return static_cast<std::size_t>(
+                    ((*m_cleaner).*operation)(scene.Get(), m_context.Get(), log.Get()));
+            };
+            const std::size_t count = run();
+            EXPECT_EQ(count, log->m_lines.size());
+            EXPECT_EQ(count, before - cleaner_test::Content(*scene).size());
+            ExpectConsistent(*scene);
+            stopped = stopAt == 0 || m_context->IsBreak();
+            m_context->SetBreak(false);
+            run();
+            if (stopAt == 0) whole = cleaner_test::Content(*scene);
+            EXPECT_EQ(cleaner_test::Content(*scene), whole) << "stopped at call " << stopAt;
+        }
+    }
+}
+
 TEST_F(CleanerOperations, ABreakWhileCollectingRemovesNothing) {
     m_scene->AddMaterial("unused", "");
     AddNode(nullptr, "empty");
     AddMesh(nullptr, "mesh", 0);
     AddMesh(nullptr, "repeated", 0);
     AddNode(nullptr, "note")->SetObject(Object::Adopt(kernix::CreateNote()));
-    auto* stop = new StopObject(m_context.Get());
+    auto* stop = new AskedObject([&] { m_context->SetBreak(true); });
     AddNode(nullptr, "stop")->SetObject(Object::Adopt(stop));
     m_scene->AddLayer("layer");
     AddNode(nullptr, "target")->Subscribe(stop);

@@ -94,9 +94,10 @@ vl::Ref<vl::zr::Object3D> MakeMesh(kernix::MaterialModel* material, float x) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions = {x, 0, 0, x + 1, 0, 0, x, 1, 0};
     geometry->faceIndices = {0, 1, 2};
-    geometry->faceAttributes = {material->GetId()};
+    auto attributes = std::make_shared<kernix::FaceAttributes>(1, material->GetId());
     geometry->Index();
-    return vl::Ref<vl::zr::Object3D>::Adopt(new kernix::MeshModel(std::move(geometry), {material}, 0));
+    return vl::Ref<vl::zr::Object3D>::Adopt(
+        new kernix::MeshModel(std::move(geometry), std::move(attributes), {material}, 0));
 }
 
 vl::Ref<SceneModel> RandomScene(unsigned seed) {

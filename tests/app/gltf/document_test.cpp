@@ -151,6 +151,9 @@ TEST(Document, AFailedSaveLeavesNothing) {
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), Error);
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), Error);
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), Error);
+    const auto stop = [] { throw std::runtime_error("stop"); };
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "new/out.gltf", stop), std::runtime_error);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
     for (const std::string& file : folder.Files()) EXPECT_EQ(file.find(".tmp"), std::string::npos) << file;
     EXPECT_FALSE(std::filesystem::exists(folder / "out/taken.gltf/in.gltf"));
     EXPECT_TRUE(std::filesystem::exists(folder / "out/taken.gltf/inside"));
@@ -161,13 +164,14 @@ TEST(Document, SavingOverTheSourceIsSafe) {
     folder.Write("s.gltf", TextScene("s.bin"));
     folder.Write("s.bin", test::SampleBin());
     Document document = Document::Load(folder / "s.gltf");
-    const Bytes old = *document.BufferBytes(0);
-    std::vector<std::byte> longer(old.begin(), old.end());
-    longer.resize(260);
-    document.ReplaceBuffer(0, std::move(longer));
+    // The image moves to where the weights stand.
+    const Document::BlockMove moves[] = {{0, 6, 0}, {8, 232, 8}, {248, 8, 240}};
+    document.PackBuffer(0, moves);
+    *document.Elements(Kind::kBufferView)[7].Find("byteOffset") = document.Tree().MakeIndex(240);
     document.Save(folder / "s.gltf");
     EXPECT_EQ(folder.Files(), (Names{"s.bin", "s.gltf"}));
-    EXPECT_EQ(Document::Load(folder / "s.gltf").BufferBytes(0)->size(), 260U);
+    const std::string bin = test::SampleBin();
+    EXPECT_EQ(folder.Read("s.bin").substr(0, 256), bin.substr(0, 240) + bin.substr(248));
 }
 
 }  // namespace

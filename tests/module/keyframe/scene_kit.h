@@ -31,7 +31,7 @@ inline Ref<vl::zr::Object3D> Mesh(int faces, int lines = 0, bool hasVertices = t
     for (int i = 0; i < 2 * lines; ++i)
         geometry->secondaryIndices.push_back(static_cast<std::uint32_t>(i % 2));
     geometry->Index();
-    return Own(new kernix::MeshModel(std::move(geometry), {}, 0));
+    return Own(new kernix::MeshModel(std::move(geometry), nullptr, {}, 0));
 }
 
 inline NodeModel* AddCamera(SceneModel& scene, NodeModel* parent, NodeModel* target = nullptr) {
