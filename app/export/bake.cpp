@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/bake.h"
 
+#include "app/export/thin_curve.h"
 #include "app/scene/curves.h"
 
 namespace zr {
@@ -24,11 +25,11 @@ bool HasAims(kernix::SceneModel& scene) {
 
 std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
                                   const ExportOptions& options, Curves curves) {
-    const bool changesKeys = options.Has(vl::tk::kMergeKeys) || curves == Curves::kStraight ||
-                             options.Has(vl::tk::kResampleKeys) || options.Has(vl::tk::kReverseTime) ||
-                             options.Has(vl::tk::kCameraTargetKeys) ||
-                             options.Has(vl::tk::kLightTargetKeys) ||
-                             (options.Has(vl::tk::kAllChoices) && HasAims(scene));
+    const bool mergesKeys = options.Has(vl::tk::kMergeKeys);
+    const bool changesKeys =
+        mergesKeys || curves == Curves::kStraight || options.Has(vl::tk::kResampleKeys) ||
+        options.Has(vl::tk::kReverseTime) || options.Has(vl::tk::kCameraTargetKeys) ||
+        options.Has(vl::tk::kLightTargetKeys) || (options.Has(vl::tk::kAllChoices) && HasAims(scene));
     const bool changesValues = options.Has(vl::tk::kFlipAxes) || !options.sceneMatrix.IsIdentity(0);
     std::vector<TrackKeys> before;
     if (!changesKeys && !changesValues) return before;
@@ -40,7 +41,8 @@ std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::Anima
             const Curve curve = TakeKeys(*track, keyType);
             const bool bent = curve.interpolation == vl::zr::kInterpolationCubic ||
                               (curve.interpolation == vl::zr::kInterpolationStep && changesKeys);
-            const Curve baked = bent ? Straightened(*track, keyType) : curve;
+            Curve baked = bent ? Straightened(*track, keyType) : curve;
+            if (mergesKeys) baked = Thinned(baked);
             if (baked == curve) continue;
             if (!keys) {
                 keys = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
