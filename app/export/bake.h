@@ -22,9 +22,8 @@ enum class Curves { kAny, kStraight };
 // The keyframe tools move, drop and insert keys as if every curve were straight between them. Before a run
 // whose options change keys, curves of other forms are made straight: cubic ones are sampled within a hundred
 // thousandth of their range, steps become two keys a smallest step apart. Curves that the options leave as
-// they are keep their form. Where keys are merged, keys that rounding alone put off the straight line go
-// first: the tools drop those only that lie on it to the bit.
-// With Curves::kStraight, all curves are made straight.
+// they are keep their form, but with Curves::kStraight. Where keys are merged, keys that rounding alone put
+// off the straight line go first: the tools drop those only that lie on it to the bit.
 //
 // Returns the keys of the tracks that it changes.
 std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
