@@ -47,6 +47,9 @@ void Merge(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 
+// A million new keys lie on pages that the system has yet to hand out, which takes ten times as long as the
+// pass. With GLIBC_TUNABLES=glibc.malloc.trim_threshold=4000000000 the heap keeps its pages: 30 ns a key at
+// every size.
 void Resample(benchmark::State& state) {
     std::vector<float> times;
     for (std::int64_t i = 0; i < state.range(0); ++i) times.push_back((static_cast<float>(i) + 0.5f) / 32);

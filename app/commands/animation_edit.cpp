@@ -71,6 +71,16 @@ void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const A
     }
 }
 
+std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animations& animations) {
+    std::vector<std::string> lines;
+    for (const SkippedChannel& skipped : loaded.Skipped()) {
+        kernix::AnimationModel* animation = loaded.Animation(skipped.animation);
+        if (std::find(animations.begin(), animations.end(), animation) != animations.end())
+            lines.push_back(Join(skipped.place, " of ", Quoted(*animation), ": ", skipped.reason));
+    }
+    return lines;
+}
+
 void PrintNotes(const char* label, const std::vector<std::string>& lines) {
     for (const std::string& line : lines) std::fprintf(stderr, "zr: %s: %s\n", label, line.c_str());
 }

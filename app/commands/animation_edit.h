@@ -34,6 +34,10 @@ std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const
 // A viewport that refers to any of the old animations refers to all the new ones too.
 void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const Animations& added);
 
+// The channels of animations that the document has and the scene does not play, and why: what is made of the
+// scene's tracks goes without them.
+std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animations& animations);
+
 // Prints each line to standard error, after the label.
 void PrintNotes(const char* label, const std::vector<std::string>& lines);
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "app/commands/animation_choice.h"
+#include "app/commands/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
 #include "app/scene/loaded_scene.h"
@@ -22,8 +23,9 @@ void PrintScene(kernix::SceneModel& scene) {
     constexpr struct {
         const char* label;
         int kind;
-    } kKinds[] = {{"meshes", vl::zr::kKindRenderable}, {"lights", vl::zr::kKindLight}, {"cameras", vl::zr::kKindCamera},
-                  {"bones", vl::zr::kKindBone},        {"dummies", vl::zr::kKindDummy}, {"notes", vl::zr::kKindNote},
+    } kKinds[] = {{"meshes", vl::zr::kKindRenderable}, {"lights", vl::zr::kKindLight},
+                  {"cameras", vl::zr::kKindCamera},    {"bones", vl::zr::kKindBone},
+                  {"dummies", vl::zr::kKindDummy},     {"notes", vl::zr::kKindNote},
                   {"selectors", vl::zr::kKindSelector}};
     for (const auto& kind : kKinds) std::printf("%-11s %d\n", kind.label, CountOfKind(scene, kind.kind));
     std::printf("materials   %d\n", scene.m_pMaterials->m_nCount);
@@ -34,8 +36,8 @@ void PrintScene(kernix::SceneModel& scene) {
         int keys = 0;
         for (vl::zr::Track* track : animation->Tracks()) keys += track->GetKeyCount();
         std::printf("  \"%s\"  %g to %g s, %zu tracks, %d keys\n", kernix::ToUtf8(animation->m_name).c_str(),
-                    static_cast<double>(scene.GetStartTime(animation)), static_cast<double>(scene.GetEndTime(animation)),
-                    animation->Tracks().size(), keys);
+                    static_cast<double>(scene.GetStartTime(animation)),
+                    static_cast<double>(scene.GetEndTime(animation)), animation->Tracks().size(), keys);
     }
 }
 
@@ -52,7 +54,8 @@ void AddInfoCommand(CLI::App& app, Session& session) {
             std::printf("module      %s, version %s\n", kernix::ToUtf8(host.ModuleDescription()).c_str(),
                         kernix::ToUtf8(host.ModuleVersion()).c_str());
             PrintScene(loaded.Scene());
-            for (const std::string& channel : loaded.Unreadable()) std::printf("unreadable  %s\n", channel.c_str());
+            for (const std::string& line : SkippedChannels(loaded, AnimationsOf(loaded.Scene())))
+                std::printf("not played  %s\n", line.c_str());
             return 0;
         });
     });

@@ -52,6 +52,7 @@ int RunMerge(Session& session, MergeArguments& arguments) {
         LoadedScene other(gltf::Document::Load(gltf::PathOf(arguments.from)));
         BroughtAnimations result = BringAnimations(other, loaded);
         PrintNotes("no partner", result.withoutPartner);
+        PrintNotes("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
         brought = std::move(result.animations);
     }
     const Animations chosen =
@@ -62,6 +63,7 @@ int RunMerge(Session& session, MergeArguments& arguments) {
         const MergeReport report = MergeAnimations(session.GetHost(), loaded, chosen, arguments.options);
         PrintNotes("sources overlap in time", report.overlapping);
         PrintNotes("dropped", report.dropped);
+        PrintNotes("too short to be seen without a gap", report.unseen);
         PrintNotes("kept", report.held);
     }
     loaded.WriteBack();

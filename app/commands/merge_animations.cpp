@@ -52,6 +52,7 @@ public:
         : m_host(host), m_loaded(loaded), m_scene(loaded.Scene()), m_sources(sources), m_options(options) {}
 
     MergeReport Run() {
+        m_report.dropped = SkippedChannels(m_loaded, m_sources);
         CopySources();
         if (m_options.inSequence) ShiftCopies();
         ForEachController(m_scene, [this](vl::zr::Controller& controller, const std::string& holder) {
@@ -108,6 +109,8 @@ private:
                 source.start = m_scene.GetStartTime(source.copy);
             }
             source.end = m_scene.GetEndTime(source.copy);
+            const bool givesWay = m_options.gap == 0 && i + 1 < m_copies.size();
+            if (givesWay && source.end == source.start) m_report.unseen.push_back(Quoted(*source.copy));
             next = static_cast<float>(double{source.end} + m_options.gap);
         }
     }

@@ -27,8 +27,9 @@ const std::map<std::string, std::uint32_t> kNames = {
 }  // namespace
 
 void PassOptions::AddTo(CLI::App& command) {
-    command.add_flag("--merge-keys", m_mergeKeys,
-                     "Drop keys that lie on the straight line between their neighbours");
+    command.add_flag(
+        "--merge-keys", m_mergeKeys,
+        "Drop keys that lie on the straight line between their neighbours, but for float rounding");
     command.add_flag("--resample", m_resample, "Give the three tracks of a node keys at the same times");
     command.add_flag("--flip", m_flip, "Exchange the Y and Z axes");
     command

@@ -55,6 +55,7 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
                                                           scene.GetEndTime(&animation)));
     if (parts.empty()) throw std::runtime_error("animation " + Quoted(animation) + " moves nothing");
     FollowInViewports(scene, {&animation}, parts);
+    PrintNotes("dropped", SkippedChannels(loaded, {&animation}));
     PrintNotes("kept", RemoveAnimations(session.GetHost(), loaded, {&animation}));
     for (kernix::AnimationModel* part : parts) {
         std::printf("%s  %g s\n", Quoted(*part).c_str(), static_cast<double>(scene.GetEndTime(part)));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/bake.h"
 
+#include "app/export/thin_curve.h"
 #include "app/scene/curves.h"
 
 namespace zr {
@@ -22,24 +23,43 @@ bool HasAims(kernix::SceneModel& scene) {
 
 }  // namespace
 
-void BakeCurves(kernix::SceneModel& scene, const ExportOptions& options) {
-    const bool changesKeys = options.Has(vl::tk::kMergeKeys) || options.Has(vl::tk::kResampleKeys) ||
-                             options.Has(vl::tk::kReverseTime) || options.Has(vl::tk::kCameraTargetKeys) ||
-                             options.Has(vl::tk::kLightTargetKeys) ||
-                             (options.Has(vl::tk::kAllChoices) && HasAims(scene));
+std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
+                                  const ExportOptions& options, Curves curves) {
+    const bool mergesKeys = options.Has(vl::tk::kMergeKeys);
+    const bool changesKeys =
+        mergesKeys || curves == Curves::kStraight || options.Has(vl::tk::kResampleKeys) ||
+        options.Has(vl::tk::kReverseTime) || options.Has(vl::tk::kCameraTargetKeys) ||
+        options.Has(vl::tk::kLightTargetKeys) || (options.Has(vl::tk::kAllChoices) && HasAims(scene));
     const bool changesValues = options.Has(vl::tk::kFlipAxes) || !options.sceneMatrix.IsIdentity(0);
-    if (!changesKeys && !changesValues) return;
-    for (const auto& animation : scene.AllAnimations()) {
-        for (vl::zr::Track* plain : animation->Tracks()) {
-            auto* track = dynamic_cast<kernix::TransformTrack*>(plain);
-            if (track == nullptr) continue;
-            for (const int keyType : kKeyTypes) {
-                const Curve curve = TakeKeys(*track, keyType);
-                const bool bent = curve.interpolation == vl::zr::kInterpolationCubic ||
-                                  (curve.interpolation == vl::zr::kInterpolationStep && changesKeys);
-                if (bent) ReplaceKeys(*track, keyType, Straightened(*track, keyType));
+    std::vector<TrackKeys> before;
+    if (!changesKeys && !changesValues) return before;
+    for (vl::zr::Track* plain : animation.Tracks()) {
+        auto* track = dynamic_cast<kernix::TransformTrack*>(plain);
+        if (track == nullptr) continue;
+        vl::Ref<vl::Stream> keys;
+        for (const int keyType : kKeyTypes) {
+            const Curve curve = TakeKeys(*track, keyType);
+            const bool bent = curve.interpolation == vl::zr::kInterpolationCubic ||
+                              (curve.interpolation == vl::zr::kInterpolationStep && changesKeys);
+            Curve baked = bent ? Straightened(*track, keyType) : curve;
+            if (mergesKeys) baked = Thinned(baked);
+            if (baked == curve) continue;
+            if (!keys) {
+                keys = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
+                track->Save(*keys);
             }
+            ReplaceKeys(*track, keyType, baked);
         }
+        if (keys) before.push_back({track, keys});
+    }
+    scene.TransformsChanged();
+    return before;
+}
+
+void PutBack(kernix::SceneModel& scene, const std::vector<TrackKeys>& tracks) {
+    for (const TrackKeys& before : tracks) {
+        before.keys->Seek(0, 0);
+        before.track->Load(*before.keys);
     }
     scene.TransformsChanged();
 }

@@ -24,6 +24,16 @@ std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
     return animations;
 }
 
+// Runs the tools on the animation with its curves as these need them, and compares with the curves as they are.
+Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation, const ExportOptions& options,
+                   Curves curves, MotionReport& report) {
+    const std::vector<TrackKeys> before = BakeCurves(scene, animation, options, curves);
+    const Tool tool = RunTool(host, scene, &animation, options);
+    PutBack(scene, before);
+    CompareMotion(tool, scene, animation, options, report);
+    return tool;
+}
+
 // Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks for
 // the records that fit all the others; it is to be deleted again.
 kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
@@ -57,15 +67,16 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     const std::vector<kernix::AnimationModel*> animations = Animations(scene);
     MotionReport report;
     for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
-    BakeCurves(scene, options);
     std::vector<AddedKeys> added;
     kernix::AnimationModel* all = animations.size() > 1 ? AddFullestTracks(scene) : nullptr;
-    Tool records = RunTool(host, scene, all != nullptr ? all : animations.empty() ? nullptr : animations.front(), options);
+    if (all != nullptr) BakeCurves(scene, *all, options, Curves::kAny);
+    Tool records;
+    if (animations.size() != 1) records = RunTool(host, scene, all, options);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
-        const Tool tool = all != nullptr ? RunTool(host, scene, animations[i], options) : records;
+        const Tool tool = RunAndCompare(host, scene, *animations[i], options, Curves::kAny, report);
+        if (!records) records = tool;
         const std::size_t addedBefore = added.size();
-        CompareMotion(tool, scene, *animations[i], options, report);
         CollectAddedKeys(tool, *animations[i], added);
         if (!SameStructure(records, tool) && (added.size() != addedBefore || !KeysFit(tool, records))) {
             throw std::runtime_error("the animation \"" + kernix::ToUtf8(animations[i]->m_name) +
@@ -89,9 +100,8 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
     MotionReport report;
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);
-    BakeCurves(loaded.Scene(), options);
-    const Tool tool = RunTool(host, loaded.Scene(), animation, options);
-    if (animation != nullptr) CompareMotion(tool, loaded.Scene(), *animation, options, report);
+    const Tool tool = animation != nullptr ? RunAndCompare(host, loaded.Scene(), *animation, options, Curves::kStraight, report)
+                                           : RunTool(host, loaded.Scene(), nullptr, options);
     if (renameMap != nullptr) *renameMap = RenameMap(tool);
     WriteRecordJson(tool, options, file);
     return report;

@@ -2,6 +2,8 @@
 #include "app/export/flip_objects.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -18,11 +20,13 @@ using gltf::Json;
 using gltf::JsonTree;
 using gltf::Kind;
 
-// Y and Z exchanged.
-constexpr float kExchange[16] = {1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+using Transform = std::array<float, 16>;  // column by column
 
-// Half a turn about the bisector of Y and Z: the proper rotation that takes -Z to -Y and Y to Z.
-constexpr float kTurn[4] = {0, 0.70710678f, 0.70710678f, 0};
+// Y and Z exchanged.
+constexpr Transform kExchange = {1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+
+// The same with left and right exchanged as well: the proper rotation that takes -Z to -Y and Y to Z.
+constexpr Transform kTurn = {-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
 
 class ObjectFlipper {
 public:
@@ -30,9 +34,17 @@ public:
 
     void Run() {
         for (const std::size_t node : SceneNodes()) {
-            Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, "matrix", kExchange,
-                  &m_meshNodes);
-            Split(node, {"camera"}, {"KHR_lights_punctual"}, "rotation", kTurn, nullptr);
+            const std::array<float, 3> place = FlipPivot(node);
+            const auto placed = [&place](Transform transform) {
+                std::copy(place.begin(), place.end(), transform.begin() + 12);
+                return transform;
+            };
+            const auto mesh =
+                Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, placed(kExchange));
+            if (mesh) m_meshNodes[node] = *mesh;
+            // What a camera or light aims at goes with it.
+            const auto camera = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
+            if (camera) MoveExtension(node, Element(Kind::kNode, *camera), "ZR_scene", "target");
         }
         for (const std::size_t skin : m_skins) FlipSkin(skin);
         MoveWeights();
@@ -55,24 +67,39 @@ private:
         return nodes;
     }
 
+    // Exchanges the axes of a node's pivot. Where the object of the node stands: a pivot of the object alone
+    // has no object left at the node and is taken away.
+    std::array<float, 3> FlipPivot(std::size_t node) {
+        Json* extensions = Element(Kind::kNode, node).Find("extensions");
+        Json* own = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        Json* pivot = own != nullptr ? own->Find("pivot") : nullptr;
+        if (pivot == nullptr) return {};
+        std::swap(pivot->Items()[1], pivot->Items()[2]);
+        const Json* group = own->Find("pivotGroup");
+        if (group != nullptr && group->Bool()) return {};
+        std::array<float, 3> place;
+        for (std::size_t i = 0; i < 3; ++i) place[i] = 0 - static_cast<float>(pivot->Items()[i].Number());
+        own->EraseMember("pivot");
+        own->EraseMember("pivotGroup");
+        EraseEmpty(node, "ZR_scene");
+        return place;
+    }
+
     // Moves members and extensions of a node, if it has any of them, to a new child with the transform.
-    void Split(std::size_t node, std::initializer_list<std::string_view> members,
-               std::initializer_list<std::string_view> extensions, std::string_view transform,
-               std::span<const float> numbers, std::unordered_map<std::size_t, std::size_t>* children) {
+    std::optional<std::size_t> Split(std::size_t node, std::initializer_list<std::string_view> members,
+                                     std::initializer_list<std::string_view> extensions,
+                                     const Transform& transform) {
         Json content = JsonTree::MakeObject();
         for (const std::string_view name : members) Move(Element(Kind::kNode, node), content, name);
         for (const std::string_view name : extensions) MoveExtension(node, content, name, {});
-        if (content.Members().empty()) return;
-        // What a camera or light aims at goes with it.
-        if (transform == "rotation") MoveExtension(node, content, "ZR_scene", "target");
+        if (content.Members().empty()) return std::nullopt;
         if (const Json* skin = content.Find("skin")) m_skins.insert(static_cast<std::size_t>(*skin->Index()));
-
-        m_tree.Member(content, transform) = m_tree.MakeNumbers(numbers);
+        m_tree.Member(content, "matrix") = m_tree.MakeNumbers(transform);
         const std::size_t child = m_document.Append(Kind::kNode, content);
         Json& list = m_tree.Member(Element(Kind::kNode, node), "children");
         if (!list.IsArray()) list = JsonTree::MakeArray();
         m_tree.Append(list, m_tree.MakeIndex(child));
-        if (children != nullptr) (*children)[node] = child;
+        return child;
     }
 
     void Move(Json& from, Json& to, std::string_view name) {
@@ -96,9 +123,16 @@ private:
             Json& part = m_tree.Member(to, name);
             part = JsonTree::MakeObject();
             Move(*extension, part, member);
-            if (extension->Members().empty()) from->EraseMember(name);
         }
-        if (from->Members().empty()) Element(Kind::kNode, node).EraseMember("extensions");
+        EraseEmpty(node, name);
+    }
+
+    // Erases an extension that is left without members, and then the list of extensions.
+    void EraseEmpty(std::size_t node, std::string_view name) {
+        Json& extensions = *Element(Kind::kNode, node).Find("extensions");
+        const Json* extension = extensions.Find(name);
+        if (extension != nullptr && extension->Members().empty()) extensions.EraseMember(name);
+        if (extensions.Members().empty()) Element(Kind::kNode, node).EraseMember("extensions");
     }
 
     void FlipSkin(std::size_t index) {

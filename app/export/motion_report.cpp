@@ -17,7 +17,7 @@ using Matrix = vl::Matrix4<double>;
 
 // Transforms of records that are compared at most, and times of one animation.
 constexpr std::size_t kMaxTransforms = 4000000;
-constexpr std::size_t kMaxTimes = 200;
+constexpr std::size_t kMaxTimes = 400;
 
 template <typename Key>
 int CountOf(vl::Array* track) {
@@ -61,10 +61,23 @@ vl::Vector3<float> VectorAt(vl::Array* track, float time, const vl::Vector3<floa
     return {mix(a.x, b.x), mix(a.y, b.y), mix(a.z, b.z)};
 }
 
-// The record's transform relative to its parent, at a time of the exported range.
-Matrix LocalAt(const ExportNode& record, float time) {
+template <typename Key>
+bool IsCubic(vl::Array* track) {
+    const vl::ArrayOf<Key*> keys(track);
+    return !keys.IsEmpty() && static_cast<int>(keys[0]->fParams[0]) == vl::zr::kInterpolationCubic;
+}
+
+// The record's transform relative to its parent, at a time of the scene and the same one of the exported range.
+Matrix LocalAt(const ExportNode& record, float sceneTime, float time) {
     if (record.pPosKeys == nullptr && record.pRotKeys == nullptr && record.pScaleKeys == nullptr)
         return record.mLocal;
+    // Cubic keys that the run leaves as they are keep their curve, of which the record knows no slopes.
+    if (IsCubic<ExportPositionKey>(record.pPosKeys) || IsCubic<ExportRotationKey>(record.pRotKeys) ||
+        IsCubic<ExportScaleKey>(record.pScaleKeys)) {
+        Matrix curve;
+        record.pController->EvaluateMatrix(sceneTime, 0, &curve, 0);
+        return curve;
+    }
     Matrix m;
     m.IdentityMatrix();
     m.Scale(VectorAt<ExportScaleKey>(record.pScaleKeys, time, record.vScale));
@@ -108,6 +121,30 @@ double Distance(const Matrix& a, const Matrix& b) {
     return greatest;
 }
 
+// Times at even distances, and those of the keys, which are the ones that dropping keys moves most; of many, some.
+std::vector<float> ComparedTimes(kernix::SceneModel& scene, const kernix::AnimationModel& animation, std::size_t most) {
+    std::vector<float> keys;
+    for (vl::zr::Track* plain : animation.Tracks()) {
+        const auto* track = dynamic_cast<kernix::TransformTrack*>(plain);
+        if (track == nullptr) continue;
+        for (const int type : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
+            for (int i = 0; i < track->Count(type); ++i) keys.push_back(track->Get(type, i)->m_fTime);
+        }
+    }
+    std::sort(keys.begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+    const float start = scene.GetStartTime(nullptr);
+    const float end = scene.GetEndTime(nullptr);
+    const std::size_t even = std::max<std::size_t>(most / 2, 2);
+    std::vector<float> times;
+    for (std::size_t i = 0; i < even; ++i) {
+        times.push_back(start + (end - start) * static_cast<float>(i) / static_cast<float>(even - 1));
+    }
+    const std::size_t step = keys.size() / even + 1;
+    for (std::size_t i = 0; i < keys.size(); i += step) times.push_back(keys[i]);
+    return times;
+}
+
 }  // namespace
 
 std::size_t CountKeys(const kernix::AnimationModel& animation) {
@@ -141,17 +178,14 @@ void CompareMotion(const Tool& tool, kernix::SceneModel& scene, const kernix::An
 
     const std::vector<std::size_t> compared = Compared(records);
     if (compared.empty() || !options.Has(vl::tk::kExtractKeys)) return;
-    const float start = scene.GetStartTime(nullptr);
-    const float end = scene.GetEndTime(nullptr);
-    const std::size_t times = std::clamp<std::size_t>(kMaxTransforms / records.size(), 2, kMaxTimes);
+    const std::size_t most = std::min(kMaxTransforms / records.size(), kMaxTimes);
     const float before = scene.GetCurrentTime();
     std::vector<Matrix> worlds(records.size());
-    for (std::size_t i = 0; i < times; ++i) {
-        const float time = start + (end - start) * static_cast<float>(i) / static_cast<float>(times - 1);
+    for (const float time : ComparedTimes(scene, animation, most)) {
         scene.SetCurrentTime(time, 1);
         for (const ExportNode* record : walk) {
             Matrix& world = worlds[place[record]];
-            world = LocalAt(*record, tool->MapTime(time));
+            world = LocalAt(*record, time, tool->MapTime(time));
             if (record->pParent != nullptr) world.Transform(worlds[place[record->pParent]]);
         }
         for (const std::size_t index : compared) {

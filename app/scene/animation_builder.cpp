@@ -84,19 +84,23 @@ void AnimationBuilder::Build() {
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
             const Goal goal = GoalOf(*channel.Find("target"));
             if (goal.path.empty()) continue;
-            if (!IsReadable(m_loaded.m_document, sampler))
-                m_loaded.m_unreadable.push_back(Join("/animations/", i, "/channels/", k));
-            else
-                Channel(i, k, sampler, goal);
+            const char* reason = nullptr;
+            if (!IsReadable(m_loaded.m_document, sampler)) {
+                reason = "its data is stored in a form that cannot be read";
+            } else if (!Channel(i, k, sampler, goal)) {
+                reason = "nothing in the scene shows what it moves";
+            }
+            if (reason != nullptr)
+                m_loaded.m_skipped.push_back({i, Join("/animations/", i, "/channels/", k), reason});
         }
     }
 }
 
-void AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const Json& sampler,
+bool AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const Json& sampler,
                                const Goal& goal) {
     kernix::AnimationModel* model = m_loaded.m_animations[animation];
     kernix::NodeModel* node = goal.node != kNone ? m_loaded.m_nodes[goal.node] : nullptr;
-    if (goal.node != kNone && node == nullptr) return;
+    if (goal.node != kNone && node == nullptr) return false;
     const int keyType = KeyTypeOf(goal.path);
     LoadedChannel loaded{animation, channel, {}, keyType};
     if (keyType != 0) {
@@ -105,7 +109,7 @@ void AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const
         loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
     } else {
         kernix::SampledControllerModel* controller = SampledController(goal);
-        if (controller == nullptr) return;
+        if (controller == nullptr) return false;
         Curve curve = ReadCurve(m_loaded.m_document, sampler);
         kernix::SampledTrack* track = controller->AddSampledTrack(model);
         track->m_interpolation = curve.interpolation;
@@ -114,6 +118,7 @@ void AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const
         loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
     }
     m_loaded.m_channels.push_back(std::move(loaded));
+    return true;
 }
 
 // The controller stands at what it moves: a node for its weights, a material, or the first node that shows

@@ -33,7 +33,8 @@ private:
     };
 
     static Goal GoalOf(const gltf::Json& target);
-    void Channel(std::size_t animation, std::size_t channel, const gltf::Json& sampler, const Goal& goal);
+    // False when the scene does not show what the channel moves.
+    bool Channel(std::size_t animation, std::size_t channel, const gltf::Json& sampler, const Goal& goal);
     kernix::SampledControllerModel* SampledController(const Goal& goal);
     kernix::NodeModel* FirstShowing(gltf::Kind kind, std::size_t index);
 

@@ -32,6 +32,13 @@ struct LoadedChannel {
     int keyType = 0;  // of a transform controller; 0 for other controllers
 };
 
+// A channel of the document that the scene does not play.
+struct SkippedChannel {
+    std::size_t animation;
+    std::string place;  // "/animations/0/channels/2"
+    std::string reason;
+};
+
 // Why an element stays that an operation might otherwise take.
 struct KeptElement {
     gltf::Kind kind;
@@ -60,8 +67,7 @@ public:
     kernix::AnimationModel* Animation(std::size_t index) const { return m_animations[index]; }
 
     const std::vector<KeptElement>& Kept() const { return m_kept; }
-    // Animation data that is stored in a form that cannot be read; such channels have no keys in the scene.
-    const std::vector<std::string>& Unreadable() const { return m_unreadable; }
+    const std::vector<SkippedChannel>& Skipped() const { return m_skipped; }
 
     // Brings into the document what changed in the scene since it was made: nodes, materials, animations and
     // keys that went, were merged or were added, metadata that was emptied, layers and viewports. Call once;
@@ -84,7 +90,7 @@ private:
     std::vector<kernix::ViewportModel*> m_viewports;  // the same; empty when the host gave its own
     std::vector<std::size_t> m_extrasNodes;           // nodes whose metadata came from extras
     std::vector<KeptElement> m_kept;
-    std::vector<std::string> m_unreadable;
+    std::vector<SkippedChannel> m_skipped;
 };
 
 }  // namespace zr
