@@ -28,6 +28,7 @@ struct BitFlag {
 constexpr BitFlag kExportFlags[] = {
     {"--no-lights", vl::tk::kExportLights, false, "Leave lights out; their nodes stay as groups"},
     {"--no-cameras", vl::tk::kExportCameras, false, "Leave cameras out; their nodes stay as groups"},
+    {"--system-camera", vl::tk::kExportSystemCamera, true, "Export the host's own view camera, which frames the scene"},
     {"--no-bones", vl::tk::kExportBones, false, "Bones are no reason to keep a node"},
     {"--no-notes", vl::tk::kExportNotes, false, "Leave notes out"},
     {"--no-lines", vl::tk::kNoSecondary, true, "Meshes of lines alone are no reason to export a mesh (with --no-empty-meshes)"},

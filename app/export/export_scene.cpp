@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/export_scene.h"
 
+#include <optional>
 #include <stdexcept>
 
 #include "app/export/added_keys.h"
@@ -10,6 +11,7 @@
 #include "app/export/record_keys.h"
 #include "app/export/record_names.h"
 #include "app/export/record_nodes.h"
+#include "app/export/view_camera.h"
 #include "host/stream.h"
 #include "kernix/utf.h"
 
@@ -50,6 +52,8 @@ kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
 MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
                          std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
+    std::optional<ViewCamera> camera;
+    if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
     if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
@@ -77,7 +81,9 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     if (all != nullptr) scene.DeleteAnimation(all);
     if (renameMap != nullptr) *renameMap = RenameMap(records);
     WriteMaterialNames(loaded, records);
-    WriteAddedKeys(loaded, WriteRecordNodes(loaded, records, options), added);
+    const std::vector<std::size_t> nodes = WriteRecordNodes(loaded, records, options);
+    if (camera) camera->Write(loaded.Document(), records, nodes, options);
+    WriteAddedKeys(loaded, nodes, added);
     loaded.WriteBack();
     if (options.Has(vl::tk::kFlipAxes)) FlipObjects(loaded.Document());
     progress(1);
@@ -86,6 +92,7 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file,
                            std::string* renameMap) {
+    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
     MotionReport report;
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);

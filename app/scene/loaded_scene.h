@@ -51,6 +51,7 @@ public:
 
     kernix::SceneModel& Scene() { return *m_scene; }
     gltf::Document& Document() { return m_document; }
+    const gltf::Document& Document() const { return m_document; }
 
     // By index in the document; null for what is not in the scene.
     kernix::NodeModel* Node(std::size_t index) const { return m_nodes[index]; }
