@@ -194,5 +194,28 @@ TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
     EXPECT_TRUE(gltf::EqualJson(tree.Build(map), expected)) << map;
 }
 
+TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
+    for (const bool wanted : {false, true}) {
+        LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
+            "nodes": [{"translation": [1, 2, 3], "rotation": [0, 0.6, 0, 0.8]}]})"));
+        auto* track =
+            loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"grow"));
+        for (const float time : {0.0f, 1.0f}) track->AddScale(time)->m_value = {1 + time, 1, 1};
+        ExportOptions options;
+        if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
+        const gltf::test::TemporaryFolder folder;
+        ExportRecords(TheHost(), loaded, options, folder / "out.json");
+        gltf::JsonTree tree;
+        const gltf::Json root = tree.Build(folder.Read("out.json"));
+        const gltf::Json& node = root.Find("nodes")->Items()[0];
+        EXPECT_EQ(node.Find("scaleKeys")->Items().size(), 2u);
+        const gltf::Json expected =
+            tree.Build(wanted ? R"([[{"time": 0, "value": [1, 2, 3]}], [{"time": 0, "value": [0, 0.6, 0, 0.8]}]])"
+                              : "[[], []]");
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("positionKeys"), expected.Items()[0])) << wanted;
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("rotationKeys"), expected.Items()[1])) << wanted;
+    }
+}
+
 }  // namespace
 }  // namespace zr
