@@ -45,7 +45,8 @@ void PrintAnimations(Host& host, LoadedScene& loaded) {
                     static_cast<double>(scene.GetEndTime(animation)), animation->Tracks().size(), keys,
                     viewports.empty() ? "unused" : "used by ", viewports.c_str());
     }
-    for (const std::string& channel : loaded.Unreadable()) std::printf("unreadable  %s\n", channel.c_str());
+    for (const UnreadableChannel& channel : loaded.Unreadable())
+        std::printf("unreadable  %s\n", channel.Place().c_str());
 }
 
 }  // namespace

@@ -48,6 +48,9 @@ int RunExport(Session& session, ExportArguments& arguments) {
         files.Add(gltf::PathOf(arguments.RenameMapFile()), gltf::BytesOf(renameMap));
         files.Commit();
     }
+    if (!report.unreadKeys.empty()) {
+        std::fprintf(stderr, "zr: %s: %s\n", arguments.Scene().c_str(), report.unreadKeys.c_str());
+    }
     std::printf("%s\n", Describe(report).c_str());
     return 0;
 }

@@ -52,7 +52,8 @@ void AddInfoCommand(CLI::App& app, Session& session) {
             std::printf("module      %s, version %s\n", kernix::ToUtf8(host.ModuleDescription()).c_str(),
                         kernix::ToUtf8(host.ModuleVersion()).c_str());
             PrintScene(loaded.Scene());
-            for (const std::string& channel : loaded.Unreadable()) std::printf("unreadable  %s\n", channel.c_str());
+            for (const UnreadableChannel& channel : loaded.Unreadable())
+                std::printf("unreadable  %s\n", channel.Place().c_str());
             return 0;
         });
     });

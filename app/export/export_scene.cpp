@@ -11,6 +11,7 @@
 #include "app/export/record_keys.h"
 #include "app/export/record_names.h"
 #include "app/export/record_nodes.h"
+#include "app/export/unread_keys.h"
 #include "app/export/view_camera.h"
 #include "host/stream.h"
 #include "kernix/utf.h"
@@ -65,6 +66,7 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     std::vector<AddedKeys> added;
     kernix::AnimationModel* all = animations.size() > 1 ? AddFullestTracks(scene) : nullptr;
     Tool records = RunTool(host, scene, all != nullptr ? all : animations.empty() ? nullptr : animations.front(), options);
+    report.unreadKeys = CheckUnreadKeys(loaded, records, options);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
         const Tool tool = all != nullptr ? RunTool(host, scene, animations[i], options) : records;
@@ -92,6 +94,7 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file,
                            std::string* renameMap) {
+    CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
     MotionReport report;

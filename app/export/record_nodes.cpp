@@ -103,20 +103,8 @@ private:
 
     // A transform that the records did not change stays as it is written.
     void WriteTransform(const ExportNode& record, std::size_t index) {
+        if (StandsAsItsNode(record, m_options)) return;
         const vl::Matrix4<double> local = RestLocal(record, m_options);
-        kernix::NodeModel* source = ModelOf(record.pSourceNode);
-        if (source != nullptr && source->m_source >= 0) {
-            const vl::Matrix4<double>& before = source->GetRestMatrix();
-            double size = 1;
-            for (const auto& row : before.m) {
-                for (const double value : row) size = std::max(size, std::fabs(value));
-            }
-            // What lies above the node adds rounding of its own.
-            vl::Matrix4<double> world;
-            source->GetWorldMatrix(&world, 1);
-            for (const double value : world.m[3]) size = std::max(size, std::fabs(value));
-            if (local.Equal(before, 1e-9 * size)) return;
-        }
         for (const std::string_view name : kTransformMembers) NodeAt(index).EraseMember(name);
         vl::AffineParts parts;
         local.AffineDecompose(parts);

@@ -84,10 +84,13 @@ void AnimationBuilder::Build() {
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
             const Goal goal = GoalOf(*channel.Find("target"));
             if (goal.path.empty()) continue;
-            if (!IsReadable(m_loaded.m_document, sampler))
-                m_loaded.m_unreadable.push_back(Join("/animations/", i, "/channels/", k));
-            else
+            if (IsReadable(m_loaded.m_document, sampler)) {
                 Channel(i, k, sampler, goal);
+                continue;
+            }
+            UnreadableChannel unreadable{i, k, {}};
+            if (KeyTypeOf(goal.path) != 0) unreadable.node = goal.node;
+            m_loaded.m_unreadable.push_back(unreadable);
         }
     }
 }

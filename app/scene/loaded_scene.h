@@ -30,6 +30,16 @@ struct LoadedChannel {
     int keyType = 0;  // of a transform controller; 0 for other controllers
 };
 
+// A channel whose keys are stored in a form that cannot be read. It has none in the scene; the document keeps
+// it as it is.
+struct UnreadableChannel {
+    std::size_t animation;
+    std::size_t channel;
+    std::optional<std::size_t> node;  // whose transform it moves
+
+    std::string Place() const;  // in the document
+};
+
 // Why an element stays that an operation might otherwise take.
 struct KeptElement {
     gltf::Kind kind;
@@ -50,6 +60,7 @@ public:
     ~LoadedScene();
 
     kernix::SceneModel& Scene() { return *m_scene; }
+    const kernix::SceneModel& Scene() const { return *m_scene; }
     gltf::Document& Document() { return m_document; }
     const gltf::Document& Document() const { return m_document; }
 
@@ -59,8 +70,7 @@ public:
     kernix::AnimationModel* Animation(std::size_t index) const { return m_animations[index]; }
 
     const std::vector<KeptElement>& Kept() const { return m_kept; }
-    // Animation data that is stored in a form that cannot be read; such channels have no keys in the scene.
-    const std::vector<std::string>& Unreadable() const { return m_unreadable; }
+    const std::vector<UnreadableChannel>& Unreadable() const { return m_unreadable; }
 
     // Brings into the document what changed in the scene since it was made: nodes, materials, animations and
     // keys that went, were merged or were added, metadata that was emptied, layers and viewports. Call once;
@@ -83,7 +93,7 @@ private:
     std::vector<kernix::ViewportModel*> m_viewports;  // the same; empty when the host gave its own
     std::vector<std::size_t> m_extrasNodes;           // nodes whose metadata came from extras
     std::vector<KeptElement> m_kept;
-    std::vector<std::string> m_unreadable;
+    std::vector<UnreadableChannel> m_unreadable;
 };
 
 }  // namespace zr
