@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "app/export/moved_members.h"
 #include "app/gltf/accessor.h"
-#include "app/gltf/walk.h"
 
 namespace zr {
 namespace {
@@ -31,11 +31,12 @@ public:
     void Run() {
         for (const std::size_t node : SceneNodes()) {
             Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, "matrix", kExchange,
-                  &m_meshNodes);
-            Split(node, {"camera"}, {"KHR_lights_punctual"}, "rotation", kTurn, nullptr);
+                  m_meshNodes);
+            Split(node, {"camera"}, {"KHR_lights_punctual"}, "rotation", kTurn, m_aimNodes);
         }
         for (const std::size_t skin : m_skins) FlipSkin(skin);
-        MoveWeights();
+        FollowMembers(m_document, kMeshMembers, m_meshNodes);
+        FollowMembers(m_document, kAimMembers, m_aimNodes);
     }
 
 private:
@@ -58,7 +59,7 @@ private:
     // Moves members and extensions of a node, if it has any of them, to a new child with the transform.
     void Split(std::size_t node, std::initializer_list<std::string_view> members,
                std::initializer_list<std::string_view> extensions, std::string_view transform,
-               std::span<const float> numbers, std::unordered_map<std::size_t, std::size_t>* children) {
+               std::span<const float> numbers, std::unordered_map<std::size_t, std::size_t>& children) {
         Json content = JsonTree::MakeObject();
         for (const std::string_view name : members) Move(Element(Kind::kNode, node), content, name);
         for (const std::string_view name : extensions) MoveExtension(node, content, name, {});
@@ -72,7 +73,7 @@ private:
         Json& list = m_tree.Member(Element(Kind::kNode, node), "children");
         if (!list.IsArray()) list = JsonTree::MakeArray();
         m_tree.Append(list, m_tree.MakeIndex(child));
-        if (children != nullptr) (*children)[node] = child;
+        children[node] = child;
     }
 
     void Move(Json& from, Json& to, std::string_view name) {
@@ -124,39 +125,10 @@ private:
         m_tree.Member(Element(Kind::kSkin, index), "inverseBindMatrices") = m_tree.MakeIndex(accessor);
     }
 
-    // Morph weights are the mesh's and follow it.
-    void MoveWeights() {
-        for (Json& animation : m_document.Elements(Kind::kAnimation)) {
-            Json* channels = animation.Find("channels");
-            if (channels == nullptr) continue;
-            for (Json& channel : channels->Items()) {
-                if (Json* target = channel.Find("target")) MoveWeights(*target);
-            }
-        }
-    }
-    void MoveWeights(Json& target) {
-        const Json* path = target.Find("path");
-        if (Json* node = target.Find("node");
-            node != nullptr && path != nullptr && path->String() == "weights") {
-            const auto moved = m_meshNodes.find(static_cast<std::size_t>(*node->Index()));
-            if (moved != m_meshNodes.end()) *node = m_tree.MakeIndex(moved->second);
-        }
-        Json* extensions = target.Find("extensions");
-        Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
-        Json* pointer = extension != nullptr ? extension->Find("pointer") : nullptr;
-        if (pointer == nullptr) return;
-        const std::string text(pointer->String());
-        const auto named = gltf::PointerTarget(text);
-        if (!named || named->kind != Kind::kNode || text.find("/weights") == std::string::npos) return;
-        const auto moved = m_meshNodes.find(named->index);
-        if (moved == m_meshNodes.end()) return;
-        *pointer =
-            m_tree.MakeString("/nodes/" + std::to_string(moved->second) + text.substr(text.find("/weights")));
-    }
-
     gltf::Document& m_document;
     JsonTree& m_tree;
     std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // child that a node's mesh went to
+    std::unordered_map<std::size_t, std::size_t> m_aimNodes;   // the same of its camera or light
     std::set<std::size_t> m_skins;
 };
 
