@@ -20,22 +20,33 @@ ContentIds::ContentIds(const gltf::Document& document)
 }
 
 std::uint32_t ContentIds::Text(std::string_view text) {
-    return m_texts.try_emplace(std::string(text), static_cast<std::uint32_t>(m_texts.size())).first->second;
+    const auto [known, isNew] = m_texts.try_emplace(std::string(text), m_next);
+    if (isNew) ++m_next;
+    return known->second;
 }
 
 std::uint32_t ContentIds::View(std::size_t index) {
-    if (m_views[index]) return *m_views[index];
-    const auto bytes = m_document.ViewBytes(index);
+    std::optional<std::uint32_t>& number = m_views[index];
+    if (number) return *number;
     // What cannot be read equals only itself.
-    std::string content = bytes ? std::string(1, 'b') : Join("view ", index);
-    if (bytes) content.append(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-    return *(m_views[index] = Text(content));
+    const auto bytes = m_document.ViewBytes(index);
+    if (!bytes) return *(number = m_next++);
+    const std::string_view content(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+    const std::size_t hash = std::hash<std::string_view>{}(content);
+    for (auto [at, end] = m_firstViews.equal_range(hash); at != end; ++at) {
+        const gltf::Bytes other = *m_document.ViewBytes(at->second);
+        if (std::equal(other.begin(), other.end(), bytes->begin(), bytes->end()))
+            return *(number = m_views[at->second]);
+    }
+    m_firstViews.emplace(hash, index);
+    return *(number = m_next++);
 }
 
-std::string ContentIds::AccessorContent(const Json& accessor, std::size_t index) {
+std::string ContentIds::AccessorContent(std::size_t index) const {
+    const Json& accessor = m_document.Elements(Kind::kAccessor)[index];
     const gltf::AccessorInfo info = gltf::Describe(m_document, index);
-    std::string content = Join("accessor ", static_cast<std::uint32_t>(info.component), " ", info.shape.rows,
-                               "x", info.shape.columns, " ", info.count, info.normalized ? " n " : " ");
+    std::string content = Join(static_cast<std::uint32_t>(info.component), " ", info.shape.rows, "x",
+                               info.shape.columns, " ", info.count, info.normalized ? " n " : " ");
     if (!gltf::HasData(m_document, index) ||
         (accessor.Find("bufferView") == nullptr && !accessor.Find("sparse")))
         return content + Join("unread ", index);
@@ -49,9 +60,14 @@ std::string ContentIds::AccessorContent(const Json& accessor, std::size_t index)
 }
 
 std::uint32_t ContentIds::Accessor(std::size_t index) {
-    if (!m_accessors[index])
-        m_accessors[index] = Text(AccessorContent(m_document.Elements(Kind::kAccessor)[index], index));
-    return *m_accessors[index];
+    std::optional<std::uint32_t>& number = m_accessors[index];
+    if (number) return *number;
+    const std::string content = AccessorContent(index);
+    const std::size_t hash = std::hash<std::string>{}(content);
+    for (auto [at, end] = m_firstAccessors.equal_range(hash); at != end; ++at)
+        if (AccessorContent(at->second) == content) return *(number = m_accessors[at->second]);
+    m_firstAccessors.emplace(hash, index);
+    return *(number = m_next++);
 }
 
 // Members in any order, the name aside, with what they refer to in place of indices.

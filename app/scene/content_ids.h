@@ -31,11 +31,18 @@ public:
 private:
     std::uint32_t Resolved(std::string_view kind, const gltf::Json& element);
     std::uint32_t View(std::size_t index);
-    std::string AccessorContent(const gltf::Json& accessor, std::size_t index);
+    std::string AccessorContent(std::size_t index) const;
     void Append(const gltf::Json& value, std::string_view holder, bool outermost, std::string& out);
 
+    // By hash of the content, elements of which no earlier one is equal. Content itself is not kept: it is
+    // read again where hashes are equal.
+    using Firsts = std::unordered_multimap<std::size_t, std::size_t>;
+
     const gltf::Document& m_document;
+    std::uint32_t m_next = 0;
     std::unordered_map<std::string, std::uint32_t> m_texts;
+    Firsts m_firstAccessors;
+    Firsts m_firstViews;
     std::vector<std::optional<std::uint32_t>> m_accessors;
     std::vector<std::optional<std::uint32_t>> m_textures;
     std::vector<std::optional<std::uint32_t>> m_views;

@@ -103,31 +103,35 @@ std::string MeshBuilder::FormatOf(const Json& primitive) {
     return format;
 }
 
-void MeshBuilder::AddPrimitive(const Json& primitive, Shape& shape, std::string& lists,
-                               kernix::MeshGeometry* geometry) {
+void MeshBuilder::Describe(const Json& primitive, Shape& shape, Description& description) {
     const gltf::Document& document = m_loaded.m_document;
     const std::size_t materials = document.Elements(Kind::kMaterial).size();
     const std::size_t material = IndexMember(primitive, "material", materials);
-    kernix::MaterialModel* model = material < materials ? m_loaded.Material(material) : nullptr;
     const std::size_t accessors = document.Elements(Kind::kAccessor).size();
     const std::size_t indices = IndexMember(primitive, "indices", accessors);
-    if (geometry == nullptr) {
-        shape.uses.push_back(model);
-        shape.format += FormatOf(primitive);
-        if (const Json* extensions = primitive.Find("extensions"))
-            if (const Json* variants = extensions->Find("KHR_materials_variants"))
-                if (const Json* mappings = variants->Find("mappings"))
-                    for (const Json& mapping : mappings->Items())
-                        shape.uses.push_back(m_loaded.Material(IndexMember(mapping, "material")));
-        const std::size_t positions = IndexMember(*primitive.Find("attributes"), "POSITION", accessors);
-        lists += Join(positions < accessors ? Join(m_ids.Accessor(positions)) : "none", " ",
-                      indices < accessors ? Join(m_ids.Accessor(indices)) : "none", " ",
-                      IndexMember(primitive, "mode", kTriangles), " ", material, ";");
-        return;
-    }
-    const auto first = static_cast<std::uint32_t>(geometry->positions.size() / 3);
+    const std::size_t positions = IndexMember(*primitive.Find("attributes"), "POSITION", accessors);
+    shape.uses.push_back(material < materials ? m_loaded.Material(material) : nullptr);
+    if (const Json* extensions = primitive.Find("extensions"))
+        if (const Json* variants = extensions->Find("KHR_materials_variants"))
+            if (const Json* mappings = variants->Find("mappings"))
+                for (const Json& mapping : mappings->Items())
+                    shape.uses.push_back(m_loaded.Material(IndexMember(mapping, "material")));
+    description.format += FormatOf(primitive);
+    description.lists += Join(positions < accessors ? Join(m_ids.Accessor(positions)) : "none", " ",
+                              indices < accessors ? Join(m_ids.Accessor(indices)) : "none", " ",
+                              IndexMember(primitive, "mode", kTriangles), " ", material, ";");
+}
+
+void MeshBuilder::AddPrimitive(const Json& primitive, kernix::MeshGeometry& geometry) {
+    const gltf::Document& document = m_loaded.m_document;
+    const std::size_t materials = document.Elements(Kind::kMaterial).size();
+    const std::size_t material = IndexMember(primitive, "material", materials);
+    const kernix::MaterialModel* model = material < materials ? m_loaded.Material(material) : nullptr;
+    const std::size_t accessors = document.Elements(Kind::kAccessor).size();
+    const std::size_t indices = IndexMember(primitive, "indices", accessors);
+    const auto first = static_cast<std::uint32_t>(geometry.positions.size() / 3);
     const std::vector<float> positions = Positions(primitive);
-    geometry->positions.insert(geometry->positions.end(), positions.begin(), positions.end());
+    geometry.positions.insert(geometry.positions.end(), positions.begin(), positions.end());
     std::vector<std::uint32_t> order;
     if (Compressed(primitive) != nullptr) return;
     if (indices < accessors) {
@@ -139,7 +143,7 @@ void MeshBuilder::AddPrimitive(const Json& primitive, Shape& shape, std::string&
     // Indices into positions that could not be read lead nowhere.
     for (std::uint32_t index : order)
         if (index >= positions.size() / 3) return;
-    AddLists(IndexMember(primitive, "mode", kTriangles), order, first, *geometry,
+    AddLists(IndexMember(primitive, "mode", kTriangles), order, first, geometry,
              model != nullptr ? model->GetId() : kNoMaterial);
 }
 
@@ -148,18 +152,18 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     Shape& shape = known->second;
     if (!isNew) return shape;
     const Json& json = m_loaded.m_document.Elements(Kind::kMesh)[mesh];
-    std::string lists;
-    for (const Json& primitive : json.Find("primitives")->Items())
-        AddPrimitive(primitive, shape, lists, nullptr);
+    Description description;
+    for (const Json& primitive : json.Find("primitives")->Items()) Describe(primitive, shape, description);
     for (std::string_view name : {"weights", "extensions"})
         if (const Json* member = json.Find(name))
-            shape.format += Join(name, "=", m_ids.Canonical(*member), ";");
+            description.format += Join(name, "=", m_ids.Canonical(*member), ";");
+    shape.format = m_ids.Text(description.format);
 
-    std::shared_ptr<kernix::MeshGeometry>& geometry = m_geometries[lists];
+    std::shared_ptr<kernix::MeshGeometry>& geometry = m_geometries[description.lists];
     if (!geometry) {
         geometry = std::make_shared<kernix::MeshGeometry>();
         for (const Json& primitive : json.Find("primitives")->Items())
-            AddPrimitive(primitive, shape, lists, geometry.get());
+            AddPrimitive(primitive, *geometry);
         geometry->Index();
     }
     shape.geometry = geometry;
@@ -177,7 +181,7 @@ std::string MeshBuilder::SkinFormat(std::size_t skin) {
 
 vl::zr::Object3D* MeshBuilder::Build(const Json& node, const std::string& motion) {
     const Shape& shape = ShapeOf(IndexMember(node, "mesh"));
-    std::string format = "format " + shape.format;
+    std::string format = Join("format ", shape.format, ";");
     if (node.Find("skin") != nullptr) format += SkinFormat(IndexMember(node, "skin"));
     for (std::string_view name : {"weights", "extensions", "camera"})
         if (const Json* member = node.Find(name))

@@ -26,12 +26,18 @@ private:
     struct Shape {
         std::shared_ptr<kernix::MeshGeometry> geometry;
         std::vector<kernix::MaterialModel*> uses;
-        std::string format;  // all that is drawn and is no position, list or material
+        std::uint32_t format = 0;  // number of all that is drawn and is no position, list or material
     };
 
     const Shape& ShapeOf(std::size_t mesh);
-    void AddPrimitive(const gltf::Json& primitive, Shape& shape, std::string& lists,
-                      kernix::MeshGeometry* geometry);
+    // What a mesh is made of, as texts.
+    struct Description {
+        std::string lists;
+        std::string format;
+    };
+
+    void Describe(const gltf::Json& primitive, Shape& shape, Description& description);
+    void AddPrimitive(const gltf::Json& primitive, kernix::MeshGeometry& geometry);
     std::string FormatOf(const gltf::Json& primitive);
     std::string SkinFormat(std::size_t skin);
     std::vector<float> Positions(const gltf::Json& primitive) const;
