@@ -13,19 +13,12 @@
 #include "app/export/record_nodes.h"
 #include "app/export/unread_keys.h"
 #include "app/export/view_camera.h"
+#include "app/scene/animations_of.h"
 #include "host/stream.h"
 #include "kernix/utf.h"
 
 namespace zr {
 namespace {
-
-std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
-    std::vector<kernix::AnimationModel*> animations;
-    for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(scene.m_pAnimations)) {
-        animations.push_back(static_cast<kernix::AnimationModel*>(animation));
-    }
-    return animations;
-}
 
 // Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks for
 // the records that fit all the others; it is to be deleted again.
@@ -57,9 +50,9 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
     if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
-        for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
+        for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
-    const std::vector<kernix::AnimationModel*> animations = Animations(scene);
+    const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
     MotionReport report;
     for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
     BakeCurves(scene, options);
