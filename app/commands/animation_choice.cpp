@@ -26,14 +26,6 @@ std::string Candidates(const std::vector<kernix::AnimationModel*>& animations) {
     return text;
 }
 
-std::vector<kernix::AnimationModel*> AnimationsOf(kernix::SceneModel& scene) {
-    std::vector<kernix::AnimationModel*> animations;
-    for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(scene.m_pAnimations)) {
-        animations.push_back(static_cast<kernix::AnimationModel*>(animation));
-    }
-    return animations;
-}
-
 kernix::AnimationModel* ChooseAnimation(kernix::SceneModel& scene, const std::string& name) {
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
     const std::u16string wanted = kernix::ToUtf16(name);

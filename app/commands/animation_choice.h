@@ -4,12 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "kernix/scene/scene_model.h"
+#include "app/scene/animations_of.h"
 
 namespace zr {
-
-// The scene's animations, in their order.
-std::vector<kernix::AnimationModel*> AnimationsOf(kernix::SceneModel& scene);
 
 // "the scene has 0 "walk", 1 "run"", cut where it grows long.
 std::string Candidates(const std::vector<kernix::AnimationModel*>& animations);

@@ -76,7 +76,10 @@ std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animat
     for (const SkippedChannel& skipped : loaded.Skipped()) {
         kernix::AnimationModel* animation = loaded.Animation(skipped.animation);
         if (std::find(animations.begin(), animations.end(), animation) != animations.end())
-            lines.push_back(Join(skipped.place, " of ", Quoted(*animation), ": ", skipped.reason));
+            lines.push_back(Join(skipped.Place(), " of ", Quoted(*animation), ": ",
+                                 skipped.reason == Skipped::kUnreadable
+                                     ? "its data is stored in a form that cannot be read"
+                                     : "nothing in the scene shows what it moves"));
     }
     return lines;
 }

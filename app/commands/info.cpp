@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/commands/animation_choice.h"
 #include "app/commands/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
+#include "app/scene/animations_of.h"
 #include "app/scene/loaded_scene.h"
 #include "kernix/utf.h"
 

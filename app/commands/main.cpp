@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/commands/commands.h"
+#include "app/commands/large_heap.h"
 #include "app/commands/session.h"
 
 namespace {
@@ -33,6 +34,7 @@ int RunCommand(zr::Session& session) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zr::UseLargeHeap();
     zr::Session session;
     CLI::App app("Prepares, cleans and exports animated glTF scenes, and turns text into geometry.", "zr");
     app.require_subcommand(1);

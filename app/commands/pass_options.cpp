@@ -16,6 +16,10 @@ namespace {
 const std::map<std::string, std::uint32_t> kTargets = {
     {"records", vl::tk::kCameraTargetRecords | vl::tk::kLightTargetRecords},
     {"keys", vl::tk::kCameraTargetKeys | vl::tk::kLightTargetKeys},
+    {"camera-records", vl::tk::kCameraTargetRecords},
+    {"light-records", vl::tk::kLightTargetRecords},
+    {"camera-keys", vl::tk::kCameraTargetKeys},
+    {"light-keys", vl::tk::kLightTargetKeys},
 };
 
 const std::map<std::string, std::uint32_t> kNames = {
@@ -36,14 +40,21 @@ void PassOptions::AddTo(CLI::App& command) {
         .add_option(
             "--targets", m_targets,
             "What cameras and lights aim at: nodes of their own (records), or further keys of the camera "
-            "or light (keys)")
+            "or light (keys); camera-records and the like for one kind alone")
+        ->delimiter(',')
+        ->expected(1)
+        ->take_all()
         ->check(CLI::IsMember(kTargets));
+    command.add_flag("--assign-names", m_assignNames,
+                     "Name nodes by the tools' rules (implied by --names, --max-name and --rename)");
     command
         .add_option(
             "--names", m_names,
             "Name nodes by these rules: unique, exact-case, wide, keep-characters, digits (a digit may come "
             "first)")
         ->delimiter(',')
+        ->expected(1)
+        ->take_all()
         ->check(CLI::IsMember(kNames));
     command.add_option("--max-name", m_maxName, "Greatest length of node names (default 32)")
         ->check(CLI::Range(4, 512));
@@ -66,9 +77,10 @@ void PassOptions::ApplyTo(Host& host, ExportOptions& options) {
     if (m_mergeKeys) options.exportFlags |= vl::tk::kMergeKeys;
     if (m_resample) options.animFlags |= vl::tk::kResampleKeys;
     if (m_flip) options.exportFlags |= vl::tk::kFlipAxes;
-    if (!m_targets.empty()) options.exportFlags |= kTargets.at(m_targets);
+    for (const std::string& targets : m_targets) options.exportFlags |= kTargets.at(targets);
 
-    if (!m_names.empty() || m_maxName != 0 || !m_renames.empty()) options.exportFlags |= vl::tk::kAssignNames;
+    m_assignNames = m_assignNames || !m_names.empty() || m_maxName != 0 || !m_renames.empty();
+    if (m_assignNames) options.exportFlags |= vl::tk::kAssignNames;
     for (const std::string& name : m_names) options.nameFlags |= kNames.at(name);
     if (m_maxName != 0) options.maxNameLength = m_maxName;
     if (m_maxMaterialName != 0) options.maxMaterialNameLength = m_maxMaterialName;

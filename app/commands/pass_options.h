@@ -34,7 +34,8 @@ private:
     bool m_mergeKeys = false;
     bool m_resample = false;
     bool m_flip = false;
-    std::string m_targets;
+    std::vector<std::string> m_targets;
+    bool m_assignNames = false;
     std::vector<std::string> m_names;
     int m_maxName = 0;
     int m_maxMaterialName = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/export_scene.h"
 
+#include <optional>
 #include <stdexcept>
 
 #include "app/export/added_keys.h"
@@ -10,19 +11,14 @@
 #include "app/export/record_keys.h"
 #include "app/export/record_names.h"
 #include "app/export/record_nodes.h"
+#include "app/export/unread_keys.h"
+#include "app/export/view_camera.h"
+#include "app/scene/animations_of.h"
 #include "host/stream.h"
 #include "kernix/utf.h"
 
 namespace zr {
 namespace {
-
-std::vector<kernix::AnimationModel*> Animations(kernix::SceneModel& scene) {
-    std::vector<kernix::AnimationModel*> animations;
-    for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(scene.m_pAnimations)) {
-        animations.push_back(static_cast<kernix::AnimationModel*>(animation));
-    }
-    return animations;
-}
 
 // Runs the tools on the animation with its curves as these need them, and compares with the curves as they are.
 Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation, const ExportOptions& options,
@@ -60,11 +56,13 @@ kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
 MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
                          std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
+    std::optional<ViewCamera> camera;
+    if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
     if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
-        for (kernix::AnimationModel* animation : Animations(scene)) scene.DeleteAnimation(animation);
+        for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
-    const std::vector<kernix::AnimationModel*> animations = Animations(scene);
+    const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
     MotionReport report;
     for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
     std::vector<AddedKeys> added;
@@ -86,9 +84,12 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
         TakeBackKeys(tool, scene, *animations[i], options);
     }
     if (all != nullptr) scene.DeleteAnimation(all);
+    report.unreadKeys = CheckUnreadKeys(loaded, records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(records);
     WriteMaterialNames(loaded, records);
-    WriteAddedKeys(loaded, WriteRecordNodes(loaded, records, options), added);
+    const std::vector<std::size_t> nodes = WriteRecordNodes(loaded, records, options);
+    if (camera) camera->Write(loaded.Document(), records, nodes, options);
+    WriteAddedKeys(loaded, nodes, added);
     loaded.WriteBack();
     if (options.Has(vl::tk::kFlipAxes)) FlipObjects(loaded.Document());
     progress(1);
@@ -97,6 +98,8 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file,
                            std::string* renameMap) {
+    CheckUnreadRecordKeys(loaded, options);
+    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
     MotionReport report;
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);

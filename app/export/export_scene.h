@@ -17,7 +17,7 @@ using ExportProgress = std::function<void(double)>;
 
 // Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
 // nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
-// and when nothing is to be exported. renameMap: null, or receives the text of the map (RenameMap).
+// when keys that cannot be read would have to change, and when nothing is to be exported. renameMap: null, or receives the text of the map (RenameMap).
 MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
                          std::string* renameMap = nullptr);
 

@@ -10,8 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "app/export/moved_members.h"
 #include "app/gltf/accessor.h"
-#include "app/gltf/walk.h"
 
 namespace zr {
 namespace {
@@ -42,12 +42,15 @@ public:
             const auto mesh =
                 Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, placed(kExchange));
             if (mesh) m_meshNodes[node] = *mesh;
+            const auto aimed = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
+            if (!aimed) continue;
+            m_aimNodes[node] = *aimed;
             // What a camera or light aims at goes with it.
-            const auto camera = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
-            if (camera) MoveExtension(node, Element(Kind::kNode, *camera), "ZR_scene", "target");
+            MoveExtension(node, Element(Kind::kNode, *aimed), "ZR_scene", "target");
         }
         for (const std::size_t skin : m_skins) FlipSkin(skin);
-        MoveWeights();
+        FollowMembers(m_document, kMeshMembers, m_meshNodes);
+        FollowMembers(m_document, kAimMembers, m_aimNodes);
     }
 
 private:
@@ -158,39 +161,10 @@ private:
         m_tree.Member(Element(Kind::kSkin, index), "inverseBindMatrices") = m_tree.MakeIndex(accessor);
     }
 
-    // Morph weights are the mesh's and follow it.
-    void MoveWeights() {
-        for (Json& animation : m_document.Elements(Kind::kAnimation)) {
-            Json* channels = animation.Find("channels");
-            if (channels == nullptr) continue;
-            for (Json& channel : channels->Items()) {
-                if (Json* target = channel.Find("target")) MoveWeights(*target);
-            }
-        }
-    }
-    void MoveWeights(Json& target) {
-        const Json* path = target.Find("path");
-        if (Json* node = target.Find("node");
-            node != nullptr && path != nullptr && path->String() == "weights") {
-            const auto moved = m_meshNodes.find(static_cast<std::size_t>(*node->Index()));
-            if (moved != m_meshNodes.end()) *node = m_tree.MakeIndex(moved->second);
-        }
-        Json* extensions = target.Find("extensions");
-        Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
-        Json* pointer = extension != nullptr ? extension->Find("pointer") : nullptr;
-        if (pointer == nullptr) return;
-        const std::string text(pointer->String());
-        const auto named = gltf::PointerTarget(text);
-        if (!named || named->kind != Kind::kNode || text.find("/weights") == std::string::npos) return;
-        const auto moved = m_meshNodes.find(named->index);
-        if (moved == m_meshNodes.end()) return;
-        *pointer =
-            m_tree.MakeString("/nodes/" + std::to_string(moved->second) + text.substr(text.find("/weights")));
-    }
-
     gltf::Document& m_document;
     JsonTree& m_tree;
     std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // child that a node's mesh went to
+    std::unordered_map<std::size_t, std::size_t> m_aimNodes;   // the same of its camera or light
     std::set<std::size_t> m_skins;
 };
 

@@ -17,6 +17,7 @@ struct MotionReport {
     double time = 0;        // seconds of the scene's time
     std::string node;       // where; empty when nothing was compared
     std::string animation;  // of the node's motion
+    std::string unreadKeys;  // which keys could not be read and go out as they are; empty: none
 };
 
 // Keys of the transforms that the animation moves.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/record_json.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "app/export/record_names.h"
@@ -68,36 +69,43 @@ private:
         PutMatrix(node, "world", record.mWorld);
         PutInt(node, "source", SourceOf(record));
         if (record.pTarget != nullptr) PutInt(node, "target", m_index[record.pTarget]);
-        m_tree.Member(node, "positionKeys") = VectorKeys<ExportPositionKey>(record.pPosKeys);
-        m_tree.Member(node, "rotationKeys") = RotationKeys(record.pRotKeys);
-        m_tree.Member(node, "scaleKeys") = VectorKeys<ExportScaleKey>(record.pScaleKeys);
+        m_tree.Member(node, "positionKeys") = Keys(record, vl::zr::kKeyPosition, record.pPosKeys, &Tools::GetPositionKey);
+        m_tree.Member(node, "rotationKeys") = Keys(record, vl::zr::kKeyRotation, record.pRotKeys, &Tools::GetRotationKey);
+        m_tree.Member(node, "scaleKeys") = Keys(record, vl::zr::kKeyScale, record.pScaleKeys, &Tools::GetScaleKey);
         return node;
     }
 
+    using Tools = vl::tk::Serializer;
+
+    // The keys of a track and, where the tools count a key that is not there, the value at rest.
     template <typename Key>
-    Json VectorKeys(vl::Array* keys) {
+    Json Keys(ExportNode& record, int track, vl::Array* keys, int (Tools::*get)(ExportNode*, int, Key*)) {
+        const int count = std::max(vl::ArrayOf<Key*>(keys).Count(), m_tool->GetKeyCount(&record, track));
         Json list = JsonTree::MakeArray();
-        for (const Key* key : vl::ArrayOf<Key*>(keys)) {
-            Json item = JsonTree::MakeObject();
-            Put(item, "time", key->fTime);
-            Put(item, "value", {key->vValue.x, key->vValue.y, key->vValue.z});
-            m_tree.Append(list, item);
+        for (int i = 0; i < count; ++i) {
+            Key key;
+            (m_tool.Get()->*get)(&record, i, &key);
+            m_tree.Append(list, KeyItem(key));
         }
         return list;
     }
 
-    Json RotationKeys(vl::Array* keys) {
-        Json list = JsonTree::MakeArray();
-        for (const auto* key : vl::ArrayOf<ExportRotationKey*>(keys)) {
-            Json item = JsonTree::MakeObject();
-            Put(item, "time", key->fTime);
-            Put(item, "value", {key->qValue.x, key->qValue.y, key->qValue.z, key->qValue.w});
-            if (m_options.Has(vl::tk::kAngleAxisKeys)) {
-                Put(item, "axisAngle", {key->aaValue.x, key->aaValue.y, key->aaValue.z, key->aaValue.angle});
-            }
-            m_tree.Append(list, item);
+    template <typename Key>
+    Json KeyItem(const Key& key) {
+        Json item = JsonTree::MakeObject();
+        Put(item, "time", key.fTime);
+        Put(item, "value", {key.vValue.x, key.vValue.y, key.vValue.z});
+        return item;
+    }
+
+    Json KeyItem(const ExportRotationKey& key) {
+        Json item = JsonTree::MakeObject();
+        Put(item, "time", key.fTime);
+        Put(item, "value", {key.qValue.x, key.qValue.y, key.qValue.z, key.qValue.w});
+        if (m_options.Has(vl::tk::kAngleAxisKeys)) {
+            Put(item, "axisAngle", {key.aaValue.x, key.aaValue.y, key.aaValue.z, key.aaValue.angle});
         }
-        return list;
+        return item;
     }
 
     const Tool& m_tool;

@@ -7,6 +7,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "app/export/moved_members.h"
 #include "app/export/record_rest.h"
 #include "kernix/utf.h"
 
@@ -17,9 +18,7 @@ using gltf::Json;
 using gltf::JsonTree;
 using gltf::Kind;
 
-// Members of a node that belong to what it shows.
-constexpr std::string_view kObjectMembers[] = {"mesh", "skin", "weights", "camera"};
-constexpr std::string_view kObjectExtensions[] = {"KHR_lights_punctual", "EXT_mesh_gpu_instancing"};
+constexpr std::string_view kInExtensions = "extensions/";
 constexpr std::string_view kTransformMembers[] = {"matrix", "translation", "rotation", "scale"};
 
 // Angle of turned scale axes above which a transform needs a matrix, radians.
@@ -36,7 +35,7 @@ public:
         for (ExportNode* record : AllRecords(m_tool)) WriteNode(*record);
         WriteRoots();
         MoveJoints();
-        MoveWeights();
+        FollowMembers(m_document, kObjectMembers, m_objectMoved);
         DeleteRejected();
         std::vector<std::size_t> nodes;
         for (const ExportNode* record : AllRecords(m_tool)) nodes.push_back(m_index[record]);
@@ -65,25 +64,39 @@ private:
         const auto from = static_cast<std::size_t>(model.m_source);
         const auto carrier = m_carrier.find(&model);
         if (carrier != m_carrier.end() && m_index[carrier->second] == from) return;
-        if (carrier != m_carrier.end()) m_meshMoved[from] = m_index[carrier->second];
-        for (const std::string_view name : kObjectMembers) {
-            const Json* member = NodeAt(from).Find(name);
+        if (carrier != m_carrier.end()) {
+            m_objectMoved[from] = m_index[carrier->second];
+        } else {
+            DropWeights(model);
+        }
+        for (std::string_view name : kObjectMembers) {
+            const bool isExtension = name.starts_with(kInExtensions);
+            if (isExtension) name.remove_prefix(kInExtensions.size());
+            Json* holder = isExtension ? NodeAt(from).Find("extensions") : &NodeAt(from);
+            const Json* member = holder != nullptr ? holder->Find(name) : nullptr;
             if (member == nullptr) continue;
             const Json value = *member;
-            NodeAt(from).EraseMember(name);
-            if (carrier != m_carrier.end()) m_tree.Member(NodeAt(m_index[carrier->second]), name) = value;
-        }
-        for (const std::string_view name : kObjectExtensions) {
-            Json* extensions = NodeAt(from).Find("extensions");
-            const Json* extension = extensions != nullptr ? extensions->Find(name) : nullptr;
-            if (extension == nullptr) continue;
-            const Json value = *extension;
-            extensions->EraseMember(name);
-            if (extensions->Members().empty()) NodeAt(from).EraseMember("extensions");
+            holder->EraseMember(name);
+            if (isExtension && holder->Members().empty()) NodeAt(from).EraseMember("extensions");
             if (carrier == m_carrier.end()) continue;
-            Json& target = m_tree.Member(NodeAt(m_index[carrier->second]), "extensions");
-            if (!target.IsObject()) target = JsonTree::MakeObject();
-            m_tree.Member(target, name) = value;
+            Json* target = &NodeAt(m_index[carrier->second]);
+            if (isExtension) {
+                target = &m_tree.Member(*target, "extensions");
+                if (!target->IsObject()) *target = JsonTree::MakeObject();
+            }
+            m_tree.Member(*target, name) = value;
+        }
+    }
+
+    // Without its mesh a node has no morph weights to move.
+    static void DropWeights(kernix::NodeModel& model) {
+        for (vl::zr::Controller* plain : vl::ArrayOf<vl::zr::Controller*>(model.m_pControllers)) {
+            auto* controller = dynamic_cast<kernix::SampledControllerModel*>(plain);
+            if (controller == nullptr || !controller->GetTarget().ends_with("/weights")) continue;
+            for (vl::zr::Track* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
+                static_cast<kernix::SampledTrack*>(track)->m_times.clear();
+                static_cast<kernix::SampledTrack*>(track)->m_values.clear();
+            }
         }
     }
 
@@ -103,20 +116,8 @@ private:
 
     // A transform that the records did not change stays as it is written.
     void WriteTransform(const ExportNode& record, std::size_t index) {
+        if (StandsAsItsNode(record, m_options)) return;
         const vl::Matrix4<double> local = RestLocal(record, m_options);
-        kernix::NodeModel* source = ModelOf(record.pSourceNode);
-        if (source != nullptr && source->m_source >= 0) {
-            const vl::Matrix4<double> before = source->GetRestMatrix();
-            double size = 1;
-            for (const auto& row : before.m) {
-                for (const double value : row) size = std::max(size, std::fabs(value));
-            }
-            // What lies above the node adds rounding of its own.
-            vl::Matrix4<double> world;
-            source->GetWorldMatrix(&world, 1);
-            for (const double value : world.m[3]) size = std::max(size, std::fabs(value));
-            if (local.Equal(before, 1e-9 * size)) return;
-        }
         for (const std::string_view name : kTransformMembers) NodeAt(index).EraseMember(name);
         vl::AffineParts parts;
         local.AffineDecompose(parts);
@@ -210,24 +211,6 @@ private:
         }
     }
 
-    // Morph weights are animated where the mesh is.
-    void MoveWeights() {
-        if (m_meshMoved.empty()) return;
-        for (Json& animation : m_document.Elements(Kind::kAnimation)) {
-            Json* channels = animation.Find("channels");
-            if (channels == nullptr) continue;
-            for (Json& channel : channels->Items()) {
-                Json* target = channel.Find("target");
-                const Json* path = target != nullptr ? target->Find("path") : nullptr;
-                Json* node = target != nullptr ? target->Find("node") : nullptr;
-                if (path == nullptr || path->String() != "weights" || node == nullptr) continue;
-                const auto index = node->Index();
-                const auto found = index ? m_meshMoved.find(*index) : m_meshMoved.end();
-                if (found != m_meshMoved.end()) *node = m_tree.MakeIndex(found->second);
-            }
-        }
-    }
-
     void DeleteRejected() {
         std::vector<kernix::NodeModel*> rejected;
         for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_loaded.Scene().m_pNodes)) {
@@ -242,7 +225,7 @@ private:
     const Tool& m_tool;
     const ExportOptions& m_options;
     std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
-    std::unordered_map<std::size_t, std::size_t> m_meshMoved;    // from node to node
+    std::unordered_map<std::size_t, std::size_t> m_objectMoved;  // from node to node
     std::unordered_map<const kernix::NodeModel*, ExportNode*> m_exported;
     std::unordered_map<const kernix::NodeModel*, ExportNode*> m_carrier;  // of each node's object
 };

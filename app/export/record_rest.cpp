@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/record_rest.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/object.h"
 
 namespace zr {
@@ -29,6 +32,21 @@ vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& opt
     if (PlacesObject(record, options, shown)) local.SetMul(shown, local);
     if (options.Has(vl::tk::kFlipAxes)) local.Flip();
     return local;
+}
+
+bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options) {
+    auto* node = static_cast<kernix::NodeModel*>(record.pSourceNode);
+    if (node == nullptr || node->m_source < 0) return false;
+    const vl::Matrix4<double>& before = node->GetRestMatrix();
+    double size = 1;
+    for (const auto& row : before.m) {
+        for (const double value : row) size = std::max(size, std::fabs(value));
+    }
+    // What lies above the node adds rounding of its own.
+    vl::Matrix4<double> world;
+    node->GetWorldMatrix(&world, 1);
+    for (const double value : world.m[3]) size = std::max(size, std::fabs(value));
+    return RestLocal(record, options).Equal(before, 1e-9 * size);
 }
 
 }  // namespace zr

@@ -11,6 +11,10 @@ namespace zr {
 // the scene's current time, which an animation may have moved away from rest.
 vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options);
 
+// Whether the record stands, relative to its parent, where its node does in the scene. Rounding counts for
+// nothing. False for a record without a node of the document.
+bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options);
+
 // Whether the tools place the record, of a camera or light, where the host shows the object and not where its
 // node stands; shown is then the transform between the two, at the scene's current time.
 bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Matrix4<double>& shown);

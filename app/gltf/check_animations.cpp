@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <cmath>
-#include <set>
+#include <compare>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/gltf/accessor.h"
@@ -19,62 +19,88 @@ struct Path {
 };
 constexpr Path kPaths[] = {{"translation", 3}, {"rotation", 4}, {"scale", 3}};
 
+// A sampler or channel; as text only when there is a fault to tell.
+struct Part {
+    std::size_t animation;
+    std::string_view list;
+    std::size_t index;
+
+    std::string Place(std::string_view member) const {
+        return Join("/animations/", animation, "/", list, "/", index, member);
+    }
+};
+
 class Animations {
 public:
     explicit Animations(const Document& document)
         : m_document(document), m_timesRead(document.Elements(Kind::kAccessor).size(), false) {}
 
     void Animation(const Json& animation, std::size_t index) {
-        const std::string place = Join("/animations/", index);
         const Json* samplers = animation.Find("samplers");
         const Json* channels = animation.Find("channels");
         if (samplers != nullptr)
             for (std::size_t i = 0; i < samplers->Items().size(); ++i)
-                Sampler(samplers->Items()[i], Join(place, "/samplers/", i));
+                Sampler(samplers->Items()[i], {index, "samplers", i});
         if (channels == nullptr) return;
-        std::set<std::pair<std::size_t, std::string_view>> driven;
+        std::vector<Driven> driven;
+        driven.reserve(channels->Items().size());
         for (std::size_t i = 0; i < channels->Items().size(); ++i) {
             const Json& channel = channels->Items()[i];
-            const std::string channelPlace = Join(place, "/channels/", i);
+            const Part part{index, "channels", i};
             const std::size_t sampler = IndexMember(channel, "sampler");
             if (samplers == nullptr || sampler >= samplers->Items().size())
-                m_document.Fail(ErrorKind::kReference, Join(channelPlace, "/sampler"),
+                m_document.Fail(ErrorKind::kReference, part.Place("/sampler"),
                                 Join("there is no sampler ", sampler));
             const Json& target = *channel.Find("target");
-            Channel(target, samplers->Items()[sampler], channelPlace);
+            Channel(target, samplers->Items()[sampler], part);
             if (target.Find("node") == nullptr) continue;
             const std::string_view path = target.Find("path")->String();
-            if (path != "pointer" && !driven.insert({IndexMember(target, "node"), path}).second)
-                Fail(Join(channelPlace, "/target"), "another channel of the animation drives the same");
+            if (path != "pointer") driven.push_back({IndexMember(target, "node"), path, i});
         }
+        std::sort(driven.begin(), driven.end());
+        const auto twice = std::adjacent_find(driven.begin(), driven.end(), Driven::SameGoal);
+        if (twice != driven.end())
+            Fail({index, "channels", (twice + 1)->channel}, "/target",
+                 "another channel of the animation drives the same");
     }
 
 private:
-    void Sampler(const Json& sampler, const std::string& place) {
+    struct Driven {
+        std::size_t node;
+        std::string_view path;
+        std::size_t channel;
+
+        auto operator<=>(const Driven&) const = default;
+        static bool SameGoal(const Driven& a, const Driven& b) {
+            return a.node == b.node && a.path == b.path;
+        }
+    };
+
+    void Sampler(const Json& sampler, const Part& part) {
         const Json* interpolation = sampler.Find("interpolation");
         if (interpolation != nullptr && interpolation->String() != "LINEAR" &&
             interpolation->String() != "STEP" && !IsCubic(sampler))
-            Fail(Join(place, "/interpolation"), "is none of LINEAR, STEP and CUBICSPLINE");
+            Fail(part, "/interpolation", "is none of LINEAR, STEP and CUBICSPLINE");
         const std::size_t input = IndexMember(sampler, "input");
         const AccessorInfo times = Describe(m_document, input);
         if (times.component != Component::kFloat || times.shape.Components() != 1)
-            Fail(Join(place, "/input"), "key times are not floats");
+            Fail(part, "/input", "key times are not floats");
         if (times.count < (IsCubic(sampler) ? 2U : 1U))
-            Fail(Join(place, "/input"), Join(times.count, " keys make no curve"));
-        Times(input, place);
+            Fail(part, "/input", Join(times.count, " keys make no curve"));
+        Times(input, part);
     }
 
-    void Times(std::size_t accessor, const std::string& place) {
+    void Times(std::size_t accessor, const Part& part) {
         if (m_timesRead[accessor] || !HasData(m_document, accessor)) return;
         m_timesRead[accessor] = true;
         const std::vector<float> times = ReadFloats(m_document, accessor);
         for (std::size_t i = 0; i < times.size(); ++i) {
             if (std::isfinite(times[i]) && (i == 0 || times[i] > times[i - 1])) continue;
-            Fail(Join(place, "/input"), Join("key ", i, " is not later than the one before"));
+            Fail(part, "/input", Join("key ", i, " is not later than the one before"));
         }
     }
 
-    void Channel(const Json& target, const Json& sampler, const std::string& place) {
+    void Channel(const Json& target, const Json& sampler, const Part& part) {
         const std::string_view path = target.Find("path")->String();
         const std::size_t keys =
             Describe(m_document, IndexMember(sampler, "input")).count * (IsCubic(sampler) ? 3 : 1);
@@ -82,17 +108,17 @@ private:
         for (const Path& known : kPaths) {
             if (path != known.name) continue;
             if (values.shape.columns != 1 || values.shape.rows != known.components)
-                Fail(place, Join("the values of a ", path, " have ", known.components, " components"));
-            Count(values.count, keys, place);
+                Fail(part, "", Join("the values of a ", path, " have ", known.components, " components"));
+            Count(values.count, keys, part);
         }
         if (path == "pointer" && (values.count == 0 || values.count % keys != 0))
-            Fail(place, Join(values.count, " values cannot be shared among ", keys));
+            Fail(part, "", Join(values.count, " values cannot be shared among ", keys));
         if (path == "weights" && target.Find("node") != nullptr)
-            Count(values.count, keys * Weights(target), place);
+            Count(values.count, keys * Weights(target), part);
     }
 
-    void Count(std::size_t values, std::size_t wanted, const std::string& place) {
-        if (values != wanted) Fail(place, Join(values, " values where the keys need ", wanted));
+    void Count(std::size_t values, std::size_t wanted, const Part& part) {
+        if (values != wanted) Fail(part, "", Join(values, " values where the keys need ", wanted));
     }
 
     std::size_t Weights(const Json& target) const {
@@ -109,8 +135,8 @@ private:
         return interpolation != nullptr && interpolation->String() == "CUBICSPLINE";
     }
 
-    [[noreturn]] void Fail(const std::string& place, std::string_view text) {
-        m_document.Fail(ErrorKind::kAnimation, place, text);
+    [[noreturn]] void Fail(const Part& part, std::string_view member, std::string_view text) {
+        m_document.Fail(ErrorKind::kAnimation, part.Place(member), text);
     }
 
     const Document& m_document;

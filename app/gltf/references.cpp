@@ -13,7 +13,7 @@ public:
     void Value(const SchemaNode& schema, Json& value, const Place& place) override {
         if (schema.rule == nullptr) return;
         if (const auto target = TargetOf(*schema.rule, value))
-            m_visit({*target, place.Owner(), schema.rule->cut, place});
+            m_visit({*target, place.Owner(), schema.rule->cut, value, place});
     }
 
 private:

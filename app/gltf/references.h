@@ -18,6 +18,7 @@ struct Reference {
     Target target;
     std::optional<Place::Element> owner;  // the element the reference stands in; none: the document itself
     Cut cut;                              // what goes when the target goes
+    Json& value;                          // the index or pointer; may get another of the same type
     const Place& place;
 };
 // Calls visit for every reference of the document, in document order.

@@ -84,14 +84,11 @@ void AnimationBuilder::Build() {
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
             const Goal goal = GoalOf(*channel.Find("target"));
             if (goal.path.empty()) continue;
-            const char* reason = nullptr;
-            if (!IsReadable(m_loaded.m_document, sampler)) {
-                reason = "its data is stored in a form that cannot be read";
-            } else if (!Channel(i, k, sampler, goal)) {
-                reason = "nothing in the scene shows what it moves";
-            }
-            if (reason != nullptr)
-                m_loaded.m_skipped.push_back({i, Join("/animations/", i, "/channels/", k), reason});
+            const bool isReadable = IsReadable(m_loaded.m_document, sampler);
+            if (isReadable && Channel(i, k, sampler, goal)) continue;
+            SkippedChannel skipped{i, k, isReadable ? Skipped::kNotShown : Skipped::kUnreadable, {}};
+            if (KeyTypeOf(goal.path) != 0) skipped.node = goal.node;
+            m_loaded.m_skipped.push_back(skipped);
         }
     }
 }

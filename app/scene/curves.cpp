@@ -227,6 +227,7 @@ std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const C
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve) {
     const std::size_t width = WidthOf(keyType);
     const bool cubic = curve.interpolation == vl::zr::kInterpolationCubic;
+    track.Reserve(keyType, curve.times.size());
     for (std::size_t i = 0; i < curve.times.size(); ++i) {
         const float* value = curve.values.data() + (cubic ? 3 * i + 1 : i) * width;
         std::unique_ptr<kernix::Tangents> tangents;

@@ -32,11 +32,19 @@ struct LoadedChannel {
     int keyType = 0;  // of a transform controller; 0 for other controllers
 };
 
-// A channel of the document that the scene does not play.
+enum class Skipped {
+    kUnreadable,  // the keys are stored in a form that cannot be read
+    kNotShown,    // nothing in the scene shows what they move
+};
+
+// A channel of the document that the scene does not play. The document keeps it as it is.
 struct SkippedChannel {
     std::size_t animation;
-    std::string place;  // "/animations/0/channels/2"
-    std::string reason;
+    std::size_t channel;
+    Skipped reason;
+    std::optional<std::size_t> node;  // whose transform it moves
+
+    std::string Place() const;  // in the document
 };
 
 // Why an element stays that an operation might otherwise take.
@@ -59,7 +67,9 @@ public:
     ~LoadedScene();
 
     kernix::SceneModel& Scene() { return *m_scene; }
+    const kernix::SceneModel& Scene() const { return *m_scene; }
     gltf::Document& Document() { return m_document; }
+    const gltf::Document& Document() const { return m_document; }
 
     // By index in the document; null for what is not in the scene.
     kernix::NodeModel* Node(std::size_t index) const { return m_nodes[index]; }

@@ -95,7 +95,7 @@ void SceneWriter::Materials() {
         const gltf::Target& target = reference.target;
         if (target.kind != Kind::kMaterial || target.textSize != 0 || becomes[target.index] == target.index)
             return;
-        *reference.place.Steps().back().value = m_tree.MakeIndex(becomes[target.index]);
+        reference.value = m_tree.MakeIndex(becomes[target.index]);
     });
 }
 

@@ -42,6 +42,7 @@ public:
     vl::Interface* QueryComponent(int kind, int mode) override;
     int CountMaterialUses(vl::zr::Material* material, int mode) override;
 
+    const std::shared_ptr<MeshGeometry>& GetGeometry() const { return m_geometry; }
     const std::shared_ptr<FaceAttributes>& GetFaceAttributes() const { return m_attributes; }
     std::vector<MaterialModel*> m_uses;
 

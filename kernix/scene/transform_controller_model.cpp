@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "kernix/scene/animation_model.h"
 #include "kernix/scene/node_model.h"
 #include "kernix/scene/scene_model.h"
 
@@ -20,41 +19,11 @@ double NotZero(double scale) {
 
 }  // namespace
 
-TransformControllerModel::TransformControllerModel(NodeModel& node) : m_node(node), m_tracks(node.GetScene()) {
-    m_pTracks = m_tracks.Words();
-}
+TransformControllerModel::TransformControllerModel(NodeModel& node)
+    : TrackedController(node.GetScene()), m_node(node) {}
 
 // The caller may go on to change keys, so everything that depends on them is made anew from here on.
 void TransformControllerModel::Changed() { m_node.GetScene().TransformsChanged(); }
-
-TransformTrack* TransformControllerModel::Resolve(vl::zr::Track* track) const {
-    return static_cast<TransformTrack*>(track != nullptr ? track : m_tracks.Active());
-}
-
-TransformTrack* TransformControllerModel::AddTransformTrack(AnimationModel* animation) {
-    if (vl::zr::Track* track = m_tracks.Find(animation)) return static_cast<TransformTrack*>(track);
-    auto* track = new TransformTrack(animation);
-    m_tracks.Add(vl::Ref<vl::zr::Track>::Adopt(track));
-    return track;
-}
-
-vl::zr::Track* TransformControllerModel::AddTrack(vl::zr::Animation* animation) {
-    return AddTransformTrack(static_cast<AnimationModel*>(animation));
-}
-
-void TransformControllerModel::SaveTrack(vl::Stream* stream, vl::zr::Track* track, int) {
-    if (TransformTrack* resolved = Resolve(track)) resolved->Save(*stream);
-}
-
-void TransformControllerModel::LoadTrack(vl::Stream* stream, int, vl::zr::Track* track) {
-    if (TransformTrack* resolved = Resolve(track)) resolved->Load(*stream);
-    Changed();
-}
-
-void TransformControllerModel::RetimeTrack(float scale, float offset, vl::zr::Track* track) {
-    if (TransformTrack* resolved = Resolve(track)) resolved->Retime(scale, offset);
-    Changed();
-}
 
 vl::zr::RotationKey* TransformControllerModel::AddRotationKey(float time, vl::zr::Track* track) {
     TransformTrack* resolved = Resolve(track);

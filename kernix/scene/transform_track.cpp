@@ -92,6 +92,14 @@ RotationKeyModel* TransformTrack::AddRotation(float time) {
     return Insert(m_rotations, time, std::make_unique<RotationKeyModel>(*this));
 }
 
+void TransformTrack::Reserve(int keyType, std::size_t count) {
+    switch (keyType) {
+        case vl::zr::kKeyPosition: m_positions.reserve(m_positions.size() + count); break;
+        case vl::zr::kKeyRotation: m_rotations.reserve(m_rotations.size() + count); break;
+        default: m_scales.reserve(m_scales.size() + count); break;
+    }
+}
+
 int TransformTrack::Count(int keyType) const {
     switch (keyType) {
         case vl::zr::kKeyPosition: return static_cast<int>(m_positions.size());

@@ -33,6 +33,7 @@ public:
     PositionKeyModel* AddPosition(float time);
     ScaleKeyModel* AddScale(float time);
     RotationKeyModel* AddRotation(float time);
+    void Reserve(int keyType, std::size_t count);  // room for further keys
 
     int Count(int keyType) const;
     vl::zr::Key* Get(int keyType, int index) const;  // null outside

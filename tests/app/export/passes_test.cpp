@@ -151,5 +151,65 @@ TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
     EXPECT_TRUE(gltf::EqualJson(tree.Build(map), expected)) << map;
 }
 
+TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
+    for (const bool wanted : {false, true}) {
+        LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
+            "nodes": [{"translation": [1, 2, 3], "rotation": [0, 0.6, 0, 0.8]}]})"));
+        auto* track =
+            loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"grow"));
+        for (const float time : {0.0f, 1.0f}) track->AddScale(time)->m_value = {1 + time, 1, 1};
+        ExportOptions options;
+        if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
+        const gltf::test::TemporaryFolder folder;
+        ExportRecords(TheHost(), loaded, options, folder / "out.json");
+        gltf::JsonTree tree;
+        const gltf::Json root = tree.Build(folder.Read("out.json"));
+        const gltf::Json& node = root.Find("nodes")->Items()[0];
+        EXPECT_EQ(node.Find("scaleKeys")->Items().size(), 2u);
+        const gltf::Json expected =
+            tree.Build(wanted ? R"([[{"time": 0, "value": [1, 2, 3]}], [{"time": 0, "value": [0, 0.6, 0, 0.8]}]])"
+                              : "[[], []]");
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("positionKeys"), expected.Items()[0])) << wanted;
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("rotationKeys"), expected.Items()[1])) << wanted;
+    }
+}
+
+// Keys in a compressed form that cannot be read may go out as they are; what would change them is refused.
+TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
+    const auto load = [] {
+        return LoadedScene(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
+            "nodes": [{"translation": [1, 2, 3]}, {}],
+            "animations": [{"samplers": [{"input": 0, "output": 1}],
+                            "channels": [{"sampler": 0, "target": {"node": 0, "path": "translation"}}]}],
+            "accessors": [{"bufferView": 0, "componentType": 5126, "count": 1, "type": "SCALAR", "min": [0], "max": [0]},
+                          {"componentType": 5126, "count": 1, "type": "VEC3"}],
+            "bufferViews": [{"buffer": 1, "byteLength": 4,
+                             "extensions": {"EXT_meshopt_compression": {"buffer": 0, "byteLength": 3}}}],
+            "buffers": [{"byteLength": 3, "uri": "data:;base64,AAAA"}, {"byteLength": 4}]})"));
+    };
+    LoadedScene loaded = load();
+    EXPECT_EQ(Export(loaded, ExportOptions()).unreadKeys,
+              "/animations/0/channels/0: keys that cannot be read go out as they are");
+    EXPECT_EQ(Reloaded(loaded).Skipped().size(), 1u);
+
+    LoadedScene still = load();
+    ExportOptions options;
+    options.exportFlags |= vl::tk::kIgnoreAnimation;
+    EXPECT_EQ(Export(still, options).unreadKeys, "");
+
+    ExportOptions turned, reversed, without;
+    turned.sceneMatrix.RotateX(1);
+    reversed.animFlags |= vl::tk::kReverseTime;
+    without.exportFlags &= ~std::uint32_t{vl::tk::kExtractKeys};
+    for (const ExportOptions& changing : {turned, reversed, without}) {
+        LoadedScene scene = load();
+        EXPECT_THROW(Export(scene, changing), std::runtime_error);
+    }
+    const gltf::test::TemporaryFolder folder;
+    LoadedScene records = load();
+    EXPECT_THROW(ExportRecords(TheHost(), records, ExportOptions(), folder / "out.json"), std::runtime_error);
+    EXPECT_TRUE(folder.Files().empty());
+}
+
 }  // namespace
 }  // namespace zr

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "kernix/scene/scene_model.h"
+
+namespace zr {
+
+// The animations that the scene lists, in their order.
+inline std::vector<kernix::AnimationModel*> AnimationsOf(kernix::SceneModel& scene) {
+    std::vector<kernix::AnimationModel*> animations;
+    for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(scene.m_pAnimations)) {
+        animations.push_back(static_cast<kernix::AnimationModel*>(animation));
+    }
+    return animations;
+}
+
+}  // namespace zr
