@@ -165,10 +165,16 @@ void CompareMotion(const Tool& tool, kernix::SceneModel& scene, const kernix::An
     const std::vector<ExportNode*> records(all.begin(), all.end());
     std::unordered_map<const ExportNode*, std::size_t> place;
     for (std::size_t i = 0; i < records.size(); ++i) place[records[i]] = i;
-    std::vector<ExportNode*> walk;  // parents first, which the list of all records does not promise
-    for (ExportNode* root : vl::ArrayOf<ExportNode*>(tool->m_pRoots)) walk.push_back(root);
+    // Parents first, which the list of all records does not promise.
+    struct Step {
+        const ExportNode* record;
+        std::size_t place, parent;
+    };
+    std::vector<Step> walk;
+    for (ExportNode* root : vl::ArrayOf<ExportNode*>(tool->m_pRoots)) walk.push_back({root, place[root], 0});
     for (std::size_t i = 0; i < walk.size(); ++i) {
-        for (ExportNode* child : vl::ArrayOf<ExportNode*>(walk[i]->pChildren)) walk.push_back(child);
+        for (ExportNode* child : vl::ArrayOf<ExportNode*>(walk[i].record->pChildren))
+            walk.push_back({child, place[child], walk[i].place});
     }
     for (const ExportNode* record : records) {
         report.keysAfter += static_cast<std::size_t>(CountOf<ExportPositionKey>(record->pPosKeys) +
@@ -183,10 +189,10 @@ void CompareMotion(const Tool& tool, kernix::SceneModel& scene, const kernix::An
     std::vector<Matrix> worlds(records.size());
     for (const float time : ComparedTimes(scene, animation, most)) {
         scene.SetCurrentTime(time, 1);
-        for (const ExportNode* record : walk) {
-            Matrix& world = worlds[place[record]];
-            world = LocalAt(*record, time, tool->MapTime(time));
-            if (record->pParent != nullptr) world.Transform(worlds[place[record->pParent]]);
+        for (const Step& step : walk) {
+            Matrix& world = worlds[step.place];
+            world = LocalAt(*step.record, time, tool->MapTime(time));
+            if (step.record->pParent != nullptr) world.Transform(worlds[step.parent]);
         }
         for (const std::size_t index : compared) {
             const ExportNode& record = *records[index];
