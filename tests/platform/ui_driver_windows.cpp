@@ -13,8 +13,8 @@ namespace {
 constexpr UINT kTask = WM_APP;
 
 DWORD g_thread = 0;
-HWND g_tasks =
-    nullptr;  // A window without a place on the screen: what is posted to it runs in any event loop.
+// A window without a place on the screen: what is posted to it runs in any event loop.
+HWND g_tasks = nullptr;
 std::function<void()> g_steps;
 std::function<void()> g_onTextChange;
 WNDPROC g_textProcedure = nullptr;
