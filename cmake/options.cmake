@@ -29,3 +29,10 @@ if(WIN32)
     target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse>)
   endif()
 endif()
+
+# zr_precompile(TARGET): the standard headers that most files include are read once for the target.
+function(zr_precompile target)
+  target_precompile_headers(${target} PRIVATE
+    <algorithm> <array> <cmath> <cstring> <functional> <map> <memory> <optional> <string> <string_view>
+    <unordered_map> <vector>)
+endfunction()

@@ -53,6 +53,11 @@ void LocalizeCaption(const ModuleStrings& strings, HWND window) {
     if (id && caption.empty()) SetWindowTextW(window, platform::Wide(strings.Get(*id)));
 }
 
+BOOL CALLBACK LocalizeControl(HWND control, LPARAM strings) {
+    LocalizeCaption(*reinterpret_cast<const ModuleStrings*>(strings), control);
+    return TRUE;
+}
+
 }  // namespace
 
 std::optional<std::string> ReadModuleResource(HINSTANCE module, std::string_view type,
@@ -108,11 +113,7 @@ const char16_t* ModuleStrings::Get(int id) const {
 
 void ModuleStrings::LocalizeDialog(HWND dialog) const {
     LocalizeCaption(*this, dialog);
-    const auto localize = [](HWND control, LPARAM strings) -> BOOL {
-        LocalizeCaption(*reinterpret_cast<const ModuleStrings*>(strings), control);
-        return TRUE;
-    };
-    EnumChildWindows(dialog, localize, reinterpret_cast<LPARAM>(this));
+    EnumChildWindows(dialog, LocalizeControl, reinterpret_cast<LPARAM>(this));
 }
 
 StringTables::StringTables(std::string_view language) : m_table(LanguageTable(language).value_or(kEnglish)) {

@@ -48,23 +48,27 @@ TEST(Threads, WaitSeesWhatTheThreadDid) {
     }
 }
 
+struct Gates {
+    HANDLE proceed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    HANDLE ended = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+};
+
+DWORD CALLBACK PassGates(LPVOID parameter) {
+    const Gates& gates = *static_cast<Gates*>(parameter);
+    WaitForSingleObject(gates.proceed, INFINITE);
+    SetEvent(gates.ended);
+    return 0;
+}
+
 TEST(Threads, GoOnAfterTheirHandleIsClosed) {
-    static HANDLE proceed;
-    static HANDLE ended;
-    proceed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    ended = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    const auto run = [](LPVOID) -> DWORD {
-        WaitForSingleObject(proceed, INFINITE);
-        SetEvent(ended);
-        return 0;
-    };
-    const HANDLE thread = CreateThread(nullptr, 0, run, nullptr, 0, nullptr);
+    Gates gates;
+    const HANDLE thread = CreateThread(nullptr, 0, PassGates, &gates, 0, nullptr);
     EXPECT_EQ(WaitForSingleObject(thread, 1), WAIT_TIMEOUT);
     EXPECT_TRUE(CloseHandle(thread));
-    SetEvent(proceed);
-    EXPECT_EQ(WaitForSingleObject(ended, INFINITE), WAIT_OBJECT_0);
-    CloseHandle(proceed);
-    CloseHandle(ended);
+    SetEvent(gates.proceed);
+    EXPECT_EQ(WaitForSingleObject(gates.ended, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(gates.proceed);
+    CloseHandle(gates.ended);
 }
 
 }  // namespace

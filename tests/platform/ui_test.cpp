@@ -53,6 +53,10 @@ protected:
         return s_test->m_answer(message);
     }
 
+    static BOOL CALLBACK CountChild(HWND, LPARAM count) {
+        return ++*reinterpret_cast<int*>(count) < 20;
+    }
+
     std::vector<WPARAM> Commands() const {
         std::vector<WPARAM> commands;
         for (const Received& received : m_received) {
@@ -182,9 +186,7 @@ TEST_F(DialogTest, TextChecksAndPropertiesComeBack) {
         EXPECT_EQ(driver::ProgressOf(IDC_PROGRESS).value, 5);
 
         int children = 0;
-        EnumChildWindows(
-            m_dialog, [](HWND, LPARAM count) -> BOOL { return ++*reinterpret_cast<int*>(count) < 20; },
-            reinterpret_cast<LPARAM>(&children));
+        EnumChildWindows(m_dialog, CountChild, reinterpret_cast<LPARAM>(&children));
         EXPECT_EQ(children, 17);
     });
 }
