@@ -110,10 +110,25 @@ private:
     const char* m_refusal = nullptr;
 };
 
+namespace {
+
+// The reader takes as many bytes as the first one of a character announces, also beyond the end of the text.
+bool EndsInsideCharacter(std::string_view text) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - back]);
+        if (byte >= 0xC0) return back < (byte >= 0xF0 ? 4U : byte >= 0xE0 ? 3U : 2U);
+    }
+    return false;
+}
+
+}  // namespace
+
 void JsonTree::Parse(char* text, std::size_t size, std::string_view file) {
     static_assert(sizeof(JsonMember) == 2 * sizeof(Json));
     if (size >= std::numeric_limits<std::uint32_t>::max())
         throw Error(ErrorKind::kLimit, file, "", "the JSON text has 4 GiB or more");
+    if (EndsInsideCharacter({text, size}))
+        throw Error(ErrorKind::kSyntax, file, Join("byte ", size), "the text ends inside a character");
     const char behind = std::exchange(text[size], '\0');
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     const std::size_t skipped = std::string_view(text, size).starts_with(kByteOrderMark) ? 3 : 0;

@@ -104,6 +104,7 @@ TEST(Json, BrokenTextIsRefusedWithItsPlace) {
           std::string("[NaN]"), std::string("\"\xFF\""), std::string("\"\xC0\x80\""),
           std::string("[1]\0[2]", 7), std::string("\"a\nb\""), std::string("\"\\uD800\"")})
         EXPECT_NE(Fault(text), "none") << text;
+    EXPECT_EQ(Fault("\"a\xF4"), "f: byte 3: the text ends inside a character");
     std::string many = "{";
     for (int i = 0; i < 40; ++i) many += "\"" + std::to_string(i) + "\":0,";
     EXPECT_EQ(Fault(many + "\"x\":0}"), "none");
