@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "app/gltf/document.h"
-#include "app/gltf/text.h"
+#include "gltf/document.h"
+#include "base/text.h"
 
-using zr::gltf::Join;
+using zr::Join;
 
 namespace {
 

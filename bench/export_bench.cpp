@@ -2,7 +2,7 @@
 // Whole exports from file to file: load, run the tools, write.
 #include <benchmark/benchmark.h>
 
-#include "app/export/export_scene.h"
+#include "app/operations/export/export_scene.h"
 #include "bench/scene_file.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include "app/gltf/document.h"
-#include "app/gltf/glb.h"
+#include "gltf/document.h"
+#include "gltf/glb.h"
 #include "app/scene/loaded_scene.h"
 #include "bench/scene_file.h"
 
@@ -29,7 +29,7 @@ double MebibytesInUse() {
 // MiB is the size of the text.
 void Parse(benchmark::State& state, std::size_t keys) {
     const SceneFile file(ShapeOf(state, kFlat, keys));
-    const zr::gltf::FileContent content = zr::gltf::ReadFile(file.Path());
+    const zr::FileContent content = zr::ReadFile(file.Path());
     const zr::gltf::GlbLayout layout = zr::gltf::ReadGlbLayout(content.View(), "scene.glb");
     const std::string_view json(reinterpret_cast<const char*>(content.data.get()) + layout.jsonOffset,
                                 layout.jsonSize);

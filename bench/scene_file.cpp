@@ -8,13 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "app/gltf/glb.h"
-#include "app/gltf/text.h"
+#include "gltf/glb.h"
+#include "base/text.h"
 
 namespace zr::bench {
 namespace {
 
-using gltf::Join;
 
 class SceneText {
 public:
@@ -96,8 +95,8 @@ SceneFile::SceneFile(const SceneShape& shape) {
     const SceneText scene(shape);
     const std::string json = scene.Json();
     std::vector<std::byte> head;
-    const gltf::Bytes bin = gltf::BytesOf(scene.Bin());
-    gltf::FileTransaction files;
+    const Bytes bin = BytesOf(scene.Bin());
+    FileTransaction files;
     files.Add(Path(), gltf::GlbPieces(json, std::span(&bin, 1), {}, "scene.glb", head));
     files.Commit();
 }

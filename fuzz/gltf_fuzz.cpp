@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <span>
 
-#include "app/gltf/accessor.h"
-#include "app/gltf/collect.h"
+#include "gltf/accessor.h"
+#include "gltf/collect.h"
 
 // Reads a document, every accessor of it, and takes out what nothing refers to.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "app/commands/animation_choice.h"
-#include "app/commands/animation_edit.h"
+#include "app/operations/animations/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
 #include "host/anim_manager.h"
@@ -57,7 +57,7 @@ void AddAnimationsCommand(CLI::App& app, Session& session) {
     command->add_option("scene", *file, "Scene to read (.gltf, .glb)")->required();
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
-            LoadedScene loaded(gltf::Document::Load(gltf::PathOf(*file)));
+            LoadedScene loaded(gltf::Document::Load(PathFromUtf8(*file)));
             PrintAnimations(session.GetHost(), loaded);
             return 0;
         });

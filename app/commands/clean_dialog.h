@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "app/commands/clean_scene.h"
+#include "app/operations/clean/clean_scene.h"
 
 namespace zr {
 

@@ -3,11 +3,10 @@
 
 #include <algorithm>
 
-#include "app/gltf/text.h"
+#include "base/text.h"
 
 namespace zr {
 
-using gltf::Join;
 using gltf::Json;
 using gltf::JsonTree;
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "app/commands/clean_scene.h"
+#include "app/operations/clean/clean_scene.h"
 
 namespace zr {
 

@@ -10,7 +10,7 @@
 #include "app/commands/export_arguments.h"
 #include "app/commands/progress.h"
 #include "app/commands/session.h"
-#include "app/export/export_scene.h"
+#include "app/operations/export/export_scene.h"
 
 namespace zr {
 namespace {
@@ -24,7 +24,7 @@ int RunExport(Session& session, ExportArguments& arguments) {
         session.ThrowIfStopped();
         bar->Show(done);
     };
-    gltf::Document document = gltf::Document::Load(gltf::PathOf(arguments.Scene()));
+    gltf::Document document = gltf::Document::Load(PathFromUtf8(arguments.Scene()));
     SceneOptions sceneOptions;
     sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
     LoadedScene loaded(std::move(document), sceneOptions);
@@ -37,7 +37,7 @@ int RunExport(Session& session, ExportArguments& arguments) {
         }
         scene.SetActiveAnimation(chosen);
     }
-    const auto out = gltf::PathOf(arguments.Out());
+    const auto out = PathFromUtf8(arguments.Out());
     MotionReport report;
     // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
     std::string renameMap;
@@ -51,8 +51,8 @@ int RunExport(Session& session, ExportArguments& arguments) {
         loaded.Document().Save(out, [&] { session.ThrowIfStopped(); });
     }
     if (wantedMap != nullptr) {
-        gltf::FileTransaction files;
-        files.Add(gltf::PathOf(arguments.RenameMapFile()), gltf::BytesOf(renameMap));
+        FileTransaction files;
+        files.Add(PathFromUtf8(arguments.RenameMapFile()), BytesOf(renameMap));
         files.Commit();
     }
     bar.reset();

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/commands/pass_options.h"
-#include "app/export/export_options.h"
+#include "app/operations/export/export_options.h"
 
 namespace CLI {
 class App;

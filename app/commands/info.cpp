@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/commands/animation_edit.h"
+#include "app/operations/animations/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
 #include "app/scene/animations_of.h"
@@ -49,7 +49,7 @@ void AddInfoCommand(CLI::App& app, Session& session) {
     command->add_option("scene", *file, "Scene to read (.gltf, .glb)")->required();
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
-            LoadedScene loaded(gltf::Document::Load(gltf::PathOf(*file)));
+            LoadedScene loaded(gltf::Document::Load(PathFromUtf8(*file)));
             Host& host = session.GetHost();
             std::printf("module      %s, version %s\n", kernix::ToUtf8(host.ModuleDescription()).c_str(),
                         kernix::ToUtf8(host.ModuleVersion()).c_str());

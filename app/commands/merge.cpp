@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "app/commands/animation_choice.h"
-#include "app/commands/bring_animations.h"
+#include "app/operations/animations/bring_animations.h"
 #include "app/commands/commands.h"
-#include "app/commands/merge_animations.h"
+#include "app/operations/animations/merge_animations.h"
 #include "app/commands/session.h"
 
 namespace zr {
@@ -45,11 +45,11 @@ int RunMerge(Session& session, MergeArguments& arguments) {
     if (arguments.from.empty() && arguments.animations.size() < 2) {
         throw UsageError("--animations names two animations or more");
     }
-    LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
+    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
     session.ThrowIfStopped();
     Animations brought;
     if (!arguments.from.empty()) {
-        LoadedScene other(gltf::Document::Load(gltf::PathOf(arguments.from)));
+        LoadedScene other(gltf::Document::Load(PathFromUtf8(arguments.from)));
         BroughtAnimations result = BringAnimations(other, loaded);
         PrintNotes("no partner", result.withoutPartner);
         PrintNotes("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
@@ -67,7 +67,7 @@ int RunMerge(Session& session, MergeArguments& arguments) {
         PrintNotes("kept", report.held);
     }
     loaded.WriteBack();
-    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
+    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
     return 0;
 }
 

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "app/commands/session.h"
-#include "app/export/tool_run.h"
+#include "app/operations/export/tool_run.h"
 #include "app/services/settings_file.h"
 
 namespace zr {

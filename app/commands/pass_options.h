@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/export/export_options.h"
+#include "app/operations/export/export_options.h"
 #include "app/services/rename_rules.h"
 
 namespace CLI {

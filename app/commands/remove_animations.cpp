@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "app/commands/animation_choice.h"
-#include "app/commands/animation_edit.h"
+#include "app/operations/animations/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
 #include "host/anim_manager.h"
@@ -33,7 +33,7 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     if (arguments.unused != arguments.animations.empty()) {
         throw UsageError("give either --animations or --unused");
     }
-    LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
+    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
     Host& host = session.GetHost();
     const Animations chosen = arguments.unused ? UnusedAnimations(host, loaded.Scene())
                                                : ChooseAnimations(loaded.Scene(), arguments.animations);
@@ -41,7 +41,7 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     if (!held.empty() && !arguments.unused) throw std::runtime_error("cannot remove " + held.front());
     PrintNotes("kept", held);
     loaded.WriteBack();
-    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
+    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
     std::printf("removed %zu animations\n", chosen.size() - held.size());
     return 0;
 }

@@ -8,7 +8,7 @@
 #include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
-#include "app/commands/split_animation.h"
+#include "app/operations/animations/split_animation.h"
 
 namespace zr {
 namespace {
@@ -44,7 +44,7 @@ std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
 
 int RunSplit(Session& session, const SplitArguments& arguments) {
     if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
-    LoadedScene loaded(gltf::Document::Load(gltf::PathOf(arguments.scene)));
+    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
     session.ThrowIfStopped();
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
@@ -61,7 +61,7 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
         std::printf("%s  %g s\n", Quoted(*part).c_str(), static_cast<double>(scene.GetEndTime(part)));
     }
     loaded.WriteBack();
-    loaded.Document().Save(gltf::PathOf(arguments.out), [&] { session.ThrowIfStopped(); });
+    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
     return 0;
 }
 

@@ -7,8 +7,8 @@
 
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
-#include "app/commands/text_geometry.h"
-#include "app/gltf/file.h"
+#include "app/operations/text/text_geometry.h"
+#include "base/file.h"
 #include "kernix/utf.h"
 #include "platform/windows.h"
 
@@ -32,20 +32,20 @@ struct TextOptions {
 };
 
 TextFormat FormatOf(const std::filesystem::path& target, bool isMesh) {
-    std::string ending = gltf::PathText(target.extension());
+    std::string ending = PathToUtf8(target.extension());
     for (char& c : ending) c = vl::FoldCase(c);
     if (ending == ".svg") return TextFormat::kSvg;
     if (ending == ".glb" || ending == ".gltf") return TextFormat::kGltf;
     if (ending == ".json") return TextFormat::kJson;
     if (ending != ".obj")
-        throw UsageError(gltf::PathText(target) + ": the name must end in .svg, .glb, .gltf, .json or .obj");
-    if (!isMesh) throw UsageError(gltf::PathText(target) + ": a .obj takes a mesh, give --style mesh");
+        throw UsageError(PathToUtf8(target) + ": the name must end in .svg, .glb, .gltf, .json or .obj");
+    if (!isMesh) throw UsageError(PathToUtf8(target) + ": a .obj takes a mesh, give --style mesh");
     return TextFormat::kObj;
 }
 
 // A file's lines end as the module breaks lines: with a carriage return and a line feed.
 std::u16string ReadText(const std::string& file) {
-    const gltf::FileContent content = gltf::ReadFile(gltf::PathOf(file));
+    const FileContent content = ReadFile(PathFromUtf8(file));
     std::string text;
     for (const std::byte byte : content.View()) {
         const auto c = static_cast<char>(byte);
@@ -211,7 +211,7 @@ int RunText(const TextOptions& options, Session& session) {
     if (options.names.size() != (hasFile ? 1 : 2)) {
         throw UsageError(hasFile ? "text: give OUT and no TEXT with --file" : "text: give TEXT and OUT");
     }
-    const std::filesystem::path target = gltf::PathOf(options.names.back());
+    const std::filesystem::path target = PathFromUtf8(options.names.back());
     const TextFormat format = FormatOf(target, options.style == "mesh");
     const LOGFONTW font = FontRecord(options);
     const std::u16string text = hasFile ? ReadText(options.file) : kernix::ToUtf16(options.names.front());

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/animation_builder.h"
 
-#include "app/gltf/text.h"
-#include "app/gltf/walk.h"
+#include "base/text.h"
+#include "gltf/walk.h"
 #include "app/scene/curves.h"
 
 namespace zr {
 
 using gltf::IndexMember;
-using gltf::Join;
 using gltf::Json;
 using gltf::Kind;
 

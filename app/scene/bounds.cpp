@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "app/gltf/accessor.h"
+#include "gltf/accessor.h"
 
 namespace zr {
 

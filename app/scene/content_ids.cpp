@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <functional>
 
-#include "app/gltf/accessor.h"
-#include "app/gltf/text.h"
+#include "gltf/accessor.h"
+#include "base/text.h"
 
 namespace zr {
 
-using gltf::Join;
 using gltf::Json;
 using gltf::Kind;
 

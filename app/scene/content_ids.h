@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/gltf/document.h"
+#include "gltf/document.h"
 
 namespace zr {
 

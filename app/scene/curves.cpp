@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-#include "app/gltf/accessor.h"
+#include "gltf/accessor.h"
 
 namespace zr {
 namespace {

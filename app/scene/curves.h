@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/gltf/document.h"
+#include "gltf/document.h"
 #include "host/kinds.h"
 #include "kernix/scene/transform_track.h"
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/loaded_scene.h"
 
-#include "app/gltf/text.h"
+#include "base/text.h"
 #include "app/scene/scene_builder.h"
 #include "app/scene/scene_writer.h"
 
 namespace zr {
 
 std::string SkippedChannel::Place() const {
-    return gltf::Join("/animations/", animation, "/channels/", channel);
+    return Join("/animations/", animation, "/channels/", channel);
 }
 
 LoadedScene::LoadedScene(gltf::Document document, const SceneOptions& options)

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/gltf/document.h"
+#include "gltf/document.h"
 #include "host/ref.h"
 #include "kernix/scene/scene_model.h"
 

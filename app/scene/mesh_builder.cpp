@@ -3,14 +3,13 @@
 
 #include <numeric>
 
-#include "app/gltf/accessor.h"
-#include "app/gltf/text.h"
+#include "gltf/accessor.h"
+#include "base/text.h"
 
 namespace zr {
 namespace {
 
 using gltf::IndexMember;
-using gltf::Join;
 using gltf::Json;
 using gltf::Kind;
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "app/gltf/references.h"
-#include "app/gltf/text.h"
+#include "gltf/references.h"
+#include "base/text.h"
 #include "host/kinds.h"
 #include "host/var.h"
 #include "kernix/scene/plain_objects.h"
@@ -14,7 +14,6 @@
 namespace zr {
 
 using gltf::IndexMember;
-using gltf::Join;
 using gltf::Json;
 using gltf::Kind;
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "app/gltf/text.h"
+#include "base/text.h"
 #include "host/array.h"
 #include "host/interface_array.h"
 #include "host/var.h"
@@ -35,7 +35,7 @@ Curve CurveOf(vl::zr::Controller& controller, vl::zr::Animation* animation, int 
     return {sampled.m_interpolation, sampled.m_times, sampled.m_values};
 }
 
-std::string_view PathOf(int keyType) {
+std::string_view ChannelPath(int keyType) {
     if (keyType == vl::zr::kKeyPosition) return "translation";
     return keyType == vl::zr::kKeyRotation ? "rotation" : "scale";
 }
@@ -192,7 +192,7 @@ void SceneWriter::TransformChannels(kernix::NodeModel& node) {
         for (int keyType : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
             Json target = JsonTree::MakeObject();
             m_tree.Member(target, "node") = m_tree.MakeIndex(static_cast<std::size_t>(node.m_source));
-            m_tree.Member(target, "path") = m_tree.MakeString(PathOf(keyType));
+            m_tree.Member(target, "path") = m_tree.MakeString(ChannelPath(keyType));
             NewChannel(*controller, *track, keyType, target, TypeOf(keyType));
         }
     }

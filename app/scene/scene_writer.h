@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/gltf/references.h"
+#include "gltf/references.h"
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
 

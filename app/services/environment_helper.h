@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/gltf/document.h"
+#include "gltf/document.h"
 #include "app/services/host.h"
 
 namespace zr {

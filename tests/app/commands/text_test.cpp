@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "app/gltf/document.h"
+#include "gltf/document.h"
 
 namespace {
 

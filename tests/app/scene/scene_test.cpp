@@ -4,14 +4,14 @@
 #include <cmath>
 #include <map>
 
-#include "app/gltf/accessor.h"
-#include "app/gltf/collect.h"
+#include "gltf/accessor.h"
+#include "gltf/collect.h"
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
 #include "host/array.h"
 #include "host/kinds.h"
 #include "host/var.h"
-#include "tests/app/gltf/sample.h"
+#include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
@@ -37,7 +37,7 @@ gltf::Document Changed(std::initializer_list<std::pair<std::string_view, std::st
         EXPECT_NE(json.find(from), std::string::npos) << from;
         json.replace(json.find(from), from.size(), to);
     }
-    return gltf::Document::FromBytes(gltf::BytesOf(gltf::test::Glb(json, gltf::test::SampleBin())),
+    return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, gltf::test::SampleBin())),
                                      "changed.glb");
 }
 
@@ -209,7 +209,7 @@ TEST(WriteBack, RemovalsReachTheDocument) {
     EXPECT_EQ(text.find("\"sheen\""), std::string::npos);
     EXPECT_EQ(loaded.Document().Root().Find("animations"), nullptr);
     EXPECT_NO_THROW(
-        gltf::Document::FromBytes(gltf::BytesOf(gltf::test::Glb(text, gltf::test::SampleBin())), "x.glb"));
+        gltf::Document::FromBytes(BytesOf(gltf::test::Glb(text, gltf::test::SampleBin())), "x.glb"));
 }
 
 TEST(WriteBack, MergedMaterialsAreReferredToAsOne) {

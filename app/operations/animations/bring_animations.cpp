@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/animations/bring_animations.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+#include <unordered_map>
+
+#include "app/commands/animation_choice.h"
+#include "gltf/accessor.h"
+#include "base/text.h"
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+using kernix::NodeModel;
+
+using Place =
+    std::tuple<const NodeModel*, std::string, int>;  // parent, name, rank among brothers of that name
+
+// Calls visit(node, parent, rank) for every node, parents first.
+template <typename Visit>
+void ForEachPlace(kernix::SceneModel& scene, Visit visit) {
+    std::map<std::pair<const NodeModel*, std::string>, int> counts;
+    for (vl::zr::Node* each : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
+        auto* node = static_cast<NodeModel*>(each);
+        visit(node, counts[{node->GetParent(), node->GetNameText()}]++);
+    }
+}
+
+std::string NodePath(const NodeModel& node) {
+    std::vector<const NodeModel*> up;
+    for (const NodeModel* at = &node; at != nullptr; at = at->GetParent()) up.push_back(at);
+    std::string path;
+    for (auto at = up.rbegin(); at != up.rend(); ++at) path += "/" + (*at)->GetNameText();
+    return path;
+}
+
+class Bringing {
+public:
+    Bringing(LoadedScene& from, LoadedScene& to) : m_from(from), m_to(to) {}
+
+    BroughtAnimations Run() {
+        FindPartners();
+        m_sources = AnimationsOf(m_from.Scene());
+        for (kernix::AnimationModel* source : m_sources)
+            m_brought.animations.push_back(m_to.Scene().AddAnimation(source->m_name));
+        for (vl::zr::Node* each : vl::ArrayOf<vl::zr::Node*>(m_from.Scene().m_pNodes)) {
+            auto* node = static_cast<NodeModel*>(each);
+            for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(node->m_pControllers))
+                if (!vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks).IsEmpty()) Bring(*node, *controller);
+        }
+        for (vl::zr::Material* material : vl::ArrayOf<vl::zr::Material*>(m_from.Scene().m_pMaterials))
+            for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(material->m_pControllers))
+                m_brought.withoutPartner.push_back(Target(*controller));
+        return std::move(m_brought);
+    }
+
+private:
+    void FindPartners() {
+        std::map<Place, NodeModel*> places;
+        ForEachPlace(m_to.Scene(), [&](NodeModel* node, int rank) {
+            places[{node->GetParent(), node->GetNameText(), rank}] = node;
+        });
+        ForEachPlace(m_from.Scene(), [&](NodeModel* node, int rank) {
+            const NodeModel* parent = nullptr;
+            if (node->GetParent() != nullptr) {
+                const auto known = m_partners.find(node->GetParent());
+                if (known == m_partners.end()) return;
+                parent = known->second;
+            }
+            const auto found = places.find({parent, node->GetNameText(), rank});
+            if (found != places.end()) m_partners[node] = found->second;
+        });
+    }
+
+    static const std::string& Target(vl::zr::Controller& controller) {
+        return static_cast<kernix::SampledControllerModel&>(controller).GetTarget();
+    }
+
+    void Bring(NodeModel& node, vl::zr::Controller& controller) {
+        const auto found = m_partners.find(&node);
+        if (controller.IsTypeOf(vl::zr::kTypeTransformController)) {
+            if (found == m_partners.end()) return m_brought.withoutPartner.push_back(NodePath(node));
+            UnbindMatrix(*found->second);
+            return CopyTracks(controller, *found->second->AddTransformController());
+        }
+        const bool isWeights = Target(controller) == Join("/nodes/", node.m_source, "/weights");
+        const std::size_t targets = isWeights ? MorphTargets(m_from, node) : 0;
+        if (found == m_partners.end() || targets == 0 || targets != MorphTargets(m_to, *found->second))
+            return m_brought.withoutPartner.push_back(NodePath(node) + ": " + Target(controller));
+        CopyTracks(controller, WeightsController(*found->second));
+    }
+
+    void CopyTracks(vl::zr::Controller& source, vl::zr::Controller& target) {
+        for (std::size_t i = 0; i < m_sources.size(); ++i) {
+            vl::zr::Track* track = source.GetTrack(m_sources[i]);
+            if (track != nullptr) CopyTrack(source, track, target, m_brought.animations[i]);
+        }
+    }
+
+    static kernix::SampledControllerModel& WeightsController(NodeModel& node) {
+        const std::string target = Join("/nodes/", node.m_source, "/weights");
+        for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(node.m_pControllers))
+            if (!controller->IsTypeOf(vl::zr::kTypeTransformController) && Target(*controller) == target)
+                return static_cast<kernix::SampledControllerModel&>(*controller);
+        return *node.AddController(target);
+    }
+
+    static std::size_t MorphTargets(LoadedScene& loaded, const NodeModel& node) {
+        gltf::Document& document = loaded.Document();
+        const Json& json = document.Elements(gltf::Kind::kNode)[static_cast<std::size_t>(node.m_source)];
+        if (json.Find("mesh") == nullptr) return 0;
+        const Json& mesh = document.Elements(gltf::Kind::kMesh)[gltf::IndexMember(json, "mesh")];
+        const Json* targets = mesh.Find("primitives")->Items()[0].Find("targets");
+        return targets != nullptr ? targets->Items().size() : 0;
+    }
+
+    // A node that moves has its transform at rest in parts.
+    void UnbindMatrix(const NodeModel& node) {
+        gltf::Document& document = m_to.Document();
+        Json& json = document.Elements(gltf::Kind::kNode)[static_cast<std::size_t>(node.m_source)];
+        if (!json.EraseMember("matrix")) return;
+        const kernix::Pose& pose = node.GetRestPose();
+        const auto put = [&](const char* name, std::initializer_list<float> values) {
+            document.Tree().Member(json, name) = document.Tree().MakeNumbers(std::vector<float>(values));
+        };
+        put("translation", {pose.translation.x, pose.translation.y, pose.translation.z});
+        put("rotation", {pose.rotation.x, pose.rotation.y, pose.rotation.z, pose.rotation.w});
+        put("scale", {pose.scale.x, pose.scale.y, pose.scale.z});
+    }
+
+    LoadedScene& m_from;
+    LoadedScene& m_to;
+    Animations m_sources;
+    std::unordered_map<const NodeModel*, NodeModel*> m_partners;  // by the other scene's node
+    BroughtAnimations m_brought;
+};
+
+}  // namespace
+
+BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to) {
+    return Bringing(from, to).Run();
+}
+
+}  // namespace zr

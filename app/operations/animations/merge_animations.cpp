@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/animations/merge_animations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "base/text.h"
+#include "app/scene/curves.h"
+#include "kernix/utf.h"
+
+namespace zr {
+namespace {
+
+using kernix::TransformTrack;
+using Value = std::vector<float>;
+
+constexpr struct {
+    int keyType;
+    AnimMergeFlag flag;
+} kKinds[] = {{vl::zr::kKeyPosition, ANIM_MERGE_POSITION},
+              {vl::zr::kKeyRotation, ANIM_MERGE_ROTATION},
+              {vl::zr::kKeyScale, ANIM_MERGE_SCALE}};
+
+// What the track shows, as the values of a curve.
+Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix::Pose& rest) {
+    const TransformTrack::Sample sample = track.Evaluate(time, rest);
+    if (keyType == vl::zr::kKeyRotation) {
+        const vl::Quaternion q = sample.rotation.ToQuaternion();
+        return {q.x, q.y, q.z, q.w};
+    }
+    const double* v = keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale;
+    return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
+}
+
+float TimeOf(const TransformTrack& track, int keyType, int index) {
+    return track.Get(keyType, index)->m_fTime;
+}
+
+// A source's copy and the stretch of time that it fills, seconds.
+struct Source {
+    kernix::AnimationModel* copy;
+    float start = 0;
+    float end = 0;
+};
+
+class Merge {
+public:
+    Merge(Host& host, LoadedScene& loaded, const Animations& sources, const MergeOptions& options)
+        : m_host(host), m_loaded(loaded), m_scene(loaded.Scene()), m_sources(sources), m_options(options) {}
+
+    MergeReport Run() {
+        m_report.dropped = SkippedChannels(m_loaded, m_sources);
+        CopySources();
+        if (m_options.inSequence) ShiftCopies();
+        ForEachController(m_scene, [this](vl::zr::Controller& controller, const std::string& holder) {
+            if (controller.IsTypeOf(vl::zr::kTypeTransformController)) return;
+            NoteDropped(controller, holder);
+        });
+        for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes))
+            PrepareNode(static_cast<kernix::NodeModel&>(*node));
+
+        const auto words = vl::Ref<vl::Array>::Adopt(m_host.CreateArray());
+        vl::ArrayOf<vl::zr::Animation*> list(words.Get());
+        for (const Source& source : m_copies) list.Add(source.copy);
+        const auto manager = m_host.Create<zr_ANIM_MANAGER>(kTypeAnimManager);
+        auto* result = static_cast<kernix::AnimationModel*>(
+            manager->MergeAnimations(nullptr, words.Get(), true, m_options.keyFlags));
+        if (!m_options.name.empty()) result->m_name = kernix::ToUtf16(m_options.name);
+        m_report.result = result;
+        if (m_options.removeSources) {
+            FollowInViewports(m_scene, m_sources, {result});
+            m_report.held = RemoveAnimations(m_host, m_loaded, m_sources);
+        }
+        return std::move(m_report);
+    }
+
+private:
+    void CopySources() {
+        for (kernix::AnimationModel* source : m_sources)
+            m_copies.push_back({m_scene.AddAnimation(source->m_name)});
+        ForEachController(m_scene, [this](vl::zr::Controller& controller, const std::string&) {
+            for (std::size_t i = 0; i < m_sources.size(); ++i) {
+                vl::zr::Track* track = controller.GetTrack(m_sources[i]);
+                if (track != nullptr) CopyTrack(controller, track, controller, m_copies[i].copy);
+            }
+        });
+    }
+
+    // Each copy to begin where the one before it ends.
+    void ShiftCopies() {
+        float next = 0;
+        for (std::size_t i = 0; i < m_copies.size(); ++i) {
+            Source& source = m_copies[i];
+            const auto& tracks = source.copy->Tracks();
+            if (std::none_of(tracks.begin(), tracks.end(),
+                             [](auto* track) { return track->GetKeyCount() != 0; }))
+                throw std::runtime_error(
+                    Join("animation ", Quoted(*source.copy), " has no keys to put in sequence"));
+            source.start = m_scene.GetStartTime(source.copy);
+            if (i > 0) {
+                const float offset = OffsetTo(source.start, next);
+                ForEachController(m_scene, [&](vl::zr::Controller& controller, const std::string&) {
+                    vl::zr::Track* track = controller.GetTrack(source.copy);
+                    if (track != nullptr) controller.RetimeTrack(1, offset, track);
+                });
+                source.start = m_scene.GetStartTime(source.copy);
+            }
+            source.end = m_scene.GetEndTime(source.copy);
+            const bool givesWay = m_options.gap == 0 && i + 1 < m_copies.size();
+            if (givesWay && source.end == source.start) m_report.unseen.push_back(Quoted(*source.copy));
+            next = static_cast<float>(double{source.end} + m_options.gap);
+        }
+    }
+
+    // A key that rounding brings before the last one of the source before would be played before it.
+    static float OffsetTo(float from, float to) {
+        float offset = to - from;
+        for (float goal = to; from + offset < to; offset = goal - from)
+            goal = std::nextafter(goal, std::numeric_limits<float>::infinity());
+        return offset;
+    }
+
+    void NoteDropped(vl::zr::Controller& controller, const std::string& holder) {
+        bool first = true;
+        for (std::size_t i = 0; i < m_sources.size(); ++i) {
+            if (controller.GetTrack(m_sources[i]) == nullptr) continue;
+            if (!first) {
+                const auto& sampled = static_cast<kernix::SampledControllerModel&>(controller);
+                m_report.dropped.push_back(
+                    Join(sampled.GetTarget(), " of ", holder, " in ", Quoted(*m_sources[i])));
+            }
+            first = false;
+        }
+    }
+
+    void PrepareNode(kernix::NodeModel& node) {
+        auto* controller =
+            static_cast<kernix::TransformControllerModel*>(node.GetController(vl::zr::kControllerTransform));
+        if (controller == nullptr) return;
+        std::vector<TransformTrack*> tracks;
+        for (const Source& source : m_copies)
+            tracks.push_back(static_cast<TransformTrack*>(controller->GetTrack(source.copy)));
+        bool overlaps = false;
+        for (const auto& [keyType, flag] : kKinds) {
+            if ((m_options.keyFlags & flag) == 0) continue;
+            const auto hasKeys = [keyType = keyType](const TransformTrack* track) {
+                return track != nullptr && track->Count(keyType) != 0;
+            };
+            const auto holders = std::count_if(tracks.begin(), tracks.end(), hasKeys);
+            if (holders == 0) continue;
+            if (m_options.inSequence || holders > 1) {
+                for (TransformTrack* track : tracks)
+                    if (hasKeys(track)) Straighten(*track, keyType);
+            }
+            if (m_options.inSequence) {
+                FillStretches(*controller, tracks, keyType, node.GetRestPose());
+            } else if (holders > 1) {
+                overlaps = overlaps || Overlap(tracks, keyType);
+            }
+        }
+        if (overlaps) m_report.overlapping.push_back(HolderName(node));
+    }
+
+    // Merged keys keep no slopes.
+    static void Straighten(TransformTrack& track, int keyType) {
+        for (int i = 0; i < track.Count(keyType); ++i) {
+            if (track.Get(keyType, i)->m_params[0] != static_cast<float>(vl::zr::kInterpolationCubic))
+                continue;
+            return ReplaceKeys(track, keyType, Straightened(track, keyType));
+        }
+    }
+
+    static bool Overlap(const std::vector<TransformTrack*>& tracks, int keyType) {
+        std::vector<std::pair<float, float>> ranges;
+        for (const TransformTrack* track : tracks) {
+            const int count = track != nullptr ? track->Count(keyType) : 0;
+            if (count != 0)
+                ranges.emplace_back(TimeOf(*track, keyType, 0), TimeOf(*track, keyType, count - 1));
+        }
+        std::sort(ranges.begin(), ranges.end());
+        float end = ranges.front().second;
+        for (std::size_t i = 1; i < ranges.size(); ++i) {
+            if (ranges[i].first < end || ranges[i].first == ranges[i - 1].first) return true;
+            end = std::max(end, ranges[i].second);
+        }
+        return false;
+    }
+
+    // Keys that hold the node's pose where its own keys begin late or end early, or where there are none, so
+    // that it does not move towards the pose of the neighbour.
+    void FillStretches(kernix::TransformControllerModel& controller, std::vector<TransformTrack*>& tracks,
+                       int keyType, const kernix::Pose& rest) const {
+        const std::size_t count = tracks.size();
+        std::vector<Value> first(count), last(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            if (tracks[i] == nullptr) tracks[i] = controller.AddTransformTrack(m_copies[i].copy);
+            TransformTrack& track = *tracks[i];
+            if (track.Count(keyType) == 0)
+                AddKey(track, keyType, m_copies[i].start, ValueAt(track, keyType, 0, rest));
+            first[i] = ValueAt(track, keyType, TimeOf(track, keyType, 0), rest);
+            last[i] = ValueAt(track, keyType, TimeOf(track, keyType, track.Count(keyType) - 1), rest);
+        }
+        for (std::size_t i = 1; i < count; ++i) {
+            if (last[i - 1] == first[i]) continue;
+            // The merge itself holds vectors through a pause, but turns rotations all the way.
+            TransformTrack& before = *tracks[i - 1];
+            const float hold = keyType == vl::zr::kKeyRotation ? m_copies[i].start : m_copies[i - 1].end;
+            if (TimeOf(before, keyType, before.Count(keyType) - 1) < hold)
+                AddKey(before, keyType, hold, last[i - 1]);
+            if (TimeOf(*tracks[i], keyType, 0) > m_copies[i].start)
+                AddKey(*tracks[i], keyType, m_copies[i].start, first[i]);
+        }
+    }
+
+    static void AddKey(TransformTrack& track, int keyType, float time, const Value& value) {
+        PutKeys(track, keyType, {vl::zr::kInterpolationLinear, {time}, value});
+    }
+
+    Host& m_host;
+    LoadedScene& m_loaded;
+    kernix::SceneModel& m_scene;
+    const Animations& m_sources;
+    const MergeOptions& m_options;
+    std::vector<Source> m_copies;
+    MergeReport m_report;
+};
+
+}  // namespace
+
+MergeReport MergeAnimations(Host& host, LoadedScene& loaded, const Animations& sources,
+                            const MergeOptions& options) {
+    return Merge(host, loaded, sources, options).Run();
+}
+
+}  // namespace zr

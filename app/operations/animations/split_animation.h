@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "app/operations/animations/animation_edit.h"
+#include "app/scene/curves.h"
+
+namespace zr {
+
+// The part of a curve from one time up to another, infinity for all the rest, moved to begin at 0. It begins
+// with a key that holds what the curve shows at `from`, and ends with one for `to` where the curve goes on
+// beyond: what it shows just before it jumps, where it jumps there. Rotations are not cubic.
+//
+//   linear 0@0, 4@4   from 1 to 3   ->   1@0, 3@2
+Curve Sliced(const Curve& curve, float from, float to, bool isRotation);
+
+// New animations that are the stretches of one between its start, the cuts and its end; each begins at 0.
+// cuts: seconds, ascending, between start and end. Named "NAME 1", "NAME 2" and so on.
+Animations CutAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation,
+                        const std::vector<float>& cuts);
+
+// New animations, one for each node or material that the animation moves, at its times. Named "NAME NODE".
+Animations SeparateAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation);
+
+}  // namespace zr

@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/clean/clean_scene.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "base/text.h"
+#include "app/scene/loaded_scene.h"
+#include "host/params.h"
+#include "kernix/scene/change_record_model.h"
+#include "kernix/utf.h"
+
+namespace zr {
+
+using gltf::Document;
+using gltf::Kind;
+using gltf::KindSet;
+using kernix::SceneModel;
+
+const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo = {{
+    {"metadata", "metadata of nodes", false, std::nullopt},
+    {"duplicate-materials", "materials equal to another", true, Kind::kMaterial},
+    {"duplicate-meshes", "meshes that repeat another at its place", true, Kind::kNode},
+    {"empty-nodes", "nodes that show and hold nothing", true, Kind::kNode},
+    {"model-views", "model views and portfolios", false, std::nullopt},
+    {"layers", "layers without nodes or not shown", true, std::nullopt},
+    {"notes", "notes outside all layers", false, Kind::kNode},
+    {"materials", "materials nothing uses", true, Kind::kMaterial},
+    {"animations", "animations no view plays", true, Kind::kAnimation},
+    {"environment", "environment lights and backdrops", false, std::nullopt},
+}};
+
+namespace {
+
+using Operation = int (zr_CLEANER::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
+
+// Null for the steps that are no operation of the cleaner's own.
+constexpr std::array<Operation, kCleanSteps> kOperations = {
+    &zr_CLEANER::RemoveMetadata,         nullptr,
+    &zr_CLEANER::RemoveMeshDupes,        &zr_CLEANER::RemoveEmptyNodes,
+    &zr_CLEANER::RemoveModelViews,       &zr_CLEANER::RemoveUnusedLayers,
+    &zr_CLEANER::RemoveNotesAndEtc,      &zr_CLEANER::RemoveUnusedMaterials,
+    &zr_CLEANER::RemoveUnusedAnimations, nullptr,
+};
+
+std::string NameOr(std::string name, std::size_t index) {
+    return name.empty() ? Join("#", index) : std::move(name);
+}
+
+std::string NameOf(const kernix::NodeModel& node) {
+    return NameOr(node.GetNameText(), static_cast<std::size_t>(node.m_source));
+}
+
+std::string ElementName(const Document& document, Kind kind, std::size_t index) {
+    const gltf::Json* name = document.Elements(kind)[index].Find("name");
+    return NameOr(name != nullptr ? std::string(name->String()) : std::string(), index);
+}
+
+bool Matches(const std::vector<std::string>& patterns, std::string_view name) {
+    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+        return fnmatch(pattern.c_str(), std::string(name).c_str(), 0) == 0;
+    });
+}
+
+std::string WordsFor(const std::string& place) {
+    const auto number = [&](std::string_view from) {
+        return place.substr(from.size(), place.find('/', from.size()) - from.size());
+    };
+    if (place.empty() || place[0] != '/') return place;
+    std::string words = "reference";
+    if (place.starts_with("/skins/")) words = Join("joint of skin ", number("/skins/"));
+    if (place.starts_with("/animations/")) words = Join("channel of animation ", number("/animations/"));
+    const std::size_t extension = place.rfind("/extensions/");
+    if (place.find("/KHR_materials_variants/") != std::string::npos) {
+        words = "variant";
+    } else if (extension != std::string::npos) {
+        const std::size_t start = extension + std::string_view("/extensions/").size();
+        words = "extension " + place.substr(start, place.find('/', start) - start);
+    }
+    return words + " (" + place + ")";
+}
+
+}  // namespace
+
+SceneOptions SceneOptionsOf(const CleanOptions& options) {
+    SceneOptions sceneOptions;
+    if (!options.keep.empty()) {
+        sceneOptions.keep = [&options](Kind, std::string_view name) { return Matches(options.keep, name); };
+    }
+    return sceneOptions;
+}
+
+namespace {
+
+// One pass of the steps over the scene of a document.
+class Round {
+public:
+    Round(Document document, zr_CLEANER& cleaner, EnvironmentService& environment, vl::Context* context,
+          const SceneOptions& options, CleanResult& result)
+        : m_cleaner(cleaner),
+          m_environment(environment),
+          m_context(context),
+          m_result(result),
+          m_loaded(std::move(document), options),
+          m_scene(m_loaded.Scene()) {}
+
+    void Run(std::size_t step) {
+        StepResult& result = m_result.steps[step];
+        result.ran = true;
+        if (const Operation operation = kOperations[step]) {
+            if (static_cast<CleanStep>(step) == CleanStep::kMetadata) NameMetadata(result.names);
+            const auto record = vl::Ref<ChangeRecord>::Adopt(m_scene.CreateChangeRecord(1));
+            record->Begin();
+            const int count = (m_cleaner.*operation)(&m_scene, m_context, record.Get());
+            record->End(u"");
+            result.count += static_cast<std::size_t>(count);
+            NameRemovals(static_cast<kernix::ChangeRecordModel&>(*record), result.names);
+        } else if (static_cast<CleanStep>(step) == CleanStep::kEqualMaterials) {
+            result.count += static_cast<std::size_t>(m_scene.MergeEqualMaterials());
+            NameMerged(result.names);
+        } else {
+            RemoveEnvironment(result);
+        }
+    }
+
+    // What the steps left only because something holds it.
+    void Explain() {
+        for (const KeptElement& kept : m_loaded.Kept()) {
+            if (!IsHeld(kept.kind, kept.index)) continue;
+            m_result.held.push_back(
+                {kept.kind, ElementName(m_loaded.Document(), kept.kind, kept.index), WordsFor(kept.reason)});
+        }
+        if (Ran(CleanStep::kMaterials)) ExplainVariants();
+        if (!Ran(CleanStep::kEmptyNodes)) return;
+        for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
+            if (plain->m_pObject != nullptr || plain->m_pFirstChild != nullptr) continue;
+            m_result.held.push_back({Kind::kNode, NameOf(static_cast<kernix::NodeModel&>(*plain)),
+                                     "target of a camera or light"});
+        }
+    }
+
+    Document Finish() {
+        m_loaded.WriteBack();
+        return std::move(m_loaded.Document());
+    }
+
+private:
+    bool Ran(CleanStep step) const { return m_result.steps[static_cast<std::size_t>(step)].ran; }
+
+    bool IsHeld(Kind kind, std::size_t index) const {
+        if (kind == Kind::kMaterial) {
+            return Ran(CleanStep::kMaterials) && m_loaded.Material(index) == nullptr;
+        }
+        if (kind == Kind::kAnimation) {
+            return Ran(CleanStep::kAnimations) && m_loaded.Animation(index)->Tracks().empty();
+        }
+        const kernix::NodeModel* node = m_loaded.Node(index);
+        if (!Ran(CleanStep::kEmptyNodes) || node == nullptr || node->m_pFirstChild != nullptr) return false;
+        vl::zr::Object3D* object = node->m_pObject;
+        return object != nullptr &&
+               (object->IsKindOf(vl::zr::kKindDummy) || object->IsKindOf(vl::zr::kKindBone));
+    }
+
+    // Materials that no primitive shows until a variant is chosen.
+    void ExplainVariants() {
+        Document& document = m_loaded.Document();
+        std::vector<std::string> variants(document.Elements(Kind::kMaterial).size());
+        std::vector<bool> shown(variants.size(), false);
+        gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
+            if (reference.target.kind != Kind::kMaterial) return;
+            const std::string place = reference.place.Pointer();
+            if (place.find("/KHR_materials_variants/") == std::string::npos) {
+                shown[reference.target.index] = true;
+            } else {
+                variants[reference.target.index] = place;
+            }
+        });
+        for (std::size_t i = 0; i < variants.size(); ++i) {
+            kernix::MaterialModel* material = m_loaded.Material(i);
+            if (shown[i] || variants[i].empty() || material == nullptr) continue;
+            if (m_scene.MergedInto(material) != material) continue;
+            m_result.held.push_back(
+                {Kind::kMaterial, ElementName(document, Kind::kMaterial, i), WordsFor(variants[i])});
+        }
+    }
+
+    void NameMetadata(std::vector<std::string>& names) const {
+        for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
+            if (node->GetMetadata(false) != nullptr)
+                names.push_back(NameOf(static_cast<kernix::NodeModel&>(*node)));
+        }
+    }
+
+    void NameMerged(std::vector<std::string>& names) const {
+        for (const auto& material : m_scene.AllMaterials()) {
+            if (m_scene.MergedInto(material.Get()) != material.Get()) {
+                names.push_back(NameOr(material->GetNameText().value_or(""), material->GetId()));
+            }
+        }
+    }
+
+    static void NameRemovals(const kernix::ChangeRecordModel& record, std::vector<std::string>& names) {
+        for (const auto& entry : record.GetEntries()) {
+            if (entry.change == kernix::ChangeRecordModel::Change::kAnimationItemRemoval) continue;
+            const auto* node = dynamic_cast<const kernix::NodeModel*>(entry.object.Get());
+            names.push_back(node != nullptr ? NameOf(*node) : entry.name.empty() ? "unnamed" : entry.name);
+        }
+    }
+
+    // The scripted way reaches this operation, which the cleaner's own interface does not list.
+    void RemoveEnvironment(StepResult& result) {
+        constexpr int kEnvironmentParameter = 8;
+        const auto params = vl::Ref<vl::Params>::Adopt(vl::Params::Create());
+        params->Add(vl::ToWord<vl::zr::Scene*>(&m_scene), ZR_VALUE_SCENE);
+        for (std::size_t i = 0; i < kCleanSteps; ++i) params->Add(i == kEnvironmentParameter, ZR_VALUE_BOOL);
+        const auto names =
+            m_environment.Run(m_loaded.Document(), [&] { m_cleaner.Invoke(1, params.Get(), m_context); });
+        result.count += names.size();
+        result.names.insert(result.names.end(), names.begin(), names.end());
+    }
+
+    zr_CLEANER& m_cleaner;
+    EnvironmentService& m_environment;
+    vl::Context* m_context;
+    CleanResult& m_result;
+    LoadedScene m_loaded;
+    SceneModel& m_scene;
+};
+
+void Add(gltf::Collected& total, gltf::Collected more) {
+    for (std::size_t kind = 0; kind < gltf::kKinds; ++kind) total.removed[kind] += more.removed[kind];
+    total.bytes += more.bytes;
+    for (gltf::OpaqueUse& refusal : more.refusals) {
+        const bool known =
+            std::any_of(total.refusals.begin(), total.refusals.end(),
+                        [&](const gltf::OpaqueUse& use) { return use.place == refusal.place; });
+        if (!known) total.refusals.push_back(std::move(refusal));
+    }
+}
+
+// Notes the steps that could take an element that something refers to in a way that cannot be followed.
+std::array<bool, kCleanSteps> AllowedSteps(Document& document, const CleanOptions& options,
+                                           CleanResult& result) {
+    std::array<bool, kCleanSteps> allowed = options.steps;
+    if (options.force) return allowed;
+    const gltf::Opaque opaque = gltf::OpaqueReferences(document);
+    for (std::size_t step = 0; step < kCleanSteps; ++step) {
+        const auto& removes = kCleanStepInfo[step].removes;
+        if (!allowed[step] || !removes || !opaque.kinds.Has(*removes)) continue;
+        allowed[step] = false;
+        for (const gltf::OpaqueUse& use : opaque.uses) {
+            if (use.kinds.Has(*removes)) result.steps[step].refusals.push_back(use);
+        }
+    }
+    return allowed;
+}
+
+}  // namespace
+
+// An animation that goes frees the nodes it moved, and a skin its joints: as long as a round sets something
+// free, another one follows. Places in the explanation are those of the document before the last round.
+CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
+                          vl::Context* context, const CleanOptions& options,
+                          const std::function<void(double)>& progress) {
+    CleanResult result;
+    const std::array<bool, kCleanSteps> allowed = AllowedSteps(document, options, result);
+    const auto collectShown = [&] {
+        if (options.keepData) return false;
+        gltf::Collected collected = gltf::CollectGarbage(document, kShownKinds, options.force);
+        const bool freesJoints = collected.removed[gltf::Ordinal(Kind::kSkin)] != 0;
+        Add(result.collected, std::move(collected));
+        return freesJoints;
+    };
+    // The parts of the time, roughly: making the scene, the steps, collecting.
+    constexpr double kSceneMade = 0.5, kStepsDone = 0.75;
+    SceneOptions sceneOptions = SceneOptionsOf(options);
+    sceneOptions.progress = [&](double done) { progress(kSceneMade * done); };
+    collectShown();
+    for (bool again = true; again;) {
+        const std::size_t animations = result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count;
+        Round round(std::move(document), cleaner, environment, context, sceneOptions, result);
+        for (std::size_t step = 0; step < kCleanSteps && !context->IsBreak(); ++step) {
+            if (allowed[step]) round.Run(step);
+            progress(kSceneMade +
+                     (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
+        }
+        if (context->IsBreak()) return result;
+        result.held.clear();
+        round.Explain();
+        document = round.Finish();
+        again = collectShown() ||
+                result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count != animations;
+    }
+    if (!options.keepData)
+        Add(result.collected, gltf::CollectGarbage(document, gltf::kDataKinds, options.force));
+    progress(1);
+    return result;
+}
+
+}  // namespace zr

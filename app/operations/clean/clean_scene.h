@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "gltf/collect.h"
+#include "app/services/environment_helper.h"
+#include "host/cleaner.h"
+#include "host/context.h"
+
+namespace zr {
+
+// What the cleaner can take out of a scene, in the order in which it does.
+enum class CleanStep : std::size_t {
+    kMetadata,
+    kEqualMaterials,
+    kMeshDupes,
+    kEmptyNodes,
+    kModelViews,
+    kLayers,
+    kNotes,
+    kMaterials,
+    kAnimations,
+    kEnvironment,
+};
+
+inline constexpr std::size_t kCleanSteps = 10;
+
+struct CleanStepInfo {
+    std::string_view name;
+    std::string_view what;              // for people
+    bool unseen;                        // takes only what nobody sees: done unless told otherwise
+    std::optional<gltf::Kind> removes;  // elements that others may refer to by index
+};
+
+extern const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo;
+
+struct CleanOptions {
+    std::array<bool, kCleanSteps> steps{};
+    std::vector<std::string> keep;  // shell patterns of names of nodes, materials and animations that stay
+    bool force = false;             // also where an extension that is not known could refer to what goes
+    bool keepData = false;          // what nothing refers to any more stays in the file
+};
+
+// How a scene is loaded for these options, which must outlive it.
+struct SceneOptions;
+SceneOptions SceneOptionsOf(const CleanOptions& options);
+
+// Elements that go with the last node which shows them.
+inline constexpr gltf::KindSet kShownKinds{gltf::Kind::kMesh, gltf::Kind::kSkin, gltf::Kind::kCamera,
+                                           gltf::Kind::kLight};
+
+struct StepResult {
+    bool ran = false;
+    std::size_t count = 0;
+    std::vector<std::string> names;         // of what went; "#4" for the element 4 without a name
+    std::vector<gltf::OpaqueUse> refusals;  // what kept the step from running
+};
+
+// An element that the steps which ran would have taken if nothing held it. Indices in the holder's place are
+// those of the scene as it was, unless what went first set more free.
+struct HeldElement {
+    gltf::Kind kind;
+    std::string name;
+    std::string holder;  // "channel of animation 3 (/animations/3/channels/0/target/node)"
+};
+
+struct CleanResult {
+    std::array<StepResult, kCleanSteps> steps;
+    std::vector<HeldElement> held;
+    gltf::Collected collected;  // elements without a reference
+};
+
+// Cleans the document in place with the module's cleaner, until nothing more goes: a second cleaning of the
+// result changes nothing. progress: 0 to 1. A break ends it between two removals; the document is then of
+// no use. Throws gltf::Error, and what progress throws.
+CleanResult CleanDocument(gltf::Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
+                          vl::Context* context, const CleanOptions& options,
+                          const std::function<void(double)>& progress);
+
+}  // namespace zr

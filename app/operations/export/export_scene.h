@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "app/operations/export/export_options.h"
+#include "app/operations/export/motion_report.h"
+#include "app/scene/loaded_scene.h"
+#include "app/services/host.h"
+
+namespace zr {
+
+// Told now and then how much is done, 0 to 1; may throw to stop the export.
+using ExportProgress = std::function<void(double)>;
+
+// Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
+// nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
+// when keys that cannot be read would have to change, and when nothing is to be exported. renameMap: null, or receives the text of the map (RenameMap).
+MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
+                         std::string* renameMap = nullptr);
+
+// The same for the active animation, as the records themselves.
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file, std::string* renameMap = nullptr);
+
+}  // namespace zr

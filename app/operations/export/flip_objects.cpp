@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/flip_objects.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "app/operations/export/moved_members.h"
+#include "gltf/accessor.h"
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+using gltf::JsonTree;
+using gltf::Kind;
+
+using Transform = std::array<float, 16>;  // column by column
+
+// Y and Z exchanged.
+constexpr Transform kExchange = {1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+
+// The same with left and right exchanged as well: the proper rotation that takes -Z to -Y and Y to Z.
+constexpr Transform kTurn = {-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+
+class ObjectFlipper {
+public:
+    explicit ObjectFlipper(gltf::Document& document) : m_document(document), m_tree(document.Tree()) {}
+
+    void Run() {
+        for (const std::size_t node : SceneNodes()) {
+            const std::array<float, 3> place = FlipPivot(node);
+            const auto placed = [&place](Transform transform) {
+                std::copy(place.begin(), place.end(), transform.begin() + 12);
+                return transform;
+            };
+            const auto mesh =
+                Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, placed(kExchange));
+            if (mesh) m_meshNodes[node] = *mesh;
+            const auto aimed = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
+            if (!aimed) continue;
+            m_aimNodes[node] = *aimed;
+            // What a camera or light aims at goes with it.
+            MoveExtension(node, Element(Kind::kNode, *aimed), "ZR_scene", "target");
+        }
+        for (const std::size_t skin : m_skins) FlipSkin(skin);
+        FollowMembers(m_document, kMeshMembers, m_meshNodes);
+        FollowMembers(m_document, kAimMembers, m_aimNodes);
+    }
+
+private:
+    Json& Element(Kind kind, std::size_t index) { return m_document.Elements(kind)[index]; }
+
+    std::vector<std::size_t> SceneNodes() {
+        std::vector<std::size_t> nodes;
+        const auto scenes = m_document.Elements(Kind::kScene);
+        const std::size_t scene = gltf::IndexMember(m_document.Root(), "scene", 0);
+        if (scene >= scenes.size()) return nodes;
+        const auto add = [&nodes](const Json* list) {
+            if (list == nullptr) return;
+            for (const Json& item : list->Items()) nodes.push_back(static_cast<std::size_t>(*item.Index()));
+        };
+        add(scenes[scene].Find("nodes"));
+        for (std::size_t i = 0; i < nodes.size(); ++i) add(Element(Kind::kNode, nodes[i]).Find("children"));
+        return nodes;
+    }
+
+    // Exchanges the axes of a node's pivot. Where the object of the node stands: a pivot of the object alone
+    // has no object left at the node and is taken away.
+    std::array<float, 3> FlipPivot(std::size_t node) {
+        Json* extensions = Element(Kind::kNode, node).Find("extensions");
+        Json* own = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        Json* pivot = own != nullptr ? own->Find("pivot") : nullptr;
+        if (pivot == nullptr) return {};
+        std::swap(pivot->Items()[1], pivot->Items()[2]);
+        const Json* group = own->Find("pivotGroup");
+        if (group != nullptr && group->Bool()) return {};
+        std::array<float, 3> place;
+        for (std::size_t i = 0; i < 3; ++i) place[i] = 0 - static_cast<float>(pivot->Items()[i].Number());
+        own->EraseMember("pivot");
+        own->EraseMember("pivotGroup");
+        EraseEmpty(node, "ZR_scene");
+        return place;
+    }
+
+    // Moves members and extensions of a node, if it has any of them, to a new child with the transform.
+    std::optional<std::size_t> Split(std::size_t node, std::initializer_list<std::string_view> members,
+                                     std::initializer_list<std::string_view> extensions,
+                                     const Transform& transform) {
+        Json content = JsonTree::MakeObject();
+        for (const std::string_view name : members) Move(Element(Kind::kNode, node), content, name);
+        for (const std::string_view name : extensions) MoveExtension(node, content, name, {});
+        if (content.Members().empty()) return std::nullopt;
+        if (const Json* skin = content.Find("skin")) m_skins.insert(static_cast<std::size_t>(*skin->Index()));
+        m_tree.Member(content, "matrix") = m_tree.MakeNumbers(transform);
+        const std::size_t child = m_document.Append(Kind::kNode, content);
+        Json& list = m_tree.Member(Element(Kind::kNode, node), "children");
+        if (!list.IsArray()) list = JsonTree::MakeArray();
+        m_tree.Append(list, m_tree.MakeIndex(child));
+        return child;
+    }
+
+    void Move(Json& from, Json& to, std::string_view name) {
+        const Json* member = from.Find(name);
+        if (member == nullptr) return;
+        const Json value = *member;
+        from.EraseMember(name);
+        m_tree.Member(to, name) = value;
+    }
+
+    // member: of the extension; empty for all of it.
+    void MoveExtension(std::size_t node, Json& content, std::string_view name, std::string_view member) {
+        Json* from = Element(Kind::kNode, node).Find("extensions");
+        Json* extension = from != nullptr ? from->Find(name) : nullptr;
+        if (extension == nullptr || (!member.empty() && extension->Find(member) == nullptr)) return;
+        Json& to = m_tree.Member(content, "extensions");
+        if (!to.IsObject()) to = JsonTree::MakeObject();
+        if (member.empty()) {
+            Move(*from, to, name);
+        } else {
+            Json& part = m_tree.Member(to, name);
+            part = JsonTree::MakeObject();
+            Move(*extension, part, member);
+        }
+        EraseEmpty(node, name);
+    }
+
+    // Erases an extension that is left without members, and then the list of extensions.
+    void EraseEmpty(std::size_t node, std::string_view name) {
+        Json& extensions = *Element(Kind::kNode, node).Find("extensions");
+        const Json* extension = extensions.Find(name);
+        if (extension != nullptr && extension->Members().empty()) extensions.EraseMember(name);
+        if (extensions.Members().empty()) Element(Kind::kNode, node).EraseMember("extensions");
+    }
+
+    void FlipSkin(std::size_t index) {
+        const Json& skin = Element(Kind::kSkin, index);
+        std::vector<float> binds;
+        if (const Json* accessor = skin.Find("inverseBindMatrices")) {
+            const auto source = static_cast<std::size_t>(*accessor->Index());
+            if (!gltf::HasData(m_document, source)) {
+                throw std::runtime_error(
+                    "skins[" + std::to_string(index) +
+                    "]: the inverse bind matrices are stored in a form that cannot be read");
+            }
+            binds = gltf::ReadFloats(m_document, source);
+        } else {
+            const Json* joints = skin.Find("joints");
+            const std::size_t count = joints != nullptr ? joints->Items().size() : 0;
+            for (std::size_t i = 0; i < 16 * count; ++i) binds.push_back(i % 16 % 5 == 0 ? 1.0f : 0.0f);
+        }
+        for (std::size_t column = 0; column + 4 <= binds.size(); column += 4) {
+            std::swap(binds[column + 1], binds[column + 2]);
+        }
+        const std::size_t accessor = gltf::AppendFloats(m_document, "MAT4", gltf::Use::kInverseBinds, binds);
+        m_tree.Member(Element(Kind::kSkin, index), "inverseBindMatrices") = m_tree.MakeIndex(accessor);
+    }
+
+    gltf::Document& m_document;
+    JsonTree& m_tree;
+    std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // child that a node's mesh went to
+    std::unordered_map<std::size_t, std::size_t> m_aimNodes;   // the same of its camera or light
+    std::set<std::size_t> m_skins;
+};
+
+}  // namespace
+
+void FlipObjects(gltf::Document& document) {
+    ObjectFlipper(document).Run();
+}
+
+}  // namespace zr

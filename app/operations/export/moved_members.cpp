@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/moved_members.h"
+
+#include <algorithm>
+#include <string>
+
+#include "gltf/references.h"
+
+namespace zr {
+namespace {
+
+// Whether a path is the member or leads into it.
+bool LeadsInto(std::string_view path, std::string_view member) {
+    return path.starts_with(member) && (path.size() == member.size() || path[member.size()] == '/');
+}
+
+// The path from a node to what the reference is about; empty for the node itself.
+std::string_view PathBelowNode(const gltf::Reference& reference) {
+    if (reference.target.textSize != 0) {
+        const std::string_view pointer = reference.value.String();
+        const std::size_t end = reference.target.textOffset + reference.target.textSize;
+        return end < pointer.size() ? pointer.substr(end + 1) : std::string_view();
+    }
+    if (!reference.owner || reference.owner->kind != gltf::Kind::kAnimation) return {};
+    const auto steps = reference.place.Steps();
+    const gltf::Json* path = steps[steps.size() - 2].value->Find("path");
+    return path != nullptr ? path->String() : std::string_view();
+}
+
+}  // namespace
+
+void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
+                   const std::unordered_map<std::size_t, std::size_t>& moved) {
+    if (moved.empty()) return;
+    gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
+        const gltf::Target& target = reference.target;
+        const auto found = target.kind == gltf::Kind::kNode ? moved.find(target.index) : moved.end();
+        if (found == moved.end()) return;
+        const std::string_view path = PathBelowNode(reference);
+        if (std::none_of(members.begin(), members.end(),
+                         [&](auto member) { return LeadsInto(path, member); }))
+            return;
+        if (target.textSize == 0) {
+            reference.value = document.Tree().MakeIndex(found->second);
+            return;
+        }
+        std::string text(reference.value.String());
+        text.replace(target.textOffset, target.textSize, std::to_string(found->second));
+        reference.value = document.Tree().MakeString(text);
+    });
+}
+
+}  // namespace zr

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+
+#include "gltf/document.h"
+
+namespace zr {
+
+// Members of a node that belong to what it shows, as pointers into the node name them.
+inline constexpr std::string_view kObjectMembers[] = {
+    "mesh",    "skin",
+    "weights", "extensions/EXT_mesh_gpu_instancing",
+    "camera",  "extensions/KHR_lights_punctual",
+};
+inline constexpr auto kMeshMembers = std::span(kObjectMembers).first<4>();
+inline constexpr auto kAimMembers = std::span(kObjectMembers).last<2>();
+
+// Mends what refers to members that went from a node to another one: pointers of animation channels and of
+// behaviour graphs, and channels of morph weights. moved: from node to node.
+void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
+                   const std::unordered_map<std::size_t, std::size_t>& moved);
+
+}  // namespace zr

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/record_names.h"
+
+#include <unordered_map>
+
+#include "gltf/json.h"
+#include "kernix/utf.h"
+#include "module/keyframe/material_name.h"
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+using gltf::JsonTree;
+
+std::string NodePath(const kernix::NodeModel* node) {
+    std::vector<const kernix::NodeModel*> line;
+    for (; node != nullptr; node = node->GetParent()) line.push_back(node);
+    std::string path;
+    for (auto it = line.rbegin(); it != line.rend(); ++it) path += "/" + (*it)->GetNameText();
+    return path;
+}
+
+}  // namespace
+
+std::string NameOf(const ExportNode& record) {
+    if (record.szName != nullptr)
+        return kernix::ToUtf8(kernix::ToUtf16(record.szName));  // bytes that are no text become text
+    if (record.wszName != nullptr) return kernix::ToUtf8(record.wszName);
+    return record.pNode != nullptr ? static_cast<kernix::NodeModel*>(record.pNode)->GetNameText()
+                                   : std::string();
+}
+
+void WriteMaterialNames(LoadedScene& loaded, const Tool& tool) {
+    std::unordered_map<const vl::zr::Material*, std::size_t> indices;
+    const auto materials = loaded.Document().Elements(gltf::Kind::kMaterial);
+    for (std::size_t i = 0; i < materials.size(); ++i) indices[loaded.Material(i)] = i;
+    for (const MaterialName* name : vl::ArrayOf<MaterialName*>(tool->m_pMaterialNames)) {
+        const auto found = indices.find(name->pMaterial);
+        if (found == indices.end()) continue;
+        const std::u16string text = name->wszName != nullptr ? name->wszName : kernix::ToUtf16(name->szName);
+        JsonTree& tree = loaded.Document().Tree();
+        tree.Member(loaded.Document().Elements(gltf::Kind::kMaterial)[found->second], "name") =
+            tree.MakeString(kernix::ToUtf8(text));
+    }
+}
+
+std::string RenameMap(const Tool& tool) {
+    JsonTree tree;
+    Json list = JsonTree::MakeArray();
+    for (const ExportNode* record : AllRecords(tool)) {
+        const auto* node = static_cast<kernix::NodeModel*>(record->pNode);
+        if (node == nullptr) continue;
+        Json entry = JsonTree::MakeObject();
+        tree.Member(entry, "path") = tree.MakeString(NodePath(node));
+        tree.Member(entry, "name") = tree.MakeString(node->GetNameText());
+        tree.Member(entry, "exported") = tree.MakeString(NameOf(*record));
+        tree.Append(list, entry);
+    }
+    return gltf::WriteJson(list, true) + "\n";
+}
+
+}  // namespace zr

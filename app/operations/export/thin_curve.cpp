@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/thin_curve.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace zr {
+namespace {
+
+// Baking rounds the keys and their times to a float each, which moves the line between two keys, and a key
+// off it, by up to three steps together.
+constexpr double kTolerance = 4 * double{std::numeric_limits<float>::epsilon()};
+
+// Least cosine of half the angle between two kept orientations. Near half a turn, rounding decides which way
+// is the shorter one.
+constexpr double kLeastCosine = 0.1;
+
+// The way from a kept key to a later one, in coordinates in which what passes between two keys is straight.
+struct Way {
+    double offset[3];
+    double tolerance;  // of each coordinate; negative where no line may reach, or lead further
+};
+
+Way VectorWay(const float* from, const float* to) {
+    Way way{};
+    double size = 0;
+    for (int i = 0; i < 3; ++i) {
+        way.offset[i] = double{to[i]} - from[i];
+        size = std::max({size, std::fabs(double{from[i]}), std::fabs(double{to[i]})});
+    }
+    way.tolerance = kTolerance * size;
+    return way;
+}
+
+kernix::Rotation RotationOf(const float* q) {
+    return kernix::Rotation::From(vl::Quaternion(q[0], q[1], q[2], q[3]));
+}
+
+// Half the angle along each axis: the turn from one orientation to the other goes through its multiples.
+Way TurnWay(const float* from, const float* to) {
+    kernix::Rotation turn = RotationOf(from).Inverted().Times(RotationOf(to));
+    if (turn.w < 0) turn = {-turn.x, -turn.y, -turn.z, -turn.w};
+    const double sine = std::sqrt(turn.x * turn.x + turn.y * turn.y + turn.z * turn.z);
+    const double factor = sine > 0 ? std::atan2(sine, turn.w) / sine : 1;
+    return {{turn.x * factor, turn.y * factor, turn.z * factor}, turn.w < kLeastCosine ? -1 : kTolerance};
+}
+
+// The slopes of the lines from a kept key that meet all keys since.
+class Slopes {
+public:
+    bool Hold(const Way& way, double span) const {
+        if (way.tolerance < 0) return false;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double slope = way.offset[i] / span;
+            if (!(slope >= m_least[i] && slope <= m_greatest[i])) return false;
+        }
+        return true;
+    }
+    void Meet(const Way& way, double span) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            m_least[i] = std::max(m_least[i], (way.offset[i] - way.tolerance) / span);
+            m_greatest[i] = std::min(m_greatest[i], (way.offset[i] + way.tolerance) / span);
+        }
+    }
+
+private:
+    static constexpr double kAny = std::numeric_limits<double>::infinity();
+    std::array<double, 3> m_least{-kAny, -kAny, -kAny};
+    std::array<double, 3> m_greatest{kAny, kAny, kAny};
+};
+
+}  // namespace
+
+Curve Thinned(const Curve& curve) {
+    const std::size_t width = curve.Width();
+    Curve thinned{curve.interpolation, {}, {}};
+    const auto value = [&](std::size_t key) { return curve.values.data() + key * width; };
+    const auto keep = [&](std::size_t key) {
+        thinned.times.push_back(curve.times[key]);
+        thinned.values.insert(thinned.values.end(), value(key), value(key) + width);
+    };
+    const std::size_t count = curve.times.size();
+    std::size_t kept = 0;
+    Slopes slopes;
+    for (std::size_t i = 1; i < count; ++i) {
+        const auto way = [&] {
+            return width == 4 ? TurnWay(value(kept), value(i)) : VectorWay(value(kept), value(i));
+        };
+        const auto span = [&] { return double{curve.times[i]} - curve.times[kept]; };
+        if (i > kept + 1 && !slopes.Hold(way(), span())) {
+            keep(kept);
+            kept = i - 1;
+            slopes = {};
+        }
+        slopes.Meet(way(), span());
+    }
+    if (count > 0) keep(kept);
+    if (count > 1) keep(count - 1);
+    return thinned;
+}
+
+}  // namespace zr

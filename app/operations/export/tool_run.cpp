@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/tool_run.h"
+
+#include <stdexcept>
+
+namespace zr {
+
+Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
+             const ExportOptions& options) {
+    scene.SetSceneMatrix(options.sceneMatrix);
+    scene.SetActiveAnimation(animation);
+    Tool tool = host.Create<vl::tk::Serializer>("TKSAVE");
+    tool->m_pScene = &scene;
+    tool->m_dwExportFlags = options.exportFlags;
+    tool->m_dwNameFlags = options.nameFlags;
+    tool->m_dwAnimFlags = options.animFlags;
+    tool->m_nPivotMode = options.pivotMode;
+    tool->m_fRescale = options.rescale;
+    tool->m_nMaxNameLength = options.maxNameLength;
+    tool->m_nMaxMaterialNameLength = options.maxMaterialNameLength;
+    tool->m_pfnRename = options.rename;
+    tool->m_pRenameContext = options.renameContext;
+    host.TakeReportedError();
+    if (tool->Process(0) == 0) {
+        const std::string reason = host.TakeReportedError();
+        throw std::runtime_error(reason.empty() ? "nothing to export: the options leave out every node" : reason);
+    }
+    return tool;
+}
+
+}  // namespace zr

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/operations/export/export_options.h"
+#include "app/services/host.h"
+#include "host/ref.h"
+#include "host/serializer.h"
+#include "kernix/scene/scene_model.h"
+#include "module/keyframe/export_node.h"
+
+namespace zr {
+
+using Tool = vl::Ref<vl::tk::Serializer>;
+
+// Runs the keyframe tools on the scene with the animation as its active one; null: without any. The records
+// point into the scene. Throws std::runtime_error when nothing is to be exported.
+Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
+             const ExportOptions& options);
+
+// Whether the animation's time is mapped to another range.
+inline bool MapsTime(const vl::tk::Serializer& tool) { return tool.m_fTimeScale != 1 || tool.m_fTimeOffset != 0; }
+
+inline vl::ArrayOf<ExportNode*> AllRecords(const Tool& tool) {
+    return vl::ArrayOf<ExportNode*>(tool->m_pAllNodes);
+}
+
+}  // namespace zr

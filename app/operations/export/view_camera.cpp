@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/view_camera.h"
+
+#include <cmath>
+
+#include "app/scene/bounds.h"
+
+namespace zr {
+namespace {
+
+constexpr double kDegree = 0.017453292519943295;
+constexpr double kFieldOfView = 45 * kDegree;  // from the picture's top to its bottom
+constexpr double kToTheRight = 30 * kDegree;
+constexpr double kFromAbove = 20 * kDegree;
+
+// Of the distance to the middle. The scene itself lies between 0.6 and 1.4; what moves may come nearer or go
+// on.
+constexpr double kNear = 0.01;
+constexpr double kFar = 10;
+
+struct Ball {
+    vl::Vector3<double> middle;
+    double radius = 1;
+};
+
+Ball BallAround(const Bounds& bounds) {
+    const vl::Vector3<double> size{bounds.high.x - bounds.low.x, bounds.high.y - bounds.low.y,
+                                   bounds.high.z - bounds.low.z};
+    const double diagonal = std::hypot(size.x, size.y, size.z);
+    if (!std::isfinite(diagonal)) return {};  // nothing there, or nothing that can be seen
+    return {{bounds.low.x + size.x / 2, bounds.low.y + size.y / 2, bounds.low.z + size.z / 2},
+            diagonal > 0 ? diagonal / 2 : 1};
+}
+
+}  // namespace
+
+ViewCamera::ViewCamera(LoadedScene& loaded) {
+    const Ball ball = BallAround(BoundsAtRest(loaded));
+    m_distance = ball.radius / std::sin(kFieldOfView / 2);
+    m_node = loaded.Scene().AddNode(nullptr, "view camera");
+    m_node->m_dwFlags |= vl::zr::kNodeSystem;
+    m_node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(new kernix::CameraModel));
+    loaded.Scene().SetDefaultCameraNode(m_node);
+
+    vl::Matrix4<double> place;
+    place.SetTranslate({0, 0, m_distance});
+    place.RotateX(-kFromAbove);
+    place.RotateY(kToTheRight);
+    place.Offset(ball.middle);
+    m_node->SetRestMatrix(place);
+}
+
+void ViewCamera::Write(gltf::Document& document, const Tool& tool, const std::vector<std::size_t>& nodes,
+                       const ExportOptions& options) const {
+    std::size_t at = 0;
+    for (const ExportNode* record : AllRecords(tool)) {
+        const std::size_t index = nodes[at++];
+        if (record->pNode != m_node || (record->dwFlags & NF_GEOMETRY) == 0) continue;
+        gltf::JsonTree& tree = document.Tree();
+        // A lens does not grow with its node.
+        const auto& row = options.sceneMatrix.m[0];
+        const double distance = m_distance * std::hypot(row[0], row[1], row[2]);
+        gltf::Json lens = gltf::JsonTree::MakeObject(), camera = gltf::JsonTree::MakeObject();
+        tree.Member(lens, "yfov") = tree.MakeNumber(kFieldOfView);
+        tree.Member(lens, "znear") = tree.MakeNumber(kNear * distance);
+        tree.Member(lens, "zfar") = tree.MakeNumber(kFar * distance);
+        tree.Member(camera, "type") = tree.MakeString("perspective");
+        tree.Member(camera, "perspective") = lens;
+        const std::size_t added = document.Append(gltf::Kind::kCamera, camera);
+        gltf::Json& node = document.Elements(gltf::Kind::kNode)[index];
+        tree.Member(node, "camera") = tree.MakeIndex(added);
+        if (node.Find("name") == nullptr) tree.Member(node, "name") = tree.MakeString(m_node->GetNameText());
+    }
+}
+
+}  // namespace zr

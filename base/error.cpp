@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include "base/error.h"
+
+namespace zr {
+namespace {
+
+std::string Line(std::string_view file, std::string_view place, std::string_view text) {
+    std::string line(file);
+    if (!line.empty()) line += ": ";
+    if (!place.empty()) line.append(place).append(": ");
+    line += text;
+    for (char& c : line) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+    }
+    return line;
+}
+
+}  // namespace
+
+Error::Error(std::string_view file, std::string_view place, std::string_view text)
+    : std::runtime_error(Line(file, place, text)), m_place(place) {}
+
+}  // namespace zr

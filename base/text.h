@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <string_view>
+
+namespace zr {
+
+// One text of several, whole numbers as decimals: Join("/nodes/", 3, "/mesh").
+template <typename... Parts>
+std::string Join(const Parts&... parts) {
+    std::string joined;
+    const auto add = [&joined](const auto& part) {
+        if constexpr (std::integral<std::decay_t<decltype(part)>>)
+            joined += std::to_string(part);
+        else
+            joined += std::string_view(part);
+    };
+    (add(parts), ...);
+    return joined;
+}
+
+}  // namespace zr

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "gltf/document.h"
+
+namespace zr::gltf {
+
+enum class Component : std::uint32_t {
+    kByte = 5120,
+    kUnsignedByte = 5121,
+    kShort = 5122,
+    kUnsignedShort = 5123,
+    kUnsignedInt = 5125,
+    kFloat = 5126,
+};
+
+// Bytes of a component, or 0 for a number that names none.
+std::size_t SizeOf(std::uint64_t component);
+
+// The shape of an accessor type ("VEC3": 3 rows, 1 column; "MAT4": 4 and 4), or nothing for an unknown name.
+struct ElementShape {
+    unsigned rows = 1;
+    unsigned columns = 1;
+
+    unsigned Components() const { return rows * columns; }
+};
+std::optional<ElementShape> ShapeOf(std::string_view type);
+
+// What an accessor's elements are.
+struct AccessorInfo {
+    Component component = Component::kFloat;
+    ElementShape shape;
+    std::size_t count = 0;
+    bool normalized = false;
+
+    std::size_t ComponentSize() const { return SizeOf(static_cast<std::uint64_t>(component)); }
+    // Bytes from column to column (matrix columns start at multiples of 4) and of a whole element.
+    std::size_t ColumnSize() const;
+    std::size_t ElementSize() const { return ColumnSize() * shape.columns; }
+};
+
+// Of a checked document; `accessor` is an index in range.
+AccessorInfo Describe(const Document& document, std::size_t accessor);
+
+// Whether the elements can be read: stored, and not in compressed form. An accessor without a view reads as
+// zeros (with its sparse values over them).
+bool HasData(const Document& document, std::size_t accessor);
+
+// All components of all elements, element after element, matrices column by column; normalized integers as
+// the fractions they stand for, other integers as they are. Throws Error (kBounds) without data.
+std::vector<float> ReadFloats(const Document& document, std::size_t accessor);
+// The same for integer components (negative ones wrap); for vertex indices and joints.
+std::vector<std::uint32_t> ReadIntegers(const Document& document, std::size_t accessor);
+
+// What a new accessor is for; decides the view's target and whether bounds are written.
+enum class Use {
+    kPosition,  // bounds
+    kAttribute,
+    kKeyTimes,  // bounds
+    kKeyValues,
+    kInverseBinds,
+};
+
+// Adds an accessor of floats with a view of its own: its index. values.size() is a multiple of the components
+// of `type` and not 0; values are finite.
+std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values);
+// Adds an accessor of vertex indices (at least one), in 16 bits where that holds them without the value that
+// restarts a strip.
+std::size_t AppendIndices(Document& document, std::span<const std::uint32_t> values);
+
+}  // namespace zr::gltf

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "gltf/accessor.h"
+#include "gltf/check.h"
+#include "gltf/document.h"
+#include "base/text.h"
+
+namespace zr::gltf {
+namespace {
+
+// Elements that no stored data backs cost nothing in the file but memory when they are read.
+constexpr std::uint64_t kMaxUnstoredComponents = std::uint64_t{1} << 26;
+constexpr std::uint64_t kMaxCount = std::uint64_t{1} << 40;  // keeps every product below 2^64
+
+// A place in an element; as text only when there is a fault to tell.
+struct Spot {
+    std::string_view collection;
+    std::size_t index;
+    std::string_view member = "";
+
+    std::string Place(std::string_view below = "") const {
+        return Join("/", collection, "/", index, member, below);
+    }
+};
+
+std::string Range(std::uint64_t offset, std::uint64_t length, std::uint64_t available) {
+    return Join("bytes ", offset, " to ", offset + length, " of ", available);
+}
+
+class Ranges {
+public:
+    explicit Ranges(const Document& document) : m_document(document) {}
+
+    void Views() {
+        const auto views = m_document.Elements(Kind::kBufferView);
+        for (std::size_t i = 0; i < views.size(); ++i) {
+            const Spot view{"bufferViews", i};
+            InBuffer(views[i], view);
+            if (const Json* extensions = views[i].Find("extensions")) {
+                for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"})
+                    if (const Json* compressed = extensions->Find(name))
+                        InBuffer(*compressed, {"bufferViews", i, Join("/extensions/", name)});
+            }
+            if (views[i].Find("byteStride") == nullptr) continue;
+            const std::uint64_t stride = IndexMember(views[i], "byteStride");
+            if (stride < 4 || stride > 252 || stride % 4 != 0)
+                m_document.Fail(ErrorKind::kBounds, view.Place("/byteStride"),
+                                Join(stride, " is no multiple of 4 from 4 to 252"));
+        }
+    }
+
+    void Accessor(const Json& accessor, std::size_t index) {
+        const Spot spot{"accessors", index};
+        const std::size_t size = SizeOf(IndexMember(accessor, "componentType"));
+        if (size == 0) Fail(spot.Place("/componentType"), "is no component type");
+        if (!ShapeOf(accessor.Find("type")->String())) Fail(spot.Place("/type"), "is no accessor type");
+        const AccessorInfo info = Describe(m_document, index);
+        if (info.count > kMaxCount) Limit(spot.Place("/count"));
+        const Json* sparse = accessor.Find("sparse");
+        if (accessor.Find("bufferView") != nullptr)
+            InView(accessor, info.ElementSize(), info.count, spot);
+        else if ((m_unstored += info.count * info.shape.Components()) > kMaxUnstoredComponents)
+            Limit(spot.Place("/count"));
+        for (std::string_view bound : {"min", "max"}) {
+            const Json* values = accessor.Find(bound);
+            if (values != nullptr && values->Items().size() != info.shape.Components())
+                Fail(spot.Place(Join("/", bound)), Join("should hold ", info.shape.Components(), " numbers"));
+        }
+        if (sparse != nullptr) Sparse(*sparse, info, {"accessors", index, "/sparse"});
+    }
+
+private:
+    void InBuffer(const Json& range, const Spot& spot) {
+        const std::uint64_t offset = IndexMember(range, "byteOffset"),
+                            length = IndexMember(range, "byteLength");
+        const Json& buffer = m_document.Elements(Kind::kBuffer)[IndexMember(range, "buffer")];
+        const std::uint64_t available = IndexMember(buffer, "byteLength");
+        if (offset > available || length > available - offset)
+            m_document.Fail(ErrorKind::kBounds, spot.Place(),
+                            Join(Range(offset, length, available), " in its buffer"));
+    }
+
+    // `count` elements of `size` bytes, at the view and offset that `part` names.
+    void InView(const Json& part, std::uint64_t size, std::uint64_t count, const Spot& spot) {
+        const Json& view = m_document.Elements(Kind::kBufferView)[IndexMember(part, "bufferView")];
+        const std::uint64_t stride = IndexMember(view, "byteStride", size);
+        const std::uint64_t offset = IndexMember(part, "byteOffset"),
+                            available = IndexMember(view, "byteLength");
+        if (stride < size)
+            m_document.Fail(ErrorKind::kBounds, spot.Place(),
+                            Join("elements of ", size, " bytes in steps of ", stride));
+        if (count > kMaxCount) Limit(spot.Place());
+        const std::uint64_t length = count == 0 ? 0 : stride * (count - 1) + size;
+        if (offset > available || length > available - offset)
+            m_document.Fail(ErrorKind::kBounds, spot.Place(),
+                            Join(Range(offset, length, available), " in its view"));
+    }
+
+    void Sparse(const Json& sparse, const AccessorInfo& info, const Spot& spot) {
+        const std::size_t count = IndexMember(sparse, "count");
+        if (count > info.count)
+            m_document.Fail(ErrorKind::kBounds, spot.Place("/count"),
+                            Join(count, " of ", info.count, " elements"));
+        const Json& indices = *sparse.Find("indices");
+        const std::uint64_t component = IndexMember(indices, "componentType");
+        if (component != 5121 && component != 5123 && component != 5125)
+            Fail(spot.Place("/indices/componentType"), "is no unsigned component type");
+        const std::size_t size = SizeOf(component);
+        InView(indices, size, count, {spot.collection, spot.index, "/sparse/indices"});
+        InView(*sparse.Find("values"), info.ElementSize(), count,
+               {spot.collection, spot.index, "/sparse/values"});
+        const auto bytes = m_document.ViewBytes(IndexMember(indices, "bufferView"));
+        if (!bytes) return;
+        const std::size_t view = IndexMember(indices, "bufferView");
+        const std::size_t stride =
+            IndexMember(m_document.Elements(Kind::kBufferView)[view], "byteStride", size);
+        std::uint64_t least = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t at = IndexMember(indices, "byteOffset") + i * stride;
+            std::uint64_t value = 0;
+            for (std::size_t k = size; k-- > 0;)
+                value = value << 8 | std::to_integer<std::uint64_t>((*bytes)[at + k]);
+            if (value < least || value >= info.count)
+                m_document.Fail(
+                    ErrorKind::kBounds, spot.Place("/indices"),
+                    Join("index ", value, " does not increase or is beyond ", info.count, " elements"));
+            least = value + 1;
+        }
+    }
+
+    [[noreturn]] void Fail(const std::string& place, std::string_view text) {
+        m_document.Fail(ErrorKind::kStructure, place, text);
+    }
+    [[noreturn]] void Limit(const std::string& place) {
+        m_document.Fail(ErrorKind::kLimit, place, "more elements than a file without their data may ask for");
+    }
+
+    const Document& m_document;
+    std::uint64_t m_unstored = 0;
+};
+
+}  // namespace
+
+void CheckAccessors(const Document& document) {
+    Ranges ranges(document);
+    ranges.Views();
+    const auto accessors = document.Elements(Kind::kAccessor);
+    for (std::size_t i = 0; i < accessors.size(); ++i) ranges.Accessor(accessors[i], i);
+}
+
+}  // namespace zr::gltf

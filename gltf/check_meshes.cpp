@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "gltf/accessor.h"
+#include "gltf/check.h"
+#include "gltf/document.h"
+#include "base/text.h"
+
+namespace zr::gltf {
+namespace {
+
+constexpr std::size_t kModes = 7;  // points, lines, line loop, line strip, triangles, strip, fan
+
+class Meshes {
+public:
+    explicit Meshes(const Document& document)
+        : m_document(document), m_highest(document.Elements(Kind::kAccessor).size()) {}
+
+    void Mesh(const Json& mesh, std::size_t index) {
+        const std::string place = Join("/meshes/", index);
+        const auto primitives = mesh.Find("primitives")->Items();
+        for (std::size_t i = 0; i < primitives.size(); ++i)
+            Primitive(primitives[i], Join(place, "/primitives/", i));
+        const std::size_t targets = Targets(primitives[0]);
+        for (std::size_t i = 1; i < primitives.size(); ++i)
+            if (Targets(primitives[i]) != targets)
+                Fail(Join(place, "/primitives/", i, "/targets"),
+                     "are not as many as in the mesh's first primitive");
+        const Json* weights = mesh.Find("weights");
+        if (weights != nullptr && weights->Items().size() != targets)
+            Fail(Join(place, "/weights"), Join("are not one for each of ", targets, " targets"));
+    }
+
+    static std::size_t Targets(const Json& primitive) {
+        const Json* targets = primitive.Find("targets");
+        return targets != nullptr ? targets->Items().size() : 0;
+    }
+
+private:
+    void Primitive(const Json& primitive, const std::string& place) {
+        if (IndexMember(primitive, "mode", 4) >= kModes) Fail(Join(place, "/mode"), "is no primitive mode");
+        const Json& attributes = *primitive.Find("attributes");
+        std::optional<std::size_t> vertices;
+        Attributes(attributes, Join(place, "/attributes"), vertices);
+        if (const Json* targets = primitive.Find("targets")) {
+            for (std::size_t i = 0; i < targets->Items().size(); ++i)
+                Attributes(targets->Items()[i], Join(place, "/targets/", i), vertices);
+        }
+        if (primitive.Find("indices") != nullptr) Indices(primitive, Join(place, "/indices"), vertices);
+    }
+
+    void Attributes(const Json& attributes, const std::string& place, std::optional<std::size_t>& vertices) {
+        for (const JsonMember& member : attributes.Members()) {
+            const AccessorInfo info = Describe(m_document, *member.value.Index());
+            const std::string attribute = Join(place, "/", member.Name());
+            if (!vertices) vertices = info.count;
+            if (info.count != *vertices)
+                Fail(attribute,
+                     Join(info.count, " elements where the primitive has ", *vertices, " vertices"));
+            if ((member.Name() == "POSITION" || member.Name() == "NORMAL") &&
+                (info.shape.rows != 3 || info.shape.columns != 1))
+                Fail(attribute, "is not of type VEC3");
+        }
+    }
+
+    void Indices(const Json& primitive, const std::string& place, std::optional<std::size_t> vertices) {
+        const std::size_t accessor = IndexMember(primitive, "indices");
+        const AccessorInfo info = Describe(m_document, accessor);
+        if (info.shape.Components() != 1 ||
+            (info.component != Component::kUnsignedByte && info.component != Component::kUnsignedShort &&
+             info.component != Component::kUnsignedInt))
+            Fail(place, "are not of unsigned integers");
+        if (!vertices || info.count == 0 || IsCompressed(primitive) || !HasData(m_document, accessor)) return;
+        // An accessor that many primitives share is read once.
+        if (!m_highest[accessor]) {
+            const std::vector<std::uint32_t> indices = ReadIntegers(m_document, accessor);
+            m_highest[accessor] = *std::max_element(indices.begin(), indices.end());
+        }
+        if (*m_highest[accessor] >= *vertices)
+            m_document.Fail(ErrorKind::kMesh, place,
+                            Join("vertex ", *m_highest[accessor], " of ", *vertices));
+    }
+
+    static bool IsCompressed(const Json& primitive) {
+        const Json* extensions = primitive.Find("extensions");
+        return extensions != nullptr && extensions->Find("KHR_draco_mesh_compression") != nullptr;
+    }
+
+    [[noreturn]] void Fail(const std::string& place, std::string_view text) {
+        m_document.Fail(ErrorKind::kMesh, place, text);
+    }
+
+    const Document& m_document;
+    std::vector<std::optional<std::uint32_t>> m_highest;
+};
+
+}  // namespace
+
+void CheckMeshes(const Document& document) {
+    Meshes check(document);
+    const auto meshes = document.Elements(Kind::kMesh);
+    for (std::size_t i = 0; i < meshes.size(); ++i) check.Mesh(meshes[i], i);
+    const auto nodes = document.Elements(Kind::kNode);
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        const Json* weights = nodes[i].Find("weights");
+        if (weights == nullptr) continue;
+        const std::size_t mesh = IndexMember(nodes[i], "mesh", meshes.size());
+        const std::size_t targets =
+            mesh < meshes.size() ? Meshes::Targets(meshes[mesh].Find("primitives")->Items()[0]) : 0;
+        if (weights->Items().size() != targets)
+            document.Fail(ErrorKind::kMesh, Join("/nodes/", i, "/weights"),
+                          Join("are not one for each of ", targets, " targets"));
+    }
+}
+
+}  // namespace zr::gltf

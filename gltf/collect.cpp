@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/collect.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+namespace zr::gltf {
+namespace {
+
+// Marks what can be reached from what is not up for collection.
+class Marker {
+public:
+    Marker(Document& document, KindSet kinds) : m_document(document), m_kinds(kinds) {
+        std::size_t next = 0;
+        for (std::size_t i = 0; i < kKinds; ++i) {
+            m_first[i] = next;
+            next += document.Elements(static_cast<Kind>(i)).size();
+        }
+        m_reached.resize(next, false);
+    }
+
+    Removal Unreached() {
+        ForEachReference(m_document, [&](const Reference& reference) {
+            const std::size_t target = Number(reference.target.kind, reference.target.index);
+            if (!m_kinds.Has(reference.target.kind)) return;
+            if (reference.owner && m_kinds.Has(reference.owner->kind))
+                m_edges.emplace_back(Number(reference.owner->kind, reference.owner->index), target);
+            else
+                Reach(target);
+        });
+        std::sort(m_edges.begin(), m_edges.end());
+        while (!m_pending.empty()) {
+            const std::size_t from = m_pending.back();
+            m_pending.pop_back();
+            auto edge = std::lower_bound(m_edges.begin(), m_edges.end(),
+                                         std::pair<std::size_t, std::size_t>(from, 0));
+            for (; edge != m_edges.end() && edge->first == from; ++edge) Reach(edge->second);
+        }
+        Removal removal;
+        for (std::size_t i = 0; i < kKinds; ++i) {
+            const std::size_t count = m_document.Elements(static_cast<Kind>(i)).size();
+            if (!m_kinds.Has(static_cast<Kind>(i))) continue;
+            for (std::size_t k = 0; k < count; ++k) removal[i].push_back(!m_reached[m_first[i] + k]);
+        }
+        return removal;
+    }
+
+private:
+    std::size_t Number(Kind kind, std::size_t index) const { return m_first[Ordinal(kind)] + index; }
+
+    void Reach(std::size_t element) {
+        if (m_reached[element]) return;
+        m_reached[element] = true;
+        m_pending.push_back(element);
+    }
+
+    Document& m_document;
+    KindSet m_kinds;
+    std::array<std::size_t, kKinds> m_first{};
+    std::vector<bool> m_reached;
+    std::vector<std::size_t> m_pending;
+    std::vector<std::pair<std::size_t, std::size_t>> m_edges;
+};
+
+void DropUnusedSamplers(Document& document) {
+    for (Json& animation : document.Elements(Kind::kAnimation)) {
+        Json* samplers = animation.Find("samplers");
+        Json* channels = animation.Find("channels");
+        if (samplers == nullptr || channels == nullptr) continue;
+        std::vector<bool> used(samplers->Items().size(), false);
+        for (const Json& channel : channels->Items()) used[IndexMember(channel, "sampler")] = true;
+        if (std::find(used.begin(), used.end(), false) == used.end()) continue;
+        std::vector<std::size_t> renumbered(used.size());
+        std::size_t next = 0;
+        for (std::size_t i = 0; i < used.size(); ++i) renumbered[i] = used[i] ? next++ : 0;
+        for (Json& channel : channels->Items()) {
+            Json& sampler = *channel.Find("sampler");
+            sampler = document.Tree().MakeIndex(renumbered[*sampler.Index()]);
+        }
+        std::size_t i = 0;
+        samplers->FilterItems([&](const Json&) { return used[i++]; });
+    }
+}
+
+// Bytes [begin, end) that ranges hold.
+struct Block {
+    std::size_t begin;
+    std::size_t end;
+};
+
+// Moves the bytes of a buffer that ranges hold together. Every block keeps its offset modulo 4, so that
+// elements stay aligned and a second run finds nothing to do. Returns how many bytes went.
+std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& ranges) {
+    const auto bytes = document.BufferBytes(buffer);
+    if (!bytes) return 0;
+    std::vector<Block> blocks;
+    for (const Json* range : ranges) {
+        const std::size_t begin = IndexMember(*range, "byteOffset");
+        blocks.push_back({begin, begin + IndexMember(*range, "byteLength")});
+    }
+    std::sort(blocks.begin(), blocks.end(), [](const Block& a, const Block& b) { return a.begin < b.begin; });
+    std::vector<Block> merged;
+    for (const Block& block : blocks) {
+        if (!merged.empty() && block.begin <= merged.back().end)
+            merged.back().end = std::max(merged.back().end, block.end);
+        else
+            merged.push_back(block);
+    }
+    std::vector<Document::BlockMove> moves;
+    std::size_t size = 0;
+    for (const Block& block : merged) {
+        const std::size_t to = size + (block.begin - size) % 4;
+        moves.push_back({block.begin, block.end - block.begin, to});
+        size = to + moves.back().size;
+    }
+    // A few bytes behind the last block are padding.
+    if ((size + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
+
+    for (Json* range : ranges) {
+        const std::size_t begin = IndexMember(*range, "byteOffset");
+        const auto after =
+            std::upper_bound(moves.begin(), moves.end(), begin,
+                             [](std::size_t at, const auto& move) { return at < move.from; });
+        const Document::BlockMove& move = *std::prev(after);
+        const std::size_t moved = begin - move.from + move.to;
+        if (moved != begin) document.Tree().Member(*range, "byteOffset") = document.Tree().MakeIndex(moved);
+    }
+    const std::size_t freed = bytes->size() - size;
+    document.PackBuffer(buffer, moves);
+    return freed;
+}
+
+std::size_t CompactBuffers(Document& document) {
+    std::vector<std::vector<Json*>> ranges(document.Elements(Kind::kBuffer).size());
+    ForEachBufferRange(document,
+                       [&](Json& range) { ranges[IndexMember(range, "buffer")].push_back(&range); });
+    std::size_t freed = 0;
+    for (std::size_t i = 0; i < ranges.size(); ++i) freed += Compact(document, i, ranges[i]);
+    return freed;
+}
+
+}  // namespace
+
+Collected CollectGarbage(Document& document, KindSet kinds, bool force) {
+    Collected collected;
+    if (!force) {
+        for (OpaqueUse& use : OpaqueReferences(document).uses) {
+            KindSet left = kinds;
+            left.Remove(use.kinds);
+            kinds = left;
+            collected.refusals.push_back(std::move(use));
+        }
+    }
+    if (kinds.Has(Kind::kAccessor)) DropUnusedSamplers(document);
+    const Removal removal = Marker(document, kinds).Unreached();
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        collected.removed[i] =
+            static_cast<std::size_t>(std::count(removal[i].begin(), removal[i].end(), true));
+        if (static_cast<Kind>(i) != Kind::kBuffer) continue;
+        for (std::size_t k = 0; k < removal[i].size(); ++k)
+            if (removal[i][k]) collected.bytes += document.BufferBytes(k).value_or(Bytes()).size();
+    }
+    RemoveElements(document, removal);
+    if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document);
+    return collected;
+}
+
+}  // namespace zr::gltf

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "gltf/document.h"
+#include "gltf/references.h"
+
+namespace zr::gltf {
+
+struct Collected {
+    std::array<std::size_t, kKinds> removed{};  // elements, by kind
+    std::size_t bytes = 0;                      // of buffers
+    std::vector<OpaqueUse> refusals;            // what kept kinds from being collected
+};
+
+// Data that only other elements refer to.
+inline constexpr KindSet kDataKinds{Kind::kTexture,  Kind::kImage,      Kind::kSampler,
+                                    Kind::kAccessor, Kind::kBufferView, Kind::kBuffer};
+
+// Takes out the elements of `kinds` that nothing refers to, also those only such elements refer to, and (with
+// kAccessor) the samplers of animations that no channel uses; with kBuffer also the bytes of buffers that no
+// view holds. A kind that something opaque may refer to is left alone unless `force`. Time is linear.
+Collected CollectGarbage(Document& document, KindSet kinds, bool force);
+
+}  // namespace zr::gltf

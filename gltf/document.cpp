@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/document.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "gltf/check.h"
+#include "gltf/glb.h"
+#include "gltf/uri.h"
+
+namespace zr::gltf {
+namespace {
+
+const Json* Collection(const Json& root, Kind kind) {
+    const Json* at = &root;
+    for (std::string_view name : Info(kind).Path())
+        if ((at = at->Find(name)) == nullptr) return nullptr;
+    return at;
+}
+
+}  // namespace
+
+std::size_t IndexMember(const Json& object, std::string_view name, std::size_t otherwise) {
+    const Json* member = object.Find(name);
+    const auto index = member != nullptr ? member->Index() : std::nullopt;
+    return index ? static_cast<std::size_t>(*index) : otherwise;
+}
+
+Document Document::Load(const std::filesystem::path& file) {
+    Document document;
+    document.m_file = file;
+    document.Read(ReadFile(file));
+    return document;
+}
+
+Document Document::FromBytes(Bytes content, const std::filesystem::path& file) {
+    Document document;
+    document.m_file = file;
+    FileContent copy{std::make_unique_for_overwrite<std::byte[]>(content.size() + 1), content.size()};
+    std::copy(content.begin(), content.end(), copy.data.get());
+    document.Read(std::move(copy));
+    return document;
+}
+
+void Document::Fail(ErrorKind kind, std::string_view place, std::string_view text) const {
+    throw Error(kind, PathToUtf8(m_file), place, text);
+}
+
+void Document::Read(FileContent content) {
+    m_content = std::move(content);
+    const std::string name = PathToUtf8(m_file);
+    char* text = reinterpret_cast<char*>(m_content.data.get());
+    std::size_t size = m_content.size;
+    std::span<std::byte> bin;
+    bool hasBin = false;
+    if (size == 0) Fail(ErrorKind::kContainer, "", "the file is empty");
+    m_isGlb = IsGlb(m_content.View());
+    if (m_isGlb) {
+        const GlbLayout layout = ReadGlbLayout(m_content.View(), name);
+        text += layout.jsonOffset;
+        size = layout.jsonSize;
+        hasBin = layout.hasBin;
+        bin = m_content.MutableView().subspan(layout.binOffset, layout.binSize);
+        m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
+    }
+    m_tree.Parse(text, size, name);
+    CheckStructure(*this);
+    LoadBuffers(bin, hasBin);
+    CheckAccessors(*this);
+    CheckHierarchy(*this);
+    CheckMeshes(*this);
+    CheckAnimations(*this);
+}
+
+void Document::LoadBuffers(std::span<std::byte> bin, bool hasBin) {
+    const auto buffers = Elements(Kind::kBuffer);
+    for (std::size_t i = 0; i < buffers.size(); ++i) {
+        Buffer buffer;
+        if (buffers[i].Find("uri") != nullptr) {
+            buffer = LoadBuffer(buffers[i], i);
+        } else if (i == 0 && hasBin) {
+            buffer.origin = Origin::kContainer;
+            buffer.bytes = bin;
+        }
+        const std::size_t length = IndexMember(buffers[i], "byteLength");
+        if (buffer.origin != Origin::kNotStored) {
+            if (buffer.bytes.size() < length)
+                Fail(ErrorKind::kBounds, Join("/buffers/", i, "/byteLength"),
+                     Join(length, " bytes, of which ", buffer.bytes.size(), " are there"));
+            buffer.bytes = buffer.bytes.first(length);
+        }
+        m_buffers.push_back(std::move(buffer));
+    }
+}
+
+Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
+    const std::string place = Join("/buffers/", index, "/uri");
+    const std::string_view uri = json.Find("uri")->String();
+    Buffer buffer;
+    if (IsDataUri(uri)) {
+        auto decoded = DecodeDataUri(uri);
+        if (!decoded) Fail(ErrorKind::kUri, place, "a data URI that is malformed");
+        buffer.origin = Origin::kText;
+        buffer.owned = std::move(*decoded);
+        buffer.bytes = buffer.owned;
+        return buffer;
+    }
+    const auto path = PathInFolder(uri);
+    if (!path)
+        Fail(ErrorKind::kUri, place, Join("\"", uri.substr(0, 80), "\" names no file in the scene's folder"));
+    buffer.origin = Origin::kFile;
+    buffer.path = *path;
+    try {
+        buffer.file = ReadFile(m_file.parent_path() / *path);
+    } catch (const Error& error) {
+        Fail(ErrorKind::kFile, place, error.what());
+    }
+    buffer.bytes = buffer.file.MutableView();
+    return buffer;
+}
+
+std::span<Json> Document::Elements(Kind kind) {
+    Json* collection = const_cast<Json*>(Collection(m_tree.root, kind));
+    return collection != nullptr ? collection->Items() : std::span<Json>();
+}
+
+std::span<const Json> Document::Elements(Kind kind) const {
+    const Json* collection = Collection(m_tree.root, kind);
+    return collection != nullptr ? collection->Items() : std::span<const Json>();
+}
+
+std::size_t Document::Append(Kind kind, Json element) {
+    Json* at = &m_tree.root;
+    for (std::string_view name : Info(kind).Path()) {
+        if (!at->IsObject()) *at = JsonTree::MakeObject();
+        at = &m_tree.Member(*at, name);
+    }
+    if (!at->IsArray()) *at = JsonTree::MakeArray();
+    m_tree.Append(*at, element);
+    if (kind == Kind::kBuffer) m_buffers.emplace_back();
+    return at->Items().size() - 1;
+}
+
+void Document::UseExtension(std::string_view name, bool required) {
+    for (std::string_view list : {"extensionsUsed", "extensionsRequired"}) {
+        if (list == "extensionsRequired" && !required) return;
+        Json& names = m_tree.Member(m_tree.root, list);
+        if (!names.IsArray()) names = JsonTree::MakeArray();
+        const auto items = names.Items();
+        if (std::none_of(items.begin(), items.end(), [&](const Json& item) { return item.String() == name; }))
+            m_tree.Append(names, m_tree.MakeString(name));
+    }
+}
+
+std::optional<Bytes> Document::BufferBytes(std::size_t buffer) const {
+    if (buffer >= m_buffers.size() || m_buffers[buffer].origin == Origin::kNotStored) return std::nullopt;
+    return m_buffers[buffer].bytes;
+}
+
+std::optional<Bytes> Document::ViewBytes(std::size_t view) const {
+    const auto views = Elements(Kind::kBufferView);
+    if (view >= views.size()) return std::nullopt;
+    const auto bytes = BufferBytes(IndexMember(views[view], "buffer"));
+    if (!bytes) return std::nullopt;
+    return bytes->subspan(IndexMember(views[view], "byteOffset"), IndexMember(views[view], "byteLength"));
+}
+
+std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) {
+    if (!m_newBuffer) {
+        m_newBuffer = Append(Kind::kBuffer, JsonTree::MakeObject());
+        m_buffers[*m_newBuffer].origin = Origin::kNew;
+    }
+    Buffer& buffer = m_buffers[*m_newBuffer];
+    buffer.owned.resize((buffer.owned.size() + 3) & ~std::size_t{3});
+    const std::size_t offset = buffer.owned.size();
+    buffer.owned.insert(buffer.owned.end(), bytes.begin(), bytes.end());
+    buffer.bytes = buffer.owned;
+    Json& json = Elements(Kind::kBuffer)[*m_newBuffer];
+    m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.owned.size());
+
+    Json view = JsonTree::MakeObject();
+    m_tree.Member(view, "buffer") = m_tree.MakeIndex(*m_newBuffer);
+    m_tree.Member(view, "byteOffset") = m_tree.MakeIndex(offset);
+    m_tree.Member(view, "byteLength") = m_tree.MakeIndex(bytes.size());
+    if (stride != 0) m_tree.Member(view, "byteStride") = m_tree.MakeIndex(stride);
+    if (target != 0) m_tree.Member(view, "target") = m_tree.MakeIndex(target);
+    return Append(Kind::kBufferView, view);
+}
+
+void Document::PackBuffer(std::size_t index, std::span<const BlockMove> blocks) {
+    Buffer& buffer = m_buffers[index];
+    const std::span<std::byte> bytes = buffer.bytes;
+    std::size_t end = 0;
+    for (const BlockMove& block : blocks) {
+        std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(end),
+                  bytes.begin() + static_cast<std::ptrdiff_t>(block.to), std::byte{0});
+        std::memmove(bytes.data() + block.to, bytes.data() + block.from, block.size);
+        end = block.to + block.size;
+    }
+    buffer.bytes = bytes.first(end);
+    if (!buffer.owned.empty()) {
+        buffer.owned.resize(end);
+        buffer.bytes = buffer.owned;
+    }
+    // A data URI is written anew as one, a container's chunk stays in its container.
+    if (buffer.origin == Origin::kFile) buffer.origin = Origin::kNew;
+    Json& json = Elements(Kind::kBuffer)[index];
+    m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.bytes.size());
+    if (buffer.origin == Origin::kText) {
+        const std::string_view text(reinterpret_cast<const char*>(buffer.bytes.data()), buffer.bytes.size());
+        m_tree.Member(json, "uri") = m_tree.MakeString(EncodeDataUri("application/octet-stream", text));
+    } else {
+        json.EraseMember("uri");
+    }
+}
+
+void Document::EraseBuffers(const std::vector<bool>& keep) {
+    std::size_t kept = 0;
+    std::optional<std::size_t> newBuffer;
+    for (std::size_t i = 0; i < m_buffers.size(); ++i) {
+        if (!keep[i]) continue;
+        if (m_newBuffer == i) newBuffer = kept;
+        if (kept != i) m_buffers[kept] = std::move(m_buffers[i]);
+        ++kept;
+    }
+    m_buffers.resize(kept);
+    m_newBuffer = newBuffer;
+    if (Json* buffers = m_tree.root.Find("buffers")) {
+        std::size_t i = 0;
+        buffers->FilterItems([&](const Json&) { return keep[i++]; });
+        if (kept == 0) m_tree.root.EraseMember("buffers");
+    }
+}
+
+}  // namespace zr::gltf

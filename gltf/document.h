@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "gltf/error.h"
+#include "base/file.h"
+#include "gltf/json.h"
+#include "gltf/kinds.h"
+
+namespace zr::gltf {
+
+// A glTF 2.0 document: its JSON tree, edited in place, and its buffers. What the program does not know goes
+// out as it came in. After Load all that the accessors and the scene rely on has been checked: types, index
+// ranges, byte ranges, the node tree, meshes, skins and animations.
+class Document {
+public:
+    // Throws Error.
+    static Document Load(const std::filesystem::path& file);
+    // The same from memory; buffers of their own are looked for beside `file`, which need not exist.
+    static Document FromBytes(Bytes content, const std::filesystem::path& file);
+
+    JsonTree& Tree() { return m_tree; }
+    Json& Root() { return m_tree.root; }
+    const Json& Root() const { return m_tree.root; }
+    const std::filesystem::path& File() const { return m_file; }
+    [[noreturn]] void Fail(ErrorKind kind, std::string_view place, std::string_view text) const;
+
+    // The elements of a kind; empty when the document has none. Held until one of the kind is added.
+    std::span<Json> Elements(Kind kind);
+    std::span<const Json> Elements(Kind kind) const;
+    // Adds an element, with its collection where that is missing; its index.
+    std::size_t Append(Kind kind, Json element);
+    // Adds the name to extensionsUsed (and extensionsRequired).
+    void UseExtension(std::string_view name, bool required);
+
+    // The bytes of a buffer or view; nothing when they are not stored (what compressed views stand for is
+    // stored only where the document brings an uncompressed fallback). Held until the buffer is replaced or
+    // appended to.
+    std::optional<Bytes> BufferBytes(std::size_t buffer) const;
+    std::optional<Bytes> ViewBytes(std::size_t view) const;
+
+    // Stores bytes that the document did not have, 4-byte aligned, in a buffer that Save places: the view's
+    // index. `target` 0: none stated. `stride` 0: none stated.
+    std::size_t AppendView(Bytes bytes, unsigned target, unsigned stride);
+    // Moves blocks of a buffer's bytes down in place: what lies between them becomes zeros, what lies behind
+    // the last one goes, and byteLength follows. In order; a block moves down or stays, none meets another.
+    struct BlockMove {
+        std::size_t from;
+        std::size_t size;
+        std::size_t to;
+    };
+    void PackBuffer(std::size_t buffer, std::span<const BlockMove> blocks);
+    // Takes out the buffers for which keep is false. The caller mends the references.
+    void EraseBuffers(const std::vector<bool>& keep);
+
+    // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
+    // needs beside it; all files appear or none. Files of its own that the document came with are found from
+    // there too: kept in the same folder, copied into another one, taken into a container made from text.
+    // The document is spent afterwards. Throws Error. beforeCommit is called when all is written and no file
+    // has appeared yet; what it throws leaves everything as it was.
+    void Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
+
+private:
+    enum class Origin {
+        kNotStored,
+        kContainer,  // the BIN chunk
+        kFile,       // a file of its own
+        kText,       // a data URI
+        kNew,        // made or changed since loading
+    };
+    struct Buffer {
+        Origin origin = Origin::kNotStored;
+        std::filesystem::path path;  // of kFile, relative to the document
+        FileContent file;
+        std::vector<std::byte> owned;
+        std::span<std::byte> bytes;  // in one of these, or in the container
+    };
+    friend class Saver;
+
+    void Read(FileContent content);
+    void LoadBuffers(std::span<std::byte> bin, bool hasBin);
+    Buffer LoadBuffer(const Json& json, std::size_t index);
+
+    std::filesystem::path m_file;
+    FileContent m_content;
+    JsonTree m_tree;
+    std::vector<Buffer> m_buffers;
+    std::optional<std::size_t> m_newBuffer;
+    Bytes m_rest;  // chunks of a container that are not known
+    bool m_isGlb = false;
+};
+
+// Calls visit(Json&) for every object that names a range of a buffer ("buffer", "byteOffset", "byteLength"):
+// views and the compressed forms of views.
+template <typename Visit>
+void ForEachBufferRange(Document& document, Visit visit) {
+    for (Json& view : document.Elements(Kind::kBufferView)) {
+        visit(view);
+        Json* extensions = view.Find("extensions");
+        if (extensions == nullptr) continue;
+        for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"})
+            if (Json* compressed = extensions->Find(name)) visit(*compressed);
+    }
+}
+
+// A member of a JSON object as an index, or `otherwise` when it is missing.
+std::size_t IndexMember(const Json& object, std::string_view name, std::size_t otherwise = 0);
+
+}  // namespace zr::gltf

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <unordered_set>
+#include <utility>
+
+#include "gltf/error.h"
+#include "gltf/json.h"
+#include "base/text.h"
+
+namespace zr::gltf {
+
+// Receives the reader's events. Values of open containers wait on one stack and move into the tree when
+// their container ends.
+class JsonBuilder {
+public:
+    explicit JsonBuilder(JsonTree& tree) : m_tree(tree) {}
+
+    const char* Refusal() const { return m_refusal; }
+    Json Result() const { return m_values.front(); }
+
+    bool Null() { return Push(Json()); }
+    bool Bool(bool value) { return Push(JsonTree::MakeBool(value)); }
+    bool RawNumber(const char* text, rapidjson::SizeType size, bool) {
+        return Push(Text(Json::Type::kNumber, text, size));
+    }
+    bool String(const char* text, rapidjson::SizeType size, bool) {
+        return Push(Text(Json::Type::kString, text, size));
+    }
+    bool Key(const char* text, rapidjson::SizeType size, bool) { return String(text, size, false); }
+    bool StartObject() { return Open(); }
+    bool StartArray() { return Open(); }
+
+    bool EndArray(rapidjson::SizeType count) {
+        --m_depth;
+        Json array = JsonTree::MakeArray();
+        array.m_items = static_cast<Json*>(Take(count));
+        array.m_size = count;
+        return Push(array);
+    }
+
+    bool EndObject(rapidjson::SizeType count) {
+        --m_depth;
+        Json object = JsonTree::MakeObject();
+        object.m_members = static_cast<JsonMember*>(Take(std::size_t{count} * 2));
+        object.m_size = count;
+        if (Repeats(object)) return Refuse("a member name stands twice in one object");
+        return Push(object);
+    }
+
+    // Numbers arrive as text; the reader never calls these.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+
+private:
+    static Json Text(Json::Type type, const char* text, rapidjson::SizeType size) {
+        Json value;
+        value.m_type = type;
+        value.m_text = text;
+        value.m_size = size;
+        return value;
+    }
+
+    bool Push(Json value) {
+        m_values.push_back(value);
+        return true;
+    }
+
+    bool Open() { return ++m_depth <= kMaxJsonDepth || Refuse("nested too deeply"); }
+
+    bool Refuse(const char* why) {
+        m_refusal = why;
+        return false;
+    }
+
+    void* Take(std::size_t count) {
+        if (count == 0) return nullptr;
+        void* place = m_tree.Allocate(count * sizeof(Json));
+        std::memcpy(place, m_values.data() + m_values.size() - count, count * sizeof(Json));
+        m_values.resize(m_values.size() - count);
+        return place;
+    }
+
+    static bool Repeats(const Json& object) {
+        const auto members = object.Members();
+        constexpr std::size_t kFew = 16;  // below this comparing pairs is faster than a set
+        if (members.size() <= kFew) {
+            for (std::size_t i = 1; i < members.size(); ++i)
+                for (std::size_t j = 0; j < i; ++j)
+                    if (members[i].Name() == members[j].Name()) return true;
+            return false;
+        }
+        std::unordered_set<std::string_view> seen;
+        seen.reserve(members.size());
+        return std::any_of(members.begin(), members.end(),
+                           [&](const JsonMember& member) { return !seen.insert(member.Name()).second; });
+    }
+
+    JsonTree& m_tree;
+    std::vector<Json> m_values;
+    unsigned m_depth = 0;
+    const char* m_refusal = nullptr;
+};
+
+namespace {
+
+// The reader takes as many bytes as the first one of a character announces, also beyond the end of the text.
+bool EndsInsideCharacter(std::string_view text) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - back]);
+        if (byte >= 0xC0) return back < (byte >= 0xF0 ? 4U : byte >= 0xE0 ? 3U : 2U);
+    }
+    return false;
+}
+
+}  // namespace
+
+void JsonTree::Parse(char* text, std::size_t size, std::string_view file) {
+    static_assert(sizeof(JsonMember) == 2 * sizeof(Json));
+    if (size >= std::numeric_limits<std::uint32_t>::max())
+        throw Error(ErrorKind::kLimit, file, "", "the JSON text has 4 GiB or more");
+    if (EndsInsideCharacter({text, size}))
+        throw Error(ErrorKind::kSyntax, file, Join("byte ", size), "the text ends inside a character");
+    const char behind = std::exchange(text[size], '\0');
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    const std::size_t skipped = std::string_view(text, size).starts_with(kByteOrderMark) ? 3 : 0;
+
+    rapidjson::InsituStringStream stream(text + skipped);
+    rapidjson::Reader reader;
+    JsonBuilder builder(*this);
+    constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag |
+                                rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+    const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, builder);
+    const auto fail = [&](std::size_t offset, const char* why) {
+        throw Error(ErrorKind::kSyntax, file, Join("byte ", offset + skipped), why);
+    };
+    if (result.IsError()) {
+        const char* why = builder.Refusal();
+        fail(result.Offset(), why != nullptr ? why : rapidjson::GetParseError_En(result.Code()));
+    }
+    // The reader stops at a zero byte; only padding may follow one.
+    for (std::size_t i = stream.Tell() + skipped; i < size; ++i)
+        if (text[i] != '\0' && text[i] != ' ') fail(i - skipped, "text after a zero byte");
+    text[size] = behind;
+    root = builder.Result();
+}
+
+Json JsonTree::Build(std::string_view text) {
+    char* copy = static_cast<char*>(Allocate(text.size() + 1));
+    std::copy(text.begin(), text.end(), copy);
+    const Json kept = root;
+    Parse(copy, text.size(), "");
+    return std::exchange(root, kept);
+}
+
+}  // namespace zr::gltf

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/references.h"
+
+#include <algorithm>
+
+namespace zr::gltf {
+namespace {
+
+class Collector : public Visitor {
+public:
+    explicit Collector(const std::function<void(const Reference&)>& visit) : m_visit(visit) {}
+
+    void Value(const SchemaNode& schema, Json& value, const Place& place) override {
+        if (schema.rule == nullptr) return;
+        if (const auto target = TargetOf(*schema.rule, value))
+            m_visit({*target, place.Owner(), schema.rule->cut, value, place});
+    }
+
+private:
+    const std::function<void(const Reference&)>& m_visit;
+};
+
+class OpaqueCollector : public Visitor {
+public:
+    void Value(const SchemaNode&, Json&, const Place&) override {}
+
+    void Unknown(std::string_view extension, Json& value, const Place& place) override {
+        Add(extension, PossibleReferences(value), place);
+    }
+
+    void Dynamic(std::string_view extension, Kind kind, const Place& place) override {
+        Add(extension, {kind}, place);
+    }
+
+    Opaque Take() { return std::move(m_opaque); }
+
+private:
+    void Add(std::string_view extension, KindSet kinds, const Place& place) {
+        if (kinds.Empty()) return;
+        m_opaque.kinds.Add(kinds);
+        // One line for each extension is enough to tell what stands in the way.
+        for (OpaqueUse& use : m_opaque.uses) {
+            if (use.extension != extension) continue;
+            use.kinds.Add(kinds);
+            return;
+        }
+        m_opaque.uses.push_back({std::string(extension), place.Pointer(), kinds});
+    }
+
+    Opaque m_opaque;
+};
+
+}  // namespace
+
+void ForEachReference(Document& document, const std::function<void(const Reference&)>& visit) {
+    Collector collector(visit);
+    Walk(document.Root(), collector);
+}
+
+Opaque OpaqueReferences(Document& document) {
+    OpaqueCollector collector;
+    Walk(document.Root(), collector);
+    return collector.Take();
+}
+
+}  // namespace zr::gltf

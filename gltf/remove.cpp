@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+
+#include "gltf/references.h"
+#include "base/text.h"
+
+namespace zr::gltf {
+namespace {
+
+constexpr std::size_t kGone = static_cast<std::size_t>(-1);
+
+bool Goes(const Removal& removal, Kind kind, std::size_t index) {
+    const std::vector<bool>& gone = removal[Ordinal(kind)];
+    return index < gone.size() && gone[index];
+}
+
+// Takes marked values out of their containers, the deepest containers first, so that no handle moves while
+// something below it is still to be done.
+class Pruner {
+public:
+    // Marks the value at steps[at] for removal.
+    void Mark(std::span<const Place::Step> steps, std::size_t at) {
+        for (std::size_t i = at; i-- > 0;) {
+            auto [known, added] = m_containers.try_emplace(steps[i].value);
+            if (added) known->second = {i == 0 ? nullptr : steps[i - 1].value, i, steps[i].isItem, {}};
+            if (!added) break;
+        }
+        m_containers[steps[at - 1].value].victims.push_back(steps[at].value);
+    }
+
+    void Run() {
+        std::vector<std::vector<Json*>> levels;
+        for (const auto& [json, container] : m_containers) {
+            if (container.depth >= levels.size()) levels.resize(container.depth + 1);
+            levels[container.depth].push_back(json);
+        }
+        while (!levels.empty()) {
+            for (Json* json : levels.back()) Prune(*json, m_containers[json]);
+            levels.pop_back();
+        }
+    }
+
+private:
+    struct Container {
+        Json* parent = nullptr;
+        std::size_t depth = 0;
+        bool isItem = false;
+        std::vector<const Json*> victims;
+    };
+
+    void Prune(Json& json, Container& container) {
+        if (container.victims.empty()) return;
+        std::sort(container.victims.begin(), container.victims.end());
+        // Handles that move forward are asked for at their old place, ahead of where they go.
+        const auto stays = [&](const Json* at) {
+            return !std::binary_search(container.victims.begin(), container.victims.end(), at);
+        };
+        json.FilterItems([&](const Json& item) { return stays(&item); });
+        json.FilterMembers([&](const JsonMember& member) { return stays(&member.value); });
+        const bool isEmpty = json.Items().empty() && json.Members().empty();
+        if (isEmpty && !container.isItem && container.parent != nullptr)
+            m_containers[container.parent].victims.push_back(&json);
+    }
+
+    std::unordered_map<Json*, Container> m_containers;
+};
+
+class Remover : public Visitor {
+public:
+    Remover(Document& document, const Removal& removal) : m_document(document), m_removal(removal) {
+        for (std::size_t i = 0; i < kKinds; ++i) {
+            const std::size_t count = document.Elements(static_cast<Kind>(i)).size();
+            std::size_t next = 0;
+            m_renumbered[i].resize(count);
+            for (std::size_t k = 0; k < count; ++k)
+                m_renumbered[i][k] = Goes(removal, static_cast<Kind>(i), k) ? kGone : next++;
+        }
+    }
+
+    void Value(const SchemaNode& schema, Json& value, const Place& place) override {
+        if (schema.rule == nullptr) return;
+        const auto target = TargetOf(*schema.rule, value);
+        if (!target) return;
+        const std::size_t index = m_renumbered[Ordinal(target->kind)][target->index];
+        if (index == target->index) return;
+        if (const auto owner = place.Owner(); owner && Goes(m_removal, owner->kind, owner->index)) return;
+        if (index == kGone)
+            CutAway(schema.rule->cut, place);
+        else
+            value = schema.rule->shape == Shape::kPointer ? Renumbered(value.String(), *target, index)
+                                                          : m_document.Tree().MakeIndex(index);
+    }
+
+    void Finish() {
+        m_pruner.Run();
+        for (std::size_t i = 0; i < kKinds; ++i) Erase(static_cast<Kind>(i));
+    }
+
+private:
+    Json Renumbered(std::string_view pointer, const Target& target, std::size_t index) {
+        std::string text(pointer);
+        text.replace(target.textOffset, target.textSize, std::to_string(index));
+        return m_document.Tree().MakeString(text);
+    }
+
+    void CutAway(Cut cut, const Place& place) {
+        const auto steps = place.Steps();
+        std::size_t at = steps.size() - 1;
+        if (cut == Cut::kHolder) --at;
+        // /animations/N/channels/N: the fourth step below the root.
+        if (cut == Cut::kChannel) at = 4;
+        m_pruner.Mark(steps, at);
+    }
+
+    void Erase(Kind kind) {
+        const std::vector<bool>& gone = m_removal[Ordinal(kind)];
+        if (std::none_of(gone.begin(), gone.end(), [](bool g) { return g; })) return;
+        if (kind == Kind::kBuffer) {
+            std::vector<bool> keep(m_document.Elements(kind).size());
+            for (std::size_t i = 0; i < keep.size(); ++i) keep[i] = !Goes(m_removal, kind, i);
+            return m_document.EraseBuffers(keep);
+        }
+        const auto path = Info(kind).Path();
+        std::vector<Json*> way{&m_document.Root()};
+        for (std::string_view name : path) way.push_back(way.back()->Find(name));
+        std::size_t i = 0;
+        way.back()->FilterItems([&](const Json&) { return !Goes(m_removal, kind, i++); });
+        for (std::size_t k = path.size(); k-- > 0;) {
+            if (!way[k + 1]->Items().empty() || !way[k + 1]->Members().empty()) break;
+            way[k]->EraseMember(path[k]);
+        }
+    }
+
+    Document& m_document;
+    const Removal& m_removal;
+    std::array<std::vector<std::size_t>, kKinds> m_renumbered;
+    Pruner m_pruner;
+};
+
+// Names under which extension content stands anywhere in a value.
+void CollectExtensions(const Json& value, std::set<std::string, std::less<>>& names) {
+    for (const Json& item : value.Items()) CollectExtensions(item, names);
+    for (const JsonMember& member : value.Members()) {
+        if (member.Name() == "extras") continue;
+        if (member.Name() == "extensions")
+            for (const JsonMember& extension : member.value.Members()) names.emplace(extension.Name());
+        CollectExtensions(member.value, names);
+    }
+}
+
+void CheckRemovable(Document& document, const Removal& removal) {
+    ForEachReference(document, [&](const Reference& reference) {
+        const Target& target = reference.target;
+        if (reference.cut != Cut::kNothing || !Goes(removal, target.kind, target.index)) return;
+        if (reference.owner && Goes(removal, reference.owner->kind, reference.owner->index)) return;
+        document.Fail(ErrorKind::kReference, reference.place.Pointer(),
+                      Join("needs ", Info(target.kind).noun, " ", target.index));
+    });
+}
+
+void RemoveOnce(Document& document, const Removal& removal) {
+    Remover remover(document, removal);
+    Walk(document.Root(), remover);
+    remover.Finish();
+}
+
+void ForgetExtensions(Document& document, const std::set<std::string, std::less<>>& before) {
+    std::set<std::string, std::less<>> after;
+    CollectExtensions(document.Root(), after);
+    for (std::string_view list : {"extensionsUsed", "extensionsRequired"}) {
+        Json* names = document.Root().Find(list);
+        if (names == nullptr) continue;
+        names->FilterItems([&](const Json& name) {
+            return before.find(name.String()) == before.end() || after.find(name.String()) != after.end();
+        });
+        if (names->Items().empty()) document.Root().EraseMember(list);
+    }
+}
+
+}  // namespace
+
+void RemoveElements(Document& document, const Removal& removal) {
+    CheckRemovable(document, removal);
+    std::set<std::string, std::less<>> extensions;
+    CollectExtensions(document.Root(), extensions);
+    RemoveOnce(document, removal);
+
+    Removal still;
+    std::vector<bool>& animations = still[Ordinal(Kind::kAnimation)];
+    bool any = false;
+    for (const Json& animation : document.Elements(Kind::kAnimation)) {
+        const Json* channels = animation.Find("channels");
+        animations.push_back(channels == nullptr && animation.Find("samplers") != nullptr);
+        any = any || animations.back();
+    }
+    if (any) RemoveOnce(document, still);
+    ForgetExtensions(document, extensions);
+}
+
+}  // namespace zr::gltf

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/walk.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "gltf/interactivity.h"
+
+namespace zr::gltf {
+namespace {
+
+constexpr Rule kTextureRule{"...Texture.index", Shape::kIndex, Kind::kTexture, Cut::kHolder};
+
+const SchemaNode& TextureInfo() {
+    static const SchemaNode node = [] {
+        SchemaNode built;
+        built.rule = &kTextureRule;
+        return built;
+    }();
+    return node;
+}
+
+char LowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+std::string LowerCase(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return LowerCase(c); });
+    return lower;
+}
+
+class Walker {
+public:
+    Walker(Json& root, Visitor& visitor) : m_visitor(visitor), m_place(root) {}
+
+    // Recurses as deep as the document, which the reader bounds by kMaxJsonDepth.
+    void Visit(Json& value, const SchemaNode* schema) {
+        if (schema != nullptr) m_visitor.Value(*schema, value, m_place);
+        if (value.IsObject())
+            Object(value, schema);
+        else if (value.IsArray())
+            Array(value, schema);
+    }
+
+private:
+    void Object(Json& object, const SchemaNode* schema) {
+        for (JsonMember& member : object.Members()) {
+            const std::string_view name = member.Name();
+            Json& value = member.value;
+            if (name == "extras") continue;
+            const SchemaNode* below = schema != nullptr ? schema->Find(name) : nullptr;
+            if (below == nullptr && !value.IsObject() && !value.IsArray()) continue;
+            m_place.Push(name, value);
+            if (name == "extensions")
+                Extensions(value, below);
+            else if (const bool inMaterials = m_materials > 0; inMaterials && IsTextureInfo(name, value))
+                Texture(value, below);
+            else
+                Enter(name, value, below);
+            m_place.Pop();
+        }
+    }
+
+    void Enter(std::string_view name, Json& value, const SchemaNode* schema) {
+        const bool materials = schema != nullptr && schema == m_materialsSchema && name == "materials";
+        m_materials += materials;
+        Visit(value, schema);
+        m_materials -= materials;
+    }
+
+    static bool IsTextureInfo(std::string_view name, const Json& value) {
+        return name.ends_with("Texture") && value.Find("index") != nullptr;
+    }
+
+    void Texture(Json& info, const SchemaNode* schema) {
+        Visit(info, schema);
+        Json& index = *info.Find("index");
+        m_place.Push("index", index);
+        m_visitor.Value(TextureInfo(), index, m_place);
+        m_place.Pop();
+    }
+
+    void Array(Json& array, const SchemaNode* schema) {
+        const SchemaNode* item = schema != nullptr && !schema->isMap ? schema->item.get() : nullptr;
+        const auto items = array.Items();
+        if (item == nullptr && !items.empty() && !items[0].IsObject() && !items[0].IsArray()) return;
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            m_place.Push(i, items[i]);
+            Visit(items[i], item);
+            m_place.Pop();
+        }
+    }
+
+    void Extensions(Json& extensions, const SchemaNode* schema) {
+        for (JsonMember& member : extensions.Members()) {
+            const std::string_view name = member.Name();
+            m_place.Push(name, member.value);
+            const SchemaNode* below = schema != nullptr ? schema->Find(name) : nullptr;
+            if (below == nullptr) below = AnywhereSchema(name);
+            Visit(member.value, below);
+            if (!IsKnownExtension(name))
+                m_visitor.Unknown(name, member.value, m_place);
+            else if (name == kInteractivity)
+                VisitInteractivity(member.value, m_visitor, m_place);
+            m_place.Pop();
+        }
+    }
+
+    Visitor& m_visitor;
+    Place m_place;
+    const SchemaNode* m_materialsSchema = Schema().Find("materials");
+    int m_materials = 0;
+};
+
+// The kind a member's name tells of, by the noun it contains.
+std::optional<Kind> KindByName(std::string_view name) {
+    const std::string lower = LowerCase(name);
+    if (lower.find("joint") != std::string::npos || lower.find("bone") != std::string::npos)
+        return Kind::kNode;
+    // The longest noun wins: "bufferView" holds "buffer".
+    std::optional<Kind> found;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        const std::string noun = LowerCase(kKindInfo[i].noun);
+        if (noun.size() <= length || lower.find(noun) == std::string::npos) continue;
+        found = static_cast<Kind>(i);
+        length = noun.size();
+    }
+    return found;
+}
+
+void CollectPossible(const Json& value, std::string_view name, KindSet& kinds) {
+    if (value.IsNumber() && value.Index()) {
+        if (const auto kind = KindByName(name))
+            kinds.Add(*kind);
+        else
+            kinds.Add(KindSet::All());
+    } else if (value.IsString()) {
+        if (const auto target = PointerTarget(value.String())) kinds.Add(target->kind);
+    }
+    for (const Json& item : value.Items()) CollectPossible(item, name, kinds);
+    for (const JsonMember& member : value.Members()) {
+        const bool isTextureInfo = name.ends_with("Texture") && member.Name() == "index";
+        if (isTextureInfo)
+            kinds.Add(Kind::kTexture);
+        else
+            CollectPossible(member.value, member.Name(), kinds);
+    }
+}
+
+}  // namespace
+
+void Visitor::Unknown(std::string_view, Json&, const Place&) {
+}
+void Visitor::Dynamic(std::string_view, Kind, const Place&) {
+}
+
+std::string Place::Pointer() const {
+    std::string pointer;
+    for (const Step& step : Steps().subspan(1)) {
+        pointer += '/';
+        if (step.isItem) {
+            pointer += std::to_string(step.item);
+            continue;
+        }
+        for (char c : step.member) {
+            if (c == '~')
+                pointer += "~0";
+            else if (c == '/')
+                pointer += "~1";
+            else
+                pointer += c;
+        }
+    }
+    return pointer;
+}
+
+std::optional<Place::Element> Place::Owner() const {
+    const auto steps = Steps().subspan(1);
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        const auto path = kKindInfo[i].Path();
+        if (steps.size() <= path.size() || !steps[path.size()].isItem) continue;
+        const bool inside =
+            std::equal(path.begin(), path.end(), steps.begin(),
+                       [](std::string_view a, const Step& b) { return !b.isItem && a == b.member; });
+        if (inside) return Element{static_cast<Kind>(i), steps[path.size()].item};
+    }
+    return std::nullopt;
+}
+
+std::optional<Target> PointerTarget(std::string_view pointer) {
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        std::string_view rest = pointer;
+        bool matches = true;
+        for (std::string_view name : kKindInfo[i].Path()) {
+            matches = matches && rest.starts_with('/') && rest.substr(1).starts_with(name);
+            if (matches) rest.remove_prefix(1 + name.size());
+        }
+        if (!matches || !rest.starts_with('/')) continue;
+        rest.remove_prefix(1);
+        Target target{static_cast<Kind>(i), 0, static_cast<std::size_t>(rest.data() - pointer.data()), 0};
+        const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), target.index);
+        target.textSize = static_cast<std::size_t>(end - rest.data());
+        const bool ends = target.textSize == rest.size() || rest[target.textSize] == '/';
+        if (error != std::errc() || !ends) return std::nullopt;
+        return target;
+    }
+    return std::nullopt;
+}
+
+std::optional<Target> TargetOf(const Rule& rule, const Json& value) {
+    if (rule.shape == Shape::kPointer) return PointerTarget(value.String());
+    if (rule.shape != Shape::kIndex) return std::nullopt;
+    const auto index = value.Index();
+    if (!index) return std::nullopt;
+    return Target{rule.kind, static_cast<std::size_t>(*index)};
+}
+
+void Walk(Json& root, Visitor& visitor) {
+    Walker(root, visitor).Visit(root, &Schema());
+}
+
+KindSet PossibleReferences(const Json& value) {
+    KindSet kinds;
+    CollectPossible(value, {}, kinds);
+    return kinds;
+}
+
+}  // namespace zr::gltf

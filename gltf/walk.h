@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "gltf/json.h"
+#include "gltf/schema.h"
+
+namespace zr::gltf {
+
+// The way from the root to a value, as the walk keeps it. Texts belong to the document.
+class Place {
+public:
+    struct Step {
+        std::string_view member;  // or, when isItem, the number of an item
+        std::size_t item;
+        bool isItem;
+        Json* value;  // what stands there
+    };
+
+    explicit Place(Json& root) { m_steps.push_back({{}, 0, false, &root}); }
+
+    void Push(std::string_view member, Json& value) { m_steps.push_back({member, 0, false, &value}); }
+    void Push(std::size_t item, Json& value) { m_steps.push_back({{}, item, true, &value}); }
+    void Pop() { m_steps.pop_back(); }
+
+    // From the root (a step without a name) to the value itself.
+    std::span<const Step> Steps() const { return m_steps; }
+
+    std::string Pointer() const;
+    // The element whose content the place stands in, if it stands in one.
+    struct Element {
+        Kind kind;
+        std::size_t index;
+    };
+    std::optional<Element> Owner() const;
+
+private:
+    std::vector<Step> m_steps;
+};
+
+// What a reference names: an element and, for pointers, where the index stands in the pointer's text.
+struct Target {
+    Kind kind;
+    std::size_t index;
+    std::size_t textOffset = 0;
+    std::size_t textSize = 0;
+};
+
+// The element that a pointer text leads into ("/nodes/3/translation": node 3), if it leads into one.
+std::optional<Target> PointerTarget(std::string_view pointer);
+// The target of a value under a rule of shape kIndex or kPointer; nothing when it holds no index.
+std::optional<Target> TargetOf(const Rule& rule, const Json& value);
+
+class Visitor {
+public:
+    virtual ~Visitor() = default;
+
+    // A value at a place that rules speak of. `schema.rule` may be null (a step on the way to rules). The
+    // visitor may replace the value by another of the same type.
+    virtual void Value(const SchemaNode& schema, Json& value, const Place& place) = 0;
+    // An extension that is not known. Its texture infos (in materials) were visited as values.
+    virtual void Unknown(std::string_view extension, Json& value, const Place& place);
+    // A known extension picks elements of the kind by indices that are computed when it runs.
+    virtual void Dynamic(std::string_view extension, Kind kind, const Place& place);
+};
+
+// Visits, in document order, everything the rules speak of. Extras are not looked into.
+void Walk(Json& root, Visitor& visitor);
+
+// The kinds an unknown extension's content could refer to by an index or a pointer. A whole number under a
+// name that tells a kind ("meshIndex") counts for that kind, under any other name for all kinds.
+KindSet PossibleReferences(const Json& value);
+
+}  // namespace zr::gltf

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+// What the passes for axes, aims and names leave in the exported document.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "app/operations/export/export_scene.h"
+#include "app/operations/export/flip_objects.h"
+#include "gltf/accessor.h"
+#include "app/services/rename_rules.h"
+#include "tests/gltf/sample.h"
+
+namespace zr {
+namespace {
+
+using M = vl::Matrix4<double>;
+using gltf::Kind;
+
+Host& TheHost() {
+    static Host host("en");
+    static const bool loaded = (host.LoadModule(), true);
+    EXPECT_TRUE(loaded);
+    return host;
+}
+
+MotionReport Export(LoadedScene& loaded, const ExportOptions& options, std::string* renameMap = nullptr) {
+    return ExportScene(
+        TheHost(), loaded, options, [](double) {}, renameMap);
+}
+
+LoadedScene Reloaded(LoadedScene& loaded) {
+    const gltf::test::TemporaryFolder folder;
+    loaded.Document().Save(folder / "out.glb");
+    return LoadedScene(gltf::Document::Load(folder / "out.glb"));
+}
+
+M World(vl::zr::Node* node) {
+    M m;
+    node->GetWorldMatrix(&m, 0);
+    return m;
+}
+
+TEST(FlipObjects, MovesContentToChildren) {
+    gltf::Document document =
+        gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
+        "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0}, "targets": [{}]}]}],
+        "accessors": [{"componentType": 5126, "count": 3, "type": "VEC3", "min": [0, 0, 0], "max": [0, 0, 0]},
+                      {"componentType": 5126, "count": 1, "type": "SCALAR", "min": [0], "max": [0]},
+                      {"componentType": 5126, "count": 1, "type": "VEC3"}], "skins": [{"joints": [0, 2]}],
+        "nodes": [{"mesh": 0, "skin": 0, "weights": [1], "name": "m", "children": [2]},
+                  {"camera": 0, "extensions": {"ZR_scene": {"target": 0, "pivot": [1, 2, 3]}}},
+                  {"extensions": {"ZR_scene": {"pivot": [1, 2, 3], "pivotGroup": true}}}, {"mesh": 0}],
+        "animations": [{"samplers": [{"input": 1, "output": 1}, {"input": 1, "output": 2}], "channels": [{"sampler": 0, "target": {"node": 0, "path": "weights"}},
+                                                     {"sampler": 1, "target": {"node": 0, "path": "scale"}}]}]})");
+    FlipObjects(document);
+    gltf::JsonTree tree;
+    const gltf::Json expected = tree.Build(
+        R"([{"name": "m", "children": [2, 4]}, {"children": [5]},
+        {"extensions": {"ZR_scene": {"pivot": [1, 3, 2], "pivotGroup": true}}}, {"mesh": 0},
+        {"mesh": 0, "skin": 0, "weights": [1], "matrix": [1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1]},
+        {"camera": 0, "extensions": {"ZR_scene": {"target": 0}}, 
+         "matrix": [-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, -1, -3, -2, 1]}])");
+    ASSERT_EQ(document.Elements(Kind::kNode).size(), 6u);
+    for (std::size_t i = 0; i < 6; ++i) {
+        EXPECT_TRUE(gltf::EqualJson(document.Elements(Kind::kNode)[i], expected.Items()[i]))
+            << gltf::WriteJson(document.Elements(Kind::kNode)[i], false);
+    }
+    const auto channels = document.Elements(Kind::kAnimation)[0].Find("channels")->Items();
+    EXPECT_EQ(gltf::IndexMember(*channels[0].Find("target"), "node"), 4u);
+    EXPECT_EQ(gltf::IndexMember(*channels[1].Find("target"), "node"), 0u);
+    const auto binds = gltf::ReadFloats(
+        document, gltf::IndexMember(document.Elements(Kind::kSkin)[0], "inverseBindMatrices"));
+    EXPECT_EQ(binds, (std::vector<float>{1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1,  //
+                                         1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1}));
+}
+
+// A camera that stands still and a target that passes by: the exported nodes alone, without the host's
+// knowledge of the target, look at it.
+TEST(ExportedAim, FollowsTheTarget) {
+    for (const std::uint32_t targets : {vl::tk::kCameraTargetRecords, vl::tk::kCameraTargetKeys}) {
+        LoadedScene loaded(
+            gltf::test::FromText(R"({"asset": {"version": "2.0"}, "extensionsUsed": ["ZR_scene"],
+            "scenes": [{"nodes": [0, 1]}], "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}],
+            "nodes": [{"camera": 0, "translation": [0, 0, 1], "extensions": {"ZR_scene": {"target": 1}}}, {}]})"));
+        auto* track =
+            loaded.Node(1)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"pass"));
+        track->AddPosition(0)->m_value = {-3, 0, -1};
+        track->AddPosition(2)->m_value = {3, 1, -1};
+        ExportOptions options;
+        options.exportFlags |= targets;
+        const MotionReport report = Export(loaded, options);
+        EXPECT_EQ(report.keysBefore, 2u);
+        EXPECT_GT(report.keysAfter, 10u);
+        EXPECT_LT(report.deviation, 0.003);
+        LoadedScene after = Reloaded(loaded);
+        for (int step = 0; step <= 40; ++step) {
+            after.Scene().SetCurrentTime(0.05f * static_cast<float>(step), 1);
+            const M camera = World(after.Node(0));
+            const M target = World(after.Node(1));
+            const double to[3] = {target.m[3][0] - camera.m[3][0], target.m[3][1] - camera.m[3][1],
+                                  target.m[3][2] - camera.m[3][2]};
+            const double distance = std::sqrt(to[0] * to[0] + to[1] * to[1] + to[2] * to[2]);
+            for (int i = 0; i < 3; ++i)
+                EXPECT_NEAR(-camera.m[2][i], to[i] / distance, 0.003) << "step " << step;
+        }
+    }
+}
+
+// A target record that has no node of its own becomes a node with the motion that was sampled for it.
+TEST(ExportedAim, TargetWithoutNodeMovesToo) {
+    LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
+        "nodes": [{"name": "arm", "children": [1]}, {"camera": 0}],
+        "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}]})"));
+    auto* track =
+        loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"a"));
+    track->AddPosition(0)->m_value = {0, 0, 0};
+    track->AddPosition(1)->m_value = {4, 0, 0};
+    ExportOptions options;
+    options.exportFlags |= vl::tk::kCameraTargetRecords;
+    Export(loaded, options);
+    LoadedScene after = Reloaded(loaded);
+    ASSERT_NE(after.Node(2), nullptr);
+    auto* controller = static_cast<kernix::TransformControllerModel*>(after.Node(2)->GetController(99));
+    ASSERT_NE(controller, nullptr);
+    EXPECT_EQ(controller->GetTrackKeyCount(vl::zr::kKeyPosition, nullptr), 2);
+}
+
+TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
+    LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
+        "materials": [{"name": "Red wall"}, {"name": "red_wall"}],
+        "nodes": [{"name": "box", "children": [1]}, {"name": "box"}]})"));
+    RenameRules rules;
+    rules.Add("wall=Wall");
+    ExportOptions options;
+    options.exportFlags |= vl::tk::kAssignNames;
+    options.nameFlags |= vl::tk::kNamesUnique;
+    options.maxMaterialNameLength = 20;
+    options.rename = RenameRules::Rename;
+    options.renameContext = &rules;
+    std::string map;
+    Export(loaded, options, &map);
+    const gltf::Document& document = loaded.Document();
+    EXPECT_EQ(document.Elements(Kind::kNode)[0].Find("name")->String(), "box");
+    EXPECT_EQ(document.Elements(Kind::kNode)[1].Find("name")->String(), "box1");
+    EXPECT_EQ(document.Elements(Kind::kMaterial)[0].Find("name")->String(), "Red_Wall");
+    EXPECT_EQ(document.Elements(Kind::kMaterial)[1].Find("name")->String(), "red_Wall1");
+    gltf::JsonTree tree;
+    const gltf::Json expected = tree.Build(R"([{"path": "/box", "name": "box", "exported": "box"},
+                                               {"path": "/box/box", "name": "box", "exported": "box1"}])");
+    EXPECT_TRUE(gltf::EqualJson(tree.Build(map), expected)) << map;
+}
+
+TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
+    for (const bool wanted : {false, true}) {
+        LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
+            "nodes": [{"translation": [1, 2, 3], "rotation": [0, 0.6, 0, 0.8]}]})"));
+        auto* track =
+            loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"grow"));
+        for (const float time : {0.0f, 1.0f}) track->AddScale(time)->m_value = {1 + time, 1, 1};
+        ExportOptions options;
+        if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
+        const gltf::test::TemporaryFolder folder;
+        ExportRecords(TheHost(), loaded, options, folder / "out.json");
+        gltf::JsonTree tree;
+        const gltf::Json root = tree.Build(folder.Read("out.json"));
+        const gltf::Json& node = root.Find("nodes")->Items()[0];
+        EXPECT_EQ(node.Find("scaleKeys")->Items().size(), 2u);
+        const gltf::Json expected =
+            tree.Build(wanted ? R"([[{"time": 0, "value": [1, 2, 3]}], [{"time": 0, "value": [0, 0.6, 0, 0.8]}]])"
+                              : "[[], []]");
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("positionKeys"), expected.Items()[0])) << wanted;
+        EXPECT_TRUE(gltf::EqualJson(*node.Find("rotationKeys"), expected.Items()[1])) << wanted;
+    }
+}
+
+// Keys in a compressed form that cannot be read may go out as they are; what would change them is refused.
+TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
+    const auto load = [] {
+        return LoadedScene(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
+            "nodes": [{"translation": [1, 2, 3]}, {}],
+            "animations": [{"samplers": [{"input": 0, "output": 1}],
+                            "channels": [{"sampler": 0, "target": {"node": 0, "path": "translation"}}]}],
+            "accessors": [{"bufferView": 0, "componentType": 5126, "count": 1, "type": "SCALAR", "min": [0], "max": [0]},
+                          {"componentType": 5126, "count": 1, "type": "VEC3"}],
+            "bufferViews": [{"buffer": 1, "byteLength": 4,
+                             "extensions": {"EXT_meshopt_compression": {"buffer": 0, "byteLength": 3}}}],
+            "buffers": [{"byteLength": 3, "uri": "data:;base64,AAAA"}, {"byteLength": 4}]})"));
+    };
+    LoadedScene loaded = load();
+    EXPECT_EQ(Export(loaded, ExportOptions()).unreadKeys,
+              "/animations/0/channels/0: keys that cannot be read go out as they are");
+    EXPECT_EQ(Reloaded(loaded).Skipped().size(), 1u);
+
+    LoadedScene still = load();
+    ExportOptions options;
+    options.exportFlags |= vl::tk::kIgnoreAnimation;
+    EXPECT_EQ(Export(still, options).unreadKeys, "");
+
+    ExportOptions turned, reversed, without;
+    turned.sceneMatrix.RotateX(1);
+    reversed.animFlags |= vl::tk::kReverseTime;
+    without.exportFlags &= ~std::uint32_t{vl::tk::kExtractKeys};
+    for (const ExportOptions& changing : {turned, reversed, without}) {
+        LoadedScene scene = load();
+        EXPECT_THROW(Export(scene, changing), std::runtime_error);
+    }
+    const gltf::test::TemporaryFolder folder;
+    LoadedScene records = load();
+    EXPECT_THROW(ExportRecords(TheHost(), records, ExportOptions(), folder / "out.json"), std::runtime_error);
+    EXPECT_TRUE(folder.Files().empty());
+}
+
+}  // namespace
+}  // namespace zr

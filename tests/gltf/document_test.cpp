@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/document.h"
+
+#include <gtest/gtest.h>
+
+#include "gltf/uri.h"
+#include "tests/gltf/sample.h"
+
+namespace zr::gltf {
+namespace {
+
+using Names = std::vector<std::string>;
+using test::TemporaryFolder;
+
+std::string TextOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// The scene of test::Sample() as text whose binary data stands in a file, with an image file of its own.
+std::string TextScene(std::string_view buffer) {
+    std::string json = test::SampleJson();
+    const std::string_view image = R"({"bufferView": 7, "mimeType": "image/png"})",
+                           bytes = R"({"byteLength": 256})";
+    json.replace(json.find(image), image.size(), R"({"uri": "my%20images/a.png"}, {"uri": "gone.png"})");
+    json.replace(json.find(bytes), bytes.size(),
+                 R"({"byteLength": 256, "uri": ")" + std::string(buffer) + "\"}");
+    return json;
+}
+
+TEST(Document, UntouchedIsWrittenAsItWasRead) {
+    const TemporaryFolder folder;
+    const std::string container = test::Glb(test::SampleJson(), test::SampleBin());
+    folder.Write("in.glb", container);
+    Document::Load(folder / "in.glb").Save(folder / "out.glb");
+    const Document before = Document::Load(folder / "in.glb"), after = Document::Load(folder / "out.glb");
+    EXPECT_EQ(WriteJson(before.Root(), false), WriteJson(after.Root(), false));
+    EXPECT_EQ(TextOf(*after.BufferBytes(0)), test::SampleBin());
+
+    folder.Write("a/in.gltf", TextScene("data%20one.bin"));
+    folder.Write("a/data one.bin", test::SampleBin());
+    folder.Write("a/my images/a.png", "\x89PNG image");
+    Document::Load(folder / "a/in.gltf").Save(folder / "a/copy.gltf");
+    Document::Load(folder / "a/in.gltf").Save(folder / "b/c/in.gltf");
+    for (const char* name : {"a/copy.gltf", "b/c/in.gltf"})
+        EXPECT_TRUE(
+            EqualJson(Document::Load(folder / "a/in.gltf").Root(), Document::Load(folder / name).Root()))
+            << name;
+    EXPECT_EQ(folder.Files(),
+              (Names{"a/copy.gltf", "a/data one.bin", "a/in.gltf", "a/my images/a.png", "b/c/data one.bin",
+                     "b/c/in.gltf", "b/c/my images/a.png", "in.glb", "out.glb"}));
+    EXPECT_EQ(folder.Read("b/c/my images/a.png"), "\x89PNG image");
+}
+
+TEST(Document, UnknownChunksAndOddEndsSurvive) {
+    const TemporaryFolder folder;
+    std::string container = test::Glb(R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":3}]})", "abc");
+    container += std::string("\4\0\0\0ODD!data", 12);
+    container[8] = static_cast<char>(container.size());
+    folder.Write("in.glb", container);
+    Document::Load(folder / "in.glb").Save(folder / "out.glb");
+    EXPECT_EQ(folder.Read("out.glb"), container);
+}
+
+TEST(Document, TextBecomesOneContainerAndBack) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", TextScene("d.bin"));
+    folder.Write("d.bin", test::SampleBin());
+    folder.Write("my images/a.png", "\x89PNG image");
+    Document::Load(folder / "in.gltf").Save(folder / "x/out.glb");
+    EXPECT_EQ(folder.Files().size(), 4U);
+    Document read = Document::Load(folder / "x/out.glb");
+    ASSERT_EQ(read.Elements(Kind::kBuffer).size(), 1U);
+    EXPECT_EQ(TextOf(*read.BufferBytes(0)).substr(0, 256), test::SampleBin());
+    const Json& image = read.Elements(Kind::kImage)[0];
+    EXPECT_EQ(image.Find("mimeType")->String(), "image/png");
+    EXPECT_EQ(TextOf(*read.ViewBytes(IndexMember(image, "bufferView"))), "\x89PNG image");
+    EXPECT_EQ(read.Elements(Kind::kImage)[1].Find("uri")->String(), "gone.png");
+
+    read.Save(folder / "y/back.gltf");
+    EXPECT_EQ(folder.Read("y/back.bin").substr(0, 256), test::SampleBin());
+    EXPECT_EQ(Document::Load(folder / "y/back.gltf").Elements(Kind::kNode).size(), 7U);
+}
+
+TEST(Document, SeveralBuffersMergeWithTheirViews) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", R"({"asset":{"version":"2.0"},"buffers":[
+        {"byteLength":12},{"byteLength":5,"uri":"a.bin"},{"byteLength":3,"uri":"data:;base64,eHl6"}],
+        "bufferViews":[{"buffer":2,"byteOffset":1,"byteLength":2},{"buffer":1,"byteLength":5},
+        {"buffer":0,"byteLength":12,"extensions":{"EXT_meshopt_compression":{"buffer":2,"byteLength":3}}}]})");
+    folder.Write("a.bin", "abcde");
+    Document::Load(folder / "in.gltf").Save(folder / "out.glb");
+    Document read = Document::Load(folder / "out.glb");
+    EXPECT_EQ(read.Elements(Kind::kBuffer).size(), 2U);
+    EXPECT_EQ(TextOf(*read.BufferBytes(0)), std::string("abcde\0\0\0xyz", 11));
+    EXPECT_FALSE(read.BufferBytes(1));
+    EXPECT_EQ(TextOf(*read.ViewBytes(0)), "yz");
+    EXPECT_EQ(TextOf(*read.ViewBytes(1)), "abcde");
+    EXPECT_FALSE(read.ViewBytes(2));
+    const Json& compressed =
+        *read.Elements(Kind::kBufferView)[2].Find("extensions")->Find("EXT_meshopt_compression");
+    EXPECT_EQ(IndexMember(compressed, "buffer", 9), 0U);
+    EXPECT_EQ(IndexMember(compressed, "byteOffset", 9), 8U);
+
+    // What may count the buffers keeps them apart.
+    std::string json = folder.Read("in.gltf");
+    json.replace(json.find("\"buffers\""), 0, R"("extensions":{"ODD_uses":{"buffer":2}},)");
+    folder.Write("odd.gltf", json);
+    Document::Load(folder / "odd.gltf").Save(folder / "odd/out.glb");
+    Document odd = Document::Load(folder / "odd/out.glb");
+    EXPECT_EQ(odd.Elements(Kind::kBuffer).size(), 3U);
+    EXPECT_EQ(TextOf(*odd.ViewBytes(1)), "abcde");
+}
+
+TEST(Document, NewDataGoesWhereTheDocumentKeepsIts) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", TextScene(EncodeDataUri("application/octet-stream", test::SampleBin())));
+    Document document = Document::Load(folder / "in.gltf");
+    const std::size_t view = document.AppendView(BytesOf("more"), 0, 0);
+    document.Save(folder / "out.gltf");
+    EXPECT_EQ(folder.Files(), (Names{"in.gltf", "out.gltf"}));
+    EXPECT_EQ(TextOf(*Document::Load(folder / "out.gltf").ViewBytes(view)), "more");
+
+    Document container = test::Sample();
+    container.AppendView(BytesOf("more"), 0, 0);
+    container.Save(folder / "out.glb");
+    const Document read = Document::Load(folder / "out.glb");
+    EXPECT_EQ(TextOf(*read.BufferBytes(0)), test::SampleBin() + "more");
+}
+
+TEST(Document, FilesOfOthersAreNotOverwritten) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", TextScene("d.bin"));
+    folder.Write("d.bin", test::SampleBin());
+    folder.Write("my images/a.png", "\x89PNG mine");
+    folder.Write("out/d.bin", "of another scene");
+    folder.Write("out/my images/a.png", "\x89PNG other");
+    Document::Load(folder / "in.gltf").Save(folder / "out/new.gltf");
+    EXPECT_EQ(folder.Read("out/d.bin"), "of another scene");
+    EXPECT_EQ(folder.Read("out/my images/a.png"), "\x89PNG other");
+    const Document read = Document::Load(folder / "out/new.gltf");
+    EXPECT_EQ(TextOf(*read.BufferBytes(0)), test::SampleBin());
+    EXPECT_EQ(folder.Read("out/new.png"), "\x89PNG mine");
+    EXPECT_EQ(read.Elements(Kind::kImage)[0].Find("uri")->String(), "new.png");
+}
+
+TEST(Document, AFailedSaveLeavesNothing) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", TextScene("d.bin"));
+    folder.Write("d.bin", test::SampleBin());
+    std::filesystem::create_directories(folder / "out/taken.gltf/inside");
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), Error);
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), Error);
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), Error);
+    const auto stop = [] { throw std::runtime_error("stop"); };
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "new/out.gltf", stop), std::runtime_error);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+    for (const std::string& file : folder.Files()) EXPECT_EQ(file.find(".tmp"), std::string::npos) << file;
+    EXPECT_FALSE(std::filesystem::exists(folder / "out/taken.gltf/in.gltf"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "out/taken.gltf/inside"));
+}
+
+TEST(Document, SavingOverTheSourceIsSafe) {
+    const TemporaryFolder folder;
+    folder.Write("s.gltf", TextScene("s.bin"));
+    folder.Write("s.bin", test::SampleBin());
+    Document document = Document::Load(folder / "s.gltf");
+    // The image moves to where the weights stand.
+    const Document::BlockMove moves[] = {{0, 6, 0}, {8, 232, 8}, {248, 8, 240}};
+    document.PackBuffer(0, moves);
+    *document.Elements(Kind::kBufferView)[7].Find("byteOffset") = document.Tree().MakeIndex(240);
+    document.Save(folder / "s.gltf");
+    EXPECT_EQ(folder.Files(), (Names{"s.bin", "s.gltf"}));
+    const std::string bin = test::SampleBin();
+    EXPECT_EQ(folder.Read("s.bin").substr(0, 256), bin.substr(0, 240) + bin.substr(248));
+}
+
+}  // namespace
+}  // namespace zr::gltf
