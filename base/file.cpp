@@ -22,8 +22,7 @@ struct Closer {
 using File = std::unique_ptr<std::FILE, Closer>;
 
 [[noreturn]] void Fail(const fs::path& path, const char* what, int error) {
-    throw Error(PathToUtf8(path), "",
-                Join(what, ": ", std::generic_category().message(error)));
+    throw Error(PathToUtf8(path), "", Join(what, ": ", std::generic_category().message(error)));
 }
 
 // A name beside the target that no other writer uses; "x" makes opening fail where a file stands already.

@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "gltf/document.h"
 #include "base/text.h"
+#include "gltf/document.h"
 
 using zr::Join;
 

@@ -3,10 +3,10 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include "gltf/document.h"
-#include "gltf/glb.h"
 #include "app/scene/loaded_scene.h"
 #include "bench/scene_file.h"
+#include "gltf/document.h"
+#include "gltf/glb.h"
 
 namespace {
 

@@ -8,12 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "gltf/glb.h"
 #include "base/text.h"
+#include "gltf/glb.h"
 
 namespace zr::bench {
 namespace {
-
 
 class SceneText {
 public:

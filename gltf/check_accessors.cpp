@@ -3,10 +3,10 @@
 #include <limits>
 #include <string>
 
+#include "base/text.h"
 #include "gltf/accessor.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
-#include "base/text.h"
 
 namespace zr::gltf {
 namespace {

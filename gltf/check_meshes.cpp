@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "gltf/accessor.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
-#include "base/text.h"
 
 namespace zr::gltf {
 namespace {

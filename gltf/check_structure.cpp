@@ -3,9 +3,9 @@
 #include <cmath>
 #include <string>
 
+#include "base/text.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
-#include "base/text.h"
 #include "gltf/walk.h"
 
 namespace zr::gltf {

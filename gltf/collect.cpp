@@ -119,9 +119,8 @@ std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& 
 
     for (Json* range : ranges) {
         const std::size_t begin = IndexMember(*range, "byteOffset");
-        const auto after =
-            std::upper_bound(moves.begin(), moves.end(), begin,
-                             [](std::size_t at, const auto& move) { return at < move.from; });
+        const auto after = std::upper_bound(moves.begin(), moves.end(), begin,
+                                            [](std::size_t at, const auto& move) { return at < move.from; });
         const Document::BlockMove& move = *std::prev(after);
         const std::size_t moved = begin - move.from + move.to;
         if (moved != begin) document.Tree().Member(*range, "byteOffset") = document.Tree().MakeIndex(moved);

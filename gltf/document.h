@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "gltf/error.h"
 #include "base/file.h"
+#include "gltf/error.h"
 #include "gltf/json.h"
 #include "gltf/kinds.h"
 
@@ -66,7 +66,8 @@ public:
     // there too: kept in the same folder, copied into another one, taken into a container made from text.
     // The document is spent afterwards. Throws Error. beforeCommit is called when all is written and no file
     // has appeared yet; what it throws leaves everything as it was.
-    void Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
+    void Save(
+        const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
 private:
     enum class Origin {

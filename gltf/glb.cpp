@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "gltf/error.h"
 #include "base/text.h"
+#include "gltf/error.h"
 
 namespace zr::gltf {
 namespace {

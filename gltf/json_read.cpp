@@ -9,9 +9,9 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/text.h"
 #include "gltf/error.h"
 #include "gltf/json.h"
-#include "base/text.h"
 
 namespace zr::gltf {
 

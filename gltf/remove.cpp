@@ -3,8 +3,8 @@
 #include <set>
 #include <unordered_map>
 
-#include "gltf/references.h"
 #include "base/text.h"
+#include "gltf/references.h"
 
 namespace zr::gltf {
 namespace {

@@ -4,10 +4,10 @@
 #include <map>
 #include <set>
 
+#include "base/text.h"
 #include "gltf/document.h"
 #include "gltf/glb.h"
 #include "gltf/references.h"
-#include "base/text.h"
 #include "gltf/uri.h"
 
 namespace zr::gltf {

@@ -151,10 +151,8 @@ void CollectPossible(const Json& value, std::string_view name, KindSet& kinds) {
 
 }  // namespace
 
-void Visitor::Unknown(std::string_view, Json&, const Place&) {
-}
-void Visitor::Dynamic(std::string_view, Kind, const Place&) {
-}
+void Visitor::Unknown(std::string_view, Json&, const Place&) {}
+void Visitor::Dynamic(std::string_view, Kind, const Place&) {}
 
 std::string Place::Pointer() const {
     std::string pointer;

@@ -51,8 +51,8 @@ inline constexpr int kNotifyRemoved = 1035;
 
 // Node::m_dwFlags.
 enum NodeFlag : unsigned {
-    kNodeSystem = 0x4,      // belongs to the host, such as its view camera
-    kNodeSkeleton = 0x1000, // moves a skin and carries an object of its own
+    kNodeSystem = 0x4,       // belongs to the host, such as its view camera
+    kNodeSkeleton = 0x1000,  // moves a skin and carries an object of its own
 };
 
 // Controller::m_dwFlags.

@@ -40,8 +40,8 @@ struct KERNIX_API Quaternion {
     Quaternion() = default;
     Quaternion(float qx, float qy, float qz, float qw) : x(qx), y(qy), z(qz), w(qw) {}
     explicit Quaternion(const AngleAxis& rotation);
-    explicit Quaternion(const Matrix4<double>& m);       // of the matrix' rotation, w not negative
-    explicit Quaternion(const Vector3<float>& rotation); // a rotation vector: axis times angle
+    explicit Quaternion(const Matrix4<double>& m);        // of the matrix' rotation, w not negative
+    explicit Quaternion(const Vector3<float>& rotation);  // a rotation vector: axis times angle
 
     // Spherical interpolation along the shorter arc: a at fraction 0, b at 1. Nearly equal rotations are
     // interpolated linearly and brought to unit length. The last argument is 0.

@@ -54,12 +54,13 @@ public:
     const float* m_pPositions = nullptr;  // x, y, z of m_nVertices vertices
     std::uint32_t m_nVertices = 0;
     std::uint32_t m_nFaces = 0;
-    const std::uint16_t* m_pFaceCounts = nullptr;       // indices of each face; null: m_nFaceSize for all
+    const std::uint16_t* m_pFaceCounts = nullptr;  // indices of each face; null: m_nFaceSize for all
     std::uint16_t m_nFaceSize = 3;
-    const std::uint32_t* m_pFaceAttributes = nullptr;   // of each face: its material; may be null
-    const std::uint32_t* const* m_ppFaces = nullptr;    // the vertex indices of each face; may be null
+    const std::uint32_t* m_pFaceAttributes = nullptr;  // of each face: its material; may be null
+    const std::uint32_t* const* m_ppFaces = nullptr;   // the vertex indices of each face; may be null
     std::uint32_t m_nSecondary = 0;
-    const std::uint16_t* m_pSecondaryCounts = nullptr;  // indices of each list; null: m_nSecondarySize for all
+    const std::uint16_t* m_pSecondaryCounts =
+        nullptr;  // indices of each list; null: m_nSecondarySize for all
     std::uint16_t m_nSecondarySize = 2;
     const std::uint32_t* const* m_ppSecondary = nullptr;  // the vertex indices of each list; may be null
 

@@ -6,8 +6,8 @@ namespace vl {
 // Results of interface-level operations.
 enum ResultEnum : int {
     kSuccess = 1,
-    kCannotOpen = -8,     // a resource or stream cannot be opened, or its content not be read
-    kWrongClass = -9,     // an object of another class than asked, or an unknown method
+    kCannotOpen = -8,  // a resource or stream cannot be opened, or its content not be read
+    kWrongClass = -9,  // an object of another class than asked, or an unknown method
 };
 
 }  // namespace vl

@@ -27,13 +27,13 @@ using AnimationItemCallback = bool (*)(Word, Word, Interface* item, void* contex
 // GetParam(kParamSceneMatrix, pointer to a matrix, ZR_VALUE_MATRIX) fills the scene matrix.
 class KERNIX_API Scene : public Extension {
 public:
-    Node* m_pFirstNode = nullptr;          // start of the top-level sibling chain
-    Array* m_pNodes = nullptr;             // every node, parents before their children; may be null
-    Array* m_pMaterials = nullptr;         // may be null
+    Node* m_pFirstNode = nullptr;   // start of the top-level sibling chain
+    Array* m_pNodes = nullptr;      // every node, parents before their children; may be null
+    Array* m_pMaterials = nullptr;  // may be null
     Material* m_pDefaultMaterial = nullptr;
-    Array* m_pAnimations = nullptr;        // may be null
-    InterfaceArray* m_pLayers = nullptr;   // of Layer; may be null
-    Camera* m_pCurrentCamera = nullptr;    // may be null
+    Array* m_pAnimations = nullptr;       // may be null
+    InterfaceArray* m_pLayers = nullptr;  // of Layer; may be null
+    Camera* m_pCurrentCamera = nullptr;   // may be null
 
     // Told once after each removal operation: kNotifyRemoved, 1, 2.
     virtual void Notify(int code, int a, int b) = 0;
@@ -66,7 +66,8 @@ public:
     virtual bool CanRemoveAnimation(Animation* animation) = 0;
 
     // Items are the objects that stand for the animation's tracks.
-    virtual void ForEachAnimationItem(Animation* animation, AnimationItemCallback callback, void* context) = 0;
+    virtual void ForEachAnimationItem(Animation* animation, AnimationItemCallback callback,
+                                      void* context) = 0;
 
     // Every viewport. The caller holds the array's one count.
     InterfaceArray* GetAllViewports();

@@ -28,27 +28,27 @@ using RenameCallback = void (*)(Interface* object, String* name, void* context);
 // and keys. One object serves one export.
 class Serializer : public Extension {
 public:
-    std::uint32_t m_dwExportFlags = 0;   // in: node selection and steps (ExportFlag)
-    std::uint32_t m_dwNameFlags = 0;     // in: naming (NameFlag)
-    std::uint32_t m_dwAnimFlags = 0;     // in: keys and time (AnimFlag)
-    int m_nPivotMode = 0;                // in: pivot form that the exporter writes itself, 1 or 2; else none
-    std::uint32_t m_dwStatus = 0;        // out: 0x1, keys were extracted
-    zr::Scene* m_pScene = nullptr;       // in: not owned
-    Array* m_pRoots = nullptr;           // out: top-level ExportNode*; owns the tree
-    Array* m_pAllNodes = nullptr;        // out: every ExportNode*, parents first, then later additions
-    Array* m_pMaterialNames = nullptr;   // out: of MaterialName*, one for each material
-    int m_nMaxNameLength = 32;           // in: characters of a node name, 4 to 512
-    int m_nMaxMaterialNameLength = 0;    // in: characters of a material name; naming runs above 2, at most 511
-    void* m_pRenameContext = nullptr;    // in
+    std::uint32_t m_dwExportFlags = 0;  // in: node selection and steps (ExportFlag)
+    std::uint32_t m_dwNameFlags = 0;    // in: naming (NameFlag)
+    std::uint32_t m_dwAnimFlags = 0;    // in: keys and time (AnimFlag)
+    int m_nPivotMode = 0;               // in: pivot form that the exporter writes itself, 1 or 2; else none
+    std::uint32_t m_dwStatus = 0;       // out: 0x1, keys were extracted
+    zr::Scene* m_pScene = nullptr;      // in: not owned
+    Array* m_pRoots = nullptr;          // out: top-level ExportNode*; owns the tree
+    Array* m_pAllNodes = nullptr;       // out: every ExportNode*, parents first, then later additions
+    Array* m_pMaterialNames = nullptr;  // out: of MaterialName*, one for each material
+    int m_nMaxNameLength = 32;          // in: characters of a node name, 4 to 512
+    int m_nMaxMaterialNameLength = 0;   // in: characters of a material name; naming runs above 2, at most 511
+    void* m_pRenameContext = nullptr;   // in
     RenameCallback m_pfnRename = nullptr;  // in
-    bool m_bAnimated = false;            // out
-    float m_fRescale = 1.0f;             // in: time factor, or the wished length in seconds
-    float m_fTimeScale = 1.0f;           // out: time of the scene * scale + offset = exported time
-    float m_fTimeOffset = 0.0f;          // out
-    float m_fStartTime = 0.0f;           // out: seconds, mapped
-    float m_fEndTime = 0.0f;             // out: seconds, mapped
-    Array* m_pNameTable = nullptr;       // out: records ordered by name
-    Matrix4<double> m_mScene;            // out: the scene matrix
+    bool m_bAnimated = false;              // out
+    float m_fRescale = 1.0f;               // in: time factor, or the wished length in seconds
+    float m_fTimeScale = 1.0f;             // out: time of the scene * scale + offset = exported time
+    float m_fTimeOffset = 0.0f;            // out
+    float m_fStartTime = 0.0f;             // out: seconds, mapped
+    float m_fEndTime = 0.0f;               // out: seconds, mapped
+    Array* m_pNameTable = nullptr;         // out: records ordered by name
+    Matrix4<double> m_mScene;              // out: the scene matrix
 
     virtual int Process(int unused) = 0;  // 1 done, 0 nothing to export
     virtual int BuildHierarchy() = 0;
@@ -101,13 +101,13 @@ enum ExportFlag : std::uint32_t {
     kExportBones = 0x20,         // bones and skeleton nodes become groups
     kSkeletonOnly = 0x40,        // skeleton nodes are exported without their object
     kExportNotes = 0x80,
-    kGroupingRoot = 0x100,       // above several top-level records
-    kGeometrySplit = 0x200,      // turns on kGroupSplit
+    kGroupingRoot = 0x100,   // above several top-level records
+    kGeometrySplit = 0x200,  // turns on kGroupSplit
     kGroupSplit = 0x400,
-    kNoStaticPivot = 0x800,      // static pivots are not split off
-    kStaticPivot = 0x1000,       // static pivot pass of a scene that is not animated
+    kNoStaticPivot = 0x800,  // static pivots are not split off
+    kStaticPivot = 0x1000,   // static pivot pass of a scene that is not animated
     kIgnoreAnimation = 0x2000,
-    kNoSecondary = 0x4000,       // meshes of lines alone are not exported
+    kNoSecondary = 0x4000,  // meshes of lines alone are not exported
     kDecomposeRest = 0x10000,
     kLightTargetRecords = 0x40000,
     kLightTargetKeys = 0x80000,
@@ -115,8 +115,8 @@ enum ExportFlag : std::uint32_t {
     kCameraTargetKeys = 0x200000,
     kMergeKeys = 0x400000,
     kFlipAxes = 0x800000,
-    kAllRenderables = 0x1000000, // meshes without faces and lines too
-    kAllChoices = 0x2000000,     // every child of a selector; orientation of cameras and lights by matrix
+    kAllRenderables = 0x1000000,  // meshes without faces and lines too
+    kAllChoices = 0x2000000,      // every child of a selector; orientation of cameras and lights by matrix
     kOffsetControllers = 0x4000000,
     kAssignNames = 0x10000000,
     kExtractKeys = 0x20000000,

@@ -24,8 +24,8 @@ public:
     // From the start (origin 0), the position (1) or the end (2). A place outside the content is moved to
     // its nearer end.
     virtual void Seek(std::int64_t offset, int origin) = 0;
-    virtual std::size_t Read(void* out, std::size_t size) = 0;  // bytes read, fewer at the end
-    virtual bool Write(const void* data, std::size_t size) = 0; // false on a stream that only reads
+    virtual std::size_t Read(void* out, std::size_t size) = 0;   // bytes read, fewer at the end
+    virtual bool Write(const void* data, std::size_t size) = 0;  // false on a stream that only reads
     virtual std::size_t GetSize() = 0;
 
     const char* GetTypeName() override { return "zr_stream"; }

@@ -16,8 +16,8 @@ public:
     String& operator=(const String& other);
     ~String();
 
-    void Set(const char* text);                     // null is the empty text
-    void Set(const char16_t* text, int length);     // -1: up to the terminator
+    void Set(const char* text);                  // null is the empty text
+    void Set(const char16_t* text, int length);  // -1: up to the terminator
 
     // Copies at most size characters, the terminator included; a narrow text is never cut inside a
     // character. Nothing is written when buffer is null or size is below 1.

@@ -23,7 +23,9 @@ constexpr int CompareFolded(const Char* a, const Char* b) {
     }
 }
 
-constexpr int CompareNoCase(const char* a, const char* b) { return CompareFolded<char, unsigned char>(a, b); }
+constexpr int CompareNoCase(const char* a, const char* b) {
+    return CompareFolded<char, unsigned char>(a, b);
+}
 constexpr int CompareNoCase(const char16_t* a, const char16_t* b) {
     return CompareFolded<char16_t, char16_t>(a, b);
 }

@@ -13,7 +13,7 @@ enum zr_VALUETYPE : int {
     ZR_VALUE_NONE = 0,
     ZR_VALUE_INT = 1,
     ZR_VALUE_BOOL = 2,
-    ZR_VALUE_FLOAT = 3,    // single precision, its bits in a word
+    ZR_VALUE_FLOAT = 3,  // single precision, its bits in a word
     ZR_VALUE_STRING = 4,
     ZR_VALUE_MATRIX = 7,   // pointer to a vl::Matrix4<double> that the reader supplies
     ZR_VALUE_OBJECT = 14,  // pointer to a vl::Interface

@@ -17,7 +17,8 @@ inline Word ToWord(T value) {
     if constexpr (std::is_pointer_v<T>) {
         return reinterpret_cast<Word>(value);
     } else if constexpr (std::is_floating_point_v<T>) {
-        static_assert(sizeof(T) == sizeof(std::uint32_t), "only single precision fits a word on every system");
+        static_assert(sizeof(T) == sizeof(std::uint32_t),
+                      "only single precision fits a word on every system");
         std::uint32_t bits = 0;
         std::memcpy(&bits, &value, sizeof bits);
         return bits;
@@ -31,7 +32,8 @@ inline T FromWord(Word word) {
     if constexpr (std::is_pointer_v<T>) {
         return reinterpret_cast<T>(word);
     } else if constexpr (std::is_floating_point_v<T>) {
-        static_assert(sizeof(T) == sizeof(std::uint32_t), "only single precision fits a word on every system");
+        static_assert(sizeof(T) == sizeof(std::uint32_t),
+                      "only single precision fits a word on every system");
         const auto bits = static_cast<std::uint32_t>(word);
         T value;
         std::memcpy(&value, &bits, sizeof value);

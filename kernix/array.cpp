@@ -78,7 +78,9 @@ private:
 
 }  // namespace
 
-vl::Array* CreateArray() { return new WordArray(nullptr, nullptr); }
+vl::Array* CreateArray() {
+    return new WordArray(nullptr, nullptr);
+}
 
 vl::Array* CreateSortedArray(vl::ArrayComparator comparator, void* context) {
     return new WordArray(comparator, context);

@@ -12,21 +12,28 @@ Extension::~Extension() {
     m_params.Reset();
 }
 
-int Extension::GetInterfaceVersion() { return 0; }
+int Extension::GetInterfaceVersion() {
+    return 0;
+}
 
 zr_VALUETYPE Extension::GetParamType(int position) {
     Params* params = GetParams(false);
     if (params == nullptr) return ZR_VALUE_NONE;
-    for (const zr_VALUETYPE type : {ZR_VALUE_INT, ZR_VALUE_BOOL, ZR_VALUE_FLOAT, ZR_VALUE_OBJECT, ZR_VALUE_SCENE}) {
+    for (const zr_VALUETYPE type :
+         {ZR_VALUE_INT, ZR_VALUE_BOOL, ZR_VALUE_FLOAT, ZR_VALUE_OBJECT, ZR_VALUE_SCENE}) {
         // Two different fallbacks tell an absent parameter from any value.
         if (params->GetParam(position, 0, type) == params->GetParam(position, 1, type)) return type;
     }
     return ZR_VALUE_NONE;
 }
 
-ResultEnum Extension::QueryInfo(xml::Element*, unsigned) { return kWrongClass; }
+ResultEnum Extension::QueryInfo(xml::Element*, unsigned) {
+    return kWrongClass;
+}
 
-ResultEnum Extension::Invoke(int, Params*, Context*) { return kWrongClass; }
+ResultEnum Extension::Invoke(int, Params*, Context*) {
+    return kWrongClass;
+}
 
 Var Extension::InvokeCommand(const Var& command, const Var& arguments, Context* context) {
     const int* method = command.AsInt();
@@ -63,11 +70,16 @@ Var Extension::GetParamVar(int position) const {
     const zr_VALUETYPE type = const_cast<Extension*>(this)->GetParamType(position);
     const Word value = params->GetParam(position, 0, type);
     switch (type) {
-        case ZR_VALUE_INT: return Var(FromWord<int>(value));
-        case ZR_VALUE_BOOL: return Var(value != 0);
-        case ZR_VALUE_FLOAT: return Var(FromWord<float>(value));
-        case ZR_VALUE_OBJECT: return Var(FromWord<Interface*>(value));
-        default: return Var();
+        case ZR_VALUE_INT:
+            return Var(FromWord<int>(value));
+        case ZR_VALUE_BOOL:
+            return Var(value != 0);
+        case ZR_VALUE_FLOAT:
+            return Var(FromWord<float>(value));
+        case ZR_VALUE_OBJECT:
+            return Var(FromWord<Interface*>(value));
+        default:
+            return Var();
     }
 }
 

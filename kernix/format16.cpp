@@ -12,15 +12,23 @@ std::u16string Format16(const char16_t* format, va_list arguments) {
             continue;
         }
         switch (c[1]) {
-            case u'd': putNumber(std::to_string(va_arg(arguments, int))); break;
-            case u'u': putNumber(std::to_string(va_arg(arguments, unsigned))); break;
+            case u'd':
+                putNumber(std::to_string(va_arg(arguments, int)));
+                break;
+            case u'u':
+                putNumber(std::to_string(va_arg(arguments, unsigned)));
+                break;
             case u's': {
                 const auto* text = va_arg(arguments, const char16_t*);
                 out += text != nullptr ? text : u"";
                 break;
             }
-            case u'%': out.push_back(u'%'); break;
-            default: out.push_back(u'%'); continue;
+            case u'%':
+                out.push_back(u'%');
+                break;
+            default:
+                out.push_back(u'%');
+                continue;
         }
         ++c;
     }

@@ -21,7 +21,9 @@ public:
 
 }  // namespace
 
-vl::Context* CreateContext() { return new BreakContext; }
+vl::Context* CreateContext() {
+    return new BreakContext;
+}
 
 HostAppBase::HostAppBase() = default;
 HostAppBase::~HostAppBase() = default;
@@ -52,22 +54,30 @@ vl::Array* HostAppBase::CreateSortedArray(vl::ArrayComparator comparator) {
     return kernix::CreateSortedArray(comparator, nullptr);
 }
 
-vl::Array* HostAppBase::CreateArray() { return kernix::CreateArray(); }
+vl::Array* HostAppBase::CreateArray() {
+    return kernix::CreateArray();
+}
 
 vl::Interface* HostAppBase::CreateInstance(int, int, int classCode) {
     return classCode == vl::zr::kClassTransferStream ? vl::Stream::CreateInMemory() : nullptr;
 }
 
-vl::Context* HostAppBase::CreateContext(int, int) { return kernix::CreateContext(); }
+vl::Context* HostAppBase::CreateContext(int, int) {
+    return kernix::CreateContext();
+}
 
 int HostAppBase::GetSettingInt(int, const char* key, int fallback) {
     const auto found = m_settings.find(key);
     return found != m_settings.end() ? found->second : fallback;
 }
 
-void HostAppBase::ReportError(int severity, const char* text) { ShowMessage(severity, text); }
+void HostAppBase::ReportError(int severity, const char* text) {
+    ShowMessage(severity, text);
+}
 
-void HostAppBase::ReportFailure(int code) { ShowMessage(1, "failure " + std::to_string(code)); }
+void HostAppBase::ReportFailure(int code) {
+    ShowMessage(1, "failure " + std::to_string(code));
+}
 
 void HostAppBase::LogLine(const char16_t* format, ...) {
     va_list arguments;
@@ -76,12 +86,20 @@ void HostAppBase::LogLine(const char16_t* format, ...) {
     va_end(arguments);
 }
 
-void HostAppBase::ShowMessage(int, const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); }
+void HostAppBase::ShowMessage(int, const std::string& text) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+}
 
 // A host without windows, strings and help.
-void* HostAppBase::LoadModuleStrings(HINSTANCE) { return nullptr; }
-const char16_t* HostAppBase::GetModuleString(void*, int) { return u""; }
-HWND HostAppBase::GetMainWindow(int) { return nullptr; }
+void* HostAppBase::LoadModuleStrings(HINSTANCE) {
+    return nullptr;
+}
+const char16_t* HostAppBase::GetModuleString(void*, int) {
+    return u"";
+}
+HWND HostAppBase::GetMainWindow(int) {
+    return nullptr;
+}
 void HostAppBase::ShowHelpTopic(const char*, int) {}
 void HostAppBase::LocalizeDialog(void*, HWND) {}
 

@@ -40,11 +40,17 @@ ResultEnum Interface::QueryInterface(const char* typeName, Unknown*& out) {
     return kSuccess;
 }
 
-void Interface::DeleteThis() { delete this; }
+void Interface::DeleteThis() {
+    delete this;
+}
 
-int Interface::GetRefCount() { return m_refCount.load(std::memory_order_relaxed); }
+int Interface::GetRefCount() {
+    return m_refCount.load(std::memory_order_relaxed);
+}
 
-const char* Interface::GetTypeName() { return "zr_interface"; }
+const char* Interface::GetTypeName() {
+    return "zr_interface";
+}
 
 bool Interface::IsTypeOf(const char* name) {
     return EqualNoCase(name, "zr_interface") || EqualNoCase(name, GetTypeName());
@@ -71,7 +77,11 @@ ResultEnum Interface::CloneFrom(Interface* source, unsigned flags) {
     return kSuccess;
 }
 
-void* Interface::operator new(std::size_t size) noexcept { return mem::allocate(size); }
-void Interface::operator delete(void* storage) noexcept { mem::free(storage); }
+void* Interface::operator new(std::size_t size) noexcept {
+    return mem::allocate(size);
+}
+void Interface::operator delete(void* storage) noexcept {
+    mem::free(storage);
+}
 
 }  // namespace vl

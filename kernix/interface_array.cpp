@@ -30,6 +30,8 @@ private:
 
 }  // namespace
 
-InterfaceArray* InterfaceArray::CreateStrong() { return new StrongArray; }
+InterfaceArray* InterfaceArray::CreateStrong() {
+    return new StrongArray;
+}
 
 }  // namespace vl

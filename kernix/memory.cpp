@@ -5,7 +5,11 @@
 
 namespace vl::mem {
 
-void* allocate(std::size_t size) noexcept { return std::malloc(size); }
-void free(void* storage) noexcept { std::free(storage); }
+void* allocate(std::size_t size) noexcept {
+    return std::malloc(size);
+}
+void free(void* storage) noexcept {
+    std::free(storage);
+}
 
 }  // namespace vl::mem

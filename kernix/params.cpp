@@ -53,6 +53,8 @@ private:
 
 }  // namespace
 
-Params* Params::Create() { return new ParamList; }
+Params* Params::Create() {
+    return new ParamList;
+}
 
 }  // namespace vl

@@ -22,7 +22,9 @@ public:
 
     void Seek(std::int64_t offset, int origin) override {
         const auto size = static_cast<std::int64_t>(m_content.size());
-        const std::int64_t base = origin == 0 ? 0 : origin == 1 ? static_cast<std::int64_t>(m_position) : size;
+        const std::int64_t base = origin == 0   ? 0
+                                  : origin == 1 ? static_cast<std::int64_t>(m_position)
+                                                : size;
         const std::int64_t place = offset < -base ? 0 : offset > size - base ? size : base + offset;
         m_position = static_cast<std::size_t>(place);
     }
@@ -51,7 +53,9 @@ constexpr unsigned kReadResource = 2;
 
 }  // namespace
 
-void SetResourceReader(ResourceReader reader) { Reader() = std::move(reader); }
+void SetResourceReader(ResourceReader reader) {
+    Reader() = std::move(reader);
+}
 
 }  // namespace kernix
 
@@ -65,6 +69,8 @@ Stream* Stream::Create(HINSTANCE module, const String& name, unsigned flags) {
     return content ? new kernix::MemoryStream(std::move(*content), false) : nullptr;
 }
 
-Stream* Stream::CreateInMemory() { return new kernix::MemoryStream({}, true); }
+Stream* Stream::CreateInMemory() {
+    return new kernix::MemoryStream({}, true);
+}
 
 }  // namespace vl

@@ -13,7 +13,9 @@ String::String(const String& other) = default;
 String& String::operator=(const String& other) = default;
 String::~String() = default;
 
-void String::Set(const char* text) { m_text = kernix::ToUtf16(text != nullptr ? text : ""); }
+void String::Set(const char* text) {
+    m_text = kernix::ToUtf16(text != nullptr ? text : "");
+}
 
 void String::Set(const char16_t* text, int length) {
     if (text == nullptr) {
@@ -23,9 +25,13 @@ void String::Set(const char16_t* text, int length) {
     }
 }
 
-void String::Get(char* buffer, int size) const { kernix::CopyText(kernix::ToUtf8(m_text), buffer, size); }
+void String::Get(char* buffer, int size) const {
+    kernix::CopyText(kernix::ToUtf8(m_text), buffer, size);
+}
 
-void String::Get(char16_t* buffer, int size) const { kernix::CopyText(m_text, buffer, size); }
+void String::Get(char16_t* buffer, int size) const {
+    kernix::CopyText(m_text, buffer, size);
+}
 
 }  // namespace vl
 

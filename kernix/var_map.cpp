@@ -27,6 +27,8 @@ private:
 
 }  // namespace
 
-VarMap* VarMap::Create() { return new NamedValues; }
+VarMap* VarMap::Create() {
+    return new NamedValues;
+}
 
 }  // namespace vl

@@ -6,11 +6,19 @@
 namespace platform {
 
 #ifdef _WIN32
-inline const wchar_t* Wide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
-inline wchar_t* Wide(char16_t* text) { return reinterpret_cast<wchar_t*>(text); }
+inline const wchar_t* Wide(const char16_t* text) {
+    return reinterpret_cast<const wchar_t*>(text);
+}
+inline wchar_t* Wide(char16_t* text) {
+    return reinterpret_cast<wchar_t*>(text);
+}
 #else
-inline const char16_t* Wide(const char16_t* text) { return text; }
-inline char16_t* Wide(char16_t* text) { return text; }
+inline const char16_t* Wide(const char16_t* text) {
+    return text;
+}
+inline char16_t* Wide(char16_t* text) {
+    return text;
+}
 #endif
 
 }  // namespace platform

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/operations/animations/animation_edit.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
+#include "app/operations/animations/animation_edit.h"
 #include "app/scene/animations_of.h"
 #include "app/scene/loaded_scene.h"
 #include "kernix/utf.h"

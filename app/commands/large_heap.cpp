@@ -39,8 +39,7 @@ void UseLargeHeap() {
 
 namespace zr {
 
-void UseLargeHeap() {
-}
+void UseLargeHeap() {}
 
 }  // namespace zr
 

@@ -6,10 +6,11 @@
 #include <memory>
 
 #include "app/commands/animation_choice.h"
-#include "app/operations/animations/bring_animations.h"
 #include "app/commands/commands.h"
-#include "app/operations/animations/merge_animations.h"
+#include "app/commands/notes.h"
 #include "app/commands/session.h"
+#include "app/operations/animations/bring_animations.h"
+#include "app/operations/animations/merge_animations.h"
 
 namespace zr {
 namespace {

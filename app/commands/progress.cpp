@@ -19,7 +19,9 @@ constexpr auto kBetweenUpdates = 100ms;
 }  // namespace
 
 Progress::Progress(std::string title)
-    : m_title(std::move(title)), m_start(std::chrono::steady_clock::now()), m_terminal(isatty(STDERR_FILENO) == 1) {}
+    : m_title(std::move(title)),
+      m_start(std::chrono::steady_clock::now()),
+      m_terminal(isatty(STDERR_FILENO) == 1) {}
 
 Progress::~Progress() {
     if (m_visible) std::fprintf(stderr, "\r\033[K");

@@ -25,7 +25,9 @@ Session::Session() : m_context(vl::Ref<vl::Context>::Adopt(kernix::CreateContext
     std::signal(SIGINT, OnInterrupt);
 }
 
-Session::~Session() { std::signal(SIGINT, SIG_DFL); }
+Session::~Session() {
+    std::signal(SIGINT, SIG_DFL);
+}
 
 Host& Session::GetHost() {
     if (!m_host) {

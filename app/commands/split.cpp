@@ -7,6 +7,7 @@
 
 #include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
+#include "app/commands/notes.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/split_animation.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/animation_builder.h"
 
+#include "app/scene/curves.h"
 #include "base/text.h"
 #include "gltf/walk.h"
-#include "app/scene/curves.h"
 
 namespace zr {
 

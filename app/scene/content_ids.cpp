@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "gltf/accessor.h"
 #include "base/text.h"
+#include "gltf/accessor.h"
 
 namespace zr {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/loaded_scene.h"
 
-#include "base/text.h"
 #include "app/scene/scene_builder.h"
 #include "app/scene/scene_writer.h"
+#include "base/text.h"
 
 namespace zr {
 

@@ -3,8 +3,8 @@
 
 #include <numeric>
 
-#include "gltf/accessor.h"
 #include "base/text.h"
+#include "gltf/accessor.h"
 
 namespace zr {
 namespace {

@@ -12,7 +12,8 @@
 
 namespace zr {
 
-// Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their materials.
+// Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their
+// materials.
 class MeshBuilder {
 public:
     // attribute of the faces of a primitive without a material

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "gltf/references.h"
 #include "base/text.h"
+#include "gltf/references.h"
 #include "host/kinds.h"
 #include "host/var.h"
 #include "kernix/scene/plain_objects.h"
@@ -83,8 +83,7 @@ SceneBuilder::SceneBuilder(LoadedScene& loaded, const SceneOptions& options)
       m_options(options),
       m_ids(loaded.m_document),
       m_meshes(loaded, m_ids),
-      m_animations(loaded, m_ids) {
-}
+      m_animations(loaded, m_ids) {}
 
 void SceneBuilder::Build() {
     const std::size_t nodes = m_document.Elements(Kind::kNode).size();

@@ -47,8 +47,7 @@ std::string_view TypeOf(int keyType) {
 }  // namespace
 
 SceneWriter::SceneWriter(LoadedScene& loaded)
-    : m_loaded(loaded), m_document(loaded.m_document), m_tree(loaded.m_document.Tree()) {
-}
+    : m_loaded(loaded), m_document(loaded.m_document), m_tree(loaded.m_document.Tree()) {}
 
 void SceneWriter::Run() {
     Materials();

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "gltf/references.h"
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
+#include "gltf/references.h"
 
 namespace zr {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "gltf/document.h"
 #include "app/services/host.h"
+#include "gltf/document.h"
 
 namespace zr {
 

@@ -61,9 +61,11 @@ void Host::LoadModule() {
     const std::filesystem::path file = FindModule();
     // Never unloaded: objects of the module may live as long as the process.
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) throw std::runtime_error(std::string("the module cannot be loaded: ") + dlerror());
+    if (library == nullptr)
+        throw std::runtime_error(std::string("the module cannot be loaded: ") + dlerror());
     m_parts->entry = reinterpret_cast<ModuleEntry>(dlsym(library, "ZRDLLFunc"));
-    if (m_parts->entry == nullptr) throw std::runtime_error(file.string() + " is no module: it lacks ZRDLLFunc");
+    if (m_parts->entry == nullptr)
+        throw std::runtime_error(file.string() + " is no module: it lacks ZRDLLFunc");
     StartModule(static_cast<HINSTANCE>(library), m_parts->entry);
 }
 
@@ -83,9 +85,13 @@ void Host::FailToCreate(const char* typeName) {
     throw std::runtime_error(std::string("the module offers no extension \"") + typeName + "\"");
 }
 
-void Host::SetView(ViewObject* view) { m_parts->viewWindow.m_view = view; }
+void Host::SetView(ViewObject* view) {
+    m_parts->viewWindow.m_view = view;
+}
 
-std::string Host::TakeReportedError() { return std::exchange(m_reportedError, {}); }
+std::string Host::TakeReportedError() {
+    return std::exchange(m_reportedError, {});
+}
 
 void* Host::LoadModuleStrings(HINSTANCE module) {
     return const_cast<ModuleStrings*>(m_parts->strings.Load(module));

@@ -88,8 +88,7 @@ void PolyBooleanExtension::Workspace::AddContour(const std::vector<std::array<do
     loops.push_back(std::move(loop));
 }
 
-PolyBooleanExtension::PolyBooleanExtension() : m_workspace(std::make_unique<Workspace>()) {
-}
+PolyBooleanExtension::PolyBooleanExtension() : m_workspace(std::make_unique<Workspace>()) {}
 
 PolyBooleanExtension::~PolyBooleanExtension() = default;
 

@@ -116,8 +116,7 @@ void ModuleStrings::LocalizeDialog(HWND dialog) const {
     EnumChildWindows(dialog, LocalizeControl, reinterpret_cast<LPARAM>(this));
 }
 
-StringTables::StringTables(std::string_view language) : m_table(LanguageTable(language).value_or(kEnglish)) {
-}
+StringTables::StringTables(std::string_view language) : m_table(LanguageTable(language).value_or(kEnglish)) {}
 
 const ModuleStrings* StringTables::Load(HINSTANCE module) {
     StringTable english = ReadTable(module, kEnglish);

@@ -19,7 +19,9 @@ double Determinant(const Rows& a) {
            a[0][2] * (a[1][0] * a[2][1] - a[1][1] * a[2][0]);
 }
 
-double Dot(const double (&a)[3], const double (&b)[3]) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double Dot(const double (&a)[3], const double (&b)[3]) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
 
 void Cross(const double (&a)[3], const double (&b)[3], double (&out)[3]) {
     for (int i = 0; i < 3; ++i) out[i] = a[(i + 1) % 3] * b[(i + 2) % 3] - a[(i + 2) % 3] * b[(i + 1) % 3];
@@ -256,6 +258,8 @@ bool Matrix4<double>::Decompose(Vector3<float>& translation, Vector3<float>& rot
     return split.invertible;
 }
 
-void Matrix4<double>::GetRotate(AngleAxis& out) const { out = kernix::SplitAffine(*this).q.ToAngleAxis(); }
+void Matrix4<double>::GetRotate(AngleAxis& out) const {
+    out = kernix::SplitAffine(*this).q.ToAngleAxis();
+}
 
 }  // namespace vl

@@ -14,8 +14,8 @@ M Product(const M& a, const M& b) {
     M r;
     for (int i = 0; i < 4; ++i) {
         for (int j = 0; j < 4; ++j) {
-            r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] +
-                        a.m[i][3] * b.m[3][j];
+            r.m[i][j] =
+                a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] + a.m[i][3] * b.m[3][j];
         }
     }
     return r;
@@ -119,9 +119,13 @@ bool M::Equal(const M& other, double tolerance) const {
     return true;
 }
 
-void M::SetMul(const M& a, const M& b) { *this = Product(a, b); }
+void M::SetMul(const M& a, const M& b) {
+    *this = Product(a, b);
+}
 
-void M::Transform(const M& n) { *this = Product(*this, n); }
+void M::Transform(const M& n) {
+    *this = Product(*this, n);
+}
 
 void M::SetM2(const M& a, const M& b) {
     M inverse = b;
@@ -135,13 +139,27 @@ void M::SetLocalMatrix(const M& parent, const M& world) {
     *this = Product(world, inverse);
 }
 
-void M::Rotate(const AngleAxis& rotation) { Transform(FromRotation(Rotation::From(rotation))); }
-void M::Rotate(const Quaternion& rotation) { Transform(FromRotation(Rotation::From(rotation))); }
-void M::RotateX(double angle) { Transform(FromRotation(Rotation::About(1, 0, 0, angle))); }
-void M::RotateY(double angle) { Transform(FromRotation(Rotation::About(0, 1, 0, angle))); }
-void M::RotateZ(double angle) { Transform(FromRotation(Rotation::About(0, 0, 1, angle))); }
-void M::SetRotate(const AngleAxis& rotation) { *this = FromRotation(Rotation::From(rotation)); }
-void M::SetRotate(const Quaternion& rotation) { *this = FromRotation(Rotation::From(rotation)); }
+void M::Rotate(const AngleAxis& rotation) {
+    Transform(FromRotation(Rotation::From(rotation)));
+}
+void M::Rotate(const Quaternion& rotation) {
+    Transform(FromRotation(Rotation::From(rotation)));
+}
+void M::RotateX(double angle) {
+    Transform(FromRotation(Rotation::About(1, 0, 0, angle)));
+}
+void M::RotateY(double angle) {
+    Transform(FromRotation(Rotation::About(0, 1, 0, angle)));
+}
+void M::RotateZ(double angle) {
+    Transform(FromRotation(Rotation::About(0, 0, 1, angle)));
+}
+void M::SetRotate(const AngleAxis& rotation) {
+    *this = FromRotation(Rotation::From(rotation));
+}
+void M::SetRotate(const Quaternion& rotation) {
+    *this = FromRotation(Rotation::From(rotation));
+}
 
 void M::SetScale(const Vector3<double>& s) {
     IdentityMatrix();

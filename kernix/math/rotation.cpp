@@ -13,7 +13,9 @@ Rotation Rotation::From(const vl::Quaternion& q) {
     return {x / length, y / length, z / length, w / length};
 }
 
-Rotation Rotation::From(const vl::AngleAxis& a) { return About(a.x, a.y, a.z, a.angle); }
+Rotation Rotation::From(const vl::AngleAxis& a) {
+    return About(a.x, a.y, a.z, a.angle);
+}
 
 Rotation Rotation::About(double ax, double ay, double az, double angle) {
     const double length = std::sqrt(ax * ax + ay * ay + az * az);
@@ -83,7 +85,9 @@ namespace vl {
 
 using kernix::Rotation;
 
-Quaternion::Quaternion(const AngleAxis& rotation) { *this = Rotation::From(rotation).ToQuaternion(); }
+Quaternion::Quaternion(const AngleAxis& rotation) {
+    *this = Rotation::From(rotation).ToQuaternion();
+}
 
 Quaternion::Quaternion(const Matrix4<double>& m) {
     AffineParts parts;
@@ -113,8 +117,9 @@ Quaternion::Quaternion(float fraction, const Quaternion& qa, const Quaternion& q
     if (dot < 0) wb = -wb;
     const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
     const double length = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z + sum.w * sum.w);
-    *this = length > 0 ? Rotation{sum.x / length, sum.y / length, sum.z / length, sum.w / length}.ToQuaternion()
-                       : a.ToQuaternion();
+    *this = length > 0
+                ? Rotation{sum.x / length, sum.y / length, sum.z / length, sum.w / length}.ToQuaternion()
+                : a.ToQuaternion();
 }
 
 Quaternion Quaternion::operator*(const Quaternion& other) const {
@@ -134,9 +139,13 @@ void Quaternion::Flip() {
     z = -oldY;
 }
 
-AngleAxis::AngleAxis(const Quaternion& q) { *this = Rotation::From(q).ToAngleAxis(); }
+AngleAxis::AngleAxis(const Quaternion& q) {
+    *this = Rotation::From(q).ToAngleAxis();
+}
 
-AngleAxis::AngleAxis(const Matrix4<double>& m) { m.GetRotate(*this); }
+AngleAxis::AngleAxis(const Matrix4<double>& m) {
+    m.GetRotate(*this);
+}
 
 AngleAxis::AngleAxis(const Vector3<float>& r) {
     const double length = std::sqrt(double{r.x} * r.x + double{r.y} * r.y + double{r.z} * r.z);

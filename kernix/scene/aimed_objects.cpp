@@ -12,7 +12,9 @@ namespace {
 using M = vl::Matrix4<double>;
 using V3 = vl::Vector3<double>;
 
-double Length(const V3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+double Length(const V3& v) {
+    return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+}
 V3 Cross(const V3& a, const V3& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
@@ -27,7 +29,9 @@ V3 TargetIn(NodeModel& node, NodeModel& target, int isStatic) {
     return space.PointTransform(V3{world.m[3][0], world.m[3][1], world.m[3][2]});
 }
 
-NodeModel* NodeOf(vl::zr::Object3D& object) { return static_cast<NodeModel*>(object.m_pNode); }
+NodeModel* NodeOf(vl::zr::Object3D& object) {
+    return static_cast<NodeModel*>(object.m_pNode);
+}
 
 void ChangeTarget(vl::zr::Object3D& object, NodeModel*& current, NodeModel* target) {
     if (current != nullptr) current->Unsubscribe(&object);
@@ -69,9 +73,13 @@ void Aim::GetObjectMatrix(NodeModel& node, M& m) const {
     m.Invert();
 }
 
-LightModel::~LightModel() { ChangeTarget(*this, m_aim.m_target, nullptr); }
+LightModel::~LightModel() {
+    ChangeTarget(*this, m_aim.m_target, nullptr);
+}
 
-vl::zr::Node* LightModel::GetTargetNode() { return m_aim.m_target; }
+vl::zr::Node* LightModel::GetTargetNode() {
+    return m_aim.m_target;
+}
 
 void LightModel::GetObjectMatrix(vl::zr::Node* node, M* m) {
     m_aim.GetObjectMatrix(static_cast<NodeModel&>(*node), *m);
@@ -83,9 +91,13 @@ void LightModel::SetTarget(NodeModel* target) {
     UpdateTargetPosition();
 }
 
-void LightModel::UpdateTargetPosition() { m_vTarget = m_aim.TargetInRestSpace(*NodeOf(*this), 0); }
+void LightModel::UpdateTargetPosition() {
+    m_vTarget = m_aim.TargetInRestSpace(*NodeOf(*this), 0);
+}
 
-CameraModel::~CameraModel() { ChangeTarget(*this, m_aim.m_target, nullptr); }
+CameraModel::~CameraModel() {
+    ChangeTarget(*this, m_aim.m_target, nullptr);
+}
 
 void CameraModel::GetTargetPosition(vl::Vector3<float>* position) {
     *position = m_aim.TargetInRestSpace(*NodeOf(*this), 1);
@@ -95,8 +107,12 @@ void CameraModel::GetObjectMatrix(vl::zr::Node* node, M* m) {
     m_aim.GetObjectMatrix(static_cast<NodeModel&>(*node), *m);
 }
 
-vl::zr::Node* CameraModel::GetTargetNode() { return m_aim.m_target; }
+vl::zr::Node* CameraModel::GetTargetNode() {
+    return m_aim.m_target;
+}
 
-void CameraModel::SetTarget(NodeModel* target) { ChangeTarget(*this, m_aim.m_target, target); }
+void CameraModel::SetTarget(NodeModel* target) {
+    ChangeTarget(*this, m_aim.m_target, target);
+}
 
 }  // namespace kernix

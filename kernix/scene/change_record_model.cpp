@@ -35,7 +35,8 @@ void ChangeRecordModel::RecordNodeRemoval(vl::zr::Node* node, int) {
 }
 
 void ChangeRecordModel::RecordMaterialRemoval(vl::zr::Material* material, int) {
-    Keep(Change::kMaterialRemoval, material, static_cast<MaterialModel*>(material)->GetNameText().value_or(""));
+    Keep(Change::kMaterialRemoval, material,
+         static_cast<MaterialModel*>(material)->GetNameText().value_or(""));
 }
 
 void ChangeRecordModel::RecordAnimationCreation(vl::zr::Scene*, vl::zr::Animation* animation, int) {

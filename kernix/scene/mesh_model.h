@@ -13,8 +13,8 @@ namespace kernix {
 // The geometry of a mesh, shared by all meshes that show it. Either count list may be empty: faces are then
 // triangles and secondary lists pairs.
 struct MeshGeometry {
-    std::vector<float> positions;                // x, y, z a vertex
-    std::vector<std::uint32_t> faceIndices;      // of all faces, one after another
+    std::vector<float> positions;            // x, y, z a vertex
+    std::vector<std::uint32_t> faceIndices;  // of all faces, one after another
     std::vector<std::uint16_t> faceCounts;
     std::vector<std::uint32_t> secondaryIndices;
     std::vector<std::uint16_t> secondaryCounts;

@@ -19,18 +19,24 @@ vl::VarMap* NodeModel::GetMetadata(bool create) {
     return m_metadata.Get();
 }
 
-void NodeModel::GetName(char* buffer, int size) { CopyText(m_name, buffer, size); }
+void NodeModel::GetName(char* buffer, int size) {
+    CopyText(m_name, buffer, size);
+}
 
-void NodeModel::GetNameW(char16_t* buffer, int size) { CopyText(ToUtf16(m_name), buffer, size); }
+void NodeModel::GetNameW(char16_t* buffer, int size) {
+    CopyText(ToUtf16(m_name), buffer, size);
+}
 
 // For example "wheel_left, 3 children, 24 vertices, 12 faces".
 void NodeModel::GetDescription(char* buffer, int size) {
     std::string text = m_name.empty() ? "unnamed" : m_name;
     int children = 0;
-    for (const vl::zr::Node* child = m_pFirstChild; child != nullptr; child = child->m_pNextSibling) ++children;
+    for (const vl::zr::Node* child = m_pFirstChild; child != nullptr; child = child->m_pNextSibling)
+        ++children;
     if (children != 0) text += ", " + std::to_string(children) + (children == 1 ? " child" : " children");
     if (const auto* mesh = dynamic_cast<const vl::zr::Mesh*>(m_pObject)) {
-        text += ", " + std::to_string(mesh->m_nVertices) + " vertices, " + std::to_string(mesh->m_nFaces) + " faces";
+        text += ", " + std::to_string(mesh->m_nVertices) + " vertices, " + std::to_string(mesh->m_nFaces) +
+                " faces";
     }
     CopyText(text, buffer, size + 1);
 }
@@ -56,7 +62,9 @@ void NodeModel::GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) {
     }
 }
 
-void NodeModel::GetWorldMatrix(vl::Matrix4<double>* m, int isStatic) { *m = World(isStatic); }
+void NodeModel::GetWorldMatrix(vl::Matrix4<double>* m, int isStatic) {
+    *m = World(isStatic);
+}
 
 // Walks up to the nearest ancestor whose transform is known, and down again: each node is computed once for
 // each state of the scene, at any depth.
@@ -80,7 +88,9 @@ const vl::Matrix4<double>& NodeModel::World(int isStatic) {
     return m_worlds[which]->matrix;
 }
 
-void NodeModel::Delete(int) { m_scene.RemoveNode(*this); }
+void NodeModel::Delete(int) {
+    m_scene.RemoveNode(*this);
+}
 
 vl::zr::Object3D* NodeModel::GetObjectOfKind(int kind) {
     return m_pObject != nullptr && m_pObject->IsKindOf(kind) ? m_pObject : nullptr;

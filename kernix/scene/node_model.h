@@ -74,14 +74,14 @@ private:
     SceneModel& m_scene;
     std::string m_name;
     NodeModel* m_parent = nullptr;
-    NodeModel* m_previous = nullptr;   // sibling
+    NodeModel* m_previous = nullptr;  // sibling
     NodeModel* m_lastChild = nullptr;
-    std::size_t m_number = 0;          // of all nodes the scene ever had
+    std::size_t m_number = 0;  // of all nodes the scene ever had
     bool m_deleted = false;
     Pose m_restPose;
     // A scene has many nodes and few of them use any of these, so a node holds matrices only on demand.
     std::unique_ptr<vl::Matrix4<double>> m_restMatrix;  // null: the one of the pose
-    std::unique_ptr<CachedWorld> m_worlds[2];           // at the current time, at rest; null: not asked for yet
+    std::unique_ptr<CachedWorld> m_worlds[2];  // at the current time, at rest; null: not asked for yet
     std::unique_ptr<vl::Matrix4<double>> m_objectOffset;
     vl::Ref<vl::zr::Object3D> m_object;
     vl::Ref<vl::VarMap> m_metadata;

@@ -8,7 +8,8 @@
 namespace kernix {
 
 // How many elements before a given one have left a list that only grows at its end: a tree of partial sums,
-// each call in logarithmic time (P. M. Fenwick, "A new data structure for cumulative frequency tables", 1994).
+// each call in logarithmic time (P. M. Fenwick, "A new data structure for cumulative frequency tables",
+// 1994).
 class RemovalCounts {
 public:
     void Append() {

@@ -18,22 +18,30 @@ std::pair<float, float> SceneModel::GetRange(const vl::zr::Animation* animation)
         for (vl::zr::Track* track : one.Tracks()) {
             const auto keys = track->GetRange();
             if (!keys) continue;
-            range = range ? std::pair(std::min(range->first, keys->first), std::max(range->second, keys->second))
-                          : *keys;
+            range =
+                range ? std::pair(std::min(range->first, keys->first), std::max(range->second, keys->second))
+                      : *keys;
         }
     };
     if (animation == nullptr) animation = m_activeAnimation;
     if (animation != nullptr) {
         widen(static_cast<const AnimationModel&>(*animation));
     } else {
-        for (auto* each : vl::ArrayOf<vl::zr::Animation*>(m_pAnimations)) widen(static_cast<AnimationModel&>(*each));
+        for (auto* each : vl::ArrayOf<vl::zr::Animation*>(m_pAnimations))
+            widen(static_cast<AnimationModel&>(*each));
     }
     return range.value_or(std::pair(0.0f, 0.0f));
 }
 
-double SceneModel::GetAnimationTime(vl::zr::Animation* animation) { return double{GetRange(animation).second}; }
-float SceneModel::GetStartTime(vl::zr::Animation* animation) { return GetRange(animation).first; }
-float SceneModel::GetEndTime(vl::zr::Animation* animation) { return GetRange(animation).second; }
+double SceneModel::GetAnimationTime(vl::zr::Animation* animation) {
+    return double{GetRange(animation).second};
+}
+float SceneModel::GetStartTime(vl::zr::Animation* animation) {
+    return GetRange(animation).first;
+}
+float SceneModel::GetEndTime(vl::zr::Animation* animation) {
+    return GetRange(animation).second;
+}
 
 int SceneModel::IsAnimated() {
     for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(m_pAnimations)) {
@@ -55,9 +63,10 @@ bool SceneModel::DeleteAnimation(vl::zr::Animation* animation) {
     for (const auto& viewport : m_viewports) viewport->RemoveAnimation(animation);
     static_cast<AnimationModel*>(animation)->DropTracks();
     if (m_activeAnimation == animation) {
-        m_activeAnimation = m_pAnimations->m_nCount != 0
-                                ? static_cast<AnimationModel*>(vl::ArrayOf<vl::zr::Animation*>(m_pAnimations)[0])
-                                : nullptr;
+        m_activeAnimation =
+            m_pAnimations->m_nCount != 0
+                ? static_cast<AnimationModel*>(vl::ArrayOf<vl::zr::Animation*>(m_pAnimations)[0])
+                : nullptr;
     }
     TransformsChanged();
     return true;
@@ -76,7 +85,9 @@ void SceneModel::ForEachAnimationItem(vl::zr::Animation* animation, vl::zr::Anim
     }
 }
 
-void AnimationModel::GetNameW(char16_t* buffer, int size) { CopyText(m_name, buffer, size); }
+void AnimationModel::GetNameW(char16_t* buffer, int size) {
+    CopyText(m_name, buffer, size);
+}
 
 void AnimationModel::DropTracks() {
     const std::vector<vl::zr::Track*> tracks = std::move(m_tracks);

@@ -97,7 +97,9 @@ void SceneModel::SetSelector(NodeModel* node, vl::zr::Node* selected) {
     }
 }
 
-MaterialModel* SceneModel::MergedInto(MaterialModel* material) const { return m_mergedInto[material->GetId()]; }
+MaterialModel* SceneModel::MergedInto(MaterialModel* material) const {
+    return m_mergedInto[material->GetId()];
+}
 
 void SceneModel::TransformsChanged() {
     ++m_restState;
@@ -171,7 +173,9 @@ vl::Array* SceneModel::GetObjectsOfKind(int kind) {
     return found;
 }
 
-ChangeRecord* SceneModel::CreateChangeRecord(int) { return new ChangeRecordModel; }
+ChangeRecord* SceneModel::CreateChangeRecord(int) {
+    return new ChangeRecordModel;
+}
 
 void SceneModel::RemoveMaterial(vl::zr::Material* material) {
     m_pMaterials->RemoveAt(m_pMaterials->IndexOf(vl::ToWord(material)));

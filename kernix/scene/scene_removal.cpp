@@ -22,7 +22,9 @@ void SceneModel::Unlink(NodeModel& node) {
     auto* next = static_cast<NodeModel*>(node.m_pNextSibling);
     vl::zr::Node*& first = parent != nullptr ? parent->m_pFirstChild : m_pFirstNode;
     (node.m_previous != nullptr ? node.m_previous->m_pNextSibling : first) = next;
-    (next != nullptr ? next->m_previous : parent != nullptr ? parent->m_lastChild : m_lastNode) = node.m_previous;
+    (next != nullptr     ? next->m_previous
+     : parent != nullptr ? parent->m_lastChild
+                         : m_lastNode) = node.m_previous;
     if (auto* selector = dynamic_cast<vl::zr::Selector*>(node.m_pOwner)) {
         selector->m_pFirstChild = first;
         if (selector->m_pSelectedChild == &node) selector->m_pSelectedChild = nullptr;
@@ -41,7 +43,8 @@ void SceneModel::RemoveNode(NodeModel& node) {
     while (!open.empty()) {
         NodeModel* gone = open.back();
         open.pop_back();
-        for (NodeModel* child = gone->m_lastChild; child != nullptr; child = child->m_previous) open.push_back(child);
+        for (NodeModel* child = gone->m_lastChild; child != nullptr; child = child->m_previous)
+            open.push_back(child);
         gone->m_deleted = true;
         TakeFromList(*gone);
         ReleaseSubscribers(*gone);

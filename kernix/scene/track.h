@@ -10,7 +10,7 @@
 namespace kernix {
 class AnimationModel;
 class TrackList;
-}
+}  // namespace kernix
 
 namespace vl::zr {
 

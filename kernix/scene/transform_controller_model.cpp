@@ -23,7 +23,9 @@ TransformControllerModel::TransformControllerModel(NodeModel& node)
     : TrackedController(node.GetScene()), m_node(node) {}
 
 // The caller may go on to change keys, so everything that depends on them is made anew from here on.
-void TransformControllerModel::Changed() { m_node.GetScene().TransformsChanged(); }
+void TransformControllerModel::Changed() {
+    m_node.GetScene().TransformsChanged();
+}
 
 vl::zr::RotationKey* TransformControllerModel::AddRotationKey(float time, vl::zr::Track* track) {
     TransformTrack* resolved = Resolve(track);

@@ -94,18 +94,28 @@ RotationKeyModel* TransformTrack::AddRotation(float time) {
 
 void TransformTrack::Reserve(int keyType, std::size_t count) {
     switch (keyType) {
-        case vl::zr::kKeyPosition: m_positions.reserve(m_positions.size() + count); break;
-        case vl::zr::kKeyRotation: m_rotations.reserve(m_rotations.size() + count); break;
-        default: m_scales.reserve(m_scales.size() + count); break;
+        case vl::zr::kKeyPosition:
+            m_positions.reserve(m_positions.size() + count);
+            break;
+        case vl::zr::kKeyRotation:
+            m_rotations.reserve(m_rotations.size() + count);
+            break;
+        default:
+            m_scales.reserve(m_scales.size() + count);
+            break;
     }
 }
 
 int TransformTrack::Count(int keyType) const {
     switch (keyType) {
-        case vl::zr::kKeyPosition: return static_cast<int>(m_positions.size());
-        case vl::zr::kKeyRotation: return static_cast<int>(m_rotations.size());
-        case vl::zr::kKeyScale: return static_cast<int>(m_scales.size());
-        default: return 0;
+        case vl::zr::kKeyPosition:
+            return static_cast<int>(m_positions.size());
+        case vl::zr::kKeyRotation:
+            return static_cast<int>(m_rotations.size());
+        case vl::zr::kKeyScale:
+            return static_cast<int>(m_scales.size());
+        default:
+            return 0;
     }
 }
 
@@ -113,27 +123,42 @@ vl::zr::Key* TransformTrack::Get(int keyType, int index) const {
     if (index < 0 || index >= Count(keyType)) return nullptr;
     const auto i = static_cast<std::size_t>(index);
     switch (keyType) {
-        case vl::zr::kKeyPosition: return m_positions[i].get();
-        case vl::zr::kKeyRotation: return m_rotations[i].get();
-        default: return m_scales[i].get();
+        case vl::zr::kKeyPosition:
+            return m_positions[i].get();
+        case vl::zr::kKeyRotation:
+            return m_rotations[i].get();
+        default:
+            return m_scales[i].get();
     }
 }
 
 void TransformTrack::Remove(int keyType, int index) {
     if (index < 0 || index >= Count(keyType)) return;
     switch (keyType) {
-        case vl::zr::kKeyPosition: m_positions.erase(m_positions.begin() + index); break;
-        case vl::zr::kKeyRotation: m_rotations.erase(m_rotations.begin() + index); break;
-        default: m_scales.erase(m_scales.begin() + index); break;
+        case vl::zr::kKeyPosition:
+            m_positions.erase(m_positions.begin() + index);
+            break;
+        case vl::zr::kKeyRotation:
+            m_rotations.erase(m_rotations.begin() + index);
+            break;
+        default:
+            m_scales.erase(m_scales.begin() + index);
+            break;
     }
     Changed();
 }
 
 void TransformTrack::Clear(int keyType) {
     switch (keyType) {
-        case vl::zr::kKeyPosition: m_positions.clear(); break;
-        case vl::zr::kKeyRotation: m_rotations.clear(); break;
-        default: m_scales.clear(); break;
+        case vl::zr::kKeyPosition:
+            m_positions.clear();
+            break;
+        case vl::zr::kKeyRotation:
+            m_rotations.clear();
+            break;
+        default:
+            m_scales.clear();
+            break;
     }
     Changed();
 }
@@ -203,7 +228,9 @@ Rotation TransformTrack::EvaluateRotation(float time, const Pose& rest) const {
         return orientations[next - 1].Times(Rotation::About(step.x, step.y, step.z, step.angle * s));
     }
     if (a.m_type == vl::zr::kRotationEuler && b.m_type == vl::zr::kRotationEuler && a.m_order == b.m_order) {
-        const auto mix = [&](float from, float to) { return static_cast<float>(from + (double{to} - from) * s); };
+        const auto mix = [&](float from, float to) {
+            return static_cast<float>(from + (double{to} - from) * s);
+        };
         return Rotation::From(RotationKeyModel::FromEuler(
             {mix(a.m_euler.x, b.m_euler.x), mix(a.m_euler.y, b.m_euler.y), mix(a.m_euler.z, b.m_euler.z)},
             b.m_order));
@@ -299,10 +326,17 @@ vl::Quaternion RotationKeyModel::FromEuler(const vl::Vector3<float>& angles, int
     Rotation result;
     for (int i = 0; i < 3; ++i, order >>= 2) {
         switch (order & 3) {
-            case 0: result = result.Times(Rotation::About(1, 0, 0, angles.x)); break;
-            case 1: result = result.Times(Rotation::About(0, 1, 0, angles.y)); break;
-            case 2: result = result.Times(Rotation::About(0, 0, 1, angles.z)); break;
-            default: break;
+            case 0:
+                result = result.Times(Rotation::About(1, 0, 0, angles.x));
+                break;
+            case 1:
+                result = result.Times(Rotation::About(0, 1, 0, angles.y));
+                break;
+            case 2:
+                result = result.Times(Rotation::About(0, 0, 1, angles.z));
+                break;
+            default:
+                break;
         }
     }
     return result.ToQuaternion();

@@ -48,8 +48,7 @@ GlyphOutline::GlyphOutline(double toleranceAngle, double size)
     : flatnessLimit(
           std::cos(std::numbers::pi / 2 -
                    (toleranceAngle <= std::numbers::pi / 2 ? toleranceAngle : std::numbers::pi / 2))),
-      scale(size / 12.0) {
-}
+      scale(size / 12.0) {}
 
 bool GlyphOutline::ParseNativeOutline(const BYTE* buffer, std::size_t byteCount) {
     std::vector<GlyphPoint> points;

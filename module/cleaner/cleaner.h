@@ -100,7 +100,7 @@ private:
     zrt::MeshIndex m_dupIndex;             // meshes seen by RemoveMeshDupes; empty between runs
     HANDLE m_hEvent = nullptr;             // of one call handed to the interface thread
     std::atomic<InterfaceCall> m_call = InterfaceCall::kNone;
-    bool m_bStarted = false;               // a run was started in this dialog; interface thread only
+    bool m_bStarted = false;  // a run was started in this dialog; interface thread only
 };
 
 // A new cleaner whose one count belongs to the caller, or null when there is no memory.

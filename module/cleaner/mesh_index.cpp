@@ -79,8 +79,7 @@ MeshKey::MeshKey(const Mesh& mesh)
       secondary(mesh.m_nSecondary),
       format(mesh.m_nFormat),
       hasFaceAttributes(mesh.m_pFaceAttributes != nullptr ? 1 : 0),
-      zero{} {
-}
+      zero{} {}
 
 bool GeometryEqual(const Mesh* a, const Mesh* b) {
     if (a == nullptr || b == nullptr) return false;

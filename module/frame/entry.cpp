@@ -46,13 +46,18 @@ vl::Word Create(const char* name) {
 
 vl::Word ZRDLLFunc(std::uint32_t command, vl::Word arg, vl::Word arg2) {
     switch (command) {
-        case ZRDLL_INIT: return Initialise(vl::FromWord<HostApp*>(arg), vl::FromWord<HINSTANCE>(arg2));
+        case ZRDLL_INIT:
+            return Initialise(vl::FromWord<HostApp*>(arg), vl::FromWord<HINSTANCE>(arg2));
         case ZRDLL_VERSION:
             if (arg != 0) g_nHostVersion = static_cast<std::uint32_t>(arg);
             return ZRDLL_SDK_VERSION;
-        case ZRDLL_GETVERSIONSTRING: return CopyOut(kVersion, vl::FromWord<char16_t*>(arg));
-        case ZRDLL_GETDESCRIPTION: return Description(vl::FromWord<char16_t*>(arg));
-        case ZRDLL_CREATE: return Create(vl::FromWord<const char*>(arg));
-        default: return 0;
+        case ZRDLL_GETVERSIONSTRING:
+            return CopyOut(kVersion, vl::FromWord<char16_t*>(arg));
+        case ZRDLL_GETDESCRIPTION:
+            return Description(vl::FromWord<char16_t*>(arg));
+        case ZRDLL_CREATE:
+            return Create(vl::FromWord<const char*>(arg));
+        default:
+            return 0;
     }
 }

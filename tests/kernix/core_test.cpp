@@ -129,7 +129,8 @@ TEST(Extension, ParametersCountByTypeAndAreCopied) {
 TEST(Stream, ReadsResourcesThatLoadAsXml) {
     kernix::SetResourceReader([](HINSTANCE, std::string_view type, std::string_view name) {
         return type == "ZRDATA" && name == "DOC"
-                   ? std::optional<std::string>("<?xml version=\"1.0\"?><!-- c --><A><B x=\"1\"/><B x=\"&lt;\"/></A>")
+                   ? std::optional<std::string>(
+                         "<?xml version=\"1.0\"?><!-- c --><A><B x=\"1\"/><B x=\"&lt;\"/></A>")
                    : std::nullopt;
     });
     vl::String name;
@@ -145,12 +146,12 @@ TEST(Stream, ReadsResourcesThatLoadAsXml) {
     EXPECT_EQ(vl::Stream::Create(nullptr, name, 2), nullptr);
     kernix::SetResourceReader(nullptr);
 
-    for (const std::string& broken : {std::string("<A><B></A>"), std::string(), std::string("text"),
-                                      std::string(100000, '<'), [] {
-                                          std::string deep;
-                                          for (int i = 0; i < 50000; ++i) deep += "<a>";
-                                          return deep;
-                                      }()}) {
+    for (const std::string& broken :
+         {std::string("<A><B></A>"), std::string(), std::string("text"), std::string(100000, '<'), [] {
+              std::string deep;
+              for (int i = 0; i < 50000; ++i) deep += "<a>";
+              return deep;
+          }()}) {
         const auto bad = Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
         bad->Write(broken.data(), broken.size());
         bad->Seek(0, 0);

@@ -17,7 +17,9 @@ using vl::Ref;
 using M = vl::Matrix4<double>;
 using V3f = vl::Vector3<float>;
 
-Ref<SceneModel> NewScene() { return Ref<SceneModel>::Adopt(new SceneModel); }
+Ref<SceneModel> NewScene() {
+    return Ref<SceneModel>::Adopt(new SceneModel);
+}
 
 M World(NodeModel* node, int isStatic) {
     M m;
@@ -120,7 +122,8 @@ TEST(Scene, AimedObjectsLookAtTheirTargetAtEveryTime) {
         const auto place = shown.PointTransform(vl::Vector3<double>{0, 0, 0});
         const auto ahead = shown.VectorTransform(vl::Vector3<double>{0, 0, -1});
         const M goal = World(target, 0);
-        const double distance = std::hypot(goal.m[3][0] - place.x, goal.m[3][1] - place.y, goal.m[3][2] - place.z);
+        const double distance =
+            std::hypot(goal.m[3][0] - place.x, goal.m[3][1] - place.y, goal.m[3][2] - place.z);
         EXPECT_NEAR(place.x + ahead.x * distance, goal.m[3][0], 1e-5);
         EXPECT_NEAR(place.y + ahead.y * distance, goal.m[3][1], 1e-5);
         EXPECT_NEAR(place.z + ahead.z * distance, goal.m[3][2], 1e-5);

@@ -49,7 +49,8 @@ protected:
     }
 
     Ref<vl::Extension> Create(const char* name) {
-        return Ref<vl::Extension>::Adopt(vl::FromWord<vl::Extension*>(ZRDLLFunc(ZRDLL_CREATE, vl::ToWord(name), 0)));
+        return Ref<vl::Extension>::Adopt(
+            vl::FromWord<vl::Extension*>(ZRDLLFunc(ZRDLL_CREATE, vl::ToWord(name), 0)));
     }
 
     StringHost m_host;
@@ -64,7 +65,8 @@ TEST_F(Entry, InitialisesAndTellsAboutItself) {
     const auto handle = reinterpret_cast<HINSTANCE>(&module);
     EXPECT_EQ(m_host.StartModule(handle, ZRDLLFunc), 5u);
     EXPECT_EQ(m_host.m_module, handle);
-    EXPECT_EQ(m_host.m_registered, (std::vector<std::string>{"TKSAVE", "CADTEXT", kTypeAnimManager, kTypeCleaner}));
+    EXPECT_EQ(m_host.m_registered,
+              (std::vector<std::string>{"TKSAVE", "CADTEXT", kTypeAnimManager, kTypeCleaner}));
     EXPECT_EQ(ZRDLLFunc(ZRDLL_GETDESCRIPTION, vl::ToWord(text + 0), 0), 1u);
     EXPECT_EQ(std::u16string(text), u"what it is");
 
@@ -87,7 +89,8 @@ TEST_F(Entry, KeepsTheHostsVersion) {
 
 TEST_F(Entry, CreatesByExactName) {
     m_host.StartModule(nullptr, ZRDLLFunc);
-    for (const char* unknown : {"tksave", "TKSAVE ", "TKSAV", "", "zr_extension"}) EXPECT_FALSE(Create(unknown)) << unknown;
+    for (const char* unknown : {"tksave", "TKSAVE ", "TKSAV", "", "zr_extension"})
+        EXPECT_FALSE(Create(unknown)) << unknown;
     EXPECT_EQ(ZRDLLFunc(ZRDLL_CREATE, 0, 0), 0u);
     for (const char* name : {"TKSAVE", "CADTEXT", kTypeAnimManager, kTypeCleaner}) {
         const auto first = Create(name);

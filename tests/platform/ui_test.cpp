@@ -53,9 +53,7 @@ protected:
         return s_test->m_answer(message);
     }
 
-    static BOOL CALLBACK CountChild(HWND, LPARAM count) {
-        return ++*reinterpret_cast<int*>(count) < 20;
-    }
+    static BOOL CALLBACK CountChild(HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count) < 20; }
 
     std::vector<WPARAM> Commands() const {
         std::vector<WPARAM> commands;

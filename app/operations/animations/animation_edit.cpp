@@ -2,7 +2,6 @@
 #include "app/operations/animations/animation_edit.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/text.h"
 #include "host/anim_manager.h"
@@ -10,7 +9,6 @@
 #include "kernix/utf.h"
 
 namespace zr {
-
 
 std::string HolderName(const kernix::NodeModel& node) {
     if (!node.GetNameText().empty()) return Join("node \"", node.GetNameText(), "\"");
@@ -81,10 +79,6 @@ std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animat
                                      : "nothing in the scene shows what it moves"));
     }
     return lines;
-}
-
-void PrintNotes(const char* label, const std::vector<std::string>& lines) {
-    for (const std::string& line : lines) std::fprintf(stderr, "zr: %s: %s\n", label, line.c_str());
 }
 
 }  // namespace zr

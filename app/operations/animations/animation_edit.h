@@ -38,7 +38,4 @@ void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const A
 // scene's tracks goes without them.
 std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animations& animations);
 
-// Prints each line to standard error, after the label.
-void PrintNotes(const char* label, const std::vector<std::string>& lines);
-
 }  // namespace zr

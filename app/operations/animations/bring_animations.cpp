@@ -7,8 +7,8 @@
 #include <unordered_map>
 
 #include "app/commands/animation_choice.h"
-#include "gltf/accessor.h"
 #include "base/text.h"
+#include "gltf/accessor.h"
 
 namespace zr {
 namespace {

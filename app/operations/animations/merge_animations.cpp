@@ -6,8 +6,8 @@
 #include <limits>
 #include <stdexcept>
 
-#include "base/text.h"
 #include "app/scene/curves.h"
+#include "base/text.h"
 #include "kernix/utf.h"
 
 namespace zr {

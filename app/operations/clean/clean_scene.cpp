@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/text.h"
 #include "app/scene/loaded_scene.h"
+#include "base/text.h"
 #include "host/params.h"
 #include "kernix/scene/change_record_model.h"
 #include "kernix/utf.h"
@@ -283,8 +283,7 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
         Round round(std::move(document), cleaner, environment, context, sceneOptions, result);
         for (std::size_t step = 0; step < kCleanSteps && !context->IsBreak(); ++step) {
             if (allowed[step]) round.Run(step);
-            progress(kSceneMade +
-                     (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
+            progress(kSceneMade + (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
         }
         if (context->IsBreak()) return result;
         result.held.clear();

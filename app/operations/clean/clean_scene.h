@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "gltf/collect.h"
 #include "app/services/environment_helper.h"
+#include "gltf/collect.h"
 #include "host/cleaner.h"
 #include "host/context.h"
 

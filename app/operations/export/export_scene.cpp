@@ -20,9 +20,10 @@
 namespace zr {
 namespace {
 
-// Runs the tools on the animation with its curves as these need them, and compares with the curves as they are.
-Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation, const ExportOptions& options,
-                   Curves curves, MotionReport& report) {
+// Runs the tools on the animation with its curves as these need them, and compares with the curves as they
+// are.
+Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
+                   const ExportOptions& options, Curves curves, MotionReport& report) {
     const std::vector<TrackKeys> before = BakeCurves(scene, animation, options, curves);
     const Tool tool = RunTool(host, scene, &animation, options);
     PutBack(scene, before);
@@ -30,13 +31,13 @@ Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel
     return tool;
 }
 
-// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks for
-// the records that fit all the others; it is to be deleted again.
+// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks
+// for the records that fit all the others; it is to be deleted again.
 kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
     kernix::AnimationModel* all = scene.AddAnimation(u"");
     for (auto* plain : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
-        auto* controller =
-            static_cast<kernix::TransformControllerModel*>(plain->GetController(vl::zr::kControllerTransform));
+        auto* controller = static_cast<kernix::TransformControllerModel*>(
+            plain->GetController(vl::zr::kControllerTransform));
         if (controller == nullptr) continue;
         vl::zr::Track* fullest = nullptr;
         for (auto* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
@@ -53,8 +54,8 @@ kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
 
 }  // namespace
 
-MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
-                         std::string* renameMap) {
+MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                         const ExportProgress& progress, std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
@@ -77,9 +78,10 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
         const std::size_t addedBefore = added.size();
         CollectAddedKeys(tool, *animations[i], added);
         if (!SameStructure(records, tool) && (added.size() != addedBefore || !KeysFit(tool, records))) {
-            throw std::runtime_error("the animation \"" + kernix::ToUtf8(animations[i]->m_name) +
-                                     "\" needs other nodes than the others with these options: export them one by one "
-                                     "with --animation");
+            throw std::runtime_error(
+                "the animation \"" + kernix::ToUtf8(animations[i]->m_name) +
+                "\" needs other nodes than the others with these options: export them one by one "
+                "with --animation");
         }
         TakeBackKeys(tool, scene, *animations[i], options);
     }
@@ -96,14 +98,15 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     return report;
 }
 
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file,
-                           std::string* renameMap) {
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                           const std::filesystem::path& file, std::string* renameMap) {
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
     MotionReport report;
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);
-    const Tool tool = animation != nullptr ? RunAndCompare(host, loaded.Scene(), *animation, options, Curves::kStraight, report)
+    const Tool tool = animation != nullptr ? RunAndCompare(host, loaded.Scene(), *animation, options,
+                                                           Curves::kStraight, report)
                                            : RunTool(host, loaded.Scene(), nullptr, options);
     if (renameMap != nullptr) *renameMap = RenameMap(tool);
     WriteRecordJson(tool, options, file);

@@ -17,11 +17,13 @@ using ExportProgress = std::function<void(double)>;
 
 // Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
 // nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
-// when keys that cannot be read would have to change, and when nothing is to be exported. renameMap: null, or receives the text of the map (RenameMap).
-MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress,
-                         std::string* renameMap = nullptr);
+// when keys that cannot be read would have to change, and when nothing is to be exported. renameMap: null, or
+// receives the text of the map (RenameMap).
+MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                         const ExportProgress& progress, std::string* renameMap = nullptr);
 
 // The same for the active animation, as the records themselves.
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, const std::filesystem::path& file, std::string* renameMap = nullptr);
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                           const std::filesystem::path& file, std::string* renameMap = nullptr);
 
 }  // namespace zr

@@ -67,7 +67,8 @@ bool IsCubic(vl::Array* track) {
     return !keys.IsEmpty() && static_cast<int>(keys[0]->fParams[0]) == vl::zr::kInterpolationCubic;
 }
 
-// The record's transform relative to its parent, at a time of the scene and the same one of the exported range.
+// The record's transform relative to its parent, at a time of the scene and the same one of the exported
+// range.
 Matrix LocalAt(const ExportNode& record, float sceneTime, float time) {
     if (record.pPosKeys == nullptr && record.pRotKeys == nullptr && record.pScaleKeys == nullptr)
         return record.mLocal;
@@ -121,8 +122,10 @@ double Distance(const Matrix& a, const Matrix& b) {
     return greatest;
 }
 
-// Times at even distances, and those of the keys, which are the ones that dropping keys moves most; of many, some.
-std::vector<float> ComparedTimes(kernix::SceneModel& scene, const kernix::AnimationModel& animation, std::size_t most) {
+// Times at even distances, and those of the keys, which are the ones that dropping keys moves most; of many,
+// some.
+std::vector<float> ComparedTimes(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
+                                 std::size_t most) {
     std::vector<float> keys;
     for (vl::zr::Track* plain : animation.Tracks()) {
         const auto* track = dynamic_cast<kernix::TransformTrack*>(plain);

@@ -14,9 +14,9 @@ struct MotionReport {
     std::size_t keysAfter = 0;
     double deviation =
         0;  // the greatest, scene units: of a node's origin and of the points one unit along its axes
-    double time = 0;        // seconds of the scene's time
-    std::string node;       // where; empty when nothing was compared
-    std::string animation;  // of the node's motion
+    double time = 0;         // seconds of the scene's time
+    std::string node;        // where; empty when nothing was compared
+    std::string animation;   // of the node's motion
     std::string unreadKeys;  // which keys could not be read and go out as they are; empty: none
 };
 

@@ -34,7 +34,9 @@ public:
     }
 
 private:
-    void Put(Json& object, std::string_view name, float value) { m_tree.Member(object, name) = m_tree.MakeNumber(value); }
+    void Put(Json& object, std::string_view name, float value) {
+        m_tree.Member(object, name) = m_tree.MakeNumber(value);
+    }
     void Put(Json& object, std::string_view name, std::initializer_list<float> values) {
         m_tree.Member(object, name) = m_tree.MakeNumbers(std::vector<float>(values));
     }
@@ -60,7 +62,8 @@ private:
         PutInt(node, "parent", record.pParent != nullptr ? m_index[record.pParent] : -1);
         m_tree.Member(node, "flags") = m_tree.MakeIndex(record.dwFlags);
         Put(node, "position", {record.vPosition.x, record.vPosition.y, record.vPosition.z});
-        Put(node, "rotation", {record.qRotation.x, record.qRotation.y, record.qRotation.z, record.qRotation.w});
+        Put(node, "rotation",
+            {record.qRotation.x, record.qRotation.y, record.qRotation.z, record.qRotation.w});
         Put(node, "scale", {record.vScale.x, record.vScale.y, record.vScale.z});
         if (!(record.vPivot == vl::Vector3<float>())) {
             Put(node, "pivot", {record.vPivot.x, record.vPivot.y, record.vPivot.z});
@@ -69,9 +72,12 @@ private:
         PutMatrix(node, "world", record.mWorld);
         PutInt(node, "source", SourceOf(record));
         if (record.pTarget != nullptr) PutInt(node, "target", m_index[record.pTarget]);
-        m_tree.Member(node, "positionKeys") = Keys(record, vl::zr::kKeyPosition, record.pPosKeys, &Tools::GetPositionKey);
-        m_tree.Member(node, "rotationKeys") = Keys(record, vl::zr::kKeyRotation, record.pRotKeys, &Tools::GetRotationKey);
-        m_tree.Member(node, "scaleKeys") = Keys(record, vl::zr::kKeyScale, record.pScaleKeys, &Tools::GetScaleKey);
+        m_tree.Member(node, "positionKeys") =
+            Keys(record, vl::zr::kKeyPosition, record.pPosKeys, &Tools::GetPositionKey);
+        m_tree.Member(node, "rotationKeys") =
+            Keys(record, vl::zr::kKeyRotation, record.pRotKeys, &Tools::GetRotationKey);
+        m_tree.Member(node, "scaleKeys") =
+            Keys(record, vl::zr::kKeyScale, record.pScaleKeys, &Tools::GetScaleKey);
         return node;
     }
 

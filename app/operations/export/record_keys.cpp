@@ -45,9 +45,12 @@ Curve ToCurve(vl::Array* rotations, const ExportRotationKey*) {
 // The keys of a record's track; nothing where the record has none of the type.
 Curve KeysOf(const ExportNode& record, int keyType) {
     switch (keyType) {
-        case vl::zr::kKeyPosition: return ToCurve(record.pPosKeys, static_cast<ExportPositionKey*>(nullptr));
-        case vl::zr::kKeyScale: return ToCurve(record.pScaleKeys, static_cast<ExportScaleKey*>(nullptr));
-        default: return ToCurve(record.pRotKeys, static_cast<ExportRotationKey*>(nullptr));
+        case vl::zr::kKeyPosition:
+            return ToCurve(record.pPosKeys, static_cast<ExportPositionKey*>(nullptr));
+        case vl::zr::kKeyScale:
+            return ToCurve(record.pScaleKeys, static_cast<ExportScaleKey*>(nullptr));
+        default:
+            return ToCurve(record.pRotKeys, static_cast<ExportRotationKey*>(nullptr));
     }
 }
 
@@ -72,14 +75,16 @@ bool IsUnchanged(const Curve& exported, const TransformTrack& track, int keyType
             track.Rotations()[i]->GetQuaternion(&q);
             if (!(q == vl::Quaternion(value[0], value[1], value[2], value[3]))) return false;
         } else {
-            const auto& v = keyType == vl::zr::kKeyPosition ? track.Positions()[i]->m_value : track.Scales()[i]->m_value;
+            const auto& v =
+                keyType == vl::zr::kKeyPosition ? track.Positions()[i]->m_value : track.Scales()[i]->m_value;
             if (!(v == vl::Vector3<float>{value[0], value[1], value[2]})) return false;
         }
     }
     return true;
 }
 
-// A motion that the tools do not extract (one rotation key alone) is a pose: it stays, where the record stands.
+// A motion that the tools do not extract (one rotation key alone) is a pose: it stays, where the record
+// stands.
 Curve PoseCurve(const TransformTrack& track, int keyType, const vl::Matrix4<double>& local, float time) {
     Curve curve;
     if (track.Count(keyType) == 0) return curve;
@@ -87,9 +92,15 @@ Curve PoseCurve(const TransformTrack& track, int keyType, const vl::Matrix4<doub
     local.AffineDecompose(parts);
     curve.times = {time};
     switch (keyType) {
-        case vl::zr::kKeyPosition: curve.values = {parts.t.x, parts.t.y, parts.t.z}; break;
-        case vl::zr::kKeyScale: curve.values = {parts.k.x * parts.f, parts.k.y * parts.f, parts.k.z * parts.f}; break;
-        default: curve.values = {parts.q.x, parts.q.y, parts.q.z, parts.q.w}; break;
+        case vl::zr::kKeyPosition:
+            curve.values = {parts.t.x, parts.t.y, parts.t.z};
+            break;
+        case vl::zr::kKeyScale:
+            curve.values = {parts.k.x * parts.f, parts.k.y * parts.f, parts.k.z * parts.f};
+            break;
+        default:
+            curve.values = {parts.q.x, parts.q.y, parts.q.z, parts.q.w};
+            break;
     }
     return curve;
 }
@@ -113,7 +124,8 @@ void TakeBackRecord(const ExportNode& record, TransformTrack& track, vl::tk::Ser
     }
     for (std::size_t i = 0; i < 3; ++i) {
         if (IsUnchanged(curves[i], track, kTypes[i], tool) && !MapsTime(tool)) continue;
-        if (curves[i].interpolation == vl::zr::kInterpolationCubic) curves[i].interpolation = vl::zr::kInterpolationLinear;
+        if (curves[i].interpolation == vl::zr::kInterpolationCubic)
+            curves[i].interpolation = vl::zr::kInterpolationLinear;
         MakeAscending(curves[i]);
         ReplaceKeys(track, kTypes[i], curves[i]);
     }

@@ -27,7 +27,11 @@ constexpr float kTurned = 1e-4f;
 class NodeWriter {
 public:
     NodeWriter(LoadedScene& loaded, const Tool& tool, const ExportOptions& options)
-        : m_loaded(loaded), m_document(loaded.Document()), m_tree(m_document.Tree()), m_tool(tool), m_options(options) {}
+        : m_loaded(loaded),
+          m_document(loaded.Document()),
+          m_tree(m_document.Tree()),
+          m_tool(tool),
+          m_options(options) {}
 
     std::vector<std::size_t> Run() {
         PlaceRecords();
@@ -193,9 +197,12 @@ private:
         for (ExportNode* record : AllRecords(m_tool)) {
             kernix::NodeModel* node = ModelOf(record->pNode);
             if (node == nullptr || node->m_source < 0 || record->pSourceNode != nullptr) continue;
-            const bool belowStaticPivot = record->pSplit != nullptr && (record->pSplit->dwFlags & NF_STATICPIVOT) != 0;
-            const bool belowPivotGroup = (record->dwFlags & NF_PIVOT) != 0 && (record->dwFlags & NF_SPLIT) == 0;
-            if (belowStaticPivot || belowPivotGroup) moved[static_cast<std::size_t>(node->m_source)] = m_index[record];
+            const bool belowStaticPivot =
+                record->pSplit != nullptr && (record->pSplit->dwFlags & NF_STATICPIVOT) != 0;
+            const bool belowPivotGroup =
+                (record->dwFlags & NF_PIVOT) != 0 && (record->dwFlags & NF_SPLIT) == 0;
+            if (belowStaticPivot || belowPivotGroup)
+                moved[static_cast<std::size_t>(node->m_source)] = m_index[record];
         }
         if (moved.empty()) return;
         const auto mend = [&](Json& reference) {
@@ -232,7 +239,8 @@ private:
 
 }  // namespace
 
-std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options) {
+std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool,
+                                          const ExportOptions& options) {
     return NodeWriter(loaded, tool, options).Run();
 }
 
@@ -262,7 +270,8 @@ bool KeysFit(const Tool& keys, const Tool& records) {
     for (const ExportNode* record : AllRecords(keys)) {
         if (record->pController == nullptr) continue;
         const auto found = places.find(record->pSourceNode);
-        if (found == places.end() || (found->second->pParent == nullptr) != (record->pParent == nullptr)) return false;
+        if (found == places.end() || (found->second->pParent == nullptr) != (record->pParent == nullptr))
+            return false;
     }
     return true;
 }

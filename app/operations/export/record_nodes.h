@@ -15,13 +15,14 @@ namespace zr {
 // without a record are deleted from the scene: WriteBack takes them out of the document.
 //
 // Returns the node of each record, in the order of the records.
-std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
+std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool,
+                                          const ExportOptions& options);
 
 // Whether two runs made the same records of the same nodes.
 bool SameStructure(const Tool& a, const Tool& b);
 
-// Whether the keys of a run fit the records of another one: the moved nodes have a record there, at the top where
-// they are at the top here.
+// Whether the keys of a run fit the records of another one: the moved nodes have a record there, at the top
+// where they are at the top here.
 bool KeysFit(const Tool& keys, const Tool& records);
 
 }  // namespace zr

@@ -23,7 +23,8 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
     host.TakeReportedError();
     if (tool->Process(0) == 0) {
         const std::string reason = host.TakeReportedError();
-        throw std::runtime_error(reason.empty() ? "nothing to export: the options leave out every node" : reason);
+        throw std::runtime_error(reason.empty() ? "nothing to export: the options leave out every node"
+                                                : reason);
     }
     return tool;
 }

@@ -18,7 +18,9 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
              const ExportOptions& options);
 
 // Whether the animation's time is mapped to another range.
-inline bool MapsTime(const vl::tk::Serializer& tool) { return tool.m_fTimeScale != 1 || tool.m_fTimeOffset != 0; }
+inline bool MapsTime(const vl::tk::Serializer& tool) {
+    return tool.m_fTimeScale != 1 || tool.m_fTimeOffset != 0;
+}
 
 inline vl::ArrayOf<ExportNode*> AllRecords(const Tool& tool) {
     return vl::ArrayOf<ExportNode*>(tool->m_pAllNodes);

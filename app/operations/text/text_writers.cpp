@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "app/operations/text/text_geometry.h"
-#include "gltf/document.h"
 #include "base/text.h"
+#include "gltf/document.h"
 
 namespace zr {
 namespace {
@@ -171,21 +171,21 @@ void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target
             document.AppendView(std::as_bytes(std::span(geometry.points)), kVertexTarget, 0);
         const std::size_t indexView = document.AppendView(std::as_bytes(std::span(indices)), kIndexTarget, 0);
         const Box box = BoxOf(geometry.points);
-        gltf::Json positions = tree.Build(Join(
-            "{\"bufferView\": ", vertexView,
-            ", \"componentType\": 5126, \"type\": \"VEC3\", \"count\": ", geometry.points.size(), "}"));
+        gltf::Json positions = tree.Build(
+            Join("{\"bufferView\": ", vertexView,
+                 ", \"componentType\": 5126, \"type\": \"VEC3\", \"count\": ", geometry.points.size(), "}"));
         tree.Member(positions, "min") = tree.MakeNumbers(std::array{box.low.x, box.low.y, box.low.z});
         tree.Member(positions, "max") = tree.MakeNumbers(std::array{box.high.x, box.high.y, box.high.z});
         const std::size_t vertices = document.Append(gltf::Kind::kAccessor, positions);
         const std::size_t corners = document.Append(
             gltf::Kind::kAccessor,
-            tree.Build(Join(
-                "{\"bufferView\": ", indexView,
-                ", \"componentType\": 5125, \"type\": \"SCALAR\", \"count\": ", indices.size(), "}")));
+            tree.Build(Join("{\"bufferView\": ", indexView,
+                            ", \"componentType\": 5125, \"type\": \"SCALAR\", \"count\": ", indices.size(),
+                            "}")));
         const std::size_t mesh = document.Append(
-            gltf::Kind::kMesh, tree.Build(Join("{\"primitives\": [{\"attributes\": {\"POSITION\": ",
-                                                     vertices, "}, \"indices\": ", corners,
-                                                     ", \"mode\": ", geometry.isMesh ? 4 : 1, "}]}")));
+            gltf::Kind::kMesh,
+            tree.Build(Join("{\"primitives\": [{\"attributes\": {\"POSITION\": ", vertices,
+                            "}, \"indices\": ", corners, ", \"mode\": ", geometry.isMesh ? 4 : 1, "}]}")));
         tree.Member(document.Elements(gltf::Kind::kNode)[0], "mesh") = tree.MakeIndex(mesh);
     }
     document.Save(target);

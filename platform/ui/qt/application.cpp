@@ -10,8 +10,7 @@
 namespace zrui {
 namespace {
 
-void Swallow(QtMsgType, const QMessageLogContext&, const QString&) {
-}
+void Swallow(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 // The toolkit ends the program when none of its platforms starts. Its platform without a display, put last,
 // always starts, and that it was reached says that the others failed.

@@ -76,8 +76,7 @@ private:
 }  // namespace
 
 DialogWindow::DialogWindow(WindowTable& table, std::unique_ptr<QDialog> dialog, DLGPROC procedure)
-    : Window(*dialog, 0), m_table(table), m_dialog(std::move(dialog)), m_procedure(procedure) {
-}
+    : Window(*dialog, 0), m_table(table), m_dialog(std::move(dialog)), m_procedure(procedure) {}
 
 DialogWindow::~DialogWindow() {
     for (const HWND control : m_controls) m_table.Remove(control);

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/operations/clean/clean_scene.h"
-#include "gltf/error.h"
 #include "base/text.h"
+#include "gltf/error.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {

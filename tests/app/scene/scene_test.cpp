@@ -4,10 +4,10 @@
 #include <cmath>
 #include <map>
 
-#include "gltf/accessor.h"
-#include "gltf/collect.h"
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
+#include "gltf/accessor.h"
+#include "gltf/collect.h"
 #include "host/array.h"
 #include "host/kinds.h"
 #include "host/var.h"
@@ -37,8 +37,7 @@ gltf::Document Changed(std::initializer_list<std::pair<std::string_view, std::st
         EXPECT_NE(json.find(from), std::string::npos) << from;
         json.replace(json.find(from), from.size(), to);
     }
-    return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, gltf::test::SampleBin())),
-                                     "changed.glb");
+    return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, gltf::test::SampleBin())), "changed.glb");
 }
 
 TEST(LoadedScene, NodesComeParentsFirstWithWhatTheyShow) {

@@ -18,8 +18,7 @@ private:
     TreeRecorder& m_owner;
 };
 
-TreeRecorder::TreeRecorder() : m_control(std::make_unique<Control>(*this)) {
-}
+TreeRecorder::TreeRecorder() : m_control(std::make_unique<Control>(*this)) {}
 TreeRecorder::~TreeRecorder() = default;
 
 HWND TreeRecorder::Handle() const {

@@ -34,8 +34,7 @@ private:
     }
 };
 
-TreeRecorder::TreeRecorder() : m_control(std::make_unique<Control>(*this)) {
-}
+TreeRecorder::TreeRecorder() : m_control(std::make_unique<Control>(*this)) {}
 TreeRecorder::~TreeRecorder() = default;
 
 HWND TreeRecorder::Handle() const {

@@ -92,8 +92,7 @@ Comparison::Comparison(LoadedScene& before, LoadedScene& after, const ExportOpti
       m_after(after),
       m_sceneMatrix(options.sceneMatrix),
       m_flipped(options.Has(vl::tk::kFlipAxes)),
-      m_oldCount(static_cast<int>(before.Document().Elements(gltf::Kind::kNode).size())) {
-}
+      m_oldCount(static_cast<int>(before.Document().Elements(gltf::Kind::kNode).size())) {}
 
 vl::Matrix4<double> Comparison::Moved(M m) const {
     m.Transform(m_sceneMatrix);

@@ -6,8 +6,8 @@
 
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/flip_objects.h"
-#include "gltf/accessor.h"
 #include "app/services/rename_rules.h"
+#include "gltf/accessor.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -166,9 +166,9 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
         const gltf::Json root = tree.Build(folder.Read("out.json"));
         const gltf::Json& node = root.Find("nodes")->Items()[0];
         EXPECT_EQ(node.Find("scaleKeys")->Items().size(), 2u);
-        const gltf::Json expected =
-            tree.Build(wanted ? R"([[{"time": 0, "value": [1, 2, 3]}], [{"time": 0, "value": [0, 0.6, 0, 0.8]}]])"
-                              : "[[], []]");
+        const gltf::Json expected = tree.Build(
+            wanted ? R"([[{"time": 0, "value": [1, 2, 3]}], [{"time": 0, "value": [0, 0.6, 0, 0.8]}]])"
+                   : "[[], []]");
         EXPECT_TRUE(gltf::EqualJson(*node.Find("positionKeys"), expected.Items()[0])) << wanted;
         EXPECT_TRUE(gltf::EqualJson(*node.Find("rotationKeys"), expected.Items()[1])) << wanted;
     }
@@ -177,7 +177,8 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
 // Keys in a compressed form that cannot be read may go out as they are; what would change them is refused.
 TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
     const auto load = [] {
-        return LoadedScene(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
+        return LoadedScene(
+            gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
             "nodes": [{"translation": [1, 2, 3]}, {}],
             "animations": [{"samplers": [{"input": 0, "output": 1}],
                             "channels": [{"sampler": 0, "target": {"node": 0, "path": "translation"}}]}],
