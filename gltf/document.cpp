@@ -113,7 +113,7 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
     buffer.path = *path;
     try {
         buffer.file = ReadFile(m_file.parent_path() / *path);
-    } catch (const Error& error) {
+    } catch (const zr::Error& error) {
         Fail(ErrorKind::kFile, place, error.what());
     }
     buffer.bytes = buffer.file.MutableView();

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
+#include "app/operations/animations/animation_choice.h"
 #include "app/operations/animations/animation_edit.h"
 #include "host/anim_manager.h"
 #include "kernix/utf.h"

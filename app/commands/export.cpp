@@ -5,11 +5,11 @@
 #include <memory>
 #include <optional>
 
-#include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
 #include "app/commands/export_arguments.h"
 #include "app/commands/progress.h"
 #include "app/commands/session.h"
+#include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
 
 namespace zr {

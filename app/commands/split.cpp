@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/commands/animation_choice.h"
 #include "app/commands/commands.h"
 #include "app/commands/notes.h"
 #include "app/commands/session.h"
+#include "app/operations/animations/animation_choice.h"
 #include "app/operations/animations/split_animation.h"
 
 namespace zr {

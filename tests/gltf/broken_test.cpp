@@ -25,7 +25,7 @@ bool Try(std::string_view content) {
             EXPECT_EQ(ReadFloats(document, i).size(), info.count * info.shape.Components());
         }
         return true;
-    } catch (const Error&) {
+    } catch (const zr::Error&) {
         return false;
     }
 }

@@ -148,9 +148,9 @@ TEST(Document, AFailedSaveLeavesNothing) {
     folder.Write("in.gltf", TextScene("d.bin"));
     folder.Write("d.bin", test::SampleBin());
     std::filesystem::create_directories(folder / "out/taken.gltf/inside");
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), Error);
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), Error);
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), Error);
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), zr::Error);
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), zr::Error);
+    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), zr::Error);
     const auto stop = [] { throw std::runtime_error("stop"); };
     EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "new/out.gltf", stop), std::runtime_error);
     EXPECT_FALSE(std::filesystem::exists(folder / "new"));

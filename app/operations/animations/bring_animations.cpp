@@ -6,7 +6,7 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "app/commands/animation_choice.h"
+#include "app/operations/animations/animation_choice.h"
 #include "base/text.h"
 #include "gltf/accessor.h"
 

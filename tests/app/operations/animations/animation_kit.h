@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/commands/animation_choice.h"
+#include "app/operations/animations/animation_choice.h"
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
 #include "tests/gltf/sample.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/commands/animation_choice.h"
+#include "app/operations/animations/animation_choice.h"
 
 #include <algorithm>
 #include <charconv>
