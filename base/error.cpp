@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "base/error.h"
 
+#include "base/text.h"
+
 namespace zr {
 namespace {
 
@@ -9,10 +11,7 @@ std::string Line(std::string_view file, std::string_view place, std::string_view
     if (!line.empty()) line += ": ";
     if (!place.empty()) line.append(place).append(": ");
     line += text;
-    for (char& c : line) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
-    }
-    return line;
+    return Printable(line);
 }
 
 }  // namespace
