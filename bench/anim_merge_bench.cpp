@@ -82,13 +82,9 @@ void HundredOnAThousandNodes(benchmark::State& state) {
     Merge(state, {1000, 100, 1});
 }
 
-BENCHMARK(MoreNodes)->RangeMultiplier(4)->Range(16, 1024)->Unit(benchmark::kMillisecond)->Complexity();
-BENCHMARK(MoreAnimations)->RangeMultiplier(4)->Range(8, 256)->Unit(benchmark::kMillisecond)->Complexity();
-BENCHMARK(MoreAnimationsAtOneTime)
-    ->RangeMultiplier(4)
-    ->Range(8, 256)
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity();
+BENCHMARK(MoreNodes)->RangeMultiplier(4)->Range(16, 1024)->Unit(benchmark::kMillisecond);
+BENCHMARK(MoreAnimations)->RangeMultiplier(4)->Range(8, 256)->Unit(benchmark::kMillisecond);
+BENCHMARK(MoreAnimationsAtOneTime)->RangeMultiplier(4)->Range(8, 256)->Unit(benchmark::kMillisecond);
 BENCHMARK(HundredOnAThousandNodes)->Unit(benchmark::kMillisecond);
 
 }  // namespace

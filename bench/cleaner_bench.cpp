@@ -52,13 +52,7 @@ void Run(benchmark::State& state, Operation operation, bool deep, int expected) 
 }
 
 void Sizes(benchmark::internal::Benchmark* b) {
-    b->Arg(10000)
-        ->Arg(20000)
-        ->Arg(40000)
-        ->Arg(100000)
-        ->Iterations(5)
-        ->Unit(benchmark::kMillisecond)
-        ->Complexity(benchmark::oAuto);
+    b->Arg(10000)->Arg(20000)->Arg(40000)->Arg(100000)->Iterations(5)->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK_CAPTURE(Run, MeshDupes, &CCleanerImpl::RemoveMeshDupes, false, 4)->Apply(Sizes);

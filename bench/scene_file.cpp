@@ -3,101 +3,173 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "base/text.h"
-#include "gltf/glb.h"
+#include "bench/glb_builder.h"
 
 namespace zr::bench {
 namespace {
 
-class SceneText {
+constexpr std::size_t kBlock = 11;  // a root, a group, six meshes, three nodes that show nothing
+constexpr std::size_t kMeshesInBlock = 6;
+constexpr std::size_t kKeysPerLeg = 32;
+constexpr float kKeysPerSecond = 30;
+
+class SceneMaker {
 public:
-    explicit SceneText(const SceneShape& shape) {
-        AddAccessor("VEC3", {0, 0, 0, 1, 0, 0, 0, 1, 0}, R"(,"min":[0,0,0],"max":[1,1,0])");
-        const std::size_t keys = shape.keysPerNode / 2;
-        std::vector<float> times;
-        for (std::size_t k = 0; k < keys; ++k) times.push_back(static_cast<float>(k));
-        if (keys != 0) AddAccessor("SCALAR", times, Join(R"(,"min":[0],"max":[)", keys - 1, "]"));
-        for (std::size_t i = 0; i < shape.nodes; ++i) {
-            Node(i, shape);
-            if (keys != 0) Channels(i, keys);
+    explicit SceneMaker(const SceneShape& shape) : m_shape(shape) {
+        for (std::size_t i = 0; i < shape.materials; ++i) AddMaterial(i);
+        if (shape.depth != 0) {
+            AddChains();
+        } else {
+            AddBlocks();
         }
+        for (std::size_t i = 0; i < shape.animations; ++i) AddAnimation(i);
     }
 
-    std::string Json() const {
-        std::string json = R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[)" + m_roots +
-                           R"(]}],"nodes":[)" + m_nodes +
-                           R"(],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],"accessors":[)" +
-                           m_accessors + R"(],"bufferViews":[{"buffer":0,"byteLength":)" +
-                           Join(m_bin.size()) + R"(}],"buffers":[{"byteLength":)" + Join(m_bin.size()) + "}]";
-        if (!m_channels.empty()) {
-            json += R"(,"animations":[{"name":"move","samplers":[)" + m_samplers + R"(],"channels":[)" +
-                    m_channels + "]}]";
-        }
-        return json + "}";
-    }
-    const std::string& Bin() const { return m_bin; }
+    void Write(const std::filesystem::path& file) const { m_file.Write(file); }
 
 private:
-    void AddAccessor(const char* type, const std::vector<float>& values, const std::string& bounds = "") {
-        const std::size_t width = type[0] == 'S' ? 1 : static_cast<std::size_t>(type[3] - '0');
-        m_accessors += Join(m_accessorCount == 0 ? "" : ",",
-                            R"({"bufferView":0,"componentType":5126,"byteOffset":)", m_bin.size(),
-                            R"(,"count":)", values.size() / width, R"(,"type":")", type, "\"", bounds, "}");
-        m_bin.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(float));
-        ++m_accessorCount;
+    void AddMaterial(std::size_t i) {
+        const std::size_t look = i / 2;
+        m_file.Add("materials",
+                   Join(R"({"name":"material )", i, R"(","pbrMetallicRoughness":{"baseColorFactor":[0.)",
+                        look % 97, ",0.", look / 97, ",0.5,1]}}"));
     }
 
-    void Node(std::size_t i, const SceneShape& shape) {
-        if (i % shape.depth == 0) m_roots += Join(i == 0 ? "" : ",", i);
-        m_nodes +=
-            Join(i == 0 ? "" : ",", R"({"name":"node )", i,
-                 R"(","mesh":0,"translation":[0.001,0.002,0],"rotation":[0,0.0009999998,0,0.9999995])");
-        if (i + 1 < shape.nodes && (i + 1) % shape.depth != 0)
-            m_nodes += Join(R"(,"children":[)", i + 1, "]");
-        m_nodes += "}";
-    }
-
-    void Channels(std::size_t i, std::size_t keys) {
-        std::vector<float> rotations, places;
-        for (std::size_t k = 0; k < keys; ++k) {
-            const float angle = 0.1f * static_cast<float>(k) + 0.001f * static_cast<float>(i);
-            rotations.insert(rotations.end(), {0, std::sin(angle), 0, std::cos(angle)});
-            places.insert(places.end(), {angle, 0.002f, static_cast<float>(k)});
+    // Three by three vertices in a square at a height of the mesh's own.
+    std::size_t AddMesh(std::size_t number) {
+        std::vector<float> positions;
+        std::vector<std::uint16_t> indices;
+        for (std::uint16_t y = 0; y < 3; ++y) {
+            for (std::uint16_t x = 0; x < 3; ++x) {
+                positions.insert(positions.end(), {static_cast<float>(x) / 2, static_cast<float>(y) / 2,
+                                                   static_cast<float>(number) / 16});
+                if (x == 2 || y == 2) continue;
+                const auto at = static_cast<std::uint16_t>(3 * y + x);
+                for (const int corner : {0, 1, 3, 1, 4, 3})
+                    indices.push_back(static_cast<std::uint16_t>(at + corner));
+            }
         }
-        for (const char* path : {"rotation", "translation"}) {
-            const bool turns = path[0] == 'r';
-            AddAccessor(turns ? "VEC4" : "VEC3", turns ? rotations : places);
-            const char* comma = m_samplerCount == 0 ? "" : ",";
-            m_samplers += Join(comma, R"({"input":1,"output":)", m_accessorCount - 1, "}");
-            m_channels += Join(comma, R"({"sampler":)", m_samplerCount, R"(,"target":{"node":)", i,
-                               R"(,"path":")", path, "\"}}");
-            ++m_samplerCount;
+        const std::size_t points = m_file.AddFloats("VEC3", positions, true);
+        const std::size_t order = m_file.AddIndices(indices);
+        const std::string material =
+            m_shape.materials == 0 ? "" : Join(R"(,"material":)", number % m_shape.materials);
+        return m_file.Add("meshes", Join(R"({"primitives":[{"attributes":{"POSITION":)", points,
+                                         R"(},"indices":)", order, material, "}]}"));
+    }
+
+    std::size_t AddNode(const std::string& rest) {
+        return m_file.Add("nodes", Join(R"({"name":"node )", m_nodes++, "\"", rest, "}"));
+    }
+
+    void AddChains() {
+        const std::size_t mesh = AddMesh(0);
+        for (std::size_t i = 0; i < m_shape.nodes; ++i) {
+            const bool ends = (i + 1) % m_shape.depth == 0 || i + 1 == m_shape.nodes;
+            const std::size_t node =
+                AddNode(Join(R"(,"mesh":)", mesh,
+                             R"(,"translation":[0.001,0.002,0],"rotation":[0,0.0009999998,0,0.9999995])",
+                             ends ? "" : Join(R"(,"children":[)", i + 1, "]")));
+            if (i % m_shape.depth == 0) m_file.AddRoot(node);
+            m_moving.push_back(node);
         }
     }
 
-    std::string m_bin, m_accessors, m_roots, m_nodes, m_samplers, m_channels;
-    std::size_t m_accessorCount = 0;
-    std::size_t m_samplerCount = 0;
+    void AddBlocks() {
+        const std::size_t blocks = m_shape.nodes / kBlock;
+        std::size_t repeatsLeft = m_shape.repeats, unique = 0;
+        for (std::size_t block = 0; block < blocks; ++block) {
+            std::string meshes, empties;
+            const std::size_t root = block * kBlock;
+            const std::size_t repeatsHere =
+                std::min((repeatsLeft + blocks - block - 1) / (blocks - block), kMeshesInBlock / 2);
+            repeatsLeft -= repeatsHere;
+            AddNode(Join(R"(,"translation":[)", block % 1000, ",0,", block / 1000, R"(],"children":[)",
+                         root + 1, ",", root + 2, ",", root + 3, ",", root + 4, "]"));
+            AddNode(Join(R"(,"children":[)", root + 5, ",", root + 6, ",", root + 7, ",", root + 8, ",",
+                         root + 9, ",", root + 10, "]"));
+            for (std::size_t i = 0; i < 3; ++i) AddNode("");
+            const std::size_t first = unique;
+            unique += kMeshesInBlock - repeatsHere;
+            for (std::size_t i = 0; i < kMeshesInBlock; ++i) {
+                const bool repeats = i >= kMeshesInBlock - repeatsHere;
+                AddNode(Join(R"(,"mesh":)",
+                             AddMesh(repeats ? first + i - (kMeshesInBlock - repeatsHere) : first + i)));
+            }
+            m_file.AddRoot(root);
+            m_moving.push_back(root);
+        }
+    }
+
+    void AddAnimation(std::size_t number) {
+        const std::size_t keys = m_shape.keysPerChannel;
+        const std::size_t channels = m_shape.keys / m_shape.animations / keys;
+        std::vector<float> times;
+        for (std::size_t i = 0; i < keys; ++i) times.push_back(static_cast<float>(i) / kKeysPerSecond);
+        const std::size_t input = m_file.AddFloats("SCALAR", times);
+        std::string samplerList, channelList;
+        for (std::size_t i = 0; i < channels; ++i) {
+            const bool turns = i % 2 == 0;
+            const std::size_t output =
+                turns ? m_file.AddFloats("VEC4", Turns(keys)) : m_file.AddFloats("VEC3", Moves(keys));
+            const std::size_t node = m_moving[(i / 2) % m_moving.size()];
+            samplerList += Join(i == 0 ? "" : ",", R"({"input":)", input, R"(,"output":)", output, "}");
+            channelList += Join(i == 0 ? "" : ",", R"({"sampler":)", i, R"(,"target":{"node":)", node,
+                                R"(,"path":")", turns ? "rotation" : "translation", "\"}}");
+        }
+        m_file.Add("animations", Join(R"({"name":"move )", number, R"(","samplers":[)", samplerList,
+                                      R"(],"channels":[)", channelList, "]}"));
+    }
+
+    std::vector<float> Moves(std::size_t keys) {
+        std::vector<float> values;
+        float place = 0, step = 0;
+        for (std::size_t i = 0; i < keys; ++i) {
+            if (i % kKeysPerLeg == 0) step = static_cast<float>(m_random() % 8) / 32;
+            place += step;
+            values.insert(values.end(), {place, 0, -place});
+        }
+        return values;
+    }
+
+    std::vector<float> Turns(std::size_t keys) {
+        std::vector<float> values;
+        double angle = 0, step = 0;
+        for (std::size_t i = 0; i < keys; ++i) {
+            if (i % kKeysPerLeg == 0) step = static_cast<double>(m_random() % 8) / 64;
+            angle += step;
+            values.insert(values.end(), {0, static_cast<float>(std::sin(angle / 2)), 0,
+                                         static_cast<float>(std::cos(angle / 2))});
+        }
+        return values;
+    }
+
+    const SceneShape& m_shape;
+    GlbBuilder m_file;
+    std::size_t m_nodes = 0;
+    std::vector<std::size_t> m_moving;
+    std::mt19937 m_random{3};
 };
 
 }  // namespace
+
+void WriteScene(const std::filesystem::path& file, const SceneShape& shape) {
+    SceneMaker(shape).Write(file);
+}
 
 SceneFile::SceneFile(const SceneShape& shape) {
     std::string name = (std::filesystem::temp_directory_path() / "zr-bench-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
     m_folder = name;
-    const SceneText scene(shape);
-    const std::string json = scene.Json();
-    std::vector<std::byte> head;
-    const Bytes bin = BytesOf(scene.Bin());
-    FileTransaction files;
-    files.Add(Path(), gltf::GlbPieces(json, std::span(&bin, 1), {}, "scene.glb", head));
-    files.Commit();
+    WriteScene(Path(), shape);
 }
 
 SceneFile::~SceneFile() {

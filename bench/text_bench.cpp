@@ -58,7 +58,7 @@ void Mesh(benchmark::State& state) {
     }
     PerLetter(state);
 }
-BENCHMARK(Mesh)->RangeMultiplier(10)->Range(100, 100000)->Complexity()->Unit(benchmark::kMillisecond);
+BENCHMARK(Mesh)->RangeMultiplier(10)->Range(100, 100000)->Unit(benchmark::kMillisecond);
 
 void Outlines(benchmark::State& state) {
     const std::u16string text = Sample(state.range(0));
@@ -70,7 +70,7 @@ void Outlines(benchmark::State& state) {
     }
     PerLetter(state);
 }
-BENCHMARK(Outlines)->RangeMultiplier(10)->Range(100, 100000)->Complexity()->Unit(benchmark::kMillisecond);
+BENCHMARK(Outlines)->RangeMultiplier(10)->Range(100, 100000)->Unit(benchmark::kMillisecond);
 
 void BareDecomposition(benchmark::State& state) {
     FT_Library library;
