@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <system_error>
 
 namespace zr {
 
@@ -22,33 +24,11 @@ struct FileContent {
     std::span<std::byte> MutableView() { return {data.get(), size}; }
 };
 
-// Reads a whole file; memory grows with what is really there. Throws Error.
-FileContent ReadFile(const std::filesystem::path& path);
+inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-// Files that appear together or not at all: each is written beside its target under a temporary name, and
-// Commit renames them in the order they were added. Without Commit the destructor removes what was written.
-class FileTransaction {
-public:
-    FileTransaction() = default;
-    FileTransaction(const FileTransaction&) = delete;
-    FileTransaction& operator=(const FileTransaction&) = delete;
-    ~FileTransaction();
-
-    // Writes the pieces one after the other. Folders that are missing are made. Throws Error.
-    void Add(const std::filesystem::path& target, std::span<const Bytes> pieces);
-    void Add(const std::filesystem::path& target, Bytes piece) { Add(target, std::span(&piece, 1)); }
-    // Throws Error when a target cannot be replaced.
-    void Commit();
-
-private:
-    struct Pending {
-        std::filesystem::path temporary;
-        std::filesystem::path target;
-    };
-
-    std::vector<Pending> m_pending;
-    std::vector<std::filesystem::path> m_folders;
-};
+// Reads a whole file; memory grows with what is really there, also from a device without an end. Throws
+// Error, also when there are more than `limit` bytes.
+FileContent ReadFile(const std::filesystem::path& path, std::uint64_t limit = kNoLimit);
 
 inline Bytes BytesOf(std::string_view text) {
     return std::as_bytes(std::span(text.data(), text.size()));
@@ -57,5 +37,8 @@ inline Bytes BytesOf(std::string_view text) {
 // UTF-8 text of a path, and a path of UTF-8 text.
 std::string PathToUtf8(const std::filesystem::path& path);
 std::filesystem::path PathFromUtf8(std::string_view text);
+
+// Throws Error: "PATH: WHAT: the system's words for the failure".
+[[noreturn]] void FailWith(const std::filesystem::path& path, std::string_view what, std::error_code failure);
 
 }  // namespace zr

@@ -74,10 +74,10 @@ void GlbBuilder::Write(const std::filesystem::path& file) const {
     for (const auto& [name, collection] : m_collections)
         json += Join(",\"", name, "\":[", collection.elements, "]");
     json += Join(R"(,"buffers":[{"byteLength":)", m_bin.size(), "}]}");
-    std::vector<std::byte> head;
     const Bytes bin = BytesOf(m_bin);
     FileTransaction files;
-    files.Add(file, gltf::GlbPieces(json, std::span(&bin, 1), {}, file.string(), head));
+    OutputFile& output = files.Create(file);
+    gltf::WriteGlb(output, PathToUtf8(file), [&] { output.Write(json); }, std::span(&bin, 1), {});
     files.Commit();
 }
 

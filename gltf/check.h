@@ -10,6 +10,8 @@ class Document;
 
 // Version, types of properties, required properties, indices within their collections.
 void CheckStructure(Document& document);
+// Files that URIs name stand where they may be read; those that are missing are warned of.
+void CheckResources(Document& document);
 // Byte ranges of views and accessors, strides, sparse indices. Buffers are loaded.
 void CheckAccessors(const Document& document);
 // Nodes form trees, scenes list roots, joints of a skin share a root.

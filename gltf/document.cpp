@@ -19,6 +19,13 @@ const Json* Collection(const Json& root, Kind kind) {
     return at;
 }
 
+// Whether a text goes over lines; its first ones tell.
+bool IsIndented(std::string_view text) {
+    constexpr std::size_t kLooked = 4096;
+    const std::size_t last = text.find_last_not_of(" \r\n");
+    return text.substr(0, std::min(kLooked, last)).find('\n') != std::string_view::npos;
+}
+
 }  // namespace
 
 std::size_t IndexMember(const Json& object, std::string_view name, std::size_t otherwise) {
@@ -27,16 +34,18 @@ std::size_t IndexMember(const Json& object, std::string_view name, std::size_t o
     return index ? static_cast<std::size_t>(*index) : otherwise;
 }
 
-Document Document::Load(const std::filesystem::path& file) {
+Document Document::Load(const std::filesystem::path& file, const LoadOptions& options) {
     Document document;
     document.m_file = file;
+    document.m_options = options;
     document.Read(ReadFile(file));
     return document;
 }
 
-Document Document::FromBytes(Bytes content, const std::filesystem::path& file) {
+Document Document::FromBytes(Bytes content, const std::filesystem::path& file, const LoadOptions& options) {
     Document document;
     document.m_file = file;
+    document.m_options = options;
     FileContent copy{std::make_unique_for_overwrite<std::byte[]>(content.size() + 1), content.size()};
     std::copy(content.begin(), content.end(), copy.data.get());
     document.Read(std::move(copy));
@@ -45,6 +54,10 @@ Document Document::FromBytes(Bytes content, const std::filesystem::path& file) {
 
 void Document::Fail(ErrorKind kind, std::string_view place, std::string_view text) const {
     throw Error(kind, PathToUtf8(m_file), place, text);
+}
+
+void Document::Warn(ErrorKind kind, std::string_view place, std::string_view text) {
+    m_warnings.emplace_back(kind, PathToUtf8(m_file), place, text);
 }
 
 void Document::Read(FileContent content) {
@@ -64,8 +77,10 @@ void Document::Read(FileContent content) {
         bin = m_content.MutableView().subspan(layout.binOffset, layout.binSize);
         m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
     }
+    m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);
     CheckStructure(*this);
+    CheckResources(*this);
     LoadBuffers(bin, hasBin);
     CheckAccessors(*this);
     CheckHierarchy(*this);
@@ -106,17 +121,18 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
         buffer.bytes = buffer.owned;
         return buffer;
     }
-    const auto path = PathInFolder(uri);
+    const auto path = FileOf(uri, place);
     if (!path)
         Fail(ErrorKind::kUri, place, Join("\"", uri.substr(0, 80), "\" names no file in the scene's folder"));
     buffer.origin = Origin::kFile;
     buffer.path = *path;
     try {
-        buffer.file = ReadFile(m_file.parent_path() / *path);
+        buffer.file = ReadFile(Folder() / *path);
     } catch (const zr::Error& error) {
         Fail(ErrorKind::kFile, place, error.what());
     }
     buffer.bytes = buffer.file.MutableView();
+    m_bufferFiles.push_back(*path);
     return buffer;
 }
 

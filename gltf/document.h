@@ -10,12 +10,16 @@
 #include <string_view>
 #include <vector>
 
-#include "base/file.h"
+#include "base/file_transaction.h"
 #include "gltf/error.h"
 #include "gltf/json.h"
 #include "gltf/kinds.h"
 
 namespace zr::gltf {
+
+struct LoadOptions {
+    bool allowOutside = false;  // files that URIs name may stand outside the document's folder
+};
 
 // A glTF 2.0 document: its JSON tree, edited in place, and its buffers. What the program does not know goes
 // out as it came in. After Load all that the accessors and the scene rely on has been checked: types, index
@@ -23,15 +27,26 @@ namespace zr::gltf {
 class Document {
 public:
     // Throws Error.
-    static Document Load(const std::filesystem::path& file);
+    static Document Load(const std::filesystem::path& file, const LoadOptions& options = {});
     // The same from memory; buffers of their own are looked for beside `file`, which need not exist.
-    static Document FromBytes(Bytes content, const std::filesystem::path& file);
+    static Document FromBytes(Bytes content, const std::filesystem::path& file,
+                              const LoadOptions& options = {});
 
     JsonTree& Tree() { return m_tree; }
     Json& Root() { return m_tree.root; }
     const Json& Root() const { return m_tree.root; }
     const std::filesystem::path& File() const { return m_file; }
     [[noreturn]] void Fail(ErrorKind kind, std::string_view place, std::string_view text) const;
+
+    // Faults that do not keep the document from being used: files that it names and that are not there.
+    std::span<const Error> Warnings() const { return m_warnings; }
+    void Warn(ErrorKind kind, std::string_view place, std::string_view text);
+
+    // The file that a URI at `place` names, relative to the document's folder; it may be missing. Nothing for
+    // data URIs and for what names no file here (another scheme, malformed). Throws Error (kUri) unless it
+    // stands in that folder, also after following links, and for anything but a regular file.
+    std::optional<std::filesystem::path> FileOf(std::string_view uri, std::string_view place) const;
+    std::filesystem::path Folder() const;
 
     // The elements of a kind; empty when the document has none. Held until one of the kind is added.
     std::span<Json> Elements(Kind kind);
@@ -62,10 +77,13 @@ public:
     void EraseBuffers(const std::vector<bool>& keep);
 
     // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
-    // needs beside it; all files appear or none. Files of its own that the document came with are found from
-    // there too: kept in the same folder, copied into another one, taken into a container made from text.
-    // The document is spent afterwards. Throws Error. beforeCommit is called when all is written and no file
-    // has appeared yet; what it throws leaves everything as it was.
+    // needs beside it under names that nothing has; the files appear when `files` is committed. Files of its
+    // own that the document came with are found from there too: kept in the same folder, copied into another
+    // one, taken into a container made from text. Buffers that an earlier save placed beside the target and
+    // that nothing uses any more go with the commit. The document is spent afterwards. Throws Error.
+    void Save(const std::filesystem::path& target, FileTransaction& files);
+    // The same, committed. beforeCommit is called when all is written and no file has appeared yet; what it
+    // throws leaves everything as it was.
     void Save(
         const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
@@ -91,12 +109,16 @@ private:
     Buffer LoadBuffer(const Json& json, std::size_t index);
 
     std::filesystem::path m_file;
+    LoadOptions m_options;
+    std::vector<Error> m_warnings;
+    std::vector<std::filesystem::path> m_bufferFiles;  // that the document came with, relative to it
     FileContent m_content;
     JsonTree m_tree;
     std::vector<Buffer> m_buffers;
     std::optional<std::size_t> m_newBuffer;
     Bytes m_rest;  // chunks of a container that are not known
     bool m_isGlb = false;
+    bool m_isIndented = true;  // the text
 };
 
 // Calls visit(Json&) for every object that names a range of a buffer ("buffer", "byteOffset", "byteLength"):
@@ -111,6 +133,11 @@ void ForEachBufferRange(Document& document, Visit visit) {
             if (Json* compressed = extensions->Find(name)) visit(*compressed);
     }
 }
+
+// Calls visit(element, place) for every element that may name a file of its own by "uri", buffers apart:
+// images, sounds, light profiles. `place` is its JSON pointer.
+void ForEachResource(Document& document,
+                     const std::function<void(Json& element, const std::string& place)>& visit);
 
 // A member of a JSON object as an index, or `otherwise` when it is missing.
 std::size_t IndexMember(const Json& object, std::string_view name, std::size_t otherwise = 0);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/glb.h"
 
+#include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 
 #include "base/text.h"
@@ -22,11 +24,7 @@ std::uint32_t Word(Bytes bytes, std::size_t offset) {
     return word;
 }
 
-void PutWord(std::vector<std::byte>& out, std::uint64_t word) {
-    for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::byte>(word >> (8 * i) & 0xFF));
-}
-
-std::size_t Padding(std::size_t size) {
+std::uint64_t Padding(std::uint64_t size) {
     return (4 - size % 4) % 4;
 }
 
@@ -77,38 +75,44 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
     return layout;
 }
 
-std::vector<Bytes> GlbPieces(std::string_view json, std::span<const Bytes> bin, Bytes rest,
-                             std::string_view name, std::vector<std::byte>& head) {
-    std::size_t binSize = 0;
+namespace {
+
+// Numbers of 32 bits as they stand in the file.
+template <std::size_t Size>
+struct Words {
+    std::array<std::byte, Size> bytes{};
+
+    explicit Words(std::initializer_list<std::uint64_t> words) {
+        std::size_t at = 0;
+        for (std::uint64_t word : words)
+            for (int i = 0; i < 4; ++i) bytes[at++] = static_cast<std::byte>(word >> (8 * i) & 0xFF);
+    }
+    operator Bytes() const { return bytes; }
+};
+
+}  // namespace
+
+void WriteGlb(OutputFile& file, std::string_view name, const std::function<void()>& writeJson,
+              std::span<const Bytes> bin, Bytes rest) {
+    file.Write(Words<kHeader + kChunkHeader>({}));  // known when the text is written
+    writeJson();
+    const std::uint64_t jsonEnd = file.Size();
+    file.Write(std::string_view("   ").substr(0, Padding(jsonEnd)));
+    const std::uint64_t jsonSize = file.Size() - kHeader - kChunkHeader;
+
+    std::uint64_t binSize = 0;
     for (Bytes piece : bin) binSize += piece.size();
-    const std::size_t jsonPadding = Padding(json.size()), binPadding = Padding(binSize);
-    std::size_t total = kHeader + kChunkHeader + json.size() + jsonPadding + rest.size();
-    if (!bin.empty()) total += kChunkHeader + binSize + binPadding;
+    const std::uint64_t binChunk = bin.empty() ? 0 : kChunkHeader + binSize + Padding(binSize);
+    const std::uint64_t total = file.Size() + binChunk + rest.size();
     if (total > std::numeric_limits<std::uint32_t>::max())
         throw Error(ErrorKind::kLimit, name, "", "a binary container cannot hold 4 GiB or more");
-
-    head.clear();
-    PutWord(head, kMagic);
-    PutWord(head, 2);
-    PutWord(head, total);
-    PutWord(head, json.size() + jsonPadding);
-    PutWord(head, kJson);
-    const std::size_t jsonHead = head.size();
-    head.resize(head.size() + jsonPadding, std::byte{' '});
     if (!bin.empty()) {
-        PutWord(head, binSize + binPadding);
-        PutWord(head, kBin);
+        file.Write(Words<kChunkHeader>({binSize + Padding(binSize), kBin}));
+        for (Bytes piece : bin) file.Write(piece);
+        file.Write(std::string_view("\0\0\0", 3).substr(0, Padding(binSize)));
     }
-    const std::size_t binHead = head.size();
-    head.resize(head.size() + binPadding);
-
-    const Bytes heads(head);
-    std::vector<Bytes> pieces{heads.first(jsonHead), BytesOf(json),
-                              heads.subspan(jsonHead, binHead - jsonHead)};
-    pieces.insert(pieces.end(), bin.begin(), bin.end());
-    pieces.push_back(heads.subspan(binHead));
-    pieces.push_back(rest);
-    return pieces;
+    file.Write(rest);
+    file.Overwrite(0, Words<kHeader + kChunkHeader>({kMagic, 2, total, jsonSize, kJson}));
 }
 
 }  // namespace zr::gltf

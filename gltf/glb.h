@@ -2,12 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <span>
-#include <string>
 #include <string_view>
-#include <vector>
 
-#include "base/file.h"
+#include "base/file_transaction.h"
 
 namespace zr::gltf {
 
@@ -27,9 +26,9 @@ bool IsGlb(Bytes file);
 // Throws Error (kContainer or kVersion) when header, chunks and file do not fit together.
 GlbLayout ReadGlbLayout(Bytes file, std::string_view name);
 
-// The pieces of a container in file order. `head` receives the headers and padding the pieces refer to.
-// `bin` empty: no BIN chunk. Throws Error (kLimit) from 4 GiB on.
-std::vector<Bytes> GlbPieces(std::string_view json, std::span<const Bytes> bin, Bytes rest,
-                             std::string_view name, std::vector<std::byte>& head);
+// Writes a container: the text that writeJson writes, then the chunk of binary data (none when `bin` is
+// empty), then `rest`. Throws Error, kLimit from 4 GiB on.
+void WriteGlb(OutputFile& file, std::string_view name, const std::function<void()>& writeJson,
+              std::span<const Bytes> bin, Bytes rest);
 
 }  // namespace zr::gltf

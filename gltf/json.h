@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -129,6 +130,9 @@ private:
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.
 std::string WriteJson(const Json& value, bool pretty);
+// The same, piece by piece: the text never stands in memory as a whole.
+using JsonSink = std::function<void(std::string_view piece)>;
+void WriteJson(const Json& value, bool pretty, const JsonSink& sink);
 
 // Equal content: members in any order, numbers by value.
 bool EqualJson(const Json& a, const Json& b);

@@ -1,108 +1,141 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <array>
 
 #include "gltf/json.h"
 
 namespace zr::gltf {
 namespace {
 
+// Bytes that stand in a string as they are.
+constexpr std::array<bool, 256> kPlain = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t i = 0x20; i < plain.size(); ++i) plain[i] = i != '"' && i != '\\';
+    return plain;
+}();
+
 class Writer {
 public:
-    explicit Writer(bool pretty) : m_pretty(pretty) {}
-
-    std::string Take() { return std::move(m_out); }
+    Writer(bool pretty, const JsonSink& sink) : m_pretty(pretty), m_sink(sink) {}
+    ~Writer() = default;
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
 
     // Recurses as deep as the value, which the reader bounds by kMaxJsonDepth.
     void Value(const Json& value, std::size_t level) {
         switch (value.GetType()) {
             case Json::Type::kNull:
-                m_out += "null";
-                break;
+                return Put("null");
             case Json::Type::kFalse:
-                m_out += "false";
-                break;
+                return Put("false");
             case Json::Type::kTrue:
-                m_out += "true";
-                break;
+                return Put("true");
             case Json::Type::kNumber:
-                m_out += value.NumberText();
-                break;
+                return Put(value.NumberText());
             case Json::Type::kString:
-                String(value.String());
-                break;
+                return String(value.String());
             case Json::Type::kArray:
-                Array(value.Items(), level);
-                break;
+                return Array(value.Items(), level);
             case Json::Type::kObject:
-                Object(value.Members(), level);
-                break;
+                return Object(value.Members(), level);
         }
     }
 
+    void Flush() {
+        m_sink({m_buffer.data(), m_size});
+        m_size = 0;
+    }
+
 private:
+    void Put(char c) {
+        if (m_size == m_buffer.size()) Flush();
+        m_buffer[m_size++] = c;
+    }
+
+    void Put(std::string_view text) {
+        if (text.size() > m_buffer.size() - m_size) {
+            Flush();
+            if (text.size() > m_buffer.size()) return m_sink(text);
+        }
+        m_size += text.copy(m_buffer.data() + m_size, text.size());
+    }
+
     void Array(std::span<const Json> items, std::size_t level) {
         const bool lines = std::any_of(items.begin(), items.end(),
                                        [](const Json& item) { return item.IsArray() || item.IsObject(); });
-        m_out += '[';
+        Put('[');
         for (std::size_t i = 0; i < items.size(); ++i) {
-            if (i != 0) m_out += m_pretty && !lines ? ", " : ",";
+            if (i != 0) Put(m_pretty && !lines ? ", " : ",");
             if (lines) NewLine(level + 1);
             Value(items[i], level + 1);
         }
         if (lines) NewLine(level);
-        m_out += ']';
+        Put(']');
     }
 
     void Object(std::span<const JsonMember> members, std::size_t level) {
-        m_out += '{';
+        Put('{');
         for (std::size_t i = 0; i < members.size(); ++i) {
-            if (i != 0) m_out += ',';
+            if (i != 0) Put(',');
             NewLine(level + 1);
             String(members[i].Name());
-            m_out += m_pretty ? ": " : ":";
+            Put(m_pretty ? ": " : ":");
             Value(members[i].value, level + 1);
         }
         if (!members.empty()) NewLine(level);
-        m_out += '}';
+        Put('}');
     }
 
     void String(std::string_view text) {
-        constexpr char kHex[] = "0123456789ABCDEF";
-        m_out += '"';
-        for (char c : text) {
-            const auto byte = static_cast<unsigned char>(c);
-            if (c == '"' || c == '\\') {
-                m_out += '\\';
-                m_out += c;
-            } else if (byte >= 0x20) {
-                m_out += c;
-            } else if (c == '\n') {
-                m_out += "\\n";
-            } else if (c == '\t') {
-                m_out += "\\t";
-            } else {
-                m_out += "\\u00";
-                m_out += kHex[byte >> 4];
-                m_out += kHex[byte & 15];
-            }
+        Put('"');
+        while (!text.empty()) {
+            const auto escaped = std::find_if(text.begin(), text.end(),
+                                              [](char c) { return !kPlain[static_cast<unsigned char>(c)]; });
+            const auto plain = static_cast<std::size_t>(escaped - text.begin());
+            Put(text.substr(0, plain));
+            if (plain == text.size()) break;
+            Escape(text[plain]);
+            text.remove_prefix(plain + 1);
         }
-        m_out += '"';
+        Put('"');
+    }
+
+    void Escape(char c) {
+        constexpr char kHex[] = "0123456789ABCDEF";
+        Put('\\');
+        if (c == '"' || c == '\\') return Put(c);
+        if (c == '\n') return Put('n');
+        if (c == '\t') return Put('t');
+        const auto byte = static_cast<unsigned char>(c);
+        Put("u00");
+        Put(kHex[byte >> 4]);
+        Put(kHex[byte & 15]);
     }
 
     void NewLine(std::size_t level) {
-        if (m_pretty) m_out.append(1, '\n').append(level * 2, ' ');
+        if (!m_pretty) return;
+        Put('\n');
+        for (std::size_t i = 0; i < level; ++i) Put("  ");
     }
 
     bool m_pretty;
-    std::string m_out;
+    const JsonSink& m_sink;
+    std::array<char, std::size_t{64} << 10> m_buffer;
+    std::size_t m_size = 0;
 };
 
 }  // namespace
 
-std::string WriteJson(const Json& value, bool pretty) {
-    Writer writer(pretty);
+void WriteJson(const Json& value, bool pretty, const JsonSink& sink) {
+    Writer writer(pretty, sink);
     writer.Value(value, 0);
-    return writer.Take();
+    writer.Flush();
+}
+
+std::string WriteJson(const Json& value, bool pretty) {
+    std::string text;
+    WriteJson(value, pretty, [&text](std::string_view piece) { text += piece; });
+    return text;
 }
 
 }  // namespace zr::gltf

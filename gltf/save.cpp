@@ -2,11 +2,12 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <set>
+#include <optional>
 
 #include "base/text.h"
 #include "gltf/document.h"
 #include "gltf/glb.h"
+#include "gltf/placed_files.h"
 #include "gltf/references.h"
 #include "gltf/uri.h"
 
@@ -21,13 +22,6 @@ bool SameFolder(const fs::path& a, const fs::path& b) {
     };
     std::error_code missing;
     return fs::equivalent(folder(a), folder(b), missing);
-}
-
-bool HoldsSame(const fs::path& file, Bytes content) {
-    std::error_code missing;
-    if (fs::file_size(file, missing) != content.size() || missing) return false;
-    const FileContent there = ReadFile(file);
-    return std::equal(content.begin(), content.end(), there.View().begin(), there.View().end());
 }
 
 // The media type of an image by its first bytes; empty when they are none that a view may hold.
@@ -56,81 +50,76 @@ std::size_t Aligned(std::size_t size) {
 
 class Saver {
 public:
-    Saver(Document& document, const fs::path& target)
+    Saver(Document& document, const fs::path& target, FileTransaction& files)
         : m_document(document),
           m_tree(document.m_tree),
           m_target(target),
           m_toGlb(target.extension() == ".glb"),
-          m_sameFolder(SameFolder(target, document.m_file)) {}
+          m_sameFolder(SameFolder(target, document.m_file)),
+          m_files(files),
+          m_names(target, files) {}
 
-    void Run(const std::function<void()>& beforeCommit) {
+    void Run() {
+        const std::vector<fs::path> oldBuffers = BuffersOfTarget();
         NoteKeptFiles();
-        Resources();
+        ForEachResource(m_document,
+                        [&](Json& element, const std::string& place) { Resource(element, place); });
         if (m_toGlb) MergeBuffers();
         for (std::size_t i = 0; i < m_document.m_buffers.size(); ++i) PlaceBuffer(i);
-        std::string json = WriteJson(m_document.Root(), !m_toGlb);
+        m_names.Supersede(oldBuffers);
+        OutputFile& file = m_files.Create(m_target);
+        const auto writeJson = [&] {
+            WriteJson(m_document.Root(), !m_toGlb && m_document.m_isIndented,
+                      [&file](std::string_view piece) { file.Write(piece); });
+        };
         if (m_toGlb) {
-            std::vector<std::byte> head;
-            m_files.Add(m_target, GlbPieces(json, m_bin, m_document.m_isGlb ? m_document.m_rest : Bytes(),
-                                            PathToUtf8(m_target), head));
+            WriteGlb(file, PathToUtf8(m_target), writeJson, m_bin,
+                     m_document.m_isGlb ? m_document.m_rest : Bytes());
         } else {
-            json += '\n';
-            m_files.Add(m_target, BytesOf(json));
+            writeJson();
+            file.Write("\n");
         }
-        beforeCommit();
-        m_files.Commit();
     }
 
 private:
     using Origin = Document::Origin;
     using Buffer = Document::Buffer;
 
-    // Names beside the target that new files must not take.
+    // The files of the buffers of the scene that is replaced, if it is text.
+    std::vector<fs::path> BuffersOfTarget() const {
+        std::error_code none;
+        if (fs::equivalent(m_target, m_document.m_file, none)) return m_document.m_bufferFiles;
+        if (m_toGlb || !fs::is_regular_file(m_target, none)) return {};
+        std::vector<fs::path> files;
+        try {
+            FileContent content = ReadFile(m_target, kMaxOldScene);
+            JsonTree tree;
+            tree.Parse(reinterpret_cast<char*>(content.data.get()), content.size, "");
+            const Json* buffers = tree.root.Find("buffers");
+            if (buffers == nullptr) return {};
+            for (const Json& buffer : buffers->Items()) {
+                const Json* uri = buffer.Find("uri");
+                if (uri == nullptr || IsDataUri(uri->String())) continue;
+                if (const auto path = PathOfUri(uri->String())) files.push_back(*path);
+            }
+        } catch (const zr::Error&) {
+            // No scene, so none of its files is ours.
+        }
+        return files;
+    }
+
     void NoteKeptFiles() {
-        m_taken.insert(m_target.filename());
         for (const Buffer& buffer : m_document.m_buffers)
-            if (buffer.origin == Origin::kFile) m_taken.insert(buffer.path);
-        for (const Json& image : m_document.Elements(Kind::kImage))
-            if (const Json* uri = image.Find("uri"))
-                if (const auto path = PathInFolder(uri->String())) m_taken.insert(*path);
+            if (buffer.origin == Origin::kFile) m_names.Keep(buffer.path);
+        ForEachResource(m_document, [&](Json& element, const std::string& place) {
+            const Json* uri = element.Find("uri");
+            if (uri == nullptr || !uri->IsString()) return;
+            if (const auto path = m_document.FileOf(uri->String(), place)) m_names.Keep(*path);
+        });
     }
 
-    fs::path NewName(const std::string& extension) {
-        const std::string stem = PathToUtf8(m_target.stem());
-        for (unsigned i = 0;; ++i) {
-            fs::path name = PathFromUtf8(i == 0 ? stem + extension : Join(stem, "-", i, extension));
-            if (m_taken.insert(name).second) return name;
-        }
-    }
-
-    // Puts content beside the target, under the name it had where that is free: the name.
-    fs::path Place(const fs::path& wished, Bytes content) {
-        const fs::path at = m_target.parent_path() / wished;
-        std::error_code missing;
-        const bool inFolder = *wished.begin() != "..";
-        if (inFolder && fs::exists(at, missing) && HoldsSame(at, content)) return wished;
-        const bool free = inFolder && !fs::exists(at, missing);
-        const fs::path name = free ? wished : NewName(PathToUtf8(wished.extension()));
-        m_files.Add(m_target.parent_path() / name, content);
-        return name;
-    }
-
-    // Images and other files that elements name by "uri".
-    void Resources() {
-        for (Json& image : m_document.Elements(Kind::kImage)) Resource(image, m_toGlb && !m_document.m_isGlb);
-        Json* extensions = m_document.Root().Find("extensions");
-        if (extensions == nullptr) return;
-        constexpr std::array<std::array<std::string_view, 2>, 3> kOthers = {
-            {{"KHR_audio_emitter", "audio"}, {"MSFT_audio_emitter", "clips"}, {"EXT_lights_ies", "lights"}}};
-        for (const auto& [extension, list] : kOthers) {
-            Json* holder = extensions->Find(extension);
-            Json* items = holder != nullptr ? holder->Find(list) : nullptr;
-            if (items == nullptr) continue;
-            for (Json& item : items->Items()) Resource(item, false);
-        }
-    }
-
-    void Resource(Json& element, bool embed) {
+    void Resource(Json& element, const std::string& place) {
+        const bool embed = m_toGlb && !m_document.m_isGlb && place.starts_with("/images/");
         Json* uri = element.Find("uri");
         if (uri == nullptr || !uri->IsString()) return;
         if (IsDataUri(uri->String())) {
@@ -139,23 +128,27 @@ private:
             if (content) Embed(element, *content);
             return;
         }
-        const auto path = PathOfUri(uri->String());
-        if (!path || (m_sameFolder && !embed)) return;
-        const fs::path source = m_document.m_file.parent_path() / *path;
+        const auto path = m_document.FileOf(uri->String(), place);
+        if (!path) return;
+        const bool stays = m_sameFolder && !m_names.IsScene(*path);
+        if (stays && !embed) return;
+        const fs::path source = m_document.Folder() / *path;
         std::error_code missing;
-        // What is not there now was not there for the source either.
-        if (!fs::is_regular_file(source, missing)) return;
-        const auto known = m_copied.find(*path);
-        if (known != m_copied.end()) {
-            if (known->second != *path) *uri = m_tree.MakeString(EncodePath(known->second));
-            return;
-        }
+        if (!fs::exists(source, missing)) return;
+        if (!embed) return Copy(*uri, *path, std::nullopt);
         const FileContent content = ReadFile(source);
-        if (embed && Embed(element, content.View())) return;
-        if (m_sameFolder) return;
-        const fs::path name = Place(*path, content.View());
-        m_copied.emplace(*path, name);
-        if (name != *path) *uri = m_tree.MakeString(EncodePath(name));
+        if (!Embed(element, content.View()) && !stays) Copy(*uri, *path, content.View());
+    }
+
+    // Brings a file beside the target; `content`: where it was read already.
+    void Copy(Json& uri, const fs::path& path, std::optional<Bytes> content) {
+        auto known = m_copied.find(path);
+        if (known == m_copied.end()) {
+            FileContent read;
+            if (!content) content = (read = ReadFile(m_document.Folder() / path)).View();
+            known = m_copied.emplace(path, m_names.Place(path, *content)).first;
+        }
+        if (known->second != path) uri = m_tree.MakeString(EncodePath(known->second));
     }
 
     bool Embed(Json& image, Bytes content) {
@@ -231,10 +224,8 @@ private:
     void PlaceBuffer(std::size_t index) {
         const Buffer& buffer = m_document.m_buffers[index];
         Json& json = m_document.Elements(Kind::kBuffer)[index];
-        if (buffer.origin == Origin::kFile && !m_sameFolder) {
-            const fs::path name = Place(buffer.path, buffer.bytes);
-            if (name != buffer.path) *json.Find("uri") = m_tree.MakeString(EncodePath(name));
-        }
+        if (buffer.origin == Origin::kFile && (!m_sameFolder || m_names.IsScene(buffer.path)))
+            Copy(*json.Find("uri"), buffer.path, buffer.bytes);
         if (buffer.origin != Origin::kContainer && buffer.origin != Origin::kNew) return;
         if (IsSelfContained()) {
             const std::string_view text(reinterpret_cast<const char*>(buffer.bytes.data()),
@@ -242,8 +233,7 @@ private:
             m_tree.Member(json, "uri") = m_tree.MakeString(EncodeDataUri("application/octet-stream", text));
             return;
         }
-        const fs::path name = NewName(".bin");
-        m_files.Add(m_target.parent_path() / name, buffer.bytes);
+        const fs::path name = m_names.PlaceNew(".bin", buffer.bytes);
         m_tree.Member(json, "uri") = m_tree.MakeString(EncodePath(name));
     }
 
@@ -258,23 +248,31 @@ private:
     }
 
     static constexpr std::array<std::byte, 4> kZeros{};
+    static constexpr std::uint64_t kMaxOldScene = std::uint64_t{256} << 20;  // bytes
 
     Document& m_document;
     JsonTree& m_tree;
     fs::path m_target;
     bool m_toGlb;
     bool m_sameFolder;
-    std::set<fs::path> m_taken;
     std::map<fs::path, fs::path> m_copied;
     std::vector<Bytes> m_bin;
     std::vector<Buffer> m_keptAlive;
-    FileTransaction m_files;
+    FileTransaction& m_files;
+    PlacedFiles m_names;
 };
 
-void Document::Save(const std::filesystem::path& target, const std::function<void()>& beforeCommit) {
+void Document::Save(const fs::path& target, FileTransaction& files) {
     if (target.extension() != ".glb" && target.extension() != ".gltf")
         throw Error(ErrorKind::kFile, PathToUtf8(target), "", "a scene's name ends in .gltf or .glb");
-    Saver(*this, target).Run(beforeCommit);
+    Saver(*this, target, files).Run();
+}
+
+void Document::Save(const fs::path& target, const std::function<void()>& beforeCommit) {
+    FileTransaction files;
+    Save(target, files);
+    beforeCommit();
+    files.Commit();
 }
 
 }  // namespace zr::gltf

@@ -120,15 +120,7 @@ std::optional<std::filesystem::path> PathOfUri(std::string_view uri) {
     if (colon != std::string_view::npos && colon < uri.find('/')) return std::nullopt;
     const auto decoded = PercentDecode(uri);
     if (!decoded || decoded->empty() || decoded->find('\0') != std::string::npos) return std::nullopt;
-    const std::filesystem::path path = PathFromUtf8(*decoded).lexically_normal();
-    if (path.empty() || path.is_absolute() || path.has_root_name()) return std::nullopt;
-    return path;
-}
-
-std::optional<std::filesystem::path> PathInFolder(std::string_view uri) {
-    auto path = PathOfUri(uri);
-    if (path && *path->begin() == "..") path.reset();
-    return path;
+    return PathFromUtf8(*decoded).lexically_normal();
 }
 
 std::string EncodePath(const std::filesystem::path& path) {

@@ -18,11 +18,9 @@ std::optional<std::vector<std::byte>> DecodeDataUri(std::string_view uri);
 std::string_view DataUriType(std::string_view uri);
 std::string EncodeDataUri(std::string_view mediaType, std::string_view bytes);
 
-// The path a URI reference names, relative to its document; nothing when it has a scheme, is absolute or is
-// malformed.
+// The path a URI reference names, in its shortest form: absolute, or relative to its document. Nothing when
+// it has a scheme or is malformed.
 std::optional<std::filesystem::path> PathOfUri(std::string_view uri);
-// The same, but nothing either when it leads out of the document's folder.
-std::optional<std::filesystem::path> PathInFolder(std::string_view uri);
 // The URI reference of a relative path.
 std::string EncodePath(const std::filesystem::path& path);
 

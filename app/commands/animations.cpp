@@ -57,7 +57,7 @@ void AddAnimationsCommand(CLI::App& app, Session& session) {
     command->add_option("scene", *file, "Scene to read (.gltf, .glb)")->required();
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
-            LoadedScene loaded(gltf::Document::Load(PathFromUtf8(*file)));
+            LoadedScene loaded(session.LoadDocument(PathFromUtf8(*file)));
             PrintAnimations(session.GetHost(), loaded);
             return 0;
         });

@@ -152,7 +152,7 @@ private:
             m_session.ThrowIfStopped();
             progress(kLoaded + (kCleaned - kLoaded) * done);
         };
-        gltf::Document document = gltf::Document::Load(job.scene);
+        gltf::Document document = m_session.LoadDocument(job.scene);
         onProgress(0);
         job.report.scene = job.scene;
         job.report.bytesBefore = SizeOf(job.scene);
@@ -220,7 +220,7 @@ private:
 
 int RunDialog(Session& session, const Arguments& arguments) {
     const Job job = MakeJobs(arguments).front();
-    CleanInDialog(job.scene, job.output, session.GetHost(), arguments.options);
+    CleanInDialog(session.LoadDocument(job.scene), job.output, session.GetHost(), arguments.options);
     return 0;
 }
 

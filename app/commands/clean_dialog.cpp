@@ -26,11 +26,10 @@ void RefuseOpaque(const std::filesystem::path& scene, gltf::Document& document) 
 
 }  // namespace
 
-void CleanInDialog(const std::filesystem::path& scene, const std::filesystem::path& output, Host& host,
+void CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
                    const CleanOptions& options) {
     StartWindows();
-    gltf::Document document = gltf::Document::Load(scene);
-    if (!options.force) RefuseOpaque(scene, document);
+    if (!options.force) RefuseOpaque(document.File(), document);
     LoadedScene loaded(std::move(document), SceneOptionsOf(options));
     EnvironmentService environment(host);
     environment.Run(loaded.Document(),

@@ -13,7 +13,7 @@ class Host;
 // nothing refers to goes too, unless options.keepData. Throws std::runtime_error where no window can be
 // opened, and, unless options.force, when an extension that is not known could refer to what the dialog
 // takes.
-void CleanInDialog(const std::filesystem::path& scene, const std::filesystem::path& output, Host& host,
+void CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
                    const CleanOptions& options);
 
 }  // namespace zr

@@ -24,7 +24,7 @@ int RunExport(Session& session, ExportArguments& arguments) {
         session.ThrowIfStopped();
         bar->Show(done);
     };
-    gltf::Document document = gltf::Document::Load(PathFromUtf8(arguments.Scene()));
+    gltf::Document document = session.LoadDocument(PathFromUtf8(arguments.Scene()));
     SceneOptions sceneOptions;
     sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
     LoadedScene loaded(std::move(document), sceneOptions);
@@ -42,19 +42,20 @@ int RunExport(Session& session, ExportArguments& arguments) {
     // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
     std::string renameMap;
     std::string* const wantedMap = arguments.RenameMapFile().empty() ? nullptr : &renameMap;
+    FileTransaction files;
+    OutputFile* const mapFile =
+        wantedMap != nullptr ? &files.Create(PathFromUtf8(arguments.RenameMapFile())) : nullptr;
     if (arguments.WantsRecords()) {
-        report = ExportRecords(session.GetHost(), loaded, options, out, wantedMap);
+        report = ExportRecords(session.GetHost(), loaded, options, files.Create(out), wantedMap);
     } else {
         const auto onProgress = [&](double done) { advance(kSceneMade + (kExported - kSceneMade) * done); };
         report = ExportScene(session.GetHost(), loaded, options, onProgress, wantedMap);
         session.ThrowIfStopped();
-        loaded.Document().Save(out, [&] { session.ThrowIfStopped(); });
+        loaded.Document().Save(out, files);
     }
-    if (wantedMap != nullptr) {
-        FileTransaction files;
-        files.Add(PathFromUtf8(arguments.RenameMapFile()), BytesOf(renameMap));
-        files.Commit();
-    }
+    if (mapFile != nullptr) mapFile->Write(renameMap);
+    session.ThrowIfStopped();
+    files.Commit();
     bar.reset();
     if (!report.unreadKeys.empty()) {
         std::fprintf(stderr, "zr: %s: %s\n", arguments.Scene().c_str(), report.unreadKeys.c_str());

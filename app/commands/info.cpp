@@ -49,7 +49,7 @@ void AddInfoCommand(CLI::App& app, Session& session) {
     command->add_option("scene", *file, "Scene to read (.gltf, .glb)")->required();
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
-            LoadedScene loaded(gltf::Document::Load(PathFromUtf8(*file)));
+            LoadedScene loaded(session.LoadDocument(PathFromUtf8(*file)));
             Host& host = session.GetHost();
             std::printf("module      %s, version %s\n", kernix::ToUtf8(host.ModuleDescription()).c_str(),
                         kernix::ToUtf8(host.ModuleVersion()).c_str());

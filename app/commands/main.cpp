@@ -39,6 +39,8 @@ int main(int argc, char** argv) {
     CLI::App app("Prepares, cleans and exports animated glTF scenes, and turns text into geometry.", "zr");
     app.require_subcommand(1);
     app.add_option("--language", session.m_language, "Language of the module's texts: en, de, fr, ja or zh");
+    app.add_flag("--allow-outside", session.m_loadOptions.allowOutside,
+                 "Also read files of a scene that stand outside its folder");
     app.fallthrough();
     zr::AddExportCommand(app, session);
     zr::AddInfoCommand(app, session);

@@ -46,11 +46,11 @@ int RunMerge(Session& session, MergeArguments& arguments) {
     if (arguments.from.empty() && arguments.animations.size() < 2) {
         throw UsageError("--animations names two animations or more");
     }
-    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
+    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
     session.ThrowIfStopped();
     Animations brought;
     if (!arguments.from.empty()) {
-        LoadedScene other(gltf::Document::Load(PathFromUtf8(arguments.from)));
+        LoadedScene other(session.LoadDocument(PathFromUtf8(arguments.from)));
         BroughtAnimations result = BringAnimations(other, loaded);
         PrintNotes("no partner", result.withoutPartner);
         PrintNotes("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));

@@ -34,7 +34,7 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     if (arguments.unused != arguments.animations.empty()) {
         throw UsageError("give either --animations or --unused");
     }
-    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
+    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
     Host& host = session.GetHost();
     const Animations chosen = arguments.unused ? UnusedAnimations(host, loaded.Scene())
                                                : ChooseAnimations(loaded.Scene(), arguments.animations);

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app/services/host.h"
+#include "gltf/document.h"
 #include "host/context.h"
 
 namespace zr {
@@ -38,17 +42,23 @@ public:
         if (IsStopRequested()) throw Stopped();
     }
 
+    // Reads a scene as the command line asks. Its warnings are printed when the command is done. On any thread.
+    gltf::Document LoadDocument(const std::filesystem::path& file);
+
     // A command gives here what it does; it runs when the command line has been read. Its result is the
     // program's status.
     void SetCommand(std::function<int()> run) { m_run = std::move(run); }
-    int Run() { return m_run ? m_run() : 2; }
+    int Run();
 
     std::string m_language;  // empty: the user's
+    gltf::LoadOptions m_loadOptions;
 
 private:
     vl::Ref<vl::Context> m_context;
     std::unique_ptr<Host> m_host;
     std::function<int()> m_run;
+    std::mutex m_warningsMutex;
+    std::vector<std::string> m_warnings;
 };
 
 }  // namespace zr

@@ -45,7 +45,7 @@ std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
 
 int RunSplit(Session& session, const SplitArguments& arguments) {
     if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
-    LoadedScene loaded(gltf::Document::Load(PathFromUtf8(arguments.scene)));
+    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
     session.ThrowIfStopped();
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);

@@ -40,7 +40,7 @@ vl::Ref<vl::tk::Serializer> BuildTree(Host& host, LoadedScene& loaded) {
 int ShowTree(Session& session, const TreeOptions& options) {
     if (options.window) StartWindows();
     Host& host = session.GetHost();
-    LoadedScene loaded(gltf::Document::Load(options.scene));
+    LoadedScene loaded(session.LoadDocument(options.scene));
     const auto tool = BuildTree(host, loaded);
     if (options.window) {
         if (tool->FillTreeView(nullptr, 0) == 0)

@@ -125,7 +125,7 @@ TEST(Check, OddButReadableScenesPass) {
             R"({"asset":{"version":"2.0"},"nodes":[{"extras":42},{"extras":null},{"name":"","children":[0]}]})",
             R"({"asset":{"version":"2.0"},"extensionsRequired":["ODD_thing"],"extensions":{"ODD_thing":[1,{"a":-1}]}})",
             R"({"asset":{"version":"2.0"},"meshes":[{"primitives":[{"attributes":{}}]}],"buffers":[{"byteLength":1}]})",
-            R"({"asset":{"version":"2.0"},"images":[{"uri":"http://x/y.png"},{"uri":"../z.png"}]})",
+            R"({"asset":{"version":"2.0"},"images":[{"uri":"http://x/y.png"},{"uri":"gone.png"},{"uri":"100%.png"}]})",
         })
         EXPECT_NO_THROW(test::FromText(json)) << json;
 }

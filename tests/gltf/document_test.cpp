@@ -16,17 +16,6 @@ std::string TextOf(Bytes bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// The scene of test::Sample() as text whose binary data stands in a file, with an image file of its own.
-std::string TextScene(std::string_view buffer) {
-    std::string json = test::SampleJson();
-    const std::string_view image = R"({"bufferView": 7, "mimeType": "image/png"})",
-                           bytes = R"({"byteLength": 256})";
-    json.replace(json.find(image), image.size(), R"({"uri": "my%20images/a.png"}, {"uri": "gone.png"})");
-    json.replace(json.find(bytes), bytes.size(),
-                 R"({"byteLength": 256, "uri": ")" + std::string(buffer) + "\"}");
-    return json;
-}
-
 TEST(Document, UntouchedIsWrittenAsItWasRead) {
     const TemporaryFolder folder;
     const std::string container = test::Glb(test::SampleJson(), test::SampleBin());
@@ -36,7 +25,7 @@ TEST(Document, UntouchedIsWrittenAsItWasRead) {
     EXPECT_EQ(WriteJson(before.Root(), false), WriteJson(after.Root(), false));
     EXPECT_EQ(TextOf(*after.BufferBytes(0)), test::SampleBin());
 
-    folder.Write("a/in.gltf", TextScene("data%20one.bin"));
+    folder.Write("a/in.gltf", test::TextScene("data%20one.bin"));
     folder.Write("a/data one.bin", test::SampleBin());
     folder.Write("a/my images/a.png", "\x89PNG image");
     Document::Load(folder / "a/in.gltf").Save(folder / "a/copy.gltf");
@@ -63,7 +52,7 @@ TEST(Document, UnknownChunksAndOddEndsSurvive) {
 
 TEST(Document, TextBecomesOneContainerAndBack) {
     const TemporaryFolder folder;
-    folder.Write("in.gltf", TextScene("d.bin"));
+    folder.Write("in.gltf", test::TextScene("d.bin"));
     folder.Write("d.bin", test::SampleBin());
     folder.Write("my images/a.png", "\x89PNG image");
     Document::Load(folder / "in.gltf").Save(folder / "x/out.glb");
@@ -113,7 +102,7 @@ TEST(Document, SeveralBuffersMergeWithTheirViews) {
 
 TEST(Document, NewDataGoesWhereTheDocumentKeepsIts) {
     const TemporaryFolder folder;
-    folder.Write("in.gltf", TextScene(EncodeDataUri("application/octet-stream", test::SampleBin())));
+    folder.Write("in.gltf", test::TextScene(EncodeDataUri("application/octet-stream", test::SampleBin())));
     Document document = Document::Load(folder / "in.gltf");
     const std::size_t view = document.AppendView(BytesOf("more"), 0, 0);
     document.Save(folder / "out.gltf");
@@ -125,53 +114,6 @@ TEST(Document, NewDataGoesWhereTheDocumentKeepsIts) {
     container.Save(folder / "out.glb");
     const Document read = Document::Load(folder / "out.glb");
     EXPECT_EQ(TextOf(*read.BufferBytes(0)), test::SampleBin() + "more");
-}
-
-TEST(Document, FilesOfOthersAreNotOverwritten) {
-    const TemporaryFolder folder;
-    folder.Write("in.gltf", TextScene("d.bin"));
-    folder.Write("d.bin", test::SampleBin());
-    folder.Write("my images/a.png", "\x89PNG mine");
-    folder.Write("out/d.bin", "of another scene");
-    folder.Write("out/my images/a.png", "\x89PNG other");
-    Document::Load(folder / "in.gltf").Save(folder / "out/new.gltf");
-    EXPECT_EQ(folder.Read("out/d.bin"), "of another scene");
-    EXPECT_EQ(folder.Read("out/my images/a.png"), "\x89PNG other");
-    const Document read = Document::Load(folder / "out/new.gltf");
-    EXPECT_EQ(TextOf(*read.BufferBytes(0)), test::SampleBin());
-    EXPECT_EQ(folder.Read("out/new.png"), "\x89PNG mine");
-    EXPECT_EQ(read.Elements(Kind::kImage)[0].Find("uri")->String(), "new.png");
-}
-
-TEST(Document, AFailedSaveLeavesNothing) {
-    const TemporaryFolder folder;
-    folder.Write("in.gltf", TextScene("d.bin"));
-    folder.Write("d.bin", test::SampleBin());
-    std::filesystem::create_directories(folder / "out/taken.gltf/inside");
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out/taken.gltf"), zr::Error);
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "d.bin/out.gltf"), zr::Error);
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "out.obj"), zr::Error);
-    const auto stop = [] { throw std::runtime_error("stop"); };
-    EXPECT_THROW(Document::Load(folder / "in.gltf").Save(folder / "new/out.gltf", stop), std::runtime_error);
-    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
-    for (const std::string& file : folder.Files()) EXPECT_EQ(file.find(".tmp"), std::string::npos) << file;
-    EXPECT_FALSE(std::filesystem::exists(folder / "out/taken.gltf/in.gltf"));
-    EXPECT_TRUE(std::filesystem::exists(folder / "out/taken.gltf/inside"));
-}
-
-TEST(Document, SavingOverTheSourceIsSafe) {
-    const TemporaryFolder folder;
-    folder.Write("s.gltf", TextScene("s.bin"));
-    folder.Write("s.bin", test::SampleBin());
-    Document document = Document::Load(folder / "s.gltf");
-    // The image moves to where the weights stand.
-    const Document::BlockMove moves[] = {{0, 6, 0}, {8, 232, 8}, {248, 8, 240}};
-    document.PackBuffer(0, moves);
-    *document.Elements(Kind::kBufferView)[7].Find("byteOffset") = document.Tree().MakeIndex(240);
-    document.Save(folder / "s.gltf");
-    EXPECT_EQ(folder.Files(), (Names{"s.bin", "s.gltf"}));
-    const std::string bin = test::SampleBin();
-    EXPECT_EQ(folder.Read("s.bin").substr(0, 256), bin.substr(0, 240) + bin.substr(248));
 }
 
 }  // namespace

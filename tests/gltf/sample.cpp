@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <fstream>
-#include <sstream>
 
 namespace zr::gltf::test {
 namespace {
@@ -120,37 +118,18 @@ std::string SampleJson() {
 })";
 }
 
+std::string TextScene(std::string_view buffer) {
+    std::string json = SampleJson();
+    const std::string_view image = R"({"bufferView": 7, "mimeType": "image/png"})",
+                           bytes = R"({"byteLength": 256})";
+    json.replace(json.find(image), image.size(), R"({"uri": "my%20images/a.png"}, {"uri": "gone.png"})");
+    json.replace(json.find(bytes), bytes.size(),
+                 R"({"byteLength": 256, "uri": ")" + std::string(buffer) + "\"}");
+    return json;
+}
+
 Document FromText(std::string_view json) {
     return Document::FromBytes(BytesOf(json), "text.gltf");
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "zr-gltf-XXXXXX").string();
-    m_path = mkdtemp(pattern.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
-std::vector<std::string> TemporaryFolder::Files() const {
-    std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(m_path))
-        if (entry.is_regular_file()) files.push_back(entry.path().lexically_relative(m_path).string());
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-void TemporaryFolder::Write(std::string_view name, std::string_view content) const {
-    std::filesystem::create_directories((*this / name).parent_path());
-    std::ofstream(*this / name, std::ios::binary) << content;
-}
-
-std::string TemporaryFolder::Read(std::string_view name) const {
-    std::ostringstream content;
-    content << std::ifstream(*this / name, std::ios::binary).rdbuf();
-    return content.str();
 }
 
 }  // namespace zr::gltf::test

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "gltf/document.h"
+#include "tests/base/temporary_folder.h"
 
 namespace zr::gltf::test {
 
@@ -22,25 +21,15 @@ std::string Shorts(std::initializer_list<unsigned> values);
 // them by pointer), a second scene, extras. Binary data: kSampleBin.
 std::string SampleJson();
 std::string SampleBin();
+// The same as text: the binary data stands under the URI `buffer`, the image in "my images/a.png", and a
+// second image is missing.
+std::string TextScene(std::string_view buffer);
 
 Document FromText(std::string_view json);
 inline Document Sample() {
     return Document::FromBytes(BytesOf(Glb(SampleJson(), SampleBin())), "sample.glb");
 }
 
-// A folder of its own that goes with the object.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-
-    std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
-    std::vector<std::string> Files() const;  // relative names, sorted
-    void Write(std::string_view name, std::string_view content) const;
-    std::string Read(std::string_view name) const;
-
-private:
-    std::filesystem::path m_path;
-};
+using zr::test::TemporaryFolder;
 
 }  // namespace zr::gltf::test

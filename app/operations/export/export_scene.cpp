@@ -99,7 +99,7 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
 }
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                           const std::filesystem::path& file, std::string* renameMap) {
+                           OutputFile& file, std::string* renameMap) {
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();

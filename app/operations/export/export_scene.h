@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -9,6 +8,7 @@
 #include "app/operations/export/motion_report.h"
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
+#include "base/file_transaction.h"
 
 namespace zr {
 
@@ -24,6 +24,6 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
 
 // The same for the active animation, as the records themselves.
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                           const std::filesystem::path& file, std::string* renameMap = nullptr);
+                           OutputFile& file, std::string* renameMap = nullptr);
 
 }  // namespace zr

@@ -5,7 +5,6 @@
 #include <unordered_map>
 
 #include "app/operations/export/record_names.h"
-#include "base/file.h"
 #include "gltf/json.h"
 #include "kernix/scene/node_model.h"
 #include "kernix/utf.h"
@@ -122,10 +121,8 @@ private:
 
 }  // namespace
 
-void WriteRecordJson(const Tool& tool, const ExportOptions& options, const std::filesystem::path& file) {
-    FileTransaction files;
-    files.Add(file, BytesOf(RecordWriter(tool, options).Text()));
-    files.Commit();
+void WriteRecordJson(const Tool& tool, const ExportOptions& options, OutputFile& file) {
+    file.Write(RecordWriter(tool, options).Text());
 }
 
 }  // namespace zr

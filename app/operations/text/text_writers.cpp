@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/operations/text/text_geometry.h"
+#include "base/file_transaction.h"
 #include "base/text.h"
 #include "gltf/document.h"
 

@@ -161,7 +161,9 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
         ExportOptions options;
         if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
         const gltf::test::TemporaryFolder folder;
-        ExportRecords(TheHost(), loaded, options, folder / "out.json");
+        FileTransaction files;
+        ExportRecords(TheHost(), loaded, options, files.Create(folder / "out.json"));
+        files.Commit();
         gltf::JsonTree tree;
         const gltf::Json root = tree.Build(folder.Read("out.json"));
         const gltf::Json& node = root.Find("nodes")->Items()[0];
@@ -208,8 +210,10 @@ TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
     }
     const gltf::test::TemporaryFolder folder;
     LoadedScene records = load();
-    EXPECT_THROW(ExportRecords(TheHost(), records, ExportOptions(), folder / "out.json"), std::runtime_error);
-    EXPECT_TRUE(folder.Files().empty());
+    FileTransaction files;
+    OutputFile& file = files.Create(folder / "out.json");
+    EXPECT_THROW(ExportRecords(TheHost(), records, ExportOptions(), file), std::runtime_error);
+    EXPECT_EQ(file.Size(), 0U);
 }
 
 }  // namespace

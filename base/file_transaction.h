@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include "base/file.h"
+#include "base/new_file.h"
+
+namespace zr {
+
+// One file of a transaction, written through a buffer. What cannot be written is thrown as an Error.
+class OutputFile {
+public:
+    void Write(Bytes bytes);
+    void Write(std::string_view text) { Write(BytesOf(text)); }
+    // Writes over bytes that were written before.
+    void Overwrite(std::uint64_t offset, Bytes bytes);
+    std::uint64_t Size() const { return m_flushed + m_buffer.size(); }
+
+private:
+    friend class FileTransaction;
+
+    void Flush();
+    void Finish();
+    void Check(std::error_code failure) const;
+
+    std::filesystem::path m_target;  // as it was asked for, for messages
+    std::filesystem::path m_name;    // where links lead
+    std::filesystem::path m_backup;  // another name of what was replaced
+    NewFile m_file;
+    std::vector<std::byte> m_buffer;
+    std::uint64_t m_flushed = 0;
+    bool m_isNew = false;       // the name must not be in use
+    bool m_isFinished = false;  // on the disk
+    bool m_isNamed = false;
+};
+
+// Files that appear together or not at all. They are written out of sight; Commit puts them on the disk and
+// then gives them their names: first those under names nobody uses, then, in the order they were begun, those
+// that take the place of others. Of a transaction with one such file its replacement is the commit, in one
+// step. Without Commit, or when a signal ends the process before it, nothing has changed.
+//
+// A file that is replaced keeps its permissions. Where the target is a link, the file it leads to is
+// replaced.
+class FileTransaction {
+public:
+    FileTransaction() = default;
+    FileTransaction(const FileTransaction&) = delete;
+    FileTransaction& operator=(const FileTransaction&) = delete;
+
+    // Begins a file. Folders that are missing are made by Commit. The reference holds as long as the
+    // transaction. Throws Error, also when the transaction has a file of that name already.
+    OutputFile& Create(const std::filesystem::path& target) { return Begin(target, false); }
+    // The same for a name that nothing has, also when Commit comes to it.
+    OutputFile& CreateNew(const std::filesystem::path& target) { return Begin(target, true); }
+    // The same with the whole content.
+    void Add(const std::filesystem::path& target, Bytes content);
+    void AddNew(const std::filesystem::path& target, Bytes content);
+
+    // Whether it has a file of that name.
+    bool Has(const std::filesystem::path& target) const;
+
+    // Takes away a file once all others are in their places. That it cannot be is no failure.
+    void RemoveAfterwards(const std::filesystem::path& file) { m_superseded.push_back(file); }
+
+    // Throws Error, with everything as it was, when a file cannot take its place.
+    void Commit();
+
+private:
+    OutputFile& Begin(const std::filesystem::path& target, bool isNew);
+    void MakeFolders();
+    void Name(OutputFile& file, bool isLast);
+    void Undo() noexcept;
+    void TidyUp() noexcept;
+
+    std::deque<OutputFile> m_files;
+    std::set<std::filesystem::path> m_names;
+    std::vector<std::filesystem::path> m_missing;  // folders, outer ones first
+    std::vector<std::filesystem::path> m_made;
+    std::vector<std::filesystem::path> m_superseded;
+};
+
+}  // namespace zr

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <utility>
+
+namespace zr {
+
+struct TemporarySlot;
+
+// The name of a temporary file, which is removed with the object, and by EndBySignal.
+class TemporaryPath {
+public:
+    TemporaryPath() = default;
+    explicit TemporaryPath(const std::filesystem::path& path);
+    TemporaryPath(TemporaryPath&& other) noexcept : m_slot(std::exchange(other.m_slot, nullptr)) {}
+    TemporaryPath& operator=(TemporaryPath&& other) noexcept {
+        std::swap(m_slot, other.m_slot);
+        return *this;
+    }
+    ~TemporaryPath();
+
+    explicit operator bool() const { return m_slot != nullptr; }
+    const char* Get() const;
+    // The file has another name now.
+    void Forget() noexcept;
+
+private:
+    TemporarySlot* m_slot = nullptr;
+};
+
+}  // namespace zr

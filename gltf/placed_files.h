@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/file_transaction.h"
+
+namespace zr::gltf {
+
+// The names of the files beside a scene that is written, settled together: none is that of the scene, of a
+// file the scene keeps, or of somebody else's file. Paths are relative to the scene's folder.
+class PlacedFiles {
+public:
+    PlacedFiles(const std::filesystem::path& scene, FileTransaction& files);
+
+    // A name that new files must not take: of a file that stays, or that is wished for one.
+    void Keep(const std::filesystem::path& name) { m_kept.insert(name); }
+
+    // Puts content beside the scene: the name. `wished` is taken where nothing else has it; a file that holds
+    // the same stays as it is.
+    std::filesystem::path Place(const std::filesystem::path& wished, Bytes content);
+    // The same under a name made from the scene's, with the extension (".bin").
+    std::filesystem::path PlaceNew(std::string_view extension, Bytes content);
+
+    // Of the buffers of the scene that is replaced, those go with it that were placed for it, are not used
+    // any more and have no other user in the folder.
+    void Supersede(std::span<const std::filesystem::path> oldBuffers);
+
+    bool IsScene(const std::filesystem::path& name) const;
+
+private:
+    std::filesystem::path At(const std::filesystem::path& name) const { return m_folder / name; }
+    bool IsFree(const std::filesystem::path& name) const;
+    std::filesystem::path NumberedName(unsigned number, std::string_view extension) const;
+    bool IsNumberedName(const std::filesystem::path& name) const;
+    bool IsUsedBySibling(const std::filesystem::path& name) const;
+
+    std::filesystem::path m_scene;
+    std::filesystem::path m_folder;
+    FileTransaction& m_files;
+    std::set<std::filesystem::path> m_kept;
+    std::set<std::filesystem::path> m_placed;
+    std::map<std::string, unsigned, std::less<>> m_next;  // the number to try next, by extension
+};
+
+}  // namespace zr::gltf

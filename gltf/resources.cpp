@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "gltf/check.h"
+#include "gltf/document.h"
+#include "gltf/uri.h"
+
+namespace zr::gltf {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct List {
+    std::string_view extension;  // of the document
+    std::string_view member;
+};
+constexpr List kLists[] = {
+    {"KHR_audio_emitter", "audio"}, {"MSFT_audio_emitter", "clips"}, {"EXT_lights_ies", "lights"}};
+
+std::string Quoted(std::string_view uri) {
+    constexpr std::size_t kShown = 80;
+    return Join("\"", uri.substr(0, kShown), uri.size() > kShown ? "..." : "", "\"");
+}
+
+bool IsInside(const fs::path& file, const fs::path& folder) {
+    return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
+}
+
+}  // namespace
+
+void ForEachResource(Document& document,
+                     const std::function<void(Json& element, const std::string& place)>& visit) {
+    const auto images = document.Elements(Kind::kImage);
+    for (std::size_t i = 0; i < images.size(); ++i) visit(images[i], Join("/images/", i));
+    Json* extensions = document.Root().Find("extensions");
+    if (extensions == nullptr) return;
+    for (const List& list : kLists) {
+        Json* holder = extensions->Find(list.extension);
+        Json* items = holder != nullptr ? holder->Find(list.member) : nullptr;
+        if (items == nullptr) continue;
+        for (std::size_t i = 0; i < items->Items().size(); ++i)
+            visit(items->Items()[i], Join("/extensions/", list.extension, "/", list.member, "/", i));
+    }
+}
+
+fs::path Document::Folder() const {
+    return m_file.has_parent_path() ? m_file.parent_path() : fs::path(".");
+}
+
+std::optional<fs::path> Document::FileOf(std::string_view uri, std::string_view place) const {
+    if (IsDataUri(uri)) return std::nullopt;
+    const auto path = PathOfUri(uri);
+    if (!path) return std::nullopt;
+    const auto refuse = [&](std::string_view why) { Fail(ErrorKind::kUri, place, Join(Quoted(uri), why)); };
+    constexpr std::string_view kOutside = " leads out of the scene's folder";
+    if (!m_options.allowOutside && (path->is_absolute() || *path->begin() == "..")) refuse(kOutside);
+    const fs::path file = Folder() / *path;
+    std::error_code failure;
+    const fs::file_status status = fs::status(file, failure);
+    if (!fs::exists(status)) return path;
+    if (!m_options.allowOutside) {
+        const fs::path folder = fs::canonical(Folder(), failure);
+        if (failure || !IsInside(fs::canonical(file, failure), folder)) refuse(kOutside);
+    }
+    // A pipe could keep the reader waiting, a device need not end.
+    if (!fs::is_regular_file(status)) refuse(" is not a regular file");
+    return path;
+}
+
+void CheckResources(Document& document) {
+    ForEachResource(document, [&](Json& element, const std::string& place) {
+        const Json* uri = element.Find("uri");
+        if (uri == nullptr || !uri->IsString() || IsDataUri(uri->String())) return;
+        const std::string at = place + "/uri";
+        const auto path = document.FileOf(uri->String(), at);
+        std::error_code failure;
+        if (!path)
+            document.Warn(ErrorKind::kUri, at,
+                          Join(Quoted(uri->String()), " names no file and stays as it is"));
+        else if (!std::filesystem::exists(document.Folder() / *path, failure))
+            document.Warn(ErrorKind::kFile, at, Join(Quoted(uri->String()), " is missing"));
+    });
+}
+
+}  // namespace zr::gltf
