@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr int kViewWindow = 4;
 constexpr std::size_t kLongestText = 1024;
+constexpr const char* kModuleFile = "zrtools.so";
 
 // The 3D view window of a host without one on the screen: its value 0 holds the view.
 class ViewWindow final : public platform::HostControl {
@@ -29,15 +31,17 @@ public:
     ViewObject* m_view = nullptr;
 };
 
-// The module stands in lib/ beside the bin/ of the program, or beside the program itself.
+// The file that ZR_MODULE names; else the module stands beside the program or, where libraries have a folder
+// of their own, there.
 std::filesystem::path FindModule() {
+    if (const char* chosen = std::getenv("ZR_MODULE")) return chosen;
     const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    for (const auto& candidate : {folder.parent_path() / "lib" / "zrtools.so", folder / "zrtools.so",
-                                  folder.parent_path() / "lib" / "zrtools" / "zrtools.so"}) {
+    const std::filesystem::path libraries = (folder / ZR_LIBRARIES_FROM_PROGRAM).lexically_normal();
+    for (const auto& candidate : {folder / kModuleFile, libraries / kModuleFile}) {
         if (std::filesystem::exists(candidate)) return candidate;
     }
-    throw std::runtime_error("the module zrtools.so was found neither in " +
-                             (folder.parent_path() / "lib").string() + " nor in " + folder.string());
+    throw std::runtime_error(std::string("the module ") + kModuleFile + " was found neither in " +
+                             folder.string() + " nor in " + libraries.string() + "; ZR_MODULE can name it");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "host/version.h"
 #include "module/frame/globals.h"
 #include "module/frame/registry.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 constexpr vl::Word kInitialised = 5;
 constexpr int kDescriptionString = 1;
-constexpr std::u16string_view kVersion = u"6.3.1.8069";
+constexpr std::u16string_view kVersion = u"" ZR_VERSION;
 
 vl::Word Initialise(HostApp* host, HINSTANCE module) {
     g_hModule = module;

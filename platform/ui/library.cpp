@@ -15,13 +15,13 @@ struct Loaded {
     std::string error;
 };
 
-// The library lies beside the module or program that this code is part of, or in the lib folder next to it.
+// The library lies beside the module or program that this code is part of, or in the folder of libraries.
 std::filesystem::path FindLibrary() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&LoadUserInterface), &info) == 0) return kLibraryName;
     std::error_code ignored;
     const std::filesystem::path folder = std::filesystem::canonical(info.dli_fname, ignored).parent_path();
-    for (const auto& candidate : {folder / kLibraryName, folder.parent_path() / "lib" / kLibraryName}) {
+    for (const auto& candidate : {folder / kLibraryName, folder / ZR_LIBRARIES_FROM_PROGRAM / kLibraryName}) {
         if (std::filesystem::exists(candidate, ignored)) return candidate;
     }
     return kLibraryName;
