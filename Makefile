@@ -1,55 +1,76 @@
 # SPDX-License-Identifier: MIT
-PRESET ?= release
-BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
 
-.PHONY: all packages demo test test-release test-asan test-tsan bench windows windows-packages windows-test clean
+# On a terminal ninja rewrites one line with its progress; elsewhere it says nothing but what fails.
+QUIET := $(if $(MAKE_TERMOUT),,-- --quiet)
 
-all: packages
-	@cmake --preset $(PRESET) >/dev/null
-	@cmake --build --preset $(PRESET) -j $(JOBS)
+# $(call build,PRESET,OPTIONS,TARGET)
+build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(JOBS) --target $(3) $(QUIET)
+# $(call packages,LISTS): what the program needs, and the lists named.
+packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
-packages:
-	@tools/install-packages cmake/packages.txt
+.PHONY: all install demo test test-release test-asan test-tsan bench check coverage windows windows-packages \
+	windows-test clean
 
-# The main job on the example scene, and a picture of each style of text; results go to build/demo.
-demo: packages
-	@cmake --preset release >/dev/null
-	@cmake --build --preset release -j $(JOBS) --target zr
-	@tools/demo build/release/bin/zr build/demo
+all:
+	@$(call packages,qt)
+	@$(call build,release,-DZR_BUILD_TESTS=OFF -DZR_BUILD_BENCH=OFF,all)
+
+install: all
+	@cmake --install build/release --prefix "$(PREFIX)" >/dev/null
+
+# The main job on the example scene, and a picture of each style of text.
+demo:
+	@$(call packages,)
+	@$(call build,demo,,zr)
+	@tools/demo build/demo/bin/zr build/demo/results
 
 test: test-release test-asan test-tsan
 
-test-release: packages
-	@cmake --preset release >/dev/null
-	@cmake --build --preset release -j $(JOBS)
+test-release:
+	@$(call packages,qt test)
+	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_BUILD_BENCH=OFF,all)
 	@ctest --preset release -j $(JOBS)
 
-test-asan: packages
-	@cmake --preset asan >/dev/null
-	@cmake --build --preset asan -j $(JOBS)
+test-asan:
+	@$(call packages,qt test)
+	@$(call build,asan,,all)
 	@ctest --preset asan -j $(JOBS)
 
 # The programs that start threads.
-test-tsan: packages
-	@cmake --preset tsan >/dev/null
-	@cmake --build --preset tsan -j $(JOBS) --target thread_tests
+test-tsan:
+	@$(call packages,qt test)
+	@$(call build,tsan,,thread_tests)
 	@ctest --preset tsan -j $(JOBS) -L threads
 
-bench: packages
-	@cmake --preset release >/dev/null
-	@cmake --build --preset release -j $(JOBS)
-	@for bench in $(BUILD)/bin/*_bench; do $$bench || exit 1; done
+bench:
+	@$(call packages,qt bench)
+	@$(call build,release,-DZR_BUILD_BENCH=ON,all)
+	@for bench in build/release/bin/*_bench; do $$bench || exit 1; done
+
+# What a machine can check without running anything.
+check:
+	@$(call packages,qt test bench check)
+	@tools/check-layers
+	@tools/check-format
+	@cmake --preset tidy >/dev/null
+	@tools/check-code build/tidy
+
+# Lines that the tests run, folder by folder.
+coverage:
+	@$(call packages,qt test check)
+	@$(call build,coverage,,all)
+	@ctest --preset coverage -j $(JOBS)
+	@tools/coverage build/coverage
 
 # The module and its core library for Windows, 32 and 64 bit. The 64-bit tests run under Wine.
-windows-packages: packages
-	@tools/install-packages cmake/packages-windows.txt
+windows-packages:
+	@$(call packages,windows)
 
 windows: windows-packages
-	@cmake --preset windows-x86 >/dev/null
-	@cmake --build --preset windows-x86 -j $(JOBS)
-	@cmake --preset windows-x64 >/dev/null
-	@cmake --build --preset windows-x64 -j $(JOBS)
+	@$(call build,windows-x86,,all)
+	@$(call build,windows-x64,,all)
 
 windows-test: windows
 	@ctest --preset windows-x86
