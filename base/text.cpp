@@ -48,6 +48,11 @@ void AppendEscape(std::string& out, char mark, std::uint32_t code, int digits) {
 
 }  // namespace
 
+std::string Counted(std::size_t count, std::string_view noun) {
+    const bool takesEs = noun.ends_with("h") || noun.ends_with("x") || noun.ends_with("s");
+    return Join(count, " ", noun, count == 1 ? "" : takesEs ? "es" : "s");
+}
+
 std::string Printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());

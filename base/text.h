@@ -21,6 +21,9 @@ std::string Join(const Parts&... parts) {
     return joined;
 }
 
+// "1 animation", "2 animations", "2 meshes".
+std::string Counted(std::size_t count, std::string_view noun);
+
 // The text as one line that a terminal shows and does not obey: control characters, separators of lines,
 // characters that turn the direction of writing, and bytes that are not UTF-8 become escapes ("\n", "\x1B",
 // "\u202E"). What it returned once it returns unchanged.
