@@ -11,6 +11,7 @@
 
 #include "app/services/poly_boolean.h"
 #include "app/services/strings.h"
+#include "base/text.h"
 #include "kernix/resource_reader.h"
 #include "platform/ui/host_windows.h"
 #include "platform/windows.h"
@@ -21,6 +22,9 @@ namespace {
 constexpr int kViewWindow = 4;
 constexpr std::size_t kLongestText = 1024;
 constexpr const char* kModuleFile = "zrtools.so";
+
+// An operation of the module reports an error on the thread that called it.
+thread_local std::string t_reportedError;
 
 // The 3D view window of a host without one on the screen: its value 0 holds the view.
 class ViewWindow final : public platform::HostControl {
@@ -69,7 +73,7 @@ void Host::LoadModule() {
         throw std::runtime_error(std::string("the module cannot be loaded: ") + dlerror());
     m_parts->entry = reinterpret_cast<ModuleEntry>(dlsym(library, "ZRDLLFunc"));
     if (m_parts->entry == nullptr)
-        throw std::runtime_error(file.string() + " is no module: it lacks ZRDLLFunc");
+        throw std::runtime_error(file.string() + " is not a module: it lacks ZRDLLFunc");
     StartModule(static_cast<HINSTANCE>(library), m_parts->entry);
 }
 
@@ -85,8 +89,17 @@ std::u16string Host::ModuleDescription() const {
     return buffer;
 }
 
+vl::Word Host::InterfaceVersion() const {
+    return m_parts->entry(ZRDLL_VERSION, 0, 0);
+}
+
 void Host::FailToCreate(const char* typeName) {
     throw std::runtime_error(std::string("the module offers no extension \"") + typeName + "\"");
+}
+
+void Host::ShowLog(bool on) {
+    m_showLog = on;
+    SetSetting("Features\\ShowTweenkitInfo", on ? 1 : 0);
 }
 
 void Host::SetView(ViewObject* view) {
@@ -94,7 +107,7 @@ void Host::SetView(ViewObject* view) {
 }
 
 std::string Host::TakeReportedError() {
-    return std::exchange(m_reportedError, {});
+    return std::exchange(t_reportedError, {});
 }
 
 void* Host::LoadModuleStrings(HINSTANCE module) {
@@ -118,8 +131,11 @@ void Host::LocalizeDialog(void* table, HWND dialog) {
 }
 
 void Host::ShowMessage(int severity, const std::string& text) {
-    if (severity > 0) m_reportedError = text;
-    if (severity > 0 || m_showLog) std::fprintf(stderr, "zr: %s\n", text.c_str());
+    if (severity > 0) {
+        t_reportedError = text;
+    } else if (m_showLog) {
+        std::fprintf(stderr, "zr: log: %s\n", Printable(text).c_str());
+    }
 }
 
 }  // namespace zr

@@ -22,6 +22,8 @@ public:
 
     std::u16string ModuleVersion() const;
     std::u16string ModuleDescription() const;
+    // The number of the host interface that the module was made for.
+    vl::Word InterfaceVersion() const;
 
     // A new extension of the type, with its one count. Throws std::runtime_error when there is none.
     template <typename T>
@@ -35,11 +37,12 @@ public:
     // The view that the module reaches through the 3D view window; not owned, null for none.
     void SetView(ViewObject* view);
 
-    // Messages of the module go to standard error; log lines only when asked for.
-    void ShowLog(bool on) { m_showLog = on; }
+    // Whether log lines of the module go to standard error. Before the module is used.
+    void ShowLog(bool on);
 
-    // The last error that the module reported since this was last asked.
-    std::string TakeReportedError();
+    // The last error that the module reported on this thread since this was last asked there. Errors are
+    // shown by whoever asks for them.
+    static std::string TakeReportedError();
 
     void* LoadModuleStrings(HINSTANCE module) override;
     const char16_t* GetModuleString(void* table, int id) override;
@@ -55,7 +58,6 @@ private:
 
     struct Parts;
     std::unique_ptr<Parts> m_parts;
-    std::string m_reportedError;
     bool m_showLog = false;
 };
 

@@ -3,15 +3,9 @@
 
 #include <algorithm>
 
+#include "base/text.h"
+
 namespace zr {
-namespace {
-
-// A name must not reach the terminal as a command to it.
-bool IsControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-}
-
-}  // namespace
 
 LRESULT TerminalTree::OnMessage(UINT message, WPARAM, LPARAM lParam) {
     if (message != TVM_INSERTITEMA || lParam == 0) return 0;
@@ -60,8 +54,7 @@ void TerminalTree::DrawItem(std::size_t number, std::string& out) const {
     }
     if (item.depth > kMaxGuides) out += "... " + std::to_string(item.depth) + " ";
     std::for_each(guides.rbegin(), guides.rend(), [&out](const char* guide) { out += guide; });
-    for (const char c : item.text) out += IsControl(c) ? '?' : c;
-    out += '\n';
+    out += Printable(item.text) + "\n";
 }
 
 }  // namespace zr

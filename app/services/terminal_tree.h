@@ -20,16 +20,6 @@ public:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     LONG_PTR GetValue(int) override { return 0; }
 
-    std::size_t Count() const { return m_items.size(); }
-
-    // One line an item, in tree order. Of an item deeper than kMaxGuides only the nearest levels are drawn,
-    // after "..." and the depth, so that the text stays linear in the items.
-    std::string Draw() const;
-    static constexpr std::size_t kMaxGuides = 32;
-
-private:
-    // Items are kept in the order of insertion. An item's number is its position + 1, and 0 is the root above
-    // all.
     struct Item {
         std::string text;
         std::size_t parent = 0;
@@ -37,6 +27,16 @@ private:
         std::vector<std::size_t> children;
     };
 
+    std::size_t Count() const { return m_items.size(); }
+    // number: an item's position in the order of insertion + 1; 0 is the root above all.
+    const Item& At(std::size_t number) const { return m_items[number - 1]; }
+
+    // One line an item, in tree order. Of an item deeper than kMaxGuides only the nearest levels are drawn,
+    // after "..." and the depth, so that the text stays linear in the items.
+    std::string Draw() const;
+    static constexpr std::size_t kMaxGuides = 32;
+
+private:
     const std::vector<std::size_t>& ChildrenOf(std::size_t number) const;
     void DrawItem(std::size_t number, std::string& out) const;
 

@@ -41,6 +41,12 @@ std::string Quoted(const kernix::AnimationModel& animation) {
     return Join("\"", kernix::ToUtf8(animation.m_name), "\"");
 }
 
+bool HasKeys(const kernix::AnimationModel& animation) {
+    const auto& tracks = animation.Tracks();
+    return std::any_of(tracks.begin(), tracks.end(),
+                       [](vl::zr::Track* track) { return track->GetKeyCount() != 0; });
+}
+
 std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations) {
     const auto words = vl::Ref<vl::Array>::Adopt(host.CreateArray());
     vl::ArrayOf<vl::zr::Animation*> list(words.Get());

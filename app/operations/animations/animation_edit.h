@@ -27,6 +27,9 @@ void CopyTrack(vl::zr::Controller& source, vl::zr::Track* track, vl::zr::Control
 // The animation's name in double quotes.
 std::string Quoted(const kernix::AnimationModel& animation);
 
+// Whether the animation moves anything.
+bool HasKeys(const kernix::AnimationModel& animation);
+
 // Removes animations through the module's manager. Those that something in the document refers to stay; for
 // each of them one line that says why.
 std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations);

@@ -67,6 +67,8 @@ public:
         const auto manager = m_host.Create<zr_ANIM_MANAGER>(kTypeAnimManager);
         auto* result = static_cast<kernix::AnimationModel*>(
             manager->MergeAnimations(nullptr, words.Get(), true, m_options.keyFlags));
+        if (result == nullptr || !HasKeys(*result))
+            throw std::runtime_error("the merged animation would move nothing: no source has keys to merge");
         if (!m_options.name.empty()) result->m_name = kernix::ToUtf16(m_options.name);
         m_report.result = result;
         if (m_options.removeSources) {
@@ -93,9 +95,7 @@ private:
         float next = 0;
         for (std::size_t i = 0; i < m_copies.size(); ++i) {
             Source& source = m_copies[i];
-            const auto& tracks = source.copy->Tracks();
-            if (std::none_of(tracks.begin(), tracks.end(),
-                             [](auto* track) { return track->GetKeyCount() != 0; }))
+            if (!HasKeys(*source.copy))
                 throw std::runtime_error(
                     Join("animation ", Quoted(*source.copy), " has no keys to put in sequence"));
             source.start = m_scene.GetStartTime(source.copy);

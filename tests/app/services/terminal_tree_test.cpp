@@ -32,7 +32,7 @@ TEST(TerminalTree, DrawsItemsInTreeOrderWhateverTheOrderOfInsertion) {
               "│   └── leaf\n"
               "└── second\n"
               "    └── last\n"
-              "oth?[2Jer\n");
+              "oth\\x1B[2Jer\n");
 }
 
 TEST(TerminalTree, DeepChainStaysLinear) {
