@@ -7,9 +7,6 @@
 
 namespace zr {
 
-using gltf::Json;
-using gltf::JsonTree;
-
 namespace {
 
 std::string Plural(std::string_view noun) {
@@ -28,33 +25,18 @@ std::vector<gltf::OpaqueUse> ByExtension(const std::vector<gltf::OpaqueUse>& use
     return first;
 }
 
-class Writer {
-public:
-    Json Number(std::size_t value) { return m_tree.MakeIndex(value); }
-    Json Text(std::string_view text) { return m_tree.MakeString(text); }
-    void Set(Json& object, std::string_view name, Json value) { m_tree.Member(object, name) = value; }
-    void Append(Json& array, Json value) { m_tree.Append(array, value); }
-
-    Json Uses(const std::vector<gltf::OpaqueUse>& uses) {
-        Json array = JsonTree::MakeArray();
-        for (const gltf::OpaqueUse& use : uses) {
-            Json item = JsonTree::MakeObject();
-            Set(item, "extension", Text(use.extension));
-            Set(item, "place", Text(use.place));
-            Append(array, item);
-        }
-        return array;
-    }
-
-private:
-    JsonTree m_tree;
-};
+JsonArray JsonOf(const std::vector<gltf::OpaqueUse>& uses) {
+    JsonArray array;
+    for (const gltf::OpaqueUse& use : uses)
+        array.Append(JsonObject().Set("extension", use.extension).Set("place", use.place));
+    return array;
+}
 
 }  // namespace
 
 std::string CleanReportText(const CleanReport& report, bool withNames, bool explain) {
-    std::string text = report.scene.string();
-    if (!report.output.empty()) text += " -> " + report.output.string();
+    std::string text = Printable(report.scene.string());
+    if (!report.output.empty()) text += " -> " + Printable(report.output.string());
     text += "\n";
     const std::size_t start = text.size();
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
@@ -62,7 +44,7 @@ std::string CleanReportText(const CleanReport& report, bool withNames, bool expl
         if (result.count == 0) continue;
         text += Join("  ", kCleanStepInfo[step].name, ": ", result.count, "\n");
         if (!withNames) continue;
-        for (const std::string& name : result.names) text += "    " + name + "\n";
+        for (const std::string& name : result.names) text += "    " + Printable(name) + "\n";
     }
     for (std::size_t kind = 0; kind < gltf::kKinds; ++kind) {
         if (const std::size_t count = report.result.collected.removed[kind]) {
@@ -72,7 +54,8 @@ std::string CleanReportText(const CleanReport& report, bool withNames, bool expl
     if (text.size() == start) text += "  nothing to clean\n";
     if (explain) {
         for (const HeldElement& held : report.result.held) {
-            text += Join("  kept ", gltf::Info(held.kind).noun, " ", held.name, ": ", held.holder, "\n");
+            text += Join("  kept ", gltf::Info(held.kind).noun, " ", Printable(held.name), ": ",
+                         Printable(held.holder), "\n");
         }
     }
     if (report.bytesAfter != 0)
@@ -80,64 +63,53 @@ std::string CleanReportText(const CleanReport& report, bool withNames, bool expl
     return text;
 }
 
-std::string CleanReportJson(const CleanReport& report, bool explain) {
-    Writer writer;
-    Json root = JsonTree::MakeObject();
-    writer.Set(root, "scene", writer.Text(report.scene.string()));
-    if (!report.output.empty()) writer.Set(root, "output", writer.Text(report.output.string()));
-    Json operations = JsonTree::MakeArray();
+JsonObject CleanReportJson(const CleanReport& report, bool explain) {
+    JsonObject root;
+    JsonArray operations;
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         const StepResult& result = report.result.steps[step];
         if (!result.ran && result.refusals.empty()) continue;
-        Json item = JsonTree::MakeObject();
-        writer.Set(item, "name", writer.Text(kCleanStepInfo[step].name));
-        writer.Set(item, "count", writer.Number(result.count));
-        Json names = JsonTree::MakeArray();
-        for (const std::string& name : result.names) writer.Append(names, writer.Text(name));
-        writer.Set(item, "names", names);
-        if (!result.refusals.empty()) writer.Set(item, "refusedBy", writer.Uses(result.refusals));
-        writer.Append(operations, item);
+        JsonObject item;
+        item.Set("name", kCleanStepInfo[step].name).Set("count", result.count).Set("names", result.names);
+        if (!result.refusals.empty()) item.Set("refusedBy", JsonOf(result.refusals));
+        operations.Append(item);
     }
-    writer.Set(root, "operations", operations);
-    Json unreferenced = JsonTree::MakeObject();
+    root.Set("operations", operations);
+    JsonObject unreferenced;
     for (std::size_t kind = 0; kind < gltf::kKinds; ++kind) {
-        if (const std::size_t count = report.result.collected.removed[kind]) {
-            writer.Set(unreferenced, Plural(gltf::kKindInfo[kind].noun), writer.Number(count));
-        }
+        if (const std::size_t count = report.result.collected.removed[kind])
+            unreferenced.Set(Plural(gltf::kKindInfo[kind].noun), count);
     }
-    writer.Set(root, "unreferenced", unreferenced);
-    if (!report.result.collected.refusals.empty()) {
-        writer.Set(root, "unreferencedRefusedBy", writer.Uses(report.result.collected.refusals));
-    }
+    root.Set("unreferenced", unreferenced);
+    if (!report.result.collected.refusals.empty())
+        root.Set("unreferencedRefusedBy", JsonOf(report.result.collected.refusals));
     if (explain) {
-        Json kept = JsonTree::MakeArray();
+        JsonArray kept;
         for (const HeldElement& held : report.result.held) {
-            Json item = JsonTree::MakeObject();
-            writer.Set(item, "kind", writer.Text(gltf::Info(held.kind).noun));
-            writer.Set(item, "name", writer.Text(held.name));
-            writer.Set(item, "by", writer.Text(held.holder));
-            writer.Append(kept, item);
+            JsonObject item;
+            item.Set("kind", gltf::Info(held.kind).noun).Set("name", held.name).Set("by", held.holder);
+            kept.Append(item);
         }
-        writer.Set(root, "kept", kept);
+        root.Set("kept", kept);
     }
-    writer.Set(root, "bytesBefore", writer.Number(report.bytesBefore));
-    if (report.bytesAfter != 0) writer.Set(root, "bytesAfter", writer.Number(report.bytesAfter));
-    return gltf::WriteJson(root, true);
+    root.Set("bytesBefore", report.bytesBefore);
+    if (report.bytesAfter != 0) root.Set("bytesAfter", report.bytesAfter);
+    return root;
 }
 
-std::string CleanRefusals(const CleanReport& report) {
-    std::string text;
+std::vector<std::string> CleanRefusals(const CleanReport& report) {
+    std::vector<std::string> lines;
     const auto add = [&](std::string_view what, const std::vector<gltf::OpaqueUse>& uses) {
         for (const gltf::OpaqueUse& use : ByExtension(uses)) {
-            text += Join(report.scene.string(), ": ", what, " left alone: the extension ", use.extension,
-                         " at ", use.place, " could refer to it (--force takes it all the same)\n");
+            lines.push_back(Join(report.scene.string(), ": ", what, ": the extension ", use.extension, " at ",
+                                 use.place, " could refer to it (--force takes it all the same)"));
         }
     };
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         add(kCleanStepInfo[step].name, report.result.steps[step].refusals);
     }
     add("unreferenced data", report.result.collected.refusals);
-    return text;
+    return lines;
 }
 
 }  // namespace zr

@@ -3,7 +3,9 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include "app/commands/json_object.h"
 #include "app/operations/clean/clean_scene.h"
 
 namespace zr {
@@ -20,10 +22,10 @@ struct CleanReport {
 // For people: a line for each step that took something, with the names where they are asked for.
 std::string CleanReportText(const CleanReport& report, bool withNames, bool explain);
 
-// The same as a JSON object.
-std::string CleanReportJson(const CleanReport& report, bool explain);
+// The same for programs.
+JsonObject CleanReportJson(const CleanReport& report, bool explain);
 
 // What the cleaner left alone because an extension could refer to it, one line each.
-std::string CleanRefusals(const CleanReport& report);
+std::vector<std::string> CleanRefusals(const CleanReport& report);
 
 }  // namespace zr

@@ -18,8 +18,28 @@ void AddSplitCommand(CLI::App& app, Session& session);
 void AddExportCommand(CLI::App& app, Session& session);
 void AddCleanCommand(CLI::App& app, Session& session);
 void AddDescribeCommand(CLI::App& app, Session& session);
+void AddHelpCommand(CLI::App& app, Session& session);
 void AddInfoCommand(CLI::App& app, Session& session);
 void AddTreeCommand(CLI::App& app, Session& session);
 void AddTextCommand(CLI::App& app, Session& session);
+
+// Every command, in the order and under the headings in which help lists them.
+struct CommandEntry {
+    const char* group;
+    void (*add)(CLI::App& app, Session& session);
+};
+inline constexpr CommandEntry kCommands[] = {
+    {"Prepare a scene", AddExportCommand},
+    {"Prepare a scene", AddCleanCommand},
+    {"Look at a scene", AddInfoCommand},
+    {"Look at a scene", AddTreeCommand},
+    {"Look at a scene", AddAnimationsCommand},
+    {"Change animations", AddMergeCommand},
+    {"Change animations", AddSplitCommand},
+    {"Change animations", AddRemoveAnimationsCommand},
+    {"Draw", AddTextCommand},
+    {"About the program", AddDescribeCommand},
+    {"About the program", AddHelpCommand},
+};
 
 }  // namespace zr

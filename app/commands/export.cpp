@@ -1,67 +1,116 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
+#include <algorithm>
 #include <memory>
 #include <optional>
 
+#include "app/commands/batch.h"
 #include "app/commands/commands.h"
 #include "app/commands/export_arguments.h"
-#include "app/commands/progress.h"
+#include "app/commands/files.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
+#include "base/file_transaction.h"
 
 namespace zr {
 namespace {
 
+// Leaves the chosen animations in the scene, and makes the first the one that plays.
+void KeepAnimations(kernix::SceneModel& scene, const std::vector<std::string>& names) {
+    const auto chosen = ChooseAnimations(scene, names);
+    for (kernix::AnimationModel* animation : AnimationsOf(scene)) {
+        if (std::find(chosen.begin(), chosen.end(), animation) == chosen.end())
+            scene.DeleteAnimation(animation);
+    }
+    scene.SetActiveAnimation(chosen.front());
+}
+
+// Records have the keys of one animation.
+void RequireOneAnimation(kernix::SceneModel& scene) {
+    const auto animations = AnimationsOf(scene);
+    if (animations.size() > 1)
+        throw std::runtime_error("records hold one animation, choose it with --animation: " +
+                                 Candidates(animations));
+}
+
+JsonObject JsonOf(const MotionReport& report) {
+    JsonObject json;
+    json.Set("keysBefore", report.keysBefore).Set("keysAfter", report.keysAfter);
+    json.Set("deviation", report.deviation);
+    if (!report.node.empty()) json.Set("node", report.node).Set("time", report.time);
+    if (!report.animation.empty()) json.Set("animation", report.animation);
+    return json;
+}
+
+class Exporter {
+public:
+    Exporter(Session& session, const ExportArguments& arguments, const ExportOptions& options)
+        : m_session(session), m_arguments(arguments), m_options(options) {}
+
+    Report Run(const Task& task, const Advance& advance) const {
+        const bool wantsRecords = HasEnding(task.output, ".json") ||
+                                  (task.output == kStandardStream && m_arguments.Files().format == "json");
+        OutputTarget out(m_session, task.output, EndingOf(m_arguments.Files().format));
+        std::optional<OutputTarget> mapTarget;
+        if (!m_arguments.RenameMapFile().empty())
+            mapTarget.emplace(m_session, m_arguments.RenameMapFile(), ".json");
+
+        // The parts of the time, roughly: loading, making the scene, exporting, writing.
+        constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
+        Report report;
+        gltf::Document document = LoadDocument(m_session, task.input, report);
+        SceneOptions sceneOptions;
+        sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
+        LoadedScene loaded(std::move(document), sceneOptions);
+        advance(kSceneMade);
+        if (!m_arguments.Animations().empty()) KeepAnimations(loaded.Scene(), m_arguments.Animations());
+
+        // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
+        std::string map;
+        std::string* const wantedMap = mapTarget ? &map : nullptr;
+        FileTransaction files;
+        OutputFile* const mapFile = mapTarget ? &files.Create(mapTarget->Path()) : nullptr;
+        MotionReport motion;
+        if (wantsRecords) {
+            if (!m_options.Has(vl::tk::kIgnoreAnimation)) RequireOneAnimation(loaded.Scene());
+            motion =
+                ExportRecords(m_session.GetHost(), loaded, m_options, files.Create(out.Path()), wantedMap);
+        } else {
+            const auto onProgress = [&](double done) {
+                advance(kSceneMade + (kExported - kSceneMade) * done);
+            };
+            motion = ExportScene(m_session.GetHost(), loaded, m_options, onProgress, wantedMap);
+            m_session.ThrowIfStopped();
+            loaded.Document().Save(out.Path(), files);
+        }
+        if (mapFile != nullptr) mapFile->Write(map);
+        m_session.ThrowIfStopped();
+        files.Commit();
+        out.Finish();
+        if (mapTarget) mapTarget->Finish();
+        if (!motion.unreadKeys.empty()) report.Note(task.input, {motion.unreadKeys});
+        report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
+                                                   : task.output + ": " + Describe(motion));
+        report.json = JsonOf(motion);
+        return report;
+    }
+
+private:
+    Session& m_session;
+    const ExportArguments& m_arguments;
+    const ExportOptions& m_options;
+};
+
 int RunExport(Session& session, ExportArguments& arguments) {
     const ExportOptions& options = arguments.Finish(session.GetHost());
-    std::optional<Progress> bar("export");
-    // The parts of the time, roughly: loading, making the scene, exporting, writing.
-    constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
-    const auto advance = [&](double done) {
-        session.ThrowIfStopped();
-        bar->Show(done);
-    };
-    gltf::Document document = session.LoadDocument(PathFromUtf8(arguments.Scene()));
-    SceneOptions sceneOptions;
-    sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
-    LoadedScene loaded(std::move(document), sceneOptions);
-    advance(kSceneMade);
-    kernix::SceneModel& scene = loaded.Scene();
-    if (!arguments.Animation().empty()) {
-        kernix::AnimationModel* chosen = ChooseAnimation(scene, arguments.Animation());
-        for (kernix::AnimationModel* animation : AnimationsOf(scene)) {
-            if (animation != chosen) scene.DeleteAnimation(animation);
-        }
-        scene.SetActiveAnimation(chosen);
-    }
-    const auto out = PathFromUtf8(arguments.Out());
-    MotionReport report;
-    // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
-    std::string renameMap;
-    std::string* const wantedMap = arguments.RenameMapFile().empty() ? nullptr : &renameMap;
-    FileTransaction files;
-    OutputFile* const mapFile =
-        wantedMap != nullptr ? &files.Create(PathFromUtf8(arguments.RenameMapFile())) : nullptr;
-    if (arguments.WantsRecords()) {
-        report = ExportRecords(session.GetHost(), loaded, options, files.Create(out), wantedMap);
-    } else {
-        const auto onProgress = [&](double done) { advance(kSceneMade + (kExported - kSceneMade) * done); };
-        report = ExportScene(session.GetHost(), loaded, options, onProgress, wantedMap);
-        session.ThrowIfStopped();
-        loaded.Document().Save(out, files);
-    }
-    if (mapFile != nullptr) mapFile->Write(renameMap);
-    session.ThrowIfStopped();
-    files.Commit();
-    bar.reset();
-    if (!report.unreadKeys.empty()) {
-        std::fprintf(stderr, "zr: %s: %s\n", arguments.Scene().c_str(), report.unreadKeys.c_str());
-    }
-    std::printf("%s\n", Describe(report).c_str());
-    return 0;
+    const std::vector<Task> tasks = PlanTasks(arguments.Files(), kExportFiles);
+    if (tasks.size() > 1 && !arguments.RenameMapFile().empty())
+        throw UsageError("--rename-map takes one scene");
+    const Exporter exporter(session, arguments, options);
+    return RunBatch(session, "export", arguments.Files(), tasks,
+                    [&](const Task& task, const Advance& advance) { return exporter.Run(task, advance); });
 }
 
 }  // namespace
@@ -70,6 +119,12 @@ void AddExportCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("export", "Prepare a scene for an exporter and write the result");
     auto arguments = std::make_shared<ExportArguments>();
     arguments->AddTo(*command);
+    AddExamples(*command, {{"export scene.glb out.glb --up z --scale 100 --merge-keys",
+                            "For a target with Z up, in centimetres, without redundant keys."},
+                           {"export scene.glb out.json --animation walk --resample",
+                            "The records that an exporter reads, with keys of all tracks at the same times."},
+                           {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
+                            "Every scene below the folder \"scenes\", with short names that differ."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunExport(session, *arguments); });
     });

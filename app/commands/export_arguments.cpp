@@ -3,7 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
+#include <charconv>
+#include <string_view>
 
 #include "app/commands/session.h"
 
@@ -12,114 +13,136 @@ namespace {
 
 constexpr double kQuarterTurn = 1.5707963267948966;
 
+constexpr Range kScales{1e-6, 1e6};
+
 // A flag of the command line that sets or clears a bit.
 struct BitFlag {
     const char* name;
     std::uint32_t bit;
     bool sets;
+    std::string_view group;
     const char* help;
 };
 
 constexpr BitFlag kExportFlags[] = {
-    {"--no-lights", vl::tk::kExportLights, false, "Leave lights out; their nodes stay as groups"},
-    {"--no-cameras", vl::tk::kExportCameras, false, "Leave cameras out; their nodes stay as groups"},
-    {"--system-camera", vl::tk::kExportSystemCamera, true,
+    {"--no-lights", vl::tk::kExportLights, false, kHierarchyGroup,
+     "Leave lights out; their nodes stay as groups"},
+    {"--no-cameras", vl::tk::kExportCameras, false, kHierarchyGroup,
+     "Leave cameras out; their nodes stay as groups"},
+    {"--system-camera", vl::tk::kExportSystemCamera, true, kHierarchyGroup,
      "Export the host's own view camera, which frames the scene"},
-    {"--no-bones", vl::tk::kExportBones, false, "Bones are no reason to keep a node"},
-    {"--no-notes", vl::tk::kExportNotes, false, "Leave notes out"},
-    {"--no-lines", vl::tk::kNoSecondary, true,
+    {"--no-bones", vl::tk::kExportBones, false, kHierarchyGroup, "Bones are no reason to keep a node"},
+    {"--no-notes", vl::tk::kExportNotes, false, kHierarchyGroup, "Leave notes out"},
+    {"--no-lines", vl::tk::kNoSecondary, true, kHierarchyGroup,
      "Meshes of lines alone are no reason to export a mesh (with --no-empty-meshes)"},
-    {"--no-empty-meshes", vl::tk::kAllRenderables, false, "Leave meshes without faces and lines out"},
-    {"--chosen-only", vl::tk::kAllChoices, false, "Of a selector's children export the selected one"},
-    {"--skeleton-only", vl::tk::kSkeletonOnly, true,
+    {"--no-empty-meshes", vl::tk::kAllRenderables, false, kHierarchyGroup,
+     "Leave meshes without faces and lines out"},
+    {"--chosen-only", vl::tk::kAllChoices, false, kHierarchyGroup,
+     "Of a selector's children export the selected one"},
+    {"--skeleton-only", vl::tk::kSkeletonOnly, true, kHierarchyGroup,
      "Export nodes that move a skin without their own object"},
-    {"--root", vl::tk::kGroupingRoot, true, "Put one root above several top-level nodes"},
-    {"--group-split", vl::tk::kGroupSplit, true, "Give the object of a node with children a node of its own"},
-    {"--geometry-split", vl::tk::kGeometrySplit, true,
+    {"--root", vl::tk::kGroupingRoot, true, kHierarchyGroup, "Put one root above several top-level nodes"},
+    {"--group-split", vl::tk::kGroupSplit, true, kHierarchyGroup,
+     "Give the object of a node with children a node of its own"},
+    {"--geometry-split", vl::tk::kGeometrySplit, true, kHierarchyGroup,
      "Give moved objects nodes of their own (implies --group-split)"},
-    {"--static-pivot", vl::tk::kStaticPivot, true,
+    {"--static-pivot", vl::tk::kStaticPivot, true, kHierarchyGroup,
      "Split turned scale axes off in a scene that is not animated"},
-    {"--no-static-pivot", vl::tk::kNoStaticPivot, true, "Never split turned scale axes off"},
-    {"--no-offset-controllers", vl::tk::kOffsetControllers, false,
+    {"--no-static-pivot", vl::tk::kNoStaticPivot, true, kHierarchyGroup, "Never split turned scale axes off"},
+    {"--no-offset-controllers", vl::tk::kOffsetControllers, false, kHierarchyGroup,
      "Ignore the pivots of nodes that are not animated"},
-    {"--no-animation", vl::tk::kIgnoreAnimation, true, "Export the pose at rest, without keys"},
-    {"--no-keys", vl::tk::kExtractKeys, false, "Export no keys of nodes"},
-    {"--decompose-rest", vl::tk::kDecomposeRest, true, "Decompose rest poses also without keys"},
+    {"--no-animation", vl::tk::kIgnoreAnimation, true, kKeysGroup, "Export the pose at rest, without keys"},
+    {"--no-keys", vl::tk::kExtractKeys, false, kKeysGroup, "Export no keys of nodes"},
+    {"--decompose-rest", vl::tk::kDecomposeRest, true, kHierarchyGroup,
+     "Decompose rest poses also without keys"},
 };
 
 constexpr BitFlag kAnimFlags[] = {
-    {"--angle-axis", vl::tk::kAngleAxisKeys, true,
+    {"--angle-axis", vl::tk::kAngleAxisKeys, true, kKeysGroup,
      "Give rotation keys as relative angle-axis values too (JSON)"},
-    {"--at-least-one-key", vl::tk::kAtLeastOneKey, true,
+    {"--at-least-one-key", vl::tk::kAtLeastOneKey, true, kKeysGroup,
      "Give tracks without keys one, the value at rest (JSON)"},
-    {"--group-keys-only", vl::tk::kGroupKeysOnly, true, "Keys of group nodes only"},
-    {"--reverse", vl::tk::kReverseTime, true, "Play backwards"},
+    {"--group-keys-only", vl::tk::kGroupKeysOnly, true, kKeysGroup, "Keys of group nodes only"},
+    {"--reverse", vl::tk::kReverseTime, true, kTimeGroup, "Play backwards"},
 };
 
 void AddFlag(CLI::App& command, std::uint32_t& word, const BitFlag& flag) {
-    command.add_flag_callback(
-        flag.name,
-        [&word, flag] {
-            if (flag.sets) {
-                word |= flag.bit;
-            } else {
-                word &= ~flag.bit;
-            }
-        },
-        flag.help);
+    command
+        .add_flag_callback(
+            flag.name,
+            [&word, flag] {
+                if (flag.sets) {
+                    word |= flag.bit;
+                } else {
+                    word &= ~flag.bit;
+                }
+            },
+            flag.help)
+        ->group(std::string(flag.group));
 }
 
 // Three hexadecimal words: export, names, animation.
 void ReadOptionWords(const std::string& text, ExportOptions& options) {
-    unsigned words[3];
-    char rest = 0;
-    if (std::sscanf(text.c_str(), "%x,%x,%x%c", &words[0], &words[1], &words[2], &rest) != 3) {
-        throw UsageError("--option-words takes three hexadecimal words: EXPORT,NAME,ANIM");
+    std::uint32_t* const words[] = {&options.exportFlags, &options.nameFlags, &options.animFlags};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (std::uint32_t* word : words) {
+        const auto [stop, error] = std::from_chars(at, end, *word, 16);
+        const bool isLast = word == words[2];
+        if (error != std::errc() || (isLast ? stop != end : stop == end || *stop != ','))
+            throw UsageError("--option-words takes three hexadecimal words of 32 bits: EXPORT,NAME,ANIM");
+        at = stop + 1;
     }
-    options.exportFlags = words[0];
-    options.nameFlags = words[1];
-    options.animFlags = words[2];
-}
-
-bool EndsWith(const std::string& text, std::string_view end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 }  // namespace
 
 void ExportArguments::AddTo(CLI::App& command) {
-    command.add_option("scene", m_scene, "Scene to read (.gltf, .glb)")->required();
-    command.add_option("out", m_out, "File to write: .glb or .gltf, or .json for the records themselves")
-        ->required()
-        ->check([](const std::string& name) {
-            const bool known = EndsWith(name, ".glb") || EndsWith(name, ".gltf") || EndsWith(name, ".json");
-            return known ? std::string() : "the output is a .glb, .gltf or .json file: " + name;
-        });
-    command.add_option("--animation", m_animation, "Export this animation alone (name, or index)");
-    command.add_flag("--keep-all-nodes,!--drop-empty", m_keepAllNodes,
-                     "Keep nodes that carry and hold nothing (default)");
-    for (const BitFlag& flag : kExportFlags) AddFlag(command, m_options.exportFlags, flag);
-    for (const BitFlag& flag : kAnimFlags) AddFlag(command, m_options.animFlags, flag);
+    for (const char* group : {kHierarchyGroup, kKeysGroup, kTimeGroup}) {
+        for (const BitFlag& flag : kExportFlags) {
+            if (flag.group == group) AddFlag(command, m_options.exportFlags, flag);
+        }
+        for (const BitFlag& flag : kAnimFlags) {
+            if (flag.group == group) AddFlag(command, m_options.animFlags, flag);
+        }
+    }
+    auto* drop =
+        command.add_flag("--drop-empty", m_dropsEmpty, "Leave out nodes that carry and hold nothing")
+            ->group(kHierarchyGroup);
+    command.add_flag("--keep-all-nodes", m_keepsEmpty, "Keep them, which is the default")
+        ->excludes(drop)
+        ->group(kHierarchyGroup);
+    AddNumber(command, "--pivot-mode", m_options.pivotMode, {0, 2}, "N",
+              "Pivot form that stays on its node: 0 none, 1 object, 2 group")
+        ->capture_default_str()
+        ->group(kHierarchyGroup);
+    AddRepeated(command, "--animation", m_animations,
+                "Export this animation (name, or index); may be repeated; else all")
+        ->group(kKeysGroup);
+    m_rescale = AddNumber(command, "--rescale", m_options.rescale, kTimeFactors, "FACTOR",
+                          "Multiply times by this factor")
+                    ->group(kTimeGroup);
+    m_setLength =
+        AddNumber(command, "--length", m_length, kLengths, "SECONDS", "Bring each animation to this length")
+            ->excludes(m_rescale)
+            ->group(kTimeGroup);
+    AddChoice(command, "--up", m_up, {"y", "z"}, "Up axis of the result; y as in glTF")
+        ->capture_default_str()
+        ->group(kTargetGroup);
+    AddNumber(command, "--scale", m_scale, kScales, "FACTOR", "Factor from the scene's unit to the result's")
+        ->capture_default_str()
+        ->group(kTargetGroup);
     command
-        .add_option("--pivot-mode", m_options.pivotMode,
-                    "Pivot form that stays on its node: 0 none, 1 object, 2 group")
-        ->check(CLI::Range(0, 2));
-    m_rescale = command.add_option("--rescale", m_options.rescale, "Multiply times by this factor")
-                    ->check(CLI::PositiveNumber);
-    m_setLength = command.add_option("--length", m_length, "Bring each animation to this length, seconds")
-                      ->check(CLI::PositiveNumber)
-                      ->excludes(m_rescale);
-    command.add_option("--up", m_up, "Up axis of the result: y (as in glTF) or z")
-        ->check(CLI::IsMember({"y", "z"}));
-    command.add_option("--scale", m_scale, "Factor from the scene's unit to the result's")
-        ->check(CLI::PositiveNumber);
-    command.add_option("--option-words", m_optionWords,
-                       "The three option words EXPORT,NAME,ANIM, hexadecimal; replaces the flags above");
+        .add_option("--option-words", m_optionWords,
+                    "The three option words, hexadecimal; replaces the options of hierarchy, keys and time")
+        ->type_name("EXPORT,NAME,ANIM")
+        ->group(kTargetGroup);
     m_passes.AddTo(command);
+    AddBatchOptions(command, m_files, kExportFiles, "SCENE OUT");
 }
 
 const ExportOptions& ExportArguments::Finish(Host& host) {
-    if (!m_keepAllNodes) m_options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
+    if (m_dropsEmpty) m_options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
     if (m_rescale->count() != 0) m_options.animFlags |= vl::tk::kRescaleTime;
     if (m_setLength->count() != 0) {
         m_options.animFlags |= vl::tk::kSetLength;
@@ -130,10 +153,6 @@ const ExportOptions& ExportArguments::Finish(Host& host) {
     if (!m_optionWords.empty()) ReadOptionWords(m_optionWords, m_options);
     m_passes.ApplyTo(host, m_options);
     return m_options;
-}
-
-bool ExportArguments::WantsRecords() const {
-    return EndsWith(m_out, ".json");
 }
 
 }  // namespace zr

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "app/commands/batch.h"
 #include "app/commands/pass_options.h"
 #include "app/operations/export/export_options.h"
 
@@ -13,6 +15,8 @@ class Option;
 
 namespace zr {
 
+inline const BatchFiles kExportFiles{{".gltf", ".glb"}, {"glb", "gltf", "json"}};
+
 // The export command's line. Outlives the run, as its pass options must.
 class ExportArguments {
 public:
@@ -22,17 +26,17 @@ public:
     // that is wrong, std::runtime_error.
     const ExportOptions& Finish(Host& host);
 
-    const std::string& Scene() const { return m_scene; }
-    const std::string& Out() const { return m_out; }
-    const std::string& Animation() const { return m_animation; }  // name or index; empty: all
+    const BatchArguments& Files() const { return m_files; }
+    const std::vector<std::string>& Animations() const {
+        return m_animations;
+    }  // names or indices; none: all
     const std::string& RenameMapFile() const { return m_passes.RenameMapFile(); }
-    bool WantsRecords() const;  // in place of a scene
 
 private:
-    std::string m_scene;
-    std::string m_out;
-    std::string m_animation;
-    bool m_keepAllNodes = true;
+    BatchArguments m_files;
+    std::vector<std::string> m_animations;
+    bool m_dropsEmpty = false;
+    bool m_keepsEmpty = false;  // said, as it is anyway
     float m_length = 0;
     std::string m_up = "y";
     double m_scale = 1;

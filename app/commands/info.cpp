@@ -1,44 +1,75 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 
+#include "app/commands/animation_report.h"
 #include "app/commands/commands.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_edit.h"
 #include "app/scene/animations_of.h"
 #include "app/scene/loaded_scene.h"
+#include "base/text.h"
 #include "kernix/utf.h"
 
 namespace zr {
 namespace {
 
-int CountOfKind(kernix::SceneModel& scene, int kind) {
-    return vl::Ref<vl::Array>::Adopt(scene.GetObjectsOfKind(kind))->m_nCount;
+struct Count {
+    const char* name;
+    std::size_t value;
+};
+
+std::vector<Count> CountsOf(kernix::SceneModel& scene) {
+    const auto ofKind = [&scene](int kind) {
+        return static_cast<std::size_t>(vl::Ref<vl::Array>::Adopt(scene.GetObjectsOfKind(kind))->m_nCount);
+    };
+    return {{"nodes", static_cast<std::size_t>(scene.m_pNodes->m_nCount)},
+            {"meshes", ofKind(vl::zr::kKindRenderable)},
+            {"lights", ofKind(vl::zr::kKindLight)},
+            {"cameras", ofKind(vl::zr::kKindCamera)},
+            {"bones", ofKind(vl::zr::kKindBone)},
+            {"dummies", ofKind(vl::zr::kKindDummy)},
+            {"notes", ofKind(vl::zr::kKindNote)},
+            {"selectors", ofKind(vl::zr::kKindSelector)},
+            {"materials", static_cast<std::size_t>(scene.m_pMaterials->m_nCount)},
+            {"layers", scene.m_pLayers != nullptr ? scene.m_pLayers->GetCount() : 0},
+            {"viewports", scene.Viewports().size()}};
 }
 
-void PrintScene(kernix::SceneModel& scene) {
-    std::printf("nodes       %d\n", scene.m_pNodes->m_nCount);
-    constexpr struct {
-        const char* label;
-        int kind;
-    } kKinds[] = {{"meshes", vl::zr::kKindRenderable}, {"lights", vl::zr::kKindLight},
-                  {"cameras", vl::zr::kKindCamera},    {"bones", vl::zr::kKindBone},
-                  {"dummies", vl::zr::kKindDummy},     {"notes", vl::zr::kKindNote},
-                  {"selectors", vl::zr::kKindSelector}};
-    for (const auto& kind : kKinds) std::printf("%-11s %d\n", kind.label, CountOfKind(scene, kind.kind));
-    std::printf("materials   %d\n", scene.m_pMaterials->m_nCount);
-    std::printf("layers      %u\n", scene.m_pLayers != nullptr ? scene.m_pLayers->GetCount() : 0u);
-    std::printf("viewports   %zu\n", scene.Viewports().size());
-    std::printf("animations  %d\n", scene.m_pAnimations->m_nCount);
-    for (kernix::AnimationModel* animation : AnimationsOf(scene)) {
-        int keys = 0;
-        for (vl::zr::Track* track : animation->Tracks()) keys += track->GetKeyCount();
-        std::printf("  \"%s\"  %g to %g s, %zu tracks, %d keys\n", kernix::ToUtf8(animation->m_name).c_str(),
-                    static_cast<double>(scene.GetStartTime(animation)),
-                    static_cast<double>(scene.GetEndTime(animation)), animation->Tracks().size(), keys);
+void AddRow(Report& report, std::string label, std::string_view value) {
+    label.resize(12, ' ');
+    report.Line(label + std::string(value));
+}
+
+Report Describe(Session& session, const std::string& file) {
+    Report report;
+    LoadedScene loaded(LoadDocument(session, file, report));
+    Host& host = session.GetHost();
+    report.isAnswer = true;
+    const std::string version = kernix::ToUtf8(host.ModuleVersion());
+    AddRow(report, "module", Join(kernix::ToUtf8(host.ModuleDescription()), ", version ", version));
+    JsonObject counts;
+    for (const Count& count : CountsOf(loaded.Scene())) {
+        AddRow(report, count.name, std::to_string(count.value));
+        counts.Set(count.name, count.value);
     }
+    const Animations animations = AnimationsOf(loaded.Scene());
+    AddRow(report, "animations", std::to_string(animations.size()));
+    JsonArray list;
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        const AnimationSummary summary = Summarize(loaded.Scene(), *animations[i], i);
+        report.Line("  " + summary.Text());
+        list.Append(summary.Json());
+    }
+    const std::vector<std::string> notPlayed = SkippedChannels(loaded, animations);
+    for (const std::string& line : notPlayed) AddRow(report, "not played", line);
+    report.json.Set("input", file).Set("module", version).Set("counts", counts).Set("animations", list);
+    report.json.Set("notPlayed", notPlayed);
+    return report;
 }
 
 }  // namespace
@@ -46,16 +77,15 @@ void PrintScene(kernix::SceneModel& scene) {
 void AddInfoCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("info", "Show what the host sees of a scene");
     auto file = std::make_shared<std::string>();
-    command->add_option("scene", *file, "Scene to read (.gltf, .glb)")->required();
+    command->add_option("scene", *file, "The scene to read: .gltf, .glb, or - for standard input")
+        ->type_name(kSceneType)
+        ->required();
+    AddExamples(*command, {{"info scene.glb", "Count what the scene holds."},
+                           {"info --json scene.glb", "The same for a program."},
+                           {"clean scene.glb - | zr info -", "Count what a cleaning leaves."}});
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
-            LoadedScene loaded(session.LoadDocument(PathFromUtf8(*file)));
-            Host& host = session.GetHost();
-            std::printf("module      %s, version %s\n", kernix::ToUtf8(host.ModuleDescription()).c_str(),
-                        kernix::ToUtf8(host.ModuleVersion()).c_str());
-            PrintScene(loaded.Scene());
-            for (const std::string& line : SkippedChannels(loaded, AnimationsOf(loaded.Scene())))
-                std::printf("not played  %s\n", line.c_str());
+            PrintReport(session, "info", Describe(session, *file));
             return 0;
         });
     });

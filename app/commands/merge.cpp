@@ -2,24 +2,26 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
+#include "app/commands/animation_report.h"
+#include "app/commands/batch.h"
 #include "app/commands/commands.h"
-#include "app/commands/notes.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/animations/bring_animations.h"
 #include "app/operations/animations/merge_animations.h"
+#include "base/text.h"
 
 namespace zr {
 namespace {
 
 struct MergeArguments {
-    std::string scene;
-    std::string out;
+    BatchArguments files;
     std::string from;
-    std::vector<std::string> animations;
+    AnimationNames animations;
     std::vector<std::string> keep;
     MergeOptions options;
 };
@@ -42,34 +44,75 @@ void DropOthers(kernix::SceneModel& scene, const Animations& brought, const Anim
     }
 }
 
-int RunMerge(Session& session, MergeArguments& arguments) {
-    if (arguments.from.empty() && arguments.animations.size() < 2) {
-        throw UsageError("--animations names two animations or more");
+class Merger {
+public:
+    Merger(Session& session, const MergeArguments& arguments)
+        : m_session(session), m_arguments(arguments), m_names(arguments.animations.All()) {}
+
+    Report Run(const Task& task, const Advance& advance) const {
+        OutputTarget out(m_session, task.output, EndingOf(m_arguments.files.format));
+        Report report;
+        LoadedScene loaded(LoadDocument(m_session, task.input, report));
+        advance(0.5);
+        Animations brought;
+        if (!m_arguments.from.empty()) brought = Bring(loaded, report);
+        const Animations chosen = m_names.empty() ? brought : ChooseAnimations(loaded.Scene(), m_names);
+        DropOthers(loaded.Scene(), brought, chosen);
+        if (!m_names.empty() && chosen.size() >= 2) {
+            Merge(loaded, chosen, report);
+        } else {
+            Tell(loaded, "brought", chosen, report);
+        }
+        loaded.WriteBack();
+        SaveDocument(m_session, loaded.Document(), out);
+        return report;
     }
-    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
-    session.ThrowIfStopped();
-    Animations brought;
-    if (!arguments.from.empty()) {
-        LoadedScene other(session.LoadDocument(PathFromUtf8(arguments.from)));
+
+private:
+    Animations Bring(LoadedScene& loaded, Report& report) const {
+        LoadedScene other(LoadDocument(m_session, m_arguments.from, report));
         BroughtAnimations result = BringAnimations(other, loaded);
-        PrintNotes("no partner", result.withoutPartner);
-        PrintNotes("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
-        brought = std::move(result.animations);
+        report.Note("no partner", result.withoutPartner);
+        report.Note("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
+        const bool moves = std::any_of(result.animations.begin(), result.animations.end(),
+                                       [](const auto* animation) { return HasKeys(*animation); });
+        if (!moves) throw std::runtime_error(m_arguments.from + ": nothing in it moves a node of the scene");
+        return std::move(result.animations);
     }
-    const Animations chosen =
-        arguments.animations.empty() ? brought : ChooseAnimations(loaded.Scene(), arguments.animations);
-    DropOthers(loaded.Scene(), brought, chosen);
-    if (!arguments.animations.empty() && chosen.size() >= 2) {
-        if (!arguments.keep.empty()) arguments.options.keyFlags = KeyFlags(arguments.keep);
-        const MergeReport report = MergeAnimations(session.GetHost(), loaded, chosen, arguments.options);
-        PrintNotes("sources overlap in time", report.overlapping);
-        PrintNotes("dropped", report.dropped);
-        PrintNotes("too short to be seen without a gap", report.unseen);
-        PrintNotes("kept", report.held);
+
+    void Merge(LoadedScene& loaded, const Animations& chosen, Report& report) const {
+        MergeOptions options = m_arguments.options;
+        if (!m_arguments.keep.empty()) options.keyFlags = KeyFlags(m_arguments.keep);
+        const MergeReport merged = MergeAnimations(m_session.GetHost(), loaded, chosen, options);
+        report.Note("sources overlap in time", merged.overlapping);
+        report.Note("dropped", merged.dropped);
+        report.Note("too short to be seen without a gap", merged.unseen);
+        report.Note("kept", merged.held);
+        Tell(loaded, "merged", {merged.result}, report);
     }
-    loaded.WriteBack();
-    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
-    return 0;
+
+    static void Tell(LoadedScene& loaded, const char* what, const Animations& animations, Report& report) {
+        JsonArray list;
+        for (std::size_t i = 0; i < animations.size(); ++i) {
+            const AnimationSummary summary = Summarize(loaded.Scene(), *animations[i], i);
+            report.Line(Join(what, " ", summary.Text()));
+            list.Append(summary.Json());
+        }
+        report.json.Set("animations", list);
+    }
+
+    Session& m_session;
+    const MergeArguments& m_arguments;
+    std::vector<std::string> m_names;
+};
+
+int RunMerge(Session& session, const MergeArguments& arguments) {
+    if (arguments.from.empty() && arguments.animations.All().size() < 2) {
+        throw UsageError("name two animations or more, with --animations or --animation");
+    }
+    const Merger merger(session, arguments);
+    return RunBatch(session, "merge", arguments.files, PlanTasks(arguments.files, kSceneFiles),
+                    [&](const Task& task, const Advance& advance) { return merger.Run(task, advance); });
 }
 
 }  // namespace
@@ -78,28 +121,29 @@ void AddMergeCommand(CLI::App& app, Session& session) {
     auto* command =
         app.add_subcommand("merge", "Merge animations into one, or bring them from another scene");
     auto arguments = std::make_shared<MergeArguments>();
-    command->add_option("scene", arguments->scene, "Scene to read (.gltf, .glb)")->required();
-    command->add_option("out", arguments->out, "Scene to write (.gltf, .glb)")->required();
-    command
-        ->add_option("--animations", arguments->animations,
-                     "Sources by name or index, in order, separated by commas")
-        ->delimiter(',')
-        ->allow_extra_args(false);
-    command->add_option("--keep", arguments->keep, "Keys to merge: position, rotation, scale (default: all)")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::IsMember({"position", "rotation", "scale"}));
+    AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
+    arguments->animations.AddTo(*command, "Sources in their order");
+    AddChoices(*command, "--keep", arguments->keep, {"position", "rotation", "scale"},
+               "Keys to merge, separated by commas; else all");
     command->add_flag("--remove-sources", arguments->options.removeSources, "Remove the merged animations");
-    command->add_option("--name", arguments->options.name, "Name of the merged animation");
+    command->add_option("--name", arguments->options.name, "Name of the merged animation")->type_name("NAME");
     auto* sequence = command->add_flag("--sequence", arguments->options.inSequence,
                                        "Let each source begin where the one before it ends");
-    command->add_option("--gap", arguments->options.gap, "Pause between sources, seconds")
-        ->check(CLI::NonNegativeNumber)
+    AddNumber(*command, "--gap", arguments->options.gap, {0, 1e5}, "SECONDS",
+              "Pause between sources in sequence")
         ->needs(sequence);
-    command->add_option(
-        "--from", arguments->from,
-        "Bring animations of this scene onto nodes of the same path; without --animations all of "
-        "them, and nothing is merged");
+    command
+        ->add_option(
+            "--from", arguments->from,
+            "Bring animations of this scene onto nodes of the same path; without --animations all of "
+            "them, and nothing is merged")
+        ->type_name(kSceneType);
+    AddExamples(*command, {{"merge scene.glb out.glb --animations walk,run --sequence --gap 0.5",
+                            "One animation that walks, waits half a second and runs."},
+                           {"merge scene.glb out.glb --animations arms,legs --name all --remove-sources",
+                            "What two animations move, in one."},
+                           {"merge --out-dir moving --from walk.glb figures",
+                            "Every figure of a folder gets the animations of walk.glb."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunMerge(session, *arguments); });
     });

@@ -8,6 +8,8 @@
 #include "app/commands/session.h"
 #include "app/operations/export/tool_run.h"
 #include "app/services/settings_file.h"
+#include "base/error.h"
+#include "base/text.h"
 
 namespace zr {
 
@@ -28,49 +30,56 @@ const std::map<std::string, std::uint32_t> kNames = {
     {"digits", vl::tk::kNamesLeadingDigit},
 };
 
+std::vector<std::string> WordsOf(const std::map<std::string, std::uint32_t>& table) {
+    std::vector<std::string> words;
+    for (const auto& [word, bits] : table) words.push_back(word);
+    return words;
+}
+
+void CheckSetting(const std::string& file, float value, Range range) {
+    if (range.least <= value && value <= range.greatest) return;
+    throw Error(file, "", Join("the time factor or length is not a number from ", Text(range)));
+}
+
 }  // namespace
 
 void PassOptions::AddTo(CLI::App& command) {
-    command.add_flag(
-        "--merge-keys", m_mergeKeys,
-        "Drop keys that lie on the straight line between their neighbours, but for float rounding");
-    command.add_flag("--resample", m_resample, "Give the three tracks of a node keys at the same times");
-    command.add_flag("--flip", m_flip, "Exchange the Y and Z axes");
     command
-        .add_option(
-            "--targets", m_targets,
-            "What cameras and lights aim at: nodes of their own (records), or further keys of the camera "
-            "or light (keys); camera-records and the like for one kind alone")
-        ->delimiter(',')
-        ->expected(1)
-        ->take_all()
-        ->check(CLI::IsMember(kTargets));
-    command.add_flag("--assign-names", m_assignNames,
-                     "Name nodes by the tools' rules (implied by --names, --max-name and --rename)");
+        .add_flag("--merge-keys", m_mergeKeys,
+                  "Drop keys that lie on the straight line between their neighbours, but for float rounding")
+        ->group(kKeysGroup);
+    command.add_flag("--resample", m_resample, "Give the three tracks of a node keys at the same times")
+        ->group(kKeysGroup);
+    AddChoices(command, "--targets", m_targets, WordsOf(kTargets),
+               "What cameras and lights aim at: nodes of their own (records), or further keys of the camera "
+               "or light (keys); camera-records and the like for one kind alone; several with commas")
+        ->group(kTargetGroup);
+    command.add_flag("--flip", m_flip, "Exchange the Y and Z axes")->group(kTargetGroup);
     command
-        .add_option(
-            "--names", m_names,
-            "Name nodes by these rules: unique, exact-case, wide, keep-characters, digits (a digit may come "
-            "first)")
-        ->delimiter(',')
-        ->expected(1)
-        ->take_all()
-        ->check(CLI::IsMember(kNames));
-    command.add_option("--max-name", m_maxName, "Greatest length of node names (default 32)")
-        ->check(CLI::Range(4, 512));
+        .add_option("--settings", m_settings,
+                    "The user's animation settings: an INI file with a section anim")
+        ->type_name(kFileType)
+        ->group(kTimeGroup);
     command
-        .add_option("--max-material-name", m_maxMaterialName,
-                    "Name materials, with at most so many characters")
-        ->check(CLI::Range(3, 511));
-    command.add_option("--settings", m_settings,
-                       "The user's animation settings: an INI file with a section anim");
+        .add_flag("--assign-names", m_assignNames,
+                  "Name nodes by the tools' rules (implied by --names, --max-name and --rename)")
+        ->group(kNamesGroup);
+    AddChoices(command, "--names", m_names, WordsOf(kNames),
+               "Name nodes by these rules; digits: a digit may come first; several with commas")
+        ->group(kNamesGroup);
+    AddNumber(command, "--max-name", m_maxName, {4, 512}, "N", "Greatest length of node names, else 32")
+        ->group(kNamesGroup);
+    AddNumber(command, "--max-material-name", m_maxMaterialName, {3, 511}, "N",
+              "Name materials, with at most so many characters")
+        ->group(kNamesGroup);
+    AddRepeated(command, "--rename", m_renames, "Change names by a regular expression; may be repeated")
+        ->type_name("PATTERN=REPLACEMENT")
+        ->group(kNamesGroup);
     command
-        .add_option("--rename", m_renames,
-                    "PATTERN=REPLACEMENT: change names by a regular expression; may be repeated")
-        ->expected(1)
-        ->take_all();
-    command.add_option("--rename-map", m_renameMap,
-                       "Write a JSON file that tells the exported name of every original name and path");
+        .add_option("--rename-map", m_renameMap,
+                    "Write a JSON file with the exported name of every original name and path")
+        ->type_name(kFileType)
+        ->group(kNamesGroup);
 }
 
 void PassOptions::ApplyTo(Host& host, ExportOptions& options) {
@@ -107,6 +116,8 @@ void PassOptions::ApplySettings(Host& host, ExportOptions& options) const {
     if ((options.animFlags & kTime) == 0) {
         options.animFlags |= tool->m_dwAnimFlags;
         options.rescale = tool->m_fRescale;
+        if (options.Has(vl::tk::kRescaleTime)) CheckSetting(m_settings, options.rescale, kTimeFactors);
+        if (options.Has(vl::tk::kSetLength)) CheckSetting(m_settings, options.rescale, kLengths);
     }
 }
 

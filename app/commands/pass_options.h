@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/options.h"
 #include "app/operations/export/export_options.h"
 #include "app/services/rename_rules.h"
 
@@ -14,6 +15,17 @@ class App;
 namespace zr {
 
 class Host;
+
+// Under which headings the export command's options stand.
+inline constexpr const char* kHierarchyGroup = "Hierarchy";
+inline constexpr const char* kKeysGroup = "Keys";
+inline constexpr const char* kTimeGroup = "Time";
+inline constexpr const char* kNamesGroup = "Names";
+inline constexpr const char* kTargetGroup = "Target";
+
+// Far beyond what scenes need, and nowhere near where floats end.
+inline constexpr Range kTimeFactors{1e-6, 1e6};
+inline constexpr Range kLengths{1e-3, 1e6};  // seconds
 
 // The export command's options for keys, axes, aims and names. Outlives the run: the tools call back into
 // its rules.

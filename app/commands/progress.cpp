@@ -21,15 +21,16 @@ constexpr auto kBetweenUpdates = 100ms;
 Progress::Progress(std::string title)
     : m_title(std::move(title)),
       m_start(std::chrono::steady_clock::now()),
-      m_terminal(isatty(STDERR_FILENO) == 1) {}
+      m_isShown(!m_title.empty() && isatty(STDERR_FILENO) == 1) {}
 
-Progress::~Progress() {
+void Progress::Clear() {
     if (m_visible) std::fprintf(stderr, "\r\033[K");
+    m_visible = false;
 }
 
 void Progress::Show(double done) {
     const auto now = std::chrono::steady_clock::now();
-    if (!m_terminal || now - m_start < kPatience || now - m_shown < kBetweenUpdates) return;
+    if (!m_isShown || now - m_start < kPatience || now - m_shown < kBetweenUpdates) return;
     m_shown = now;
     m_visible = true;
     const double share = std::clamp(done, 0.0, 1.0);

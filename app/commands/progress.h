@@ -10,18 +10,20 @@ namespace zr {
 // Cleared when it ends.
 class Progress {
 public:
-    explicit Progress(std::string title);
-    ~Progress();
+    explicit Progress(std::string title);  // empty: none is shown
+    ~Progress() { Clear(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void Show(double done);  // 0 to 1
+    // Before something else is printed.
+    void Clear();
 
 private:
     std::string m_title;
     std::chrono::steady_clock::time_point m_start;
     std::chrono::steady_clock::time_point m_shown;
-    bool m_terminal;
+    bool m_isShown;
     bool m_visible = false;
 };
 

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 
 #include "app/commands/commands.h"
-#include "app/commands/notes.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/animations/animation_edit.h"
+#include "base/text.h"
 #include "host/anim_manager.h"
 
 namespace zr {
@@ -17,7 +19,7 @@ namespace {
 struct RemoveArguments {
     std::string scene;
     std::string out;
-    std::vector<std::string> animations;
+    AnimationNames animations;
     bool unused = false;
 };
 
@@ -31,19 +33,23 @@ Animations UnusedAnimations(Host& host, kernix::SceneModel& scene) {
 }
 
 int RunRemove(Session& session, const RemoveArguments& arguments) {
-    if (arguments.unused != arguments.animations.empty()) {
-        throw UsageError("give either --animations or --unused");
-    }
-    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
+    const std::vector<std::string> names = arguments.animations.All();
+    if (arguments.unused != names.empty()) throw UsageError("give either --animations or --unused");
+    OutputTarget out(session, arguments.out, EndingOf({}));
+    Report report;
+    LoadedScene loaded(LoadDocument(session, arguments.scene, report));
     Host& host = session.GetHost();
-    const Animations chosen = arguments.unused ? UnusedAnimations(host, loaded.Scene())
-                                               : ChooseAnimations(loaded.Scene(), arguments.animations);
+    const Animations chosen =
+        arguments.unused ? UnusedAnimations(host, loaded.Scene()) : ChooseAnimations(loaded.Scene(), names);
     const auto held = RemoveAnimations(host, loaded, chosen);
     if (!held.empty() && !arguments.unused) throw std::runtime_error("cannot remove " + held.front());
-    PrintNotes("kept", held);
     loaded.WriteBack();
-    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
-    std::printf("removed %zu animations\n", chosen.size() - held.size());
+    SaveDocument(session, loaded.Document(), out);
+    report.Note("kept", held);
+    report.Line("removed " + Counted(chosen.size() - held.size(), "animation"));
+    report.json.Set("input", arguments.scene).Set("output", arguments.out);
+    report.json.Set("removed", chosen.size() - held.size());
+    PrintReport(session, "remove-animations", report);
     return 0;
 }
 
@@ -52,12 +58,14 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
 void AddRemoveAnimationsCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("remove-animations", "Remove animations from a scene");
     auto arguments = std::make_shared<RemoveArguments>();
-    command->add_option("scene", arguments->scene, "Scene to read (.gltf, .glb)")->required();
-    command->add_option("out", arguments->out, "Scene to write (.gltf, .glb)")->required();
-    command->add_option("--animations", arguments->animations, "Names or indices, separated by commas")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    AddSceneAndOut(*command, arguments->scene, arguments->out);
+    arguments->animations.AddTo(*command, "Those to remove");
     command->add_flag("--unused", arguments->unused, "Remove those that no viewport plays");
+    AddExamples(
+        *command,
+        {{"remove-animations scene.glb out.glb --animations walk,2", "By name and by index."},
+         {"remove-animations scene.glb out.glb --animation 'Run, slowly'", "One whose name has a comma."},
+         {"remove-animations scene.glb out.glb --unused", "Those that no viewport plays."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunRemove(session, *arguments); });
     });

@@ -3,7 +3,6 @@
 
 #include <csignal>
 
-#include "app/commands/notes.h"
 #include "app/services/strings.h"
 #include "base/fatal_signals.h"
 
@@ -31,26 +30,20 @@ Session::~Session() {
     std::signal(SIGINT, SIG_DFL);
 }
 
-gltf::Document Session::LoadDocument(const std::filesystem::path& file) {
-    gltf::Document document = gltf::Document::Load(file, m_loadOptions);
-    const std::lock_guard lock(m_warningsMutex);
-    for (const gltf::Error& warning : document.Warnings()) m_warnings.emplace_back(warning.what());
-    return document;
-}
-
-int Session::Run() {
-    if (!m_run) return 2;
-    const int status = m_run();
-    PrintNotes("warning", m_warnings);
-    return status;
-}
-
 Host& Session::GetHost() {
     if (!m_host) {
-        m_host = std::make_unique<Host>(m_language.empty() ? UserLanguage() : m_language);
-        m_host->LoadModule();
+        auto host = std::make_unique<Host>(m_options.language.empty() ? UserLanguage() : m_options.language);
+        host->ShowLog(m_options.verbose);
+        host->LoadModule();
+        m_host = std::move(host);
     }
     return *m_host;
+}
+
+void Session::TakeStandardOutput() {
+    if (m_options.json) throw UsageError("--json and a result of - cannot both go to standard output");
+    if (m_isStandardOutputTaken) throw UsageError("only one result can go to standard output");
+    m_isStandardOutputTaken = true;
 }
 
 }  // namespace zr

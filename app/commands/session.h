@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "app/services/host.h"
 #include "gltf/document.h"
@@ -25,11 +22,26 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The options that every command takes.
+struct GlobalOptions {
+    std::string language;    // of the module's texts; empty: the user's
+    bool json = false;       // the answer as JSON
+    bool quiet = false;      // only errors, and what was asked for
+    bool verbose = false;    // also the module's log
+    bool noClobber = false;  // replace no file
+    gltf::LoadOptions load;
+};
+
 // What the commands of one run of the program share.
 class Session {
 public:
     Session();
     ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    GlobalOptions& Options() { return m_options; }
+    const GlobalOptions& Options() const { return m_options; }
 
     // The host with the module loaded, made at the first call.
     Host& GetHost();
@@ -42,23 +54,22 @@ public:
         if (IsStopRequested()) throw Stopped();
     }
 
-    // Reads a scene as the command line asks. Its warnings are printed when the command is done. On any thread.
-    gltf::Document LoadDocument(const std::filesystem::path& file);
+    // The result itself goes to standard output, and what is told about it elsewhere. Throws UsageError when
+    // a result goes there already, or JSON does.
+    void TakeStandardOutput();
+    bool IsStandardOutputTaken() const { return m_isStandardOutputTaken; }
 
     // A command gives here what it does; it runs when the command line has been read. Its result is the
     // program's status.
     void SetCommand(std::function<int()> run) { m_run = std::move(run); }
-    int Run();
-
-    std::string m_language;  // empty: the user's
-    gltf::LoadOptions m_loadOptions;
+    int Run() { return m_run ? m_run() : 2; }
 
 private:
+    GlobalOptions m_options;
     vl::Ref<vl::Context> m_context;
     std::unique_ptr<Host> m_host;
     std::function<int()> m_run;
-    std::mutex m_warningsMutex;
-    std::vector<std::string> m_warnings;
+    bool m_isStandardOutputTaken = false;
 };
 
 }  // namespace zr

@@ -5,8 +5,11 @@
 #include <cstdio>
 #include <memory>
 
+#include "app/commands/animation_report.h"
 #include "app/commands/commands.h"
-#include "app/commands/notes.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/animations/split_animation.h"
@@ -45,7 +48,9 @@ std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
 
 int RunSplit(Session& session, const SplitArguments& arguments) {
     if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
-    LoadedScene loaded(session.LoadDocument(PathFromUtf8(arguments.scene)));
+    OutputTarget out(session, arguments.out, EndingOf({}));
+    Report report;
+    LoadedScene loaded(LoadDocument(session, arguments.scene, report));
     session.ThrowIfStopped();
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
@@ -56,13 +61,18 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
                                                           scene.GetEndTime(&animation)));
     if (parts.empty()) throw std::runtime_error("animation " + Quoted(animation) + " moves nothing");
     FollowInViewports(scene, {&animation}, parts);
-    PrintNotes("dropped", SkippedChannels(loaded, {&animation}));
-    PrintNotes("kept", RemoveAnimations(session.GetHost(), loaded, {&animation}));
-    for (kernix::AnimationModel* part : parts) {
-        std::printf("%s  %g s\n", Quoted(*part).c_str(), static_cast<double>(scene.GetEndTime(part)));
+    report.Note("dropped", SkippedChannels(loaded, {&animation}));
+    report.Note("kept", RemoveAnimations(session.GetHost(), loaded, {&animation}));
+    JsonArray list;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const AnimationSummary summary = Summarize(scene, *parts[i], i);
+        report.Line(summary.Text());
+        list.Append(summary.Json());
     }
     loaded.WriteBack();
-    loaded.Document().Save(PathFromUtf8(arguments.out), [&] { session.ThrowIfStopped(); });
+    SaveDocument(session, loaded.Document(), out);
+    report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
+    PrintReport(session, "split", report);
     return 0;
 }
 
@@ -71,14 +81,22 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
 void AddSplitCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("split", "Cut an animation into several");
     auto arguments = std::make_shared<SplitArguments>();
-    command->add_option("scene", arguments->scene, "Scene to read (.gltf, .glb)")->required();
-    command->add_option("out", arguments->out, "Scene to write (.gltf, .glb)")->required();
-    command->add_option("--animation", arguments->animation,
-                        "The animation to cut (name, or index), where there are several");
-    command->add_option("--at", arguments->cuts, "Times of the cuts, seconds, separated by commas")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    AddSceneAndOut(*command, arguments->scene, arguments->out);
+    command
+        ->add_option("--animation", arguments->animation,
+                     "The animation to cut (name, or index), where there are several")
+        ->type_name("NAME");
+    auto* cuts =
+        command->add_option("--at", arguments->cuts, "Times of the cuts, seconds, separated by commas")
+            ->type_name("SECONDS,...")
+            ->delimiter(',')
+            ->allow_extra_args(false);
+    CheckRange(*cuts, {-1e6, 1e6});
     command->add_flag("--each", arguments->each, "One animation for each node that it moves");
+    AddExamples(*command,
+                {{"split scene.glb out.glb --at 1,2.5", "Three parts of the only animation."},
+                 {"split scene.glb out.glb --animation walk --at 0.5", "Two parts of one of several."},
+                 {"split scene.glb out.glb --animation walk --each", "A part for each node."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunSplit(session, *arguments); });
     });

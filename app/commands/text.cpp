@@ -6,6 +6,8 @@
 #include <set>
 
 #include "app/commands/commands.h"
+#include "app/commands/files.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/operations/text/text_geometry.h"
 #include "base/file.h"
@@ -223,11 +225,16 @@ int RunText(const TextOptions& options, Session& session) {
     } else {
         CheckFontText(text, font, shortcomings);
     }
+    OutputTarget out(session, options.names.back(), PathToUtf8(target.extension()));
     TextGeometry geometry = MakeGeometry(options, text, font, session);
     // A hundredth of a line, about.
     if (options.style != "stroke") geometry.penWidth = std::abs(options.height) * options.size / 144;
     session.ThrowIfStopped();
-    WriteText(geometry, format, target);
+    WriteText(geometry, format, out.Path());
+    Report report;
+    report.json.Set("output", options.names.back()).Set("points", geometry.points.size());
+    report.json.Set("contours", geometry.contours.size()).Set("triangles", geometry.triangles.size());
+    PrintReport(session, "text", report);
     return 0;
 }
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "app/commands/commands.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/commands/windows.h"
 #include "app/scene/loaded_scene.h"
@@ -40,17 +42,26 @@ vl::Ref<vl::tk::Serializer> BuildTree(Host& host, LoadedScene& loaded) {
 int ShowTree(Session& session, const TreeOptions& options) {
     if (options.window) StartWindows();
     Host& host = session.GetHost();
-    LoadedScene loaded(session.LoadDocument(options.scene));
+    Report report;
+    LoadedScene loaded(LoadDocument(session, options.scene, report));
     const auto tool = BuildTree(host, loaded);
     if (options.window) {
         if (tool->FillTreeView(nullptr, 0) == 0)
-            throw std::runtime_error(options.scene + ": nothing to show");
+            throw std::runtime_error(options.scene + ": there is nothing to show");
         platform::RunUntilWindowsClosed();
         return 0;
     }
     TerminalTree tree;
     tool->FillTreeView(tree.Handle(), 0);
-    std::fputs(tree.Draw().c_str(), stdout);
+    report.isAnswer = true;
+    report.text = tree.Count() == 0 ? "the scene has no nodes\n" : tree.Draw();
+    JsonArray items;
+    for (std::size_t number = 1; number <= tree.Count(); ++number) {
+        const TerminalTree::Item& item = tree.At(number);
+        items.Append(JsonObject().Set("name", item.text).Set("depth", item.depth));
+    }
+    report.json.Set("input", options.scene).Set("items", items);
+    PrintReport(session, "tree", report);
     return 0;
 }
 
@@ -60,8 +71,13 @@ void AddTreeCommand(CLI::App& app, Session& session) {
     auto options = std::make_shared<TreeOptions>();
     CLI::App* command =
         app.add_subcommand("tree", "Show the hierarchy that an export of a scene would write");
-    command->add_option("SCENE", options->scene, "A .gltf or .glb file")->required();
+    command->add_option("scene", options->scene, "The scene to read: .gltf, .glb, or - for standard input")
+        ->type_name(kSceneType)
+        ->required();
     command->add_flag("--window", options->window, "Open a window instead of printing");
+    AddExamples(*command, {{"tree scene.glb", "Draw the hierarchy in the terminal."},
+                           {"tree --window scene.glb", "Show it in a window."},
+                           {"tree --json scene.glb", "Every item with its depth, parents first."}});
     command->callback([&session, options] {
         session.SetCommand([&session, options] { return ShowTree(session, *options); });
     });

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace zr {
+
+// Options of a command with a name and a text, in the order of their groups. The group of the options that
+// every command takes comes last.
+struct OptionGroup {
+    std::string name;
+    std::vector<const CLI::Option*> options;
+};
+std::vector<OptionGroup> OptionGroupsOf(const CLI::App& command);
+
+// "--gap SECONDS", "-h,--help", "SCENE".
+std::string NameAndValue(const CLI::Option& option);
+// The option's text, with its default.
+std::string TextOf(const CLI::Option& option);
+// The ways to call a command: "zr export [OPTIONS] SCENE OUT".
+std::vector<std::string> UsagesOf(const CLI::App& command);
+
+// Lays out help in 100 columns.
+class HelpFormatter final : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override;
+};
+
+}  // namespace zr

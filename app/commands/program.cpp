@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+#include "app/commands/program.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <new>
+#include <system_error>
+
+#include "app/commands/commands.h"
+#include "app/commands/help.h"
+#include "app/commands/options.h"
+#include "app/commands/session.h"
+#include "app/commands/suggestion.h"
+#include "app/services/strings.h"
+#include "base/text.h"
+#include "host/version.h"
+#include "kernix/utf.h"
+
+namespace zr {
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+constexpr int kStopped = 130;
+
+void AddGlobalOptions(CLI::App& app, Session& session) {
+    constexpr const char* kGroup = "With every command";
+    GlobalOptions& options = session.Options();
+    app.add_flag("--json", options.json, "Print the answer as JSON")->group(kGroup);
+    app.add_flag("-q,--quiet", options.quiet, "Print errors and what was asked for, nothing else")
+        ->group(kGroup);
+    app.add_flag("-v,--verbose", options.verbose, "Also print the module's log")->group(kGroup);
+    app.add_flag("--no-clobber", options.noClobber, "Replace no file")->group(kGroup);
+    app.add_flag("--allow-outside", options.load.allowOutside,
+                 "Also read files of a scene that stand outside its folder")
+        ->group(kGroup);
+    app.add_option("--language", options.language,
+                   "Language of the module's texts: en, de, fr, ja or zh; else the user's")
+        ->type_name("LANGUAGE")
+        ->check([](const std::string& language) {
+            return LanguageTable(language) ? std::string() : Join("there are no texts in \"", language, "\"");
+        })
+        ->group(kGroup);
+}
+
+std::string VersionText(Session& session) {
+    Host& host = session.GetHost();
+    return Join("zr ", ZR_VERSION, "\nmodule ", kernix::ToUtf8(host.ModuleVersion()), ", ",
+                kernix::ToUtf8(host.ModuleDescription()), "\nhost interface ", host.InterfaceVersion());
+}
+
+// The command that the line got to.
+const CLI::App& LastCommand(const CLI::App& app) {
+    const CLI::App* command = &app;
+    while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
+    return *command;
+}
+
+// A word of the line that means nothing where it stands.
+std::string UnknownWord(const CLI::App& app) {
+    const CLI::App* const command = &LastCommand(app);
+    const std::vector<std::string> rest = app.remaining(true);
+    std::vector<std::string> known;
+    const std::string& word = rest.front();
+    const bool isOption = word.starts_with('-');
+    if (isOption) {
+        for (const OptionGroup& group : OptionGroupsOf(*command)) {
+            for (const CLI::Option* option : group.options) {
+                for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+            }
+        }
+    } else {
+        for (const CLI::App* each : command->get_subcommands({})) known.push_back(each->get_name());
+    }
+    const char* const kind = isOption ? "option" : known.empty() ? "argument" : "command";
+    std::string text = Join(isOption || known.empty() ? "unexpected " : "unknown ", kind, " \"", word, "\"");
+    const std::string nearest = NearestWord(word, known);
+    if (!nearest.empty()) text += Join("; did you mean \"", nearest, "\"?");
+    return text;
+}
+
+std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
+    const auto is = [&error](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
+    const bool isMissing = is(CLI::ExitCodes::RequiredError);
+    // A word too much may be why another is missing.
+    if (!app.remaining(true).empty() && (isMissing || is(CLI::ExitCodes::ExtrasError)))
+        return UnknownWord(app);
+    if (!isMissing) return error.what();
+    return Join("something is missing; usage: ", UsagesOf(LastCommand(app)).front());
+}
+
+void PrintError(std::string_view text) {
+    std::fprintf(stderr, "zr: %s\n", Printable(text).c_str());
+}
+
+int Run(int argc, const char* const* argv) {
+    Session session;
+    const std::unique_ptr<CLI::App> app = MakeCommandLine(session);
+    try {
+        app->parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            app->exit(error);
+            return kDone;
+        }
+        PrintError(UsageText(*app, error));
+        return kUsage;
+    }
+    return session.Run();
+}
+
+// What was printed may not have been written yet.
+int Flushed(int status) {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+    const int error = errno;
+    if (status == kDone) PrintError("standard output: " + std::generic_category().message(error));
+    return status == kDone ? kFailed : status;
+}
+
+}  // namespace
+
+std::unique_ptr<CLI::App> MakeCommandLine(Session& session) {
+    auto app = std::make_unique<CLI::App>(
+        "Prepares, cleans and exports animated glTF scenes, and turns text into geometry.", "zr");
+    app->formatter(std::make_shared<HelpFormatter>());
+    app->set_help_flag("-h,--help", "Print this help");
+    app->set_version_flag(
+        "-V,--version", [&session] { return VersionText(session); },
+        "Print the versions of the program, the module and the host interface");
+    app->require_subcommand(1);
+    app->fallthrough();
+    AddGlobalOptions(*app, session);
+    for (const auto& [group, add] : kCommands) {
+        add(*app, session);
+        app->get_subcommands({}).back()->group(group);
+    }
+    app->footer("zr help COMMAND tells more of a command.");
+    return app;
+}
+
+int RunProgram(int argc, const char* const* argv) {
+    int status = kFailed;
+    try {
+        status = Run(argc, argv);
+    } catch (const Stopped&) {
+        std::fprintf(stderr, "zr: stopped\n");
+        status = kStopped;
+    } catch (const UsageError& error) {
+        PrintError(error.what());
+        status = kUsage;
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "zr: out of memory\n");
+    } catch (const std::exception& error) {
+        PrintError(error.what());
+    }
+    return Flushed(status);
+}
+
+}  // namespace zr

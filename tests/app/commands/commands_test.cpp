@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "tests/app/commands/command_kit.h"
+#include "tests/app/commands/json_schema.h"
+
+namespace zr::test {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class Commands : public testing::Test {
+protected:
+    Commands() { m_folder.WriteAnimated("a.glb"); }
+
+    // The output as JSON, checked against the schema that is installed.
+    gltf::Json Json(const std::string& arguments, int status = 0) {
+        static gltf::JsonTree schema = [] {
+            gltf::JsonTree tree;
+            const FileContent content = ReadFile(ZR_OUTPUT_SCHEMA);
+            tree.root = tree.Build({reinterpret_cast<const char*>(content.data.get()), content.size});
+            return tree;
+        }();
+        const Outcome run = m_folder.Zr("--json " + arguments);
+        EXPECT_EQ(run.status, status) << run.err;
+        const gltf::Json json = m_tree.Build(run.out);
+        EXPECT_EQ(SchemaFault(json, schema.root), "") << run.out;
+        return json;
+    }
+
+    Strings AnimationNames(const char* file) {
+        Strings names;
+        const auto document = gltf::Document::Load(m_folder / file);
+        for (const gltf::Json& animation : document.Elements(gltf::Kind::kAnimation))
+            names.emplace_back(animation.Find("name")->String());
+        return names;
+    }
+
+    void ExpectFailure(const std::string& arguments, const char* text) {
+        SCOPED_TRACE(arguments);
+        const Strings before = m_folder.Files();
+        const Outcome run = m_folder.Zr(arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.out, "");
+        EXPECT_TRUE(IsOneLine(run.err)) << run.err;
+        EXPECT_NE(run.err.find(text), std::string::npos) << run.err;
+        EXPECT_EQ(m_folder.Files(), before);
+    }
+
+    CommandFolder m_folder;
+    gltf::JsonTree m_tree;
+};
+
+TEST_F(Commands, InfoCounts) {
+    const Outcome run = m_folder.Zr("info a.glb");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_NE(run.out.find("nodes       2\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("  \"run, fast\"  0 to 2 s, 1 track, 2 keys\n"), std::string::npos) << run.out;
+    const gltf::Json json = Json("info a.glb");
+    EXPECT_EQ(json.Find("counts")->Find("meshes")->Number(), 1);
+    EXPECT_EQ(json.Find("animations")->Items()[1].Find("end")->Number(), 2);
+}
+
+TEST_F(Commands, AnimationsTellTheirUsers) {
+    const Outcome run = m_folder.Zr("animations a.glb");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(
+        run.out.starts_with("0  \"walk\"  0 to 1 s, 1 track, 2 keys, used by front\n"
+                            "1  \"run, fast\"  0 to 2 s, 1 track, 2 keys, unused\n"))
+        << run.out;
+    const gltf::Json json = Json("animations a.glb");
+    EXPECT_EQ(json.Find("animations")->Items()[0].Find("viewports")->Items()[0].String(), "front");
+}
+
+TEST_F(Commands, TreeDrawsTheExportHierarchy) {
+    const Outcome run = m_folder.Zr("tree a.glb");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.out.find("[box"), std::string::npos) << run.out;
+    EXPECT_EQ(Json("tree a.glb").Find("items")->Items().size(), 2U);
+    m_folder.Write("empty.gltf", R"({"asset": {"version": "2.0"}})");
+    EXPECT_EQ(m_folder.Zr("tree empty.gltf").out, "the scene has no nodes\n");
+}
+
+TEST_F(Commands, DescribeListsTheCleaner) {
+    const Outcome run = m_folder.Zr("describe cleaner");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.out.find("Clean_Scene"), std::string::npos);
+    const gltf::Json method = Json("describe cleaner").Find("methods")->Items()[0];
+    EXPECT_EQ(method.Find("name")->String(), "Clean_Scene");
+    EXPECT_GE(method.Find("parameters")->Items().size(), 8U);
+}
+
+TEST_F(Commands, ExportTellsWhatItDid) {
+    const Outcome run = m_folder.Zr("export a.glb b.glb --animation walk --animation 'run, fast'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(run.out.starts_with("4 keys became 4; largest deviation ")) << run.out;
+    EXPECT_EQ(AnimationNames("b.glb"), (Strings{"walk", "run, fast"}));
+    const gltf::Json json = Json("export a.glb c.gltf --rename '^b=x' --names unique --rename-map map.json");
+    EXPECT_EQ(json.Find("results")->Items()[0].Find("keysAfter")->Number(), 4);
+    EXPECT_NE(m_folder.Read("map.json").find("xox"), std::string::npos) << m_folder.Read("map.json");
+}
+
+TEST_F(Commands, RecordsHoldOneAnimation) {
+    ExpectFailure("export a.glb b.json", "a.glb: records hold one animation");
+    ExpectFailure("export a.glb b.json --animation 0 --animation 1", "choose it with --animation");
+    EXPECT_EQ(m_folder.Zr("export a.glb b.JSON --animation walk").status, 0);
+    EXPECT_NE(m_folder.Read("b.JSON").find("\"box\""), std::string::npos);
+    EXPECT_EQ(m_folder.Zr("export a.glb c.json --no-animation").status, 0);
+}
+
+TEST_F(Commands, AModuleErrorIsToldOnce) {
+    ExpectFailure("export a.glb b.glb --option-words 0,0,0", "a.glb: Invalid parameters\n");
+}
+
+// Stored times that would give keys without an end, or none at all.
+TEST_F(Commands, SettingsStayInRange) {
+    for (const char* percent : {"1e38", "-50"}) {
+        m_folder.Write("user.ini",
+                       std::string("[anim]\nrescale=1\nrescaletype=1\nrescalepercent=") + percent + "\n");
+        ExpectFailure("export a.glb b.glb --settings user.ini", "user.ini: ");
+    }
+}
+
+TEST_F(Commands, MergeWritesItsResult) {
+    const Outcome run = m_folder.Zr(
+        "merge a.glb b.glb --animations walk --animation 'run, fast' --sequence --gap .5 --name both "
+        "--remove-sources");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "merged \"both\"  0 to 3.5 s, 1 track, 5 keys\n");
+    EXPECT_EQ(AnimationNames("b.glb"), (Strings{"still", "both"}));
+    const gltf::Json json = Json("merge a.glb c.glb --from a.glb --animations 0,1");
+    EXPECT_EQ(json.Find("results")->Items()[0].Find("done")->Bool(), true);
+    EXPECT_EQ(m_folder.Zr("merge a.glb d.glb --from a.glb").status, 0);
+    EXPECT_EQ(AnimationNames("d.glb").size(), 5U) << "the one that moves nothing stays there";
+}
+
+TEST_F(Commands, AMergeThatMovesNothingFails) {
+    ExpectFailure("merge a.glb b.glb --animations 0,1 --keep scale --remove-sources", "would move nothing");
+    ExpectFailure("merge a.glb b.glb --animations 0,still --sequence", "\"still\" has no keys");
+    m_folder.Write("other.gltf", R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+                                     "nodes": [{"name": "nobody"}]})");
+    ExpectFailure("merge a.glb b.glb --from other.gltf", "other.gltf: nothing in it moves");
+}
+
+TEST_F(Commands, SplitCutsOrSeparates) {
+    const Outcome run = m_folder.Zr("split a.glb b.glb --animation 1 --at 0.5,1.5");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "\"run, fast 1\"  0 to 0.5 s, 1 track, 2 keys\n"
+              "\"run, fast 2\"  0 to 1 s, 1 track, 2 keys\n"
+              "\"run, fast 3\"  0 to 0.5 s, 1 track, 2 keys\n");
+    const gltf::Json json = Json("split a.glb c.glb --animation walk --each");
+    EXPECT_EQ(json.Find("animations")->Items()[0].Find("name")->String(), "walk box");
+    ExpectFailure("split a.glb d.glb --at 1", "choose one with --animation");
+    ExpectFailure("split a.glb d.glb --animation walk --at 1", "not inside the animation");
+    ExpectFailure("split a.glb d.glb --animation still --each", "moves nothing");
+}
+
+TEST_F(Commands, RemoveAnimationsCounts) {
+    EXPECT_EQ(m_folder.Zr("remove-animations a.glb b.glb --animations walk,2").out, "removed 2 animations\n");
+    EXPECT_EQ(m_folder.Zr("remove-animations a.glb c.glb --animation 'run, fast'").out,
+              "removed 1 animation\n");
+    EXPECT_EQ(AnimationNames("c.glb"), (Strings{"walk", "still"}));
+    EXPECT_EQ(Json("remove-animations a.glb d.glb --unused").Find("removed")->Number(), 2);
+    ExpectFailure("remove-animations a.glb e.glb --animation ran", "no animation is named \"ran\"");
+}
+
+TEST_F(Commands, CleanAndTextTellPrograms) {
+    const gltf::Json clean = Json("clean a.glb b.glb --explain").Find("results")->Items()[0];
+    EXPECT_GT(clean.Find("bytesAfter")->Number(), 0);
+    EXPECT_EQ(Json("text --style stroke A a.svg").Find("contours")->Number(), 3);
+}
+
+TEST_F(Commands, ScenesPassThroughPipes) {
+    const Outcome run = m_folder.Shell("zr clean - - <a.glb | zr export - - | zr info - >info && cat info");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("nodes       1\n"), std::string::npos) << run.out;
+    EXPECT_EQ(m_folder.Shell("cat a.glb | zr export - - --animation 0 --format json | grep -c box").out,
+              "1\n");
+    const Outcome split = m_folder.Zr("export a.glb - --format gltf");
+    EXPECT_EQ(split.status, 1) << "its buffer would be a file of its own";
+    EXPECT_EQ(split.out, "");
+    const Outcome broken = m_folder.Zr("info -", "{]");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_TRUE(broken.err.starts_with("zr: standard input: byte ")) << broken.err;
+}
+
+TEST_F(Commands, NoClobberKeepsWhatIsThere) {
+    for (const char* command :
+         {"export a.glb b.glb", "clean a.glb b.glb", "merge a.glb b.glb --animations 0,1",
+          "split a.glb b.glb --animation 0 --each", "remove-animations a.glb b.glb --unused",
+          "text --style stroke A b.glb", "export a.glb c.glb --rename-map b.glb"}) {
+        m_folder.Write("b.glb", "mine");
+        ExpectFailure(std::string("--no-clobber ") + command, "b.glb: exists");
+        EXPECT_EQ(m_folder.Read("b.glb"), "mine");
+    }
+}
+
+TEST_F(Commands, QuietLeavesAnswersAndErrors) {
+    const Outcome quiet = m_folder.Zr("-q export a.glb b.glb");
+    EXPECT_EQ(quiet.status, 0);
+    EXPECT_EQ(quiet.out + quiet.err, "");
+    EXPECT_NE(m_folder.Zr("-q info a.glb").out, "");
+    EXPECT_NE(m_folder.Zr("-q info nothing.glb").err, "");
+    const Outcome verbose = m_folder.Zr("-v export a.glb b.glb");
+    EXPECT_NE(verbose.err.find("zr: log: ZR_TK::Process() - entering\n"), std::string::npos) << verbose.err;
+}
+
+TEST_F(Commands, NamesNeverReachTheTerminalAsCommands) {
+    m_folder.Write("odd.gltf", R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+        "nodes": [{"name": "a\u001b[2J\nb"}], "animations": [
+        {"name": "x\u0007\ny", "samplers": [], "channels": []}, {"name": "z\u009b", "samplers": [], "channels": []}]})");
+    for (const char* command :
+         {"info odd.gltf", "animations odd.gltf", "tree odd.gltf", "clean --dry-run odd.gltf",
+          "split odd.gltf b.gltf --at 1", "export odd.gltf b.gltf --animation none",
+          "remove-animations odd.gltf b.gltf --animation none"}) {
+        SCOPED_TRACE(command);
+        const Outcome run = m_folder.Zr(command);
+        const std::string all = run.out + run.err;
+        EXPECT_EQ(all.find_first_of("\x1b\x07"), std::string::npos) << all;
+        EXPECT_EQ(all.find("\xC2\x9B"), std::string::npos) << all;
+        EXPECT_TRUE(run.status == 0 || IsOneLine(run.err)) << run.err;
+    }
+}
+
+class ManyFiles : public Commands {
+protected:
+    ManyFiles() {
+        for (const char* name : {"in/a.glb", "in/deep/b.glb", "in/deep/c.glb"}) m_folder.WriteAnimated(name);
+        m_folder.Write("in/notes.txt", "no scene");
+        std::filesystem::remove(m_folder / "a.glb");
+    }
+};
+
+TEST_F(ManyFiles, GoOutUnderTheirNames) {
+    for (const char* command : {"export", "clean", "merge --animations 0,1"}) {
+        SCOPED_TRACE(command);
+        const std::string line = std::string(command) + " --out-dir out --jobs 3 --format gltf in";
+        const Outcome run = m_folder.Zr(line);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_NE(run.err.find("zr: 3 files: 3 done, 0 failed, 0 left\n"), std::string::npos) << run.err;
+        for (const char* name : {"out/a.gltf", "out/deep/b.gltf", "out/deep/c.gltf"})
+            EXPECT_TRUE(m_folder.Exists(name)) << name;
+        EXPECT_EQ(m_folder.Zr("-q " + line).status, 0);
+        std::filesystem::remove_all(m_folder / "out");
+        m_folder.Zr(std::string(command) + " --out-dir in/out in");
+        EXPECT_EQ(Json(std::string(command) + " --out-dir in/out in").Find("done")->Number(), 3)
+            << "what was written is not read";
+        std::filesystem::remove_all(m_folder / "in/out");
+    }
+}
+
+TEST_F(ManyFiles, StopAtTheFirstFailureOrGoOn) {
+    m_folder.Write("in/deep/b.glb", "broken");
+    const gltf::Json stopped = Json("export --out-dir out in", 1);
+    EXPECT_EQ(stopped.Find("done")->Number(), 1);
+    EXPECT_EQ(stopped.Find("failed")->Number(), 1);
+    EXPECT_EQ(stopped.Find("left")->Number(), 1);
+    EXPECT_EQ(stopped.Find("results")->Items()[1].Find("error")->String().substr(0, 13), "in/deep/b.glb");
+    EXPECT_FALSE(m_folder.Exists("out/deep/c.glb"));
+
+    const Outcome run = m_folder.Zr("export --out-dir out --keep-going in");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("zr: 3 files: 2 done, 1 failed, 0 left\n"), std::string::npos) << run.err;
+    EXPECT_TRUE(m_folder.Exists("out/deep/c.glb"));
+}
+
+TEST_F(ManyFiles, MayNotMeet) {
+    for (const char* files : {"in/a.glb in/a.glb", "in/deep/b.glb in/deep", "-", "nothing"}) {
+        SCOPED_TRACE(files);
+        std::filesystem::create_directory(m_folder / "nothing");
+        const Outcome run = m_folder.Zr(std::string("export --out-dir out ") + files);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_TRUE(IsOneLine(run.err)) << run.err;
+        EXPECT_FALSE(m_folder.Exists("out"));
+    }
+    EXPECT_EQ(m_folder.Zr("export --out-dir out --rename-map map.json in").status, 2);
+}
+
+}  // namespace
+}  // namespace zr::test
