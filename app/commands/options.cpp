@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <type_traits>
 
 #include "base/text.h"
@@ -16,7 +17,8 @@ namespace {
 
 std::string Short(double value) {
     char text[32];
-    return {text, std::to_chars(text, text + sizeof text, value).ptr};
+    std::snprintf(text, sizeof text, "%.10g", value);
+    return text;
 }
 
 bool IsInRange(std::string_view text, Range range, bool isWhole) {

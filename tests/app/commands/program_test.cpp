@@ -53,7 +53,7 @@ TEST(Program, NamesTheWrongWordInOneLine) {
         {"info a.glb \"$(printf 'b\\nc')\"", "unexpected argument \"b\\nc\""},
         {"--language zz info a.glb", "there are no texts in \"zz\""},
         {"export a.glb", "one to write"},
-        {"export a.glb b.glb --rescale nan", "\"nan\" is not a number from 1e-06 to 1e+06"},
+        {"export a.glb b.glb --rescale nan", "\"nan\" is not a number from 1e-06 to 1000000"},
         {"export a.glb b.glb --rescale 1e39", "--rescale"},
         {"export a.glb b.glb --length -1", "--length"},
         {"export a.glb b.glb --scale inf", "--scale"},

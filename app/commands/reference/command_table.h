@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zr {
+
+// The command line as pages and completions tell of it, read from the options that the program itself parses.
+
+enum class ValueKind {
+    kNone,  // a flag
+    kFile,
+    kFolder,
+    kWord,  // one of a few
+    kOther,
+};
+
+struct OptionEntry {
+    std::vector<std::string> names;  // "-q", "--quiet"; none for an operand
+    std::string value;               // as help shows it, "SECONDS"; empty: a flag
+    std::string text;
+    ValueKind kind = ValueKind::kNone;
+    std::vector<std::string> words;  // of kWord
+    bool isRepeatable = false;
+};
+
+struct OptionHeading {
+    std::string name;
+    std::vector<OptionEntry> options;
+};
+
+struct CommandTable {
+    std::string name;   // "export"; of the program "zr"
+    std::string group;  // under which the program lists it
+    std::string text;
+    std::vector<std::string> usages;
+    std::vector<OptionEntry> operands;
+    std::vector<OptionHeading> headings;
+    std::string footer;  // examples and what else follows the options
+    std::vector<CommandTable> commands;
+};
+
+// The whole program.
+CommandTable ReadCommandTable();
+
+}  // namespace zr
