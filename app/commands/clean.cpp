@@ -64,6 +64,7 @@ public:
         : m_session(session), m_arguments(arguments), m_environment(session.GetHost()) {
         m_options = arguments.options;
         m_options.steps = ChosenSteps(arguments);
+        m_options.explain = arguments.explain;
     }
 
     Report Run(const Task& task, const Advance& advance) {
@@ -111,9 +112,12 @@ int RunClean(Session& session, const Arguments& arguments) {
 int RunDialog(Session& session, const Arguments& arguments) {
     const Task task = PlanTasks(arguments.files, kSceneFiles).front();
     Report report;
-    CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output), session.GetHost(),
-                  arguments.options);
-    return 0;
+    if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output),
+                      session.GetHost(), arguments.options))
+        return 0;
+    constexpr int kStopped = 130;
+    std::fprintf(stderr, "zr: cancelled: nothing was cleaned and nothing written\n");
+    return kStopped;
 }
 
 }  // namespace
@@ -131,16 +135,16 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     CLI::Option* dialog =
         command->add_flag("--dialog", arguments->dialog, "Choose in a window what goes, and watch it go");
     command->add_flag("--all", arguments->all, "Also metadata, model views, notes and the environment");
-    command->add_option("--only", arguments->only, "Only these operations, separated by commas")
-        ->delimiter(',');
-    command->add_option("--skip", arguments->skip, "All but these operations, separated by commas")
-        ->delimiter(',');
-    command->add_option("--keep", arguments->options.keep,
-                        "Nodes, materials and animations whose name matches this pattern stay (*, ?, [a-z])");
+    AddList(*command, "--only", arguments->only, "Only these operations, separated by commas");
+    AddList(*command, "--skip", arguments->skip, "All but these operations, separated by commas");
+    AddList(*command, "--keep", arguments->options.keep,
+            "Keep nodes, materials and animations whose names match one of these patterns (*, ?, [a-z]), "
+            "separated by commas");
+    command->add_flag("--blended", arguments->options.blended,
+                      "Also remove repeated meshes with blended materials, which changes what is seen");
     command->add_flag("--keep-data", arguments->options.keepData,
                       "Leave in the file what nothing refers to: meshes, skins, textures, binary data ...");
-    command->add_flag("--force", arguments->options.force,
-                      "Remove also where an extension that is not known could refer to what goes");
+    command->add_flag("--force", arguments->options.force, kForceHelp);
     command->add_flag("--dry-run", arguments->dryRun, "Write nothing; list what would go");
     command->add_flag("--explain", arguments->explain, "List what stays only because something refers to it");
     for (const char* other : {"--out-dir", "--all", "--only", "--skip", "--dry-run", "--explain", "--jobs"}) {

@@ -1,45 +1,45 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/clean_dialog.h"
 
-#include <stdexcept>
 #include <utility>
 
 #include "app/commands/windows.h"
+#include "app/operations/clean/metadata_guard.h"
 #include "app/scene/loaded_scene.h"
+#include "app/scene/refuse_opaque.h"
 #include "app/services/host.h"
 
 namespace zr {
 namespace {
 
-// The dialog offers every operation, so what any of them removes must be free of references that cannot be
-// followed.
-void RefuseOpaque(const std::filesystem::path& scene, gltf::Document& document) {
-    for (const gltf::OpaqueUse& use : gltf::OpaqueReferences(document).uses) {
-        for (const CleanStepInfo& step : kCleanStepInfo) {
-            if (!step.removes || !use.kinds.Has(*step.removes)) continue;
-            throw std::runtime_error(scene.string() + ": the extension " + use.extension + " at " +
-                                     use.place +
-                                     " could refer to what is removed (--force goes on all the same)");
-        }
-    }
+// The dialog offers every operation.
+gltf::KindSet RemovableKinds() {
+    gltf::KindSet kinds;
+    for (const CleanStepInfo& step : kCleanStepInfo)
+        if (step.removes) kinds.Add(*step.removes);
+    return kinds;
 }
 
 }  // namespace
 
-void CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
+bool CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
                    const CleanOptions& options) {
     StartWindows();
-    if (!options.force) RefuseOpaque(document.File(), document);
-    LoadedScene loaded(std::move(document), SceneOptionsOf(options));
+    if (!options.force) RefuseOpaque(document, RemovableKinds());
+    const SceneOptions sceneOptions = SceneOptionsOf(options);
+    LoadedScene loaded(std::move(document), sceneOptions);
+    const MetadataGuard guard(loaded);
     EnvironmentService environment(host);
     environment.Run(loaded.Document(),
                     [&] { host.Create<zr_CLEANER>(kTypeCleaner)->RunDialog(&loaded.Scene()); });
+    if (!loaded.Scene().HasChangeRecord()) return false;
     loaded.WriteBack();
     if (!options.keepData) {
         gltf::CollectGarbage(loaded.Document(), kShownKinds, options.force);
         gltf::CollectGarbage(loaded.Document(), gltf::kDataKinds, options.force);
     }
     loaded.Document().Save(output);
+    return true;
 }
 
 }  // namespace zr

@@ -7,6 +7,10 @@ class App;
 
 namespace zr {
 
+// Of the option --force, which several commands have.
+inline constexpr const char* kForceHelp =
+    "Remove also where an extension that is not known could refer to what goes";
+
 class Session;
 
 // Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A

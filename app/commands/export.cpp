@@ -62,6 +62,7 @@ public:
         Report report;
         gltf::Document document = LoadDocument(m_session, task.input, report);
         SceneOptions sceneOptions;
+        sceneOptions.force = m_arguments.Force();
         sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
         LoadedScene loaded(std::move(document), sceneOptions);
         advance(kSceneMade);

@@ -137,6 +137,7 @@ void ExportArguments::AddTo(CLI::App& command) {
                     "The three option words, hexadecimal; replaces the options of hierarchy, keys and time")
         ->type_name("EXPORT,NAME,ANIM")
         ->group(kTargetGroup);
+    command.add_flag("--force", m_force, kForceHelp);
     m_passes.AddTo(command);
     AddBatchOptions(command, m_files, kExportFiles, "SCENE OUT");
 }

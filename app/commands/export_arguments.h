@@ -30,12 +30,14 @@ public:
     const std::vector<std::string>& Animations() const {
         return m_animations;
     }  // names or indices; none: all
+    bool Force() const { return m_force; }
     const std::string& RenameMapFile() const { return m_passes.RenameMapFile(); }
 
 private:
     BatchArguments m_files;
     std::vector<std::string> m_animations;
     bool m_dropsEmpty = false;
+    bool m_force = false;
     bool m_keepsEmpty = false;  // said, as it is anyway
     float m_length = 0;
     std::string m_up = "y";

@@ -23,6 +23,7 @@ struct MergeArguments {
     std::string from;
     AnimationNames animations;
     std::vector<std::string> keep;
+    bool force = false;
     MergeOptions options;
 };
 
@@ -52,7 +53,9 @@ public:
     Report Run(const Task& task, const Advance& advance) const {
         OutputTarget out(m_session, task.output, EndingOf(m_arguments.files.format));
         Report report;
-        LoadedScene loaded(LoadDocument(m_session, task.input, report));
+        SceneOptions sceneOptions;
+        sceneOptions.force = m_arguments.force;
+        LoadedScene loaded(LoadDocument(m_session, task.input, report), sceneOptions);
         advance(0.5);
         Animations brought;
         if (!m_arguments.from.empty()) brought = Bring(loaded, report);
@@ -138,6 +141,7 @@ void AddMergeCommand(CLI::App& app, Session& session) {
             "Bring animations of this scene onto nodes of the same path; without --animations all of "
             "them, and nothing is merged")
         ->type_name(kSceneType);
+    command->add_flag("--force", arguments->force, kForceHelp);
     AddExamples(*command, {{"merge scene.glb out.glb --animations walk,run --sequence --gap 0.5",
                             "One animation that walks, waits half a second and runs."},
                            {"merge scene.glb out.glb --animations arms,legs --name all --remove-sources",

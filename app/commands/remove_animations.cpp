@@ -21,6 +21,7 @@ struct RemoveArguments {
     std::string out;
     AnimationNames animations;
     bool unused = false;
+    bool force = false;
 };
 
 Animations UnusedAnimations(Host& host, kernix::SceneModel& scene) {
@@ -37,7 +38,9 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     if (arguments.unused != names.empty()) throw UsageError("give either --animations or --unused");
     OutputTarget out(session, arguments.out, EndingOf({}));
     Report report;
-    LoadedScene loaded(LoadDocument(session, arguments.scene, report));
+    SceneOptions sceneOptions;
+    sceneOptions.force = arguments.force;
+    LoadedScene loaded(LoadDocument(session, arguments.scene, report), sceneOptions);
     Host& host = session.GetHost();
     const Animations chosen =
         arguments.unused ? UnusedAnimations(host, loaded.Scene()) : ChooseAnimations(loaded.Scene(), names);
@@ -61,6 +64,7 @@ void AddRemoveAnimationsCommand(CLI::App& app, Session& session) {
     AddSceneAndOut(*command, arguments->scene, arguments->out);
     arguments->animations.AddTo(*command, "Those to remove");
     command->add_flag("--unused", arguments->unused, "Remove those that no viewport plays");
+    command->add_flag("--force", arguments->force, kForceHelp);
     AddExamples(
         *command,
         {{"remove-animations scene.glb out.glb --animations walk,2", "By name and by index."},

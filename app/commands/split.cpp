@@ -23,6 +23,7 @@ struct SplitArguments {
     std::string animation;
     std::vector<float> cuts;
     bool each = false;
+    bool force = false;
 };
 
 kernix::AnimationModel& AnimationToSplit(kernix::SceneModel& scene, const std::string& name) {
@@ -50,7 +51,9 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
     if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
     OutputTarget out(session, arguments.out, EndingOf({}));
     Report report;
-    LoadedScene loaded(LoadDocument(session, arguments.scene, report));
+    SceneOptions sceneOptions;
+    sceneOptions.force = arguments.force;
+    LoadedScene loaded(LoadDocument(session, arguments.scene, report), sceneOptions);
     session.ThrowIfStopped();
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
@@ -93,6 +96,7 @@ void AddSplitCommand(CLI::App& app, Session& session) {
             ->allow_extra_args(false);
     CheckRange(*cuts, {-1e6, 1e6});
     command->add_flag("--each", arguments->each, "One animation for each node that it moves");
+    command->add_flag("--force", arguments->force, kForceHelp);
     AddExamples(*command,
                 {{"split scene.glb out.glb --at 1,2.5", "Three parts of the only animation."},
                  {"split scene.glb out.glb --animation walk --at 0.5", "Two parts of one of several."},

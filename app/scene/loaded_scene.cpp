@@ -12,7 +12,9 @@ std::string SkippedChannel::Place() const {
 }
 
 LoadedScene::LoadedScene(gltf::Document document, const SceneOptions& options)
-    : m_document(std::move(document)), m_scene(vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)) {
+    : m_document(std::move(document)),
+      m_scene(vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)),
+      m_force(options.force) {
     SceneBuilder(*this, options).Build();
 }
 

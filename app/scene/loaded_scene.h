@@ -16,10 +16,20 @@
 
 namespace zr {
 
+// Which of the meshes that look alike at one place repeat another, so that one of them will do.
+enum class Repeats {
+    kUnseen,   // those without which the scene looks and behaves the same
+    kBlended,  // also blended ones: every further one covers more of what lies behind
+    kAlike,    // also those that something above them sets apart: what hides, moves or replaces them
+};
+
 struct SceneOptions {
     std::optional<std::size_t> scene;  // of the document; none: its default, else its first, else every root
     // Elements (nodes, materials, animations) that must stay whatever else holds: true for their name.
     std::function<bool(gltf::Kind kind, std::string_view name)> keep;
+    Repeats repeats = Repeats::kUnseen;
+    // Elements may go also where something that cannot be followed could refer to them.
+    bool force = false;
     // Told now and then how much of the scene is made, 0 to 1; may throw.
     std::function<void(double done)> progress = [](double) {};
 };
@@ -76,12 +86,16 @@ public:
     kernix::MaterialModel* Material(std::size_t index) const { return m_materials[index]; }
     kernix::AnimationModel* Animation(std::size_t index) const { return m_animations[index]; }
 
+    // Nodes of the scene, by index in the document, whose extras are their metadata.
+    const std::vector<std::size_t>& ExtrasNodes() const { return m_extrasNodes; }
+
     const std::vector<KeptElement>& Kept() const { return m_kept; }
     const std::vector<SkippedChannel>& Skipped() const { return m_skipped; }
 
     // Brings into the document what changed in the scene since it was made: nodes, materials, animations and
     // keys that went, were merged or were added, metadata that was emptied, layers and viewports. Call once;
-    // the scene stands for the old document afterwards. Throws gltf::Error.
+    // the scene stands for the old document afterwards. Throws gltf::Error, also (unless SceneOptions::force)
+    // when an element goes that something which cannot be followed could refer to.
     void WriteBack();
 
 private:
@@ -92,6 +106,7 @@ private:
 
     gltf::Document m_document;
     vl::Ref<kernix::SceneModel> m_scene;
+    bool m_force;
     std::vector<kernix::NodeModel*> m_nodes;
     std::vector<kernix::MaterialModel*> m_materials;
     std::vector<kernix::AnimationModel*> m_animations;

@@ -57,6 +57,11 @@ const Json* Compressed(const Json& primitive) {
 
 }  // namespace
 
+bool IsBlended(const Json& material) {
+    const Json* mode = material.Find("alphaMode");
+    return mode != nullptr && mode->String() == "BLEND";
+}
+
 // A mesh that is stored in compressed form only shows the two corners of its bounds: it holds data, and where
 // its data is kept decides what it equals.
 std::vector<float> MeshBuilder::Positions(const Json& primitive) const {
@@ -108,13 +113,20 @@ kernix::MaterialModel* MeshBuilder::MaterialOf(const Json& primitive) const {
 }
 
 void MeshBuilder::AddUses(const Json& primitive, Shape& shape) const {
-    shape.uses.push_back(MaterialOf(primitive));
+    const auto add = [&](std::size_t material) {
+        shape.uses.push_back(m_loaded.Material(material));
+        shape.isBlended =
+            shape.isBlended || IsBlended(m_loaded.m_document.Elements(Kind::kMaterial)[material]);
+    };
+    if (primitive.Find("material") != nullptr)
+        add(IndexMember(primitive, "material"));
+    else
+        shape.uses.push_back(nullptr);
     const Json* extensions = primitive.Find("extensions");
     const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
     const Json* mappings = variants != nullptr ? variants->Find("mappings") : nullptr;
     if (mappings == nullptr) return;
-    for (const Json& mapping : mappings->Items())
-        shape.uses.push_back(m_loaded.Material(IndexMember(mapping, "material")));
+    for (const Json& mapping : mappings->Items()) add(IndexMember(mapping, "material"));
 }
 
 std::string MeshBuilder::ListsKey(const Json& primitive) {

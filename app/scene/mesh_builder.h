@@ -12,6 +12,9 @@
 
 namespace zr {
 
+// Whether what lies behind a material shows through it.
+bool IsBlended(const gltf::Json& material);
+
 // Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their
 // materials.
 class MeshBuilder {
@@ -24,11 +27,15 @@ public:
     // `motion`: what tells how the node moves; with the rest of what decides the drawing it makes the format.
     vl::zr::Object3D* Build(const gltf::Json& node, const std::string& motion);
 
+    // Whether a part of the node's mesh is blended with what lies behind it, in any variant.
+    bool ShowsBlended(const gltf::Json& node) { return ShapeOf(gltf::IndexMember(node, "mesh")).isBlended; }
+
 private:
     struct Shape {
         std::shared_ptr<kernix::MeshGeometry> geometry;
         std::shared_ptr<kernix::FaceAttributes> attributes;
         std::vector<kernix::MaterialModel*> uses;
+        bool isBlended = false;
         std::string format;  // all that is drawn and is no position, list or material
     };
 

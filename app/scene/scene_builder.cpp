@@ -83,7 +83,8 @@ SceneBuilder::SceneBuilder(LoadedScene& loaded, const SceneOptions& options)
       m_options(options),
       m_ids(loaded.m_document),
       m_meshes(loaded, m_ids),
-      m_animations(loaded, m_ids) {}
+      m_animations(loaded, m_ids),
+      m_surroundings(loaded.m_document) {}
 
 void SceneBuilder::Build() {
     const std::size_t nodes = m_document.Elements(Kind::kNode).size();
@@ -148,6 +149,7 @@ void SceneBuilder::MarkReferences() {
     };
     gltf::ForEachReference(m_document, [&](const gltf::Reference& reference) {
         const gltf::Target& target = reference.target;
+        m_surroundings.Note(reference);
         const auto steps = reference.place.Steps();
         // The second step below the root tells the member of an element of the core collections.
         const std::string_view member = steps.size() > 3 ? steps[3].member : std::string_view();
@@ -233,9 +235,13 @@ vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent
     const Json& node = m_document.Elements(Kind::kNode)[index];
     const Mark& mark = m_nodeMarks[index];
     std::string motion = m_animations.Motion(index, parent);
+    const std::size_t apart = m_surroundings.Enter(index, parent);
     if (node.Find("mesh") != nullptr) {
-        // What something refers to is no one's duplicate.
-        if (mark.reason) motion += Join("node ", index, ";");
+        if (m_options.repeats != Repeats::kAlike && apart != kNone) motion += Join("apart ", apart, ";");
+        // Nothing repeats what something refers to, nor what is seen through.
+        const bool isUnique =
+            mark.reason || (m_options.repeats == Repeats::kUnseen && m_meshes.ShowsBlended(node));
+        if (isUnique) motion += Join("node ", index, ";");
         return m_meshes.Build(node, motion);
     }
     if (node.Find("camera") != nullptr) return new kernix::CameraModel;

@@ -10,6 +10,7 @@
 #include "app/scene/content_ids.h"
 #include "app/scene/loaded_scene.h"
 #include "app/scene/mesh_builder.h"
+#include "app/scene/surroundings.h"
 
 namespace zr {
 
@@ -52,6 +53,7 @@ private:
     ContentIds m_ids;
     MeshBuilder m_meshes;
     AnimationBuilder m_animations;
+    Surroundings m_surroundings;
     std::vector<std::size_t> m_order;    // nodes of the scene, parents first
     std::vector<std::size_t> m_parents;  // of every node of the document
     std::vector<bool> m_inScene;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "app/scene/refuse_opaque.h"
 #include "base/text.h"
 #include "host/array.h"
 #include "host/interface_array.h"
@@ -58,6 +59,7 @@ void SceneWriter::Run() {
     DropEmptyAnimations();
     Layers();
     Viewports();
+    if (!m_loaded.m_force) RefuseOpaque(m_document, KindsOf(m_removal));
     gltf::RemoveElements(m_document, m_removal);
 }
 

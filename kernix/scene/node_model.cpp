@@ -89,7 +89,7 @@ const vl::Matrix4<double>& NodeModel::World(int isStatic) {
 }
 
 void NodeModel::Delete(int) {
-    m_scene.RemoveNode(*this);
+    if (!m_scene.m_mayDelete || m_scene.m_mayDelete(*this)) m_scene.RemoveNode(*this);
 }
 
 vl::zr::Object3D* NodeModel::GetObjectOfKind(int kind) {

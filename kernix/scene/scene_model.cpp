@@ -174,6 +174,7 @@ vl::Array* SceneModel::GetObjectsOfKind(int kind) {
 }
 
 ChangeRecord* SceneModel::CreateChangeRecord(int) {
+    m_hasChangeRecord = true;
     return new ChangeRecordModel;
 }
 

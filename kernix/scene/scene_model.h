@@ -45,10 +45,14 @@ public:
     // Ties the selector attached to node to the node's children, which exist already. selected may be null.
     void SetSelector(NodeModel* node, vl::zr::Node* selected);
 
+    // Asked before a node goes that its Delete is called for; false keeps the node.
+    std::function<bool(NodeModel&)> m_mayDelete;
     // Called by Notify and Refresh.
     std::function<void(int code, int a, int b)> m_onNotify;
     std::function<void()> m_onRefresh;
     bool IsModal() const { return m_modalDepth > 0; }
+    // Whether a change record was ever asked for: somebody set about changing the scene.
+    bool HasChangeRecord() const { return m_hasChangeRecord; }
 
     const std::vector<vl::Ref<NodeModel>>& AllNodes() const { return m_ownNodes; }  // deleted ones too
     const std::vector<vl::Ref<MaterialModel>>& AllMaterials() const { return m_ownMaterials; }
@@ -120,6 +124,7 @@ private:
     float m_currentTime = 0;
     int m_modalDepth = 0;
     bool m_layersHoldDeleted = false;
+    bool m_hasChangeRecord = false;
     std::uint64_t m_restState = 1;
     std::uint64_t m_timeState = 1;
 };

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/operations/clean/held.h"
+#include "app/operations/clean/metadata_guard.h"
 #include "app/scene/loaded_scene.h"
 #include "base/text.h"
 #include "host/params.h"
@@ -45,47 +47,18 @@ constexpr std::array<Operation, kCleanSteps> kOperations = {
     &zr_CLEANER::RemoveUnusedAnimations, nullptr,
 };
 
-std::string NameOr(std::string name, std::size_t index) {
-    return name.empty() ? Join("#", index) : std::move(name);
-}
-
-std::string NameOf(const kernix::NodeModel& node) {
-    return NameOr(node.GetNameText(), static_cast<std::size_t>(node.m_source));
-}
-
-std::string ElementName(const Document& document, Kind kind, std::size_t index) {
-    const gltf::Json* name = document.Elements(kind)[index].Find("name");
-    return NameOr(name != nullptr ? std::string(name->String()) : std::string(), index);
-}
-
 bool Matches(const std::vector<std::string>& patterns, std::string_view name) {
     return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
         return fnmatch(pattern.c_str(), std::string(name).c_str(), 0) == 0;
     });
 }
 
-std::string WordsFor(const std::string& place) {
-    const auto number = [&](std::string_view from) {
-        return place.substr(from.size(), place.find('/', from.size()) - from.size());
-    };
-    if (place.empty() || place[0] != '/') return place;
-    std::string words = "reference";
-    if (place.starts_with("/skins/")) words = Join("joint of skin ", number("/skins/"));
-    if (place.starts_with("/animations/")) words = Join("channel of animation ", number("/animations/"));
-    const std::size_t extension = place.rfind("/extensions/");
-    if (place.find("/KHR_materials_variants/") != std::string::npos) {
-        words = "variant";
-    } else if (extension != std::string::npos) {
-        const std::size_t start = extension + std::string_view("/extensions/").size();
-        words = "extension " + place.substr(start, place.find('/', start) - start);
-    }
-    return words + " (" + place + ")";
-}
-
 }  // namespace
 
 SceneOptions SceneOptionsOf(const CleanOptions& options) {
     SceneOptions sceneOptions;
+    sceneOptions.repeats = options.blended ? Repeats::kBlended : Repeats::kUnseen;
+    sceneOptions.force = true;  // what could be referred to is settled for each step
     if (!options.keep.empty()) {
         sceneOptions.keep = [&options](Kind, std::string_view name) { return Matches(options.keep, name); };
     }
@@ -104,7 +77,8 @@ public:
           m_context(context),
           m_result(result),
           m_loaded(std::move(document), options),
-          m_scene(m_loaded.Scene()) {}
+          m_scene(m_loaded.Scene()),
+          m_metadata(m_loaded) {}
 
     void Run(std::size_t step) {
         StepResult& result = m_result.steps[step];
@@ -115,7 +89,7 @@ public:
             record->Begin();
             const int count = (m_cleaner.*operation)(&m_scene, m_context, record.Get());
             record->End(u"");
-            result.count += static_cast<std::size_t>(count);
+            result.count += static_cast<std::size_t>(count) - m_metadata.TakeSpared();
             NameRemovals(static_cast<kernix::ChangeRecordModel&>(*record), result.names);
         } else if (static_cast<CleanStep>(step) == CleanStep::kEqualMaterials) {
             result.count += static_cast<std::size_t>(m_scene.MergeEqualMaterials());
@@ -126,20 +100,7 @@ public:
     }
 
     // What the steps left only because something holds it.
-    void Explain() {
-        for (const KeptElement& kept : m_loaded.Kept()) {
-            if (!IsHeld(kept.kind, kept.index)) continue;
-            m_result.held.push_back(
-                {kept.kind, ElementName(m_loaded.Document(), kept.kind, kept.index), WordsFor(kept.reason)});
-        }
-        if (Ran(CleanStep::kMaterials)) ExplainVariants();
-        if (!Ran(CleanStep::kEmptyNodes)) return;
-        for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
-            if (plain->m_pObject != nullptr || plain->m_pFirstChild != nullptr) continue;
-            m_result.held.push_back({Kind::kNode, NameOf(static_cast<kernix::NodeModel&>(*plain)),
-                                     "target of a camera or light"});
-        }
-    }
+    void Explain() { m_result.held = HeldElements(m_loaded, RanSteps()); }
 
     Document Finish() {
         m_loaded.WriteBack();
@@ -147,43 +108,10 @@ public:
     }
 
 private:
-    bool Ran(CleanStep step) const { return m_result.steps[static_cast<std::size_t>(step)].ran; }
-
-    bool IsHeld(Kind kind, std::size_t index) const {
-        if (kind == Kind::kMaterial) {
-            return Ran(CleanStep::kMaterials) && m_loaded.Material(index) == nullptr;
-        }
-        if (kind == Kind::kAnimation) {
-            return Ran(CleanStep::kAnimations) && m_loaded.Animation(index)->Tracks().empty();
-        }
-        const kernix::NodeModel* node = m_loaded.Node(index);
-        if (!Ran(CleanStep::kEmptyNodes) || node == nullptr || node->m_pFirstChild != nullptr) return false;
-        vl::zr::Object3D* object = node->m_pObject;
-        return object != nullptr &&
-               (object->IsKindOf(vl::zr::kKindDummy) || object->IsKindOf(vl::zr::kKindBone));
-    }
-
-    // Materials that no primitive shows until a variant is chosen.
-    void ExplainVariants() {
-        Document& document = m_loaded.Document();
-        std::vector<std::string> variants(document.Elements(Kind::kMaterial).size());
-        std::vector<bool> shown(variants.size(), false);
-        gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
-            if (reference.target.kind != Kind::kMaterial) return;
-            const std::string place = reference.place.Pointer();
-            if (place.find("/KHR_materials_variants/") == std::string::npos) {
-                shown[reference.target.index] = true;
-            } else {
-                variants[reference.target.index] = place;
-            }
-        });
-        for (std::size_t i = 0; i < variants.size(); ++i) {
-            kernix::MaterialModel* material = m_loaded.Material(i);
-            if (shown[i] || variants[i].empty() || material == nullptr) continue;
-            if (m_scene.MergedInto(material) != material) continue;
-            m_result.held.push_back(
-                {Kind::kMaterial, ElementName(document, Kind::kMaterial, i), WordsFor(variants[i])});
-        }
+    std::array<bool, kCleanSteps> RanSteps() const {
+        std::array<bool, kCleanSteps> ran{};
+        for (std::size_t step = 0; step < kCleanSteps; ++step) ran[step] = m_result.steps[step].ran;
+        return ran;
     }
 
     void NameMetadata(std::vector<std::string>& names) const {
@@ -205,6 +133,7 @@ private:
         for (const auto& entry : record.GetEntries()) {
             if (entry.change == kernix::ChangeRecordModel::Change::kAnimationItemRemoval) continue;
             const auto* node = dynamic_cast<const kernix::NodeModel*>(entry.object.Get());
+            if (node != nullptr && !node->IsDeleted()) continue;  // spared
             names.push_back(node != nullptr ? NameOf(*node) : entry.name.empty() ? "unnamed" : entry.name);
         }
     }
@@ -227,6 +156,7 @@ private:
     CleanResult& m_result;
     LoadedScene m_loaded;
     SceneModel& m_scene;
+    MetadataGuard m_metadata;
 };
 
 void Add(gltf::Collected& total, gltf::Collected more) {
@@ -286,11 +216,14 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
             progress(kSceneMade + (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
         }
         if (context->IsBreak()) return result;
-        result.held.clear();
-        round.Explain();
+        if (options.explain) round.Explain();
         document = round.Finish();
         again = collectShown() ||
                 result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count != animations;
+    }
+    if (options.explain && result.steps[static_cast<std::size_t>(CleanStep::kMeshDupes)].ran) {
+        const auto twins = HeldTwins(document, cleaner, context, options);
+        result.held.insert(result.held.end(), twins.begin(), twins.end());
     }
     if (!options.keepData)
         Add(result.collected, gltf::CollectGarbage(document, gltf::kDataKinds, options.force));

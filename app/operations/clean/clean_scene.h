@@ -46,6 +46,8 @@ struct CleanOptions {
     std::vector<std::string> keep;  // shell patterns of names of nodes, materials and animations that stay
     bool force = false;             // also where an extension that is not known could refer to what goes
     bool keepData = false;          // what nothing refers to any more stays in the file
+    bool blended = false;           // also repeated meshes that are blended, though more of them shows more
+    bool explain = false;           // fill CleanResult::held
 };
 
 // How a scene is loaded for these options, which must outlive it.
@@ -63,8 +65,9 @@ struct StepResult {
     std::vector<gltf::OpaqueUse> refusals;  // what kept the step from running
 };
 
-// An element that the steps which ran would have taken if nothing held it. Indices in the holder's place are
-// those of the scene as it was, unless what went first set more free.
+// An element that the steps which ran would have taken if nothing held it, or a mesh that looks like another
+// one at its place and still stays. Indices in the holder's place are those of the scene as it was, unless
+// what went first set more free.
 struct HeldElement {
     gltf::Kind kind;
     std::string name;
@@ -73,7 +76,7 @@ struct HeldElement {
 
 struct CleanResult {
     std::array<StepResult, kCleanSteps> steps;
-    std::vector<HeldElement> held;
+    std::vector<HeldElement> held;  // with CleanOptions::explain
     gltf::Collected collected;  // elements without a reference
 };
 

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "app/operations/clean/clean_scene.h"
+#include "app/scene/loaded_scene.h"
+
+namespace zr {
+
+// "#4" for the element 4 without a name.
+std::string NameOr(std::string name, std::size_t index);
+std::string NameOf(const kernix::NodeModel& node);
+
+// What the steps that ran left in the scene only because something holds it.
+std::vector<HeldElement> HeldElements(LoadedScene& loaded, const std::array<bool, kCleanSteps>& ran);
+
+// Nodes whose mesh looks like another one at its place, and what kept them. The document is only read.
+std::vector<HeldElement> HeldTwins(gltf::Document& document, zr_CLEANER& cleaner, vl::Context* context,
+                                   const CleanOptions& options);
+
+}  // namespace zr

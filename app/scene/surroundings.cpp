@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "app/scene/surroundings.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/text.h"
+
+namespace zr {
+
+using gltf::Json;
+using gltf::Kind;
+
+namespace {
+
+// Extensions of a node that concern the node alone.
+constexpr std::string_view kOwnExtensions[] = {
+    "EXT_instance_features", "EXT_lights_ies",     "EXT_mesh_gpu_instancing", "KHR_audio_emitter",
+    "KHR_lights_punctual",   "KHR_xmp",            "KHR_xmp_json_ld",         "MSFT_audio_emitter",
+    "ZR_scene",
+};
+
+const gltf::JsonMember* SharedExtension(const Json& node) {
+    const Json* extensions = node.Find("extensions");
+    if (extensions == nullptr) return nullptr;
+    const auto members = extensions->Members();
+    const auto found = std::find_if(members.begin(), members.end(), [](const gltf::JsonMember& member) {
+        return std::find(std::begin(kOwnExtensions), std::end(kOwnExtensions), member.Name()) ==
+               std::end(kOwnExtensions);
+    });
+    return found != members.end() ? &*found : nullptr;
+}
+
+bool IsSelector(const Json& node) {
+    const Json* extensions = node.Find("extensions");
+    const Json* scene = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+    const Json* selector = scene != nullptr ? scene->Find("selector") : nullptr;
+    return selector != nullptr && selector->Bool();
+}
+
+// The tree of nodes itself, skins, and channels of transforms, which are compared as motion.
+bool IsPlacement(const gltf::Reference& reference) {
+    if (!reference.owner) return false;
+    const auto steps = reference.place.Steps();
+    const std::string_view member = steps[3].member;  // below the root, the collection and the element
+    switch (reference.owner->kind) {
+        case Kind::kNode:
+            return member == "children";
+        case Kind::kScene:
+            return member == "nodes";
+        case Kind::kSkin:
+            return member == "joints" || member == "skeleton";
+        case Kind::kAnimation:
+            return steps.back().member == "node";
+        default:
+            return false;
+    }
+}
+
+bool IsOurs(const gltf::Place& place) {
+    const auto steps = place.Steps();
+    return std::any_of(steps.begin(), steps.end(),
+                       [](const gltf::Place::Step& step) { return step.member == "ZR_scene"; });
+}
+
+}  // namespace
+
+Surroundings::Surroundings(const gltf::Document& document)
+    : m_document(document), m_below(document.Elements(Kind::kNode).size(), kNone) {}
+
+void Surroundings::Note(const gltf::Reference& reference) {
+    if (reference.target.kind != Kind::kNode) return;
+    if (IsPlacement(reference) || IsOurs(reference.place)) return;
+    m_named.try_emplace(reference.target.index, reference.place.Pointer());
+}
+
+std::size_t Surroundings::Enter(std::size_t node, std::size_t parent) {
+    const auto nodes = m_document.Elements(Kind::kNode);
+    std::size_t apart = kNone;
+    if (parent != kNone) apart = IsSelector(nodes[parent]) ? node : m_below[parent];
+    const bool sets = m_named.count(node) != 0 || SharedExtension(nodes[node]) != nullptr;
+    m_below[node] = sets ? node : apart;
+    return apart;
+}
+
+std::string Surroundings::PlaceOf(std::size_t node) const {
+    const gltf::JsonMember* extension = SharedExtension(m_document.Elements(Kind::kNode)[node]);
+    if (extension != nullptr) return Join("/nodes/", node, "/extensions/", extension->Name());
+    const auto named = m_named.find(node);
+    return named != m_named.end() ? named->second : Join("/nodes/", node);
+}
+
+}  // namespace zr
