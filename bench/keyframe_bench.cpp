@@ -28,7 +28,7 @@ class Host final : public kernix::HostAppBase {};
 Ref<SceneModel> MakeScene(int count, int depth, bool isAnimated) {
     auto scene = Ref<SceneModel>::Adopt(new SceneModel);
     auto geometry = std::make_shared<kernix::MeshGeometry>();
-    geometry->positions.assign(9, 0.0f);
+    geometry->positions = std::make_shared<kernix::Positions>(9, 0.0f);
     geometry->faceIndices = {0, 1, 2};
     geometry->Index();
     auto* animation = isAnimated ? scene->AddAnimation(u"move") : nullptr;
@@ -36,7 +36,7 @@ Ref<SceneModel> MakeScene(int count, int depth, bool isAnimated) {
     for (int i = 0; i < count; ++i) {
         NodeModel* node = scene->AddNode(i % depth == 0 ? nullptr : parent, "node");
         parent = node;
-        node->SetObject(Ref<vl::zr::Object3D>::Adopt(new kernix::MeshModel(geometry, nullptr, {}, 0)));
+        node->SetObject(Ref<vl::zr::Object3D>::Adopt(new kernix::MeshModel(geometry, nullptr, nullptr, 0)));
         node->SetRestPose({{1, 0, 0}, vl::Quaternion(vl::AngleAxis(0, 0, 1, 0.001f)), {1, 1, 1}});
         if (!isAnimated) continue;
         auto* track = node->AddTransformController()->AddTransformTrack(animation);

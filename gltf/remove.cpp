@@ -16,6 +16,12 @@ bool Goes(const Removal& removal, Kind kind, std::size_t index) {
     return index < gone.size() && gone[index];
 }
 
+bool IsEmpty(const Removal& removal) {
+    return std::all_of(removal.begin(), removal.end(), [](const std::vector<bool>& gone) {
+        return std::find(gone.begin(), gone.end(), true) == gone.end();
+    });
+}
+
 // Takes marked values out of their containers, the deepest containers first, so that no handle moves while
 // something below it is still to be done.
 class Pruner {
@@ -167,6 +173,7 @@ void RemoveOnce(Document& document, const Removal& removal) {
 }
 
 void ForgetExtensions(Document& document, const std::set<std::string, std::less<>>& before) {
+    if (before.empty()) return;
     std::set<std::string, std::less<>> after;
     CollectExtensions(document.Root(), after);
     for (std::string_view list : {"extensionsUsed", "extensionsRequired"}) {
@@ -182,10 +189,14 @@ void ForgetExtensions(Document& document, const std::set<std::string, std::less<
 }  // namespace
 
 void RemoveElements(Document& document, const Removal& removal) {
-    CheckRemovable(document, removal);
+    const bool listsExtensions =
+        document.Root().Find("extensionsUsed") != nullptr || document.Root().Find("extensionsRequired") != nullptr;
     std::set<std::string, std::less<>> extensions;
-    CollectExtensions(document.Root(), extensions);
-    RemoveOnce(document, removal);
+    if (!IsEmpty(removal)) {
+        CheckRemovable(document, removal);
+        if (listsExtensions) CollectExtensions(document.Root(), extensions);
+        RemoveOnce(document, removal);
+    }
 
     Removal still;
     std::vector<bool>& animations = still[Ordinal(Kind::kAnimation)];
@@ -195,8 +206,9 @@ void RemoveElements(Document& document, const Removal& removal) {
         animations.push_back(channels == nullptr && animation.Find("samplers") != nullptr);
         any = any || animations.back();
     }
+    if (any && IsEmpty(removal) && listsExtensions) CollectExtensions(document.Root(), extensions);
     if (any) RemoveOnce(document, still);
-    ForgetExtensions(document, extensions);
+    if (any || !IsEmpty(removal)) ForgetExtensions(document, extensions);
 }
 
 }  // namespace zr::gltf

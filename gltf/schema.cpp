@@ -65,8 +65,11 @@ const Trees& All() {
 
 const SchemaNode* SchemaNode::Find(std::string_view name) const {
     if (isMap) return item.get();
-    for (const Child& child : members)
-        if (child.name == name) return child.node.get();
+    // Most names differ in length or in the first character.
+    for (const Child& child : members) {
+        if (child.name.size() == name.size() && child.name[0] == name[0] && child.name == name)
+            return child.node.get();
+    }
     return nullptr;
 }
 

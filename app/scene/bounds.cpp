@@ -16,10 +16,10 @@ namespace {
 
 using M = vl::Matrix4<double>;
 
-Bounds BoxOf(const kernix::MeshGeometry& geometry) {
+Bounds BoxOf(const kernix::Positions& positions) {
     Bounds box;
-    for (std::size_t i = 0; i + 2 < geometry.positions.size(); i += 3) {
-        box.Widen({geometry.positions[i], geometry.positions[i + 1], geometry.positions[i + 2]});
+    for (std::size_t i = 0; i + 2 < positions.size(); i += 3) {
+        box.Widen({positions[i], positions[i + 1], positions[i + 2]});
     }
     return box;
 }
@@ -84,14 +84,14 @@ void Bounds::Widen(const Bounds& box, const M& m) {
 
 Bounds BoundsAtRest(const LoadedScene& loaded) {
     Bounds bounds;
-    std::unordered_map<const kernix::MeshGeometry*, Bounds> boxes;
+    std::unordered_map<const kernix::Positions*, Bounds> boxes;
     const auto nodes = loaded.Document().Elements(Kind::kNode);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         kernix::NodeModel* node = loaded.Node(i);
         auto* mesh = node != nullptr ? dynamic_cast<kernix::MeshModel*>(node->m_pObject) : nullptr;
         if (mesh == nullptr) continue;
-        const auto [known, isNew] = boxes.try_emplace(mesh->GetGeometry().get());
-        if (isNew) known->second = BoxOf(*mesh->GetGeometry());
+        const auto [known, isNew] = boxes.try_emplace(mesh->GetGeometry()->positions.get());
+        if (isNew) known->second = BoxOf(*mesh->GetGeometry()->positions);
         const Json* skin = nodes[i].Find("skin");
         if (skin != nullptr) {
             WidenBySkin(loaded, loaded.Document().Elements(Kind::kSkin)[*skin->Index()], known->second,

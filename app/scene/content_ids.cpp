@@ -2,78 +2,117 @@
 #include "app/scene/content_ids.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "base/text.h"
 #include "gltf/accessor.h"
 
 namespace zr {
 
+using gltf::IndexMember;
 using gltf::Json;
 using gltf::Kind;
 
 namespace {
 
-// The shape of an accessor and the values of its elements as bytes. Nothing when they cannot be read.
-std::optional<std::string> AccessorContent(const gltf::Document& document, std::size_t index) {
+// The stored bytes of a value: blocks of one size at equal distances, and what tells how to read them.
+struct Blocks {
+    const std::byte* first = nullptr;
+    std::size_t size = 0;
+    std::size_t stride = 0;
+    std::size_t count = 0;
+    std::uint32_t form = 0;
+
+    // A run of bytes without gaps is one block.
+    static Blocks Of(const std::byte* first, std::size_t size, std::size_t stride, std::size_t count,
+                     std::uint32_t form) {
+        if (size == stride) return {first, size * count, 0, 1, form};
+        return {first, size, stride, count, form};
+    }
+
+    std::string_view Block(std::size_t i) const {
+        return {reinterpret_cast<const char*>(first + i * stride), size};
+    }
+    std::size_t Bytes() const { return size * count; }
+
+    std::uint64_t Hash() const {
+        if (count == 1) return HashOf(Block(0));
+        std::string gathered;
+        gathered.reserve(Bytes());
+        for (std::size_t i = 0; i < count; ++i) gathered += Block(i);
+        return HashOf(gathered);
+    }
+
+    friend bool operator==(const Blocks& a, const Blocks& b) {
+        if (a.form != b.form || a.Bytes() != b.Bytes()) return false;
+        const Blocks& fine = a.count >= b.count ? a : b;
+        const Blocks& coarse = a.count >= b.count ? b : a;
+        if (fine.count == coarse.count) {
+            for (std::size_t i = 0; i < fine.count; ++i)
+                if (fine.Block(i) != coarse.Block(i)) return false;
+            return true;
+        }
+        // The same form has blocks of the same size, or is one block of them all.
+        const std::string_view all = coarse.Block(0);
+        for (std::size_t i = 0; i < fine.count; ++i)
+            if (fine.Block(i) != all.substr(i * fine.size, fine.size)) return false;
+        return true;
+    }
+};
+
+// Nothing for what equals only itself.
+std::optional<Blocks> AccessorBlocks(const gltf::Document& document, std::size_t index) {
     const Json& accessor = document.Elements(Kind::kAccessor)[index];
-    const bool isStored = accessor.Find("bufferView") != nullptr || accessor.Find("sparse") != nullptr;
-    if (!isStored || !gltf::HasData(document, index)) return std::nullopt;
+    if (accessor.Find("sparse") != nullptr || accessor.Find("bufferView") == nullptr) return std::nullopt;
+    const std::size_t view = IndexMember(accessor, "bufferView");
+    const auto bytes = document.ViewBytes(view);
+    if (!bytes) return std::nullopt;
     const gltf::AccessorInfo info = gltf::Describe(document, index);
-    std::string content = Join(static_cast<std::uint32_t>(info.component), " ", info.shape.rows, "x",
-                               info.shape.columns, " ", info.count, info.normalized ? " n " : " ");
-    const auto append = [&](const auto& values) {
-        content.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof values[0]);
-    };
-    // Every other component fits a float exactly, so equal floats are equal bytes.
-    if (info.component == gltf::Component::kUnsignedInt)
-        append(gltf::ReadIntegers(document, index));
-    else
-        append(gltf::ReadFloats(document, index));
-    return content;
+    // What lies between the columns of a matrix of small components says nothing.
+    const bool hasGaps = info.ElementSize() != info.ComponentSize() * info.shape.Components();
+    if (hasGaps) return std::nullopt;
+    const std::size_t stride =
+        IndexMember(document.Elements(Kind::kBufferView)[view], "byteStride", info.ElementSize());
+    const auto form = static_cast<std::uint32_t>(info.component) << 8 | info.shape.rows << 4 |
+                      info.shape.columns << 1 | static_cast<std::uint32_t>(info.normalized);
+    return Blocks::Of(bytes->data() + IndexMember(accessor, "byteOffset"), info.ElementSize(), stride,
+                      info.count, form);
 }
 
 }  // namespace
 
 ContentIds::ContentIds(const gltf::Document& document)
     : m_document(document), m_textures(document.Elements(Kind::kTexture).size()) {
-    m_accessors.numbers.resize(document.Elements(Kind::kAccessor).size());
-    m_views.numbers.resize(document.Elements(Kind::kBufferView).size());
+    m_accessors.numbers.resize(document.Elements(Kind::kAccessor).size(), HashIndex::kNone);
+    m_views.numbers.resize(document.Elements(Kind::kBufferView).size(), HashIndex::kNone);
 }
 
-std::uint32_t ContentIds::Text(std::string_view text) {
-    const auto [known, added] = m_texts.try_emplace(std::string(text), m_next);
-    if (added) ++m_next;
-    return known->second;
-}
-
-// contentOf(index): a text, or nothing for what cannot be read and equals only itself.
+// contentOf(index): the blocks, or nothing for what cannot be read and equals only itself.
 template <typename ContentOf>
 std::uint32_t ContentIds::Number(Numbered& elements, std::size_t index, ContentOf contentOf) {
-    std::optional<std::uint32_t>& number = elements.numbers[index];
-    if (number) return *number;
-    if (const auto content = contentOf(index)) {
-        const std::size_t hash = std::hash<std::string_view>()(*content);
-        const auto [begin, end] = elements.firsts.equal_range(hash);
-        const auto equal =
-            std::find_if(begin, end, [&](const auto& first) { return contentOf(first.second) == content; });
-        if (equal != end) return *(number = elements.numbers[equal->second]);
-        elements.firsts.emplace(hash, index);
-    }
-    return *(number = m_next++);
+    std::uint32_t& number = elements.numbers[index];
+    if (number != HashIndex::kNone) return number;
+    number = static_cast<std::uint32_t>(index);
+    const std::optional<Blocks> content = contentOf(index);
+    if (!content) return number;
+    const std::uint64_t hash = content->Hash();
+    const std::uint32_t equal =
+        elements.firsts.Find(hash, [&](std::uint32_t first) { return contentOf(first) == content; });
+    if (equal != HashIndex::kNone) return number = equal;
+    elements.firsts.Add(hash, number);
+    return number;
 }
 
 std::uint32_t ContentIds::View(std::size_t index) {
-    return Number(m_views, index, [&](std::size_t view) -> std::optional<std::string_view> {
+    return Number(m_views, index, [&](std::size_t view) -> std::optional<Blocks> {
         const auto bytes = m_document.ViewBytes(view);
         if (!bytes) return std::nullopt;
-        return std::string_view(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+        return Blocks::Of(bytes->data(), bytes->size(), bytes->size(), 1, 0);
     });
 }
 
 std::uint32_t ContentIds::Accessor(std::size_t index) {
     return Number(m_accessors, index,
-                  [&](std::size_t accessor) { return AccessorContent(m_document, accessor); });
+                  [&](std::size_t accessor) { return AccessorBlocks(m_document, accessor); });
 }
 
 // Members in any order, the name aside, with what they refer to in place of indices.

@@ -6,34 +6,34 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "app/scene/interner.h"
 #include "gltf/document.h"
 
 namespace zr {
 
-// Gives equal content equal numbers, exactly: two elements have one number only when they are the same byte
-// for byte, whatever their indices and names.
+// Gives equal content equal numbers, exactly: two elements of a kind have one number only when they are the
+// same byte for byte, whatever their indices and names.
 class ContentIds {
 public:
     explicit ContentIds(const gltf::Document& document);
 
+    // Sparse elements, and those that cannot be read, equal only themselves.
     std::uint32_t Accessor(std::size_t index);
     std::uint32_t Texture(std::size_t index);
-    // Any text; the numbers of different callers are of one sequence.
-    std::uint32_t Text(std::string_view text);
+    std::uint32_t Text(std::string_view text) { return m_texts.Intern(text).number; }
 
     // A JSON value as text: members sorted by name, without `name` of the outermost object. References to
     // textures in texture infos stand as the numbers of their content.
     std::string Canonical(const gltf::Json& value);
 
 private:
-    // The numbers of the accessors or views, and the first of every content. Content is found by a hash and
-    // compared where it stands, so that no copy of the document's data is kept.
+    // The numbers of elements of one kind. Content is found by a hash and compared where it stands, so that
+    // no copy of the document's data is kept.
     struct Numbered {
-        std::vector<std::optional<std::uint32_t>> numbers;
-        std::unordered_multimap<std::size_t, std::size_t> firsts;  // index of an element, by hash
+        std::vector<std::uint32_t> numbers;  // by element; the index of the first one of equal content
+        HashIndex firsts;
     };
 
     template <typename ContentOf>
@@ -43,8 +43,7 @@ private:
     void Append(const gltf::Json& value, std::string_view holder, bool outermost, std::string& out);
 
     const gltf::Document& m_document;
-    std::uint32_t m_next = 0;
-    std::unordered_map<std::string, std::uint32_t> m_texts;
+    Interner m_texts;
     Numbered m_accessors;
     Numbered m_views;
     std::vector<std::optional<std::uint32_t>> m_textures;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/mesh_builder.h"
 
+#include <algorithm>
+#include <iterator>
 #include <numeric>
+#include <utility>
 
-#include "base/text.h"
 #include "gltf/accessor.h"
 
 namespace zr {
@@ -13,11 +15,11 @@ using gltf::IndexMember;
 using gltf::Json;
 using gltf::Kind;
 
-enum Mode : std::size_t { kPoints, kLines, kLineLoop, kLineStrip, kTriangles, kTriangleStrip, kTriangleFan };
+enum Mode : std::uint32_t { kPoints, kLines, kLineLoop, kLineStrip, kTriangles, kTriangleStrip, kTriangleFan };
 
 // Turns the vertex order of a primitive into triangles or pairs.
-void AddLists(std::size_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,
-              kernix::MeshGeometry& geometry) {
+void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,
+                kernix::MeshGeometry& geometry) {
     const auto at = [&](std::size_t i) { return first + order[i]; };
     const auto triangle = [&](std::size_t a, std::size_t b, std::size_t c) {
         geometry.faceIndices.insert(geometry.faceIndices.end(), {at(a), at(b), at(c)});
@@ -28,6 +30,7 @@ void AddLists(std::size_t mode, const std::vector<std::uint32_t>& order, std::ui
     const std::size_t count = order.size();
     switch (mode) {
         case kTriangles:
+            geometry.faceIndices.reserve(geometry.faceIndices.size() + count);
             for (std::size_t i = 0; i + 2 < count; i += 3) triangle(i, i + 1, i + 2);
             break;
         case kTriangleStrip:
@@ -50,9 +53,11 @@ void AddLists(std::size_t mode, const std::vector<std::uint32_t>& order, std::ui
     }
 }
 
-const Json* Compressed(const Json& primitive) {
-    const Json* extensions = primitive.Find("extensions");
-    return extensions != nullptr ? extensions->Find("KHR_draco_mesh_compression") : nullptr;
+// Of KHR_materials_variants; extensions: those of a primitive, or null.
+std::span<const Json> Mappings(const Json* extensions) {
+    const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
+    const Json* mappings = variants != nullptr ? variants->Find("mappings") : nullptr;
+    return mappings != nullptr ? mappings->Items() : std::span<const Json>();
 }
 
 }  // namespace
@@ -64,14 +69,13 @@ bool IsBlended(const Json& material) {
 
 // A mesh that is stored in compressed form only shows the two corners of its bounds: it holds data, and where
 // its data is kept decides what it equals.
-std::vector<float> MeshBuilder::Positions(const Json& primitive) const {
-    const std::size_t none = m_loaded.m_document.Elements(Kind::kAccessor).size();
-    const std::size_t accessor = IndexMember(*primitive.Find("attributes"), "POSITION", none);
-    if (accessor == none) return {};
-    if (Compressed(primitive) == nullptr && gltf::HasData(m_loaded.m_document, accessor))
-        return gltf::ReadFloats(m_loaded.m_document, accessor);
+std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
+    if (part.positions == kNone) return {};
+    const gltf::Document& document = m_loaded.m_document;
+    if (!part.isCompressed && gltf::HasData(document, part.positions))
+        return gltf::ReadFloats(document, part.positions);
     std::vector<float> corners;
-    const Json& json = m_loaded.m_document.Elements(Kind::kAccessor)[accessor];
+    const Json& json = document.Elements(Kind::kAccessor)[part.positions];
     for (std::string_view bound : {"min", "max"}) {
         const Json* values = json.Find(bound);
         for (std::size_t i = 0; i < 3; ++i)
@@ -80,149 +84,228 @@ std::vector<float> MeshBuilder::Positions(const Json& primitive) const {
     return corners;
 }
 
-std::string MeshBuilder::FormatOf(const Json& primitive) {
-    std::string format = Join("mode ", IndexMember(primitive, "mode", kTriangles), ";");
-    for (const gltf::JsonMember& member : primitive.Find("attributes")->Members())
-        if (member.Name() != "POSITION")
-            format += Join(member.Name(), "=", m_ids.Accessor(*member.value.Index()), ";");
-    if (const Json* targets = primitive.Find("targets")) {
-        for (const Json& target : targets->Items())
-            for (const gltf::JsonMember& member : target.Members())
-                format += Join("target ", member.Name(), "=", m_ids.Accessor(*member.value.Index()), ";");
-    }
-    for (const gltf::JsonMember& member : primitive.Members()) {
-        if (member.Name() != "extensions") continue;
-        // Compressed data differs by its view, materials of variants by what they are.
-        format += m_ids.Canonical(member.value);
-        const Json* variants = member.value.Find("KHR_materials_variants");
-        const Json* mappings = variants != nullptr ? variants->Find("mappings") : nullptr;
-        if (mappings == nullptr) continue;
-        for (const Json& mapping : mappings->Items()) {
-            const std::size_t material = IndexMember(mapping, "material");
-            format += Join("variant ",
-                           m_ids.Canonical(m_loaded.m_document.Elements(Kind::kMaterial)[material]), ";");
+MeshBuilder::MeshBuilder(LoadedScene& loaded, ContentIds& ids)
+    : m_loaded(loaded),
+      m_ids(ids),
+      m_shapes(loaded.m_document.Elements(Kind::kMesh).size()),
+      m_skins(loaded.m_document.Elements(Kind::kSkin).size(), kNone) {}
+
+void MeshBuilder::AddFormat(const Part& part, Words& format) {
+    const auto addVertexData = [&](const Json& accessors, std::string_view but) {
+        for (const gltf::JsonMember& member : accessors.Members()) {
+            if (member.Name() == but) continue;
+            format.push_back(m_ids.Text(member.Name()));
+            format.push_back(m_ids.Accessor(*member.value.Index()));
         }
+        format.push_back(kNone);
+    };
+    const auto targets = part.targets != nullptr ? part.targets->Items() : std::span<const Json>();
+    format.push_back(part.mode);
+    addVertexData(*part.attributes, "POSITION");
+    format.push_back(static_cast<std::uint32_t>(targets.size()));
+    for (const Json& target : targets) addVertexData(target, {});
+    if (part.extensions == nullptr) return format.push_back(kNone);
+    // Compressed data differs by its view, materials of variants by what they are.
+    format.push_back(m_ids.Text(m_ids.Canonical(*part.extensions)));
+    for (const Json& mapping : Mappings(part.extensions)) {
+        const std::size_t material = IndexMember(mapping, "material");
+        format.push_back(
+            m_ids.Text(m_ids.Canonical(m_loaded.m_document.Elements(Kind::kMaterial)[material])));
     }
-    return format;
 }
 
-kernix::MaterialModel* MeshBuilder::MaterialOf(const Json& primitive) const {
-    const std::size_t none = m_loaded.m_document.Elements(Kind::kMaterial).size();
-    const std::size_t material = IndexMember(primitive, "material", none);
-    return material < none ? m_loaded.Material(material) : nullptr;
-}
-
-void MeshBuilder::AddUses(const Json& primitive, Shape& shape) const {
+void MeshBuilder::AddUses(const Part& part, Shape& shape) const {
     const auto add = [&](std::size_t material) {
-        shape.uses.push_back(m_loaded.Material(material));
+        if (m_loaded.Material(material) != nullptr) shape.uses->Add(m_loaded.Material(material));
         shape.isBlended =
             shape.isBlended || IsBlended(m_loaded.m_document.Elements(Kind::kMaterial)[material]);
     };
-    if (primitive.Find("material") != nullptr)
-        add(IndexMember(primitive, "material"));
-    else
-        shape.uses.push_back(nullptr);
-    const Json* extensions = primitive.Find("extensions");
-    const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
-    const Json* mappings = variants != nullptr ? variants->Find("mappings") : nullptr;
-    if (mappings == nullptr) return;
-    for (const Json& mapping : mappings->Items()) add(IndexMember(mapping, "material"));
+    if (part.material != nullptr) add(*part.material->Index());
+    for (const Json& mapping : Mappings(part.extensions)) add(IndexMember(mapping, "material"));
 }
 
-std::string MeshBuilder::ListsKey(const Json& primitive) {
-    const std::size_t none = m_loaded.m_document.Elements(Kind::kAccessor).size();
-    const std::size_t positions = IndexMember(*primitive.Find("attributes"), "POSITION", none);
-    const std::size_t indices = IndexMember(primitive, "indices", none);
-    return Join(positions < none ? Join(m_ids.Accessor(positions)) : "none", " ",
-                indices < none ? Join(m_ids.Accessor(indices)) : "none", " ",
-                IndexMember(primitive, "mode", kTriangles), ";");
+MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
+    Part part;
+    for (const gltf::JsonMember& member : primitive.Members()) {
+        const std::string_view name = member.Name();
+        if (name == "attributes")
+            part.attributes = &member.value;
+        else if (name == "indices")
+            part.indices = &member.value;
+        else if (name == "material")
+            part.material = &member.value;
+        else if (name == "mode")
+            part.mode = static_cast<std::uint32_t>(*member.value.Index());
+        else if (name == "targets")
+            part.targets = &member.value;
+        else if (name == "extensions")
+            part.extensions = &member.value;
+    }
+    if (const Json* positions = part.attributes->Find("POSITION")) {
+        part.positions = static_cast<std::uint32_t>(*positions->Index());
+        part.positionsId = m_ids.Accessor(part.positions);
+    }
+    if (part.indices != nullptr) part.indicesId = m_ids.Accessor(*part.indices->Index());
+    if (part.material != nullptr) {
+        const kernix::MaterialModel* material = m_loaded.Material(*part.material->Index());
+        if (material != nullptr) part.attribute = material->GetId();
+    }
+    part.isCompressed =
+        part.extensions != nullptr && part.extensions->Find("KHR_draco_mesh_compression") != nullptr;
+    return part;
 }
 
-void MeshBuilder::AddGeometry(const Json& primitive, kernix::MeshGeometry& geometry) const {
+// A mesh that shows the same part several times, as hostile ones do by the thousand, holds it once. Which
+// part stands again is of the format.
+void MeshBuilder::DropRepeated(std::vector<Part>& parts, Words& format) {
+    if (parts.size() < 2) return;
+    Interner seen;
+    std::erase_if(parts, [&](const Part& part) {
+        const std::uint32_t words[] = {part.positionsId, part.isCompressed, part.indicesId, part.mode,
+                                       part.attribute};
+        const auto [number, isNew] = seen.Intern(words);
+        if (!isNew) format.push_back(number);
+        return !isNew;
+    });
+}
+
+// Vertices that several parts share stand once; `sources` tells for each part which of them it has.
+const MeshBuilder::Vertices& MeshBuilder::VerticesOf(const std::vector<Part>& parts, Words& sources) {
+    Interner seen;
+    Words key;
+    std::vector<const Part*> distinct;
+    for (const Part& part : parts) {
+        const std::uint32_t words[] = {part.positionsId, part.isCompressed};
+        const auto [number, isNew] = seen.Intern(words);
+        sources.push_back(number);
+        if (!isNew) continue;
+        key.insert(key.end(), std::begin(words), std::end(words));
+        distinct.push_back(&part);
+    }
+    const auto [number, isNew] = m_verticesKeys.Intern(key);
+    if (!isNew) return m_vertices[number];
+    Vertices vertices;
+    std::vector<float> all;
+    for (const Part* part : distinct) {
+        vertices.ends.push_back(static_cast<std::uint32_t>(all.size() / 3));
+        std::vector<float> positions = PositionsOf(*part);
+        if (all.empty())
+            all = std::move(positions);
+        else
+            all.insert(all.end(), positions.begin(), positions.end());
+    }
+    vertices.ends.push_back(static_cast<std::uint32_t>(all.size() / 3));
+    vertices.positions = std::make_shared<const kernix::Positions>(std::move(all));
+    m_vertices.push_back(std::move(vertices));
+    return m_vertices.back();
+}
+
+// `first`: of the part's `count` vertices in the mesh.
+void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count,
+                           kernix::MeshGeometry& geometry) const {
+    if (part.isCompressed) return;
     const gltf::Document& document = m_loaded.m_document;
-    const auto first = static_cast<std::uint32_t>(geometry.positions.size() / 3);
-    const std::vector<float> positions = Positions(primitive);
-    geometry.positions.insert(geometry.positions.end(), positions.begin(), positions.end());
-    if (Compressed(primitive) != nullptr) return;
     std::vector<std::uint32_t> order;
-    const std::size_t none = document.Elements(Kind::kAccessor).size();
-    const std::size_t indices = IndexMember(primitive, "indices", none);
-    if (indices < none) {
-        if (gltf::HasData(document, indices)) order = gltf::ReadIntegers(document, indices);
+    if (part.indices != nullptr) {
+        const std::size_t accessor = *part.indices->Index();
+        if (gltf::HasData(document, accessor)) order = gltf::ReadIntegers(document, accessor);
     } else {
-        order.resize(positions.size() / 3);
+        order.resize(count);
         std::iota(order.begin(), order.end(), 0U);
     }
     // Indices into positions that could not be read lead nowhere.
-    for (std::uint32_t index : order)
-        if (index >= positions.size() / 3) return;
-    AddLists(IndexMember(primitive, "mode", kTriangles), order, first, geometry);
+    if (std::any_of(order.begin(), order.end(), [&](std::uint32_t index) { return index >= count; })) return;
+    AddInOrder(part.mode, order, first, geometry);
 }
 
-const MeshBuilder::Lists& MeshBuilder::ListsOf(std::span<const Json> primitives, const std::string& key) {
-    Lists& lists = m_lists[key];
-    if (lists.geometry) return lists;
+std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
+    Words key;
+    for (const Part& part : parts)
+        key.insert(key.end(), {part.positionsId, part.isCompressed, part.indicesId, part.mode});
+    const auto [number, isNew] = m_listsKeys.Intern(key);
+    if (!isNew) return number;
+    Words sources;
+    const Vertices& vertices = VerticesOf(parts, sources);
+    Lists lists;
     lists.geometry = std::make_shared<kernix::MeshGeometry>();
+    lists.geometry->positions = vertices.positions;
     const std::vector<std::uint32_t>& indices = lists.geometry->faceIndices;
-    for (const Json& primitive : primitives) {
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::uint32_t first = vertices.ends[sources[i]];
         const std::size_t before = indices.size();
-        AddGeometry(primitive, *lists.geometry);
+        AddLists(parts[i], first, vertices.ends[sources[i] + 1] - first, *lists.geometry);
         lists.faces.push_back((indices.size() - before) / 3);
     }
     lists.geometry->Index();
-    return lists;
+    m_lists.push_back(std::move(lists));
+    return number;
+}
+
+std::shared_ptr<kernix::FaceAttributes> MeshBuilder::AttributesOf(const std::vector<Part>& parts,
+                                                                  std::uint32_t lists) {
+    Words key{lists};
+    for (const Part& part : parts) key.push_back(part.attribute);
+    const auto [number, isNew] = m_attributesKeys.Intern(key);
+    if (!isNew) return m_attributes[number];
+    auto attributes = std::make_shared<kernix::FaceAttributes>();
+    attributes->reserve(m_lists[lists].geometry->faces.size());
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        attributes->insert(attributes->end(), m_lists[lists].faces[i], parts[i].attribute);
+    m_attributes.push_back(attributes);
+    return attributes;
 }
 
 const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
-    const auto [known, isNew] = m_shapes.try_emplace(mesh);
-    Shape& shape = known->second;
-    if (!isNew) return shape;
+    Shape& shape = m_shapes[mesh];
+    if (shape.geometry) return shape;
     const Json& json = m_loaded.m_document.Elements(Kind::kMesh)[mesh];
-    const std::span<const Json> primitives = json.Find("primitives")->Items();
-    std::string listsKey, materials;
-    std::vector<std::uint32_t> attributes;
+    std::vector<Part> parts;
+    Words format;
+    shape.uses = std::make_shared<kernix::MaterialUses>();
+    const auto primitives = json.Find("primitives")->Items();
+    format.push_back(static_cast<std::uint32_t>(primitives.size()));
     for (const Json& primitive : primitives) {
-        AddUses(primitive, shape);
-        shape.format += FormatOf(primitive);
-        const kernix::MaterialModel* material = MaterialOf(primitive);
-        attributes.push_back(material != nullptr ? material->GetId() : kNoMaterial);
-        listsKey += ListsKey(primitive);
-        materials += Join(attributes.back(), ";");
+        parts.push_back(PartOf(primitive));
+        AddUses(parts.back(), shape);
+        AddFormat(parts.back(), format);
     }
-    for (std::string_view name : {"weights", "extensions"})
-        if (const Json* member = json.Find(name))
-            shape.format += Join(name, "=", m_ids.Canonical(*member), ";");
-
-    const Lists& lists = ListsOf(primitives, listsKey);
-    shape.geometry = lists.geometry;
-    std::shared_ptr<kernix::FaceAttributes>& shared = m_attributes[Join(listsKey, " of ", materials)];
-    if (!shared) {
-        shared = std::make_shared<kernix::FaceAttributes>();
-        shared->reserve(lists.geometry->faces.size());
-        for (std::size_t i = 0; i < attributes.size(); ++i)
-            shared->insert(shared->end(), lists.faces[i], attributes[i]);
+    for (std::string_view name : {"weights", "extensions"}) {
+        const Json* member = json.Find(name);
+        format.push_back(member != nullptr ? m_ids.Text(m_ids.Canonical(*member)) : kNone);
     }
-    shape.attributes = shared;
+    DropRepeated(parts, format);
+    shape.format = m_formats.Intern(format).number;
+    const std::uint32_t lists = ListsOf(parts);
+    shape.geometry = m_lists[lists].geometry;
+    shape.attributes = AttributesOf(parts, lists);
     return shape;
 }
 
-std::string MeshBuilder::SkinFormat(std::size_t skin) {
+std::uint32_t MeshBuilder::SkinFormat(std::size_t skin) {
+    std::uint32_t& known = m_skins[skin];
+    if (known != kNone) return known;
     const Json& json = m_loaded.m_document.Elements(Kind::kSkin)[skin];
-    std::string format = "skin ";
-    for (const Json& joint : json.Find("joints")->Items()) format += Join(*joint.Index(), ",");
-    const std::size_t none = m_loaded.m_document.Elements(Kind::kAccessor).size();
-    const std::size_t binds = IndexMember(json, "inverseBindMatrices", none);
-    return format + (binds < none ? Join(m_ids.Accessor(binds)) : "none") + ";";
+    Words format;
+    for (const Json& joint : json.Find("joints")->Items())
+        format.push_back(static_cast<std::uint32_t>(*joint.Index()));
+    const Json* binds = json.Find("inverseBindMatrices");
+    format.push_back(binds != nullptr ? m_ids.Accessor(*binds->Index()) : kNone);
+    return known = m_skinFormats.Intern(format).number;
 }
 
-vl::zr::Object3D* MeshBuilder::Build(const Json& node, const std::string& motion) {
-    const Shape& shape = ShapeOf(IndexMember(node, "mesh"));
-    std::string format = "format " + shape.format;
-    if (node.Find("skin") != nullptr) format += SkinFormat(IndexMember(node, "skin"));
-    for (std::string_view name : {"weights", "extensions", "camera"})
-        if (const Json* member = node.Find(name))
-            format += Join("node ", name, "=", m_ids.Canonical(*member), ";");
-    return new kernix::MeshModel(shape.geometry, shape.attributes, shape.uses, m_ids.Text(format + motion));
+vl::zr::Object3D* MeshBuilder::Build(const NodeParts& node, const std::string& motion) {
+    const Shape& shape = ShapeOf(*node.mesh->Index());
+    const auto text = [&](const Json* json) {
+        return json != nullptr ? m_ids.Text(m_ids.Canonical(*json)) : kNone;
+    };
+    const std::uint32_t format[] = {shape.format,
+                                    node.skin != nullptr ? SkinFormat(*node.skin->Index()) : kNone,
+                                    motion.empty() ? kNone : m_ids.Text(motion),
+                                    text(node.weights),
+                                    text(node.extensions),
+                                    text(node.camera)};
+    return new kernix::MeshModel(shape.geometry, shape.attributes, shape.uses,
+                                 m_nodeFormats.Intern(format).number);
 }
 
 }  // namespace zr

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "app/scene/content_ids.h"
 #include "app/scene/loaded_scene.h"
+#include "app/scene/node_parts.h"
 
 namespace zr {
 
@@ -16,49 +17,86 @@ namespace zr {
 bool IsBlended(const gltf::Json& material);
 
 // Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their
-// materials.
+// materials; vertices also with meshes of other lists.
 class MeshBuilder {
 public:
     // attribute of the faces of a primitive without a material
     static constexpr std::uint32_t kNoMaterial = 0xFFFFFFFF;
 
-    MeshBuilder(LoadedScene& loaded, ContentIds& ids) : m_loaded(loaded), m_ids(ids) {}
+    MeshBuilder(LoadedScene& loaded, ContentIds& ids);
 
     // `motion`: what tells how the node moves; with the rest of what decides the drawing it makes the format.
-    vl::zr::Object3D* Build(const gltf::Json& node, const std::string& motion);
+    vl::zr::Object3D* Build(const NodeParts& node, const std::string& motion);
 
     // Whether a part of the node's mesh is blended with what lies behind it, in any variant.
-    bool ShowsBlended(const gltf::Json& node) { return ShapeOf(gltf::IndexMember(node, "mesh")).isBlended; }
+    bool ShowsBlended(const NodeParts& node) { return ShapeOf(*node.mesh->Index()).isBlended; }
 
 private:
+    using Words = std::vector<std::uint32_t>;
+
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+    static constexpr std::uint32_t kTriangles = 4;
+
     struct Shape {
-        std::shared_ptr<kernix::MeshGeometry> geometry;
+        std::shared_ptr<kernix::MeshGeometry> geometry;  // null: not made yet
         std::shared_ptr<kernix::FaceAttributes> attributes;
-        std::vector<kernix::MaterialModel*> uses;
+        std::shared_ptr<kernix::MaterialUses> uses;
+        std::uint32_t format = 0;  // number of all that is drawn and is no position, list or material
         bool isBlended = false;
-        std::string format;  // all that is drawn and is no position, list or material
+    };
+
+    // A primitive.
+    struct Part {
+        const gltf::Json* attributes = nullptr;
+        const gltf::Json* indices = nullptr;
+        const gltf::Json* material = nullptr;
+        const gltf::Json* targets = nullptr;
+        const gltf::Json* extensions = nullptr;
+        std::uint32_t mode = kTriangles;
+        std::uint32_t positions = kNone;    // accessor
+        std::uint32_t positionsId = kNone;  // number of its content
+        std::uint32_t indicesId = kNone;
+        std::uint32_t attribute = kNoMaterial;  // of its faces
+        std::uint32_t isCompressed = 0;
+    };
+
+    struct Vertices {
+        std::shared_ptr<const kernix::Positions> positions;
+        Words ends;  // where those of each source begin, and the end of the last one
     };
 
     struct Lists {
         std::shared_ptr<kernix::MeshGeometry> geometry;
-        std::vector<std::size_t> faces;  // how many each primitive has
+        std::vector<std::size_t> faces;  // how many each part has
     };
 
     const Shape& ShapeOf(std::size_t mesh);
-    const Lists& ListsOf(std::span<const gltf::Json> primitives, const std::string& key);
-    void AddUses(const gltf::Json& primitive, Shape& shape) const;
-    void AddGeometry(const gltf::Json& primitive, kernix::MeshGeometry& geometry) const;
-    kernix::MaterialModel* MaterialOf(const gltf::Json& primitive) const;
-    std::string ListsKey(const gltf::Json& primitive);
-    std::string FormatOf(const gltf::Json& primitive);
-    std::string SkinFormat(std::size_t skin);
-    std::vector<float> Positions(const gltf::Json& primitive) const;
+    Part PartOf(const gltf::Json& primitive);
+    static void DropRepeated(std::vector<Part>& parts, Words& format);
+    std::uint32_t ListsOf(const std::vector<Part>& parts);
+    const Vertices& VerticesOf(const std::vector<Part>& parts, Words& sources);
+    std::vector<float> PositionsOf(const Part& part) const;
+    void AddLists(const Part& part, std::uint32_t first, std::size_t count,
+                  kernix::MeshGeometry& geometry) const;
+    std::shared_ptr<kernix::FaceAttributes> AttributesOf(const std::vector<Part>& parts, std::uint32_t lists);
+    void AddUses(const Part& part, Shape& shape) const;
+    void AddFormat(const Part& part, Words& format);
+    std::uint32_t SkinFormat(std::size_t skin);
 
     LoadedScene& m_loaded;
     ContentIds& m_ids;
-    std::unordered_map<std::size_t, Shape> m_shapes;  // by mesh
-    std::unordered_map<std::string, Lists> m_lists;
-    std::unordered_map<std::string, std::shared_ptr<kernix::FaceAttributes>> m_attributes;
+    std::vector<Shape> m_shapes;  // by mesh
+    Words m_skins;                // by skin: the number of its content, or kNone
+    Interner m_formats;
+    Interner m_skinFormats;
+    Interner m_nodeFormats;
+    // What meshes share, by the number of its key.
+    Interner m_listsKeys;
+    std::vector<Lists> m_lists;
+    Interner m_verticesKeys;
+    std::vector<Vertices> m_vertices;
+    Interner m_attributesKeys;
+    std::vector<std::shared_ptr<kernix::FaceAttributes>> m_attributes;
 };
 
 }  // namespace zr

@@ -51,12 +51,15 @@ const gltf::JsonMember* ContentExtension(const Json& node) {
 }
 
 template <std::size_t N>
-std::optional<std::array<float, N>> Numbers(const Json& object, std::string_view name) {
-    const Json* member = object.Find(name);
-    if (member == nullptr) return std::nullopt;
+std::array<float, N> Numbers(const Json& array) {
     std::array<float, N> numbers;
-    for (std::size_t i = 0; i < N; ++i) numbers[i] = static_cast<float>(member->Items()[i].Number());
+    for (std::size_t i = 0; i < N; ++i) numbers[i] = static_cast<float>(array.Items()[i].Number());
     return numbers;
+}
+
+vl::Vector3<float> VectorOf(const Json& array) {
+    const auto numbers = Numbers<3>(array);
+    return {numbers[0], numbers[1], numbers[2]};
 }
 
 vl::Matrix4<double> MatrixOf(const Json& numbers) {
@@ -215,40 +218,43 @@ void SceneBuilder::AddNodes() {
         AddNode(m_order[i], m_parents[m_order[i]]);
     }
     // What refers to other nodes waits until all are there.
-    for (std::size_t node : m_order) ApplyExtension(node);
+    for (std::size_t node : m_extended) ApplyExtension(node);
 }
 
 void SceneBuilder::AddNode(std::size_t index, std::size_t parent) {
     const Json& json = m_document.Elements(Kind::kNode)[index];
+    const NodeParts parts(json);
     kernix::NodeModel* above = parent != kNone ? m_loaded.m_nodes[parent] : nullptr;
-    kernix::NodeModel* node = m_scene.AddNode(above, std::string(NameOf(json)));
+    kernix::NodeModel* node = m_scene.AddNode(above, std::string(parts.name));
     m_loaded.m_nodes[index] = node;
     node->m_source = static_cast<int>(index);
-    SetTransform(*node, json);
-    SetMetadata(index);
-    node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(MakeObject(index, parent)));
+    SetTransform(*node, parts);
+    if (parts.extras != nullptr) SetMetadata(index, *parts.extras);
+    if (parts.extensions != nullptr && parts.extensions->Find("ZR_scene") != nullptr)
+        m_extended.push_back(index);
+    node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(MakeObject(index, parent, parts)));
     const bool showsMore = node->m_pObject != nullptr && !node->m_pObject->IsKindOf(vl::zr::kKindBone);
     if (m_nodeMarks[index].isJoint && showsMore) node->m_dwFlags |= vl::zr::kNodeSkeleton;
 }
 
-vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent) {
-    const Json& node = m_document.Elements(Kind::kNode)[index];
+vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent, const NodeParts& parts) {
     const Mark& mark = m_nodeMarks[index];
     std::string motion = m_animations.Motion(index, parent);
-    const std::size_t apart = m_surroundings.Enter(index, parent);
-    if (node.Find("mesh") != nullptr) {
+    const std::size_t apart = m_surroundings.Enter(index, parent, parts.extensions);
+    if (parts.mesh != nullptr) {
         if (m_options.repeats != Repeats::kAlike && apart != kNone) motion += Join("apart ", apart, ";");
         // Nothing repeats what something refers to, nor what is seen through.
         const bool isUnique =
-            mark.reason || (m_options.repeats == Repeats::kUnseen && m_meshes.ShowsBlended(node));
+            mark.reason || (m_options.repeats == Repeats::kUnseen && m_meshes.ShowsBlended(parts));
         if (isUnique) motion += Join("node ", index, ";");
-        return m_meshes.Build(node, motion);
+        return m_meshes.Build(parts, motion);
     }
-    if (node.Find("camera") != nullptr) return new kernix::CameraModel;
-    if (vl::zr::Object3D* light = MakeLight(node)) return light;
-    if (const Json* extension = Extension(node, "ZR_scene")) {
+    if (parts.camera != nullptr) return new kernix::CameraModel;
+    if (parts.extensions != nullptr) {
+        if (vl::zr::Object3D* light = MakeLight(*parts.extensions)) return light;
+        const Json* extension = parts.extensions->Find("ZR_scene");
         const auto is = [&](std::string_view name) {
-            const Json* member = extension->Find(name);
+            const Json* member = extension != nullptr ? extension->Find(name) : nullptr;
             return member != nullptr && member->Bool();
         };
         if (is("note")) return kernix::CreateNote();
@@ -259,8 +265,8 @@ vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent
     return nullptr;
 }
 
-vl::zr::Object3D* SceneBuilder::MakeLight(const Json& node) {
-    const Json* extension = Extension(node, "KHR_lights_punctual");
+vl::zr::Object3D* SceneBuilder::MakeLight(const Json& extensions) {
+    const Json* extension = extensions.Find("KHR_lights_punctual");
     if (extension == nullptr) return nullptr;
     const Json& light = m_document.Elements(Kind::kLight)[IndexMember(*extension, "light")];
     const std::string_view type = light.Find("type")->String();
@@ -269,28 +275,30 @@ vl::zr::Object3D* SceneBuilder::MakeLight(const Json& node) {
                                                           : vl::zr::kLightPoint);
 }
 
-void SceneBuilder::SetTransform(kernix::NodeModel& model, const Json& node) {
-    if (const Json* matrix = node.Find("matrix")) return model.SetRestMatrix(MatrixOf(*matrix));
+void SceneBuilder::SetTransform(kernix::NodeModel& model, const NodeParts& parts) {
+    if (parts.matrix != nullptr) return model.SetRestMatrix(MatrixOf(*parts.matrix));
+    if (parts.translation == nullptr && parts.rotation == nullptr && parts.scale == nullptr) return;
     kernix::Pose pose;
-    if (const auto t = Numbers<3>(node, "translation")) pose.translation = {(*t)[0], (*t)[1], (*t)[2]};
-    if (const auto r = Numbers<4>(node, "rotation")) pose.rotation = {(*r)[0], (*r)[1], (*r)[2], (*r)[3]};
-    if (const auto s = Numbers<3>(node, "scale")) pose.scale = {(*s)[0], (*s)[1], (*s)[2]};
+    if (parts.translation != nullptr) pose.translation = VectorOf(*parts.translation);
+    if (parts.rotation != nullptr) {
+        const auto r = Numbers<4>(*parts.rotation);
+        pose.rotation = {r[0], r[1], r[2], r[3]};
+    }
+    if (parts.scale != nullptr) pose.scale = VectorOf(*parts.scale);
     model.SetRestPose(pose);
 }
 
-void SceneBuilder::SetMetadata(std::size_t index) {
-    const Json* extras = m_document.Elements(Kind::kNode)[index].Find("extras");
-    if (extras == nullptr || (extras->IsObject() && extras->Members().empty())) return;
+void SceneBuilder::SetMetadata(std::size_t index, const Json& extras) {
+    if (extras.IsObject() && extras.Members().empty()) return;
     vl::VarMap* map = m_loaded.m_nodes[index]->GetMetadata(true);
-    if (!extras->IsObject()) map->Set(u"", VarOf(*extras));
-    for (const gltf::JsonMember& member : extras->Members())
+    if (!extras.IsObject()) map->Set(u"", VarOf(extras));
+    for (const gltf::JsonMember& member : extras.Members())
         map->Set(kernix::ToUtf16(member.Name()), VarOf(member.value));
     m_loaded.m_extrasNodes.push_back(index);
 }
 
 void SceneBuilder::ApplyExtension(std::size_t index) {
     const Json* extension = Extension(m_document.Elements(Kind::kNode)[index], "ZR_scene");
-    if (extension == nullptr) return;
     kernix::NodeModel* node = m_loaded.m_nodes[index];
     const auto named = [&](std::string_view name) {
         return extension->Find(name) != nullptr ? m_loaded.m_nodes[IndexMember(*extension, name)] : nullptr;
@@ -300,9 +308,9 @@ void SceneBuilder::ApplyExtension(std::size_t index) {
         if (auto* light = dynamic_cast<kernix::LightModel*>(node->m_pObject)) light->SetTarget(target);
     }
     if (extension->Find("selector") != nullptr) m_scene.SetSelector(node, named("selected"));
-    if (const auto pivot = Numbers<3>(*extension, "pivot")) {
+    if (const Json* pivot = extension->Find("pivot")) {
         kernix::TransformControllerModel* controller = node->AddTransformController();
-        controller->m_offset = {(*pivot)[0], (*pivot)[1], (*pivot)[2]};
+        controller->m_offset = VectorOf(*pivot);
         const Json* group = extension->Find("pivotGroup");
         if (group != nullptr && group->Bool()) controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
     }

@@ -10,6 +10,7 @@
 #include "app/scene/content_ids.h"
 #include "app/scene/loaded_scene.h"
 #include "app/scene/mesh_builder.h"
+#include "app/scene/node_parts.h"
 #include "app/scene/surroundings.h"
 
 namespace zr {
@@ -34,10 +35,10 @@ private:
     void AddMaterials();
     void AddNodes();
     void AddNode(std::size_t index, std::size_t parent);
-    vl::zr::Object3D* MakeObject(std::size_t index, std::size_t parent);
-    vl::zr::Object3D* MakeLight(const gltf::Json& node);
-    void SetTransform(kernix::NodeModel& model, const gltf::Json& node);
-    void SetMetadata(std::size_t index);
+    vl::zr::Object3D* MakeObject(std::size_t index, std::size_t parent, const NodeParts& parts);
+    vl::zr::Object3D* MakeLight(const gltf::Json& extensions);
+    static void SetTransform(kernix::NodeModel& model, const NodeParts& parts);
+    void SetMetadata(std::size_t index, const gltf::Json& extras);
     void ApplyExtension(std::size_t index);
     void AddAnimations();
     void AddLayersAndViewports();
@@ -55,6 +56,7 @@ private:
     AnimationBuilder m_animations;
     Surroundings m_surroundings;
     std::vector<std::size_t> m_order;    // nodes of the scene, parents first
+    std::vector<std::size_t> m_extended;  // those with an extension of the scene's own
     std::vector<std::size_t> m_parents;  // of every node of the document
     std::vector<bool> m_inScene;
     std::vector<bool> m_drawn;  // materials that the scene's meshes use

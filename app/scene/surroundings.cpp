@@ -20,8 +20,7 @@ constexpr std::string_view kOwnExtensions[] = {
     "ZR_scene",
 };
 
-const gltf::JsonMember* SharedExtension(const Json& node) {
-    const Json* extensions = node.Find("extensions");
+const gltf::JsonMember* SharedExtension(const Json* extensions) {
     if (extensions == nullptr) return nullptr;
     const auto members = extensions->Members();
     const auto found = std::find_if(members.begin(), members.end(), [](const gltf::JsonMember& member) {
@@ -31,8 +30,7 @@ const gltf::JsonMember* SharedExtension(const Json& node) {
     return found != members.end() ? &*found : nullptr;
 }
 
-bool IsSelector(const Json& node) {
-    const Json* extensions = node.Find("extensions");
+bool IsSelector(const Json* extensions) {
     const Json* scene = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
     const Json* selector = scene != nullptr ? scene->Find("selector") : nullptr;
     return selector != nullptr && selector->Bool();
@@ -66,7 +64,9 @@ bool IsOurs(const gltf::Place& place) {
 }  // namespace
 
 Surroundings::Surroundings(const gltf::Document& document)
-    : m_document(document), m_below(document.Elements(Kind::kNode).size(), kNone) {}
+    : m_document(document),
+      m_below(document.Elements(Kind::kNode).size(), kNone),
+      m_isSelector(m_below.size(), false) {}
 
 void Surroundings::Note(const gltf::Reference& reference) {
     if (reference.target.kind != Kind::kNode) return;
@@ -74,17 +74,19 @@ void Surroundings::Note(const gltf::Reference& reference) {
     m_named.try_emplace(reference.target.index, reference.place.Pointer());
 }
 
-std::size_t Surroundings::Enter(std::size_t node, std::size_t parent) {
-    const auto nodes = m_document.Elements(Kind::kNode);
+std::size_t Surroundings::Enter(std::size_t node, std::size_t parent, const Json* extensions) {
     std::size_t apart = kNone;
-    if (parent != kNone) apart = IsSelector(nodes[parent]) ? node : m_below[parent];
-    const bool sets = m_named.count(node) != 0 || SharedExtension(nodes[node]) != nullptr;
+    if (parent != kNone) apart = m_isSelector[parent] ? node : m_below[parent];
+    m_isSelector[node] = IsSelector(extensions);
+    const bool sets =
+        SharedExtension(extensions) != nullptr || (!m_named.empty() && m_named.count(node) != 0);
     m_below[node] = sets ? node : apart;
     return apart;
 }
 
 std::string Surroundings::PlaceOf(std::size_t node) const {
-    const gltf::JsonMember* extension = SharedExtension(m_document.Elements(Kind::kNode)[node]);
+    const gltf::JsonMember* extension =
+        SharedExtension(m_document.Elements(Kind::kNode)[node].Find("extensions"));
     if (extension != nullptr) return Join("/nodes/", node, "/extensions/", extension->Name());
     const auto named = m_named.find(node);
     return named != m_named.end() ? named->second : Join("/nodes/", node);

@@ -23,9 +23,9 @@ public:
     // Takes every reference of the document, before the first Enter.
     void Note(const gltf::Reference& reference);
 
-    // Nodes of the scene, parents first; parent: kNone at the top. The nearest node that sets this one apart,
-    // or kNone. Children of a selector are set apart from each other.
-    std::size_t Enter(std::size_t node, std::size_t parent);
+    // Nodes of the scene, parents first; parent: kNone at the top; extensions: the node's, or null. The
+    // nearest node that sets this one apart, or kNone. Children of a selector are set apart from each other.
+    std::size_t Enter(std::size_t node, std::size_t parent, const gltf::Json* extensions);
 
     // Where in the document it is said that the node sets others apart.
     std::string PlaceOf(std::size_t node) const;
@@ -34,6 +34,7 @@ private:
     const gltf::Document& m_document;
     std::map<std::size_t, std::string> m_named;  // nodes that something refers to, with its place
     std::vector<std::size_t> m_below;            // by node: the nearest that sets what is below it apart
+    std::vector<bool> m_isSelector;              // by node
 };
 
 }  // namespace zr

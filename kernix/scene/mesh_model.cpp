@@ -2,6 +2,7 @@
 #include "kernix/scene/mesh_model.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace kernix {
@@ -28,14 +29,32 @@ void MeshGeometry::Index() {
     IndexLists(secondaryIndices, secondaryCounts, 2, secondary);
 }
 
+int MaterialUses::Count(const vl::zr::Material* material) const {
+    return static_cast<int>(std::count(m_materials.begin(), m_materials.end(), material));
+}
+
+void MaterialUses::Replace(const std::function<MaterialModel*(MaterialModel*)>& by) {
+    for (MaterialModel*& material : m_materials) material = by(material);
+    m_distinct = nullptr;
+}
+
+vl::InterfaceArray* MaterialUses::Distinct() {
+    if (m_distinct) return m_distinct.Get();
+    m_distinct = vl::Ref<vl::InterfaceArray>::Adopt(vl::InterfaceArray::CreateStrong());
+    std::unordered_set<const MaterialModel*> seen;
+    for (MaterialModel* material : m_materials)
+        if (seen.insert(material).second) m_distinct->Add(material);
+    return m_distinct.Get();
+}
+
 MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<FaceAttributes> attributes,
-                     std::vector<MaterialModel*> uses, std::uint32_t format)
-    : m_uses(std::move(uses)), m_geometry(std::move(geometry)), m_attributes(std::move(attributes)) {
+                     std::shared_ptr<MaterialUses> uses, std::uint32_t format)
+    : m_geometry(std::move(geometry)), m_attributes(std::move(attributes)), m_uses(std::move(uses)) {
     const MeshGeometry& g = *m_geometry;
     const auto dataOrNull = [](const auto& list) { return list.empty() ? nullptr : list.data(); };
     m_nFormat = format;
-    m_pPositions = dataOrNull(g.positions);
-    m_nVertices = static_cast<std::uint32_t>(g.positions.size() / 3);
+    m_pPositions = g.positions ? dataOrNull(*g.positions) : nullptr;
+    m_nVertices = g.positions ? static_cast<std::uint32_t>(g.positions->size() / 3) : 0;
     m_nFaces = static_cast<std::uint32_t>(g.faces.size());
     m_pFaceCounts = dataOrNull(g.faceCounts);
     if (m_attributes) m_pFaceAttributes = dataOrNull(*m_attributes);
@@ -46,6 +65,10 @@ MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<Fac
 }
 
 vl::Interface* MeshModel::QueryComponent(int kind, int) {
+    if (kind == vl::zr::kComponentMaterials && m_uses) {
+        m_uses->Distinct()->AddRef();
+        return m_uses->Distinct();
+    }
     if (kind != vl::zr::kComponentMesh) return nullptr;
     auto* component = new vl::zr::MeshComponent;
     component->m_nVertices = m_nVertices;
@@ -55,7 +78,7 @@ vl::Interface* MeshModel::QueryComponent(int kind, int) {
 }
 
 int MeshModel::CountMaterialUses(vl::zr::Material* material, int) {
-    return static_cast<int>(std::count(m_uses.begin(), m_uses.end(), material));
+    return m_uses ? m_uses->Count(material) : 0;
 }
 
 }  // namespace kernix

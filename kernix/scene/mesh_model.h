@@ -2,18 +2,24 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
+#include "host/interface_array.h"
 #include "host/object.h"
+#include "host/ref.h"
 #include "kernix/scene/material_model.h"
 
 namespace kernix {
 
+using Positions = std::vector<float>;  // x, y, z a vertex
+
 // The geometry of a mesh, shared by all meshes that show it. Either count list may be empty: faces are then
 // triangles and secondary lists pairs.
 struct MeshGeometry {
-    std::vector<float> positions;            // x, y, z a vertex
+    std::shared_ptr<const Positions> positions;  // null: none
     std::vector<std::uint32_t> faceIndices;  // of all faces, one after another
     std::vector<std::uint16_t> faceCounts;
     std::vector<std::uint32_t> secondaryIndices;
@@ -30,12 +36,30 @@ struct MeshGeometry {
 // MaterialModel::GetId of each face. Apart from the geometry, which meshes of other materials share.
 using FaceAttributes = std::vector<std::uint32_t>;
 
+// The materials of the parts that are drawn or can be chosen to be drawn: one for each such part. Shared by
+// the meshes that show the same parts.
+class KERNIX_API MaterialUses {
+public:
+    explicit MaterialUses(std::vector<MaterialModel*> materials = {}) : m_materials(std::move(materials)) {}
+
+    void Add(MaterialModel* material) { m_materials.push_back(material); }
+    const std::vector<MaterialModel*>& All() const { return m_materials; }
+    int Count(const vl::zr::Material* material) const;
+    // Puts other materials in the place of those that are used.
+    void Replace(const std::function<MaterialModel*(MaterialModel*)>& by);
+    // Each material once. Held as long as this is.
+    vl::InterfaceArray* Distinct();
+
+private:
+    std::vector<MaterialModel*> m_materials;
+    vl::Ref<vl::InterfaceArray> m_distinct;  // null: to be made
+};
+
 class KERNIX_API MeshModel final : public vl::zr::Mesh {
 public:
-    // geometry is indexed. attributes: null for none. uses: the material of each part that is drawn or can be
-    // chosen to be drawn.
+    // geometry is indexed. attributes, uses: null for none.
     MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<FaceAttributes> attributes,
-              std::vector<MaterialModel*> uses, std::uint32_t format);
+              std::shared_ptr<MaterialUses> uses, std::uint32_t format);
 
     bool IsKindOf(int kind) override { return kind == vl::zr::kKindRenderable; }
     int GetType() override { return vl::zr::kTypeObject; }
@@ -44,11 +68,12 @@ public:
 
     const std::shared_ptr<MeshGeometry>& GetGeometry() const { return m_geometry; }
     const std::shared_ptr<FaceAttributes>& GetFaceAttributes() const { return m_attributes; }
-    std::vector<MaterialModel*> m_uses;
+    const std::shared_ptr<MaterialUses>& GetUses() const { return m_uses; }
 
 private:
     std::shared_ptr<MeshGeometry> m_geometry;
     std::shared_ptr<FaceAttributes> m_attributes;
+    std::shared_ptr<MaterialUses> m_uses;
 };
 
 }  // namespace kernix

@@ -141,11 +141,12 @@ int SceneModel::MergeEqualMaterials() {
     }
     if (merged.empty()) return 0;
 
-    std::unordered_set<const FaceAttributes*> done;
+    std::unordered_set<const void*> done;  // of what meshes share
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
         auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
         if (mesh == nullptr) continue;
-        for (MaterialModel*& use : mesh->m_uses) use = use != nullptr ? MergedInto(use) : nullptr;
+        if (mesh->GetUses() && done.insert(mesh->GetUses().get()).second)
+            mesh->GetUses()->Replace([&](MaterialModel* use) { return MergedInto(use); });
         const auto& attributes = mesh->GetFaceAttributes();
         if (!attributes || !done.insert(attributes.get()).second) continue;
         for (std::uint32_t& attribute : *attributes) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "host/cleaner.h"
 #include "module/cleaner/mesh_index.h"
@@ -63,7 +64,8 @@ private:
     void ReadOptions(vl::Params* params);
     bool RunOperations(vl::Context* context);
 
-    bool IsDuplicateMesh(vl::zr::Node* node, vl::zr::Mesh* mesh);
+    // The nodes that repeat an earlier one's mesh at its place, in the order of the scene's list.
+    std::vector<vl::zr::Node*> DuplicateMeshes(vl::Array* nodes, const vl::Context* context);
 
     // The dialog, on the interface thread (dialog.cpp).
     static INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,4 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 #include "host/change_record.h"
 #include "host/node.h"
 #include "host/object.h"
@@ -13,20 +18,60 @@ namespace {
 // A repeated node below another one waits for the next pass as long as it has a child.
 constexpr int kMaxDeletionPasses = 10;
 
-}  // namespace
+struct Candidate {
+    std::uint64_t content;
+    std::size_t order;
+    Node* node;
+    Mesh* mesh;
+};
 
-int CCleanerImpl::RemoveMeshDupes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
-    if (scene == nullptr) return 0;
-    m_dupIndex.Clear();
-    vl::Ref<vl::Array> dupes = zrt::NewList();
-    for (Node* node : vl::ArrayOf<Node*>(scene->m_pNodes)) {
+// In the order of the scene's list.
+std::vector<Candidate> Meshes(vl::Array* nodes, const vl::Context* context) {
+    std::vector<Candidate> meshes;
+    zrt::ContentHashes hashes;
+    for (Node* node : vl::ArrayOf<Node*>(nodes)) {
         if (zrt::IsBreak(context)) break;
         vl::zr::Object3D* object = node->m_pObject;
         if (object == nullptr || (node->m_dwFlags & vl::zr::kNodeSystem) != 0) continue;
         if (!object->IsTypeOf("zr_mesh")) continue;
-        if (IsDuplicateMesh(node, static_cast<Mesh*>(object))) dupes->Add(vl::ToWord(node));
+        auto* mesh = static_cast<Mesh*>(object);
+        meshes.push_back({hashes.Of(*mesh), meshes.size(), node, mesh});
+    }
+    return meshes;
+}
+
+}  // namespace
+
+// Most meshes of a scene are like no other: only where several have one hash of their content does it matter
+// where they stand.
+std::vector<Node*> CCleanerImpl::DuplicateMeshes(vl::Array* nodes, const vl::Context* context) {
+    std::vector<Candidate> meshes = Meshes(nodes, context);
+    std::vector<Node*> repeated(meshes.size());
+    std::sort(meshes.begin(), meshes.end(), [](const Candidate& a, const Candidate& b) {
+        return a.content != b.content ? a.content < b.content : a.order < b.order;
+    });
+    for (auto first = meshes.begin(); first != meshes.end();) {
+        const auto last = std::find_if(
+            first, meshes.end(), [&](const Candidate& mesh) { return mesh.content != first->content; });
+        if (last - first == 1) {
+            first = last;
+            continue;
+        }
+        m_dupIndex.Clear();
+        for (; first != last; ++first) {
+            if (m_dupIndex.FindOrAdd(first->node, first->mesh, first->content))
+                repeated[first->order] = first->node;
+        }
     }
     m_dupIndex.Clear();
+    std::erase(repeated, nullptr);
+    return repeated;
+}
+
+int CCleanerImpl::RemoveMeshDupes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
+    if (scene == nullptr) return 0;
+    vl::Ref<vl::Array> dupes = zrt::NewList();
+    for (Node* node : DuplicateMeshes(scene->m_pNodes, context)) dupes->Add(vl::ToWord(node));
 
     int count = 0;
     vl::Ref<vl::Array> deferred = zrt::NewList();
@@ -47,8 +92,4 @@ int CCleanerImpl::RemoveMeshDupes(vl::zr::Scene* scene, vl::Context* context, Ch
     }
     zrt::NotifyRemoved(scene);
     return count;
-}
-
-bool CCleanerImpl::IsDuplicateMesh(Node* node, Mesh* mesh) {
-    return m_dupIndex.FindOrAdd(node, mesh);
 }

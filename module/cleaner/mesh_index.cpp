@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <string_view>
 
 namespace zrt {
@@ -43,32 +44,77 @@ void MixLists(std::uint64_t& hash, const std::uint32_t* const* lists, std::uint3
     }
 }
 
-// Cells of a grid over numbers of the transform. They are much wider than the tolerance, and their borders
-// lie where round numbers do not: mostly a number and all within the tolerance of it are in one cell.
-// A width that is a power of two makes the product exact; every step is monotone, so that no rounding
-// takes an equal number out of the range of Around.
+// Where a node stands, as four numbers that two equal transforms have nearly in common: the translation, and
+// one that mixes all the rest, so that every way in which places differ tells. Each number lies in a cell
+// some times wider than two equal ones can be apart.
+struct Number {
+    double value;
+    double reach;  // how far an equal transform's number can be away
+    double cellsPerUnit;
+};
+
+constexpr unsigned kCellAxes = 4;
+
+// Multiples of no common number, so that no turn or scale leaves the mixture as it was.
+constexpr double kMixture[9] = {1.0, 0.618, 0.755, -0.857, 0.914, -0.683, 0.541, -0.786, 0.967};
+
+// A power of two makes the product exact; every step is monotone, so that no rounding takes an equal number
+// out of the range of Around.
+constexpr double kTranslationCells = 65536;
+constexpr double kMixtureCells = 4096;
+
+std::array<Number, kCellAxes> Place(Node* node) {
+    vl::Matrix4<double> world;
+    node->GetWorldMatrix(&world, 1);
+    std::array<Number, kCellAxes> place;
+    Number mixed{0, 0, kMixtureCells};
+    double size = 0;
+    for (unsigned i = 0; i < 9; ++i) {
+        const double term = kMixture[i] * world.m[i / 3][i % 3];
+        mixed.value += term;
+        mixed.reach += std::abs(kMixture[i]) * 2 * kTransformTolerance;
+        size += std::abs(term);
+    }
+    // The sum is rounded, in an equal transform in another way; of numbers so large that this could lead out
+    // of the neighbouring cell it tells nothing.
+    mixed.reach += size * 16 * std::numeric_limits<double>::epsilon();
+    if (!(mixed.reach * kMixtureCells < 0.5)) mixed = {0, 0, kMixtureCells};
+    for (unsigned axis = 0; axis < 3; ++axis)
+        place[axis] = {world.m[3][axis], 2 * kTransformTolerance, kTranslationCells};
+    place[3] = mixed;
+    return place;
+}
+
+double CellOf(double value, double cellsPerUnit) {
+    return std::floor(value * cellsPerUnit + 0.5);
+}
+
 struct CellRange {
+    double home;
     double first;
     double last;
 };
 
-double CellOf(double value) {
-    return std::floor(value * 1024.0 + 0.5);
+CellRange Around(const Number& number) {
+    const auto cell = [&](double value) { return CellOf(value, number.cellsPerUnit); };
+    return {cell(number.value), cell(number.value - number.reach), cell(number.value + number.reach)};
 }
 
-CellRange Around(double value) {
-    return {CellOf(value - 2 * kTransformTolerance), CellOf(value + 2 * kTransformTolerance)};
-}
-
-// The elements of the affine transform: a number for every way in which places can differ.
-constexpr unsigned kCellAxes = 12;
-
-std::array<double, kCellAxes> Place(Node* node) {
-    vl::Matrix4<double> world;
-    node->GetWorldMatrix(&world, 1);
-    std::array<double, kCellAxes> place;
-    for (std::size_t axis = 0; axis < kCellAxes; ++axis) place[axis] = world.m[axis / 3][axis % 3];
-    return place;
+std::uint64_t HashContent(const Mesh& mesh) {
+    std::uint64_t hash = 0;
+    const MeshKey key(mesh);
+    MixBytes(hash, &key, sizeof key);
+    if (mesh.m_pPositions != nullptr) {
+        MixBytes(hash, mesh.m_pPositions, std::size_t{3} * mesh.m_nVertices * sizeof *mesh.m_pPositions);
+    }
+    if (mesh.m_pFaceAttributes != nullptr) {
+        MixBytes(hash, mesh.m_pFaceAttributes, mesh.m_nFaces * sizeof *mesh.m_pFaceAttributes);
+    }
+    MixLists(hash, mesh.m_ppFaces, mesh.m_nFaces, mesh.m_pFaceCounts, mesh.m_nFaceSize);
+    if (mesh.m_ppSecondary != nullptr) {
+        MixLists(hash, mesh.m_ppSecondary, mesh.m_nSecondary, mesh.m_pSecondaryCounts, mesh.m_nSecondarySize);
+    }
+    return hash;
 }
 
 }  // namespace
@@ -118,48 +164,36 @@ bool TransformsEqual(Node* a, Node* b) {
     return worldA.Equal(worldB, kTransformTolerance);
 }
 
-std::size_t MeshIndex::ArraysHash::operator()(const Arrays& arrays) const {
+std::size_t ContentHashes::ArraysHash::operator()(const Arrays& arrays) const {
     std::uint64_t hash = 0;
     MixBytes(hash, &arrays.key, sizeof arrays.key);
     for (const void* pointer : arrays.pointers) Mix(hash, vl::ToWord(pointer));
     return static_cast<std::size_t>(hash);
 }
 
-std::uint64_t MeshIndex::ContentHash(const Mesh& mesh) {
+std::uint64_t ContentHashes::Of(const Mesh& mesh) {
+    // A small mesh is hashed again sooner than it is found.
+    constexpr std::uint32_t kSmall = 64;
+    if (mesh.m_nVertices <= kSmall && mesh.m_nFaces <= kSmall && mesh.m_nSecondary <= kSmall)
+        return HashContent(mesh);
     const Arrays arrays{MeshKey(mesh),
                         mesh.m_nFaceSize,
                         mesh.m_nSecondarySize,
                         {mesh.m_pPositions, mesh.m_pFaceCounts, mesh.m_pFaceAttributes, mesh.m_ppFaces,
                          mesh.m_pSecondaryCounts, mesh.m_ppSecondary}};
-    const auto [known, added] = m_hashes.try_emplace(arrays, 0);
-    if (!added) return known->second;
-
-    std::uint64_t hash = 0;
-    MixBytes(hash, &arrays.key, sizeof arrays.key);
-    if (mesh.m_pPositions != nullptr) {
-        MixBytes(hash, mesh.m_pPositions, std::size_t{3} * mesh.m_nVertices * sizeof *mesh.m_pPositions);
-    }
-    if (mesh.m_pFaceAttributes != nullptr) {
-        MixBytes(hash, mesh.m_pFaceAttributes, mesh.m_nFaces * sizeof *mesh.m_pFaceAttributes);
-    }
-    MixLists(hash, mesh.m_ppFaces, mesh.m_nFaces, mesh.m_pFaceCounts, mesh.m_nFaceSize);
-    if (mesh.m_ppSecondary != nullptr) {
-        MixLists(hash, mesh.m_ppSecondary, mesh.m_nSecondary, mesh.m_pSecondaryCounts, mesh.m_nSecondarySize);
-    }
-    known->second = hash;
-    return hash;
+    const auto [known, isNew] = m_hashes.try_emplace(arrays, 0);
+    if (isNew) known->second = HashContent(mesh);
+    return known->second;
 }
 
-bool MeshIndex::FindOrAdd(Node* node, Mesh* mesh) {
-    const std::uint64_t content = ContentHash(*mesh);
-    const std::array<double, kCellAxes> place = Place(node);
-
+bool MeshIndex::FindOrAdd(Node* node, Mesh* mesh, std::uint64_t content) {
+    const std::array<Number, kCellAxes> place = Place(node);
     std::uint64_t home = content;
     std::array<CellRange, kCellAxes> around;
     unsigned split = 0;  // the axes whose range lies in two cells
     for (unsigned axis = 0; axis < kCellAxes; ++axis) {
-        Mix(home, std::bit_cast<std::uint64_t>(CellOf(place[axis])));
         around[axis] = Around(place[axis]);
+        Mix(home, std::bit_cast<std::uint64_t>(around[axis].home));
         if (around[axis].first != around[axis].last) split |= 1U << axis;
     }
     // Each choice of one cell on every split axis, as the subsets of their bits.
@@ -172,7 +206,7 @@ bool MeshIndex::FindOrAdd(Node* node, Mesh* mesh) {
         }
         const auto [begin, end] = m_entries.equal_range(hash);
         const bool found = std::any_of(begin, end, [&](const auto& candidate) {
-            return GeometryEqual(mesh, candidate.second.mesh) && TransformsEqual(node, candidate.second.node);
+            return TransformsEqual(node, candidate.second.node) && GeometryEqual(mesh, candidate.second.mesh);
         });
         if (found) return true;
         choice = (choice - 1) & split;
@@ -180,11 +214,6 @@ bool MeshIndex::FindOrAdd(Node* node, Mesh* mesh) {
 
     m_entries.emplace(home, Entry{node, mesh});
     return false;
-}
-
-void MeshIndex::Clear() {
-    m_entries.clear();
-    m_hashes.clear();
 }
 
 }  // namespace zrt

@@ -35,24 +35,13 @@ bool GeometryEqual(const vl::zr::Mesh* a, const vl::zr::Mesh* b);
 // Whether the nodes' world transforms at rest are equal within kTransformTolerance.
 bool TransformsEqual(vl::zr::Node* a, vl::zr::Node* b);
 
-// The different meshes of a scene, each with the node that it stands at.
-//
-// The tolerance is not transitive, so no grouping decides: a mesh is held against every earlier one that may
-// be equal. Those are found by a hash of the content and by the cell of the transform, so that the cost
-// stays linear for a thousand meshes of one shape at different places, or of one size at one place.
-class MeshIndex {
+// Hashes of what meshes hold: equal ones for meshes that GeometryEqual finds equal. The meshes stay unchanged
+// as long as the object lives.
+class ContentHashes {
 public:
-    // Whether an earlier mesh is equal and stands at an equal transform. A mesh without such is added. Node
-    // and mesh stay unchanged until Clear.
-    bool FindOrAdd(vl::zr::Node* node, vl::zr::Mesh* mesh);
-    void Clear();
+    std::uint64_t Of(const vl::zr::Mesh& mesh);
 
 private:
-    struct Entry {
-        vl::zr::Node* node;
-        vl::zr::Mesh* mesh;
-    };
-
     // The arrays of a mesh, which many nodes' meshes may share.
     struct Arrays {
         MeshKey key;
@@ -65,10 +54,28 @@ private:
         std::size_t operator()(const Arrays& arrays) const;
     };
 
-    std::uint64_t ContentHash(const vl::zr::Mesh& mesh);
+    std::unordered_map<Arrays, std::uint64_t, ArraysHash> m_hashes;  // of large meshes
+};
+
+// The different meshes of a scene, each with the node that it stands at.
+//
+// The tolerance is not transitive, so no grouping decides: a mesh is held against every earlier one that may
+// be equal. Those are found by a hash of the content and by the cell of the transform, so that the cost
+// stays linear for any number of meshes of one shape at different places, or of one size at one place.
+class MeshIndex {
+public:
+    // Whether an earlier mesh is equal and stands at an equal transform. A mesh without such is added. Node
+    // and mesh stay unchanged until Clear. content: the mesh's ContentHashes::Of.
+    bool FindOrAdd(vl::zr::Node* node, vl::zr::Mesh* mesh, std::uint64_t content);
+    void Clear() { m_entries.clear(); }
+
+private:
+    struct Entry {
+        vl::zr::Node* node;
+        vl::zr::Mesh* mesh;
+    };
 
     std::unordered_multimap<std::uint64_t, Entry> m_entries;  // by content and cell
-    std::unordered_map<Arrays, std::uint64_t, ArraysHash> m_hashes;
 };
 
 }  // namespace zrt

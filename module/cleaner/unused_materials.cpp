@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <cstddef>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "host/change_record.h"
@@ -16,16 +18,33 @@ using vl::zr::Renderable;
 
 namespace {
 
-// The objects of a scene that use materials. After a break answers mean nothing.
-class MaterialUsers {
-public:
-    explicit MaterialUsers(vl::Array* nodes) {
-        for (Node* node : vl::ArrayOf<Node*>(nodes)) {
-            if (node->m_pObject != nullptr && node->m_pObject->IsKindOf(vl::zr::kKindRenderable)) {
-                m_objects.push_back(static_cast<Renderable*>(node->m_pObject));
-            }
+// Takes out of `materials` those that the scene's objects tell of by themselves; the objects that do not.
+std::vector<Renderable*> DropTold(std::vector<Material*>& materials, vl::Array* nodes,
+                                  const vl::Context* context) {
+    std::vector<Renderable*> silent;
+    std::unordered_set<const vl::Interface*> used;
+    std::unordered_set<const vl::InterfaceArray*> known;  // lists that several objects share
+    for (Node* node : vl::ArrayOf<Node*>(nodes)) {
+        if (zrt::IsBreak(context)) break;
+        if (node->m_pObject == nullptr || !node->m_pObject->IsKindOf(vl::zr::kKindRenderable)) continue;
+        const auto component = vl::Ref<vl::Interface>::Adopt(
+            node->m_pObject->QueryComponent(vl::zr::kComponentMaterials, 0));
+        auto* list = dynamic_cast<vl::InterfaceArray*>(component.Get());
+        if (list == nullptr) {
+            silent.push_back(static_cast<Renderable*>(node->m_pObject));
+        } else if (known.insert(list).second) {
+            for (unsigned i = 0; i < list->GetCount(); ++i) used.insert(list->GetAt(i));
         }
     }
+    std::erase_if(materials, [&](Material* material) { return used.count(material) != 0; });
+    return silent;
+}
+
+// Asks the objects of a scene, one by one, for the materials that they use. After a break answers mean
+// nothing.
+class MaterialUsers {
+public:
+    explicit MaterialUsers(std::vector<Renderable*> objects) : m_objects(std::move(objects)) {}
 
     // Takes the materials out that an object uses. Scenes tend to list materials in the order in which their
     // nodes use them, so each is first looked for where the last one was found. The others are looked for in
@@ -73,7 +92,7 @@ int CCleanerImpl::RemoveUnusedMaterials(vl::zr::Scene* scene, vl::Context* conte
     for (Material* material : vl::ArrayOf<Material*>(scene->m_pMaterials)) {
         if (material != scene->m_pDefaultMaterial) unused.push_back(material);
     }
-    MaterialUsers(scene->m_pNodes).DropUsed(unused, context);
+    MaterialUsers(DropTold(unused, scene->m_pNodes, context)).DropUsed(unused, context);
     for (Material* material : unused) candidates.Add(material);
 
     const int count = zrt::RemoveEach(candidates, context, [&](Material* material) {

@@ -212,13 +212,14 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     auto* blue = scene->AddMaterial("blue", "b");
     auto* red2 = scene->AddMaterial("red again", "r");
     auto geometry = std::make_shared<kernix::MeshGeometry>();
-    geometry->positions.assign(9, 0);
+    geometry->positions = std::make_shared<kernix::Positions>(9, 0.0F);
     geometry->faceIndices = {0, 1, 2, 2, 1, 0};
     const auto attributes = std::make_shared<kernix::FaceAttributes>();
     *attributes = {red2->GetId(), blue->GetId()};
     geometry->Index();
     NodeModel* node = scene->AddNode(nullptr, "n");
-    auto* mesh = new kernix::MeshModel(geometry, attributes, {red2, blue}, 0);
+    auto* mesh = new kernix::MeshModel(
+        geometry, attributes, std::make_shared<kernix::MaterialUses>(std::vector{red2, blue}), 0);
     node->SetObject(Ref<vl::zr::Object3D>::Adopt(mesh));
     EXPECT_EQ(scene->MergeEqualMaterials(), 1);
     EXPECT_EQ(mesh->CountMaterialUses(red, 1), 1);

@@ -77,6 +77,10 @@ public:
     int matrixReads = 0;
 };
 
+bool FindOrAdd(zrt::MeshIndex& index, vl::zr::Node* node, vl::zr::Mesh* mesh) {
+    return index.FindOrAdd(node, mesh, zrt::ContentHashes().Of(*mesh));
+}
+
 TEST(GeometryEqual, EveryPartCounts) {
     struct Case {
         const char* what;
@@ -115,8 +119,8 @@ TEST(GeometryEqual, EveryPartCounts) {
         zrt::MeshIndex index;
         TestNode node;
         TestMesh first;
-        EXPECT_FALSE(index.FindOrAdd(&node, &first));
-        EXPECT_FALSE(index.FindOrAdd(&node, &other)) << c.what;
+        EXPECT_FALSE(FindOrAdd(index, &node, &first));
+        EXPECT_FALSE(FindOrAdd(index, &node, &other)) << c.what;
     }
 }
 
@@ -134,8 +138,8 @@ TEST(GeometryEqual, ComparesWhatIsThere) {
 
     zrt::MeshIndex index;
     TestNode node;
-    EXPECT_FALSE(index.FindOrAdd(&node, &a));
-    EXPECT_TRUE(index.FindOrAdd(&node, &b));
+    EXPECT_FALSE(FindOrAdd(index, &node, &a));
+    EXPECT_TRUE(FindOrAdd(index, &node, &b));
 }
 
 // 1e-6 and 0.9e-6 apart in a row: the second is the first's, the third is not, and stands for the fourth.
@@ -147,10 +151,10 @@ TEST(MeshIndex, ToleranceIsNotTransitive) {
     zrt::MeshIndex index;
     for (int i = 0; i < 4; ++i) {
         nodes[i].world.m[3][1] = places[i];
-        EXPECT_EQ(index.FindOrAdd(&nodes[i], &mesh), found[i]) << i;
+        EXPECT_EQ(FindOrAdd(index, &nodes[i], &mesh), found[i]) << i;
     }
     index.Clear();
-    EXPECT_FALSE(index.FindOrAdd(&nodes[3], &mesh)) << "nothing stays between runs";
+    EXPECT_FALSE(FindOrAdd(index, &nodes[3], &mesh)) << "nothing stays between runs";
 }
 
 // Meshes of a few shapes at places that crowd round each other, at the borders of every grid and far out.
@@ -163,7 +167,7 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
         shapes.back()->positions[0] = static_cast<float>(i / 2);
         shapes.back()->Update();
     }
-    const double bases[] = {0, 1, -1, 0.5 / 1024, 1.5 / 1024, 1e5 / 3, -7e9, 1e13, 1e300};
+    const double bases[] = {0, 1, -1, 0.5 / 65536, 1.5 / 4096, 1e5 / 3, -7e9, 1e13, 1e300};
     const double steps[] = {0, 0.4e-6, 0.8e-6, 9.999999974752427e-07, 1.0001e-6, 1e-3, -0.6e-6};
 
     zrt::MeshIndex index;
@@ -175,6 +179,7 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
         for (int axis = 0; axis < 3; ++axis) {
             if (pick(3) == 0) node->world.m[3][axis] = base + steps[pick(7)];
         }
+        if (pick(20) == 0) node->world.m[pick(3)][pick(3)] = base;
         if (pick(4) == 0) node->world.m[pick(3)][pick(3)] += steps[pick(7)] * (pick(2) == 0 ? 1 : -1);
         if (pick(50) == 0) node->world.m[3][0] = std::numeric_limits<double>::quiet_NaN();
         TestMesh* mesh = shapes[static_cast<std::size_t>(pick(4))].get();
@@ -185,7 +190,7 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
                 plain::GeometryEqual(*mesh, *shape) && plain::TransformsEqual(node.get(), earlier.get());
             if (expected) break;
         }
-        ASSERT_EQ(index.FindOrAdd(node.get(), mesh), expected) << i;
+        ASSERT_EQ(FindOrAdd(index, node.get(), mesh), expected) << i;
         repeats += expected ? 1 : 0;
         if (!expected) different.emplace_back(std::move(node), mesh);
     }
@@ -193,8 +198,9 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
     EXPECT_GT(different.size(), 500U);
 }
 
-// One shape at many places, many shapes of one size at one place, and one shape turned about one place: in
-// each case a node's transform is read a few times however many came before.
+// One shape at many places, also ten micrometres apart; many shapes of one size at one place; one shape turned
+// about one place, also by little: in each case a node's transform is read a few times however many came
+// before.
 TEST(MeshIndex, CostDoesNotGrowWithTheNumber) {
     constexpr int kCount = 3000;
     std::vector<TestNode> nodes(kCount);
@@ -206,13 +212,15 @@ TEST(MeshIndex, CostDoesNotGrowWithTheNumber) {
             auto& node = nodes[static_cast<std::size_t>(i)];
             node.world.IdentityMatrix();
             arrange(i);
-            EXPECT_FALSE(index.FindOrAdd(&node, &meshes[static_cast<std::size_t>(i)]));
+            EXPECT_FALSE(FindOrAdd(index, &node, &meshes[static_cast<std::size_t>(i)]));
         }
         for (auto& node : nodes) total += std::exchange(node.matrixReads, 0);
         return total;
     };
     EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.m[3][2] = i; }), 2 * kCount);
+    EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.m[3][2] = i * 1e-5; }), 6 * kCount);
     EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.RotateY(i * 1e-3); }), 4 * kCount);
+    EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.RotateY(i * 1e-5); }), 100 * kCount);
     EXPECT_LT(reads([&](int i) { meshes[static_cast<std::size_t>(i)].positions[4] = static_cast<float>(i); }),
               2 * kCount);
 }

@@ -171,11 +171,9 @@ void Add(gltf::Collected& total, gltf::Collected more) {
 }
 
 // Notes the steps that could take an element that something refers to in a way that cannot be followed.
-std::array<bool, kCleanSteps> AllowedSteps(Document& document, const CleanOptions& options,
+std::array<bool, kCleanSteps> AllowedSteps(const gltf::Opaque& opaque, const CleanOptions& options,
                                            CleanResult& result) {
     std::array<bool, kCleanSteps> allowed = options.steps;
-    if (options.force) return allowed;
-    const gltf::Opaque opaque = gltf::OpaqueReferences(document);
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         const auto& removes = kCleanStepInfo[step].removes;
         if (!allowed[step] || !removes || !opaque.kinds.Has(*removes)) continue;
@@ -195,10 +193,13 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress) {
     CleanResult result;
-    const std::array<bool, kCleanSteps> allowed = AllowedSteps(document, options, result);
+    const gltf::Opaque opaque = options.force ? gltf::Opaque() : gltf::OpaqueReferences(document);
+    const std::array<bool, kCleanSteps> allowed = AllowedSteps(opaque, options, result);
+    // Nothing that cannot be followed comes in by what goes.
+    const bool followsAll = options.force || opaque.uses.empty();
     const auto collectShown = [&] {
         if (options.keepData) return false;
-        gltf::Collected collected = gltf::CollectGarbage(document, kShownKinds, options.force);
+        gltf::Collected collected = gltf::CollectGarbage(document, kShownKinds, followsAll);
         const bool freesJoints = collected.removed[gltf::Ordinal(Kind::kSkin)] != 0;
         Add(result.collected, std::move(collected));
         return freesJoints;
@@ -226,7 +227,7 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
         result.held.insert(result.held.end(), twins.begin(), twins.end());
     }
     if (!options.keepData)
-        Add(result.collected, gltf::CollectGarbage(document, gltf::kDataKinds, options.force));
+        Add(result.collected, gltf::CollectGarbage(document, gltf::kDataKinds, followsAll));
     progress(1);
     return result;
 }

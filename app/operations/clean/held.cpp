@@ -136,7 +136,9 @@ public:
         for (const auto& node : loaded.Scene().AllNodes()) {
             const kernix::NodeModel* parent = node->GetParent();
             const std::size_t above = parent != nullptr ? IndexOf(*parent) : Surroundings::kNone;
-            m_apart[IndexOf(*node)] = m_surroundings.Enter(IndexOf(*node), above);
+            const gltf::Json& json = loaded.Document().Elements(Kind::kNode)[IndexOf(*node)];
+            m_apart[IndexOf(*node)] =
+                m_surroundings.Enter(IndexOf(*node), above, json.Find("extensions"));
         }
         for (const std::size_t node : loaded.ExtrasNodes()) m_hasMetadata[node] = true;
         const auto materials = loaded.Document().Elements(Kind::kMaterial);
@@ -147,12 +149,11 @@ public:
 
     std::string For(const kernix::NodeModel& node) const {
         const std::size_t index = IndexOf(node);
-        const auto& uses = static_cast<const kernix::MeshModel&>(*node.m_pObject).m_uses;
+        const auto& uses = static_cast<const kernix::MeshModel&>(*node.m_pObject).GetUses()->All();
         if (m_apart[index] != Surroundings::kNone)
             return "below " + WordsFor(m_surroundings.PlaceOf(m_apart[index]));
-        if (std::any_of(uses.begin(), uses.end(), [&](const auto* material) {
-                return material != nullptr && m_isBlended[material->GetId()];
-            }))
+        if (std::any_of(uses.begin(), uses.end(),
+                        [&](const auto* material) { return m_isBlended[material->GetId()]; }))
             return "blended with the mesh that it repeats";
         return m_hasMetadata[index] ? "metadata" : "other nodes above it than above the mesh that it repeats";
     }

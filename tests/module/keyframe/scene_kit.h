@@ -26,12 +26,12 @@ inline Ref<vl::zr::Object3D> Own(vl::zr::Object3D* object) {
 // A mesh of the given content; without vertices it holds nothing.
 inline Ref<vl::zr::Object3D> Mesh(int faces, int lines = 0, bool hasVertices = true) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
-    if (hasVertices) geometry->positions.assign(9, 0.0f);
+    if (hasVertices) geometry->positions = std::make_shared<kernix::Positions>(9, 0.0f);
     for (int i = 0; i < 3 * faces; ++i) geometry->faceIndices.push_back(static_cast<std::uint32_t>(i % 3));
     for (int i = 0; i < 2 * lines; ++i)
         geometry->secondaryIndices.push_back(static_cast<std::uint32_t>(i % 2));
     geometry->Index();
-    return Own(new kernix::MeshModel(std::move(geometry), nullptr, {}, 0));
+    return Own(new kernix::MeshModel(std::move(geometry), nullptr, nullptr, 0));
 }
 
 inline NodeModel* AddCamera(SceneModel& scene, NodeModel* parent, NodeModel* target = nullptr) {
