@@ -6,6 +6,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "app/commands/commands.h"
 #include "app/commands/session.h"
 
 namespace zr {

@@ -114,14 +114,24 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     }
 }
 
-void MeshBuilder::AddUses(const Part& part, Shape& shape) const {
+// Many meshes use the same materials.
+void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
+    Words key;
     const auto add = [&](std::size_t material) {
-        if (m_loaded.Material(material) != nullptr) shape.uses->Add(m_loaded.Material(material));
+        if (m_loaded.Material(material) != nullptr) key.push_back(static_cast<std::uint32_t>(material));
         shape.isBlended =
             shape.isBlended || IsBlended(m_loaded.m_document.Elements(Kind::kMaterial)[material]);
     };
-    if (part.material != nullptr) add(*part.material->Index());
-    for (const Json& mapping : Mappings(part.extensions)) add(IndexMember(mapping, "material"));
+    for (const Part& part : parts) {
+        if (part.material != nullptr) add(*part.material->Index());
+        for (const Json& mapping : Mappings(part.extensions)) add(IndexMember(mapping, "material"));
+    }
+    const auto [number, isNew] = m_usesKeys.Intern(key);
+    if (isNew) {
+        m_uses.push_back(std::make_shared<kernix::MaterialUses>());
+        for (const std::uint32_t material : key) m_uses.back()->Add(m_loaded.Material(material));
+    }
+    shape.uses = m_uses[number];
 }
 
 MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
@@ -261,18 +271,17 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     const Json& json = m_loaded.m_document.Elements(Kind::kMesh)[mesh];
     std::vector<Part> parts;
     Words format;
-    shape.uses = std::make_shared<kernix::MaterialUses>();
     const auto primitives = json.Find("primitives")->Items();
     format.push_back(static_cast<std::uint32_t>(primitives.size()));
     for (const Json& primitive : primitives) {
         parts.push_back(PartOf(primitive));
-        AddUses(parts.back(), shape);
         AddFormat(parts.back(), format);
     }
     for (std::string_view name : {"weights", "extensions"}) {
         const Json* member = json.Find(name);
         format.push_back(member != nullptr ? m_ids.Text(m_ids.Canonical(*member)) : kNone);
     }
+    SetUses(parts, shape);
     DropRepeated(parts, format);
     shape.format = m_formats.Intern(format).number;
     const std::uint32_t lists = ListsOf(parts);

@@ -79,7 +79,7 @@ private:
     void AddLists(const Part& part, std::uint32_t first, std::size_t count,
                   kernix::MeshGeometry& geometry) const;
     std::shared_ptr<kernix::FaceAttributes> AttributesOf(const std::vector<Part>& parts, std::uint32_t lists);
-    void AddUses(const Part& part, Shape& shape) const;
+    void SetUses(const std::vector<Part>& parts, Shape& shape);
     void AddFormat(const Part& part, Words& format);
     std::uint32_t SkinFormat(std::size_t skin);
 
@@ -95,6 +95,8 @@ private:
     std::vector<Lists> m_lists;
     Interner m_verticesKeys;
     std::vector<Vertices> m_vertices;
+    Interner m_usesKeys;
+    std::vector<std::shared_ptr<kernix::MaterialUses>> m_uses;
     Interner m_attributesKeys;
     std::vector<std::shared_ptr<kernix::FaceAttributes>> m_attributes;
 };

@@ -148,7 +148,8 @@ int SceneModel::MergeEqualMaterials() {
         if (mesh->GetUses() && done.insert(mesh->GetUses().get()).second)
             mesh->GetUses()->Replace([&](MaterialModel* use) { return MergedInto(use); });
         const auto& attributes = mesh->GetFaceAttributes();
-        if (!attributes || !done.insert(attributes.get()).second) continue;
+        const bool isShared = attributes.use_count() > 1;
+        if (!attributes || (isShared && !done.insert(attributes.get()).second)) continue;
         for (std::uint32_t& attribute : *attributes) {
             if (attribute < m_mergedInto.size()) attribute = m_mergedInto[attribute]->GetId();
         }

@@ -37,17 +37,17 @@ bool IsEmpty(Node* node) {
     return node->m_pObject == nullptr && node->m_pFirstChild == nullptr && !IsNodeTargetOfCameraOrLight(node);
 }
 
-// The parent of each node, and its place in the scene's list.
+// Of each node that could become empty: its parent that could, and its place in the scene's list.
 class NodeOrder {
 public:
     explicit NodeOrder(vl::Array* nodes) {
-        const vl::ArrayOf<Node*> list(nodes);
-        m_places.reserve(static_cast<std::size_t>(list.Count()));
         int position = 0;
-        for (Node* node : list) {
-            m_places[node].position = position++;
+        for (Node* node : vl::ArrayOf<Node*>(nodes)) {
+            ++position;
+            if (node->m_pObject != nullptr) continue;
+            m_places[node].position = position;
             for (Node* child = node->m_pFirstChild; child != nullptr; child = child->m_pNextSibling) {
-                m_places[child].parent = node;
+                if (child->m_pObject == nullptr) m_places[child].parent = node;
             }
         }
     }

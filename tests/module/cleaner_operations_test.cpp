@@ -42,6 +42,19 @@ private:
     std::function<void()> m_onAsked;
 };
 
+// Answers only when it is asked for one material.
+class QuietObject final : public vl::zr::Renderable {
+public:
+    explicit QuietObject(vl::zr::Material* material) : m_material(material) {}
+    bool IsKindOf(int kind) override { return kind == vl::zr::kKindRenderable; }
+    int GetType() override { return vl::zr::kTypeObject; }
+    vl::Interface* QueryComponent(int, int) override { return nullptr; }
+    int CountMaterialUses(vl::zr::Material* material, int) override { return material == m_material ? 1 : 0; }
+
+private:
+    vl::zr::Material* m_material;
+};
+
 // What the lists, the tree and the layers say about the nodes agrees.
 void ExpectConsistent(SceneModel& scene) {
     std::set<vl::zr::Node*> listed, reached;
@@ -214,6 +227,19 @@ TEST_F(CleanerOperations, MetadataIsClearedNotRecorded) {
     EXPECT_EQ(node->GetMetadata(false)->GetCount(), 0);
     EXPECT_EQ(m_scene->m_pNodes->m_nCount, 3);
     EXPECT_TRUE(m_log->m_lines.empty());
+}
+
+TEST_F(CleanerOperations, MaterialsStayThatObjectsTellOfOrAnswerFor) {
+    auto* asked = m_scene->AddMaterial("asked", "a");
+    auto* told = m_scene->AddMaterial("told", "t");
+    m_scene->AddMaterial("unused", "u");
+    m_scene->AddNode(nullptr, "quiet")->SetObject(Object::Adopt(new QuietObject(asked)));
+    m_scene->AddNode(nullptr, "mesh")->SetObject(MakeMesh(told, 0));
+    m_scene->RemoveMaterial(m_material);
+    EXPECT_EQ(Run(&CCleanerImpl::RemoveUnusedMaterials), 1);
+    std::vector<vl::zr::Material*> left;
+    for (auto* material : vl::ArrayOf<vl::zr::Material*>(m_scene->m_pMaterials)) left.push_back(material);
+    EXPECT_EQ(left, (std::vector<vl::zr::Material*>{asked, told}));
 }
 
 TEST_F(CleanerOperations, PortfoliosGoBeforeModelViewsFromTheLast) {

@@ -90,12 +90,22 @@ public:
             const int count = (m_cleaner.*operation)(&m_scene, m_context, record.Get());
             record->End(u"");
             result.count += static_cast<std::size_t>(count) - m_metadata.TakeSpared();
-            NameRemovals(static_cast<kernix::ChangeRecordModel&>(*record), result.names);
+            const auto& changes = static_cast<kernix::ChangeRecordModel&>(*record);
+            NameRemovals(changes, result.names);
+            m_freed = m_freed || FreesParent(changes);
         } else if (static_cast<CleanStep>(step) == CleanStep::kEqualMaterials) {
             result.count += static_cast<std::size_t>(m_scene.MergeEqualMaterials());
             NameMerged(result.names);
         } else {
             RemoveEnvironment(result);
+        }
+    }
+
+    // A repeated mesh, or a node that holds nothing else, goes once all its children are gone.
+    void RunFreed(const std::array<bool, kCleanSteps>& allowed) {
+        while (std::exchange(m_freed, false) && !m_context->IsBreak()) {
+            for (const CleanStep step : {CleanStep::kMeshDupes, CleanStep::kEmptyNodes})
+                if (allowed[static_cast<std::size_t>(step)]) Run(static_cast<std::size_t>(step));
         }
     }
 
@@ -129,6 +139,16 @@ private:
         }
     }
 
+    static bool FreesParent(const kernix::ChangeRecordModel& record) {
+        const auto& entries = record.GetEntries();
+        return std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+            const auto* node = dynamic_cast<const kernix::NodeModel*>(entry.object.Get());
+            if (node == nullptr || !node->IsDeleted()) return false;
+            const kernix::NodeModel* parent = node->GetParent();
+            return parent != nullptr && !parent->IsDeleted() && parent->m_pFirstChild == nullptr;
+        });
+    }
+
     static void NameRemovals(const kernix::ChangeRecordModel& record, std::vector<std::string>& names) {
         for (const auto& entry : record.GetEntries()) {
             if (entry.change == kernix::ChangeRecordModel::Change::kAnimationItemRemoval) continue;
@@ -157,6 +177,7 @@ private:
     LoadedScene m_loaded;
     SceneModel& m_scene;
     MetadataGuard m_metadata;
+    bool m_freed = false;  // a node lost its last child
 };
 
 void Add(gltf::Collected& total, gltf::Collected more) {
@@ -211,16 +232,19 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
     collectShown();
     for (bool again = true; again;) {
         const std::size_t animations = result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count;
-        Round round(std::move(document), cleaner, environment, context, sceneOptions, result);
+        const auto round = std::make_shared<Round>(std::move(document), cleaner, environment, context,
+                                                   sceneOptions, result);
         for (std::size_t step = 0; step < kCleanSteps && !context->IsBreak(); ++step) {
-            if (allowed[step]) round.Run(step);
+            if (static_cast<CleanStep>(step) == CleanStep::kMaterials) round->RunFreed(allowed);
+            if (allowed[step]) round->Run(step);
             progress(kSceneMade + (kStepsDone - kSceneMade) * static_cast<double>(step + 1) / kCleanSteps);
         }
         if (context->IsBreak()) return result;
-        if (options.explain) round.Explain();
-        document = round.Finish();
+        if (options.explain) round->Explain();
+        document = round->Finish();
         again = collectShown() ||
                 result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count != animations;
+        if (!again && options.retire) options.retire(round);
     }
     if (options.explain && result.steps[static_cast<std::size_t>(CleanStep::kMeshDupes)].ran) {
         const auto twins = HeldTwins(document, cleaner, context, options);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -48,6 +49,8 @@ struct CleanOptions {
     bool keepData = false;          // what nothing refers to any more stays in the file
     bool blended = false;           // also repeated meshes that are blended, though more of them shows more
     bool explain = false;           // fill CleanResult::held
+    // Takes over what the work needed, to be taken apart later or never; null: it is taken apart at once.
+    std::function<void(std::shared_ptr<void>)> retire;
 };
 
 // How a scene is loaded for these options, which must outlive it.

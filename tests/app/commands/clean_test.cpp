@@ -1,260 +1,74 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
-#include "app/operations/clean/clean_scene.h"
 #include "base/text.h"
-#include "gltf/error.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
 
-using gltf::Document;
-using gltf::Kind;
-
-// Three triangles at one place, of which one moves and one repeats the first; an attachment that a channel
-// moves, a joint, an empty branch; materials that are used, equal, used by a variant only, and not used.
-constexpr const char* kScene = R"({
-  "asset": {"version": "2.0"},
-  "extensionsUsed": ["KHR_materials_variants", "EXT_lights_image_based"],
-  "extensions": {
-    "KHR_materials_variants": {"variants": [{"name": "night"}]},
-    "EXT_lights_image_based": {"lights": [{"name": "sky", "irradianceCoefficients": [[0,0,0]],
-      "specularImageSize": 1, "specularImages": []}]}
-  },
-  "scene": 0,
-  "scenes": [{"nodes": [0, 1, 2, 3, 4, 6, 7], "extensions": {"EXT_lights_image_based": {"light": 0}}}],
-  "nodes": [
-    {"name": "first", "mesh": 0, "extras": {"part": 4711}},
-    {"name": "repeated", "mesh": 1},
-    {"name": "moves", "mesh": 1},
-    {"name": "attachment"},
-    {"name": "branch", "children": [5]},
-    {"name": "leaf"},
-    {"name": "joint"},
-    {"name": "skinned", "mesh": 2, "skin": 0}
-  ],
-  "meshes": [
-    {"primitives": [{"attributes": {"POSITION": 0}, "material": 0}]},
-    {"primitives": [{"attributes": {"POSITION": 0}, "material": 1}]},
-    {"primitives": [{"attributes": {"POSITION": 0, "JOINTS_0": 3, "WEIGHTS_0": 4}, "material": 0,
-      "extensions": {"KHR_materials_variants": {"mappings": [{"material": 2, "variants": [0]}]}}}]}
-  ],
-  "skins": [{"joints": [6]}],
-  "materials": [
-    {"name": "red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
-    {"name": "also red", "pbrMetallicRoughness": {"baseColorFactor": [1, 0, 0, 1]}},
-    {"name": "night"},
-    {"name": "unused", "doubleSided": true}
-  ],
-  "animations": [
-    {"name": "run", "samplers": [{"input": 1, "output": 2}],
-     "channels": [{"sampler": 0, "target": {"node": 2, "path": "translation"}},
-                  {"sampler": 0, "target": {"node": 3, "path": "translation"}}]},
-    {"name": "nothing", "samplers": [{"input": 1, "output": 2}],
-     "channels": [{"sampler": 0, "target": {"path": "translation"}}]}
-  ],
-  "accessors": [
-    {"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3", "min": [0, 0, 0], "max": [1, 1, 0]},
-    {"bufferView": 0, "componentType": 5126, "count": 2, "type": "SCALAR", "byteOffset": 8, "min": [0], "max": [1]},
-    {"bufferView": 0, "componentType": 5126, "count": 2, "type": "VEC3"},
-    {"bufferView": 1, "componentType": 5121, "count": 3, "type": "VEC4"},
-    {"bufferView": 2, "componentType": 5126, "count": 3, "type": "VEC4"},
-    {"bufferView": 3, "componentType": 5126, "count": 1, "type": "SCALAR"}
-  ],
-  "bufferViews": [
-    {"buffer": 0, "byteLength": 36},
-    {"buffer": 0, "byteOffset": 36, "byteLength": 12},
-    {"buffer": 0, "byteOffset": 48, "byteLength": 48},
-    {"buffer": 0, "byteOffset": 96, "byteLength": 4}
-  ],
-  "buffers": [{"byteLength": 100}]
-})";
-
-std::string SceneBytes() {
-    return gltf::test::Floats({0, 0, 0, 1, 0, 0, 0, 1, 0}) + std::string(12, '\0') +
-           gltf::test::Floats({1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}) + gltf::test::Floats({7});
-}
-
-Document Scene(const std::string& json = kScene, const std::string& bytes = SceneBytes()) {
-    return Document::FromBytes(BytesOf(gltf::test::Glb(json, bytes)), "scene.glb");
-}
-
-std::string Replaced(std::string text, const std::string& what, const std::string& by) {
-    const std::size_t at = text.find(what);
-    EXPECT_NE(at, std::string::npos);
-    return text.replace(at, what.size(), by);
-}
-
-std::vector<std::string> Names(const Document& document, Kind kind) {
-    std::vector<std::string> names;
-    for (const gltf::Json& element : document.Elements(kind)) {
-        const gltf::Json* name = element.Find("name");
-        names.emplace_back(name != nullptr ? name->String() : "");
-    }
-    return names;
-}
-
-using Strings = std::vector<std::string>;
-
-class CleanDocumentTest : public testing::Test {
+class CleanCommand : public testing::Test {
 protected:
-    CleanDocumentTest() { m_host.LoadModule(); }
-
-    static CleanOptions Unseen() {
-        CleanOptions options;
-        for (std::size_t i = 0; i < kCleanSteps; ++i) options.steps[i] = kCleanStepInfo[i].unseen;
-        return options;
+    // The status of `zr clean` with these arguments, in which % stands for the folder; its output is in "out".
+    int Clean(std::string arguments) const {
+        const std::string folder = (m_folder / "").string();
+        for (std::size_t at; (at = arguments.find('%')) != std::string::npos;) arguments.replace(at, 1, folder);
+        const int status =
+            std::system((ZR_PROGRAM " clean " + arguments + " >" + folder + "out 2>" + folder + "err").c_str());
+        return WEXITSTATUS(status);
     }
 
-    CleanResult Clean(Document& document, const CleanOptions& options) {
-        const auto cleaner = m_host.Create<zr_CLEANER>(kTypeCleaner);
-        return CleanDocument(document, *cleaner, m_environment, m_context.Get(), options, [](double) {});
+    void Write(const std::string& name, const std::string& nodes) const {
+        std::string roots;
+        const auto count = static_cast<std::size_t>(std::count(nodes.begin(), nodes.end(), '{'));
+        for (std::size_t i = 0; i < count; ++i) roots += Join(i == 0 ? "" : ",", i);
+        m_folder.Write(name, Join(R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[)", roots,
+                                  R"(]}],"nodes":[)", nodes,
+                                  R"(],"cameras":[{"type":"perspective","perspective":{"yfov":1,"znear":1}}],
+            "materials":[{"name":"unused"}]})"));
     }
 
-    const Strings& NamesOf(const CleanResult& result, CleanStep step) {
-        return result.steps[static_cast<std::size_t>(step)].names;
-    }
-
-    Host m_host{"en"};
-    EnvironmentService m_environment{m_host};
-    vl::Ref<vl::Context> m_context = vl::Ref<vl::Context>::Adopt(kernix::CreateContext());
+    gltf::test::TemporaryFolder m_folder;
 };
 
-TEST_F(CleanDocumentTest, TakesWhatNobodySees) {
-    Document document = Scene();
-    const CleanResult result = Clean(document, Unseen());
-    EXPECT_EQ(NamesOf(result, CleanStep::kEqualMaterials), Strings{"also red"});
-    EXPECT_EQ(NamesOf(result, CleanStep::kMeshDupes), Strings{"repeated"});
-    EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), (Strings{"leaf", "branch"}));
-    EXPECT_EQ(NamesOf(result, CleanStep::kMaterials), Strings{"unused"});
-    EXPECT_EQ(NamesOf(result, CleanStep::kAnimations), Strings{"nothing"});
-    EXPECT_FALSE(result.steps[static_cast<std::size_t>(CleanStep::kMetadata)].ran);
-    EXPECT_EQ(Names(document, Kind::kNode), (Strings{"first", "moves", "attachment", "joint", "skinned"}));
-    EXPECT_EQ(Names(document, Kind::kMaterial), (Strings{"red", "night"}));
-    EXPECT_EQ(Names(document, Kind::kAnimation), Strings{"run"});
-    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 5U) << "the one that nothing referred to went";
-    EXPECT_EQ(document.BufferBytes(0)->size(), 96U);
-
-    const Bytes bytes = *document.BufferBytes(0);
-    Document again = Scene(gltf::WriteJson(document.Root(), false),
-                           std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-    const CleanResult second = Clean(again, Unseen());
-    for (std::size_t i = 0; i < kCleanSteps; ++i)
-        EXPECT_EQ(second.steps[i].count, 0U) << kCleanStepInfo[i].name;
-    EXPECT_TRUE(gltf::EqualJson(again.Root(), document.Root())) << gltf::WriteJson(again.Root(), true);
-}
-
-TEST_F(CleanDocumentTest, SaysWhatHoldsTheRest) {
-    Document document = Scene();
-    Strings held;
-    for (const HeldElement& element : Clean(document, Unseen()).held) {
-        held.push_back(element.name + ": " + element.holder.substr(0, element.holder.find(" (")));
-    }
-    std::sort(held.begin(), held.end());
-    EXPECT_EQ(held,
-              (Strings{"attachment: channel of animation 0", "joint: joint of skin 0", "night: variant"}));
-}
-
-TEST_F(CleanDocumentTest, KeepsNamesAndDataOnRequest) {
-    Document document = Scene();
-    CleanOptions options = Unseen();
-    options.keep = {"le*", "[u]nused", "nothing"};
-    options.keepData = true;
-    Clean(document, options);
-    EXPECT_EQ(Names(document, Kind::kNode),
-              (Strings{"first", "moves", "attachment", "branch", "leaf", "joint", "skinned"}));
-    EXPECT_EQ(Names(document, Kind::kMaterial), (Strings{"red", "night", "unused"}));
-    EXPECT_EQ(document.Elements(Kind::kAnimation).size(), 2U);
-    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 6U);
-}
-
-TEST_F(CleanDocumentTest, AllTakesMetadataAndEnvironmentToo) {
-    Document document = Scene();
-    CleanOptions options;
-    options.steps.fill(true);
-    const CleanResult result = Clean(document, options);
-    EXPECT_EQ(NamesOf(result, CleanStep::kMetadata), Strings{"first"});
-    EXPECT_EQ(NamesOf(result, CleanStep::kEnvironment), Strings{"sky"});
-    const std::string text = gltf::WriteJson(document.Root(), false);
-    EXPECT_EQ(text.find("extras"), std::string::npos);
-    EXPECT_EQ(text.find("EXT_lights_image_based"), std::string::npos);
-}
-
-// An extension that is not known may hold the index of a node: nodes stay, the other steps run.
-TEST_F(CleanDocumentTest, LeavesAloneWhatAnUnknownExtensionCouldMean) {
-    const std::string json = Replaced(kScene, R"("extensions": {
-    "KHR)",
-                                      R"("extensions": {"X_unknown": {"node": 5},
-    "KHR)");
-    Document document = Scene(json);
-    const CleanResult result = Clean(document, Unseen());
-    for (const CleanStep step : {CleanStep::kEmptyNodes, CleanStep::kMeshDupes}) {
-        const StepResult& refused = result.steps[static_cast<std::size_t>(step)];
-        EXPECT_FALSE(refused.ran);
-        ASSERT_EQ(refused.refusals.size(), 1U);
-        EXPECT_EQ(refused.refusals[0].extension, "X_unknown");
-    }
-    EXPECT_EQ(document.Elements(Kind::kNode).size(), 8U);
-    EXPECT_EQ(NamesOf(result, CleanStep::kMaterials), Strings{"unused"});
-
-    Document forced = Scene(json);
-    CleanOptions options = Unseen();
-    options.force = true;
-    EXPECT_EQ(NamesOf(Clean(forced, options), CleanStep::kEmptyNodes), (Strings{"leaf", "branch"}));
-}
-
-// A sound, a label: an extension on a node that refers to nothing and shows something.
-TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
-    Document document =
-        Scene(Replaced(kScene, R"({"name": "leaf")", R"({"extensions": {"X_label": {"text": "here"}},
-      "name": "leaf")"));
-    const CleanResult result = Clean(document, Unseen());
-    EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), Strings{});
-    EXPECT_TRUE(std::any_of(result.held.begin(), result.held.end(), [](const HeldElement& held) {
-        return held.name == "leaf" && held.holder.starts_with("extension X_label (/nodes/");
-    }));
-}
-
-// The nodes that only an animation without a view moves go when it has gone.
-TEST_F(CleanDocumentTest, GoesOnWhileSomethingIsSetFree) {
-    std::string json = Replaced(kScene, R"("extensions": {
-    "KHR)",
-                                R"("extensions": {"ZR_scene": {"viewports": [{"kind": 2, "animations": [1]}]},
-    "KHR)");
-    json = Replaced(json, R"("EXT_lights_image_based"],)", R"("EXT_lights_image_based", "ZR_scene"],)");
-    Document document = Scene(json);
-    const CleanResult result = Clean(document, Unseen());
-    EXPECT_EQ(NamesOf(result, CleanStep::kAnimations), Strings{"run"});
-    EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), (Strings{"leaf", "branch", "attachment"}));
-}
-
-TEST(CleanCommand, CleansScenesTogetherAsItCleansEachAlone) {
-    const gltf::test::TemporaryFolder folder;
+TEST_F(CleanCommand, CleansScenesTogetherAsItCleansEachAlone) {
     std::string scenes;
     for (int i = 0; i < 8; ++i) {
-        const std::string name = Join("scene", i, ".glb");
-        const std::string json = Replaced(kScene, "\"sky\"", Join("\"sky ", i, "\""));
-        folder.Write(name, gltf::test::Glb(json, SceneBytes()));
-        scenes += Join(" ", (folder / name).string());
+        Write(Join("scene", i, ".gltf"), Join(R"({"name":"seen )", i, R"(","camera":0},{"name":"empty"})"));
+        scenes += Join(" %scene", i, ".gltf");
     }
-    const auto clean = [&](const std::string& jobs, const char* out) {
-        return std::system((ZR_PROGRAM " clean --all --jobs " + jobs + " --out-dir " +
-                            (folder / out).string() + scenes + " >" + (folder / out).string() + ".txt")
-                               .c_str());
-    };
-    EXPECT_EQ(clean("3", "together"), 0);
-    EXPECT_EQ(clean("1", "alone"), 0);
-    EXPECT_NE(folder.Read("alone/scene0.glb"), "");
+    EXPECT_EQ(Clean("--all --jobs 3 --out-dir %together" + scenes), 0);
+    EXPECT_EQ(Clean("--all --jobs 1 --out-dir %alone" + scenes), 0);
     for (int i = 0; i < 8; ++i) {
-        const std::string name = Join("/scene", i, ".glb");
-        EXPECT_EQ(folder.Read("together" + name), folder.Read("alone" + name));
+        const std::string name = Join("/scene", i, ".gltf");
+        EXPECT_NE(m_folder.Read("alone" + name), "");
+        EXPECT_EQ(m_folder.Read("alone" + name).find("empty"), std::string::npos);
+        EXPECT_EQ(m_folder.Read("together" + name), m_folder.Read("alone" + name));
     }
+}
+
+// A list takes one word, so the files may stand anywhere; it has commas, or the option is given again.
+TEST_F(CleanCommand, ListsLeaveTheFilesAlone) {
+    Write("in.gltf", R"({"name":"seen","camera":0},{"name":"alpha"},{"name":"beta"},{"name":"gamma"})");
+    const auto left = [&](const std::string& arguments) {
+        EXPECT_EQ(Clean(arguments), 0) << arguments << ": " << m_folder.Read("err");
+        const std::string text = m_folder.Read("out.gltf");
+        std::string names;
+        for (const char* name : {"alpha", "beta", "gamma", "unused"})
+            if (text.find(name) != std::string::npos) names += name[0];
+        return names;
+    };
+    EXPECT_EQ(left("--only materials %in.gltf %out.gltf"), "abg");
+    EXPECT_EQ(left("--only=materials,layers %in.gltf %out.gltf"), "abg");
+    EXPECT_EQ(left("%in.gltf --skip materials %out.gltf"), "u");
+    EXPECT_EQ(left("--keep 'a*,b*' %in.gltf %out.gltf"), "ab");
+    EXPECT_EQ(left("--keep 'a*' --keep 'g*' --skip materials %in.gltf %out.gltf"), "agu");
+    EXPECT_EQ(Clean("--only materials,nonsense %in.gltf %out.gltf"), 2);
 }
 
 }  // namespace

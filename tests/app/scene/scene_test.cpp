@@ -6,6 +6,7 @@
 
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
+#include "base/text.h"
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
 #include "host/array.h"
@@ -116,6 +117,63 @@ TEST(LoadedScene, MeshesShareGeometryAndDifferInFormatByWhatIsDrawn) {
     }
 }
 
+// A small file can name one accessor a thousand times; what it names is held once, and so are the uses.
+TEST(LoadedScene, PrimitivesThatShareVerticesHoldThemOnce) {
+    std::string primitives;
+    for (int i = 0; i < 1000; ++i)
+        primitives += Join(i == 0 ? "" : ",", R"({"attributes":{"POSITION":0},"material":)", i % 2, "}");
+    LoadedScene loaded(gltf::test::FromText(Join(
+        R"({"asset":{"version":"2.0"},"nodes":[{"mesh":0},{"mesh":0},{"mesh":1}],"materials":[{},{"doubleSided":true}],
+        "meshes":[{"primitives":[)",
+        primitives, R"(]},{"primitives":[{"attributes":{"POSITION":0},"material":0},
+        {"attributes":{"POSITION":0},"material":1}]}],
+        "accessors":[{"componentType":5126,"count":3,"type":"VEC3"}]})")));
+    const auto mesh = [&](std::size_t node) {
+        return static_cast<kernix::MeshModel*>(loaded.Node(node)->m_pObject);
+    };
+    EXPECT_EQ(mesh(0)->m_nVertices, 3U);
+    EXPECT_EQ(mesh(0)->m_nFaces, 2U);
+    EXPECT_EQ(mesh(0)->m_pFaceAttributes[1], 1U);
+    EXPECT_EQ(mesh(0)->CountMaterialUses(loaded.Material(1), 1), 500);
+    EXPECT_EQ(mesh(0)->GetUses(), mesh(1)->GetUses());
+    EXPECT_EQ(mesh(0)->m_pPositions, mesh(2)->m_pPositions);
+    EXPECT_EQ(mesh(0)->m_nFormat, mesh(1)->m_nFormat);
+    EXPECT_NE(mesh(0)->m_nFormat, mesh(2)->m_nFormat) << "a thousand primitives are not two";
+}
+
+// Equal bytes are equal whatever lies between them; the same bytes read in another way are not.
+TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
+    std::string bin = gltf::test::Floats({0, 0, 0, 1, 0, 0, 0, 1, 0}) +
+                      gltf::test::Floats({0, 0, 0, 9, 1, 0, 0, 9, 0, 1, 0, 9}) +
+                      gltf::test::Floats({0, 0, 0, 1, 0, 0, 0, 2, 0});
+    const auto node = [](int normal) { return Join(R"({"mesh":)", normal, "}"); };
+    const auto meshOf = [](int normal) {
+        return Join(R"({"primitives":[{"attributes":{"POSITION":0,"NORMAL":)", normal, "}}]}");
+    };
+    std::string nodes, meshes;
+    for (int i = 0; i < 4; ++i) {
+        nodes += (i == 0 ? "" : ",") + node(i);
+        meshes += (i == 0 ? "" : ",") + meshOf(i);
+    }
+    LoadedScene loaded(gltf::Document::FromBytes(
+        BytesOf(gltf::test::Glb(
+            Join(R"({"asset":{"version":"2.0"},"nodes":[)", nodes, R"(],"meshes":[)", meshes, R"(],"accessors":[
+        {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"},
+        {"bufferView":1,"componentType":5126,"count":3,"type":"VEC3"},
+        {"bufferView":2,"componentType":5126,"count":3,"type":"VEC3"},
+        {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],"bufferViews":[
+        {"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":48,"byteStride":16},
+        {"buffer":0,"byteOffset":84,"byteLength":36}],"buffers":[{"byteLength":120}]})"),
+            bin)),
+        "accessors.glb"));
+    const auto format = [&](std::size_t i) {
+        return static_cast<kernix::MeshModel*>(loaded.Node(i)->m_pObject)->m_nFormat;
+    };
+    EXPECT_EQ(format(0), format(1)) << "interleaved";
+    EXPECT_NE(format(0), format(2));
+    EXPECT_EQ(format(0), format(3)) << "another accessor of the same bytes";
+}
+
 TEST(LoadedScene, MotionAndReferencesSetFormatsApart) {
     const auto formats = [](std::string_view channels, std::string_view more) {
         LoadedScene loaded(gltf::test::FromText(
@@ -193,6 +251,25 @@ TEST(WriteBack, NothingChangedChangesNothing) {
         loaded.WriteBack();
         EXPECT_EQ(gltf::WriteJson(loaded.Document().Root(), false), before);
     }
+}
+
+// An index that cannot be followed would name another element afterwards.
+TEST(WriteBack, RefusesToRenumberWhatCannotBeFollowed) {
+    const auto removeFirst = [](std::string_view extension, bool force) {
+        SceneOptions options;
+        options.force = force;
+        LoadedScene loaded(gltf::test::FromText(Join(
+                               R"({"asset":{"version":"2.0"},"nodes":[{"name":"a"},{"name":"b"}],"extensions":{"X_pose":)",
+                               extension, "}}")),
+                           options);
+        loaded.Node(0)->Delete(0);
+        loaded.WriteBack();
+        return loaded.Document().Elements(Kind::kNode).size();
+    };
+    EXPECT_THROW(removeFirst(R"({"node":1})", false), gltf::Error);
+    EXPECT_THROW(removeFirst(R"({"target":"/nodes/1/translation"})", false), gltf::Error);
+    EXPECT_EQ(removeFirst(R"({"meshIndex":1})", false), 1U);
+    EXPECT_EQ(removeFirst(R"({"node":1})", true), 1U);
 }
 
 TEST(WriteBack, RemovalsReachTheDocument) {
