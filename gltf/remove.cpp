@@ -189,8 +189,8 @@ void ForgetExtensions(Document& document, const std::set<std::string, std::less<
 }  // namespace
 
 void RemoveElements(Document& document, const Removal& removal) {
-    const bool listsExtensions =
-        document.Root().Find("extensionsUsed") != nullptr || document.Root().Find("extensionsRequired") != nullptr;
+    const bool listsExtensions = document.Root().Find("extensionsUsed") != nullptr ||
+                                 document.Root().Find("extensionsRequired") != nullptr;
     std::set<std::string, std::less<>> extensions;
     if (!IsEmpty(removal)) {
         CheckRemovable(document, removal);

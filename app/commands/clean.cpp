@@ -114,16 +114,15 @@ private:
 int RunClean(Session& session, const Arguments& arguments) {
     const std::vector<Task> tasks = PlanTasks(arguments.files, kSceneFiles, !arguments.dryRun);
     Cleaning cleaning(session, arguments, tasks.size());
-    return RunBatch(session, "clean", arguments.files, tasks, [&](const Task& task, const Advance& advance) {
-        return cleaning.Run(task, advance);
-    });
+    return RunBatch(session, "clean", arguments.files, tasks,
+                    [&](const Task& task, const Advance& advance) { return cleaning.Run(task, advance); });
 }
 
 int RunDialog(Session& session, const Arguments& arguments) {
     const Task task = PlanTasks(arguments.files, kSceneFiles).front();
     Report report;
-    if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output),
-                      session.GetHost(), arguments.options))
+    if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output), session.GetHost(),
+                      arguments.options))
         return 0;
     constexpr int kStopped = 130;
     std::fprintf(stderr, "zr: cancelled: nothing was cleaned and nothing written\n");

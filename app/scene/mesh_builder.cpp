@@ -15,7 +15,15 @@ using gltf::IndexMember;
 using gltf::Json;
 using gltf::Kind;
 
-enum Mode : std::uint32_t { kPoints, kLines, kLineLoop, kLineStrip, kTriangles, kTriangleStrip, kTriangleFan };
+enum Mode : std::uint32_t {
+    kPoints,
+    kLines,
+    kLineLoop,
+    kLineStrip,
+    kTriangles,
+    kTriangleStrip,
+    kTriangleFan
+};
 
 // Turns the vertex order of a primitive into triangles or pairs.
 void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,

@@ -15,9 +15,9 @@ namespace {
 
 // Extensions of a node that concern the node alone.
 constexpr std::string_view kOwnExtensions[] = {
-    "EXT_instance_features", "EXT_lights_ies",     "EXT_mesh_gpu_instancing", "KHR_audio_emitter",
-    "KHR_lights_punctual",   "KHR_xmp",            "KHR_xmp_json_ld",         "MSFT_audio_emitter",
-    "ZR_scene",
+    "EXT_instance_features", "EXT_lights_ies",      "EXT_mesh_gpu_instancing",
+    "KHR_audio_emitter",     "KHR_lights_punctual", "KHR_xmp",
+    "KHR_xmp_json_ld",       "MSFT_audio_emitter",  "ZR_scene",
 };
 
 const gltf::JsonMember* SharedExtension(const Json* extensions) {

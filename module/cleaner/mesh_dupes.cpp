@@ -51,8 +51,8 @@ std::vector<Node*> CCleanerImpl::DuplicateMeshes(vl::Array* nodes, const vl::Con
         return a.content != b.content ? a.content < b.content : a.order < b.order;
     });
     for (auto first = meshes.begin(); first != meshes.end();) {
-        const auto last = std::find_if(
-            first, meshes.end(), [&](const Candidate& mesh) { return mesh.content != first->content; });
+        const auto last = std::find_if(first, meshes.end(),
+                                       [&](const Candidate& mesh) { return mesh.content != first->content; });
         if (last - first == 1) {
             first = last;
             continue;

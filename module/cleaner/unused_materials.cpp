@@ -27,8 +27,8 @@ std::vector<Renderable*> DropTold(std::vector<Material*>& materials, vl::Array* 
     for (Node* node : vl::ArrayOf<Node*>(nodes)) {
         if (zrt::IsBreak(context)) break;
         if (node->m_pObject == nullptr || !node->m_pObject->IsKindOf(vl::zr::kKindRenderable)) continue;
-        const auto component = vl::Ref<vl::Interface>::Adopt(
-            node->m_pObject->QueryComponent(vl::zr::kComponentMaterials, 0));
+        const auto component =
+            vl::Ref<vl::Interface>::Adopt(node->m_pObject->QueryComponent(vl::zr::kComponentMaterials, 0));
         auto* list = dynamic_cast<vl::InterfaceArray*>(component.Get());
         if (list == nullptr) {
             silent.push_back(static_cast<Renderable*>(node->m_pObject));

@@ -218,8 +218,8 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     *attributes = {red2->GetId(), blue->GetId()};
     geometry->Index();
     NodeModel* node = scene->AddNode(nullptr, "n");
-    auto* mesh = new kernix::MeshModel(
-        geometry, attributes, std::make_shared<kernix::MaterialUses>(std::vector{red2, blue}), 0);
+    auto* mesh = new kernix::MeshModel(geometry, attributes,
+                                       std::make_shared<kernix::MaterialUses>(std::vector{red2, blue}), 0);
     node->SetObject(Ref<vl::zr::Object3D>::Adopt(mesh));
     EXPECT_EQ(scene->MergeEqualMaterials(), 1);
     EXPECT_EQ(mesh->CountMaterialUses(red, 1), 1);

@@ -198,9 +198,9 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
     EXPECT_GT(different.size(), 500U);
 }
 
-// One shape at many places, also ten micrometres apart; many shapes of one size at one place; one shape turned
-// about one place, also by little: in each case a node's transform is read a few times however many came
-// before.
+// One shape at many places, also ten micrometres apart; many shapes of one size at one place; one shape
+// turned about one place, also by little: in each case a node's transform is read a few times however many
+// came before.
 TEST(MeshIndex, CostDoesNotGrowWithTheNumber) {
     constexpr int kCount = 3000;
     std::vector<TestNode> nodes(kCount);
@@ -220,7 +220,8 @@ TEST(MeshIndex, CostDoesNotGrowWithTheNumber) {
     EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.m[3][2] = i; }), 2 * kCount);
     EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.m[3][2] = i * 1e-5; }), 6 * kCount);
     EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.RotateY(i * 1e-3); }), 4 * kCount);
-    EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.RotateY(i * 1e-5); }), 150 * kCount);
+    EXPECT_LT(reads([&](int i) { nodes[static_cast<std::size_t>(i)].world.RotateY(i * 1e-5); }),
+              150 * kCount);
     EXPECT_LT(reads([&](int i) { meshes[static_cast<std::size_t>(i)].positions[4] = static_cast<float>(i); }),
               2 * kCount);
 }

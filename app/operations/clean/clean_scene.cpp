@@ -232,8 +232,8 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
     collectShown();
     for (bool again = true; again;) {
         const std::size_t animations = result.steps[static_cast<std::size_t>(CleanStep::kAnimations)].count;
-        const auto round = std::make_shared<Round>(std::move(document), cleaner, environment, context,
-                                                   sceneOptions, result);
+        const auto round =
+            std::make_shared<Round>(std::move(document), cleaner, environment, context, sceneOptions, result);
         for (std::size_t step = 0; step < kCleanSteps && !context->IsBreak(); ++step) {
             if (static_cast<CleanStep>(step) == CleanStep::kMaterials) round->RunFreed(allowed);
             if (allowed[step]) round->Run(step);

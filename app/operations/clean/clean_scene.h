@@ -80,7 +80,7 @@ struct HeldElement {
 struct CleanResult {
     std::array<StepResult, kCleanSteps> steps;
     std::vector<HeldElement> held;  // with CleanOptions::explain
-    gltf::Collected collected;  // elements without a reference
+    gltf::Collected collected;      // elements without a reference
 };
 
 // Cleans the document in place with the module's cleaner, until nothing more goes: a second cleaning of the

@@ -137,8 +137,7 @@ public:
             const kernix::NodeModel* parent = node->GetParent();
             const std::size_t above = parent != nullptr ? IndexOf(*parent) : Surroundings::kNone;
             const gltf::Json& json = loaded.Document().Elements(Kind::kNode)[IndexOf(*node)];
-            m_apart[IndexOf(*node)] =
-                m_surroundings.Enter(IndexOf(*node), above, json.Find("extensions"));
+            m_apart[IndexOf(*node)] = m_surroundings.Enter(IndexOf(*node), above, json.Find("extensions"));
         }
         for (const std::size_t node : loaded.ExtrasNodes()) m_hasMetadata[node] = true;
         const auto materials = loaded.Document().Elements(Kind::kMaterial);

@@ -14,12 +14,14 @@ namespace {
 
 class CleanCommand : public testing::Test {
 protected:
-    // The status of `zr clean` with these arguments, in which % stands for the folder; its output is in "out".
+    // The status of `zr clean` with these arguments, in which % stands for the folder; its output is in
+    // "out".
     int Clean(std::string arguments) const {
         const std::string folder = (m_folder / "").string();
-        for (std::size_t at; (at = arguments.find('%')) != std::string::npos;) arguments.replace(at, 1, folder);
-        const int status =
-            std::system((ZR_PROGRAM " clean " + arguments + " >" + folder + "out 2>" + folder + "err").c_str());
+        for (std::size_t at; (at = arguments.find('%')) != std::string::npos;)
+            arguments.replace(at, 1, folder);
+        const int status = std::system(
+            (ZR_PROGRAM " clean " + arguments + " >" + folder + "out 2>" + folder + "err").c_str());
         return WEXITSTATUS(status);
     }
 

@@ -156,15 +156,15 @@ TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
         meshes += (i == 0 ? "" : ",") + meshOf(i);
     }
     LoadedScene loaded(gltf::Document::FromBytes(
-        BytesOf(gltf::test::Glb(
-            Join(R"({"asset":{"version":"2.0"},"nodes":[)", nodes, R"(],"meshes":[)", meshes, R"(],"accessors":[
+        BytesOf(gltf::test::Glb(Join(R"({"asset":{"version":"2.0"},"nodes":[)", nodes, R"(],"meshes":[)",
+                                     meshes, R"(],"accessors":[
         {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"},
         {"bufferView":1,"componentType":5126,"count":3,"type":"VEC3"},
         {"bufferView":2,"componentType":5126,"count":3,"type":"VEC3"},
         {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],"bufferViews":[
         {"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":48,"byteStride":16},
         {"buffer":0,"byteOffset":84,"byteLength":36}],"buffers":[{"byteLength":120}]})"),
-            bin)),
+                                bin)),
         "accessors.glb"));
     const auto format = [&](std::size_t i) {
         return static_cast<kernix::MeshModel*>(loaded.Node(i)->m_pObject)->m_nFormat;
@@ -258,10 +258,11 @@ TEST(WriteBack, RefusesToRenumberWhatCannotBeFollowed) {
     const auto removeFirst = [](std::string_view extension, bool force) {
         SceneOptions options;
         options.force = force;
-        LoadedScene loaded(gltf::test::FromText(Join(
-                               R"({"asset":{"version":"2.0"},"nodes":[{"name":"a"},{"name":"b"}],"extensions":{"X_pose":)",
-                               extension, "}}")),
-                           options);
+        LoadedScene loaded(
+            gltf::test::FromText(Join(
+                R"({"asset":{"version":"2.0"},"nodes":[{"name":"a"},{"name":"b"}],"extensions":{"X_pose":)",
+                extension, "}}")),
+            options);
         loaded.Node(0)->Delete(0);
         loaded.WriteBack();
         return loaded.Document().Elements(Kind::kNode).size();

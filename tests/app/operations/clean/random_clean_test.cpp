@@ -35,9 +35,10 @@ public:
             list += Join(list.empty() ? "" : ",", i);
         }
         for (const std::string& below : children) nodes.push_back(Node(below));
-        json = Join(R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_node_visibility"],"scenes":[{"nodes":[)",
-                    roots, "]}],", R"("nodes":[)", List(nodes), R"(],"meshes":[)", List(Meshes()),
-                    R"(],"materials":[{"name":"red","doubleSided":true},{"name":"glass","alphaMode":"BLEND"},
+        json = Join(
+            R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_node_visibility"],"scenes":[{"nodes":[)",
+            roots, "]}],", R"("nodes":[)", List(nodes), R"(],"meshes":[)", List(Meshes()),
+            R"(],"materials":[{"name":"red","doubleSided":true},{"name":"glass","alphaMode":"BLEND"},
             {"name":"also red","doubleSided":true},{"name":"blue"},{"name":"unused","alphaCutoff":0.25}],
             "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"},
             {"bufferView":1,"componentType":5126,"count":3,"type":"VEC3"},
@@ -45,7 +46,7 @@ public:
             {"bufferView":3,"componentType":5126,"count":2,"type":"SCALAR","min":[0],"max":[1]},
             {"bufferView":4,"componentType":5126,"count":2,"type":"VEC3"}],
             "animations":[{"samplers":[{"input":3,"output":4}],"channels":[)",
-                    Channel(kNodes), ",", Channel(kNodes), R"(]}],
+            Channel(kNodes), ",", Channel(kNodes), R"(]}],
             "bufferViews":[{"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":36},
             {"buffer":0,"byteOffset":72,"byteLength":36},{"buffer":0,"byteOffset":108,"byteLength":8},
             {"buffer":0,"byteOffset":116,"byteLength":24}],"buffers":[{"byteLength":140}]})");
@@ -84,8 +85,8 @@ private:
         for (int i = 0; i < 4; ++i) {
             std::string primitives;
             for (int k = 0; k <= Pick(2); ++k)
-                primitives += Join(k == 0 ? "" : ",", R"({"attributes":{"POSITION":)", Pick(3), R"(},"material":)",
-                                   Pick(4), "}");
+                primitives += Join(k == 0 ? "" : ",", R"({"attributes":{"POSITION":)", Pick(3),
+                                   R"(},"material":)", Pick(4), "}");
             meshes.push_back(Join(R"({"primitives":[)", primitives, "]}"));
         }
         return meshes;
@@ -139,8 +140,8 @@ private:
         for (const Json& primitive : m_document.Elements(Kind::kMesh)[mesh].Find("primitives")->Items()) {
             const Json& material = m_document.Elements(Kind::kMaterial)[*primitive.Find("material")->Index()];
             const Json* mode = material.Find("alphaMode");
-            const Json& accessor =
-                m_document.Elements(Kind::kAccessor)[*primitive.Find("attributes")->Find("POSITION")->Index()];
+            const Json& accessor = m_document.Elements(
+                Kind::kAccessor)[*primitive.Find("attributes")->Find("POSITION")->Index()];
             const Bytes bytes = *m_document.ViewBytes(*accessor.Find("bufferView")->Index());
             std::array<float, 9> corners;
             std::memcpy(corners.data(), bytes.data(), sizeof corners);
@@ -165,7 +166,8 @@ TEST_F(RandomCleanTest, WhatIsDrawnStaysAndNothingIsLeftToDo) {
     for (unsigned seed = 1; seed <= 150; ++seed) {
         const RandomScene scene(seed);
         const auto load = [&] {
-            return Document::FromBytes(BytesOf(gltf::test::Glb(scene.json, RandomScene::Bin())), "random.glb");
+            return Document::FromBytes(BytesOf(gltf::test::Glb(scene.json, RandomScene::Bin())),
+                                       "random.glb");
         };
         const Document before = load();
         Document document = load();

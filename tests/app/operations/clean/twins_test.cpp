@@ -56,31 +56,32 @@ TEST_F(TwinsTest, WhatAncestorsCarrySetsApart) {
     for (const Case& c : cases) {
         const std::string extensions =
             *c.extensions != '\0' ? Join(R"(,"extensions":{)", c.extensions, "}") : std::string();
-        Document document = Scene("0,2,3", Join(R"({"children":[1])", extensions,
-                                                R"(},{"name":"below","mesh":0},{"name":"alone","mesh":0},
+        Document document = Scene("0,2,3",
+                                  Join(R"({"children":[1])", extensions,
+                                       R"(},{"name":"below","mesh":0},{"name":"alone","mesh":0},
                                                 {"name":"also alone","mesh":0},{"mesh":0,"name":"far"})"),
                                   c.more);
         const CleanResult result = Clean(document, Unseen());
-        const Strings expected =
-            c.repeats ? Strings{"alone", "also alone"} : Strings{"also alone"};
+        const Strings expected = c.repeats ? Strings{"alone", "also alone"} : Strings{"also alone"};
         EXPECT_EQ(NamesOf(result, CleanStep::kMeshDupes), expected) << c.what;
         const Strings held = Held(result);
-        const bool isHeld = std::any_of(held.begin(), held.end(), [](const std::string& line) {
-            return line.starts_with("alone: ");
-        });
+        const bool isHeld = std::any_of(held.begin(), held.end(),
+                                        [](const std::string& line) { return line.starts_with("alone: "); });
         EXPECT_EQ(isHeld, !c.repeats) << c.what;
     }
 }
 
 TEST_F(TwinsTest, BelowOneNodeAllAreAlike) {
-    Document document = Scene("0", R"({"children":[1,2],"extensions":{"KHR_node_visibility":{"visible":false}}},
+    Document document =
+        Scene("0", R"({"children":[1,2],"extensions":{"KHR_node_visibility":{"visible":false}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
     EXPECT_EQ(NamesOf(Clean(document, Unseen()), CleanStep::kMeshDupes), Strings{"second"});
 }
 
 // One child of a selector is shown, the others are not.
 TEST_F(TwinsTest, ChildrenOfASelectorAreChoices) {
-    Document document = Scene("0", R"({"children":[1,2],"extensions":{"ZR_scene":{"selector":true,"selected":2}}},
+    Document document =
+        Scene("0", R"({"children":[1,2],"extensions":{"ZR_scene":{"selector":true,"selected":2}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
     EXPECT_EQ(NamesOf(Clean(document, Unseen()), CleanStep::kMeshDupes), Strings{});
 }
