@@ -20,7 +20,7 @@ using Positions = std::vector<float>;  // x, y, z a vertex
 // triangles and secondary lists pairs.
 struct MeshGeometry {
     std::shared_ptr<const Positions> positions;  // null: none
-    std::vector<std::uint32_t> faceIndices;  // of all faces, one after another
+    std::vector<std::uint32_t> faceIndices;      // of all faces, one after another
     std::vector<std::uint16_t> faceCounts;
     std::vector<std::uint32_t> secondaryIndices;
     std::vector<std::uint16_t> secondaryCounts;
