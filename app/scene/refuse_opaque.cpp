@@ -13,10 +13,9 @@ void RefuseOpaque(gltf::Document& document, gltf::KindSet kinds) {
         for (std::size_t kind = 0; kind < gltf::kKinds; ++kind) {
             const auto removed = static_cast<gltf::Kind>(kind);
             if (!kinds.Has(removed) || !use.kinds.Has(removed)) continue;
-            document.Fail(
-                gltf::ErrorKind::kReference, use.place,
-                Join("the extension ", use.extension, " could refer to a ", gltf::Info(removed).noun,
-                     " that is removed or renumbered (--force goes on all the same)"));
+            document.Fail(gltf::ErrorKind::kReference, use.place,
+                          Join("the extension ", use.extension, " could refer to a removed or renumbered ",
+                               gltf::Info(removed).noun, " (--force goes on all the same)"));
         }
     }
 }

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <map>
 #include <random>
 #include <set>
 #include <string>
@@ -46,7 +45,7 @@ public:
             {"bufferView":3,"componentType":5126,"count":2,"type":"SCALAR","min":[0],"max":[1]},
             {"bufferView":4,"componentType":5126,"count":2,"type":"VEC3"}],
             "animations":[{"samplers":[{"input":3,"output":4}],"channels":[)",
-            Channel(kNodes), ",", Channel(kNodes), R"(]}],
+            Channel(Pick(kNodes / 2)), ",", Channel(kNodes / 2 + Pick(kNodes / 2)), R"(]}],
             "bufferViews":[{"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":36},
             {"buffer":0,"byteOffset":72,"byteLength":36},{"buffer":0,"byteOffset":108,"byteLength":8},
             {"buffer":0,"byteOffset":116,"byteLength":24}],"buffers":[{"byteLength":140}]})");
@@ -92,8 +91,8 @@ private:
         return meshes;
     }
 
-    std::string Channel(int nodes) {
-        return Join(R"({"sampler":0,"target":{"path":"translation","node":)", Pick(nodes), "}}");
+    static std::string Channel(int node) {
+        return Join(R"({"sampler":0,"target":{"path":"translation","node":)", node, "}}");
     }
 
     std::mt19937 m_random;
@@ -122,9 +121,12 @@ private:
         if (const Json* t = node.Find("translation"))
             for (std::size_t i = 0; i < 3; ++i) origin[i] += scale * t->Items()[i].Number();
         if (node.Find("scale") != nullptr) scale *= node.Find("scale")->Items()[0].Number();
-        if (node.Find("extensions") != nullptr || Moves(index))
-            above += Join(node.Find("name")->String(), ";");
-        if (const Json* mesh = node.Find("mesh")) Mesh(*mesh->Index(), origin, scale, above);
+        const std::string name(node.Find("name")->String());
+        const bool isHidden = node.Find("extensions") != nullptr;
+        if (Moves(index)) above += name + ";";
+        if (const Json* mesh = node.Find("mesh"))
+            Mesh(*mesh->Index(), origin, scale, above + (isHidden ? "hidden" : ""));
+        if (isHidden) above += name + ";";
         if (const Json* children = node.Find("children"))
             for (const Json& child : children->Items()) Node(*child.Index(), origin, scale, above);
     }
