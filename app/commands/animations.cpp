@@ -22,7 +22,7 @@ namespace {
 std::vector<std::string> ViewportsOf(zr_ANIM_MANAGER& manager, kernix::AnimationModel* animation) {
     std::u16string text(256, u'\0');
     if (!manager.IsAnimationUsed(animation, text.data(), static_cast<int>(text.size()))) return {};
-    // A full buffer may have cut the text.
+    // A full buffer means the text may be truncated.
     while (text.back() != u'\0') {
         text.assign(text.size() * 2, u'\0');
         manager.IsAnimationUsed(animation, text.data(), static_cast<int>(text.size()));

@@ -45,7 +45,7 @@ public:
           m_work(work),
           m_outcomes(tasks.size()),
           m_progress(session.Options().quiet ? "" : std::string(command)) {
-        // The host is made on this thread, before others use it.
+        // Created here, before other threads use it.
         session.GetHost();
     }
 
@@ -66,7 +66,7 @@ public:
                          Counted(m_tasks.size(), "file").c_str(), done, failed,
                          m_tasks.size() - done - failed);
         }
-        // A stop that came after the last task was done stops nothing.
+        // Too late to stop anything once every task has finished.
         if (m_session.IsStopRequested() && done + failed < m_tasks.size()) throw Stopped();
         return failed == 0 ? 0 : 1;
     }
@@ -105,7 +105,7 @@ private:
             });
             outcome.state = State::kDone;
         } catch (const Stopped&) {
-            // The task is not done.
+            // The task counts as not started.
         } catch (const UsageError&) {
             throw;
         } catch (const std::bad_alloc&) {
@@ -125,7 +125,7 @@ private:
         return names(task.input) || names(task.output) ? text : Join(task.input, ": ", text);
     }
 
-    // Prints what has become of the tasks up to the first that is not finished.
+    // Prints the outcomes of all tasks before the first unfinished one.
     void PrintFinished() {
         for (; m_printed < m_outcomes.size() && m_outcomes[m_printed].state != State::kWaiting; ++m_printed) {
             m_progress.Clear();
@@ -169,10 +169,10 @@ private:
     const Work& m_work;
     std::atomic<std::size_t> m_next = 0;
     std::atomic<std::size_t> m_finished = 0;
-    std::atomic<bool> m_isOver = false;  // no further task begins
-    std::mutex m_mutex;                  // of what follows
+    std::atomic<bool> m_isOver = false;  // start no further task
+    std::mutex m_mutex;                  // guards what follows
     std::vector<Outcome> m_outcomes;
-    std::exception_ptr m_fatal;  // what ends the program, whatever the task
+    std::exception_ptr m_fatal;  // ends the program rather than a task
     std::size_t m_printed = 0;
     Progress m_progress;
 };
@@ -183,7 +183,7 @@ bool IsWanted(const fs::path& file, const BatchFiles& files) {
                        [&](const std::string& ending) { return HasEnding(name, ending); });
 }
 
-// The files below the folder by name, without those of the folder that is written to.
+// The files below the folder, sorted by name; the output folder is passed over.
 std::vector<fs::path> FilesBelow(const fs::path& folder, const fs::path& outDir, const BatchFiles& files) {
     std::vector<fs::path> found;
     std::error_code failure;
@@ -227,7 +227,7 @@ public:
     }
 
 private:
-    // place: of the output, below the folder that is written to.
+    // place: of the output, relative to the output folder.
     void Add(const fs::path& input, fs::path place) {
         Task task{PathToUtf8(input), ""};
         if (m_writes) {

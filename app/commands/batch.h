@@ -14,8 +14,8 @@ class App;
 
 namespace zr {
 
-// The options of a command that works on one file, "IN OUT", or on many: "--out-dir FOLDER IN...", where a
-// folder stands for the files below it.
+// The options of a command that works on one file, "IN OUT", or on many, "--out-dir FOLDER IN...". A folder
+// as input means the files below it.
 struct BatchArguments {
     std::vector<std::string> files;
     std::string outDir;
@@ -26,10 +26,10 @@ struct BatchArguments {
     bool IsSingle() const { return outDir.empty(); }
 };
 
-// What the command reads and writes, as endings (".glb").
+// What a command reads and writes.
 struct BatchFiles {
-    std::vector<std::string> inputs;   // which files of a folder are meant
-    std::vector<std::string> formats;  // the words of --format
+    std::vector<std::string> inputs;   // endings of the files taken from a folder, ".glb"
+    std::vector<std::string> formats;  // choices of --format, "glb"
 };
 
 inline const BatchFiles kSceneFiles{{".gltf", ".glb"}, {"glb", "gltf"}};
@@ -44,18 +44,18 @@ struct Task {
     std::string output;  // empty: nothing is written
 };
 
-// The tasks of the line, in the order of the line and of the names in a folder. writes: false for a command
-// that only looks: each file is then an input. Throws UsageError when there is nothing to do, or two tasks
-// would write one file.
+// The tasks in the order of the command line, files of a folder sorted by name. With writes false every file
+// is an input and nothing is written. Throws UsageError when there is nothing to do or two tasks would write
+// one file.
 std::vector<Task> PlanTasks(const BatchArguments& arguments, const BatchFiles& files, bool writes = true);
 
-// Told how much of the task is done, 0 to 1; throws Stopped when the user wishes.
+// Called with the task's progress in [0, 1]; throws Stopped when the user asked to stop.
 using Advance = std::function<void(double)>;
 using Work = std::function<Report(const Task& task, const Advance& advance)>;
 
-// Does the tasks, several at a time on threads of their own, and prints their reports in order. A failed task
-// gives one line that names its file; without keepGoing no further task begins. Status: 1 when a task failed.
-// Throws Stopped when the user's wish left tasks undone.
+// Runs the tasks on as many threads as asked for and prints their reports in order. A failed task prints one
+// line that names its file; unless keepGoing, no further task is then started. Returns 1 when a task failed,
+// else 0. Throws Stopped when the user stopped it before all tasks were done.
 int RunBatch(Session& session, std::string_view command, const BatchArguments& arguments,
              const std::vector<Task>& tasks, const Work& work);
 

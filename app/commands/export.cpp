@@ -17,7 +17,7 @@
 namespace zr {
 namespace {
 
-// Leaves the chosen animations in the scene, and makes the first the one that plays.
+// Removes all but the chosen animations from the scene and makes the first of them active.
 void KeepAnimations(kernix::SceneModel& scene, const std::vector<std::string>& names) {
     const auto chosen = ChooseAnimations(scene, names);
     for (kernix::AnimationModel* animation : AnimationsOf(scene)) {
@@ -27,7 +27,7 @@ void KeepAnimations(kernix::SceneModel& scene, const std::vector<std::string>& n
     scene.SetActiveAnimation(chosen.front());
 }
 
-// Records have the keys of one animation.
+// Records hold the keys of a single animation.
 void RequireOneAnimation(kernix::SceneModel& scene) {
     const auto animations = AnimationsOf(scene);
     if (animations.size() > 1)
@@ -57,7 +57,7 @@ public:
         if (!m_arguments.RenameMapFile().empty())
             mapTarget.emplace(m_session, m_arguments.RenameMapFile(), ".json");
 
-        // The parts of the time, roughly: loading, making the scene, exporting, writing.
+        // Approximate shares of the time.
         constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
         Report report;
         gltf::Document document = LoadDocument(m_session, task.input, report);
@@ -68,7 +68,7 @@ public:
         advance(kSceneMade);
         if (!m_arguments.Animations().empty()) KeepAnimations(loaded.Scene(), m_arguments.Animations());
 
-        // Paths from the root grow with the depth of the scene: the map is made only when it is asked for.
+        // Paths grow with the depth of the scene, so the map is built only on request.
         std::string map;
         std::string* const wantedMap = mapTarget ? &map : nullptr;
         FileTransaction files;

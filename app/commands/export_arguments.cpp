@@ -32,14 +32,14 @@ constexpr BitFlag kExportFlags[] = {
      "Leave cameras out; their nodes stay as groups"},
     {"--system-camera", vl::tk::kExportSystemCamera, true, kHierarchyGroup,
      "Export the host's own view camera, which frames the scene"},
-    {"--no-bones", vl::tk::kExportBones, false, kHierarchyGroup, "Bones are no reason to keep a node"},
+    {"--no-bones", vl::tk::kExportBones, false, kHierarchyGroup, "Do not keep nodes just for being bones"},
     {"--no-notes", vl::tk::kExportNotes, false, kHierarchyGroup, "Leave notes out"},
     {"--no-lines", vl::tk::kNoSecondary, true, kHierarchyGroup,
-     "Meshes of lines alone are no reason to export a mesh (with --no-empty-meshes)"},
+     "Leave out meshes that have only lines (with --no-empty-meshes)"},
     {"--no-empty-meshes", vl::tk::kAllRenderables, false, kHierarchyGroup,
      "Leave meshes without faces and lines out"},
     {"--chosen-only", vl::tk::kAllChoices, false, kHierarchyGroup,
-     "Of a selector's children export the selected one"},
+     "Export only the selected child of a selector"},
     {"--skeleton-only", vl::tk::kSkeletonOnly, true, kHierarchyGroup,
      "Export nodes that move a skin without their own object"},
     {"--root", vl::tk::kGroupingRoot, true, kHierarchyGroup, "Put one root above several top-level nodes"},
@@ -108,7 +108,8 @@ void ExportArguments::AddTo(CLI::App& command) {
         }
     }
     auto* drop =
-        command.add_flag("--drop-empty", m_dropsEmpty, "Leave out nodes that carry and hold nothing")
+        command
+            .add_flag("--drop-empty", m_dropsEmpty, "Leave out nodes without an object and without children")
             ->group(kHierarchyGroup);
     command.add_flag("--keep-all-nodes", m_keepsEmpty, "Keep them, which is the default")
         ->excludes(drop)

@@ -2,10 +2,12 @@
 #include "app/commands/files.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <system_error>
+#include <vector>
 
 #include "app/commands/report.h"
 #include "app/commands/session.h"
@@ -25,6 +27,23 @@ fs::path NewFolder() {
     return pattern;
 }
 
+// The stream itself is read: opening it again by a name would wait for another writer where it is a named
+// pipe.
+std::vector<std::byte> ReadStandardInput() {
+    constexpr std::uint64_t kMost = std::uint64_t{4} << 30;  // what a binary container can hold
+    constexpr std::size_t kStep = 1 << 20;
+    std::vector<std::byte> content;
+    for (std::size_t size = 0;;) {
+        content.resize(size + kStep);
+        const std::size_t got = std::fread(content.data() + size, 1, kStep, stdin);
+        content.resize(size += got);
+        if (std::ferror(stdin) != 0)
+            throw Error("standard input", "", "cannot be read: " + std::generic_category().message(errno));
+        if (size > kMost) throw Error("standard input", "", "more than a scene can hold");
+        if (got < kStep) return content;
+    }
+}
+
 }  // namespace
 
 std::string EndingOf(const std::string& format) {
@@ -33,10 +52,9 @@ std::string EndingOf(const std::string& format) {
 
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report) {
     const gltf::LoadOptions& options = session.Options().load;
-    gltf::Document document =
-        name == kStandardStream
-            ? gltf::Document::FromBytes(ReadFile("/dev/stdin").View(), "standard input", options)
-            : gltf::Document::Load(PathFromUtf8(name), options);
+    gltf::Document document = name == kStandardStream
+                                  ? gltf::Document::FromBytes(ReadStandardInput(), "standard input", options)
+                                  : gltf::Document::Load(PathFromUtf8(name), options);
     for (const gltf::Error& warning : document.Warnings()) report.notes.emplace_back(warning.what());
     return document;
 }

@@ -17,32 +17,33 @@ inline constexpr std::string_view kStandardStream = "-";  // in place of a file'
 // The ending of a file of that format (".gltf"); ".glb" when the format is empty.
 std::string EndingOf(const std::string& format);
 
-// The scene of a file, or of standard input; its warnings become notes of the report. Throws Error.
+// Loads a scene from a file or from standard input; its warnings are added to the report's notes. Throws
+// Error.
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report);
 
-// Where a command writes: the named file, or for "-" one in a folder of its own that Finish copies to
+// Where a command writes its result: the named file or, for "-", a temporary file that Finish copies to
 // standard output.
 class OutputTarget {
 public:
-    // ending: of the file for "-", as ".glb". Throws Error when the file exists and may not be replaced, and
-    // UsageError when standard output is taken.
+    // ending: of the temporary file, ".glb". Throws Error when the file exists and --no-clobber was given,
+    // and UsageError when standard output is taken.
     OutputTarget(Session& session, const std::string& name, std::string_view ending);
     ~OutputTarget();
     OutputTarget(const OutputTarget&) = delete;
     OutputTarget& operator=(const OutputTarget&) = delete;
 
-    // The file to write now. Throws Error.
+    // The path to write to; call when about to write. Throws Error.
     const std::filesystem::path& Path();
-    // When the file has been written. Throws Error.
+    // Call once the file is complete. Throws Error.
     void Finish();
 
 private:
     std::string m_ending;
     std::filesystem::path m_path;    // empty: not yet known
-    std::filesystem::path m_folder;  // of its own; empty: none
+    std::filesystem::path m_folder;  // temporary; empty: none
 };
 
-// Writes the document; a stop that comes before all is written leaves everything as it was. Throws Error and
+// Writes the document. When the user stops it before all is written, nothing has changed. Throws Error and
 // Stopped.
 void SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out);
 

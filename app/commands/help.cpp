@@ -24,7 +24,7 @@ std::string FullName(const CLI::App& command) {
     return command.get_parent() != nullptr ? FullName(*command.get_parent()) + " " + name : name;
 }
 
-// Words in lines of at most `width` columns, each behind `column` spaces but for the first.
+// Breaks text into lines of at most `width` columns; all but the first are indented by `column` spaces.
 std::string Wrapped(std::string_view text, std::size_t column, std::size_t width) {
     std::string out;
     std::size_t used = column;
@@ -81,7 +81,7 @@ std::vector<OptionGroup> OptionGroupsOf(const CLI::App& command) {
     AddOptions(command, groups);
     const CLI::App& program = Program(command);
     if (&program == &command) return groups;
-    // Each command has a help option of its own, and the program's version is no matter of a command.
+    // Each command has its own help option, and only the program a version.
     std::vector<OptionGroup> common;
     AddOptions(program, common);
     for (OptionGroup& group : common) {

@@ -8,8 +8,7 @@
 
 namespace zr {
 
-// Options of a command with a name and a text, in the order of their groups. The group of the options that
-// every command takes comes last.
+// A command's options by heading, in the order they were added. The options common to all commands come last.
 struct OptionGroup {
     std::string name;
     std::vector<const CLI::Option*> options;
@@ -20,7 +19,7 @@ std::vector<OptionGroup> OptionGroupsOf(const CLI::App& command);
 std::string NameAndValue(const CLI::Option& option);
 // The option's text, with its default.
 std::string TextOf(const CLI::Option& option);
-// The ways to call a command: "zr export [OPTIONS] SCENE OUT".
+// How a command is called: "zr export [OPTIONS] SCENE OUT".
 std::vector<std::string> UsagesOf(const CLI::App& command);
 
 // Lays out help in 100 columns.

@@ -32,7 +32,7 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     command->callback([name, &app, &session] {
         session.SetCommand([name, &app] {
             const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
-            // App::help would tell of this command again.
+            // App::help would describe the command that was parsed, which is this one.
             const std::string text =
                 chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
             std::fputs(text.c_str(), stdout);

@@ -8,14 +8,14 @@
 
 namespace zr {
 
-// The version of what the program prints with --json. It grows when a member changes its meaning or goes;
-// further members may come without that.
+// The version of the output of --json. It increases when a member is removed or changes its meaning, not when
+// one is added.
 inline constexpr int kJsonSchemaVersion = 1;
 
 class JsonArray;
 
-// A JSON object that is built member by member, in order. Bytes of a text that are not UTF-8 become U+FFFD; a
-// number that is not finite becomes null.
+// A JSON object built member by member, in order. Invalid UTF-8 becomes U+FFFD, a number that is not finite
+// null.
 class JsonObject {
 public:
     JsonObject& Set(std::string_view name, std::string_view value);
@@ -33,11 +33,11 @@ public:
         if constexpr (std::same_as<T, bool>) return SetText(name, value ? "true" : "false");
         return SetText(name, std::to_string(value));
     }
-    // All members of the other object.
+    // Adds all members of the other object.
     JsonObject& Append(const JsonObject& other);
 
     std::string Text() const { return "{" + m_members + "}"; }
-    // For people: indented, with a line end.
+    // Indented, ending in a newline.
     std::string PrettyText() const;
 
 private:

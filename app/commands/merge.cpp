@@ -37,7 +37,7 @@ std::uint32_t KeyFlags(const std::vector<std::string>& keep) {
     return flags;
 }
 
-// Those of the other scene that are not chosen do not come along.
+// Removes the animations of the other scene that were not chosen.
 void DropOthers(kernix::SceneModel& scene, const Animations& brought, const Animations& chosen) {
     for (kernix::AnimationModel* animation : brought) {
         if (std::find(chosen.begin(), chosen.end(), animation) == chosen.end())

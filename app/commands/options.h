@@ -12,25 +12,21 @@ class Option;
 
 namespace zr {
 
-// What an option's value is, as help shows it; the completions of shells follow it. Of several words joined
-// by
-// "|" one is meant.
+// Names of an option's value, as help shows them and shell completions interpret them. Words joined by "|"
+// are the choices.
 inline constexpr const char* kSceneType = "SCENE";
 inline constexpr const char* kFileType = "FILE";
 inline constexpr const char* kFolderType = "FOLDER";
 inline constexpr const char* kOutType = "OUT";
 
-// The group of the options that say where results go.
-inline constexpr const char* kOutputGroup = "Output";
-
-// The numbers that an option takes, both ends included.
+// The numbers an option accepts, both ends included.
 struct Range {
     double least;
     double greatest;
 };
 std::string Text(Range range);  // "0 to 1000"
 
-// An option for a number; the text is refused unless it is one, finite and in the range.
+// Adds an option for a number; rejects text that is not a finite number within the range.
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, double& value, Range range,
                        const char* unit, const std::string& help);
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, float& value, Range range,
@@ -40,20 +36,20 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, int& value, R
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, unsigned& value, Range range,
                        const char* unit, const std::string& help);
 
-// For options made otherwise: refuses what is no number in the range.
+// The same check for an option that exists already.
 void CheckRange(CLI::Option& option, Range range);
 
-// An option for one of the words, or for several of them separated by commas; case does not matter.
+// Adds an option that accepts one of the words, or several separated by commas, whatever their case.
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string>& words, const std::string& help);
 CLI::Option* AddChoices(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                         const std::vector<std::string>& words, const std::string& help);
 
-// An option for several names separated by commas, that may be repeated. It takes one argument at a time.
+// Adds a repeatable option for names separated by commas. Each use consumes one argument.
 CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                      const std::string& help);
 
-// An option that may be repeated for names that may hold commas.
+// Adds a repeatable option for a single name, which may contain commas.
 CLI::Option* AddRepeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                          const std::string& help);
 
@@ -73,7 +69,7 @@ struct Example {
     const char* line;  // after "zr "
     const char* what;
 };
-// At the end of the command's help.
+// Appends the examples to the command's help.
 void AddExamples(CLI::App& command, const std::vector<Example>& examples);
 
 // Whether a file's name has the ending (".glb"), in any case.

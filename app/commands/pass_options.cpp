@@ -105,7 +105,7 @@ void PassOptions::ApplyTo(Host& host, ExportOptions& options) {
     if (!m_settings.empty()) ApplySettings(host, options);
 }
 
-// The tool itself knows what the settings mean.
+// Only the tool itself can interpret the settings.
 void PassOptions::ApplySettings(Host& host, ExportOptions& options) const {
     SettingsFile settings(m_settings);
     const Tool tool = host.Create<vl::tk::Serializer>("TKSAVE");

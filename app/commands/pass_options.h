@@ -16,14 +16,14 @@ namespace zr {
 
 class Host;
 
-// Under which headings the export command's options stand.
+// Headings of the export command's options.
 inline constexpr const char* kHierarchyGroup = "Hierarchy";
 inline constexpr const char* kKeysGroup = "Keys";
 inline constexpr const char* kTimeGroup = "Time";
 inline constexpr const char* kNamesGroup = "Names";
 inline constexpr const char* kTargetGroup = "Target";
 
-// Far beyond what scenes need, and nowhere near where floats end.
+// Far more than scenes need, yet far from the limits of a float.
 inline constexpr Range kTimeFactors{1e-6, 1e6};
 inline constexpr Range kLengths{1e-3, 1e6};  // seconds
 
@@ -33,12 +33,11 @@ class PassOptions {
 public:
     void AddTo(CLI::App& command);
 
-    // Sets what the user asked for on top of what stands in options. Stored settings of the time give way to
-    // options of the command line that stand there. Throws UsageError and, for a settings file that is wrong,
-    // std::runtime_error.
+    // Adds the user's choices to the options. Time options already set there take precedence over stored
+    // settings. Throws UsageError and, for an invalid settings file, std::runtime_error.
     void ApplyTo(Host& host, ExportOptions& options);
 
-    const std::string& RenameMapFile() const { return m_renameMap; }  // empty: none is wished
+    const std::string& RenameMapFile() const { return m_renameMap; }  // empty: none
 
 private:
     void ApplySettings(Host& host, ExportOptions& options) const;

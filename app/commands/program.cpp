@@ -52,14 +52,14 @@ std::string VersionText(Session& session) {
                 kernix::ToUtf8(host.ModuleDescription()), "\nhost interface ", host.InterfaceVersion());
 }
 
-// The command that the line got to.
+// The innermost command that was parsed.
 const CLI::App& LastCommand(const CLI::App& app) {
     const CLI::App* command = &app;
     while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
     return *command;
 }
 
-// A word of the line that means nothing where it stands.
+// Describes the first argument that was not understood.
 std::string UnknownWord(const CLI::App& app) {
     const CLI::App* const command = &LastCommand(app);
     const std::vector<std::string> rest = app.remaining(true);
@@ -85,7 +85,7 @@ std::string UnknownWord(const CLI::App& app) {
 std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
     const auto is = [&error](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
     const bool isMissing = is(CLI::ExitCodes::RequiredError);
-    // A word too much may be why another is missing.
+    // A mistyped word is often why another seems to be missing.
     if (!app.remaining(true).empty() && (isMissing || is(CLI::ExitCodes::ExtrasError)))
         return UnknownWord(app);
     if (!isMissing) return error.what();
@@ -112,7 +112,7 @@ int Run(int argc, const char* const* argv) {
     return session.Run();
 }
 
-// What was printed may not have been written yet.
+// Output is buffered: only now is it known whether it could be written.
 int Flushed(int status) {
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
     const int error = errno;

@@ -16,7 +16,7 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     void Show(double done);  // 0 to 1
-    // Before something else is printed.
+    // Call before printing something else.
     void Clear();
 
 private:

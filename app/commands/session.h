@@ -16,7 +16,7 @@ namespace zr {
 // The user asked to stop; the program ends with status 130.
 struct Stopped {};
 
-// A wrong use of the command line that the parser cannot see; the program ends with status 2.
+// A misuse of the command line that the parser cannot detect; the program ends with status 2.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -25,14 +25,14 @@ public:
 // The options that every command takes.
 struct GlobalOptions {
     std::string language;    // of the module's texts; empty: the user's
-    bool json = false;       // the answer as JSON
-    bool quiet = false;      // only errors, and what was asked for
-    bool verbose = false;    // also the module's log
-    bool noClobber = false;  // replace no file
+    bool json = false;       // print the report as JSON
+    bool quiet = false;      // print errors and answers only
+    bool verbose = false;    // also print the module's log
+    bool noClobber = false;  // never overwrite a file
     gltf::LoadOptions load;
 };
 
-// What the commands of one run of the program share.
+// State shared by the commands of one run of the program.
 class Session {
 public:
     Session();
@@ -43,7 +43,7 @@ public:
     GlobalOptions& Options() { return m_options; }
     const GlobalOptions& Options() const { return m_options; }
 
-    // The host with the module loaded, made at the first call.
+    // The host with the module loaded; created by the first call.
     Host& GetHost();
 
     // Its break flag is set when the user presses Ctrl-C.
@@ -54,13 +54,12 @@ public:
         if (IsStopRequested()) throw Stopped();
     }
 
-    // The result itself goes to standard output, and what is told about it elsewhere. Throws UsageError when
-    // a result goes there already, or JSON does.
+    // Reserves standard output for a result, so that the report goes elsewhere. Throws UsageError when
+    // another result or JSON already uses it.
     void TakeStandardOutput();
     bool IsStandardOutputTaken() const { return m_isStandardOutputTaken; }
 
-    // A command gives here what it does; it runs when the command line has been read. Its result is the
-    // program's status.
+    // Sets what to run once the command line has been parsed; it returns the exit status.
     void SetCommand(std::function<int()> run) { m_run = std::move(run); }
     int Run() { return m_run ? m_run() : 2; }
 

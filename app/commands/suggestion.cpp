@@ -9,8 +9,8 @@
 namespace zr {
 namespace {
 
-// The fewest characters added, taken away, replaced or exchanged with their neighbour that make b of a
-// (optimal string alignment).
+// Optimal string alignment distance: the fewest insertions, deletions, replacements and swaps of neighbours
+// that turn a into b.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> before, last, row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
@@ -32,7 +32,7 @@ std::size_t Distance(std::string_view a, std::string_view b) {
 }  // namespace
 
 std::string NearestWord(std::string_view word, const std::vector<std::string>& words) {
-    constexpr std::size_t kLongest = 64;  // no word of the program is near anything longer
+    constexpr std::size_t kLongest = 64;  // longer than any word of the program
     if (word.size() > kLongest) return {};
     std::string nearest;
     std::size_t least = std::max<std::size_t>(1, word.size() / 3) + 1;

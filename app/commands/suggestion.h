@@ -7,8 +7,8 @@
 
 namespace zr {
 
-// The word most like the given one, case apart, or an empty text when none is like it: at most a third of its
-// characters differ. Of equally like words the first.
+// The word closest to the given one, ignoring case; empty when every one differs in more than a third of the
+// given word's characters. The first of several equally close ones.
 std::string NearestWord(std::string_view word, const std::vector<std::string>& words);
 
 }  // namespace zr

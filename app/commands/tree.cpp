@@ -26,7 +26,7 @@ struct TreeOptions {
     bool window = false;
 };
 
-// Everything that an export can take along, with the names as the scene has them.
+// The hierarchy with everything an export can include, under the scene's own names.
 vl::Ref<vl::tk::Serializer> BuildTree(Host& host, LoadedScene& loaded) {
     auto tool = host.Create<vl::tk::Serializer>("TKSAVE");
     tool->m_pScene = &loaded.Scene();

@@ -3,8 +3,8 @@
 
 namespace zr {
 
-// Makes ready to open windows, while which Ctrl-C ends the program at once. Throws std::runtime_error where
-// none can be opened.
+// Initialises windowing; from then on Ctrl-C terminates at once. Throws std::runtime_error where no window
+// can be opened.
 void StartWindows();
 
 }  // namespace zr

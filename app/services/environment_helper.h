@@ -11,9 +11,8 @@
 
 namespace zr {
 
-// What the module's cleaner reaches of a document through the host beside its scene: the environment helper,
-// which takes image-based lights out, and the 3D view, whose backdrop it clears. Both
-// mean one document at a time.
+// Gives the module's cleaner access to the parts of a document outside its scene: the environment helper
+// removes image-based lights, and the 3D view clears the backdrop. Serves one document at a time.
 class EnvironmentService {
 public:
     explicit EnvironmentService(Host& host);
@@ -21,8 +20,8 @@ public:
     EnvironmentService& operator=(const EnvironmentService&) = delete;
     ~EnvironmentService();
 
-    // Runs work with helper and view on the document; what they took out, by name. On any thread; a second
-    // caller waits.
+    // Runs work with helper and view attached to the document and returns the names of what they removed. May
+    // be called on any thread; a second caller waits.
     std::vector<std::string> Run(gltf::Document& document, const std::function<void()>& work);
 
 private:

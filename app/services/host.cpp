@@ -23,7 +23,7 @@ constexpr int kViewWindow = 4;
 constexpr std::size_t kLongestText = 1024;
 constexpr const char* kModuleFile = "zrtools.so";
 
-// An operation of the module reports an error on the thread that called it.
+// The module reports errors on the thread that called it.
 thread_local std::string t_reportedError;
 
 // The 3D view window of a host without one on the screen: its value 0 holds the view.

@@ -17,15 +17,15 @@ public:
     explicit Host(const std::string& language);
     ~Host() override;
 
-    // Loads and initialises the module. Throws std::runtime_error when it cannot be found or is none.
+    // Loads and initialises the module. Throws std::runtime_error when it cannot be found or is not a module.
     void LoadModule();
 
     std::u16string ModuleVersion() const;
     std::u16string ModuleDescription() const;
-    // The number of the host interface that the module was made for.
+    // The version of the host interface that the module was built for.
     vl::Word InterfaceVersion() const;
 
-    // A new extension of the type, with its one count. Throws std::runtime_error when there is none.
+    // Creates an extension of the type. Throws std::runtime_error when no module offers it.
     template <typename T>
     vl::Ref<T> Create(const char* typeName) {
         auto extension = vl::Ref<vl::Extension>::Adopt(CreateExtension(typeName));
@@ -37,11 +37,10 @@ public:
     // The view that the module reaches through the 3D view window; not owned, null for none.
     void SetView(ViewObject* view);
 
-    // Whether log lines of the module go to standard error. Before the module is used.
+    // Whether the module's log lines go to standard error. Call before using the module.
     void ShowLog(bool on);
 
-    // The last error that the module reported on this thread since this was last asked there. Errors are
-    // shown by whoever asks for them.
+    // Returns and clears the last error that the module reported on this thread; it is not shown otherwise.
     static std::string TakeReportedError();
 
     void* LoadModuleStrings(HINSTANCE module) override;

@@ -15,7 +15,7 @@ public:
     PolyBooleanExtension();
     ~PolyBooleanExtension() override;
 
-    // Null for a contour with no points, or with one that is no number or beyond 1e150.
+    // Null for a contour without points, or with a coordinate that is not finite or exceeds 1e150.
     Polygon* CreatePolygon(int count, const double* xy) override;
 
     // Any other operation or flag: the empty region.

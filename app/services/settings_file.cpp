@@ -17,7 +17,7 @@ namespace zr {
 
 namespace {
 
-// Far above any file of settings; what is larger is a wrong file, or a device without an end.
+// Far larger than any settings file; beyond it is the wrong file or an endless device.
 constexpr std::size_t kMaxSize = 1 << 20;
 
 std::string Folded(std::string text) {
@@ -46,7 +46,7 @@ std::optional<double> ParseNumber(std::string_view text) {
 
 struct Parsing {
     std::map<std::string, double>* values;
-    std::string wrong;  // the first value that is no number
+    std::string wrong;  // the first value that is not a number
 };
 
 int KeepValue(void* context, const char* section, const char* name, const char* value) {
@@ -55,7 +55,7 @@ int KeepValue(void* context, const char* section, const char* name, const char* 
     if (number) {
         (*parsing.values)[Folded(std::string(section) + '\\' + name)] = *number;
     } else if (parsing.wrong.empty()) {
-        parsing.wrong = std::string(": [") + section + "] " + name + " is no number: " + value;
+        parsing.wrong = std::string(": [") + section + "] " + name + " is not a number: " + value;
     }
     return 1;
 }
@@ -66,7 +66,7 @@ SettingsFile::SettingsFile(const std::filesystem::path& file) {
     const std::string text = Read(file);
     Parsing parsing{&m_values, {}};
     if (const int line = ini_parse_string(text.c_str(), KeepValue, &parsing); line != 0) {
-        throw std::runtime_error(file.string() + ": line " + std::to_string(line) + " is no setting");
+        throw std::runtime_error(file.string() + ": line " + std::to_string(line) + " is not a setting");
     }
     if (!parsing.wrong.empty()) throw std::runtime_error(file.string() + parsing.wrong);
 }

@@ -14,8 +14,8 @@ namespace zr {
 // whatever the case. Sections below a section stand in its name ("user\anim"). Every value is a number.
 class SettingsFile final : public SettingsStore {
 public:
-    // Throws std::runtime_error, with the file and line, for a file that cannot be read, is no INI file or
-    // holds something else than a number.
+    // Throws std::runtime_error that names the file and line when the file cannot be read, is not an INI file
+    // or contains a value that is not a number.
     explicit SettingsFile(const std::filesystem::path& file);
 
     // section: null or empty for the whole file. A number outside the type's range gives fallback, an int

@@ -14,14 +14,14 @@ namespace {
 constexpr char kResourceType[] = "LNG";
 constexpr char kEnglish[] = "ENG";
 
-// A caption of this length refers to any id there is.
+// Long enough for a caption that refers to any id.
 constexpr int kMaxCaption = 16;
 
 constexpr std::pair<std::string_view, const char*> kTables[] = {
     {"en", kEnglish}, {"de", "DE_DE"}, {"fr", "FR_FR"}, {"ja", "JA_JP"}, {"zh", "CN_CN"},
 };
 
-// The number at the start of the text, which loses it; nothing without a digit or above nine digits.
+// Removes the leading number from the text and returns it; nothing without one or with more than nine digits.
 std::optional<int> TakeNumber(std::u16string_view& text) {
     std::size_t length = 0;
     int number = 0;

@@ -17,8 +17,8 @@ std::optional<std::string> ReadModuleResource(HINSTANCE module, std::string_view
 
 // Texts by number, read from a language table: UTF-16 little-endian with a byte-order mark, lines of the form
 //   id="text"
-// and lines that hold nothing: ";" or empty ones. Nothing when the bytes are no such text; a line of another
-// form is passed over, and of two lines with one id the first holds.
+// and lines that are empty or begin with ";". Nothing when the bytes are not such a text; other lines are
+// ignored, and the first of several lines with one id counts.
 using StringTable = std::map<int, std::u16string>;
 std::optional<StringTable> ParseStringTable(std::string_view bytes);
 

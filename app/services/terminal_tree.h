@@ -31,8 +31,9 @@ public:
     // number: an item's position in the order of insertion + 1; 0 is the root above all.
     const Item& At(std::size_t number) const { return m_items[number - 1]; }
 
-    // One line an item, in tree order. Of an item deeper than kMaxGuides only the nearest levels are drawn,
-    // after "..." and the depth, so that the text stays linear in the items.
+    // One line per item, in tree order. For an item deeper than kMaxGuides only the innermost levels are
+    // drawn, after
+    // "..." and the depth, so that the text stays linear in the number of items.
     std::string Draw() const;
     static constexpr std::size_t kMaxGuides = 32;
 

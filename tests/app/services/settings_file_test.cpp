@@ -40,8 +40,8 @@ TEST_F(SettingsFileTest, FindsSettingsByPath) {
 }
 
 TEST_F(SettingsFileTest, SaysWhatIsWrong) {
-    EXPECT_EQ(Error(Write("[anim]\nmergekeys=1\nwhat is this\n")), ": line 3 is no setting");
-    EXPECT_EQ(Error(Write("[anim]\nmergekeys=yes\n")), ": [anim] mergekeys is no number: yes");
+    EXPECT_EQ(Error(Write("[anim]\nmergekeys=1\nwhat is this\n")), ": line 3 is not a setting");
+    EXPECT_EQ(Error(Write("[anim]\nmergekeys=yes\n")), ": [anim] mergekeys is not a number: yes");
     EXPECT_EQ(Error(Write(std::string(2 << 20, ';'))), ": too large for settings");
     EXPECT_EQ(Error("/nowhere/settings.ini"), ": cannot be read");
     EXPECT_EQ(Error(testing::TempDir()), ": cannot be read");
