@@ -10,8 +10,8 @@ build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(
 # $(call packages,LISTS): what the program needs, and the lists named.
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
-.PHONY: all install demo test test-release test-asan test-tsan bench check coverage windows windows-packages \
-	windows-test clean
+.PHONY: all install demo test test-release test-asan test-tsan bench check tidy coverage package \
+	package-test dist windows windows-packages windows-test clean
 
 all:
 	@$(call packages,qt)
@@ -57,12 +57,31 @@ check:
 	@cmake --preset tidy >/dev/null
 	@tools/check-code build/tidy
 
+# The slow part of it: minutes of both cores.
+tidy:
+	@$(call packages,qt test bench check)
+	@cmake --preset tidy >/dev/null
+	@tools/tidy build/tidy
+
 # Lines that the tests run, folder by folder.
 coverage:
 	@$(call packages,qt test check)
 	@$(call build,coverage,,all)
 	@ctest --preset coverage -j $(JOBS)
 	@tools/coverage build/coverage
+
+# Debian packages of what was built; they go to build/release/packages.
+package: all
+	@$(call packages,qt package)
+	@cpack --config build/release/CPackConfig.cmake -G DEB >/dev/null
+
+# An archive that runs from where it is unpacked.
+dist: all
+	@cpack --config build/release/CPackConfig.cmake -G TGZ >/dev/null
+
+# Both in a bare system. Needs root.
+package-test: package dist
+	@tools/test-packages build/release/packages
 
 # The module and its core library for Windows, 32 and 64 bit. The 64-bit tests run under Wine.
 windows-packages:

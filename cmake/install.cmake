@@ -23,6 +23,10 @@ install(TARGETS kernix EXPORT zrtools
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 install(TARGETS zrtools EXPORT zrtools LIBRARY DESTINATION ${shared_folder} COMPONENT zrtools)
 if(TARGET zr)
+  if(NOT WIN32)
+    # The program's folders serve also what its libraries need, where an archive brings them.
+    target_link_options(zr PRIVATE -Wl,--disable-new-dtags)
+  endif()
   install(TARGETS zr RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zrtools)
 endif()
 if(TARGET zrui)
