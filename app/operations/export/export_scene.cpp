@@ -98,8 +98,8 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
     return report;
 }
 
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                           OutputFile& file, std::string* renameMap) {
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
+                           std::string* renameMap) {
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();

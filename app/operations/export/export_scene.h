@@ -23,7 +23,7 @@ MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& o
                          const ExportProgress& progress, std::string* renameMap = nullptr);
 
 // The same for the active animation, as the records themselves.
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                           OutputFile& file, std::string* renameMap = nullptr);
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
+                           std::string* renameMap = nullptr);
 
 }  // namespace zr
