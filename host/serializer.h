@@ -83,6 +83,13 @@ public:
     virtual float MapTime(float time) = 0;
     virtual float GetFrameRate() = 0;
 
+    // After Process, with another animation of the scene active: gives the records the keys of that one,
+    // merged, resampled, flipped and mapped as Process does it, and the moved records their mLocal and rest
+    // values; names, structure and mWorld stay. 0, with nothing changed, where the records themselves depend
+    // on the animation (placed cameras and lights, a scene matrix above a record), or where a module has no
+    // such operation: a new object then has to process it.
+    virtual int ProcessKeys() { return 0; }
+
     const char* GetTypeName() override { return "tksave"; }
     bool IsTypeOf(const char* name) override {
         return EqualNoCase(name, "tksave") || EqualNoCase(name, "zr_extension") || Interface::IsTypeOf(name);

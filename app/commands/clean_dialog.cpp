@@ -33,12 +33,12 @@ bool CleanInDialog(gltf::Document document, const std::filesystem::path& output,
     environment.Run(loaded.Document(),
                     [&] { host.Create<zr_CLEANER>(kTypeCleaner)->RunDialog(&loaded.Scene()); });
     if (!loaded.Scene().HasChangeRecord()) return false;
-    loaded.WriteBack();
+    gltf::Document cleaned = std::move(loaded).WriteBack();
     if (!options.keepData) {
-        gltf::CollectGarbage(loaded.Document(), kShownKinds, options.force);
-        gltf::CollectGarbage(loaded.Document(), gltf::kDataKinds, options.force);
+        gltf::CollectGarbage(cleaned, kShownKinds, options.force);
+        gltf::CollectGarbage(cleaned, gltf::kDataKinds, options.force);
     }
-    loaded.Document().Save(output);
+    cleaned.Save(output);
     return true;
 }
 

@@ -38,7 +38,7 @@ void RequireOneAnimation(kernix::SceneModel& scene) {
 JsonObject JsonOf(const MotionReport& report) {
     JsonObject json;
     json.Set("keysBefore", report.keysBefore).Set("keysAfter", report.keysAfter);
-    json.Set("deviation", report.deviation);
+    json.Set("check", NameOf(report.check)).Set("deviation", report.deviation);
     if (!report.node.empty()) json.Set("node", report.node).Set("time", report.time);
     if (!report.animation.empty()) json.Set("animation", report.animation);
     return json;
@@ -82,9 +82,11 @@ public:
             const auto onProgress = [&](double done) {
                 advance(kSceneMade + (kExported - kSceneMade) * done);
             };
-            motion = ExportScene(m_session.GetHost(), loaded, m_options, onProgress, wantedMap);
+            Exported exported =
+                ExportScene(m_session.GetHost(), std::move(loaded), m_options, onProgress, wantedMap);
             m_session.ThrowIfStopped();
-            loaded.Document().Save(out.Path(), files);
+            exported.document.Save(out.Path(), files);
+            motion = std::move(exported.report);
         }
         if (mapFile != nullptr) mapFile->Write(map);
         m_session.ThrowIfStopped();

@@ -15,6 +15,7 @@ namespace {
 constexpr double kQuarterTurn = 1.5707963267948966;
 
 constexpr Range kScales{1e-6, 1e6};
+constexpr Range kDeviations{0, 1e6};
 
 // A flag of the command line that sets or clears a bit.
 struct BitFlag {
@@ -140,6 +141,14 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->type_name("EXPORT,NAME,ANIM")
         ->group(kTargetGroup);
     command.add_flag("--force", m_force, kForceHelp);
+    AddChoice(command, "--check", m_check, {"thorough", "quick", "off"},
+              "How closely the motion is compared with the scene's; quick takes at most a tenth of the time")
+        ->capture_default_str()
+        ->group(kTargetGroup);
+    AddNumber(command, "--max-deviation", m_options.maxDeviation, kDeviations, "SHARE",
+              "Motion further off than this share of the scene's size is an error")
+        ->capture_default_str()
+        ->group(kTargetGroup);
     m_passes.AddTo(command);
     AddBatchOptions(command, m_files, kExportFiles, "SCENE OUT");
 }
@@ -154,6 +163,9 @@ const ExportOptions& ExportArguments::Finish(Host& host) {
     m_options.sceneMatrix.Scale(vl::Vector3<double>{m_scale, m_scale, m_scale});
     if (m_up == "z") m_options.sceneMatrix.RotateX(kQuarterTurn);
     if (!m_optionWords.empty()) ReadOptionWords(m_optionWords, m_options);
+    m_options.check = m_check == "off"        ? MotionCheck::kOff
+                      : m_check == "thorough" ? MotionCheck::kThorough
+                                              : MotionCheck::kQuick;
     m_passes.ApplyTo(host, m_options);
     return m_options;
 }

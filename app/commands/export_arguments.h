@@ -41,6 +41,7 @@ private:
     bool m_keepsEmpty = false;  // said, as it is anyway
     float m_length = 0;
     std::string m_up = "y";
+    std::string m_check = "quick";
     double m_scale = 1;
     std::string m_optionWords;
     CLI::Option* m_rescale = nullptr;

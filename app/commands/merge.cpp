@@ -66,8 +66,8 @@ public:
         } else {
             Tell(loaded, "brought", chosen, report);
         }
-        loaded.WriteBack();
-        SaveDocument(m_session, loaded.Document(), out);
+        gltf::Document document = std::move(loaded).WriteBack();
+        SaveDocument(m_session, document, out);
         return report;
     }
 

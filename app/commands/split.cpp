@@ -58,8 +58,8 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
     const Animations parts = arguments.each
-                                 ? SeparateAnimation(scene, animation)
-                                 : CutAnimation(scene, animation,
+                                 ? SeparateAnimation(loaded, animation)
+                                 : CutAnimation(loaded, animation,
                                                 Ascending(arguments.cuts, scene.GetStartTime(&animation),
                                                           scene.GetEndTime(&animation)));
     if (parts.empty()) throw std::runtime_error("animation " + Quoted(animation) + " moves nothing");
@@ -72,8 +72,8 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
         report.Line(summary.Text());
         list.Append(summary.Json());
     }
-    loaded.WriteBack();
-    SaveDocument(session, loaded.Document(), out);
+    gltf::Document document = std::move(loaded).WriteBack();
+    SaveDocument(session, document, out);
     report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
     PrintReport(session, "split", report);
     return 0;

@@ -42,7 +42,7 @@ AnimationBuilder::Goal AnimationBuilder::GoalOf(const Json& target) {
 }
 
 void AnimationBuilder::NoteMotions() {
-    const auto animations = m_loaded.m_document.Elements(Kind::kAnimation);
+    const auto animations = m_document.Elements(Kind::kAnimation);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         const Json* channels = animations[i].Find("channels");
         if (channels == nullptr) continue;
@@ -74,7 +74,7 @@ std::string AnimationBuilder::Motion(std::size_t node, std::size_t parent) {
 }
 
 void AnimationBuilder::Build() {
-    const auto animations = m_loaded.m_document.Elements(Kind::kAnimation);
+    const auto animations = m_document.Elements(Kind::kAnimation);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         const Json* channels = animations[i].Find("channels");
         if (channels == nullptr) continue;
@@ -83,37 +83,41 @@ void AnimationBuilder::Build() {
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
             const Goal goal = GoalOf(*channel.Find("target"));
             if (goal.path.empty()) continue;
-            const bool isReadable = IsReadable(m_loaded.m_document, sampler);
+            const bool isReadable = IsReadable(m_document, sampler);
             if (isReadable && Channel(i, k, sampler, goal)) continue;
             SkippedChannel skipped{i, k, isReadable ? Skipped::kNotShown : Skipped::kUnreadable, {}};
             if (KeyTypeOf(goal.path) != 0) skipped.node = goal.node;
-            m_loaded.m_skipped.push_back(skipped);
+            m_parts.skipped.push_back(skipped);
         }
     }
 }
 
 bool AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const Json& sampler,
                                const Goal& goal) {
-    kernix::AnimationModel* model = m_loaded.m_animations[animation];
-    kernix::NodeModel* node = goal.node != kNone ? m_loaded.m_nodes[goal.node] : nullptr;
+    kernix::AnimationModel* model = m_parts.animations[animation];
+    kernix::NodeModel* node = goal.node != kNone ? m_parts.nodes[goal.node] : nullptr;
     if (goal.node != kNone && node == nullptr) return false;
     const int keyType = KeyTypeOf(goal.path);
-    LoadedChannel loaded{animation, channel, {}, keyType};
+    LoadedChannel loaded{animation, channel, nullptr, keyType};
     if (keyType != 0) {
         kernix::TransformControllerModel* controller = node->AddTransformController();
-        PutKeys(*controller->AddTransformTrack(model), keyType, ReadCurve(m_loaded.m_document, sampler));
-        loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
+        kernix::TransformTrack* track = controller->AddTransformTrack(model);
+        if (track->Count(keyType) == 0) {
+            track->SetCurve(keyType, m_curves.Add(sampler));
+        } else {
+            m_parts.sharesTracks = true;
+            PutKeys(*track, keyType, ReadCurve(m_document, sampler));
+        }
+        loaded.controller = controller;
     } else {
         kernix::SampledControllerModel* controller = SampledController(goal);
         if (controller == nullptr) return false;
-        Curve curve = ReadCurve(m_loaded.m_document, sampler);
         kernix::SampledTrack* track = controller->AddSampledTrack(model);
-        track->m_interpolation = curve.interpolation;
-        track->m_times = std::move(curve.times);
-        track->m_values = std::move(curve.values);
-        loaded.controller = vl::Ref<vl::zr::Controller>::Share(controller);
+        if (track->GetKeyCount() != 0) m_parts.sharesTracks = true;
+        track->SetCurve(m_curves.Add(sampler));
+        loaded.controller = controller;
     }
-    m_loaded.m_channels.push_back(std::move(loaded));
+    m_parts.channels.push_back(loaded);
     return true;
 }
 
@@ -125,15 +129,15 @@ kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& 
     const auto known = m_sampled.find(target);
     if (known != m_sampled.end()) return known->second;
     kernix::SampledControllerModel*& made = m_sampled[target];
-    if (goal.node != kNone) return made = m_loaded.m_nodes[goal.node]->AddController(target);
+    if (goal.node != kNone) return made = m_parts.nodes[goal.node]->AddController(target);
     const auto named = gltf::PointerTarget(goal.path);
     if (!named) return made;
     if (named->kind == Kind::kMaterial) {
-        kernix::MaterialModel* material = m_loaded.m_materials[named->index];
+        kernix::MaterialModel* material = m_parts.materials[named->index];
         return made = material != nullptr ? material->AddController(target) : nullptr;
     }
     if (named->kind == Kind::kNode) {
-        kernix::NodeModel* node = m_loaded.m_nodes[named->index];
+        kernix::NodeModel* node = m_parts.nodes[named->index];
         return made = node != nullptr ? node->AddController(target) : nullptr;
     }
     kernix::NodeModel* node = FirstShowing(named->kind, named->index);
@@ -142,12 +146,12 @@ kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& 
 
 kernix::NodeModel* AnimationBuilder::FirstShowing(Kind kind, std::size_t index) {
     if (m_showing.empty()) {
-        const auto nodes = m_loaded.m_document.Elements(Kind::kNode);
+        const auto nodes = m_document.Elements(Kind::kNode);
         for (std::size_t i = 0; i < nodes.size(); ++i) {
-            if (m_loaded.m_nodes[i] == nullptr) continue;
+            if (m_parts.nodes[i] == nullptr) continue;
             const auto note = [&](Kind shown, const Json& holder, std::string_view name) {
                 if (holder.Find(name) != nullptr)
-                    m_showing.try_emplace({shown, IndexMember(holder, name)}, m_loaded.m_nodes[i]);
+                    m_showing.try_emplace({shown, IndexMember(holder, name)}, m_parts.nodes[i]);
             };
             note(Kind::kCamera, nodes[i], "camera");
             note(Kind::kMesh, nodes[i], "mesh");

@@ -15,7 +15,8 @@ namespace zr {
 // Makes controllers and tracks of the document's animations.
 class AnimationBuilder {
 public:
-    explicit AnimationBuilder(LoadedScene& loaded, ContentIds& ids) : m_loaded(loaded), m_ids(ids) {}
+    AnimationBuilder(const gltf::Document& document, DocumentCurves& curves, SceneParts& parts, ContentIds& ids)
+        : m_document(document), m_curves(curves), m_parts(parts), m_ids(ids) {}
 
     // Reads which node each channel moves, before the nodes are there.
     void NoteMotions();
@@ -38,7 +39,9 @@ private:
     kernix::SampledControllerModel* SampledController(const Goal& goal);
     kernix::NodeModel* FirstShowing(gltf::Kind kind, std::size_t index);
 
-    LoadedScene& m_loaded;
+    const gltf::Document& m_document;
+    DocumentCurves& m_curves;
+    SceneParts& m_parts;
     ContentIds& m_ids;
     std::unordered_map<std::size_t, std::string> m_motions;  // of nodes with channels
     std::unordered_map<std::size_t, std::size_t>

@@ -2,9 +2,12 @@
 #include "app/scene/curves.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstring>
+#include <initializer_list>
 #include <limits>
+#include <memory>
+#include <vector>
 
 #include "gltf/accessor.h"
 
@@ -12,11 +15,6 @@ namespace zr {
 namespace {
 
 using vl::zr::KeyInterpolation;
-
-bool SameBits(const std::vector<float>& a, const std::vector<float>& b) {
-    return a.size() == b.size() &&
-           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0);
-}
 
 std::string_view NameOf(KeyInterpolation interpolation) {
     switch (interpolation) {
@@ -30,83 +28,106 @@ std::string_view NameOf(KeyInterpolation interpolation) {
     return "LINEAR";
 }
 
-std::size_t WidthOf(int keyType) {
-    return keyType == vl::zr::kKeyRotation ? 4 : 3;
-}
-
-vl::Quaternion Narrow(const kernix::Rotation& r) {
-    return {static_cast<float>(r.x), static_cast<float>(r.y), static_cast<float>(r.z),
-            static_cast<float>(r.w)};
-}
-
-// What TakeKeys reads of one key, whatever its type.
+// One key, whatever its type. Slopes: null where the key has none.
 struct KeyView {
     float time;
     KeyInterpolation interpolation;
     float value[4];
-    const kernix::Tangents* tangents;
+    const float* slopeIn;
+    const float* slopeOut;
 };
 
-// shown: the orientation of the rotation key before, from which an angle-axis key is a step; then this key's.
-KeyView View(const kernix::TransformTrack& track, int keyType, int index, kernix::Rotation& shown) {
-    KeyView view{};
-    const vl::zr::Key* key = track.Get(keyType, index);
-    view.time = key->m_fTime;
-    view.interpolation = static_cast<KeyInterpolation>(static_cast<int>(key->m_params[0]));
-    const auto at = static_cast<std::size_t>(index);
-    if (keyType == vl::zr::kKeyRotation) {
-        kernix::RotationKeyModel& rotation = *track.Rotations()[at];
-        vl::Quaternion q;
-        if (rotation.GetRotationType() == vl::zr::kRotationAngleAxis) {
-            vl::AngleAxis step;
-            rotation.GetValue(&step);
-            shown = shown.Times(kernix::Rotation::From(step));
-            q = Narrow(shown);
-        } else {
-            rotation.GetQuaternion(&q);
-            shown = kernix::Rotation::From(q);
-        }
-        view.value[0] = q.x;
-        view.value[1] = q.y;
-        view.value[2] = q.z;
-        view.value[3] = q.w;
-        view.tangents = rotation.m_tangents.get();
-        return view;
+KeyView View(const Curve& curve, std::size_t index) {
+    const float* value = curve.Value(index);
+    const std::size_t width = curve.Width();
+    KeyView view{curve.times[index], curve.interpolation, {}, nullptr, nullptr};
+    std::copy_n(value, width, view.value);
+    if (curve.IsCubic()) {
+        view.slopeIn = value - width;
+        view.slopeOut = value + width;
     }
-    const auto take = [&](const auto& model) {
-        view.value[0] = model.m_value.x;
-        view.value[1] = model.m_value.y;
-        view.value[2] = model.m_value.z;
-        view.tangents = model.m_tangents.get();
-    };
-    if (keyType == vl::zr::kKeyPosition)
-        take(*track.Positions()[at]);
-    else
-        take(*track.Scales()[at]);
     return view;
+}
+
+template <typename Key>
+KeyView Described(const Key& key, std::initializer_list<float> value) {
+    KeyView view{key.m_fTime, static_cast<KeyInterpolation>(static_cast<int>(key.m_params[0])), {}, nullptr,
+                 nullptr};
+    std::copy(value.begin(), value.end(), view.value);
+    if (key.m_tangents) {
+        view.slopeIn = key.m_tangents->in.data();
+        view.slopeOut = key.m_tangents->out.data();
+    }
+    return view;
+}
+
+template <typename Key>
+KeyView VectorView(const Key& key) {
+    return Described(key, {key.m_value.x, key.m_value.y, key.m_value.z});
+}
+
+// shown: the orientation of the key before, from which an angle-axis key is a step; then this key's.
+KeyView RotationView(kernix::RotationKeyModel& key, kernix::Rotation& shown) {
+    vl::Quaternion q;
+    if (key.GetRotationType() == vl::zr::kRotationAngleAxis) {
+        vl::AngleAxis step;
+        key.GetValue(&step);
+        shown = shown.Times(kernix::Rotation::From(step));
+        q = shown.ToQuaternion();
+    } else {
+        key.GetQuaternion(&q);
+        shown = kernix::Rotation::From(q);
+    }
+    return Described(key, {q.x, q.y, q.z, q.w});
+}
+
+std::vector<KeyView> Views(const kernix::TransformTrack& track, int keyType) {
+    std::vector<KeyView> views;
+    const auto add = [&views](const auto& keys, auto view) {
+        views.reserve(keys.size());
+        for (const auto& key : keys) views.push_back(view(*key));
+    };
+    if (const kernix::StoredCurve* packed = track.Packed(keyType)) {
+        const Curve& curve = packed->Get();
+        for (std::size_t i = 0; i < curve.times.size(); ++i) views.push_back(View(curve, i));
+    } else if (keyType == vl::zr::kKeyRotation) {
+        kernix::Rotation shown;
+        add(track.Rotations(), [&shown](kernix::RotationKeyModel& key) { return RotationView(key, shown); });
+    } else if (keyType == vl::zr::kKeyPosition) {
+        add(track.Positions(), VectorView<kernix::PositionKeyModel>);
+    } else {
+        add(track.Scales(), VectorView<kernix::ScaleKeyModel>);
+    }
+    return views;
 }
 
 void AppendKey(Curve& curve, const KeyView& key, std::size_t width) {
     const float none[4] = {};
     curve.times.push_back(key.time);
-    const bool cubic = curve.interpolation == vl::zr::kInterpolationCubic;
     const auto add = [&](const float* values) {
         curve.values.insert(curve.values.end(), values, values + width);
     };
-    if (cubic) add(key.tangents != nullptr ? key.tangents->in.data() : none);
+    if (curve.IsCubic()) add(key.slopeIn != nullptr ? key.slopeIn : none);
     add(key.value);
-    if (cubic) add(key.tangents != nullptr ? key.tangents->out.data() : none);
+    if (curve.IsCubic()) add(key.slopeOut != nullptr ? key.slopeOut : none);
 }
 
-std::vector<float> Sample(const kernix::TransformTrack& track, int keyType, float time) {
-    const auto sample = track.Evaluate(time, {});
-    const auto narrow = [](double value) { return static_cast<float>(value); };
+std::array<float, 4> Sample(const kernix::TransformTrack& track, int keyType, float time) {
     if (keyType == vl::zr::kKeyRotation) {
-        const vl::Quaternion q = Narrow(sample.rotation);
+        const kernix::StoredCurve* packed = track.Packed(keyType);
+        const kernix::Rotation rotation = packed != nullptr ? kernix::EvaluateRotation(packed->Get(), time)
+                                                            : track.Evaluate(time, {}).rotation;
+        const vl::Quaternion q = rotation.ToQuaternion();
         return {q.x, q.y, q.z, q.w};
     }
-    const double* from = keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale;
-    return {narrow(from[0]), narrow(from[1]), narrow(from[2])};
+    double value[3];
+    if (const kernix::StoredCurve* packed = track.Packed(keyType)) {
+        kernix::EvaluateNumbers(packed->Get(), time, value);
+    } else {
+        const auto sample = track.Evaluate(time, {});
+        std::copy_n(keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale, 3, value);
+    }
+    return {static_cast<float>(value[0]), static_cast<float>(value[1]), static_cast<float>(value[2]), 0};
 }
 
 // Adds samples of the piece between two keys until the straight lines between them lie close enough.
@@ -124,14 +145,15 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
         const float middle = piece.from + (piece.to - piece.from) / 2;
         const auto a = Sample(track, keyType, piece.from), b = Sample(track, keyType, piece.to),
                    m = Sample(track, keyType, middle);
+        const std::size_t width = WidthOf(keyType);
         float off = 0;
-        for (std::size_t i = 0; i < m.size(); ++i) off = std::max(off, std::abs(m[i] - (a[i] + b[i]) / 2));
+        for (std::size_t i = 0; i < width; ++i) off = std::max(off, std::abs(m[i] - (a[i] + b[i]) / 2));
         // A curve may cross its chord in the middle; the first cuts are always made.
         const bool close = piece.depth >= 2 && off <= tolerance;
         if (close || piece.depth == kDeepest || middle <= piece.from || middle >= piece.to) {
             if (piece.to < to) {
                 curve.times.push_back(piece.to);
-                curve.values.insert(curve.values.end(), b.begin(), b.end());
+                curve.values.insert(curve.values.end(), b.begin(), b.begin() + width);
             }
             continue;
         }
@@ -144,9 +166,7 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
 // goes on from the last, so the first moves to the time before, where there is one that is not negative.
 std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) {
     std::vector<KeyView> keys;
-    kernix::Rotation shown;
-    for (int i = 0; i < track.Count(keyType); ++i) {
-        const KeyView key = View(track, keyType, i, shown);
+    for (const KeyView& key : Views(track, keyType)) {
         if (!keys.empty() && keys.back().time >= key.time) {
             const float before = std::nextafter(key.time, -std::numeric_limits<float>::infinity());
             const bool hasRoom = before >= 0 && (keys.size() < 2 || keys[keys.size() - 2].time < before);
@@ -161,7 +181,7 @@ std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) 
     return keys;
 }
 
-Curve Linearized(const kernix::TransformTrack& track, int keyType, const std::vector<KeyView>& keys) {
+Curve Baked(const kernix::TransformTrack& track, int keyType, const std::vector<KeyView>& keys) {
     const std::size_t width = WidthOf(keyType);
     float range = 1;
     for (const KeyView& key : keys)
@@ -183,14 +203,8 @@ Curve Linearized(const kernix::TransformTrack& track, int keyType, const std::ve
 
 }  // namespace
 
-bool Curve::operator==(const Curve& other) const {
-    return interpolation == other.interpolation && SameBits(times, other.times) &&
-           SameBits(values, other.values);
-}
-
-std::size_t Curve::Width() const {
-    if (times.empty()) return 0;
-    return values.size() / (times.size() * (interpolation == vl::zr::kInterpolationCubic ? 3 : 1));
+std::size_t WidthOf(int keyType) {
+    return keyType == vl::zr::kKeyRotation ? 4 : 3;
 }
 
 bool IsReadable(const gltf::Document& document, const gltf::Json& sampler) {
@@ -198,11 +212,16 @@ bool IsReadable(const gltf::Document& document, const gltf::Json& sampler) {
            gltf::HasData(document, gltf::IndexMember(sampler, "output"));
 }
 
-Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler) {
-    Curve curve;
+KeyInterpolation InterpolationOf(const gltf::Json& sampler) {
     const gltf::Json* interpolation = sampler.Find("interpolation");
     for (KeyInterpolation known : {vl::zr::kInterpolationStep, vl::zr::kInterpolationCubic})
-        if (interpolation != nullptr && interpolation->String() == NameOf(known)) curve.interpolation = known;
+        if (interpolation != nullptr && interpolation->String() == NameOf(known)) return known;
+    return vl::zr::kInterpolationLinear;
+}
+
+Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler) {
+    Curve curve;
+    curve.interpolation = InterpolationOf(sampler);
     curve.times = gltf::ReadFloats(document, gltf::IndexMember(sampler, "input"));
     curve.values = gltf::ReadFloats(document, gltf::IndexMember(sampler, "output"));
     return curve;
@@ -225,38 +244,47 @@ std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const C
 }
 
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve) {
-    const std::size_t width = WidthOf(keyType);
-    const bool cubic = curve.interpolation == vl::zr::kInterpolationCubic;
-    track.Reserve(keyType, curve.times.size());
+    if (track.Count(keyType) == 0 && std::is_sorted(curve.times.begin(), curve.times.end()))
+        return track.SetCurve(keyType, kernix::StoredCurve(curve));
     for (std::size_t i = 0; i < curve.times.size(); ++i) {
-        const float* value = curve.values.data() + (cubic ? 3 * i + 1 : i) * width;
-        std::unique_ptr<kernix::Tangents> tangents;
-        if (cubic) {
-            tangents = std::make_unique<kernix::Tangents>();
-            std::copy_n(value - width, width, tangents->in.begin());
-            std::copy_n(value + width, width, tangents->out.begin());
-        }
+        const KeyView view = View(curve, i);
         const auto put = [&](auto* key) {
-            key->m_params[0] = static_cast<float>(curve.interpolation);
-            key->m_tangents = std::move(tangents);
+            key->m_params[0] = static_cast<float>(view.interpolation);
+            if (view.slopeIn == nullptr) return;
+            key->m_tangents = std::make_unique<kernix::Tangents>();
+            std::copy_n(view.slopeIn, WidthOf(keyType), key->m_tangents->in.begin());
+            std::copy_n(view.slopeOut, WidthOf(keyType), key->m_tangents->out.begin());
         };
         if (keyType == vl::zr::kKeyRotation) {
-            kernix::RotationKeyModel* key = track.AddRotation(curve.times[i]);
-            key->SetQuaternion({value[0], value[1], value[2], value[3]});
+            kernix::RotationKeyModel* key = track.AddRotation(view.time);
+            key->SetQuaternion({view.value[0], view.value[1], view.value[2], view.value[3]});
             put(key);
         } else if (keyType == vl::zr::kKeyPosition) {
-            kernix::PositionKeyModel* key = track.AddPosition(curve.times[i]);
-            key->SetValue({value[0], value[1], value[2]});
+            kernix::PositionKeyModel* key = track.AddPosition(view.time);
+            key->SetValue({view.value[0], view.value[1], view.value[2]});
             put(key);
         } else {
-            kernix::ScaleKeyModel* key = track.AddScale(curve.times[i]);
-            key->SetValue({value[0], value[1], value[2]});
+            kernix::ScaleKeyModel* key = track.AddScale(view.time);
+            key->SetValue({view.value[0], view.value[1], view.value[2]});
             put(key);
         }
     }
 }
 
-Curve TakeKeys(const kernix::TransformTrack& track, int keyType) {
+namespace {
+
+// Whether a curve can be stored as it is.
+bool IsPlain(const Curve& curve) {
+    if (curve.IsCubic() && curve.times.size() == 1) return false;
+    return std::adjacent_find(curve.times.begin(), curve.times.end(),
+                              [](float a, float b) { return a >= b; }) == curve.times.end();
+}
+
+}  // namespace
+
+Curve KeysOf(const kernix::TransformTrack& track, int keyType) {
+    const kernix::StoredCurve* packed = track.Packed(keyType);
+    if (packed != nullptr && IsPlain(packed->Get())) return packed->Get();
     const std::vector<KeyView> keys = Distinct(track, keyType);
     Curve curve;
     if (keys.empty()) return curve;
@@ -264,19 +292,22 @@ Curve TakeKeys(const kernix::TransformTrack& track, int keyType) {
         return key.interpolation == keys.front().interpolation;
     });
     if (!alike || (keys.size() == 1 && keys[0].interpolation == vl::zr::kInterpolationCubic))
-        return Linearized(track, keyType, keys);
+        return Baked(track, keyType, keys);
     curve.interpolation = keys.front().interpolation;
     for (const KeyView& key : keys) AppendKey(curve, key, WidthOf(keyType));
     return curve;
 }
 
-Curve Straightened(const kernix::TransformTrack& track, int keyType) {
-    return Linearized(track, keyType, Distinct(track, keyType));
+void PackKeys(kernix::TransformTrack& track) {
+    track.ForgetObjects();
+    for (const int keyType : kKeyTypes) {
+        if (track.Packed(keyType) == nullptr)
+            track.SetCurve(keyType, kernix::StoredCurve(KeysOf(track, keyType)));
+    }
 }
 
-void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve) {
-    track.Clear(keyType);
-    PutKeys(track, keyType, curve);
+Curve BakedKeys(const kernix::TransformTrack& track, int keyType) {
+    return Baked(track, keyType, Distinct(track, keyType));
 }
 
 }  // namespace zr

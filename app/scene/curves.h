@@ -3,43 +3,39 @@
 
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 #include "gltf/document.h"
-#include "host/kinds.h"
+#include "kernix/scene/curve.h"
 #include "kernix/scene/transform_track.h"
 
 namespace zr {
 
-// The content of an animation sampler. A cubic curve has, key by key, an incoming slope, a value and an
-// outgoing slope; others one value a key.
-struct Curve {
-    vl::zr::KeyInterpolation interpolation = vl::zr::kInterpolationLinear;
-    std::vector<float> times;
-    std::vector<float> values;
+using kernix::Curve;
+using kernix::kKeyTypes;
 
-    bool operator==(const Curve& other) const;  // to the bit
-    // Numbers of one value.
-    std::size_t Width() const;
-};
+// Numbers of a value of the key type: 4 for rotations, else 3.
+std::size_t WidthOf(int keyType);
 
 // Whether the sampler's data can be read.
 bool IsReadable(const gltf::Document& document, const gltf::Json& sampler);
+// How the keys of the sampler pass.
+vl::zr::KeyInterpolation InterpolationOf(const gltf::Json& sampler);
 Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
 // Adds the data and a sampler to the animation: the sampler's index. `type` is the accessor type of a value.
 std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const Curve& curve,
                         std::string_view type);
 
-// Puts a curve's keys into a track, and takes them out again. Taking out keys that pass in different ways
-// gives a linear curve: steps become two keys next to each other, cubic pieces are sampled so that no sample
-// between differs by more than a hundred thousandth of the values' range.
+// Adds a curve's keys to a track.
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
-Curve TakeKeys(const kernix::TransformTrack& track, int keyType);
 
-// The keys as a linear curve, whatever way they pass.
-Curve Straightened(const kernix::TransformTrack& track, int keyType);
+// A track's keys as a curve. Keys that pass in different ways are baked.
+Curve KeysOf(const kernix::TransformTrack& track, int keyType);
 
-// Puts the curve's keys in the place of the track's.
-void ReplaceKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
+// Lays keys that somebody made as objects side by side again.
+void PackKeys(kernix::TransformTrack& track);
+
+// The keys as a linear curve, whatever way they pass: steps become two keys next to each other, cubic pieces are
+// sampled so that no sample between differs by more than a hundred thousandth of the values' range.
+Curve BakedKeys(const kernix::TransformTrack& track, int keyType);
 
 }  // namespace zr

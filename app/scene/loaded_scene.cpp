@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/loaded_scene.h"
 
+#include "app/scene/document_writer.h"
 #include "app/scene/scene_builder.h"
-#include "app/scene/scene_writer.h"
+#include "app/scene/scene_changes.h"
 #include "base/text.h"
 
 namespace zr {
@@ -12,16 +13,27 @@ std::string SkippedChannel::Place() const {
 }
 
 LoadedScene::LoadedScene(gltf::Document document, const SceneOptions& options)
-    : m_document(std::move(document)),
-      m_scene(vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)),
-      m_force(options.force) {
-    SceneBuilder(*this, options).Build();
-}
+    : m_document(std::make_unique<gltf::Document>(std::move(document))),
+      m_curves(std::make_unique<DocumentCurves>(*m_document)),
+      m_parts(SceneBuilder(*m_document, *m_curves, options).Build()) {}
 
 LoadedScene::~LoadedScene() = default;
 
-void LoadedScene::WriteBack() {
-    SceneWriter(*this).Run();
+std::optional<std::size_t> LoadedScene::IndexOf(const vl::zr::Node* node) const {
+    if (node == nullptr) return std::nullopt;
+    const std::size_t number = static_cast<const kernix::NodeModel*>(node)->GetNumber();
+    if (number >= m_parts.nodeIndices.size()) return std::nullopt;
+    return m_parts.nodeIndices[number];
+}
+
+std::string LoadedScene::NameOf(const vl::zr::Node& node) const {
+    const std::string& name = static_cast<const kernix::NodeModel&>(node).GetNameText();
+    return name.empty() ? Join("#", IndexOf(&node).value_or(0)) : name;
+}
+
+gltf::Document LoadedScene::WriteBack() && {
+    WriteDocument(*m_document, ChangesOf(*this));
+    return std::move(*m_document);
 }
 
 }  // namespace zr

@@ -2,14 +2,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+#include "app/scene/document_curves.h"
 #include "gltf/document.h"
 #include "host/ref.h"
 #include "kernix/scene/scene_model.h"
@@ -38,7 +39,7 @@ struct SceneOptions {
 struct LoadedChannel {
     std::size_t animation;
     std::size_t channel;
-    vl::Ref<vl::zr::Controller> controller;
+    vl::zr::Controller* controller = nullptr;
     int keyType = 0;  // of a transform controller; 0 for other controllers
 };
 
@@ -64,8 +65,27 @@ struct KeptElement {
     std::string reason;  // the place in the document that refers to it, or "kept by name"
 };
 
+// What is made from a document. By index in the document, where not said otherwise; null for what is not in the
+// scene.
+struct SceneParts {
+    vl::Ref<kernix::SceneModel> scene;
+    std::vector<kernix::NodeModel*> nodes;
+    std::vector<kernix::MaterialModel*> materials;
+    std::vector<kernix::AnimationModel*> animations;
+    std::vector<LoadedChannel> channels;             // in document order
+    std::vector<kernix::LayerModel*> layers;         // as ZR_scene lists them
+    std::vector<kernix::ViewportModel*> viewports;   // the same; empty when the host gave its own
+    std::vector<std::size_t> extrasNodes;            // nodes whose metadata came from extras
+    std::vector<KeptElement> kept;
+    std::vector<SkippedChannel> skipped;
+    bool sharesTracks = false;  // some channels move the same
+    bool force = false;         // SceneOptions::force
+    std::vector<std::uint32_t> nodeIndices;  // of the scene's nodes by their number: in the document
+};
+
 // A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
-// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone.
+// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys are
+// read from the document when somebody first asks for them.
 //
 // A node that something in the document refers to gets a dummy when it shows nothing. A mesh of such a node
 // has a format value of its own: nothing else equals it. Materials that something else than the scene's
@@ -76,46 +96,36 @@ public:
     LoadedScene(LoadedScene&&) = default;
     ~LoadedScene();
 
-    kernix::SceneModel& Scene() { return *m_scene; }
-    const kernix::SceneModel& Scene() const { return *m_scene; }
-    gltf::Document& Document() { return m_document; }
-    const gltf::Document& Document() const { return m_document; }
+    kernix::SceneModel& Scene() { return *m_parts.scene; }
+    const kernix::SceneModel& Scene() const { return *m_parts.scene; }
+    gltf::Document& Document() { return *m_document; }
+    const gltf::Document& Document() const { return *m_document; }
 
     // By index in the document; null for what is not in the scene.
-    kernix::NodeModel* Node(std::size_t index) const { return m_nodes[index]; }
-    kernix::MaterialModel* Material(std::size_t index) const { return m_materials[index]; }
-    kernix::AnimationModel* Animation(std::size_t index) const { return m_animations[index]; }
+    kernix::NodeModel* Node(std::size_t index) const { return m_parts.nodes[index]; }
+    kernix::MaterialModel* Material(std::size_t index) const { return m_parts.materials[index]; }
+    kernix::AnimationModel* Animation(std::size_t index) const { return m_parts.animations[index]; }
 
-    // Nodes of the scene, by index in the document, whose extras are their metadata.
-    const std::vector<std::size_t>& ExtrasNodes() const { return m_extrasNodes; }
+    // A node's index in the document; nothing for null and for one that the document does not have.
+    std::optional<std::size_t> IndexOf(const vl::zr::Node* node) const;
+    // How people find a node: its name, or "#4".
+    std::string NameOf(const vl::zr::Node& node) const;
 
-    const std::vector<KeptElement>& Kept() const { return m_kept; }
-    const std::vector<SkippedChannel>& Skipped() const { return m_skipped; }
+    const SceneParts& Parts() const { return m_parts; }
+    const std::vector<std::size_t>& ExtrasNodes() const { return m_parts.extrasNodes; }
+    const std::vector<KeptElement>& Kept() const { return m_parts.kept; }
+    const std::vector<SkippedChannel>& Skipped() const { return m_parts.skipped; }
 
-    // Brings into the document what changed in the scene since it was made: nodes, materials, animations and
-    // keys that went, were merged or were added, metadata that was emptied, layers and viewports. Call once;
-    // the scene stands for the old document afterwards. Throws gltf::Error, also (unless SceneOptions::force)
-    // when an element goes that something which cannot be followed could refer to.
-    void WriteBack();
+    // The document with what changed in the scene since it was made: nodes, materials, animations and keys that
+    // went, were merged or were added, metadata that was emptied, layers and viewports. Ends the scene. Throws
+    // gltf::Error, also (unless SceneOptions::force) when an element goes that something which cannot be followed
+    // could refer to.
+    gltf::Document WriteBack() &&;
 
 private:
-    friend class SceneBuilder;
-    friend class MeshBuilder;
-    friend class AnimationBuilder;
-    friend class SceneWriter;
-
-    gltf::Document m_document;
-    vl::Ref<kernix::SceneModel> m_scene;
-    bool m_force;
-    std::vector<kernix::NodeModel*> m_nodes;
-    std::vector<kernix::MaterialModel*> m_materials;
-    std::vector<kernix::AnimationModel*> m_animations;
-    std::vector<LoadedChannel> m_channels;
-    std::vector<kernix::LayerModel*> m_layers;        // as ZR_scene lists them
-    std::vector<kernix::ViewportModel*> m_viewports;  // the same; empty when the host gave its own
-    std::vector<std::size_t> m_extrasNodes;           // nodes whose metadata came from extras
-    std::vector<KeptElement> m_kept;
-    std::vector<SkippedChannel> m_skipped;
+    std::unique_ptr<gltf::Document> m_document;  // stays where it is when the scene moves
+    std::unique_ptr<DocumentCurves> m_curves;    // the same
+    SceneParts m_parts;
 };
 
 }  // namespace zr

@@ -79,7 +79,7 @@ bool IsBlended(const Json& material) {
 // its data is kept decides what it equals.
 std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
     if (part.positions == kNone) return {};
-    const gltf::Document& document = m_loaded.m_document;
+    const gltf::Document& document = m_document;
     if (!part.isCompressed && gltf::HasData(document, part.positions))
         return gltf::ReadFloats(document, part.positions);
     std::vector<float> corners;
@@ -92,11 +92,13 @@ std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
     return corners;
 }
 
-MeshBuilder::MeshBuilder(LoadedScene& loaded, ContentIds& ids)
-    : m_loaded(loaded),
+MeshBuilder::MeshBuilder(const gltf::Document& document,
+                         const std::vector<kernix::MaterialModel*>& materials, ContentIds& ids)
+    : m_document(document),
+      m_materials(materials),
       m_ids(ids),
-      m_shapes(loaded.m_document.Elements(Kind::kMesh).size()),
-      m_skins(loaded.m_document.Elements(Kind::kSkin).size(), kNone) {}
+      m_shapes(document.Elements(Kind::kMesh).size()),
+      m_skins(document.Elements(Kind::kSkin).size(), kNone) {}
 
 void MeshBuilder::AddFormat(const Part& part, Words& format) {
     const auto addVertexData = [&](const Json& accessors, std::string_view but) {
@@ -118,7 +120,7 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     for (const Json& mapping : Mappings(part.extensions)) {
         const std::size_t material = IndexMember(mapping, "material");
         format.push_back(
-            m_ids.Text(m_ids.Canonical(m_loaded.m_document.Elements(Kind::kMaterial)[material])));
+            m_ids.Text(m_ids.Canonical(m_document.Elements(Kind::kMaterial)[material])));
     }
 }
 
@@ -126,9 +128,9 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
 void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
     Words key;
     const auto add = [&](std::size_t material) {
-        if (m_loaded.Material(material) != nullptr) key.push_back(static_cast<std::uint32_t>(material));
+        if (m_materials[material] != nullptr) key.push_back(static_cast<std::uint32_t>(material));
         shape.isBlended =
-            shape.isBlended || IsBlended(m_loaded.m_document.Elements(Kind::kMaterial)[material]);
+            shape.isBlended || IsBlended(m_document.Elements(Kind::kMaterial)[material]);
     };
     for (const Part& part : parts) {
         if (part.material != nullptr) add(*part.material->Index());
@@ -137,7 +139,7 @@ void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
     const auto [number, isNew] = m_usesKeys.Intern(key);
     if (isNew) {
         m_uses.push_back(std::make_shared<kernix::MaterialUses>());
-        for (const std::uint32_t material : key) m_uses.back()->Add(m_loaded.Material(material));
+        for (const std::uint32_t material : key) m_uses.back()->Add(m_materials[material]);
     }
     shape.uses = m_uses[number];
 }
@@ -165,7 +167,7 @@ MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
     }
     if (part.indices != nullptr) part.indicesId = m_ids.Accessor(*part.indices->Index());
     if (part.material != nullptr) {
-        const kernix::MaterialModel* material = m_loaded.Material(*part.material->Index());
+        const kernix::MaterialModel* material = m_materials[*part.material->Index()];
         if (material != nullptr) part.attribute = material->GetId();
     }
     part.isCompressed =
@@ -222,7 +224,7 @@ const MeshBuilder::Vertices& MeshBuilder::VerticesOf(const std::vector<Part>& pa
 void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count,
                            kernix::MeshGeometry& geometry) const {
     if (part.isCompressed) return;
-    const gltf::Document& document = m_loaded.m_document;
+    const gltf::Document& document = m_document;
     std::vector<std::uint32_t> order;
     if (part.indices != nullptr) {
         const std::size_t accessor = *part.indices->Index();
@@ -276,7 +278,7 @@ std::shared_ptr<kernix::FaceAttributes> MeshBuilder::AttributesOf(const std::vec
 const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     Shape& shape = m_shapes[mesh];
     if (shape.geometry) return shape;
-    const Json& json = m_loaded.m_document.Elements(Kind::kMesh)[mesh];
+    const Json& json = m_document.Elements(Kind::kMesh)[mesh];
     std::vector<Part> parts;
     Words format;
     const auto primitives = json.Find("primitives")->Items();
@@ -301,7 +303,7 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
 std::uint32_t MeshBuilder::SkinFormat(std::size_t skin) {
     std::uint32_t& known = m_skins[skin];
     if (known != kNone) return known;
-    const Json& json = m_loaded.m_document.Elements(Kind::kSkin)[skin];
+    const Json& json = m_document.Elements(Kind::kSkin)[skin];
     Words format;
     for (const Json& joint : json.Find("joints")->Items())
         format.push_back(static_cast<std::uint32_t>(*joint.Index()));

@@ -8,7 +8,8 @@
 #include <vector>
 
 #include "app/scene/content_ids.h"
-#include "app/scene/loaded_scene.h"
+#include "gltf/document.h"
+#include "kernix/scene/scene_model.h"
 #include "app/scene/node_parts.h"
 
 namespace zr {
@@ -23,7 +24,8 @@ public:
     // attribute of the faces of a primitive without a material
     static constexpr std::uint32_t kNoMaterial = 0xFFFFFFFF;
 
-    MeshBuilder(LoadedScene& loaded, ContentIds& ids);
+    MeshBuilder(const gltf::Document& document, const std::vector<kernix::MaterialModel*>& materials,
+                ContentIds& ids);
 
     // `motion`: what tells how the node moves; with the rest of what decides the drawing it makes the format.
     vl::zr::Object3D* Build(const NodeParts& node, const std::string& motion);
@@ -83,7 +85,8 @@ private:
     void AddFormat(const Part& part, Words& format);
     std::uint32_t SkinFormat(std::size_t skin);
 
-    LoadedScene& m_loaded;
+    const gltf::Document& m_document;
+    const std::vector<kernix::MaterialModel*>& m_materials;  // by index in the document
     ContentIds& m_ids;
     std::vector<Shape> m_shapes;  // by mesh
     Words m_skins;                // by skin: the number of its content, or kNone

@@ -79,21 +79,23 @@ vl::Var VarOf(const Json& value) {
 
 }  // namespace
 
-SceneBuilder::SceneBuilder(LoadedScene& loaded, const SceneOptions& options)
-    : m_loaded(loaded),
-      m_document(loaded.m_document),
-      m_scene(*loaded.m_scene),
+SceneBuilder::SceneBuilder(gltf::Document& document, DocumentCurves& curves, const SceneOptions& options)
+    : m_document(document),
       m_options(options),
-      m_ids(loaded.m_document),
-      m_meshes(loaded, m_ids),
-      m_animations(loaded, m_ids),
-      m_surroundings(loaded.m_document) {}
+      m_parts{vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)},
+      m_scene(*m_parts.scene),
+      m_ids(document),
+      m_meshes(document, m_parts.materials, m_ids),
+      m_animations(document, curves, m_parts, m_ids),
+      m_surroundings(document) {
+    m_parts.force = options.force;
+}
 
-void SceneBuilder::Build() {
+SceneParts SceneBuilder::Build() && {
     const std::size_t nodes = m_document.Elements(Kind::kNode).size();
-    m_loaded.m_nodes.resize(nodes);
-    m_loaded.m_materials.resize(m_document.Elements(Kind::kMaterial).size());
-    m_loaded.m_animations.resize(m_document.Elements(Kind::kAnimation).size());
+    m_parts.nodes.resize(nodes);
+    m_parts.materials.resize(m_document.Elements(Kind::kMaterial).size());
+    m_parts.animations.resize(m_document.Elements(Kind::kAnimation).size());
     ChooseNodes();
     MarkReferences();
     AddMaterials();
@@ -101,6 +103,7 @@ void SceneBuilder::Build() {
     AddNodes();
     AddAnimations();
     AddLayersAndViewports();
+    return std::move(m_parts);
 }
 
 // The nodes of the scene in pre-order.
@@ -108,7 +111,6 @@ void SceneBuilder::ChooseNodes() {
     const auto nodes = m_document.Elements(Kind::kNode);
     const auto scenes = m_document.Elements(Kind::kScene);
     m_parents.assign(nodes.size(), kNone);
-    m_inScene.assign(nodes.size(), false);
     for (std::size_t i = 0; i < nodes.size(); ++i)
         if (const Json* children = nodes[i].Find("children"))
             for (const Json& child : children->Items()) m_parents[*child.Index()] = i;
@@ -129,7 +131,6 @@ void SceneBuilder::ChooseNodes() {
         const std::size_t node = open.back();
         open.pop_back();
         m_order.push_back(node);
-        m_inScene[node] = true;
         const Json* children = nodes[node].Find("children");
         if (children == nullptr) continue;
         const auto items = children->Items();
@@ -138,10 +139,10 @@ void SceneBuilder::ChooseNodes() {
 }
 
 void SceneBuilder::MarkReferences() {
-    m_nodeMarks.resize(m_loaded.m_nodes.size());
-    m_materialMarks.resize(m_loaded.m_materials.size());
-    m_animationMarks.resize(m_loaded.m_animations.size());
-    m_drawn.resize(m_loaded.m_materials.size(), false);
+    m_nodeMarks.resize(m_parts.nodes.size());
+    m_materialMarks.resize(m_parts.materials.size());
+    m_animationMarks.resize(m_parts.animations.size());
+    m_drawn.resize(m_parts.materials.size(), false);
     std::vector<bool> meshInScene(m_document.Elements(Kind::kMesh).size(), false);
     for (std::size_t node : m_order) {
         const Json& json = m_document.Elements(Kind::kNode)[node];
@@ -191,7 +192,7 @@ void SceneBuilder::MarkByName(Kind kind, std::vector<Mark>& marks) {
     for (std::size_t i = 0; i < elements.size(); ++i) {
         if (!marks[i].reason && m_options.keep && m_options.keep(kind, NameOf(elements[i])))
             marks[i].reason = "kept by name";
-        if (marks[i].reason) m_loaded.m_kept.push_back({kind, i, *marks[i].reason});
+        if (marks[i].reason) m_parts.kept.push_back({kind, i, *marks[i].reason});
     }
 }
 
@@ -206,7 +207,7 @@ void SceneBuilder::AddMaterials() {
         std::string content = m_ids.Canonical(materials[i]);
         // Something refers to this one, so it is equal to none.
         if (kept) content += Join(" #", i);
-        m_loaded.m_materials[i] = m_scene.AddMaterial(std::move(text), std::move(content));
+        m_parts.materials[i] = m_scene.AddMaterial(std::move(text), std::move(content));
     }
 }
 
@@ -224,10 +225,10 @@ void SceneBuilder::AddNodes() {
 void SceneBuilder::AddNode(std::size_t index, std::size_t parent) {
     const Json& json = m_document.Elements(Kind::kNode)[index];
     const NodeParts parts(json);
-    kernix::NodeModel* above = parent != kNone ? m_loaded.m_nodes[parent] : nullptr;
+    kernix::NodeModel* above = parent != kNone ? m_parts.nodes[parent] : nullptr;
     kernix::NodeModel* node = m_scene.AddNode(above, std::string(parts.name));
-    m_loaded.m_nodes[index] = node;
-    node->m_source = static_cast<int>(index);
+    m_parts.nodes[index] = node;
+    m_parts.nodeIndices.push_back(static_cast<std::uint32_t>(index));
     SetTransform(*node, parts);
     if (parts.extras != nullptr) SetMetadata(index, *parts.extras);
     if (parts.extensions != nullptr && parts.extensions->Find("ZR_scene") != nullptr)
@@ -290,18 +291,18 @@ void SceneBuilder::SetTransform(kernix::NodeModel& model, const NodeParts& parts
 
 void SceneBuilder::SetMetadata(std::size_t index, const Json& extras) {
     if (extras.IsObject() && extras.Members().empty()) return;
-    vl::VarMap* map = m_loaded.m_nodes[index]->GetMetadata(true);
+    vl::VarMap* map = m_parts.nodes[index]->GetMetadata(true);
     if (!extras.IsObject()) map->Set(u"", VarOf(extras));
     for (const gltf::JsonMember& member : extras.Members())
         map->Set(kernix::ToUtf16(member.Name()), VarOf(member.value));
-    m_loaded.m_extrasNodes.push_back(index);
+    m_parts.extrasNodes.push_back(index);
 }
 
 void SceneBuilder::ApplyExtension(std::size_t index) {
     const Json* extension = Extension(m_document.Elements(Kind::kNode)[index], "ZR_scene");
-    kernix::NodeModel* node = m_loaded.m_nodes[index];
+    kernix::NodeModel* node = m_parts.nodes[index];
     const auto named = [&](std::string_view name) {
-        return extension->Find(name) != nullptr ? m_loaded.m_nodes[IndexMember(*extension, name)] : nullptr;
+        return extension->Find(name) != nullptr ? m_parts.nodes[IndexMember(*extension, name)] : nullptr;
     };
     if (kernix::NodeModel* target = named("target")) {
         if (auto* camera = dynamic_cast<kernix::CameraModel*>(node->m_pObject)) camera->SetTarget(target);
@@ -322,7 +323,7 @@ void SceneBuilder::AddAnimations() {
     for (std::size_t i = 0; i < animations.size(); ++i) {
         kernix::AnimationModel* model = m_scene.AddAnimation(kernix::ToUtf16(NameOf(animations[i])));
         model->m_locked = m_animationMarks[i].reason.has_value();
-        m_loaded.m_animations[i] = model;
+        m_parts.animations[i] = model;
     }
     m_animations.Build();
 }
@@ -334,22 +335,22 @@ void SceneBuilder::AddLayersAndViewports() {
     if (layers != nullptr) {
         for (const Json& json : layers->Items()) {
             kernix::LayerModel* layer = m_scene.AddLayer(std::string(NameOf(json)));
-            m_loaded.m_layers.push_back(layer);
+            m_parts.layers.push_back(layer);
             if (const Json* members = json.Find("nodes"))
                 for (const Json& member : members->Items())
-                    if (kernix::NodeModel* node = m_loaded.m_nodes[*member.Index()]) layer->AddMember(node);
+                    if (kernix::NodeModel* node = m_parts.nodes[*member.Index()]) layer->AddMember(node);
         }
     }
     if (viewports == nullptr) return AddDefaultViewport();
     for (const Json& json : viewports->Items()) {
         kernix::ViewportModel* viewport =
             m_scene.AddViewport(static_cast<int>(IndexMember(json, "kind")), std::string(NameOf(json)));
-        m_loaded.m_viewports.push_back(viewport);
-        const std::size_t layer = IndexMember(json, "layer", m_loaded.m_layers.size());
-        if (layer < m_loaded.m_layers.size()) viewport->m_pLayer = m_loaded.m_layers[layer];
+        m_parts.viewports.push_back(viewport);
+        const std::size_t layer = IndexMember(json, "layer", m_parts.layers.size());
+        if (layer < m_parts.layers.size()) viewport->m_pLayer = m_parts.layers[layer];
         if (const Json* played = json.Find("animations"))
             for (const Json& animation : played->Items())
-                viewport->AddAnimationReference(m_loaded.m_animations[*animation.Index()]);
+                viewport->AddAnimationReference(m_parts.animations[*animation.Index()]);
     }
 }
 
@@ -365,7 +366,7 @@ void SceneBuilder::AddDefaultViewport() {
                 const Json& target = *channel.Find("target");
                 return target.Find("node") != nullptr || target.Find("path")->String() == "pointer";
             });
-        if (moves || m_animationMarks[i].reason) viewport->AddAnimationReference(m_loaded.m_animations[i]);
+        if (moves || m_animationMarks[i].reason) viewport->AddAnimationReference(m_parts.animations[i]);
     }
 }
 

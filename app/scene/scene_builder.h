@@ -15,12 +15,12 @@
 
 namespace zr {
 
-// Makes the scene of a LoadedScene.
+// Makes the scene of a document.
 class SceneBuilder {
 public:
-    SceneBuilder(LoadedScene& loaded, const SceneOptions& options);
+    SceneBuilder(gltf::Document& document, DocumentCurves& curves, const SceneOptions& options);
 
-    void Build();
+    SceneParts Build() &&;
 
 private:
     // What the document says about an element apart from the scene itself.
@@ -47,10 +47,10 @@ private:
 
     static constexpr std::size_t kNone = AnimationBuilder::kNone;
 
-    LoadedScene& m_loaded;
     gltf::Document& m_document;
-    kernix::SceneModel& m_scene;
     const SceneOptions& m_options;
+    SceneParts m_parts;
+    kernix::SceneModel& m_scene;
     ContentIds m_ids;
     MeshBuilder m_meshes;
     AnimationBuilder m_animations;
@@ -58,7 +58,6 @@ private:
     std::vector<std::size_t> m_order;     // nodes of the scene, parents first
     std::vector<std::size_t> m_extended;  // those with an extension of the scene's own
     std::vector<std::size_t> m_parents;   // of every node of the document
-    std::vector<bool> m_inScene;
     std::vector<bool> m_drawn;  // materials that the scene's meshes use
     std::vector<Mark> m_nodeMarks;
     std::vector<Mark> m_materialMarks;

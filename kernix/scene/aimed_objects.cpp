@@ -47,29 +47,36 @@ vl::Vector3<float> Aim::TargetInRestSpace(NodeModel& node, float forward) const 
     return {static_cast<float>(target.x), static_cast<float>(target.y), static_cast<float>(target.z)};
 }
 
-void Aim::GetObjectMatrix(NodeModel& node, M& m) const {
+M LookAt(const vl::Vector3<float>& position, const V3& target) {
+    M m;
     m.IdentityMatrix();
-    if (m_target != nullptr) {
-        const V3 target = TargetIn(node, *m_target, 0);
-        const V3 back{m_position.x - target.x, m_position.y - target.y, m_position.z - target.z};
-        const double distance = Length(back);
-        if (distance > 0) {
-            const V3 z{back.x / distance, back.y / distance, back.z / distance};
-            // Looking straight up or down, the node's own -Z is what stays up.
-            V3 x = Cross(V3{0, 1, 0}, z);
-            if (Length(x) < 1e-9) x = Cross(V3{0, 0, z.y > 0 ? -1.0 : 1.0}, z);
-            const double length = Length(x);
-            x = {x.x / length, x.y / length, x.z / length};
-            const V3 y = Cross(z, x);
-            const V3 rows[3] = {x, y, z};
-            for (int i = 0; i < 3; ++i) {
-                m.m[i][0] = rows[i].x;
-                m.m[i][1] = rows[i].y;
-                m.m[i][2] = rows[i].z;
-            }
+    const V3 back{position.x - target.x, position.y - target.y, position.z - target.z};
+    const double distance = Length(back);
+    if (distance > 0) {
+        const V3 z{back.x / distance, back.y / distance, back.z / distance};
+        // Looking straight up or down, the node's own -Z is what stays up.
+        V3 x = Cross(V3{0, 1, 0}, z);
+        if (Length(x) < 1e-9) x = Cross(V3{0, 0, z.y > 0 ? -1.0 : 1.0}, z);
+        const double length = Length(x);
+        x = {x.x / length, x.y / length, x.z / length};
+        const V3 y = Cross(z, x);
+        const V3 rows[3] = {x, y, z};
+        for (int i = 0; i < 3; ++i) {
+            m.m[i][0] = rows[i].x;
+            m.m[i][1] = rows[i].y;
+            m.m[i][2] = rows[i].z;
         }
     }
-    m.Offset(m_position);
+    m.Offset(position);
+    return m;
+}
+
+void Aim::GetObjectMatrix(NodeModel& node, M& m) const {
+    if (m_target != nullptr) {
+        m = LookAt(m_position, TargetIn(node, *m_target, 0));
+    } else {
+        m.SetTranslate({m_position.x, m_position.y, m_position.z});
+    }
     m.Invert();
 }
 

@@ -37,6 +37,7 @@ public:
     SceneModel& GetScene() const { return m_scene; }
     NodeModel* GetParent() const { return m_parent; }
     const std::string& GetNameText() const { return m_name; }
+    std::size_t GetNumber() const { return m_number; }  // counts all nodes the scene ever had
     bool IsDeleted() const { return m_deleted; }
 
     // The transform at rest: a pose, or any matrix.
@@ -52,9 +53,6 @@ public:
     SampledControllerModel* AddController(std::string target);
     void AddGenerator(std::string name) { m_generators.push_back(std::move(name)); }
     bool HasGenerator(const char* name) const;
-
-    // What the node stands for in the document it came from; -1 when it stands for nothing.
-    int m_source = -1;
 
 private:
     friend class SceneModel;

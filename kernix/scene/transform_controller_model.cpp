@@ -67,12 +67,19 @@ void TransformControllerModel::EvaluateMatrix(float time, int, vl::Matrix4<doubl
         return;
     }
     const TransformTrack::Sample sample = track->Evaluate(time, m_node.GetRestPose());
-    m->IdentityMatrix();
-    sample.rotation.ToRows(m->m);
+    *m = Compose(sample.translation, sample.rotation, sample.scale);
+}
+
+vl::Matrix4<double> TransformControllerModel::Compose(const double (&translation)[3],
+                                                      const Rotation& rotation, const double (&scale)[3]) {
+    vl::Matrix4<double> m;
+    m.IdentityMatrix();
+    rotation.ToRows(m.m);
     for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) m->m[row][column] *= NotZero(sample.scale[row]);
-        m->m[3][row] = sample.translation[row];
+        for (int column = 0; column < 3; ++column) m.m[row][column] *= NotZero(scale[row]);
+        m.m[3][row] = translation[row];
     }
+    return m;
 }
 
 void TransformControllerModel::NormalizeRotationKeys(vl::zr::Track* track, int) {

@@ -24,6 +24,10 @@ public:
     void EvaluateMatrix(float time, int mode, vl::Matrix4<double>* m, int flags) override;
     void NormalizeRotationKeys(vl::zr::Track* track, int mode) override;
 
+    // First the scale (0 counts as one millionth), then the rotation, then the translation.
+    static vl::Matrix4<double> Compose(const double (&translation)[3], const Rotation& rotation,
+                                       const double (&scale)[3]);
+
     TransformTrack* AddTransformTrack(AnimationModel* animation) { return TrackFor(animation); }
 
     vl::Vector3<float> m_offset;

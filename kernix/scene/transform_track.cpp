@@ -7,6 +7,10 @@
 namespace kernix {
 namespace {
 
+bool IsKeyType(int keyType) {
+    return std::find(std::begin(kKeyTypes), std::end(kKeyTypes), keyType) != std::end(kKeyTypes);
+}
+
 template <typename Keys>
 std::size_t FirstAfter(const Keys& keys, float time) {
     const auto after = std::upper_bound(keys.begin(), keys.end(), time,
@@ -26,23 +30,29 @@ K* Insert(std::vector<std::unique_ptr<K>>& keys, float time, std::unique_ptr<K> 
     return added;
 }
 
-// Cubic Hermite curve between two values with slopes, s from 0 to 1 over span seconds.
-double Hermite(double a, double slopeA, double b, double slopeB, double s, double span) {
-    const double s2 = s * s;
-    const double s3 = s2 * s;
-    return (2 * s3 - 3 * s2 + 1) * a + span * (s3 - 2 * s2 + s) * slopeA + (-2 * s3 + 3 * s2) * b +
-           span * (s3 - s2) * slopeB;
-}
-
 template <typename K>
 bool IsCubic(const K& a, const K& b) {
     return a.Passes(vl::zr::kInterpolationCubic) && a.m_tangents && b.m_tangents;
 }
 
-template <typename Keys>
-void EvaluateVector(const Keys& keys, float time, const vl::Vector3<float>& rest, double (&out)[3]) {
+template <typename Objects>
+void RetimeObjects(Objects& keys, float scale, float offset) {
+    for (auto& key : keys) {
+        key->m_fTime = key->m_fTime * scale + offset;
+        if (!key->m_tangents || scale == 0) continue;
+        for (float& slope : key->m_tangents->in) slope /= scale;
+        for (float& slope : key->m_tangents->out) slope /= scale;
+        if (scale < 0) std::swap(key->m_tangents->in, key->m_tangents->out);
+    }
+    if (scale < 0) std::reverse(keys.begin(), keys.end());
+}
+
+template <typename Column, typename Make>
+void EvaluateVector(Column& column, Make make, float time, const vl::Vector3<float>& rest, double (&out)[3]) {
     const auto put = [&](const vl::Vector3<float>& v) { out[0] = v.x, out[1] = v.y, out[2] = v.z; };
-    if (keys.empty()) return put(rest);
+    if (column.Count() == 0) return put(rest);
+    if (!column.IsOpen()) return EvaluateNumbers(column.Packed().Get(), time, out);
+    const auto& keys = column.Open(make);
     const std::size_t next = FirstAfter(keys, time);
     if (next == 0) return put(keys.front()->m_value);
     const auto& a = *keys[next - 1];
@@ -60,134 +70,172 @@ void EvaluateVector(const Keys& keys, float time, const vl::Vector3<float>& rest
     }
 }
 
-Rotation Slerp(double s, const Rotation& a, const Rotation& b) {
-    double dot = a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
-    const double sign = dot < 0 ? -1 : 1;
-    dot = std::min(std::fabs(dot), 1.0);
-    double wa = 1 - s;
-    double wb = s;
-    if (dot < 1 - 1e-9) {
-        const double angle = std::acos(dot);
-        wa = std::sin(wa * angle) / std::sin(angle);
-        wb = std::sin(wb * angle) / std::sin(angle);
-    }
-    wb *= sign;
-    const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
-    const double length = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z + sum.w * sum.w);
-    return {sum.x / length, sum.y / length, sum.z / length, sum.w / length};
+std::unique_ptr<Tangents> TangentsOf(const Curve& curve, std::size_t index) {
+    if (!curve.IsCubic()) return nullptr;
+    const std::size_t width = curve.Width();
+    const float* value = curve.Value(index);
+    auto tangents = std::make_unique<Tangents>();
+    std::copy_n(value - width, width, tangents->in.begin());
+    std::copy_n(value + width, width, tangents->out.begin());
+    return tangents;
+}
+
+template <typename K>
+auto Described(std::unique_ptr<K> key, const Curve& curve, std::size_t index) {
+    key->m_fTime = curve.times[index];
+    key->m_params[0] = static_cast<float>(curve.interpolation);
+    key->m_tangents = TangentsOf(curve, index);
+    return key;
+}
+
+template <typename K>
+std::unique_ptr<K> MakeVectorKey(const Curve& curve, std::size_t index) {
+    auto key = Described(std::make_unique<K>(), curve, index);
+    const float* value = curve.Value(index);
+    key->m_value = {value[0], value[1], value[2]};
+    return key;
+}
+
+constexpr auto MakePosition = MakeVectorKey<PositionKeyModel>;
+constexpr auto MakeScale = MakeVectorKey<ScaleKeyModel>;
+
+// Makes the rotation keys of a track.
+auto RotationMaker(const TransformTrack& track) {
+    // A key tells its track of changes, which only somebody who may change the track can make.
+    return [&owner = const_cast<TransformTrack&>(track)](const Curve& curve, std::size_t index) {
+        auto key = std::make_unique<RotationKeyModel>(owner);
+        const float* q = curve.Value(index);
+        key->SetQuaternion({q[0], q[1], q[2], q[3]});
+        return Described(std::move(key), curve, index);
+    };
 }
 
 }  // namespace
 
 PositionKeyModel* TransformTrack::AddPosition(float time) {
-    return Insert(m_positions, time, std::make_unique<PositionKeyModel>());
+    return Insert(m_positions.OpenToChange(MakePosition), time, std::make_unique<PositionKeyModel>());
 }
 
 ScaleKeyModel* TransformTrack::AddScale(float time) {
-    return Insert(m_scales, time, std::make_unique<ScaleKeyModel>());
+    return Insert(m_scales.OpenToChange(MakeScale), time, std::make_unique<ScaleKeyModel>());
 }
 
 RotationKeyModel* TransformTrack::AddRotation(float time) {
     Changed();
-    return Insert(m_rotations, time, std::make_unique<RotationKeyModel>(*this));
+    return Insert(m_rotations.OpenToChange(RotationMaker(*this)), time,
+                  std::make_unique<RotationKeyModel>(*this));
 }
 
-void TransformTrack::Reserve(int keyType, std::size_t count) {
+const std::vector<std::unique_ptr<PositionKeyModel>>& TransformTrack::Positions() const {
+    return m_positions.Open(MakePosition);
+}
+
+const std::vector<std::unique_ptr<RotationKeyModel>>& TransformTrack::Rotations() const {
+    return m_rotations.Open(RotationMaker(*this));
+}
+
+const std::vector<std::unique_ptr<ScaleKeyModel>>& TransformTrack::Scales() const {
+    return m_scales.Open(MakeScale);
+}
+
+// Calls visit(column, make) for the keys of the type.
+template <typename Visit>
+auto TransformTrack::WithColumn(int keyType, Visit visit) const {
     switch (keyType) {
         case vl::zr::kKeyPosition:
-            m_positions.reserve(m_positions.size() + count);
-            break;
+            return visit(m_positions, MakePosition);
         case vl::zr::kKeyRotation:
-            m_rotations.reserve(m_rotations.size() + count);
-            break;
+            return visit(m_rotations, RotationMaker(*this));
         default:
-            m_scales.reserve(m_scales.size() + count);
-            break;
+            return visit(m_scales, MakeScale);
+    }
+}
+
+const StoredCurve* TransformTrack::Packed(int keyType) const {
+    return WithColumn(keyType, [](auto& column, auto) -> const StoredCurve* {
+        return column.IsOpen() ? nullptr : &column.Packed();
+    });
+}
+
+void TransformTrack::SetCurve(int keyType, StoredCurve curve) {
+    WithColumn(keyType, [&](auto& column, auto) { column.Set(std::move(curve)); });
+    Changed();
+}
+
+StoredCurve TransformTrack::TakeCurve(int keyType) {
+    Changed();
+    return WithColumn(keyType, [](auto& column, auto) { return column.Take(); });
+}
+
+void TransformTrack::ForgetObjects() {
+    for (const int keyType : kKeyTypes) {
+        WithColumn(keyType, [](auto& column, auto) { column.ForgetObjects(); });
+    }
+    Changed();
+}
+
+void TransformTrack::Unload() {
+    for (const int keyType : kKeyTypes) {
+        WithColumn(keyType, [](auto& column, auto) { column.Packed().Unload(); });
     }
 }
 
 int TransformTrack::Count(int keyType) const {
-    switch (keyType) {
-        case vl::zr::kKeyPosition:
-            return static_cast<int>(m_positions.size());
-        case vl::zr::kKeyRotation:
-            return static_cast<int>(m_rotations.size());
-        case vl::zr::kKeyScale:
-            return static_cast<int>(m_scales.size());
-        default:
-            return 0;
-    }
+    if (!IsKeyType(keyType)) return 0;
+    return WithColumn(keyType, [](auto& column, auto) { return static_cast<int>(column.Count()); });
+}
+
+float TransformTrack::TimeOf(int keyType, int index) const {
+    const auto at = static_cast<std::size_t>(index);
+    return WithColumn(keyType, [at](auto& column, auto make) {
+        return column.IsOpen() ? column.Open(make)[at]->m_fTime : column.Packed().Get().times[at];
+    });
 }
 
 vl::zr::Key* TransformTrack::Get(int keyType, int index) const {
     if (index < 0 || index >= Count(keyType)) return nullptr;
-    const auto i = static_cast<std::size_t>(index);
-    switch (keyType) {
-        case vl::zr::kKeyPosition:
-            return m_positions[i].get();
-        case vl::zr::kKeyRotation:
-            return m_rotations[i].get();
-        default:
-            return m_scales[i].get();
-    }
+    return WithColumn(keyType, [index](auto& column, auto make) -> vl::zr::Key* {
+        return column.Open(make)[static_cast<std::size_t>(index)].get();
+    });
 }
 
 void TransformTrack::Remove(int keyType, int index) {
     if (index < 0 || index >= Count(keyType)) return;
-    switch (keyType) {
-        case vl::zr::kKeyPosition:
-            m_positions.erase(m_positions.begin() + index);
-            break;
-        case vl::zr::kKeyRotation:
-            m_rotations.erase(m_rotations.begin() + index);
-            break;
-        default:
-            m_scales.erase(m_scales.begin() + index);
-            break;
-    }
+    WithColumn(keyType, [index](auto& column, auto make) {
+        auto& keys = column.OpenToChange(make);
+        keys.erase(keys.begin() + index);
+    });
     Changed();
 }
 
 void TransformTrack::Clear(int keyType) {
-    switch (keyType) {
-        case vl::zr::kKeyPosition:
-            m_positions.clear();
-            break;
-        case vl::zr::kKeyRotation:
-            m_rotations.clear();
-            break;
-        default:
-            m_scales.clear();
-            break;
-    }
-    Changed();
+    SetCurve(keyType, {});
 }
 
 std::optional<std::pair<float, float>> TransformTrack::GetRange() {
     std::optional<std::pair<float, float>> range;
-    const auto widen = [&](const auto& keys) {
-        if (keys.empty()) return;
-        const float first = keys.front()->m_fTime;
-        const float last = keys.back()->m_fTime;
+    for (const int keyType : kKeyTypes) {
+        const int count = Count(keyType);
+        if (count == 0) continue;
+        const float first = TimeOf(keyType, 0);
+        const float last = TimeOf(keyType, count - 1);
         range = range ? std::pair(std::min(range->first, first), std::max(range->second, last))
                       : std::pair(first, last);
-    };
-    widen(m_positions);
-    widen(m_rotations);
-    widen(m_scales);
+    }
     return range;
 }
 
 int TransformTrack::GetKeyCount() {
-    return static_cast<int>(m_positions.size() + m_rotations.size() + m_scales.size());
+    return static_cast<int>(m_positions.Count() + m_rotations.Count() + m_scales.Count());
 }
 
 // Relative keys add up from the first one on.
 const std::vector<Rotation>& TransformTrack::Orientations() const {
-    if (m_orientations.size() == m_rotations.size()) return m_orientations;
+    const auto& rotations = Rotations();
+    if (m_orientations.size() == rotations.size()) return m_orientations;
     m_orientations.clear();
-    m_orientations.reserve(m_rotations.size());
-    for (const auto& key : m_rotations) {
+    m_orientations.reserve(rotations.size());
+    for (const auto& key : rotations) {
         if (key->m_type == vl::zr::kRotationAngleAxis) {
             const Rotation step = Rotation::From(key->m_angleAxis);
             m_orientations.push_back(m_orientations.empty() ? step : m_orientations.back().Times(step));
@@ -199,15 +247,17 @@ const std::vector<Rotation>& TransformTrack::Orientations() const {
 }
 
 Rotation TransformTrack::EvaluateRotation(float time, const Pose& rest) const {
-    if (m_rotations.empty()) return Rotation::From(rest.rotation);
+    if (m_rotations.Count() == 0) return Rotation::From(rest.rotation);
+    if (!m_rotations.IsOpen()) return kernix::EvaluateRotation(m_rotations.Packed().Get(), time);
+    const auto& rotations = Rotations();
     const auto& orientations = Orientations();
-    const std::size_t next = FirstAfter(m_rotations, time);
+    const std::size_t next = FirstAfter(rotations, time);
     if (next == 0) return orientations.front();
-    const RotationKeyModel& a = *m_rotations[next - 1];
-    if (next == m_rotations.size() || a.m_fTime == time || a.Passes(vl::zr::kInterpolationStep)) {
+    const RotationKeyModel& a = *rotations[next - 1];
+    if (next == rotations.size() || a.m_fTime == time || a.Passes(vl::zr::kInterpolationStep)) {
         return orientations[next - 1];
     }
-    const RotationKeyModel& b = *m_rotations[next];
+    const RotationKeyModel& b = *rotations[next];
     const double span = double{b.m_fTime} - a.m_fTime;
     const double s = (double{time} - a.m_fTime) / span;
     if (IsCubic(a, b)) {
@@ -240,18 +290,19 @@ Rotation TransformTrack::EvaluateRotation(float time, const Pose& rest) const {
 
 TransformTrack::Sample TransformTrack::Evaluate(float time, const Pose& rest) const {
     Sample sample;
-    EvaluateVector(m_positions, time, rest.translation, sample.translation);
-    EvaluateVector(m_scales, time, rest.scale, sample.scale);
+    EvaluateVector(m_positions, MakePosition, time, rest.translation, sample.translation);
+    EvaluateVector(m_scales, MakeScale, time, rest.scale, sample.scale);
     sample.rotation = EvaluateRotation(time, rest);
     return sample;
 }
 
 // Each step leads from what the steps before it add up to, so that their rounding does not add up as well.
 void TransformTrack::NormalizeRotations() {
+    auto& rotations = m_rotations.OpenToChange(RotationMaker(*this));
     const std::vector<Rotation> orientations = Orientations();
     Rotation shown;
-    for (std::size_t i = 0; i < m_rotations.size(); ++i) {
-        RotationKeyModel& key = *m_rotations[i];
+    for (std::size_t i = 0; i < rotations.size(); ++i) {
+        RotationKeyModel& key = *rotations[i];
         if (key.m_type != vl::zr::kRotationAngleAxis) {
             key.m_angleAxis = shown.Inverted().Times(orientations[i]).ToAngleAxis();
             key.m_type = vl::zr::kRotationAngleAxis;
@@ -262,28 +313,23 @@ void TransformTrack::NormalizeRotations() {
 }
 
 void TransformTrack::Retime(float scale, float offset) {
-    const auto retime = [&](auto& keys) {
-        for (auto& key : keys) {
-            key->m_fTime = key->m_fTime * scale + offset;
-            if (!key->m_tangents || scale == 0) continue;
-            for (float& slope : key->m_tangents->in) slope /= scale;
-            for (float& slope : key->m_tangents->out) slope /= scale;
-            if (scale < 0) std::swap(key->m_tangents->in, key->m_tangents->out);
-        }
-        if (scale < 0) std::reverse(keys.begin(), keys.end());
-    };
-    if (scale < 0) {
+    if (scale < 0 && m_rotations.IsOpen()) {
         // Steps lead forward; orientations can be read in either direction.
         const std::vector<Rotation> orientations = Orientations();
-        for (std::size_t i = 0; i < m_rotations.size(); ++i) {
-            if (m_rotations[i]->m_type == vl::zr::kRotationAngleAxis) {
-                m_rotations[i]->SetQuaternion(orientations[i].ToQuaternion());
+        const auto& rotations = Rotations();
+        for (std::size_t i = 0; i < rotations.size(); ++i) {
+            if (rotations[i]->m_type == vl::zr::kRotationAngleAxis) {
+                rotations[i]->SetQuaternion(orientations[i].ToQuaternion());
             }
         }
     }
-    retime(m_positions);
-    retime(m_rotations);
-    retime(m_scales);
+    for (const int keyType : kKeyTypes) {
+        WithColumn(keyType, [&](auto& column, auto make) {
+            if (column.Count() == 0) return;
+            if (column.IsOpen()) return RetimeObjects(column.OpenToChange(make), scale, offset);
+            column.Packed().Edit().Retime(scale, offset);
+        });
+    }
     Changed();
 }
 

@@ -5,7 +5,7 @@
 namespace kernix {
 namespace {
 
-constexpr std::uint32_t kTransformTrackMark = 0x314D5254;  // "TRM1"
+constexpr std::uint32_t kTransformTrackMark = 0x324D5254;  // "TRM2"
 
 void SaveKey(vl::Stream& stream, const vl::zr::Key& key, const Tangents* tangents) {
     WriteValue(stream, key.m_fTime);
@@ -45,24 +45,34 @@ void TransformTrack::Save(vl::Stream& stream) {
             WriteValue(stream, key->m_value);
         }
     };
-    saveVectors(m_positions);
-    saveVectors(m_scales);
-    WriteValue(stream, static_cast<std::uint32_t>(m_rotations.size()));
-    for (const auto& key : m_rotations) {
-        SaveKey(stream, *key, key->m_tangents.get());
-        WriteValue(stream, key->m_type);
-        WriteValue(stream, key->m_order);
-        WriteValue(stream, key->m_quaternion);
-        WriteValue(stream, key->m_angleAxis);
-        WriteValue(stream, key->m_euler);
+    for (const int keyType : kKeyTypes) {
+        const StoredCurve* packed = Packed(keyType);
+        WriteValue(stream, packed != nullptr);
+        if (packed != nullptr) {
+            SaveCurve(stream, packed->Get());
+        } else if (keyType == vl::zr::kKeyPosition) {
+            saveVectors(Positions());
+        } else if (keyType == vl::zr::kKeyScale) {
+            saveVectors(Scales());
+        } else {
+            WriteValue(stream, static_cast<std::uint32_t>(Rotations().size()));
+            for (const auto& key : Rotations()) {
+                SaveKey(stream, *key, key->m_tangents.get());
+                WriteValue(stream, key->m_type);
+                WriteValue(stream, key->m_order);
+                WriteValue(stream, key->m_quaternion);
+                WriteValue(stream, key->m_angleAxis);
+                WriteValue(stream, key->m_euler);
+            }
+        }
     }
 }
 
 bool TransformTrack::Load(vl::Stream& stream) {
-    m_positions.clear();
-    m_rotations.clear();
-    m_scales.clear();
-    Changed();
+    const auto clear = [this] {
+        for (const int keyType : kKeyTypes) Clear(keyType);
+    };
+    clear();
     std::uint32_t mark = 0;
     const auto loadVector = [&](auto* key) {
         return LoadKey(stream, *key, key->m_tangents) && ReadValue(stream, key->m_value);
@@ -73,16 +83,23 @@ bool TransformTrack::Load(vl::Stream& stream) {
                ReadValue(stream, key->m_order) && ReadValue(stream, key->m_quaternion) &&
                ReadValue(stream, key->m_angleAxis) && ReadValue(stream, key->m_euler);
     };
-    if (ReadValue(stream, mark) && mark == kTransformTrackMark &&
-        LoadKeys(stream, [&](float time) { return loadVector(AddPosition(time)); }) &&
-        LoadKeys(stream, [&](float time) { return loadVector(AddScale(time)); }) &&
-        LoadKeys(stream, loadRotation)) {
-        return true;
+    const auto loadObjects = [&](int keyType) {
+        if (keyType == vl::zr::kKeyPosition)
+            return LoadKeys(stream, [&](float time) { return loadVector(AddPosition(time)); });
+        if (keyType == vl::zr::kKeyScale)
+            return LoadKeys(stream, [&](float time) { return loadVector(AddScale(time)); });
+        return LoadKeys(stream, loadRotation);
+    };
+    bool isTrack = ReadValue(stream, mark) && mark == kTransformTrackMark;
+    for (const int keyType : kKeyTypes) {
+        bool isPacked = false;
+        Curve curve;
+        isTrack = isTrack && ReadValue(stream, isPacked) &&
+                  (isPacked ? LoadCurve(stream, curve) : loadObjects(keyType));
+        if (isTrack && isPacked) SetCurve(keyType, StoredCurve(std::move(curve)));
     }
-    m_positions.clear();
-    m_rotations.clear();
-    m_scales.clear();
-    return false;
+    if (!isTrack) clear();
+    return isTrack;
 }
 
 }  // namespace kernix

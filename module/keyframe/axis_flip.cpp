@@ -22,12 +22,16 @@ void ZR_TK::FlipAxes() {
         record->mLocal.Flip();
         record->mWorld.Flip();
         FlipVector(record->vPivot);
-        FlipVector(record->vPosition);
-        FlipVector(record->vScale);
-        record->qRotation.Flip();
-        FlipKeys<ExportPositionKey>(record->pPosKeys);
-        FlipKeys<ExportScaleKey>(record->pScaleKeys);
-        if ((m_dwAnimFlags & vl::tk::kAngleAxisKeys) != 0) continue;
-        for (ExportRotationKey* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) key->qValue.Flip();
+        FlipRestAndKeys(record);
     }
+}
+
+void ZR_TK::FlipRestAndKeys(ExportNode* record) {
+    FlipVector(record->vPosition);
+    FlipVector(record->vScale);
+    record->qRotation.Flip();
+    FlipKeys<ExportPositionKey>(record->pPosKeys);
+    FlipKeys<ExportScaleKey>(record->pScaleKeys);
+    if ((m_dwAnimFlags & vl::tk::kAngleAxisKeys) != 0) return;
+    for (ExportRotationKey* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) key->qValue.Flip();
 }

@@ -41,6 +41,7 @@ public:
     void LoadSettings(SettingsStore* store, const char* section) override;
     float MapTime(float time) override { return time * m_fTimeScale + m_fTimeOffset; }
     float GetFrameRate() override;
+    int ProcessKeys() override;
 
     // A new record with the transforms of the node, or identities for null; whoever lists it first owns it.
     ExportNode* NewRecord(vl::zr::Node* node);
@@ -74,7 +75,9 @@ public:
 
     // Keys (key_extraction.cpp, scene_matrix.cpp, time_mapping.cpp).
     void ExtractRecordKeys(ExportNode* record);
+    bool CanFoldSceneMatrix();  // without records of its own above any others
     void FoldSceneMatrix();
+    void MapTimeRange();  // the range of the active animation, and every key into the exported one
     void RemapTime();
     void ApplyTimeMapping();
 
@@ -87,6 +90,7 @@ public:
     void MergeKeys();
     void ResampleKeys();
     void FlipAxes();
+    void FlipRestAndKeys(ExportNode* record);
 
     // Names (hierarchy_names.cpp, material_names.cpp).
     void MakeUniqueName(ExportNode* record);  // and lists it in m_pNameTable, which exists

@@ -33,9 +33,7 @@ int ZR_TK::Process(int) {
     if ((m_dwAnimFlags & kResampleKeys) != 0) ResampleKeys();
     if (exports(kFlipAxes)) FlipAxes();
 
-    m_fStartTime = m_pScene->GetStartTime(nullptr);
-    m_fEndTime = m_pScene->GetEndTime(nullptr);
-    if ((m_dwAnimFlags & (kRescaleTime | kSetLength | kReverseTime)) != 0) RemapTime();
+    MapTimeRange();
     if (ShowsInfo()) FillTreeView(nullptr, 0);
     return 1;
 }

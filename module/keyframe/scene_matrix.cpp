@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The scene matrix goes into the keys of the top-level records, or above them where a key cannot hold it.
+#include <algorithm>
 #include <cmath>
 
 #include "host/controller.h"
@@ -46,6 +47,14 @@ void Fold(ExportNode* record, const vl::Matrix4<double>& scene) {
 }
 
 }  // namespace
+
+bool ZR_TK::CanFoldSceneMatrix() {
+    if (m_mScene.IsIdentity(zrt::kIdentityTolerance)) return true;
+    const vl::ArrayOf<ExportNode*> roots(m_pRoots);
+    return std::all_of(roots.begin(), roots.end(), [this](const ExportNode* record) {
+        return record->pController == nullptr || CanFold(record->pController, m_mScene);
+    });
+}
 
 void ZR_TK::FoldSceneMatrix() {
     if (m_mScene.IsIdentity(zrt::kIdentityTolerance)) return;

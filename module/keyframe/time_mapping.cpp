@@ -56,6 +56,13 @@ void MapVectorTrack(ZR_TK& tool, vl::Array* track, bool reverse) {
 
 }  // namespace
 
+void ZR_TK::MapTimeRange() {
+    using namespace vl::tk;
+    m_fStartTime = m_pScene->GetStartTime(nullptr);
+    m_fEndTime = m_pScene->GetEndTime(nullptr);
+    if ((m_dwAnimFlags & (kRescaleTime | kSetLength | kReverseTime)) != 0) RemapTime();
+}
+
 void ZR_TK::RemapTime() {
     const bool reverse = (m_dwAnimFlags & vl::tk::kReverseTime) != 0;
     float factor = m_fRescale;

@@ -236,14 +236,14 @@ TEST(AnimMerge, OtherControllersKeepTheFirstTrackThereIs) {
     kernix::SampledControllerModel* weights = node->AddController("weights");
     kernix::SampledControllerModel* colour = f.Scene().AddMaterial("m", "")->AddController("colour");
     for (auto* controller : {weights, colour}) {
-        controller->AddSampledTrack(b)->m_times = {0, 1};
-        controller->AddSampledTrack(c)->m_times = {2};
+        controller->AddSampledTrack(b)->SetCurve(kernix::StoredCurve({{}, {0, 1}, {5, 6}}));
+        controller->AddSampledTrack(c)->SetCurve(kernix::StoredCurve({{}, {2}, {7}}));
     }
     TestAnimation* merged = f.Merge({a, b, c}, false, 0);
     for (auto* controller : {weights, colour}) {
         auto* track = static_cast<kernix::SampledTrack*>(controller->GetTrack(merged));
         ASSERT_NE(track, nullptr);
-        EXPECT_EQ(track->m_times, (std::vector<float>{0, 1}));
+        EXPECT_EQ(track->GetCurve().values, (std::vector<float>{5, 6}));
     }
 }
 

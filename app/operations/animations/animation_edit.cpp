@@ -10,20 +10,21 @@
 
 namespace zr {
 
-std::string HolderName(const kernix::NodeModel& node) {
+std::string HolderName(const LoadedScene& loaded, const kernix::NodeModel& node) {
     if (!node.GetNameText().empty()) return Join("node \"", node.GetNameText(), "\"");
-    return Join("node ", node.m_source);
+    return Join("node ", loaded.IndexOf(&node).value_or(0));
 }
 
 void ForEachController(
-    kernix::SceneModel& scene,
+    LoadedScene& loaded,
     const std::function<void(vl::zr::Controller& controller, const std::string& holder)>& visit) {
+    kernix::SceneModel& scene = loaded.Scene();
     const auto visitAll = [&](vl::Array* controllers, const std::string& holder) {
         for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(controllers))
             visit(*controller, holder);
     };
     for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes))
-        visitAll(node->m_pControllers, HolderName(static_cast<kernix::NodeModel&>(*node)));
+        visitAll(node->m_pControllers, HolderName(loaded, static_cast<kernix::NodeModel&>(*node)));
     int index = 0;
     for (vl::zr::Material* material : vl::ArrayOf<vl::zr::Material*>(scene.m_pMaterials))
         visitAll(material->m_pControllers, Join("material ", index++));

@@ -15,9 +15,9 @@ using Animations = std::vector<kernix::AnimationModel*>;
 // Every controller of the scene's nodes and then of its materials; holder: which node or material it moves,
 // for people.
 void ForEachController(
-    kernix::SceneModel& scene,
+    LoadedScene& loaded,
     const std::function<void(vl::zr::Controller& controller, const std::string& holder)>& visit);
-std::string HolderName(const kernix::NodeModel& node);
+std::string HolderName(const LoadedScene& loaded, const kernix::NodeModel& node);
 
 // Gives the target's track for an animation the content of a track of the same class; the target may stand in
 // another scene.

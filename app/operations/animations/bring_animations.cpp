@@ -86,7 +86,7 @@ private:
             UnbindMatrix(*found->second);
             return CopyTracks(controller, *found->second->AddTransformController());
         }
-        const bool isWeights = Target(controller) == Join("/nodes/", node.m_source, "/weights");
+        const bool isWeights = Target(controller) == WeightsTarget(m_from, node);
         const std::size_t targets = isWeights ? MorphTargets(m_from, node) : 0;
         if (found == m_partners.end() || targets == 0 || targets != MorphTargets(m_to, *found->second))
             return m_brought.withoutPartner.push_back(NodePath(node) + ": " + Target(controller));
@@ -100,8 +100,12 @@ private:
         }
     }
 
-    static kernix::SampledControllerModel& WeightsController(NodeModel& node) {
-        const std::string target = Join("/nodes/", node.m_source, "/weights");
+    static std::string WeightsTarget(const LoadedScene& loaded, const NodeModel& node) {
+        return Join("/nodes/", *loaded.IndexOf(&node), "/weights");
+    }
+
+    kernix::SampledControllerModel& WeightsController(NodeModel& node) const {
+        const std::string target = WeightsTarget(m_to, node);
         for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(node.m_pControllers))
             if (!controller->IsTypeOf(vl::zr::kTypeTransformController) && Target(*controller) == target)
                 return static_cast<kernix::SampledControllerModel&>(*controller);
@@ -110,7 +114,7 @@ private:
 
     static std::size_t MorphTargets(LoadedScene& loaded, const NodeModel& node) {
         gltf::Document& document = loaded.Document();
-        const Json& json = document.Elements(gltf::Kind::kNode)[static_cast<std::size_t>(node.m_source)];
+        const Json& json = document.Elements(gltf::Kind::kNode)[*loaded.IndexOf(&node)];
         if (json.Find("mesh") == nullptr) return 0;
         const Json& mesh = document.Elements(gltf::Kind::kMesh)[gltf::IndexMember(json, "mesh")];
         const Json* targets = mesh.Find("primitives")->Items()[0].Find("targets");
@@ -120,7 +124,7 @@ private:
     // A node that moves has its transform at rest in parts.
     void UnbindMatrix(const NodeModel& node) {
         gltf::Document& document = m_to.Document();
-        Json& json = document.Elements(gltf::Kind::kNode)[static_cast<std::size_t>(node.m_source)];
+        Json& json = document.Elements(gltf::Kind::kNode)[*m_to.IndexOf(&node)];
         if (!json.EraseMember("matrix")) return;
         const kernix::Pose& pose = node.GetRestPose();
         const auto put = [&](const char* name, std::initializer_list<float> values) {

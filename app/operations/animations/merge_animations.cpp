@@ -35,7 +35,7 @@ Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix
 }
 
 float TimeOf(const TransformTrack& track, int keyType, int index) {
-    return track.Get(keyType, index)->m_fTime;
+    return track.TimeOf(keyType, index);
 }
 
 // A source's copy and the stretch of time that it fills, seconds.
@@ -54,7 +54,7 @@ public:
         m_report.dropped = SkippedChannels(m_loaded, m_sources);
         CopySources();
         if (m_options.inSequence) ShiftCopies();
-        ForEachController(m_scene, [this](vl::zr::Controller& controller, const std::string& holder) {
+        ForEachController(m_loaded, [this](vl::zr::Controller& controller, const std::string& holder) {
             if (controller.IsTypeOf(vl::zr::kTypeTransformController)) return;
             NoteDropped(controller, holder);
         });
@@ -82,7 +82,7 @@ private:
     void CopySources() {
         for (kernix::AnimationModel* source : m_sources)
             m_copies.push_back({m_scene.AddAnimation(source->m_name)});
-        ForEachController(m_scene, [this](vl::zr::Controller& controller, const std::string&) {
+        ForEachController(m_loaded, [this](vl::zr::Controller& controller, const std::string&) {
             for (std::size_t i = 0; i < m_sources.size(); ++i) {
                 vl::zr::Track* track = controller.GetTrack(m_sources[i]);
                 if (track != nullptr) CopyTrack(controller, track, controller, m_copies[i].copy);
@@ -101,7 +101,7 @@ private:
             source.start = m_scene.GetStartTime(source.copy);
             if (i > 0) {
                 const float offset = OffsetTo(source.start, next);
-                ForEachController(m_scene, [&](vl::zr::Controller& controller, const std::string&) {
+                ForEachController(m_loaded, [&](vl::zr::Controller& controller, const std::string&) {
                     vl::zr::Track* track = controller.GetTrack(source.copy);
                     if (track != nullptr) controller.RetimeTrack(1, offset, track);
                 });
@@ -152,7 +152,7 @@ private:
             if (holders == 0) continue;
             if (m_options.inSequence || holders > 1) {
                 for (TransformTrack* track : tracks)
-                    if (hasKeys(track)) Straighten(*track, keyType);
+                    if (hasKeys(track)) Bake(*track, keyType);
             }
             if (m_options.inSequence) {
                 FillStretches(*controller, tracks, keyType, node.GetRestPose());
@@ -160,16 +160,21 @@ private:
                 overlaps = overlaps || Overlap(tracks, keyType);
             }
         }
-        if (overlaps) m_report.overlapping.push_back(HolderName(node));
+        if (overlaps) m_report.overlapping.push_back(HolderName(m_loaded, node));
     }
 
     // Merged keys keep no slopes.
-    static void Straighten(TransformTrack& track, int keyType) {
+    static void Bake(TransformTrack& track, int keyType) {
+        if (HasSlopes(track, keyType))
+            track.SetCurve(keyType, kernix::StoredCurve(BakedKeys(track, keyType)));
+    }
+
+    static bool HasSlopes(const TransformTrack& track, int keyType) {
+        if (const kernix::StoredCurve* packed = track.Packed(keyType)) return packed->Get().IsCubic();
         for (int i = 0; i < track.Count(keyType); ++i) {
-            if (track.Get(keyType, i)->m_params[0] != static_cast<float>(vl::zr::kInterpolationCubic))
-                continue;
-            return ReplaceKeys(track, keyType, Straightened(track, keyType));
+            if (track.Get(keyType, i)->Passes(vl::zr::kInterpolationCubic)) return true;
         }
+        return false;
     }
 
     static bool Overlap(const std::vector<TransformTrack*>& tracks, int keyType) {

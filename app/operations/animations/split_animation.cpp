@@ -123,9 +123,9 @@ std::u16string PartName(const kernix::AnimationModel& animation, const std::stri
 
 // A cubic rotation passes through values that are no rotations; its pieces cannot be cut exactly.
 Curve CuttableKeys(const kernix::TransformTrack& track, int keyType) {
-    Curve curve = TakeKeys(track, keyType);
+    Curve curve = KeysOf(track, keyType);
     const bool isCubic = curve.interpolation == vl::zr::kInterpolationCubic;
-    return keyType == vl::zr::kKeyRotation && isCubic ? Straightened(track, keyType) : curve;
+    return keyType == vl::zr::kKeyRotation && isCubic ? BakedKeys(track, keyType) : curve;
 }
 
 }  // namespace
@@ -134,15 +134,16 @@ Curve Sliced(const Curve& curve, float from, float to, bool isRotation) {
     return Slicer(curve, from, isRotation).Run(to);
 }
 
-Animations CutAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation,
+Animations CutAnimation(LoadedScene& loaded, kernix::AnimationModel& animation,
                         const std::vector<float>& cuts) {
+    kernix::SceneModel& scene = loaded.Scene();
     std::vector<float> bounds{scene.GetStartTime(&animation)};
     bounds.insert(bounds.end(), cuts.begin(), cuts.end());
     bounds.push_back(kInfinity);
     Animations parts;
     for (std::size_t i = 1; i < bounds.size(); ++i)
         parts.push_back(scene.AddAnimation(PartName(animation, std::to_string(i))));
-    ForEachController(scene, [&](vl::zr::Controller& controller, const std::string&) {
+    ForEachController(loaded, [&](vl::zr::Controller& controller, const std::string&) {
         vl::zr::Track* track = controller.GetTrack(&animation);
         if (track == nullptr || track->GetKeyCount() == 0) return;
         const auto slice = [&](const Curve& curve, bool isRotation, const auto& put) {
@@ -150,18 +151,13 @@ Animations CutAnimation(kernix::SceneModel& scene, kernix::AnimationModel& anima
                 put(Sliced(curve, bounds[i], bounds[i + 1], isRotation), parts[i]);
         };
         if (!controller.IsTypeOf(vl::zr::kTypeTransformController)) {
-            const auto& sampled = static_cast<kernix::SampledTrack&>(*track);
-            slice({sampled.m_interpolation, sampled.m_times, sampled.m_values}, false,
-                  [&](Curve curve, kernix::AnimationModel* part) {
-                      auto* added =
-                          static_cast<kernix::SampledControllerModel&>(controller).AddSampledTrack(part);
-                      added->m_interpolation = curve.interpolation;
-                      added->m_times = std::move(curve.times);
-                      added->m_values = std::move(curve.values);
-                  });
-            return;
+            auto& sampled = static_cast<kernix::SampledControllerModel&>(controller);
+            return slice(static_cast<kernix::SampledTrack&>(*track).GetCurve(), false,
+                         [&](Curve curve, kernix::AnimationModel* part) {
+                             sampled.AddSampledTrack(part)->SetCurve(kernix::StoredCurve(std::move(curve)));
+                         });
         }
-        for (const int keyType : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
+        for (const int keyType : kKeyTypes) {
             const Curve curve = CuttableKeys(static_cast<kernix::TransformTrack&>(*track), keyType);
             if (curve.times.empty()) continue;
             slice(curve, keyType == vl::zr::kKeyRotation,
@@ -174,7 +170,8 @@ Animations CutAnimation(kernix::SceneModel& scene, kernix::AnimationModel& anima
     return parts;
 }
 
-Animations SeparateAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation) {
+Animations SeparateAnimation(LoadedScene& loaded, kernix::AnimationModel& animation) {
+    kernix::SceneModel& scene = loaded.Scene();
     Animations parts;
     const auto separate = [&](vl::Array* controllers, const std::string& name) {
         kernix::AnimationModel* part = nullptr;
@@ -188,7 +185,7 @@ Animations SeparateAnimation(kernix::SceneModel& scene, kernix::AnimationModel& 
     for (vl::zr::Node* each : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
         const auto& node = static_cast<kernix::NodeModel&>(*each);
         separate(node.m_pControllers,
-                 node.GetNameText().empty() ? "node " + std::to_string(node.m_source) : node.GetNameText());
+                 node.GetNameText().empty() ? "node " + std::to_string(loaded.IndexOf(&node).value_or(0)) : node.GetNameText());
     }
     int index = 0;
     for (vl::zr::Material* material : vl::ArrayOf<vl::zr::Material*>(scene.m_pMaterials))

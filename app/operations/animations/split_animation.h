@@ -17,10 +17,10 @@ Curve Sliced(const Curve& curve, float from, float to, bool isRotation);
 
 // New animations that are the stretches of one between its start, the cuts and its end; each begins at 0.
 // cuts: seconds, ascending, between start and end. Named "NAME 1", "NAME 2" and so on.
-Animations CutAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation,
+Animations CutAnimation(LoadedScene& loaded, kernix::AnimationModel& animation,
                         const std::vector<float>& cuts);
 
 // New animations, one for each node or material that the animation moves, at its times. Named "NAME NODE".
-Animations SeparateAnimation(kernix::SceneModel& scene, kernix::AnimationModel& animation);
+Animations SeparateAnimation(LoadedScene& loaded, kernix::AnimationModel& animation);
 
 }  // namespace zr

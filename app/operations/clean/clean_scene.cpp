@@ -113,8 +113,7 @@ public:
     void Explain() { m_result.held = HeldElements(m_loaded, RanSteps()); }
 
     Document Finish() {
-        m_loaded.WriteBack();
-        return std::move(m_loaded.Document());
+        return std::move(m_loaded).WriteBack();
     }
 
 private:
@@ -127,7 +126,7 @@ private:
     void NameMetadata(std::vector<std::string>& names) const {
         for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
             if (node->GetMetadata(false) != nullptr)
-                names.push_back(NameOf(static_cast<kernix::NodeModel&>(*node)));
+                names.push_back(m_loaded.NameOf(*node));
         }
     }
 
@@ -149,12 +148,12 @@ private:
         });
     }
 
-    static void NameRemovals(const kernix::ChangeRecordModel& record, std::vector<std::string>& names) {
+    void NameRemovals(const kernix::ChangeRecordModel& record, std::vector<std::string>& names) const {
         for (const auto& entry : record.GetEntries()) {
             if (entry.change == kernix::ChangeRecordModel::Change::kAnimationItemRemoval) continue;
             const auto* node = dynamic_cast<const kernix::NodeModel*>(entry.object.Get());
             if (node != nullptr && !node->IsDeleted()) continue;  // spared
-            names.push_back(node != nullptr ? NameOf(*node) : entry.name.empty() ? "unnamed" : entry.name);
+            names.push_back(node != nullptr ? m_loaded.NameOf(*node) : entry.name.empty() ? "unnamed" : entry.name);
         }
     }
 

@@ -114,7 +114,7 @@ private:
     void Targets() {
         for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_loaded.Scene().m_pNodes)) {
             if (plain->m_pObject != nullptr || plain->m_pFirstChild != nullptr) continue;
-            m_held.push_back({Kind::kNode, NameOf(static_cast<kernix::NodeModel&>(*plain)),
+            m_held.push_back({Kind::kNode, m_loaded.NameOf(*plain),
                               "target of a camera or light"});
         }
     }
@@ -128,7 +128,8 @@ private:
 class TwinReasons {
 public:
     explicit TwinReasons(LoadedScene& loaded)
-        : m_surroundings(loaded.Document()),
+        : m_loaded(loaded),
+          m_surroundings(loaded.Document()),
           m_apart(loaded.Document().Elements(Kind::kNode).size(), Surroundings::kNone),
           m_hasMetadata(m_apart.size(), false),
           m_isBlended(loaded.Scene().AllMaterials().size(), false) {
@@ -158,10 +159,9 @@ public:
     }
 
 private:
-    static std::size_t IndexOf(const kernix::NodeModel& node) {
-        return static_cast<std::size_t>(node.m_source);
-    }
+    std::size_t IndexOf(const kernix::NodeModel& node) const { return *m_loaded.IndexOf(&node); }
 
+    const LoadedScene& m_loaded;
     Surroundings m_surroundings;
     std::vector<std::size_t> m_apart;  // by node
     std::vector<bool> m_hasMetadata;   // by node
@@ -172,10 +172,6 @@ private:
 
 std::string NameOr(std::string name, std::size_t index) {
     return name.empty() ? Join("#", index) : std::move(name);
-}
-
-std::string NameOf(const kernix::NodeModel& node) {
-    return NameOr(node.GetNameText(), static_cast<std::size_t>(node.m_source));
 }
 
 std::vector<HeldElement> HeldElements(LoadedScene& loaded, const std::array<bool, kCleanSteps>& ran) {
@@ -193,7 +189,7 @@ std::vector<HeldElement> HeldTwins(Document& document, zr_CLEANER& cleaner, vl::
     std::vector<HeldElement> held;
     for (const auto& entry : record.GetEntries()) {
         const auto& node = static_cast<const kernix::NodeModel&>(*entry.object);
-        held.push_back({Kind::kNode, NameOf(node), reasons.For(node)});
+        held.push_back({Kind::kNode, loaded.NameOf(node), reasons.For(node)});
     }
     document = std::move(loaded.Document());
     return held;

@@ -12,7 +12,6 @@ namespace zr {
 
 // "#4" for the element 4 without a name.
 std::string NameOr(std::string name, std::size_t index);
-std::string NameOf(const kernix::NodeModel& node);
 
 // What the steps that ran left in the scene only because something holds it.
 std::vector<HeldElement> HeldElements(LoadedScene& loaded, const std::array<bool, kCleanSteps>& ran);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/export/bake.h"
 
+#include <utility>
+
 #include "app/operations/export/thin_curve.h"
 #include "app/scene/curves.h"
 
 namespace zr {
 namespace {
-
-constexpr int kKeyTypes[] = {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale};
 
 // Whether some camera or light turns with what it aims at: the tools then give it further keys.
 bool HasAims(kernix::SceneModel& scene) {
@@ -21,47 +21,57 @@ bool HasAims(kernix::SceneModel& scene) {
     return false;
 }
 
+// What the options do to keys.
+struct Wish {
+    bool changesKeys;
+    bool changesValues;
+    bool mergesKeys;
+
+    Wish(kernix::SceneModel& scene, const ExportOptions& options, Curves curves)
+        : changesKeys(options.Has(vl::tk::kMergeKeys) || curves == Curves::kLinear ||
+                      options.Has(vl::tk::kResampleKeys) || options.Has(vl::tk::kReverseTime) ||
+                      options.Has(vl::tk::kCameraTargetKeys) || options.Has(vl::tk::kLightTargetKeys) ||
+                      (options.Has(vl::tk::kAllChoices) && HasAims(scene))),
+          changesValues(options.Has(vl::tk::kFlipAxes) || !options.sceneMatrix.IsIdentity(0)),
+          mergesKeys(options.Has(vl::tk::kMergeKeys)) {}
+
+    bool Bakes(vl::zr::KeyInterpolation interpolation) const {
+        return interpolation == vl::zr::kInterpolationCubic ||
+               (interpolation == vl::zr::kInterpolationStep && changesKeys);
+    }
+};
+
 }  // namespace
 
-std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
-                                  const ExportOptions& options, Curves curves) {
-    const bool mergesKeys = options.Has(vl::tk::kMergeKeys);
-    const bool changesKeys =
-        mergesKeys || curves == Curves::kStraight || options.Has(vl::tk::kResampleKeys) ||
-        options.Has(vl::tk::kReverseTime) || options.Has(vl::tk::kCameraTargetKeys) ||
-        options.Has(vl::tk::kLightTargetKeys) || (options.Has(vl::tk::kAllChoices) && HasAims(scene));
-    const bool changesValues = options.Has(vl::tk::kFlipAxes) || !options.sceneMatrix.IsIdentity(0);
-    std::vector<TrackKeys> before;
-    if (!changesKeys && !changesValues) return before;
+BakedCurves::BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
+                         const ExportOptions& options, Curves curves)
+    : m_scene(scene), m_animation(animation) {
+    const Wish wish(scene, options, curves);
+    if (!wish.changesKeys && !wish.changesValues) return;
     for (vl::zr::Track* plain : animation.Tracks()) {
         auto* track = dynamic_cast<kernix::TransformTrack*>(plain);
         if (track == nullptr) continue;
-        vl::Ref<vl::Stream> keys;
         for (const int keyType : kKeyTypes) {
-            const Curve curve = TakeKeys(*track, keyType);
-            const bool bent = curve.interpolation == vl::zr::kInterpolationCubic ||
-                              (curve.interpolation == vl::zr::kInterpolationStep && changesKeys);
-            Curve baked = bent ? Straightened(*track, keyType) : curve;
-            if (mergesKeys) baked = Thinned(baked);
+            if (track->Count(keyType) == 0) continue;
+            const Curve& curve = track->Packed(keyType)->Get();
+            const bool bakes = wish.Bakes(curve.interpolation);
+            if (!bakes && !wish.mergesKeys) continue;
+            Curve baked = bakes ? BakedKeys(*track, keyType) : curve;
+            if (wish.mergesKeys) baked = Thinned(baked);
             if (baked == curve) continue;
-            if (!keys) {
-                keys = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
-                track->Save(*keys);
-            }
-            ReplaceKeys(*track, keyType, baked);
+            m_originals.push_back({track, keyType, track->TakeCurve(keyType)});
+            track->SetCurve(keyType, kernix::StoredCurve(std::move(baked)));
         }
-        if (keys) before.push_back({track, keys});
     }
     scene.TransformsChanged();
-    return before;
 }
 
-void PutBack(kernix::SceneModel& scene, const std::vector<TrackKeys>& tracks) {
-    for (const TrackKeys& before : tracks) {
-        before.keys->Seek(0, 0);
-        before.track->Load(*before.keys);
+BakedCurves::~BakedCurves() {
+    for (vl::zr::Track* plain : m_animation.Tracks()) {
+        if (auto* track = dynamic_cast<kernix::TransformTrack*>(plain)) track->ForgetObjects();
     }
-    scene.TransformsChanged();
+    for (Original& original : m_originals) original.track->SetCurve(original.keyType, std::move(original.curve));
+    m_scene.TransformsChanged();
 }
 
 }  // namespace zr

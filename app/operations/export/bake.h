@@ -4,31 +4,39 @@
 #include <vector>
 
 #include "app/operations/export/export_options.h"
-#include "host/ref.h"
-#include "host/stream.h"
 #include "kernix/scene/scene_model.h"
 
 namespace zr {
 
-// The keys that a track had.
-struct TrackKeys {
-    vl::zr::Track* track;
-    vl::Ref<vl::Stream> keys;
-};
-
 // The forms of curve that an export can hold.
-enum class Curves { kAny, kStraight };
+enum class Curves { kAny, kLinear };
 
-// The keyframe tools move, drop and insert keys as if every curve were straight between them. Before a run
-// whose options change keys, curves of other forms are made straight: cubic ones are sampled within a hundred
-// thousandth of their range, steps become two keys a smallest step apart. Curves that the options leave as
-// they are keep their form, but with Curves::kStraight. Where keys are merged, keys that rounding alone put
-// off the straight line go first: the tools drop those only that lie on it to the bit.
+// The keyframe tools move, drop and insert keys as if every curve were linear. Before a run whose options change
+// keys, curves of other forms are baked: cubic ones are sampled within a hundred thousandth of their range, steps
+// become two keys a smallest step apart. Curves that the options leave as they are keep their form, but with
+// Curves::kLinear. Where keys are merged, keys that rounding alone put off the line go first: the tools drop
+// those only that lie on it to the bit.
 //
-// Returns the keys of the tracks that it changes.
-std::vector<TrackKeys> BakeCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
-                                  const ExportOptions& options, Curves curves);
+// The scene's curves are baked for the life of this object and then what they were.
+class BakedCurves {
+public:
+    BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
+                const ExportOptions& options, Curves curves);
+    ~BakedCurves();
 
-void PutBack(kernix::SceneModel& scene, const std::vector<TrackKeys>& tracks);
+    BakedCurves(const BakedCurves&) = delete;
+    BakedCurves& operator=(const BakedCurves&) = delete;
+
+private:
+    struct Original {
+        kernix::TransformTrack* track;
+        int keyType;
+        kernix::StoredCurve curve;
+    };
+
+    kernix::SceneModel& m_scene;
+    const kernix::AnimationModel& m_animation;
+    std::vector<Original> m_originals;
+};
 
 }  // namespace zr

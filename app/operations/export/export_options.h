@@ -8,6 +8,10 @@
 
 namespace zr {
 
+// How closely an export's motion is compared with the scene's: at as many places as matter; at some, for at most a
+// tenth of the export's time; not at all.
+enum class MotionCheck { kThorough, kQuick, kOff };
+
 // What an export asks of the keyframe tools. As it stands, everything is exported.
 struct ExportOptions {
     std::uint32_t exportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
@@ -22,6 +26,8 @@ struct ExportOptions {
     vl::tk::RenameCallback rename = nullptr;
     void* renameContext = nullptr;
     vl::Matrix4<double> sceneMatrix;
+    MotionCheck check = MotionCheck::kQuick;
+    double maxDeviation = 1e-3;  // of the scene's size, above which the export fails
 
     ExportOptions() { sceneMatrix.IdentityMatrix(); }
 

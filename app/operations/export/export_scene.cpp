@@ -4,9 +4,8 @@
 #include <optional>
 #include <stdexcept>
 
-#include "app/operations/export/added_keys.h"
 #include "app/operations/export/bake.h"
-#include "app/operations/export/flip_objects.h"
+#include "app/operations/export/motion_check.h"
 #include "app/operations/export/record_json.h"
 #include "app/operations/export/record_keys.h"
 #include "app/operations/export/record_names.h"
@@ -14,102 +13,217 @@
 #include "app/operations/export/unread_keys.h"
 #include "app/operations/export/view_camera.h"
 #include "app/scene/animations_of.h"
-#include "host/stream.h"
+#include "app/scene/document_writer.h"
 #include "kernix/utf.h"
 
 namespace zr {
 namespace {
 
-// Runs the tools on the animation with its curves as these need them, and compares with the curves as they
-// are.
-Tool RunAndCompare(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
-                   const ExportOptions& options, Curves curves, MotionReport& report) {
-    const std::vector<TrackKeys> before = BakeCurves(scene, animation, options, curves);
-    const Tool tool = RunTool(host, scene, &animation, options);
-    PutBack(scene, before);
-    CompareMotion(tool, scene, animation, options, report);
-    return tool;
+// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks
+// for the records that fit all the others; it goes with this object.
+class FullestTracks {
+public:
+    explicit FullestTracks(kernix::SceneModel& scene) : m_scene(scene), m_animation(scene.AddAnimation(u"")) {
+        for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
+            auto* controller = static_cast<kernix::TransformControllerModel*>(
+                node->GetController(vl::zr::kControllerTransform));
+            if (controller == nullptr) continue;
+            vl::zr::Track* fullest = nullptr;
+            for (auto* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
+                if (fullest == nullptr || track->GetKeyCount() > fullest->GetKeyCount()) fullest = track;
+            }
+            if (fullest == nullptr) continue;
+            kernix::TransformTrack& copy = *controller->AddTransformTrack(m_animation);
+            for (const int keyType : kKeyTypes)
+                copy.SetCurve(keyType, kernix::StoredCurve(
+                                           KeysOf(static_cast<kernix::TransformTrack&>(*fullest), keyType)));
+        }
+    }
+    ~FullestTracks() { m_scene.DeleteAnimation(m_animation); }
+
+    FullestTracks(const FullestTracks&) = delete;
+    FullestTracks& operator=(const FullestTracks&) = delete;
+
+    kernix::AnimationModel& Animation() { return *m_animation; }
+
+private:
+    kernix::SceneModel& m_scene;
+    kernix::AnimationModel* m_animation;
+};
+
+// A run with the animation's curves as the tools need them; they are what they were afterwards.
+Tool RunBaked(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
+              const ExportOptions& options, Curves curves) {
+    const BakedCurves baked(scene, animation, options, curves);
+    return RunTool(host, scene, &animation, options);
 }
 
-// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks
-// for the records that fit all the others; it is to be deleted again.
-kernix::AnimationModel* AddFullestTracks(kernix::SceneModel& scene) {
-    kernix::AnimationModel* all = scene.AddAnimation(u"");
-    for (auto* plain : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
-        auto* controller = static_cast<kernix::TransformControllerModel*>(
-            plain->GetController(vl::zr::kControllerTransform));
-        if (controller == nullptr) continue;
-        vl::zr::Track* fullest = nullptr;
-        for (auto* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
-            if (fullest == nullptr || track->GetKeyCount() > fullest->GetKeyCount()) fullest = track;
-        }
-        if (fullest == nullptr) continue;
-        const auto stream = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
-        controller->SaveTrack(stream.Get(), fullest, 0);
-        stream->Seek(0, 0);
-        controller->LoadTrack(stream.Get(), 0, controller->AddTrack(all));
+// What all animations have in common, and the keys of each.
+struct Runs {
+    Tool records;
+    std::vector<PlayedAnimation> played;
+    ReplacedKeys replaced;
+    std::vector<AddedKeys> added;  // by record, not by node
+    std::size_t keys = 0;          // of all records in all animations
+};
+
+std::size_t KeysOf(const Tool& tool) {
+    std::size_t count = 0;
+    const auto add = [&count](const vl::Array* track) {
+        if (track != nullptr) count += static_cast<std::size_t>(track->m_nCount);
+    };
+    for (const ExportNode* record : AllRecords(tool)) {
+        add(record->pPosKeys);
+        add(record->pRotKeys);
+        add(record->pScaleKeys);
     }
-    return all;
+    return count;
+}
+
+void Gather(const Tool& tool, const kernix::AnimationModel& animation, const ExportOptions& options,
+            Runs& runs) {
+    CollectKeys(tool, animation, options, runs.replaced, runs.added);
+    runs.played.push_back({&animation, tool->m_fTimeScale, tool->m_fTimeOffset});
+    runs.keys += KeysOf(tool);
+}
+
+// The keys of one animation alone, on records of its own.
+void RunAnew(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
+             const ExportOptions& options, Runs& runs) {
+    const Tool tool = RunBaked(host, scene, animation, options, Curves::kAny);
+    if (!runs.records) runs.records = tool;
+    const std::size_t addedBefore = runs.added.size();
+    Gather(tool, animation, options, runs);
+    if (!SameStructure(runs.records, tool) &&
+        (runs.added.size() != addedBefore || !KeysFit(tool, runs.records))) {
+        throw std::runtime_error("the animation \"" + kernix::ToUtf8(animation.m_name) +
+                                 "\" needs other nodes than the others with these options: export them one "
+                                 "by one with --animation");
+    }
+}
+
+// The tools run once for all animations; each then has its keys run on the records that stand, where these allow
+// that.
+Runs RunAll(Host& host, kernix::SceneModel& scene, const ExportOptions& options,
+            const ExportProgress& progress) {
+    const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
+    Runs runs;
+    if (animations.empty()) runs.records = RunTool(host, scene, nullptr, options);
+    if (animations.size() == 1) RunAnew(host, scene, *animations[0], options, runs);
+    if (animations.size() < 2) return runs;
+    {
+        FullestTracks fullest(scene);
+        runs.records = RunBaked(host, scene, fullest.Animation(), options, Curves::kAny);
+    }
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        progress(static_cast<double>(i) / static_cast<double>(animations.size()));
+        kernix::AnimationModel& animation = *animations[i];
+        bool stands = false;
+        {
+            const BakedCurves baked(scene, animation, options, Curves::kAny);
+            stands = RunToolAgain(runs.records, scene, animation);
+        }
+        if (stands) {
+            Gather(runs.records, animation, options, runs);
+        } else {
+            RunAnew(host, scene, animation, options, runs);
+        }
+        for (vl::zr::Track* track : animation.Tracks()) {
+            if (auto* transform = dynamic_cast<kernix::TransformTrack*>(track)) transform->Unload();
+        }
+    }
+    return runs;
+}
+
+// Without its mesh a node has no morph weights to move.
+void DropWeights(const kernix::NodeModel& node, ReplacedKeys& replaced) {
+    for (vl::zr::Controller* plain : vl::ArrayOf<vl::zr::Controller*>(node.m_pControllers)) {
+        auto* controller = dynamic_cast<kernix::SampledControllerModel*>(plain);
+        if (controller == nullptr || !controller->GetTarget().ends_with("/weights")) continue;
+        for (vl::zr::Track* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks))
+            replaced[track][0] = Curve();
+    }
+}
+
+DocumentChanges Changes(const LoadedScene& loaded, const ExportOptions& options, Runs runs,
+                        const std::optional<ViewCamera>& camera) {
+    RecordNodes nodes = NodesOf(loaded, runs.records, options);
+    for (const std::size_t node : nodes.bare) DropWeights(*loaded.Node(node), runs.replaced);
+    for (AddedKeys& keys : runs.added) keys.node = nodes.indices[keys.node];
+    if (camera) nodes.changes.cameras = camera->CamerasOf(runs.records, nodes.indices, options);
+
+    DocumentChanges changes = ChangesOf(loaded, std::move(runs.replaced), std::move(runs.added));
+    changes.materialNames = MaterialNamesOf(loaded, runs.records);
+    changes.nodes = std::move(nodes.changes);
+    auto& removed = changes.removal[gltf::Ordinal(gltf::Kind::kNode)];
+    removed.resize(loaded.Parts().nodes.size(), false);
+    for (const std::size_t node : nodes.rejected) removed[node] = true;
+    return changes;
+}
+
+// What the stages read and replace are curves.
+void PackAll(kernix::SceneModel& scene) {
+    for (const kernix::AnimationModel* animation : AnimationsOf(scene)) {
+        for (vl::zr::Track* track : animation->Tracks()) {
+            if (auto* transform = dynamic_cast<kernix::TransformTrack*>(track)) PackKeys(*transform);
+        }
+    }
+}
+
+std::size_t CountAll(kernix::SceneModel& scene) {
+    std::size_t count = 0;
+    for (const kernix::AnimationModel* animation : AnimationsOf(scene)) count += CountKeys(*animation);
+    return count;
 }
 
 }  // namespace
 
-MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                         const ExportProgress& progress, std::string* renameMap) {
+Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& options,
+                     const ExportProgress& progress, std::string* renameMap) {
+    LoadedScene loaded = std::move(given);
     kernix::SceneModel& scene = loaded.Scene();
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
-    if (scene.m_pNodes->m_nCount == 0) return {};  // an empty scene stays one
+    if (scene.m_pNodes->m_nCount == 0) return {std::move(loaded.Document()), {}};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
-    const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
+    PackAll(scene);
     MotionReport report;
-    for (const kernix::AnimationModel* animation : animations) report.keysBefore += CountKeys(*animation);
-    std::vector<AddedKeys> added;
-    kernix::AnimationModel* all = animations.size() > 1 ? AddFullestTracks(scene) : nullptr;
-    if (all != nullptr) BakeCurves(scene, *all, options, Curves::kAny);
-    Tool records;
-    if (animations.size() != 1) records = RunTool(host, scene, all, options);
-    for (std::size_t i = 0; i < animations.size(); ++i) {
-        progress(static_cast<double>(i) / static_cast<double>(animations.size()));
-        const Tool tool = RunAndCompare(host, scene, *animations[i], options, Curves::kAny, report);
-        if (!records) records = tool;
-        const std::size_t addedBefore = added.size();
-        CollectAddedKeys(tool, *animations[i], added);
-        if (!SameStructure(records, tool) && (added.size() != addedBefore || !KeysFit(tool, records))) {
-            throw std::runtime_error(
-                "the animation \"" + kernix::ToUtf8(animations[i]->m_name) +
-                "\" needs other nodes than the others with these options: export them one by one "
-                "with --animation");
-        }
-        TakeBackKeys(tool, scene, *animations[i], options);
-    }
-    if (all != nullptr) scene.DeleteAnimation(all);
-    report.unreadKeys = CheckUnreadKeys(loaded, records, options);
-    if (renameMap != nullptr) *renameMap = RenameMap(records);
-    WriteMaterialNames(loaded, records);
-    const std::vector<std::size_t> nodes = WriteRecordNodes(loaded, records, options);
-    if (camera) camera->Write(loaded.Document(), records, nodes, options);
-    WriteAddedKeys(loaded, nodes, added);
-    loaded.WriteBack();
-    if (options.Has(vl::tk::kFlipAxes)) FlipObjects(loaded.Document());
+    report.keysBefore = CountAll(scene);
+    Runs runs = RunAll(host, scene, options, progress);
+    report.keysAfter = runs.keys;
+    CheckMotion(scene, runs.records, options, runs.played, runs.replaced, runs.added, report);
+    CheckDeviation(report, options);
+    report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
+    if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
+    WriteDocument(loaded.Document(), Changes(loaded, options, std::move(runs), camera));
     progress(1);
-    return report;
+    return {std::move(loaded.Document()), std::move(report)};
 }
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
                            std::string* renameMap) {
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
-    kernix::AnimationModel* animation = loaded.Scene().GetActiveAnimation();
+    kernix::SceneModel& scene = loaded.Scene();
+    kernix::AnimationModel* animation = scene.GetActiveAnimation();
+    PackAll(scene);
     MotionReport report;
-    if (animation != nullptr) report.keysBefore = CountKeys(*animation);
-    const Tool tool = animation != nullptr ? RunAndCompare(host, loaded.Scene(), *animation, options,
-                                                           Curves::kStraight, report)
-                                           : RunTool(host, loaded.Scene(), nullptr, options);
+    Runs runs;
+    if (animation != nullptr) {
+        report.keysBefore = CountKeys(*animation);
+        runs.records = RunBaked(host, scene, *animation, options, Curves::kLinear);
+        if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
+    } else {
+        runs.records = RunTool(host, scene, nullptr, options);
+    }
+    report.keysAfter = runs.keys;
+    CheckMotion(scene, runs.records, options, runs.played, runs.replaced, runs.added, report);
+    CheckDeviation(report, options);
+    const Tool& tool = runs.records;
     if (renameMap != nullptr) *renameMap = RenameMap(tool);
-    WriteRecordJson(tool, options, file);
+    WriteRecordJson(loaded, tool, options, file);
     return report;
 }
 

@@ -15,12 +15,18 @@ namespace zr {
 // Told now and then how much is done, 0 to 1; may throw to stop the export.
 using ExportProgress = std::function<void(double)>;
 
-// Runs the keyframe tools once for each of the scene's animations and brings the records into the document:
-// nodes, rest transforms and keys. Throws std::runtime_error when two animations would need different nodes,
-// when keys that cannot be read would have to change, and when nothing is to be exported. renameMap: null, or
-// receives the text of the map (RenameMap).
-MotionReport ExportScene(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                         const ExportProgress& progress, std::string* renameMap = nullptr);
+struct Exported {
+    gltf::Document document;
+    MotionReport report;
+};
+
+// Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what the
+// records stand for into the document: nodes, rest transforms and keys. Throws std::runtime_error when two
+// animations would need different nodes, when keys that cannot be read would have to change, when nothing is to be
+// exported, and when the motion comes out further off than the options allow. renameMap: null, or receives the text
+// of the map (RenameMap).
+Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
+                     const ExportProgress& progress, std::string* renameMap = nullptr);
 
 // The same for the active animation, as the records themselves.
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,

@@ -6,7 +6,6 @@
 
 #include "app/operations/export/record_names.h"
 #include "gltf/json.h"
-#include "kernix/scene/node_model.h"
 #include "kernix/utf.h"
 
 namespace zr {
@@ -17,7 +16,8 @@ using gltf::JsonTree;
 
 class RecordWriter {
 public:
-    RecordWriter(const Tool& tool, const ExportOptions& options) : m_tool(tool), m_options(options) {}
+    RecordWriter(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options)
+        : m_loaded(loaded), m_tool(tool), m_options(options) {}
 
     std::string Text() {
         int index = 0;
@@ -52,7 +52,8 @@ private:
 
     int SourceOf(const ExportNode& record) const {
         const vl::zr::Node* node = record.pNode != nullptr ? record.pNode : record.pSourceNode;
-        return node != nullptr ? static_cast<const kernix::NodeModel*>(node)->m_source : -1;
+        const auto index = m_loaded.IndexOf(node);
+        return index ? static_cast<int>(*index) : -1;
     }
 
     Json Node(ExportNode& record) {
@@ -113,6 +114,7 @@ private:
         return item;
     }
 
+    const LoadedScene& m_loaded;
     const Tool& m_tool;
     const ExportOptions& m_options;
     JsonTree m_tree;
@@ -121,8 +123,9 @@ private:
 
 }  // namespace
 
-void WriteRecordJson(const Tool& tool, const ExportOptions& options, OutputFile& file) {
-    file.Write(RecordWriter(tool, options).Text());
+void WriteRecordJson(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options,
+                     OutputFile& file) {
+    file.Write(RecordWriter(loaded, tool, options).Text());
 }
 
 }  // namespace zr

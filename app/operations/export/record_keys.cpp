@@ -1,57 +1,66 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/export/record_keys.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <unordered_set>
-
-#include "app/scene/curves.h"
 
 namespace zr {
 namespace {
 
 using kernix::TransformTrack;
 
-Curve ToCurve(vl::Array* positions, const ExportPositionKey*) {
+template <typename Key, typename Put>
+Curve ToCurve(vl::Array* track, std::size_t width, Put put) {
+    const vl::ArrayOf<Key*> keys(track);
     Curve curve;
-    for (auto* key : vl::ArrayOf<ExportPositionKey*>(positions)) {
+    if (keys.IsEmpty()) return curve;
+    const auto count = static_cast<std::size_t>(keys.Count());
+    curve.times.reserve(count);
+    curve.values.resize(count * width);
+    float* value = curve.values.data();
+    const Key* last = nullptr;
+    for (const Key* key : keys) {
         curve.times.push_back(key->fTime);
-        curve.values.insert(curve.values.end(), {key->vValue.x, key->vValue.y, key->vValue.z});
-        curve.interpolation = static_cast<vl::zr::KeyInterpolation>(key->fParams[0]);
+        put(*key, value);
+        value += width;
+        last = key;
     }
+    curve.interpolation = static_cast<vl::zr::KeyInterpolation>(last->fParams[0]);
     return curve;
 }
 
-Curve ToCurve(vl::Array* scales, const ExportScaleKey*) {
-    Curve curve;
-    for (auto* key : vl::ArrayOf<ExportScaleKey*>(scales)) {
-        curve.times.push_back(key->fTime);
-        curve.values.insert(curve.values.end(), {key->vValue.x, key->vValue.y, key->vValue.z});
-        curve.interpolation = static_cast<vl::zr::KeyInterpolation>(key->fParams[0]);
-    }
-    return curve;
+template <typename Key>
+void PutVector(const Key& key, float* value) {
+    value[0] = key.vValue.x;
+    value[1] = key.vValue.y;
+    value[2] = key.vValue.z;
 }
 
-Curve ToCurve(vl::Array* rotations, const ExportRotationKey*) {
-    Curve curve;
-    for (auto* key : vl::ArrayOf<ExportRotationKey*>(rotations)) {
-        curve.times.push_back(key->fTime);
-        curve.values.insert(curve.values.end(), {key->qValue.x, key->qValue.y, key->qValue.z, key->qValue.w});
-        curve.interpolation = static_cast<vl::zr::KeyInterpolation>(key->fParams[0]);
-    }
-    return curve;
+void PutQuaternion(const ExportRotationKey& key, float* value) {
+    value[0] = key.qValue.x;
+    value[1] = key.qValue.y;
+    value[2] = key.qValue.z;
+    value[3] = key.qValue.w;
 }
 
-// The keys of a record's track; nothing where the record has none of the type.
 Curve KeysOf(const ExportNode& record, int keyType) {
-    switch (keyType) {
-        case vl::zr::kKeyPosition:
-            return ToCurve(record.pPosKeys, static_cast<ExportPositionKey*>(nullptr));
-        case vl::zr::kKeyScale:
-            return ToCurve(record.pScaleKeys, static_cast<ExportScaleKey*>(nullptr));
-        default:
-            return ToCurve(record.pRotKeys, static_cast<ExportRotationKey*>(nullptr));
-    }
+    const std::size_t width = WidthOf(keyType);
+    if (keyType == vl::zr::kKeyPosition)
+        return ToCurve<ExportPositionKey>(record.pPosKeys, width, PutVector<ExportPositionKey>);
+    if (keyType == vl::zr::kKeyScale)
+        return ToCurve<ExportScaleKey>(record.pScaleKeys, width, PutVector<ExportScaleKey>);
+    return ToCurve<ExportRotationKey>(record.pRotKeys, width, PutQuaternion);
+}
+
+using RecordCurves = std::array<Curve, 3>;
+
+bool HasKeys(const RecordCurves& curves) {
+    return std::any_of(curves.begin(), curves.end(), [](const Curve& curve) { return !curve.IsEmpty(); });
+}
+
+RecordCurves KeysOf(const ExportNode& record) {
+    return {KeysOf(record, kKeyTypes[0]), KeysOf(record, kKeyTypes[1]), KeysOf(record, kKeyTypes[2])};
 }
 
 // Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
@@ -63,33 +72,22 @@ void MakeAscending(Curve& curve) {
 }
 
 // Whether the record's keys are the track's, with the time mapped.
-bool IsUnchanged(const Curve& exported, const TransformTrack& track, int keyType, vl::tk::Serializer& tool) {
-    if (static_cast<int>(exported.times.size()) != track.Count(keyType)) return false;
-    const std::size_t width = keyType == vl::zr::kKeyRotation ? 4 : 3;
+bool IsUnchanged(const Curve& exported, const Curve& source, std::size_t width, vl::tk::Serializer& tool) {
+    if (exported.times.size() != source.times.size()) return false;
     for (std::size_t i = 0; i < exported.times.size(); ++i) {
-        const vl::zr::Key* key = track.Get(keyType, static_cast<int>(i));
-        if (exported.times[i] != tool.MapTime(key->m_fTime)) return false;
-        const float* value = exported.values.data() + i * width;
-        if (keyType == vl::zr::kKeyRotation) {
-            vl::Quaternion q;
-            track.Rotations()[i]->GetQuaternion(&q);
-            if (!(q == vl::Quaternion(value[0], value[1], value[2], value[3]))) return false;
-        } else {
-            const auto& v =
-                keyType == vl::zr::kKeyPosition ? track.Positions()[i]->m_value : track.Scales()[i]->m_value;
-            if (!(v == vl::Vector3<float>{value[0], value[1], value[2]})) return false;
-        }
+        if (exported.times[i] != tool.MapTime(source.times[i])) return false;
+        if (!std::equal(source.Value(i), source.Value(i) + width, exported.values.data() + i * width))
+            return false;
     }
     return true;
 }
 
 // A motion that the tools do not extract (one rotation key alone) is a pose: it stays, where the record
 // stands.
-Curve PoseCurve(const TransformTrack& track, int keyType, const vl::Matrix4<double>& local, float time) {
-    Curve curve;
-    if (track.Count(keyType) == 0) return curve;
+Curve PoseCurve(int keyType, const vl::Matrix4<double>& local, float time) {
     vl::AffineParts parts;
     local.AffineDecompose(parts);
+    Curve curve;
     curve.times = {time};
     switch (keyType) {
         case vl::zr::kKeyPosition:
@@ -105,55 +103,68 @@ Curve PoseCurve(const TransformTrack& track, int keyType, const vl::Matrix4<doub
     return curve;
 }
 
-void TakeBackRecord(const ExportNode& record, TransformTrack& track, vl::tk::Serializer& tool,
-                    const ExportOptions& options) {
-    constexpr int kTypes[] = {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale};
-    Curve curves[3];
-    bool hasKeys = false;
-    bool unchanged = true;
+// Nothing where all keys stay as they are.
+std::optional<TrackCurves> Replaced(const ExportNode& record, const TransformTrack& track,
+                                    vl::tk::Serializer& tool, const ExportOptions& options) {
+    RecordCurves curves = KeysOf(record);
+    const Curve* sources[3];
+    bool unchanged[3];
     for (std::size_t i = 0; i < 3; ++i) {
-        curves[i] = KeysOf(record, kTypes[i]);
-        hasKeys = hasKeys || !curves[i].times.empty();
-        unchanged = unchanged && IsUnchanged(curves[i], track, kTypes[i], tool);
+        sources[i] = &track.Packed(kKeyTypes[i])->Get();
+        unchanged[i] = IsUnchanged(curves[i], *sources[i], WidthOf(kKeyTypes[i]), tool);
     }
-    if (unchanged) return track.Retime(tool.m_fTimeScale, tool.m_fTimeOffset);
-    if (!hasKeys && !options.Has(vl::tk::kGroupKeysOnly)) {
+    TrackCurves replaced;
+    if (std::all_of(std::begin(unchanged), std::end(unchanged), [](bool same) { return same; })) {
+        if (!MapsTime(tool)) return std::nullopt;
         for (std::size_t i = 0; i < 3; ++i) {
-            curves[i] = PoseCurve(track, kTypes[i], record.mLocal, tool.GetStartTime());
+            replaced[i] = *sources[i];
+            replaced[i]->Retime(tool.m_fTimeScale, tool.m_fTimeOffset);
+        }
+        return replaced;
+    }
+    if (!HasKeys(curves) && !options.Has(vl::tk::kGroupKeysOnly)) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (sources[i]->IsEmpty()) continue;
+            curves[i] = PoseCurve(kKeyTypes[i], record.mLocal, tool.GetStartTime());
+            unchanged[i] = IsUnchanged(curves[i], *sources[i], WidthOf(kKeyTypes[i]), tool);
         }
     }
     for (std::size_t i = 0; i < 3; ++i) {
-        if (IsUnchanged(curves[i], track, kTypes[i], tool) && !MapsTime(tool)) continue;
-        if (curves[i].interpolation == vl::zr::kInterpolationCubic)
-            curves[i].interpolation = vl::zr::kInterpolationLinear;
+        if (unchanged[i] && !MapsTime(tool)) continue;
+        if (curves[i].IsCubic()) curves[i].interpolation = vl::zr::kInterpolationLinear;
         MakeAscending(curves[i]);
-        ReplaceKeys(track, kTypes[i], curves[i]);
+        replaced[i] = std::move(curves[i]);
     }
+    return replaced;
 }
 
 }  // namespace
 
-Curve RecordCurve(const ExportNode& record, int keyType) {
-    Curve curve = KeysOf(record, keyType);
-    MakeAscending(curve);
-    return curve;
-}
-
-void TakeBackKeys(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation,
-                  const ExportOptions& options) {
-    std::unordered_set<const vl::zr::Track*> done;
-    for (ExportNode* record : AllRecords(tool)) {
-        auto* controller = static_cast<kernix::TransformControllerModel*>(record->pController);
-        if (controller == nullptr) continue;
-        auto* track = static_cast<TransformTrack*>(controller->Tracks().Find(&animation));
-        if (track == nullptr || !done.insert(track).second) continue;
-        TakeBackRecord(*record, *track, *tool, options);
+void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, const ExportOptions& options,
+                 ReplacedKeys& replaced, std::vector<AddedKeys>& added) {
+    std::size_t index = 0;
+    for (const ExportNode* record : AllRecords(tool)) {
+        const std::size_t at = index++;
+        if (record->pController == nullptr) {
+            RecordCurves curves = KeysOf(*record);
+            for (Curve& curve : curves) MakeAscending(curve);
+            if (HasKeys(curves)) added.push_back({at, &animation, std::move(curves)});
+            continue;
+        }
+        vl::zr::Track* track =
+            record->pController->GetTrack(const_cast<kernix::AnimationModel*>(&animation));
+        if (track == nullptr) continue;
+        if (auto curves = Replaced(*record, static_cast<TransformTrack&>(*track), *tool, options))
+            replaced[track] = std::move(*curves);
     }
+    if (!MapsTime(*tool)) return;
     for (vl::zr::Track* track : animation.Tracks()) {
-        const bool isTransform = dynamic_cast<TransformTrack*>(track) != nullptr;
-        if (!isTransform && MapsTime(*tool)) track->Retime(tool->m_fTimeScale, tool->m_fTimeOffset);
+        const auto* sampled = dynamic_cast<kernix::SampledTrack*>(track);
+        if (sampled == nullptr) continue;
+        Curve curve = sampled->GetCurve();
+        curve.Retime(tool->m_fTimeScale, tool->m_fTimeOffset);
+        replaced[track][0] = std::move(curve);
     }
-    scene.TransformsChanged();
 }
 
 }  // namespace zr

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <vector>
+
 #include "app/operations/export/tool_run.h"
-#include "app/scene/curves.h"
+#include "app/scene/scene_changes.h"
 
 namespace zr {
 
-// The keys of a record's track, in strictly ascending order; nothing where the record has none of the type.
-Curve RecordCurve(const ExportNode& record, int keyType);
-
-// Takes the keys of a finished run back into the scene's tracks for that animation, with the time mapped for
-// everything else that the animation moves. A track whose keys came through unchanged keeps its own, slopes
-// included.
-void TakeBackKeys(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation,
-                  const ExportOptions& options);
+// Adds the keys that a finished run gives the scene's tracks for the animation, with the time mapped for everything
+// else that the animation moves. A track whose keys came through unchanged keeps its own, slopes included. added:
+// receives the keys that the tools gave records which nothing moves (of what a camera aims at, or of the camera that
+// turns to follow it), with the place of the record among all for the node.
+void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, const ExportOptions& options,
+                 ReplacedKeys& replaced, std::vector<AddedKeys>& added);
 
 }  // namespace zr

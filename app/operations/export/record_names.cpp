@@ -31,18 +31,19 @@ std::string NameOf(const ExportNode& record) {
                                    : std::string();
 }
 
-void WriteMaterialNames(LoadedScene& loaded, const Tool& tool) {
+std::vector<std::pair<std::size_t, std::string>> MaterialNamesOf(const LoadedScene& loaded,
+                                                                 const Tool& tool) {
+    std::vector<std::pair<std::size_t, std::string>> names;
     std::unordered_map<const vl::zr::Material*, std::size_t> indices;
-    const auto materials = loaded.Document().Elements(gltf::Kind::kMaterial);
-    for (std::size_t i = 0; i < materials.size(); ++i) indices[loaded.Material(i)] = i;
+    const auto& materials = loaded.Parts().materials;
+    for (std::size_t i = 0; i < materials.size(); ++i) indices[materials[i]] = i;
     for (const MaterialName* name : vl::ArrayOf<MaterialName*>(tool->m_pMaterialNames)) {
         const auto found = indices.find(name->pMaterial);
         if (found == indices.end()) continue;
         const std::u16string text = name->wszName != nullptr ? name->wszName : kernix::ToUtf16(name->szName);
-        JsonTree& tree = loaded.Document().Tree();
-        tree.Member(loaded.Document().Elements(gltf::Kind::kMaterial)[found->second], "name") =
-            tree.MakeString(kernix::ToUtf8(text));
+        names.emplace_back(found->second, kernix::ToUtf8(text));
     }
+    return names;
 }
 
 std::string RenameMap(const Tool& tool) {

@@ -5,18 +5,22 @@
 #include <vector>
 
 #include "app/operations/export/tool_run.h"
+#include "app/scene/document_changes.h"
 #include "app/scene/loaded_scene.h"
 
 namespace zr {
 
-// Gives a document the nodes that the records of a run stand for. The first record of a node keeps the node's
-// place in the document, so that every reference to it holds; other records become new nodes. A node's object
-// goes to the record that carries it, and pivots and offsets that the records spell out leave ZR_scene. Nodes
-// without a record are deleted from the scene: WriteBack takes them out of the document.
-//
-// Returns the node of each record, in the order of the records.
-std::vector<std::size_t> WriteRecordNodes(LoadedScene& loaded, const Tool& tool,
-                                          const ExportOptions& options);
+struct RecordNodes {
+    ChangedNodes changes;
+    std::vector<std::size_t> indices;   // the node of each record, in the order of the records
+    std::vector<std::size_t> rejected;  // nodes of the scene that no record stands for
+    std::vector<std::size_t> bare;      // nodes that lose what they show
+};
+
+// The nodes that the records of a run stand for. The first record of a node keeps the node's place in the document,
+// so that every reference to it holds; other records become new nodes. A node's object goes to the record that
+// carries it, and pivots and offsets that the records spell out leave ZR_scene.
+RecordNodes NodesOf(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
 // Whether two runs made the same records of the same nodes.
 bool SameStructure(const Tool& a, const Tool& b);

@@ -36,7 +36,7 @@ vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& opt
 
 bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options) {
     auto* node = static_cast<kernix::NodeModel*>(record.pSourceNode);
-    if (node == nullptr || node->m_source < 0) return false;
+    if (node == nullptr) return false;
     const vl::Matrix4<double>& before = node->GetRestMatrix();
     double size = 1;
     for (const auto& row : before.m) {

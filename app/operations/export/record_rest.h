@@ -12,7 +12,7 @@ namespace zr {
 vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options);
 
 // Whether the record stands, relative to its parent, where its node does in the scene. Rounding counts for
-// nothing. False for a record without a node of the document.
+// nothing. False for a record without a node.
 bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options);
 
 // Whether the tools place the record, of a camera or light, where the host shows the object and not where its

@@ -85,16 +85,18 @@ Curve Thinned(const Curve& curve) {
     std::size_t kept = 0;
     Slopes slopes;
     for (std::size_t i = 1; i < count; ++i) {
-        const auto way = [&] {
-            return width == 4 ? TurnWay(value(kept), value(i)) : VectorWay(value(kept), value(i));
+        const auto wayTo = [&](std::size_t from) {
+            return width == 4 ? TurnWay(value(from), value(i)) : VectorWay(value(from), value(i));
         };
-        const auto span = [&] { return double{curve.times[i]} - curve.times[kept]; };
-        if (i > kept + 1 && !slopes.Hold(way(), span())) {
+        const auto spanFrom = [&](std::size_t from) { return double{curve.times[i]} - curve.times[from]; };
+        Way way = wayTo(kept);
+        if (i > kept + 1 && !slopes.Hold(way, spanFrom(kept))) {
             keep(kept);
             kept = i - 1;
             slopes = {};
+            way = wayTo(kept);
         }
-        slopes.Meet(way(), span());
+        slopes.Meet(way, spanFrom(kept));
     }
     if (count > 0) keep(kept);
     if (count > 1) keep(count - 1);

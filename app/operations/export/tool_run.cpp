@@ -29,4 +29,9 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
     return tool;
 }
 
+bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation) {
+    scene.SetActiveAnimation(&animation);
+    return tool->ProcessKeys() != 0;
+}
+
 }  // namespace zr

@@ -17,6 +17,10 @@ using Tool = vl::Ref<vl::tk::Serializer>;
 Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
              const ExportOptions& options);
 
+// Runs the keys of another animation on the records of a finished run. False, with the records as they were, where
+// it needs others.
+bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation);
+
 // Whether the animation's time is mapped to another range.
 inline bool MapsTime(const vl::tk::Serializer& tool) {
     return tool.m_fTimeScale != 1 || tool.m_fTimeOffset != 0;
@@ -24,6 +28,13 @@ inline bool MapsTime(const vl::tk::Serializer& tool) {
 
 inline vl::ArrayOf<ExportNode*> AllRecords(const Tool& tool) {
     return vl::ArrayOf<ExportNode*>(tool->m_pAllNodes);
+}
+
+// Whether the record stands where its node's object stood, below a pivot that was split off.
+inline bool StandsBelowPivot(const ExportNode& record) {
+    const bool belowStaticPivot = record.pSplit != nullptr && (record.pSplit->dwFlags & NF_STATICPIVOT) != 0;
+    const bool belowPivotGroup = (record.dwFlags & NF_PIVOT) != 0 && (record.dwFlags & NF_SPLIT) == 0;
+    return belowStaticPivot || belowPivotGroup;
 }
 
 }  // namespace zr

@@ -50,27 +50,19 @@ ViewCamera::ViewCamera(LoadedScene& loaded) {
     m_node->SetRestMatrix(place);
 }
 
-void ViewCamera::Write(gltf::Document& document, const Tool& tool, const std::vector<std::size_t>& nodes,
-                       const ExportOptions& options) const {
+std::vector<NewCamera> ViewCamera::CamerasOf(const Tool& tool, const std::vector<std::size_t>& nodes,
+                                             const ExportOptions& options) const {
+    std::vector<NewCamera> cameras;
+    // A lens does not grow with its node.
+    const auto& row = options.sceneMatrix.m[0];
+    const double distance = m_distance * std::hypot(row[0], row[1], row[2]);
     std::size_t at = 0;
     for (const ExportNode* record : AllRecords(tool)) {
         const std::size_t index = nodes[at++];
         if (record->pNode != m_node || (record->dwFlags & NF_GEOMETRY) == 0) continue;
-        gltf::JsonTree& tree = document.Tree();
-        // A lens does not grow with its node.
-        const auto& row = options.sceneMatrix.m[0];
-        const double distance = m_distance * std::hypot(row[0], row[1], row[2]);
-        gltf::Json lens = gltf::JsonTree::MakeObject(), camera = gltf::JsonTree::MakeObject();
-        tree.Member(lens, "yfov") = tree.MakeNumber(kFieldOfView);
-        tree.Member(lens, "znear") = tree.MakeNumber(kNear * distance);
-        tree.Member(lens, "zfar") = tree.MakeNumber(kFar * distance);
-        tree.Member(camera, "type") = tree.MakeString("perspective");
-        tree.Member(camera, "perspective") = lens;
-        const std::size_t added = document.Append(gltf::Kind::kCamera, camera);
-        gltf::Json& node = document.Elements(gltf::Kind::kNode)[index];
-        tree.Member(node, "camera") = tree.MakeIndex(added);
-        if (node.Find("name") == nullptr) tree.Member(node, "name") = tree.MakeString(m_node->GetNameText());
+        cameras.push_back({index, m_node->GetNameText(), kFieldOfView, kNear * distance, kFar * distance});
     }
+    return cameras;
 }
 
 }  // namespace zr

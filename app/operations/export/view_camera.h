@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <vector>
+
 #include "app/operations/export/tool_run.h"
+#include "app/scene/document_changes.h"
 #include "app/scene/loaded_scene.h"
 
 namespace zr {
@@ -14,10 +17,10 @@ public:
     // Adds the camera to the scene, as its system node. Before the scene gets a scene matrix.
     explicit ViewCamera(LoadedScene& loaded);
 
-    // Gives the node that stands for the camera's record, if the tools made one, the camera's lens. nodes: of
-    // each record, in the document.
-    void Write(gltf::Document& document, const Tool& tool, const std::vector<std::size_t>& nodes,
-               const ExportOptions& options) const;
+    // The camera of the node that stands for its record, if the tools made one. nodes: of each record, in the
+    // document.
+    std::vector<NewCamera> CamerasOf(const Tool& tool, const std::vector<std::size_t>& nodes,
+                                     const ExportOptions& options) const;
 
 private:
     kernix::NodeModel* m_node;

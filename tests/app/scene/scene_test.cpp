@@ -248,8 +248,7 @@ TEST(WriteBack, NothingChangedChangesNothing) {
     const std::string before = gltf::WriteJson(gltf::test::Sample().Root(), false);
     for (std::size_t scene : {0U, 1U}) {
         LoadedScene loaded(gltf::test::Sample(), {scene, {}});
-        loaded.WriteBack();
-        EXPECT_EQ(gltf::WriteJson(loaded.Document().Root(), false), before);
+        EXPECT_EQ(gltf::WriteJson(std::move(loaded).WriteBack().Root(), false), before);
     }
 }
 
@@ -264,8 +263,7 @@ TEST(WriteBack, RefusesToRenumberWhatCannotBeFollowed) {
                 extension, "}}")),
             options);
         loaded.Node(0)->Delete(0);
-        loaded.WriteBack();
-        return loaded.Document().Elements(Kind::kNode).size();
+        return std::move(loaded).WriteBack().Elements(Kind::kNode).size();
     };
     EXPECT_THROW(removeFirst(R"({"node":1})", false), gltf::Error);
     EXPECT_THROW(removeFirst(R"({"target":"/nodes/1/translation"})", false), gltf::Error);
@@ -279,12 +277,12 @@ TEST(WriteBack, RemovalsReachTheDocument) {
     loaded.Node(1)->GetMetadata(false)->Clear();
     loaded.Scene().RemoveMaterial(loaded.Material(2));
     EXPECT_TRUE(loaded.Scene().DeleteAnimation(loaded.Animation(0)));
-    loaded.WriteBack();
-    const std::string text = gltf::WriteJson(loaded.Document().Root(), false);
+    gltf::Document written = std::move(loaded).WriteBack();
+    const std::string text = gltf::WriteJson(written.Root(), false);
     EXPECT_EQ(text.find("\"light\""), std::string::npos);
     EXPECT_EQ(text.find("\"big\""), std::string::npos);
     EXPECT_EQ(text.find("\"sheen\""), std::string::npos);
-    EXPECT_EQ(loaded.Document().Root().Find("animations"), nullptr);
+    EXPECT_EQ(written.Root().Find("animations"), nullptr);
     EXPECT_NO_THROW(
         gltf::Document::FromBytes(BytesOf(gltf::test::Glb(text, gltf::test::SampleBin())), "x.glb"));
 }
@@ -295,9 +293,9 @@ TEST(WriteBack, MergedMaterialsAreReferredToAsOne) {
           R"({"name": "again", "pbrMetallicRoughness": {"baseColorTexture": {"index": 2}}})"},
          {R"({"source": 0}])", R"({"source": 0}, {"sampler": 0, "source": 0, "name": "same"}])"}}));
     EXPECT_EQ(loaded.Scene().MergeEqualMaterials(), 1);
-    loaded.WriteBack();
-    EXPECT_EQ(loaded.Document().Elements(Kind::kMaterial).size(), 2U);
-    const gltf::Json& primitive = loaded.Document().Elements(Kind::kMesh)[0].Find("primitives")->Items()[0];
+    gltf::Document written = std::move(loaded).WriteBack();
+    EXPECT_EQ(written.Elements(Kind::kMaterial).size(), 2U);
+    const gltf::Json& primitive = written.Elements(Kind::kMesh)[0].Find("primitives")->Items()[0];
     EXPECT_EQ(
         gltf::WriteJson(*primitive.Find("extensions"), false),
         R"({"KHR_materials_variants":{"mappings":[{"material":1,"variants":[0]},{"material":1,"variants":[1]}]}})");
@@ -312,20 +310,20 @@ TEST(WriteBack, ChangedAndNewKeysAreStored) {
     kernix::TransformTrack* track = controller->AddTransformTrack(added);
     track->AddScale(0.5F)->SetValue({1, 2, 3});
     scene.CreateAnimation(u"empty");
-    loaded.WriteBack();
-    gltf::CollectGarbage(loaded.Document(), gltf::kDataKinds, false);
+    gltf::Document written = std::move(loaded).WriteBack();
+    gltf::CollectGarbage(written, gltf::kDataKinds, false);
 
     const gltf::test::TemporaryFolder folder;
-    loaded.Document().Save(folder / "out.glb");
+    written.Save(folder / "out.glb");
     LoadedScene again(gltf::Document::Load(folder / "out.glb"));
     ASSERT_EQ(again.Document().Elements(Kind::kAnimation).size(), 2U);
     EXPECT_EQ(again.Animation(1)->m_name, u"new");
     EXPECT_EQ(again.Scene().GetEndTime(again.Animation(0)), 3.0F);
     auto* read = static_cast<kernix::TransformControllerModel*>(again.Node(1)->GetController(99));
-    const Curve moved = TakeKeys(*read->Resolve(read->GetTrack(again.Animation(0))), vl::zr::kKeyPosition);
+    const Curve moved = KeysOf(*read->Resolve(read->GetTrack(again.Animation(0))), vl::zr::kKeyPosition);
     EXPECT_EQ(moved.times, (std::vector<float>{1, 3}));
     EXPECT_EQ(moved.values, (std::vector<float>{0, 0, 0, 2, 0, 0}));
-    const Curve scaled = TakeKeys(*read->Resolve(read->GetTrack(again.Animation(1))), vl::zr::kKeyScale);
+    const Curve scaled = KeysOf(*read->Resolve(read->GetTrack(again.Animation(1))), vl::zr::kKeyScale);
     EXPECT_EQ(scaled.values, (std::vector<float>{1, 2, 3}));
 }
 
@@ -338,7 +336,7 @@ TEST(Curves, MixedKeysBecomeLinearOnesThatLieOnTheCurve) {
             {vl::zr::kInterpolationCubic, {0, 1}, {0, 0, 0, 0, 0, 0, 9, 0, 0, -5, 0, 0, 1, 2, 0, 0, 0, 0}});
     PutKeys(*track, vl::zr::kKeyPosition, {vl::zr::kInterpolationStep, {2}, {5, 5, 5}});
     PutKeys(*track, vl::zr::kKeyPosition, {vl::zr::kInterpolationLinear, {3, 4}, {6, 6, 6, 7, 7, 7}});
-    const Curve curve = TakeKeys(*track, vl::zr::kKeyPosition);
+    const Curve curve = KeysOf(*track, vl::zr::kKeyPosition);
     EXPECT_EQ(curve.interpolation, vl::zr::kInterpolationLinear);
     const auto linear = [&](float time) {
         std::size_t i = 1;
@@ -379,11 +377,11 @@ TEST(ZrScene, LayersViewportsAndAimsComeAndGo) {
     scene.DeleteAnimation(loaded.Animation(0));
     scene.RemoveViewport(scene.Viewports()[0].Get(), 1);
     scene.RemoveLayer(static_cast<vl::zr::Layer*>(scene.m_pLayers->GetAt(0)));
-    loaded.WriteBack();
+    const gltf::Document written = std::move(loaded).WriteBack();
     EXPECT_EQ(
-        gltf::WriteJson(*loaded.Document().Root().Find("extensions"), false),
+        gltf::WriteJson(*written.Root().Find("extensions"), false),
         R"({"ZR_scene":{"layers":[{"name":"two","nodes":[0,1]}],"viewports":[{"name":"view","kind":2,"layer":0,"animations":[0]}]}})");
-    EXPECT_NO_THROW(gltf::test::FromText(gltf::WriteJson(loaded.Document().Root(), false)));
+    EXPECT_NO_THROW(gltf::test::FromText(gltf::WriteJson(written.Root(), false)));
 }
 
 }  // namespace

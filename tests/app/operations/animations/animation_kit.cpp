@@ -64,8 +64,7 @@ Document AnimatedScene() {
 }
 
 LoadedScene AnimationCommandTest::Reloaded(LoadedScene& loaded) {
-    loaded.WriteBack();
-    loaded.Document().Save(m_folder / "out.glb");
+    std::move(loaded).WriteBack().Save(m_folder / "out.glb");
     return LoadedScene(Document::Load(m_folder / "out.glb"));
 }
 
@@ -93,7 +92,7 @@ std::vector<float> KeyTimes(kernix::AnimationModel& animation) {
         if (transform == nullptr) continue;
         for (int type : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale})
             for (int i = 0; i < transform->Count(type); ++i)
-                times.push_back(transform->Get(type, i)->m_fTime);
+                times.push_back(transform->TimeOf(type, i));
     }
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());

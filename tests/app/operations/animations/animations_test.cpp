@@ -77,7 +77,7 @@ TEST(SlicedTest, EveryWayOfPassingIsCutWhereItIs) {
 TEST_F(AnimationCommandTest, PartsOfACutAnimationPlayAsItsStretches) {
     LoadedScene before(AnimatedScene()), loaded(AnimatedScene());
     const std::vector<float> cuts{0.9F, 1.25F};
-    const Animations parts = CutAnimation(loaded.Scene(), *ChooseAnimation(loaded.Scene(), "jump"), cuts);
+    const Animations parts = CutAnimation(loaded, *ChooseAnimation(loaded.Scene(), "jump"), cuts);
     RemoveAnimations(m_host, loaded, {ChooseAnimation(loaded.Scene(), "jump")});
     LoadedScene after = Reloaded(loaded);
     EXPECT_EQ(NamesOf(after), (Names{"walk", "rest", "jump 1", "jump 2", "jump 3"}));
@@ -104,7 +104,7 @@ TEST_F(AnimationCommandTest, PartsOfACutAnimationPlayAsItsStretches) {
 TEST_F(AnimationCommandTest, EachMovedNodeGetsAnAnimation) {
     LoadedScene loaded(AnimatedScene());
     kernix::AnimationModel* walk = ChooseAnimation(loaded.Scene(), "walk");
-    SeparateAnimation(loaded.Scene(), *walk);
+    SeparateAnimation(loaded, *walk);
     RemoveAnimations(m_host, loaded, {walk});
     LoadedScene after = Reloaded(loaded);
     EXPECT_EQ(NamesOf(after), (Names{"jump", "rest", "walk body", "walk arm"}));

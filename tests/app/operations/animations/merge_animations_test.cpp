@@ -105,13 +105,14 @@ kernix::TransformTrack* TrackOf(vl::zr::Controller& controller, kernix::Animatio
 }
 
 // The keys before a time and those from it on as two animations, at their times.
-Animations Halves(kernix::SceneModel& scene, kernix::AnimationModel* source, float middle) {
+Animations Halves(LoadedScene& loaded, kernix::AnimationModel* source, float middle) {
+    kernix::SceneModel& scene = loaded.Scene();
     const Animations halves{scene.AddAnimation(u"early"), scene.AddAnimation(u"late")};
-    ForEachController(scene, [&](vl::zr::Controller& controller, const std::string&) {
+    ForEachController(loaded, [&](vl::zr::Controller& controller, const std::string&) {
         const kernix::TransformTrack* track = TrackOf(controller, source);
         if (track == nullptr) return;
         for (const int type : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
-            const Curve curve = Straightened(*track, type);
+            const Curve curve = BakedKeys(*track, type);
             const std::size_t width = curve.Width();
             for (std::size_t i = 0; i < curve.times.size(); ++i) {
                 kernix::AnimationModel* half = halves[curve.times[i] < middle ? 0 : 1];
@@ -133,7 +134,7 @@ void ExpectPartsMakeUpTheWhole(LoadedScene& before, kernix::AnimationModel* whol
         if (track == nullptr) continue;
         for (const int type : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
             for (int i = 0; i < track->Count(type); ++i) {
-                const float time = track->Get(type, i)->m_fTime;
+                const float time = track->TimeOf(type, i);
                 SCOPED_TRACE(Join("node ", node, " at ", std::to_string(time)));
                 const auto wanted = Pose(before, node, whole, time), got = Pose(after, node, result, time);
                 if (type == vl::zr::kKeyPosition)
@@ -158,8 +159,8 @@ void ExpectPartsMerge(Host& host, const std::function<LoadedScene()>& load, cons
         LoadedScene loaded = load();
         kernix::AnimationModel* source = ChooseAnimation(loaded.Scene(), name);
         if (!byNode && times.size() < 2) continue;
-        const Animations parts = byNode ? SeparateAnimation(loaded.Scene(), *source)
-                                        : Halves(loaded.Scene(), source, times[times.size() / 2]);
+        const Animations parts = byNode ? SeparateAnimation(loaded, *source)
+                                        : Halves(loaded, source, times[times.size() / 2]);
         if (parts.size() < 2) continue;
         MergeOptions options;
         options.removeSources = true;
@@ -232,7 +233,7 @@ TEST_F(AnimationCommandTest, MergeNamesWhatDoesNotMergeAndViewportsFollow) {
     const Animations first = AnimationsOf(scene);
     ASSERT_EQ(first.size(), 1U);
     kernix::AnimationModel* second = scene.AddAnimation(u"second");
-    ForEachController(scene, [&](vl::zr::Controller& controller, const std::string&) {
+    ForEachController(loaded, [&](vl::zr::Controller& controller, const std::string&) {
         if (controller.GetTrack(first[0]) != nullptr)
             CopyTrack(controller, controller.GetTrack(first[0]), controller, second);
     });

@@ -34,14 +34,14 @@ M ObjectWorld(kernix::NodeModel* node) {
 
 // The node that carries the object of a node in the exported scene: itself, or a new one below it.
 template <typename Object>
-kernix::NodeModel* Carrier(kernix::NodeModel* node, int oldCount) {
+kernix::NodeModel* Carrier(const LoadedScene& exported, kernix::NodeModel* node, std::size_t oldCount) {
     std::vector<kernix::NodeModel*> open = {node};
     while (!open.empty()) {
         kernix::NodeModel* model = open.back();
         open.pop_back();
         if (dynamic_cast<Object*>(model->m_pObject) != nullptr) return model;
         for (vl::zr::Node* child = model->m_pFirstChild; child != nullptr; child = child->m_pNextSibling) {
-            if (static_cast<kernix::NodeModel*>(child)->m_source >= oldCount) {
+            if (*exported.IndexOf(child) >= oldCount) {
                 open.push_back(static_cast<kernix::NodeModel*>(child));
             }
         }
@@ -92,7 +92,7 @@ Comparison::Comparison(LoadedScene& before, LoadedScene& after, const ExportOpti
       m_after(after),
       m_sceneMatrix(options.sceneMatrix),
       m_flipped(options.Has(vl::tk::kFlipAxes)),
-      m_oldCount(static_cast<int>(before.Document().Elements(gltf::Kind::kNode).size())) {}
+      m_oldCount(before.Document().Elements(gltf::Kind::kNode).size()) {}
 
 vl::Matrix4<double> Comparison::Moved(M m) const {
     m.Transform(m_sceneMatrix);
@@ -115,8 +115,9 @@ template <typename Object>
 void Comparison::CompareAimed(kernix::NodeModel* node, kernix::NodeModel* exported, const char* what) {
     auto* object = dynamic_cast<Object*>(node->m_pObject);
     if (object == nullptr) return;
-    kernix::NodeModel* carrier = Carrier<Object>(exported, m_oldCount);
-    ASSERT_NE(carrier, nullptr) << m_where << ", " << what << " " << node->m_source;
+    const auto index = static_cast<int>(*m_before.IndexOf(node));
+    kernix::NodeModel* carrier = Carrier<Object>(m_after, exported, m_oldCount);
+    ASSERT_NE(carrier, nullptr) << m_where << ", " << what << " " << index;
     const auto shown = [](Object& aimed, kernix::NodeModel* at) {
         M m;
         aimed.GetObjectMatrix(at, &m);
@@ -126,26 +127,27 @@ void Comparison::CompareAimed(kernix::NodeModel* node, kernix::NodeModel* export
     };
     M expected = Moved(shown(*object, node));
     if (m_flipped) expected.SetMul(Mirror(), expected);
-    Compare(shown(*dynamic_cast<Object*>(carrier->m_pObject), carrier), expected, what, node->m_source);
+    Compare(shown(*dynamic_cast<Object*>(carrier->m_pObject), carrier), expected, what, index);
 }
 
 void Comparison::Run(const std::string& where) {
     m_where = where;
     for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_before.Scene().m_pNodes)) {
         auto* node = static_cast<kernix::NodeModel*>(plain);
-        kernix::NodeModel* exported = m_after.Node(static_cast<std::size_t>(node->m_source));
-        ASSERT_NE(exported, nullptr) << where << ", node " << node->m_source;
+        const auto index = static_cast<int>(*m_before.IndexOf(node));
+        kernix::NodeModel* exported = m_after.Node(*m_before.IndexOf(node));
+        ASSERT_NE(exported, nullptr) << where << ", node " << index;
         const bool hasMesh = dynamic_cast<vl::zr::Mesh*>(node->m_pObject) != nullptr;
         // A node that lost its object to a new one may have become that one's pivot.
         if (!hasMesh || dynamic_cast<vl::zr::Mesh*>(exported->m_pObject) != nullptr) {
             M frame = Moved(World(node));
             if (m_flipped) frame.SetMul(Exchange(), frame);
-            Compare(World(exported), frame, "node", node->m_source);
+            Compare(World(exported), frame, "node", index);
         }
         if (hasMesh) {
-            kernix::NodeModel* carrier = Carrier<vl::zr::Mesh>(exported, m_oldCount);
-            ASSERT_NE(carrier, nullptr) << where << ", mesh of node " << node->m_source;
-            Compare(ObjectWorld(carrier), Moved(ObjectWorld(node)), "mesh of node", node->m_source);
+            kernix::NodeModel* carrier = Carrier<vl::zr::Mesh>(m_after, exported, m_oldCount);
+            ASSERT_NE(carrier, nullptr) << where << ", mesh of node " << index;
+            Compare(ObjectWorld(carrier), Moved(ObjectWorld(node)), "mesh of node", index);
         }
         CompareAimed<vl::zr::Camera>(node, exported, "camera of node");
         CompareAimed<vl::zr::Light>(node, exported, "light of node");

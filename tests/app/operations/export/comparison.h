@@ -35,7 +35,7 @@ private:
     LoadedScene& m_after;
     const M m_sceneMatrix;
     const bool m_flipped;
-    const int m_oldCount;
+    const std::size_t m_oldCount;
     std::string m_where;
     double m_greatest = 0;
     std::string m_place;

@@ -101,8 +101,7 @@ double CheckMotion(const std::filesystem::path& file, const Variant& variant) {
     LoadedScene before(gltf::Document::Load(file));
     {
         LoadedScene loaded(gltf::Document::Load(file));
-        ExportScene(TheHost(), loaded, options, [](double) {});
-        loaded.Document().Save(folder / "out.glb");
+        ExportScene(TheHost(), std::move(loaded), options, [](double) {}).document.Save(folder / "out.glb");
     }
     LoadedScene after(gltf::Document::Load(folder / "out.glb"));
     kernix::SceneModel& old = before.Scene();
@@ -213,8 +212,7 @@ TEST(Export, LeavesOutWhatTheOptionsSay) {
     ExportOptions options;
     options.exportFlags &= ~std::uint32_t{vl::tk::kExportLights | vl::tk::kKeepAllNodes};
     options.exportFlags |= vl::tk::kIgnoreAnimation;
-    ExportScene(TheHost(), loaded, options, [](double) {});
-    loaded.Document().Save(folder / "out.glb");
+    ExportScene(TheHost(), std::move(loaded), options, [](double) {}).document.Save(folder / "out.glb");
     LoadedScene after(gltf::Document::Load(folder / "out.glb"));
     const auto lights = vl::Ref<vl::Array>::Adopt(after.Scene().GetObjectsOfKind(vl::zr::kKindLight));
     EXPECT_EQ(lights->m_nCount, 0);
@@ -222,11 +220,11 @@ TEST(Export, LeavesOutWhatTheOptionsSay) {
     EXPECT_EQ(after.Scene().m_pAnimations->m_nCount, 0);
 
     LoadedScene empty(gltf::test::FromText(R"({"asset":{"version":"2.0"},"scenes":[{}],"scene":0})"));
-    EXPECT_NO_THROW(ExportScene(TheHost(), empty, ExportOptions(), [](double) {}));
+    EXPECT_NO_THROW(ExportScene(TheHost(), std::move(empty), ExportOptions(), [](double) {}));
     LoadedScene bare(
         gltf::test::FromText(R"({"asset":{"version":"2.0"},"nodes":[{}],"scenes":[{"nodes":[0]}]})"));
     options.exportFlags = vl::tk::kExportBones;
-    EXPECT_THROW(ExportScene(TheHost(), bare, options, [](double) {}), std::runtime_error);
+    EXPECT_THROW(ExportScene(TheHost(), std::move(bare), options, [](double) {}), std::runtime_error);
 }
 
 }  // namespace

@@ -185,7 +185,8 @@ TEST(MergedExport, HoldsAtEveryKeyOfTheScene) {
         }
         ExportOptions options;
         options.exportFlags |= flags;
-        const MotionReport report = ExportScene(TheHost(), loaded, options, [](double) {});
+        Exported exported = ExportScene(TheHost(), std::move(loaded), options, [](double) {});
+        const MotionReport& report = exported.report;
         EXPECT_EQ(report.keysBefore, count);
         EXPECT_LE(10 * report.keysAfter, count);
         EXPECT_GT(report.deviation, 0);
@@ -193,14 +194,14 @@ TEST(MergedExport, HoldsAtEveryKeyOfTheScene) {
         if ((flags & vl::tk::kFlipAxes) != 0) continue;
 
         const gltf::test::TemporaryFolder folder;
-        loaded.Document().Save(folder / "out.glb");
+        exported.document.Save(folder / "out.glb");
         LoadedScene after(gltf::Document::Load(folder / "out.glb"));
         auto* controller = static_cast<kernix::TransformControllerModel*>(
             after.Node(0)->GetController(vl::zr::kControllerTransform));
         ASSERT_NE(controller, nullptr);
         const auto& made =
             *static_cast<kernix::TransformTrack*>(vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)[0]);
-        for (std::size_t i = 0; i < 3; ++i) EXPECT_LT(Deviation(curves[i], TakeKeys(made, kTypes[i])), 1e-6);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_LT(Deviation(curves[i], KeysOf(made, kTypes[i])), 1e-6);
     }
 }
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "app/operations/export/export_scene.h"
-#include "app/operations/export/flip_objects.h"
+#include "app/scene/flip_objects.h"
 #include "app/services/rename_rules.h"
 #include "gltf/accessor.h"
 #include "tests/gltf/sample.h"
@@ -23,14 +23,14 @@ Host& TheHost() {
     return host;
 }
 
-MotionReport Export(LoadedScene& loaded, const ExportOptions& options, std::string* renameMap = nullptr) {
+Exported Export(LoadedScene& loaded, const ExportOptions& options, std::string* renameMap = nullptr) {
     return ExportScene(
-        TheHost(), loaded, options, [](double) {}, renameMap);
+        TheHost(), std::move(loaded), options, [](double) {}, renameMap);
 }
 
-LoadedScene Reloaded(LoadedScene& loaded) {
+LoadedScene Reloaded(Exported& exported) {
     const gltf::test::TemporaryFolder folder;
-    loaded.Document().Save(folder / "out.glb");
+    exported.document.Save(folder / "out.glb");
     return LoadedScene(gltf::Document::Load(folder / "out.glb"));
 }
 
@@ -89,11 +89,11 @@ TEST(ExportedAim, FollowsTheTarget) {
         track->AddPosition(2)->m_value = {3, 1, -1};
         ExportOptions options;
         options.exportFlags |= targets;
-        const MotionReport report = Export(loaded, options);
-        EXPECT_EQ(report.keysBefore, 2u);
-        EXPECT_GT(report.keysAfter, 10u);
-        EXPECT_LT(report.deviation, 0.003);
-        LoadedScene after = Reloaded(loaded);
+        Exported exported = Export(loaded, options);
+        EXPECT_EQ(exported.report.keysBefore, 2u);
+        EXPECT_GT(exported.report.keysAfter, 10u);
+        EXPECT_LT(exported.report.deviation, 0.003);
+        LoadedScene after = Reloaded(exported);
         for (int step = 0; step <= 40; ++step) {
             after.Scene().SetCurrentTime(0.05f * static_cast<float>(step), 1);
             const M camera = World(after.Node(0));
@@ -118,8 +118,8 @@ TEST(ExportedAim, TargetWithoutNodeMovesToo) {
     track->AddPosition(1)->m_value = {4, 0, 0};
     ExportOptions options;
     options.exportFlags |= vl::tk::kCameraTargetRecords;
-    Export(loaded, options);
-    LoadedScene after = Reloaded(loaded);
+    Exported exported = Export(loaded, options);
+    LoadedScene after = Reloaded(exported);
     ASSERT_NE(after.Node(2), nullptr);
     auto* controller = static_cast<kernix::TransformControllerModel*>(after.Node(2)->GetController(99));
     ASSERT_NE(controller, nullptr);
@@ -139,8 +139,7 @@ TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
     options.rename = RenameRules::Rename;
     options.renameContext = &rules;
     std::string map;
-    Export(loaded, options, &map);
-    const gltf::Document& document = loaded.Document();
+    const gltf::Document document = Export(loaded, options, &map).document;
     EXPECT_EQ(document.Elements(Kind::kNode)[0].Find("name")->String(), "box");
     EXPECT_EQ(document.Elements(Kind::kNode)[1].Find("name")->String(), "box1");
     EXPECT_EQ(document.Elements(Kind::kMaterial)[0].Find("name")->String(), "Red_Wall");
@@ -191,14 +190,15 @@ TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
             "buffers": [{"byteLength": 3, "uri": "data:;base64,AAAA"}, {"byteLength": 4}]})"));
     };
     LoadedScene loaded = load();
-    EXPECT_EQ(Export(loaded, ExportOptions()).unreadKeys,
+    Exported exported = Export(loaded, ExportOptions());
+    EXPECT_EQ(exported.report.unreadKeys,
               "/animations/0/channels/0: keys that cannot be read go out as they are");
-    EXPECT_EQ(Reloaded(loaded).Skipped().size(), 1u);
+    EXPECT_EQ(Reloaded(exported).Skipped().size(), 1u);
 
     LoadedScene still = load();
     ExportOptions options;
     options.exportFlags |= vl::tk::kIgnoreAnimation;
-    EXPECT_EQ(Export(still, options).unreadKeys, "");
+    EXPECT_EQ(Export(still, options).report.unreadKeys, "");
 
     ExportOptions turned, reversed, without;
     turned.sceneMatrix.RotateX(1);

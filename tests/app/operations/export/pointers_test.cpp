@@ -72,9 +72,9 @@ std::vector<std::string> GoalsAfter(const std::string& scene, std::uint32_t with
     ExportOptions options;
     options.exportFlags |= with;
     options.exportFlags &= ~without;
-    ExportScene(host, loaded, options, [](double) {});
+    gltf::Document document = ExportScene(host, std::move(loaded), options, [](double) {}).document;
     const gltf::test::TemporaryFolder folder;
-    loaded.Document().Save(folder / "out.gltf");
+    document.Save(folder / "out.gltf");
     return Goals(gltf::Document::Load(folder / "out.gltf"));
 }
 

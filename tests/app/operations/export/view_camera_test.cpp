@@ -15,13 +15,13 @@ using gltf::Kind;
 
 constexpr double kQuarterTurn = 1.5707963267948966;
 
-LoadedScene Exported(LoadedScene loaded, const ExportOptions& options) {
+LoadedScene AfterExport(LoadedScene loaded, const ExportOptions& options) {
     static Host host("en");
     static const bool hasModule = (host.LoadModule(), true);
     EXPECT_TRUE(hasModule);
-    ExportScene(host, loaded, options, [](double) {});
+    gltf::Document document = ExportScene(host, std::move(loaded), options, [](double) {}).document;
     const gltf::test::TemporaryFolder folder;
-    loaded.Document().Save(folder / "out.glb");
+    document.Save(folder / "out.glb");
     return LoadedScene(gltf::Document::Load(folder / "out.glb"));
 }
 
@@ -100,7 +100,7 @@ TEST(ViewCamera, SeesEveryVertexOfTheExportedScene) {
             ExportOptions options = WithCamera(flags);
             options.sceneMatrix.Scale(vl::Vector3<double>{scale, scale, scale});
             if (scale != 1) options.sceneMatrix.RotateX(kQuarterTurn);
-            LoadedScene after = Exported(Windmill(), options);
+            LoadedScene after = AfterExport(Windmill(), options);
             const View view(after);
             ASSERT_TRUE(view.IsThere());
             int vertices = 0;
@@ -120,7 +120,7 @@ TEST(ViewCamera, SeesEveryVertexOfTheExportedScene) {
 }
 
 TEST(ViewCamera, StandsUprightWhereSkinsAreShown) {
-    LoadedScene after = Exported(Skinned(), WithCamera());
+    LoadedScene after = AfterExport(Skinned(), WithCamera());
     const View view(after);
     ASSERT_TRUE(view.IsThere());
     for (const auto& point : {vl::Vector3<double>{0, 0, 0}, {1, 0, 0}, {0, 1, 0}})
@@ -134,13 +134,13 @@ TEST(ViewCamera, StandsUprightWhereSkinsAreShown) {
 TEST(ViewCamera, IsExportedOnlyWhenItAndCamerasAreAskedFor) {
     ExportOptions options = WithCamera();
     options.exportFlags &= ~std::uint32_t{vl::tk::kExportCameras};
-    LoadedScene without = Exported(Windmill(), options);
+    LoadedScene without = AfterExport(Windmill(), options);
     options.exportFlags &= ~std::uint32_t{vl::tk::kExportSystemCamera};
-    LoadedScene plain = Exported(Windmill(), options);
+    LoadedScene plain = AfterExport(Windmill(), options);
     EXPECT_TRUE(gltf::EqualJson(without.Document().Root(), plain.Document().Root()));
 
     LoadedScene empty(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{}], "scene": 0})"));
-    LoadedScene alone = Exported(std::move(empty), WithCamera());
+    LoadedScene alone = AfterExport(std::move(empty), WithCamera());
     const View view(alone);
     ASSERT_TRUE(view.IsThere());
     EXPECT_TRUE(view.Sees({0, 0, 0}));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/export/flip_objects.h"
+#include "app/scene/flip_objects.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/operations/export/moved_members.h"
+#include "app/scene/moved_members.h"
 #include "gltf/accessor.h"
 
 namespace zr {

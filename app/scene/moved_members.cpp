@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/export/moved_members.h"
+#include "app/scene/moved_members.h"
 
 #include <algorithm>
 #include <string>

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "app/operations/export/motion_report.h"
+#include "app/operations/export/tool_run.h"
+#include "app/scene/scene_changes.h"
+
+namespace zr {
+
+// An animation and where its time goes: time * scale + offset.
+struct PlayedAnimation {
+    const kernix::AnimationModel* animation;
+    float timeScale;
+    float timeOffset;
+};
+
+// Compares the motion of the scene with that of the records' nodes and the new keys, at times spread over each
+// animation and at those of keys, and says in the report where they differ most. All nodes take part in turn; what
+// the check may cost is shared by all animations. added: by the place of the record among all.
+void CheckMotion(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options,
+                 const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
+                 const std::vector<AddedKeys>& added, MotionReport& report);
+
+}  // namespace zr

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "app/scene/curves.h"
+#include "gltf/references.h"
+
+namespace zr {
+
+// What a new channel moves.
+struct NodeGoal {
+    std::size_t node;
+    std::string_view path;  // "translation", "rotation", "scale", "weights"; of static life
+};
+using Goal = std::variant<NodeGoal, std::string>;  // or a pointer
+
+// A channel of the document that gets another curve; without keys it goes.
+struct ChangedChannel {
+    std::size_t animation;
+    std::size_t channel;
+    Curve curve;
+};
+
+struct NewChannel {
+    std::size_t animation;
+    Goal goal;
+    std::string type;  // accessor type of a value
+    Curve curve;
+};
+
+struct ChangedViewport {
+    bool stays = true;
+    std::vector<std::size_t> animations;  // that it plays
+};
+
+// A transform in parts where they tell it, else as a matrix, column by column.
+struct TransformParts {
+    std::array<float, 3> translation;
+    std::array<float, 4> rotation;
+    std::array<float, 3> scale;
+};
+using NodeTransform = std::variant<TransformParts, std::array<float, 16>>;
+
+struct ChangedNode {
+    std::size_t index;
+    std::optional<NodeTransform> transform;  // none: as it is
+    std::optional<std::string> name;         // empty: no name
+    std::vector<std::size_t> children;
+    std::optional<std::size_t> target;  // what its camera or light aims at
+    bool dropsPivots = false;           // and its object's offset
+};
+
+// What a node shows, from one node to another; to none: it goes.
+struct MovedObject {
+    std::size_t from;
+    std::optional<std::size_t> to;
+};
+
+struct NewCamera {
+    std::size_t node;
+    std::string nodeName;  // where the node has none
+    double fieldOfView;    // radians, from the picture's top to its bottom
+    double near;
+    double far;
+};
+
+// The nodes of the document's scene, made anew.
+struct ChangedNodes {
+    std::vector<ChangedNode> nodes;
+    std::vector<MovedObject> movedObjects;
+    std::vector<std::size_t> roots;
+    std::vector<std::pair<std::size_t, std::size_t>> movedJoints;  // of skins: from node to node
+    std::vector<NewCamera> cameras;
+    bool exchangesAxes = false;  // Y and Z of what the nodes show, as the nodes' transforms have them exchanged
+};
+
+// All that becomes of a document. Indices are those of the document as it is; what is new follows behind its
+// kind's elements, in the order in which it stands here.
+struct DocumentChanges {
+    std::vector<std::pair<std::size_t, std::string>> materialNames;
+    std::optional<ChangedNodes> nodes;
+    std::vector<std::size_t> mergedMaterials;  // what each material is then; empty: all stay themselves
+    std::vector<std::size_t> droppedExtras;    // of nodes
+    std::vector<ChangedChannel> changedChannels;
+    std::vector<std::string> newAnimations;  // their names
+    std::vector<NewChannel> newChannels;
+    std::vector<bool> keptLayers;            // empty: all
+    std::vector<ChangedViewport> viewports;  // empty: as they are
+    gltf::Removal removal;
+    bool force = false;  // takes elements also where something that cannot be followed could refer to them
+};
+
+}  // namespace zr

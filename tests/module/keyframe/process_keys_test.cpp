@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// The keys of a further animation on the records that stand, held against an object of its own for each animation.
+#include "module/keyframe/keyframe_tool.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/module/keyframe/scene_kit.h"
+#include "tests/module/test_host.h"
+
+namespace {
+
+using namespace scene_kit;
+using namespace vl::tk;
+
+template <typename Key>
+void ExpectSameKeys(vl::Array* actual, vl::Array* expected) {
+    const vl::ArrayOf<const Key*> a(actual), b(expected);
+    ASSERT_EQ(a.Count(), b.Count());
+    for (int i = 0; i < a.Count(); ++i) EXPECT_EQ(std::memcmp(a[i], b[i], sizeof(Key)), 0) << i;
+}
+
+class ProcessKeysTest : public testing::Test {
+protected:
+    ProcessKeysTest() { g_pHost = &m_host; }
+    ~ProcessKeysTest() override { g_pHost = nullptr; }
+
+    kernix::NodeModel* AddMoved(kernix::NodeModel* parent, bool movesGroup) {
+        kernix::NodeModel* node = AddMesh(*m_scene, parent);
+        node->SetRestPose({RandomVector(m_random, -2, 2), RandomRotation(m_random), {1, 2, 1}});
+        kernix::TransformControllerModel* controller = node->AddTransformController();
+        if (movesGroup) {
+            controller->m_offset = {1, 2, 3};
+            controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
+        }
+        // Each animation moves it in other ways, or not at all.
+        for (std::size_t i = 0; i < 3; ++i) {
+            auto* track = controller->AddTransformTrack(m_scene->AllAnimations()[i].Get());
+            for (int key = 0; key < 4; ++key) {
+                const auto time = static_cast<float>(key * (i + 1));
+                if (i != 1) track->AddRotation(time)->SetQuaternion(RandomRotation(m_random));
+                if (i == 0) track->AddPosition(time)->SetValue(RandomVector(m_random, -3, 3));
+                if (i == 1 && !movesGroup && key > 1) track->AddScale(time)->SetValue({1, 1, 1});
+            }
+        }
+        return node;
+    }
+
+    vl::Ref<ZR_TK> NewTool(std::uint32_t exportFlags, std::uint32_t animFlags) {
+        const auto tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
+        tool->m_pScene = m_scene.Get();
+        tool->m_dwExportFlags = exportFlags | kExtractKeys | kKeepAllNodes;
+        tool->m_dwAnimFlags = animFlags;
+        EXPECT_EQ(tool->Process(0), 1);
+        return tool;
+    }
+
+    TestHost m_host;
+    vl::Ref<kernix::SceneModel> m_scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
+    std::mt19937 m_random{3};
+};
+
+TEST_F(ProcessKeysTest, AreThoseOfAnObjectOfItsOwn) {
+    for (const char16_t* name : {u"a", u"b", u"c"}) m_scene->AddAnimation(name);
+    kernix::NodeModel* top = AddMoved(nullptr, false);
+    AddMoved(AddMoved(AddMesh(*m_scene, top), true), false);
+    const std::pair<std::uint32_t, std::uint32_t> kFlags[] = {
+        {0, 0},
+        {kMergeKeys, kResampleKeys},
+        {kFlipAxes | kGroupingRoot, kResampleKeys | kReverseTime},
+        {kGroupSplit | kFlipAxes, kSetLength | kResampleKeys | kAngleAxisKeys},
+    };
+    for (const bool turned : {false, true}) {
+        Matrix scene = record_tree::Identity();
+        if (turned) scene.RotateX(1);
+        m_scene->SetSceneMatrix(scene);
+        for (const auto& [exportFlags, animFlags] : kFlags) {
+            m_scene->SetActiveAnimation(m_scene->AllAnimations()[0].Get());
+            const auto standing = NewTool(exportFlags, animFlags);
+            for (const std::size_t next : {1, 2, 0}) {
+                SCOPED_TRACE(testing::Message() << turned << " " << exportFlags << " " << next);
+                m_scene->SetActiveAnimation(m_scene->AllAnimations()[next].Get());
+                ASSERT_EQ(standing->ProcessKeys(), 1);
+                const auto own = NewTool(exportFlags, animFlags);
+                EXPECT_EQ(standing->GetEndTime(), own->GetEndTime());
+                EXPECT_EQ(standing->MapTime(1), own->MapTime(1));
+                const auto records = AllRecords(*standing), expected = AllRecords(*own);
+                ASSERT_EQ(records.size(), expected.size());
+                for (std::size_t i = 0; i < records.size(); ++i) {
+                    EXPECT_TRUE(records[i]->mLocal.Equal(expected[i]->mLocal, 1e-12)) << i;
+                    if (records[i]->pController != nullptr) {
+                        EXPECT_EQ(records[i]->qRotation, expected[i]->qRotation) << i;
+                    }
+                    ExpectSameKeys<ExportPositionKey>(records[i]->pPosKeys, expected[i]->pPosKeys);
+                    ExpectSameKeys<ExportScaleKey>(records[i]->pScaleKeys, expected[i]->pScaleKeys);
+                    ExpectSameKeys<ExportRotationKey>(records[i]->pRotKeys, expected[i]->pRotKeys);
+                }
+            }
+        }
+    }
+}
+
+TEST_F(ProcessKeysTest, ChangeNothingWhereTheRecordsDependOnTheAnimation) {
+    for (const char16_t* name : {u"a", u"b", u"c"}) m_scene->AddAnimation(name);
+    kernix::NodeModel* target = AddMoved(nullptr, false);
+    AddCamera(*m_scene, nullptr, target);
+    const auto tool = NewTool(kExportCameras | kAllChoices, 0);
+    const int keys = AllRecords(*tool)[0]->pRotKeys->m_nCount;
+    m_scene->SetActiveAnimation(m_scene->AllAnimations()[1].Get());
+    EXPECT_EQ(tool->ProcessKeys(), 0);
+    EXPECT_EQ(AllRecords(*tool)[0]->pRotKeys->m_nCount, keys);
+
+    const auto fresh = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
+    EXPECT_EQ(fresh->ProcessKeys(), 0);
+}
+
+}  // namespace
