@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/operations/clean/clean_method.h"
 #include "app/operations/clean/held.h"
 #include "app/operations/clean/metadata_guard.h"
 #include "app/scene/loaded_scene.h"
 #include "base/text.h"
-#include "host/params.h"
 #include "kernix/scene/change_record_model.h"
 #include "kernix/utf.h"
 
@@ -159,12 +159,10 @@ private:
 
     // The scripted way reaches this operation, which the cleaner's own interface does not list.
     void RemoveEnvironment(StepResult& result) {
-        constexpr int kEnvironmentParameter = 8;
-        const auto params = vl::Ref<vl::Params>::Adopt(vl::Params::Create());
-        params->Add(vl::ToWord<vl::zr::Scene*>(&m_scene), ZR_VALUE_SCENE);
-        for (std::size_t i = 0; i < kCleanSteps; ++i) params->Add(i == kEnvironmentParameter, ZR_VALUE_BOOL);
-        const auto names =
-            m_environment.Run(m_loaded.Document(), [&] { m_cleaner.Invoke(1, params.Get(), m_context); });
+        const CleanMethod method(m_cleaner);
+        const auto params = method.Only(&m_scene, "Remove_EnvMaps_And_Backplates");
+        const auto names = m_environment.Run(
+            m_loaded.Document(), [&] { m_cleaner.Invoke(method.Number(), params.Get(), m_context); });
         result.count += names.size();
         result.names.insert(result.names.end(), names.begin(), names.end());
     }
