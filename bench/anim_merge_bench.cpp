@@ -49,7 +49,7 @@ void Merge(benchmark::State& state, const Size& size) {
     mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
     kernix::HostAppBase host;
     g_pHost = &host;
-    const auto manager = vl::Ref<zr_ANIM_MANAGER>::Adopt(static_cast<zr_ANIM_MANAGER*>(CreateAnimManager()));
+    const auto manager = vl::Ref<zr_ANIM_MANAGER>::Adopt(new CAnimManagerImpl);
     const auto makeScene = [&size] {
         auto scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
         Fill(*scene, size);

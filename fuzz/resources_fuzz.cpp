@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/services/strings.h"
+#include "kernix/module_strings.h"
 #include "platform/resources/res_file.h"
 #include "platform/ui/dialog_template.h"
 
@@ -13,6 +13,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     platform::ResourceReader reader(bytes);
     while (const auto record = reader.Next()) platform::ParseDialogTemplate(record->data);
     platform::ParseDialogTemplate(bytes);
-    zr::ParseStringTable({reinterpret_cast<const char*>(data), size});
+    kernix::ParseStringTable({reinterpret_cast<const char*>(data), size});
     return 0;
 }

@@ -22,29 +22,38 @@ enum AnimMergeFlag : std::uint32_t {
 };
 
 // Operations on a scene's animations. Every animation passed belongs to a scene. A record may be null. One
-// object runs one operation at a time.
+// object runs one operation at a time, on the thread that works on the scene. The order of functions and
+// fields is the binary interface (host/api.h).
 class zr_ANIM_MANAGER : public vl::Extension {
 public:
     const char* GetTypeName() override { return kTypeAnimManager; }
 
+    // The version of this interface.
     virtual int GetRevision() { return 1; }
 
     // Whether a viewport that plays animations refers to it. names: null, or receives the viewports' names,
     // each followed by "\n", as wcsncpy copies: at most maxLen characters, no terminator at maxLen and
     // above, zeros behind a shorter text; untouched when nothing refers to the animation.
+    // True, with names untouched, when memory runs out: what may be in use is not to be removed.
     virtual bool IsAnimationUsed(vl::zr::Animation* animation, char16_t* names, int maxLen) = 0;
 
-    // The scene's answer to the deletion; false for null and when the scene forbids it.
+    // Takes the animation out of its scene, with every viewport's reference to it. The scene's answer to the
+    // deletion; false for null, when the scene forbids it and when memory runs out, after which the animation
+    // stays and viewports may have lost it.
     virtual bool RemoveAnimation(ChangeRecord* record, vl::zr::Animation* animation) = 0;
 
-    // True when at least one removal succeeded. animations is not null.
+    // True when at least one removal succeeded. The array may be the scene's own list. Those for which memory
+    // runs out stay.
     virtual bool RemoveAnimations(ChangeRecord* record, vl::Array* animations) = 0;
 
-    // A new animation with the first source's tracks and the later sources' transform keys. flags:
-    // AnimMergeFlag. Null for fewer than two animations. The scene owns the result.
+    // A new animation of the scene with the first source's tracks and the later sources' transform keys.
+    // flags: AnimMergeFlag. removeSources: the sources go as with RemoveAnimations. Null, with the scene as
+    // it was, for a null array, for fewer than two animations and when memory runs out.
     virtual vl::zr::Animation* MergeAnimations(ChangeRecord* record, vl::Array* animations,
                                                bool removeSources, std::uint32_t flags) = 0;
-    virtual bool Reserved(vl::Word a, vl::Word b, vl::Word c) = 0;  // false
+
+    // Does nothing and answers false. Keeps its place in the table.
+    virtual bool Reserved(vl::Word a, vl::Word b, vl::Word c) = 0;
 
 private:
     void DeleteThis() override { delete this; }

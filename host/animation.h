@@ -8,12 +8,13 @@ namespace vl::zr {
 
 class Scene;
 
-// A named animation of a scene. Its content is the controllers' tracks for it.
+// A named animation of a scene, which owns it. Its content is the controllers' tracks for it.
+// The order of functions and fields is the binary interface (host/api.h).
 class Animation : public Interface {
 public:
-    WeakPtr<Scene> m_scene;
+    WeakPtr<Scene> m_scene;  // the scene it belongs to
 
-    virtual void GetNameW(char16_t* buffer, int size) = 0;  // terminated within the buffer
+    virtual void GetNameW(char16_t* buffer, int size) = 0;
 
     const char* GetTypeName() override { return "zr_animation"; }
 };

@@ -7,15 +7,16 @@
 
 namespace vl {
 
-// A host-made list of words. Whoever creates one holds a count and ends it with Release; elements are
-// never owned by the array. An index outside the array is the caller's mistake: GetAt then gives 0 and
-// the changing operations do nothing. Not for use by two threads at once.
+// A list of words that a host makes. Whoever creates one holds its count and ends it with Release; elements
+// are never owned by the array. An index outside the array is the caller's mistake: GetAt then answers 0 and
+// the changing operations do nothing. Add and InsertAt are the ones that ask for memory. The order of
+// functions and fields is the binary interface (host/api.h).
 class Array {
 public:
-    virtual unsigned AddRef() = 0;
-    virtual unsigned Release() = 0;
+    virtual unsigned AddRef() = 0;   // the count afterwards, as Release
+    virtual unsigned Release() = 0;  // 0: the array is gone
     virtual Word GetAt(int index) = 0;
-    virtual void RemoveAt(int index) = 0;
+    virtual void RemoveAt(int index) = 0;              // later elements move down
     virtual void InsertAt(int index, Word value) = 0;  // before index; index == count appends
     virtual void SetAt(int index, Word value) = 0;
     virtual void RemoveAll() = 0;
@@ -29,13 +30,13 @@ public:
     // array without a comparator.
     virtual bool FindSorted(Word value, int* index) = 0;
 
-    int m_nCount = 0;
+    int m_nCount = 0;  // to be read only
 
 protected:
     virtual ~Array() = default;
 };
 
-// Negative, 0 or positive as a stands before, equals or stands after b.
+// Negative, 0 or positive as a stands before, equals or stands after b. Does not throw.
 using ArrayComparator = int (*)(Word a, Word b, void* context);
 
 // Typed, non-owning view of a host array. A null array is an empty one.

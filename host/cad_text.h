@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "host/extension.h"
+#include "host/font.h"
 #include "host/math.h"
-#include "host/window_types.h"
 
 class MessageSink;
 
-// Indices of a triangle's corners.
+inline constexpr char kTypeCadText[] = "CADTEXT";
+
+// Indices of a triangle's corners among the vertices, counter-clockwise.
 struct LetterTriangle {
     std::int32_t i0;
     std::int32_t i1;
@@ -19,16 +21,18 @@ struct LetterTriangle {
 
 namespace vl::zr::legacy {
 
-// A text as polylines. Contours count from 0; a number outside gives 0 and null.
+// A text as polylines, in the plane z = 0 until it is transformed. Contours count from 0; a number outside
+// gives 0 and null. It lives on its own, also when the extension that made it has gone. The order of
+// functions and fields is the binary interface (host/api.h).
 class GlyphContour : public Interface {
 public:
     virtual int GetContourCount() = 0;
-    virtual int GetPointCount(int contour) = 0;
+    virtual int GetPointCount(int contour) = 0;  // at least 1 for a contour there is
 
     // Position in the text, in UTF-16 units, of the character the contour belongs to.
     virtual int GetLetterIndex(int contour) = 0;
-    virtual const Vector3<float>* GetPoints(int contour) = 0;  // valid until the object changes
-    virtual void Transform(const Matrix4<double>& m) = 0;
+    virtual const Vector3<float>* GetPoints(int contour) = 0;  // the object's own, valid as long as it is
+    virtual void Transform(const Matrix4<double>& m) = 0;      // every point, in place
 
     // Width and height of the box around all points; (-2e25, -2e25) without points.
     virtual std::pair<float, float> GetSize() = 0;
@@ -42,13 +46,16 @@ public:
     }
 };
 
-// A text as a flat triangle mesh.
+// A text as a flat triangle mesh, in the plane z = 0 until it is transformed. It lives on its own, also when
+// the extension that made it has gone. The order of functions and fields is the binary interface
+// (host/api.h).
 class GlyphTesselated : public Interface {
 public:
     virtual int GetVertexCount() = 0;
     virtual int GetTriangleCount() = 0;
-    virtual const Vector3<float>* GetVertices() = 0;   // null when there is none
-    virtual const LetterTriangle* GetTriangles() = 0;  // null when there is none
+    virtual const Vector3<float>*
+    GetVertices() = 0;  // the object's own, valid as long as it is; null for none
+    virtual const LetterTriangle* GetTriangles() = 0;  // the same
     virtual void Transform(const Matrix4<double>& m) = 0;
     virtual std::pair<float, float> GetSize() = 0;  // as GlyphContour::GetSize
 
@@ -61,20 +68,24 @@ public:
     }
 };
 
-// Turns text into geometry. text is zero-terminated UTF-16; the caller holds the result's one count. Null
-// when the result could not be made.
+// Turns text into geometry. text is zero-terminated UTF-16; a line feed begins a new line. Each operation
+// answers a new object with count 1, the caller's, or null when the result could not be made, for want of
+// memory too. sink may be null. Nothing is kept between calls. The order of functions and fields is the
+// binary interface (host/api.h).
 class CadText : public Extension {
 public:
-    // Open strokes of a built-in font, in font units. font, size and sink are not used.
+    // Open strokes of a built-in font, in units of that font, in which lines stand 29 apart. font, size and
+    // sink are not used.
     virtual GlyphContour* CreateStrokeContours(const char16_t* text, LOGFONTW font, double size,
                                                MessageSink* sink) = 0;
 
     // Closed outlines of a system font. Points are device units of the ten times enlarged font, times
-    // size / 12.
+    // size / 12: size 12 gives one unit to each device unit.
     virtual GlyphContour* CreateOutlineContours(const char16_t* text, LOGFONTW font, double size,
                                                 MessageSink* sink) = 0;
 
-    // The outlines filled with triangles. sink, which may be null, receives the failure message.
+    // The outlines filled with triangles, by the host's extension "PolyBoolean". Without it the sink receives
+    // a message and the result is null.
     virtual GlyphTesselated* CreatePolygons(const char16_t* text, LOGFONTW font, double size,
                                             MessageSink* sink) = 0;
 

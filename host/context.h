@@ -7,8 +7,9 @@
 
 namespace vl {
 
-// Carries a stop request into a running operation. The request may be made on any thread, and is read
-// without a lock between two elements of work.
+// Carries a stop request into a running operation. The request may be made on any thread, and is read without
+// a lock between two elements of work. The order of functions and fields is the binary interface
+// (host/api.h).
 class Context : public Interface {
 public:
     virtual void SetBreak(bool on) = 0;

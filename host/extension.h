@@ -16,7 +16,9 @@ class Element;
 }
 
 // What every extension answers besides the operations of its own class. The operations here are the core
-// library's; they keep parameters and metadata of the extension, made on first use.
+// library's; they keep parameters and metadata of the extension, made on first use. None of them throws: one
+// that runs out of memory does nothing and answers null or the result for a wrong class. The order of
+// functions and fields is the binary interface (host/api.h).
 class KERNIX_API Extension : public Interface {
 public:
     Extension();
@@ -35,10 +37,11 @@ public:
     // The type of the first parameter at this position, ZR_VALUE_NONE when there is none.
     virtual zr_VALUETYPE GetParamType(int position);
 
-    // Fills element with a description of the extension's methods. Here: kWrongClass, there are none.
+    // Fills element with a description of the extension's methods. kCannotOpen, with the element unchanged,
+    // when it cannot be read. flags are 0. Here: kWrongClass, there are none.
     virtual ResultEnum QueryInfo(xml::Element* element, unsigned flags);
 
-    // Runs a method by number. Here: kWrongClass, there is none.
+    // Runs a method by number. params and context may be null. Here: kWrongClass, there is none.
     virtual ResultEnum Invoke(int method, Params* params, Context* context);
 
     // Runs the method whose number is in command; arguments may hold the vl::Params as an object. The
@@ -64,6 +67,8 @@ public:
     virtual ResultEnum SetParams(Params* params);
 
 private:
+    bool SetOwnParam(int position, Word value, zr_VALUETYPE type);
+
     Ref<Interface> m_params;
     Ref<Interface> m_metadata;
 };

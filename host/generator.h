@@ -10,7 +10,7 @@ class Node;
 // A generator makes the content of a node anew whenever the host shows it.
 class KERNIX_API Generator {
 public:
-    // True when a generator of that name is present for the node.
+    // True when a generator of that name is present for the node. A null name is none.
     static bool IsPresent(Node* node, const char* name);
 };
 

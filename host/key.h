@@ -8,6 +8,7 @@ namespace vl::zr {
 
 // One key of a transform track, owned by its track. Changing m_fTime does not move the key in its track;
 // Controller::RetimeTrack does that.
+// The order of functions and fields is the binary interface (host/api.h).
 class Key {
 public:
     float m_fTime = 0;       // seconds
@@ -18,13 +19,13 @@ public:
     bool Passes(KeyInterpolation how) const { return m_params[0] == static_cast<float>(how); }
 };
 
-class PositionKey : public Key {
+class PositionKey : public Key {  // units of the scene
 public:
     virtual void SetValue(const Vector3<float>& value) = 0;
     virtual void GetValue(Vector3<float>* value) = 0;
 };
 
-class ScaleKey : public Key {
+class ScaleKey : public Key {  // factors along x, y and z
 public:
     virtual void SetValue(const Vector3<float>& value) = 0;
     virtual void GetValue(Vector3<float>* value) = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// Number codes of the host's objects.
+// Number codes of the host's objects. The numbers are part of the binary interface (host/api.h).
 namespace vl::zr {
 
 // Object3D::IsKindOf.
@@ -40,7 +40,7 @@ enum RotationKeyType : int { kRotationAngleAxis = 0, kRotationQuaternion = 1, kR
 inline constexpr int kControllerTransform = 99;
 inline constexpr char kTypeTransformController[] = "zr_controltm";
 
-// Scene::GetParam with ZR_VALUE_MATRIX: the change of unit and up axis that an export wishes for.
+// Scene::GetParam with ZR_VALUE_MATRIX: the change of unit and up axis that an export asks for.
 inline constexpr int kParamSceneMatrix = 2004;
 
 // Scene::GetObjectsOfKind.

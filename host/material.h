@@ -6,12 +6,14 @@
 
 namespace vl::zr {
 
+// A material of a scene, which owns it.
+// The order of functions and fields is the binary interface (host/api.h).
 class Material : public Interface {
 public:
     Array* m_pControllers = nullptr;  // of Controller*; null when there is none
     void* m_pUserData = nullptr;      // belongs to whoever works on the scene
 
-    // The name, terminated within the buffer. 0, with the buffer untouched, when there is none.
+    // 1 and the name, or 0, with the buffer untouched, when there is none.
     virtual int GetName(char* buffer, int size) = 0;
     virtual int GetNameW(char16_t* buffer, int size) = 0;
 

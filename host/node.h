@@ -17,6 +17,7 @@ class Controller;
 class Object3D;
 
 // A node of the scene. The scene owns it; pointers stay valid for the scene's life, also after Delete.
+// The order of functions and fields is the binary interface (host/api.h).
 class Node : public ReferenceSource {
 public:
     Node* m_pFirstChild = nullptr;
@@ -30,14 +31,14 @@ public:
     // Null when the node has none and create is false. Without a count for the caller.
     virtual VarMap* GetMetadata(bool create) = 0;
 
-    // The name, cut to the buffer and terminated; never cut inside a character.
+    // The name; never cut inside a character.
     virtual void GetName(char* buffer, int size) = 0;
     virtual void GetNameW(char16_t* buffer, int size) = 0;
 
     // A text about the node for people, at most size characters and a terminator.
     virtual void GetDescription(char* buffer, int size) = 0;
 
-    // kControllerTransform: the transform controller, or null.
+    // kControllerTransform: the transform controller. Null without one, and for other kinds.
     virtual Controller* GetController(int kind) = 0;
 
     // The transform relative to the parent; to the world, with the scene matrix as the last step. isStatic
@@ -46,7 +47,7 @@ public:
     virtual void GetLocalMatrix(Matrix4<double>* m, int isStatic) = 0;
     virtual void GetWorldMatrix(Matrix4<double>* m, int isStatic) = 0;
 
-    // Takes the node and all below it out of the scene. Nothing when it has gone already. The argument is 0.
+    // Takes the node and all below it out of the scene. Nothing when it has gone already.
     virtual void Delete(int mode) = 0;
 
     // The attached object when it is of the kind, else null.

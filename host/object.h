@@ -13,14 +13,15 @@ class Material;
 class Node;
 
 // What a node shows. Attached to one node; the scene owns it.
+// The order of functions and fields is the binary interface (host/api.h).
 class Object3D : public Interface {
 public:
-    Node* m_pNode = nullptr;
+    Node* m_pNode = nullptr;  // the node it is attached to
 
-    virtual bool IsKindOf(int kind) = 0;
-    virtual int GetType() = 0;
+    virtual bool IsKindOf(int kind) = 0;  // ObjectKind
+    virtual int GetType() = 0;            // ObjectType
 
-    // A component with a count for the caller, or null. The second argument is 0.
+    // A component with a count for the caller, or null. kind: kComponentMesh.
     virtual Interface* QueryComponent(int kind, int mode) = 0;
 
     const char* GetTypeName() override { return "zr_object"; }
@@ -40,7 +41,7 @@ public:
 
 class Renderable : public Object3D {
 public:
-    // How often the object uses the material. The second argument is 1.
+    // How often the object uses the material. mode is 1.
     virtual int CountMaterialUses(Material* material, int mode) = 0;
 };
 
@@ -75,7 +76,7 @@ public:
     // it aims at nothing.
     Vector3<float> m_vTarget;
 
-    virtual Node* GetTargetNode() = 0;
+    virtual Node* GetTargetNode() = 0;  // the node it aims at, or null
 
     // Takes a point of the node's space into the space in which the light is shown: the inverse, then the
     // node's transform, places the light where the host shows it at the scene's current time.
@@ -91,7 +92,7 @@ public:
     // Where the camera aims at the scene's current time, in the space of its node at rest.
     virtual void GetTargetPosition(Vector3<float>* position) = 0;
     virtual void GetObjectMatrix(Node* node, Matrix4<double>* m) = 0;  // as Light::GetObjectMatrix
-    virtual Node* GetTargetNode() = 0;
+    virtual Node* GetTargetNode() = 0;                                 // the node it aims at, or null
 
     const char* GetTypeName() override { return "zr_camera"; }
 };

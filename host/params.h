@@ -7,9 +7,10 @@ namespace vl {
 
 // A list of typed parameters. A position counts the parameters of one type, in the order in which they
 // were added: the scene and the first bool of a list both have position 0.
+// The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API Params : public Interface {
 public:
-    // A new, empty list; the caller holds its one count.
+    // A new, empty list; null when memory runs out.
     static Params* Create();
 
     // The parameter at the position among those of the type, or fallback when there are not so many.
@@ -21,8 +22,8 @@ public:
     // Replaces the parameter at the position among those of the type; a position one past the last
     // appends. False when it lies further.
     virtual bool SetParam(int position, Word value, zr_VALUETYPE type) = 0;
-    virtual bool DeleteParam(int position, zr_VALUETYPE type) = 0;
-    virtual Params* Clone() = 0;  // an equal list; the caller holds its one count
+    virtual bool DeleteParam(int position, zr_VALUETYPE type) = 0;  // false when there is none
+    virtual Params* Clone() = 0;                                    // an equal list
 
     const char* GetTypeName() override { return "zr_params"; }
 };

@@ -5,7 +5,9 @@
 
 inline constexpr char kTypePolyBoolean[] = "PolyBoolean";
 
-// Boolean operations on flat polygons and their triangulation.
+// Boolean operations on flat polygons and their triangulation. A host offers it to modules. A polygon belongs
+// to its caller until it is given to Combine or DeletePolygon. The order of functions and fields is the
+// binary interface (host/api.h).
 class PolyBoolean : public vl::Extension {
 public:
     struct Polygon;  // a region with any number of contours; null is the empty region
@@ -29,7 +31,7 @@ public:
     // Factors from contour units to the unit of the integer grid, which the extension may divide further. A
     // negative or zero factor counts by its magnitude, or as 1.
     virtual void SetScale(double sx, double sy) = 0;
-    virtual void DeletePolygon(Polygon* polygon) = 0;
+    virtual void DeletePolygon(Polygon* polygon) = 0;  // null does nothing
 
     const char* GetTypeName() override { return kTypePolyBoolean; }
 };

@@ -2,14 +2,18 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 #include <utility>
 
 namespace vl {
 
 // Holds one count of a host object and releases it on every path.
 //
-//   Ref<Array> a = Ref<Array>::Adopt(g_pHost->CreateArray());   takes over the caller's count
-//   Ref<Node> n = Ref<Node>::Share(node);                       adds a count of its own
+//   auto a = Ref<Array>::Adopt(host->CreateArray());      takes over the caller's count; null stays null
+//   auto a = Ref<Array>::AdoptNew(host->CreateArray());   the same for a new object; throws for null
+//   auto n = Ref<Node>::Share(node);                      adds a count of its own
+//
+// Copies share the object. Every operation accepts an empty reference but -> and *.
 template <typename T>
 class Ref {
 public:
@@ -31,6 +35,11 @@ public:
         Ref ref;
         ref.m_object = object;
         return ref;
+    }
+    // A call that creates an object answers null when memory has run out: std::bad_alloc.
+    static Ref AdoptNew(T* object) {
+        if (object == nullptr) throw std::bad_alloc();
+        return Adopt(object);
     }
     static Ref Share(T* object) {
         if (object != nullptr) object->AddRef();

@@ -11,12 +11,13 @@ class InterfaceArray;
 
 // An object that others refer to and that knows them. Subscribing holds no count in either direction: a
 // subscriber leaves before it ends.
+// The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API ReferenceSource : public Interface {
 public:
     ~ReferenceSource() override;
 
     // The objects that refer to this one, in the order in which they subscribed. filter: a type name
-    // their IsTypeOf accepts, or null for all. The caller holds the array's one count.
+    // their IsTypeOf accepts, or null for all. A new array, which is the caller's to release.
     InterfaceArray* GetSubscribers(const char* filter) const;
 
     void Subscribe(Interface* subscriber);

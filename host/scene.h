@@ -20,62 +20,80 @@ class Material;
 class Node;
 class Viewport;
 
-// Called for each item of an animation; true goes on.
+// Called for each item of an animation; true goes on. The words say nothing.
 using AnimationItemCallback = bool (*)(Word, Word, Interface* item, void* context);
 
-// A scene with all it holds. Lists are arrays of plain pointers that stay valid for the scene's life.
-// GetParam(kParamSceneMatrix, pointer to a matrix, ZR_VALUE_MATRIX) fills the scene matrix.
+// A scene with all it holds. Lists are arrays of plain pointers that stay valid for the scene's life, also
+// after the object has been removed. One thread at a time. GetParam(kParamSceneMatrix, pointer to a matrix,
+// ZR_VALUE_MATRIX) fills the scene matrix. The order of functions and fields is the binary interface
+// (host/api.h).
 class KERNIX_API Scene : public Extension {
 public:
-    Node* m_pFirstNode = nullptr;   // start of the top-level sibling chain
-    Array* m_pNodes = nullptr;      // every node, parents before their children; may be null
-    Array* m_pMaterials = nullptr;  // may be null
-    Material* m_pDefaultMaterial = nullptr;
-    Array* m_pAnimations = nullptr;       // may be null
-    InterfaceArray* m_pLayers = nullptr;  // of Layer; may be null
-    Camera* m_pCurrentCamera = nullptr;   // may be null
+    Node* m_pFirstNode = nullptr;   // start of the top-level sibling chain; null in an empty scene
+    Array* m_pNodes = nullptr;      // of Node*: every node, parents before their children; may be null
+    Array* m_pMaterials = nullptr;  // of Material*; may be null
+    Material* m_pDefaultMaterial = nullptr;  // in the list; never removed
+    Array* m_pAnimations = nullptr;          // of Animation*; may be null
+    InterfaceArray* m_pLayers = nullptr;     // of Layer; may be null
+    Camera* m_pCurrentCamera = nullptr;      // may be null
 
     // Told once after each removal operation: kNotifyRemoved, 1, 2.
     virtual void Notify(int code, int a, int b) = 0;
-    virtual Node* GetDefaultCameraNode() = 0;
+    virtual Node* GetDefaultCameraNode() = 0;  // or null
+
+    // Shows the scene anew. Called once after the cleaner's dialog: 10, 0.
     virtual void Refresh(int code, int mode) = 0;
 
-    // Keeps the first of each group of materials that are equal in everything but their names, and lets
-    // every use of the others refer to it. The number of materials that went.
+    // Keeps the first of each group of materials that are equal in everything but their names, and lets every
+    // use of the others refer to it. The number of materials that went.
     virtual int MergeEqualMaterials() = 0;
 
-    virtual Array* GetObjectsOfKind(int kind) = 0;  // a new array that the caller releases
+    // kSceneMaterials, or an ObjectKind: a new array, which is the caller's to release.
+    virtual Array* GetObjectsOfKind(int kind) = 0;
+
+    // Around a modal dialog of a module.
     virtual void BeginModal() = 0;
     virtual void EndModal() = 0;
-    virtual ChangeRecord* CreateChangeRecord(int mode) = 0;  // the caller holds its one count
-    virtual float GetCurrentTime() = 0;                      // seconds
+
+    // A new record, not begun. mode is 1. Null when memory runs out.
+    virtual ChangeRecord* CreateChangeRecord(int mode) = 0;
+
+    // The time for which nodes, cameras and lights answer when they are not asked at rest. mode is 1.
+    virtual float GetCurrentTime() = 0;
     virtual void SetCurrentTime(float time, int mode) = 0;
-    virtual double GetAnimationTime(Animation* animation) = 0;  // its end, seconds
+    virtual double GetAnimationTime(Animation* animation) = 0;  // its end
     virtual float GetFrameRate(int mode) = 0;                   // frames a second
 
-    // Start of an animation; null: of the range that the scene plays. That range is the active animation's
-    // while one is active, else the hull of all.
+    // Start and end of an animation; null: of the range that the scene plays. That range is the active
+    // animation's while one is active, else the hull of all.
     virtual float GetStartTime(Animation* animation) = 0;
     virtual float GetEndTime(Animation* animation) = 0;
-    virtual int IsAnimated() = 0;
-    virtual Animation* CreateAnimation(const char16_t* name) = 0;  // the scene owns it
-    virtual bool DeleteAnimation(Animation* animation) = 0;        // with every controller's track for it
+    virtual int IsAnimated() = 0;  // 1 when some animation holds a key, else 0
+
+    // A new, empty animation that the scene owns. Null when memory runs out.
+    virtual Animation* CreateAnimation(const char16_t* name) = 0;
+
+    // Takes the animation out, with every controller's track for it. False when it is none of the scene's.
+    virtual bool DeleteAnimation(Animation* animation) = 0;
+
+    // Take the object out of the scene; nothing when it is not in it. RemoveViewport: mode is 1.
     virtual void RemoveMaterial(Material* material) = 0;
     virtual void RemoveViewport(Viewport* viewport, int mode) = 0;
     virtual void RemoveLayer(Layer* layer) = 0;
+
     virtual bool CanRemoveAnimation(Animation* animation) = 0;
 
-    // Items are the objects that stand for the animation's tracks.
+    // Items are the objects that stand for the animation's tracks. context is handed to the callback.
     virtual void ForEachAnimationItem(Animation* animation, AnimationItemCallback callback,
                                       void* context) = 0;
 
-    // Every viewport. The caller holds the array's one count.
+    // Every viewport: a new array of Viewport, which is the caller's to release.
     InterfaceArray* GetAllViewports();
 
     const char* GetTypeName() override { return "zr_scene"; }
 
 protected:
-    virtual void CollectViewports(InterfaceArray* out) = 0;
+    virtual void CollectViewports(InterfaceArray* out) = 0;  // adds every viewport
 };
 
 }  // namespace vl::zr

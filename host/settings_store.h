@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The user's stored settings, by section and key. A setting that is absent or no number gives fallback.
+// The user's stored settings, by section and key ("anim\\reverse"). A setting that is absent or not a number
+// gives fallback. The caller of an operation owns it. The order of functions and fields is the binary
+// interface (host/api.h).
 class SettingsStore {
 public:
     virtual int GetInt(const char* section, const char* key, int fallback) = 0;

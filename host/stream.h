@@ -11,14 +11,15 @@
 namespace vl {
 
 // A run of bytes with a position.
+// The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API Stream : public Interface {
 public:
     // A stream over a resource of a module. name: resource type, a vertical bar, resource name. flags: 2
-    // reads a resource, and no other value is known. Null when there is no such resource. The caller holds
-    // the stream's one count.
+    // reads a resource, and no other value is known. Null when there is no such resource and when memory runs
+    // out.
     static Stream* Create(HINSTANCE module, const String& name, unsigned flags);
 
-    // A new, empty stream in memory; the caller holds its one count.
+    // A new, empty stream in memory, to be written and read. Null when memory runs out.
     static Stream* CreateInMemory();
 
     // From the start (origin 0), the position (1) or the end (2). A place outside the content is moved to

@@ -49,16 +49,17 @@ private:
 };
 
 // Named values: the metadata of a node or extension.
+// The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API VarMap : public Interface {
 public:
-    // A new, empty map; the caller holds its one count.
+    // A new, empty map; null when memory runs out.
     static VarMap* Create();
 
     virtual void Clear() = 0;
-    virtual void Set(const std::u16string& name, const Var& value) = 0;
+    virtual void Set(const std::u16string& name, const Var& value) = 0;  // adds or replaces
     virtual const Var* Find(const std::u16string& name) = 0;  // null when absent; valid until the next change
     virtual int GetCount() = 0;
-    virtual VarMap* Clone() = 0;  // an equal map; the caller holds its one count
+    virtual VarMap* Clone() = 0;  // an equal map
 
     const char* GetTypeName() override { return "zr_varmap"; }
 };

@@ -11,6 +11,8 @@ namespace vl::zr {
 class Animation;
 class Node;
 
+// A set of nodes that viewports show or hide together.
+// The order of functions and fields is the binary interface (host/api.h).
 class Layer : public Interface {
 public:
     Array* m_pMembers = nullptr;  // of Node*; may be null
@@ -18,18 +20,21 @@ public:
     const char* GetTypeName() override { return "zr_layer"; }
 };
 
-// An entry of a viewport's list.
+// An entry of a viewport's list, which owns it.
 struct AnimationReference {
     Animation* pAnimation;
 };
 
+// A view of the scene: what it shows, and which animations it plays.
+// The order of functions and fields is the binary interface (host/api.h).
 class Viewport : public Interface {
 public:
     int m_nKind = kViewportView;
-    Layer* m_pLayer = nullptr;  // the layer it shows
+    Layer* m_pLayer = nullptr;  // the layer it shows; may be null
     String m_strName;
     Array* m_pAnimationReferences = nullptr;  // of AnimationReference*; may be null
 
+    // Takes the entry out and ends it; nothing when it is none of the list.
     virtual void RemoveAnimationReference(AnimationReference* entry) = 0;
 
     const char* GetTypeName() override { return "zr_viewport"; }

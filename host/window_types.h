@@ -9,6 +9,3 @@ using HWND = HWND__*;
 
 struct HINSTANCE__;
 using HINSTANCE = HINSTANCE__*;
-
-struct tagLOGFONTW;
-using LOGFONTW = tagLOGFONTW;

@@ -19,13 +19,14 @@ public:
     Element(Element&&) noexcept;
     Element& operator=(Element&&) noexcept;
 
-    // Becomes the root element of the stream's document. kCannotOpen, with the element unchanged, when
-    // the content is no well-formed document.
+    // Becomes the root element of the document that the stream holds from its position on. kCannotOpen, with
+    // the element unchanged, when that is no well-formed document, nests deeper than 200 elements, or memory
+    // runs out.
     ResultEnum Load(Stream* stream);
 
     const std::string& GetName() const { return m_name; }
     const std::vector<std::pair<std::string, std::string>>& GetAttributes() const { return m_attributes; }
-    const std::string* FindAttribute(const std::string& name) const;
+    const std::string* FindAttribute(const std::string& name) const;  // its value, or null
     const std::vector<Element>& GetChildren() const { return m_children; }
     const Element* FindChild(const std::string& name) const;  // the first of that name, or null
 

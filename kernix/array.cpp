@@ -2,6 +2,7 @@
 #include "kernix/array.h"
 
 #include <atomic>
+#include <new>
 #include <utility>
 
 #include "kernix/tiered_vector.h"
@@ -79,11 +80,11 @@ private:
 }  // namespace
 
 vl::Array* CreateArray() {
-    return new WordArray(nullptr, nullptr);
+    return new (std::nothrow) WordArray(nullptr, nullptr);
 }
 
 vl::Array* CreateSortedArray(vl::ArrayComparator comparator, void* context) {
-    return new WordArray(comparator, context);
+    return new (std::nothrow) WordArray(comparator, context);
 }
 
 }  // namespace kernix

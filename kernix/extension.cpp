@@ -43,8 +43,15 @@ Var Extension::InvokeCommand(const Var& command, const Var& arguments, Context* 
 
 Word Extension::SetParam(int position, Word value, zr_VALUETYPE type) {
     const Word former = Extension::GetParam(position, 0, type);
-    GetParams(true)->SetParam(position, value, type);
+    SetOwnParam(position, value, type);
     return former;
+}
+
+bool Extension::SetOwnParam(int position, Word value, zr_VALUETYPE type) try {
+    Params* params = GetParams(true);
+    return params != nullptr && params->SetParam(position, value, type);
+} catch (...) {
+    return false;
 }
 
 Word Extension::GetParam(int position, Word value, zr_VALUETYPE type) const {
@@ -53,13 +60,12 @@ Word Extension::GetParam(int position, Word value, zr_VALUETYPE type) const {
 }
 
 ResultEnum Extension::SetParamVar(int position, const Var& value) {
-    Params* params = GetParams(true);
     bool done = false;
-    if (const int* number = value.AsInt()) done = params->SetParam(position, ToWord(*number), ZR_VALUE_INT);
-    if (const bool* flag = value.AsBool()) done = params->SetParam(position, ToWord(*flag), ZR_VALUE_BOOL);
-    if (const float* real = value.AsFloat()) done = params->SetParam(position, ToWord(*real), ZR_VALUE_FLOAT);
+    if (const int* number = value.AsInt()) done = SetOwnParam(position, ToWord(*number), ZR_VALUE_INT);
+    if (const bool* flag = value.AsBool()) done = SetOwnParam(position, ToWord(*flag), ZR_VALUE_BOOL);
+    if (const float* real = value.AsFloat()) done = SetOwnParam(position, ToWord(*real), ZR_VALUE_FLOAT);
     if (Interface* object = value.AsObject()) {
-        done = params->SetParam(position, ToWord(object), ZR_VALUE_OBJECT);
+        done = SetOwnParam(position, ToWord(object), ZR_VALUE_OBJECT);
     }
     return done ? kSuccess : kWrongClass;
 }

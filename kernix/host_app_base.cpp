@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 #include "host/kinds.h"
@@ -25,7 +26,7 @@ vl::Context* CreateContext() {
     return new BreakContext;
 }
 
-HostAppBase::HostAppBase() = default;
+HostAppBase::HostAppBase(const std::string& language) : m_strings(language) {}
 HostAppBase::~HostAppBase() = default;
 
 vl::Word HostAppBase::StartModule(HINSTANCE module, ModuleEntry entry) {
@@ -45,9 +46,11 @@ void HostAppBase::RegisterExtensionType(HINSTANCE module, const char* typeName, 
     });
 }
 
-vl::Extension* HostAppBase::CreateExtension(const char* typeName) {
-    const auto found = m_extensions.find(typeName);
+vl::Extension* HostAppBase::CreateExtension(const char* typeName) try {
+    const auto found = m_extensions.find(std::string_view(typeName));
     return found != m_extensions.end() ? found->second() : nullptr;
+} catch (...) {
+    return nullptr;
 }
 
 vl::Array* HostAppBase::CreateSortedArray(vl::ArrayComparator comparator) {
@@ -67,7 +70,7 @@ vl::Context* HostAppBase::CreateContext(int, int) {
 }
 
 int HostAppBase::GetSettingInt(int, const char* key, int fallback) {
-    const auto found = m_settings.find(key);
+    const auto found = m_settings.find(std::string_view(key));
     return found != m_settings.end() ? found->second : fallback;
 }
 
@@ -90,13 +93,15 @@ void HostAppBase::ShowMessage(int, const std::string& text) {
     std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-// A host without windows, strings and help.
-void* HostAppBase::LoadModuleStrings(HINSTANCE) {
-    return nullptr;
+void* HostAppBase::LoadModuleStrings(HINSTANCE module) {
+    return const_cast<ModuleStrings*>(m_strings.Load(module));
 }
-const char16_t* HostAppBase::GetModuleString(void*, int) {
-    return u"";
+
+const char16_t* HostAppBase::GetModuleString(void* table, int id) {
+    return table != nullptr ? static_cast<const ModuleStrings*>(table)->Get(id) : u"";
 }
+
+// Windows and help are the concrete host's.
 HWND HostAppBase::GetMainWindow(int) {
     return nullptr;
 }

@@ -7,18 +7,25 @@
 
 #include "host/host_app.h"
 #include "host/module_entry.h"
+#include "kernix/module_strings.h"
 
 namespace kernix {
 
-// The part of a host application that is the same for every host: arrays, extensions by type name, settings,
-// messages. A concrete host adds its windows and strings.
+// A host application without windows: arrays, extensions by type name, the modules' texts, settings,
+// messages. A concrete host derives from it and adds its windows, help and whatever else it has.
 class KERNIX_API HostAppBase : public HostApp {
 public:
-    HostAppBase();
+    // language: of the modules' texts, a language or locale ("de", "fr_CA.UTF-8"); English where a module
+    // lacks it.
+    explicit HostAppBase(const std::string& language = "en");
+    HostAppBase(const HostAppBase&) = delete;
+    HostAppBase& operator=(const HostAppBase&) = delete;
     virtual ~HostAppBase();
 
-    // Initialises a module: it then registers its type names, which CreateExtension asks it for. Answers
-    // what the module answers.
+    // Initialises a loaded module: it then registers its type names, which CreateExtension asks it for.
+    // module is the handle with which the system's loader loaded it, entry its function ZRDLLFunc. Answers
+    // what the module answers. The module must stay loaded as long as this host or an object of the module
+    // lives.
     vl::Word StartModule(HINSTANCE module, ModuleEntry entry);
 
     // An extension that the host itself offers.
@@ -47,9 +54,10 @@ protected:
     virtual void ShowMessage(int severity, const std::string& text);
 
 private:
+    StringTables m_strings;
     std::map<HINSTANCE, ModuleEntry> m_modules;
-    std::map<std::string, std::function<vl::Extension*()>> m_extensions;
-    std::map<std::string, int> m_settings;
+    std::map<std::string, std::function<vl::Extension*()>, std::less<>> m_extensions;
+    std::map<std::string, int, std::less<>> m_settings;
 };
 
 // A new context with count 1.

@@ -7,6 +7,14 @@
 #include "host/text.h"
 
 namespace vl {
+namespace {
+
+template <typename T>
+Ref<T> CloneOf(T* source) {
+    return source != nullptr ? Ref<T>::AdoptNew(source->Clone()) : nullptr;
+}
+
+}  // namespace
 
 const Guid Interface::kInterfaceId = {
     0x5b0c1d3e, 0x7f42, 0x4a19, {0x9d, 0x0e, 0x31, 0x5a, 0xc8, 0x77, 0x21, 0x64}};
@@ -66,15 +74,16 @@ ResultEnum Interface::CloneFrom(Interface* source, unsigned flags) {
     auto* to = dynamic_cast<Extension*>(this);
     if (from == nullptr || to == nullptr || from == to) return kSuccess;
     if (flags == 0) flags = kCloneParams | kCloneMetadata;
-    if ((flags & kCloneParams) != 0) {
-        Params* params = from->GetParams(false);
-        to->SetParams(Ref<Params>::Adopt(params != nullptr ? params->Clone() : nullptr).Get());
+    try {
+        // Both copies are made before the first one is set.
+        const auto params = CloneOf(from->GetParams(false));
+        const auto metadata = CloneOf(from->GetMetadata(false));
+        if ((flags & kCloneParams) != 0) to->SetParams(params.Get());
+        if ((flags & kCloneMetadata) != 0) to->SetMetadata(metadata.Get());
+        return kSuccess;
+    } catch (...) {
+        return kCannotOpen;
     }
-    if ((flags & kCloneMetadata) != 0) {
-        VarMap* metadata = from->GetMetadata(false);
-        to->SetMetadata(Ref<VarMap>::Adopt(metadata != nullptr ? metadata->Clone() : nullptr).Get());
-    }
-    return kSuccess;
 }
 
 void* Interface::operator new(std::size_t size) noexcept {

@@ -3,6 +3,8 @@
 
 #include <vector>
 
+#include "host/ref.h"
+
 namespace vl {
 namespace {
 
@@ -35,9 +37,9 @@ public:
         return true;
     }
     Params* Clone() override {
-        auto* copy = new ParamList;
+        auto copy = Ref<ParamList>::AdoptNew(new ParamList);
         copy->m_entries = m_entries;
-        return copy;
+        return copy.Detach();
     }
 
 private:

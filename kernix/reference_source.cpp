@@ -4,17 +4,18 @@
 #include <algorithm>
 
 #include "host/interface_array.h"
+#include "host/ref.h"
 
 namespace vl {
 
 ReferenceSource::~ReferenceSource() = default;
 
 InterfaceArray* ReferenceSource::GetSubscribers(const char* filter) const {
-    InterfaceArray* found = InterfaceArray::CreateStrong();
+    auto found = Ref<InterfaceArray>::AdoptNew(InterfaceArray::CreateStrong());
     for (Interface* subscriber : m_subscribers) {
         if (filter == nullptr || subscriber->IsTypeOf(filter)) found->Add(subscriber);
     }
-    return found;
+    return found.Detach();
 }
 
 void ReferenceSource::Subscribe(Interface* subscriber) {

@@ -5,16 +5,11 @@
 #include <cstring>
 #include <utility>
 
-#include "kernix/resource_reader.h"
+#include "kernix/module_resource.h"
 #include "kernix/utf.h"
 
 namespace kernix {
 namespace {
-
-ResourceReader& Reader() {
-    static ResourceReader reader;
-    return reader;
-}
 
 class MemoryStream final : public vl::Stream {
 public:
@@ -53,20 +48,18 @@ constexpr unsigned kReadResource = 2;
 
 }  // namespace
 
-void SetResourceReader(ResourceReader reader) {
-    Reader() = std::move(reader);
-}
-
 }  // namespace kernix
 
 namespace vl {
 
-Stream* Stream::Create(HINSTANCE module, const String& name, unsigned flags) {
+Stream* Stream::Create(HINSTANCE module, const String& name, unsigned flags) try {
     const std::string text = kernix::ToUtf8(name.Text());
     const std::size_t bar = text.find('|');
-    if (flags != kernix::kReadResource || bar == std::string::npos || !kernix::Reader()) return nullptr;
-    auto content = kernix::Reader()(module, text.substr(0, bar), text.substr(bar + 1));
+    if (flags != kernix::kReadResource || bar == std::string::npos) return nullptr;
+    auto content = kernix::ReadModuleResource(module, text.substr(0, bar), text.substr(bar + 1));
     return content ? new kernix::MemoryStream(std::move(*content), false) : nullptr;
+} catch (...) {
+    return nullptr;
 }
 
 Stream* Stream::CreateInMemory() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <map>
 
+#include "host/ref.h"
 #include "host/var.h"
 
 namespace vl {
@@ -16,9 +17,9 @@ public:
     }
     int GetCount() override { return static_cast<int>(m_values.size()); }
     VarMap* Clone() override {
-        auto* copy = new NamedValues;
+        auto copy = Ref<NamedValues>::AdoptNew(new NamedValues);
         copy->m_values = m_values;
-        return copy;
+        return copy.Detach();
     }
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/xml.h"
 
+#include <exception>
 #include <rapidxml/rapidxml.hpp>
 
 namespace vl::xml {
@@ -55,10 +56,10 @@ Element& Element::operator=(Element&&) noexcept = default;
 
 ResultEnum Element::Load(Stream* stream) {
     if (stream == nullptr) return kCannotOpen;
-    std::string text(stream->GetSize(), '\0');
-    text.resize(stream->Read(text.data(), text.size()));
-    if (IsTooDeep(text)) return kCannotOpen;
     try {
+        std::string text(stream->GetSize(), '\0');
+        text.resize(stream->Read(text.data(), text.size()));
+        if (IsTooDeep(text)) return kCannotOpen;
         rapidxml::xml_document<> document;
         document.parse<rapidxml::parse_validate_closing_tags>(text.data());
         const auto* root = document.first_node();
@@ -68,7 +69,7 @@ ResultEnum Element::Load(Stream* stream) {
         ElementBuilder::Fill(*root, loaded);
         *this = std::move(loaded);
         return kSuccess;
-    } catch (const rapidxml::parse_error&) {
+    } catch (const std::exception&) {
         return kCannotOpen;
     }
 }

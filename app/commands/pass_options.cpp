@@ -108,7 +108,7 @@ void PassOptions::ApplyTo(Host& host, ExportOptions& options) {
 // Only the tool itself can interpret the settings.
 void PassOptions::ApplySettings(Host& host, ExportOptions& options) const {
     SettingsFile settings(m_settings);
-    const Tool tool = host.Create<vl::tk::Serializer>("TKSAVE");
+    const Tool tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_dwExportFlags = options.exportFlags;
     tool->LoadSettings(&settings, "");
     options.exportFlags = tool->m_dwExportFlags;

@@ -192,7 +192,7 @@ TextGeometry FromMesh(GlyphTesselated& mesh) {
 
 TextGeometry MakeGeometry(const TextOptions& options, const std::u16string& text, const LOGFONTW& font,
                           Session& session) {
-    const auto cadText = session.GetHost().Create<CadText>("CADTEXT");
+    const auto cadText = session.GetHost().Create<CadText>(kTypeCadText);
     const char* const failure = "the text could not be made into geometry";
     if (options.style == "mesh") {
         const auto mesh = vl::Ref<GlyphTesselated>::Adopt(

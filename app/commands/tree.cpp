@@ -28,7 +28,7 @@ struct TreeOptions {
 
 // The hierarchy with everything an export can include, under the scene's own names.
 vl::Ref<vl::tk::Serializer> BuildTree(Host& host, LoadedScene& loaded) {
-    auto tool = host.Create<vl::tk::Serializer>("TKSAVE");
+    auto tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_pScene = &loaded.Scene();
     tool->m_dwExportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
                             vl::tk::kExportBones | vl::tk::kExportNotes | vl::tk::kAllRenderables |

@@ -9,10 +9,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "app/services/help.h"
 #include "app/services/poly_boolean.h"
 #include "app/services/strings.h"
 #include "base/text.h"
-#include "kernix/resource_reader.h"
 #include "platform/ui/host_windows.h"
 #include "platform/windows.h"
 
@@ -51,15 +51,11 @@ std::filesystem::path FindModule() {
 }  // namespace
 
 struct Host::Parts {
-    explicit Parts(const std::string& language) : strings(language) {}
-
-    StringTables strings;
     ViewWindow viewWindow;
     ModuleEntry entry = nullptr;
 };
 
-Host::Host(const std::string& language) : m_parts(std::make_unique<Parts>(language)) {
-    kernix::SetResourceReader(ReadModuleResource);
+Host::Host(const std::string& language) : HostAppBase(language), m_parts(std::make_unique<Parts>()) {
     AddExtension(kTypePolyBoolean, [] { return new PolyBooleanExtension; });
 }
 
@@ -110,24 +106,17 @@ std::string Host::TakeReportedError() {
     return std::exchange(t_reportedError, {});
 }
 
-void* Host::LoadModuleStrings(HINSTANCE module) {
-    return const_cast<ModuleStrings*>(m_parts->strings.Load(module));
-}
-
-const char16_t* Host::GetModuleString(void* table, int id) {
-    return table != nullptr ? static_cast<const ModuleStrings*>(table)->Get(id) : u"";
-}
-
 HWND Host::GetMainWindow(int which) {
     return which == kViewWindow ? m_parts->viewWindow.Handle() : nullptr;
 }
 
 void Host::ShowHelpTopic(const char* page, int) {
-    std::fprintf(stderr, "zr: help: see \"%s\" in the documentation\n", page);
+    const std::filesystem::path file = HelpPage(page);
+    if (!OpenInBrowser(file)) std::fprintf(stderr, "zr: help: %s\n", file.c_str());
 }
 
 void Host::LocalizeDialog(void* table, HWND dialog) {
-    if (table != nullptr) static_cast<const ModuleStrings*>(table)->LocalizeDialog(dialog);
+    if (table != nullptr) zr::LocalizeDialog(*static_cast<const kernix::ModuleStrings*>(table), dialog);
 }
 
 void Host::ShowMessage(int severity, const std::string& text) {

@@ -43,8 +43,6 @@ public:
     // Returns and clears the last error that the module reported on this thread; it is not shown otherwise.
     static std::string TakeReportedError();
 
-    void* LoadModuleStrings(HINSTANCE module) override;
-    const char16_t* GetModuleString(void* table, int id) override;
     HWND GetMainWindow(int which) override;
     void ShowHelpTopic(const char* page, int mode) override;
     void LocalizeDialog(void* table, HWND dialog) override;

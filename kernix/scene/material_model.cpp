@@ -26,11 +26,11 @@ int MaterialModel::GetNameW(char16_t* buffer, int size) {
 
 SampledControllerModel* MaterialModel::AddController(std::string target) {
     if (!m_controllerWords) {
-        m_controllerWords = vl::Ref<vl::Array>::Adopt(CreateArray());
+        m_controllerWords = vl::Ref<vl::Array>::AdoptNew(CreateArray());
         m_pControllers = m_controllerWords.Get();
     }
     auto* controller = new SampledControllerModel(m_scene, std::move(target));
-    m_controllers.push_back(vl::Ref<SampledControllerModel>::Adopt(controller));
+    m_controllers.push_back(vl::Ref<SampledControllerModel>::AdoptNew(controller));
     m_controllerWords->Add(vl::ToWord<vl::zr::Controller*>(controller));
     return controller;
 }

@@ -40,10 +40,11 @@ void MaterialUses::Replace(const std::function<MaterialModel*(MaterialModel*)>& 
 
 vl::InterfaceArray* MaterialUses::Distinct() {
     if (m_distinct) return m_distinct.Get();
-    m_distinct = vl::Ref<vl::InterfaceArray>::Adopt(vl::InterfaceArray::CreateStrong());
+    auto distinct = vl::Ref<vl::InterfaceArray>::AdoptNew(vl::InterfaceArray::CreateStrong());
     std::unordered_set<const MaterialModel*> seen;
     for (MaterialModel* material : m_materials)
-        if (seen.insert(material).second) m_distinct->Add(material);
+        if (seen.insert(material).second) distinct->Add(material);
+    m_distinct = std::move(distinct);
     return m_distinct.Get();
 }
 
@@ -70,11 +71,11 @@ vl::Interface* MeshModel::QueryComponent(int kind, int) {
         return m_uses->Distinct();
     }
     if (kind != vl::zr::kComponentMesh) return nullptr;
-    auto* component = new vl::zr::MeshComponent;
+    auto component = vl::Ref<vl::zr::MeshComponent>::AdoptNew(new vl::zr::MeshComponent);
     component->m_nVertices = m_nVertices;
     component->m_nFaces = m_nFaces;
     component->m_nSecondary = m_nSecondary;
-    return component;
+    return component.Detach();
 }
 
 int MeshModel::CountMaterialUses(vl::zr::Material* material, int) {

@@ -136,7 +136,7 @@ void NodeModel::SetObjectOffset(const vl::Matrix4<double>& offset) {
 
 void NodeModel::AddControllerWord(vl::zr::Controller* controller) {
     if (!m_controllerWords) {
-        m_controllerWords = vl::Ref<vl::Array>::Adopt(CreateArray());
+        m_controllerWords = vl::Ref<vl::Array>::AdoptNew(CreateArray());
         m_pControllers = m_controllerWords.Get();
     }
     m_controllerWords->Add(vl::ToWord(controller));
@@ -144,7 +144,7 @@ void NodeModel::AddControllerWord(vl::zr::Controller* controller) {
 
 TransformControllerModel* NodeModel::AddTransformController() {
     if (!m_transform) {
-        m_transform = vl::Ref<TransformControllerModel>::Adopt(new TransformControllerModel(*this));
+        m_transform = vl::Ref<TransformControllerModel>::AdoptNew(new TransformControllerModel(*this));
         AddControllerWord(m_transform.Get());
     }
     return m_transform.Get();
@@ -152,7 +152,7 @@ TransformControllerModel* NodeModel::AddTransformController() {
 
 SampledControllerModel* NodeModel::AddController(std::string target) {
     m_controllers.push_back(
-        vl::Ref<SampledControllerModel>::Adopt(new SampledControllerModel(m_scene, std::move(target))));
+        vl::Ref<SampledControllerModel>::AdoptNew(new SampledControllerModel(m_scene, std::move(target))));
     AddControllerWord(m_controllers.back().Get());
     return m_controllers.back().Get();
 }

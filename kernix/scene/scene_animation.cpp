@@ -52,8 +52,10 @@ int SceneModel::IsAnimated() {
     return 0;
 }
 
-vl::zr::Animation* SceneModel::CreateAnimation(const char16_t* name) {
+vl::zr::Animation* SceneModel::CreateAnimation(const char16_t* name) try {
     return AddAnimation(name != nullptr ? name : u"");
+} catch (...) {
+    return nullptr;
 }
 
 bool SceneModel::DeleteAnimation(vl::zr::Animation* animation) {

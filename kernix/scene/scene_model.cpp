@@ -7,14 +7,15 @@
 #include <unordered_set>
 
 #include "kernix/array.h"
+#include "kernix/keep_if.h"
 #include "kernix/scene/change_record_model.h"
 
 namespace kernix {
 
 SceneModel::SceneModel()
-    : m_nodeWords(vl::Ref<vl::Array>::Adopt(CreateArray())),
-      m_materialWords(vl::Ref<vl::Array>::Adopt(CreateArray())),
-      m_animationWords(vl::Ref<vl::Array>::Adopt(CreateArray())) {
+    : m_nodeWords(vl::Ref<vl::Array>::AdoptNew(CreateArray())),
+      m_materialWords(vl::Ref<vl::Array>::AdoptNew(CreateArray())),
+      m_animationWords(vl::Ref<vl::Array>::AdoptNew(CreateArray())) {
     m_pNodes = m_nodeWords.Get();
     m_pMaterials = m_materialWords.Get();
     m_pAnimations = m_animationWords.Get();
@@ -28,7 +29,7 @@ SceneModel::~SceneModel() {
 
 NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
     const std::size_t number = m_ownNodes.size();
-    m_ownNodes.push_back(vl::Ref<NodeModel>::Adopt(new NodeModel(*this, std::move(name))));
+    m_ownNodes.push_back(vl::Ref<NodeModel>::AdoptNew(new NodeModel(*this, std::move(name))));
     NodeModel* node = m_ownNodes.back().Get();
     NodeModel*& last = parent != nullptr ? parent->m_lastChild : m_lastNode;
     vl::zr::Node*& first = parent != nullptr ? parent->m_pFirstChild : m_pFirstNode;
@@ -45,7 +46,7 @@ NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
 MaterialModel* SceneModel::AddMaterial(std::optional<std::string> name, std::string content) {
     const auto id = static_cast<std::uint32_t>(m_ownMaterials.size());
     m_ownMaterials.push_back(
-        vl::Ref<MaterialModel>::Adopt(new MaterialModel(*this, id, std::move(name), std::move(content))));
+        vl::Ref<MaterialModel>::AdoptNew(new MaterialModel(*this, id, std::move(name), std::move(content))));
     MaterialModel* material = m_ownMaterials.back().Get();
     m_mergedInto.push_back(material);
     m_pMaterials->Add(vl::ToWord<vl::zr::Material*>(material));
@@ -53,27 +54,27 @@ MaterialModel* SceneModel::AddMaterial(std::optional<std::string> name, std::str
 }
 
 AnimationModel* SceneModel::AddAnimation(std::u16string name) {
-    m_ownAnimations.push_back(vl::Ref<AnimationModel>::Adopt(new AnimationModel));
-    AnimationModel* animation = m_ownAnimations.back().Get();
+    auto animation = vl::Ref<AnimationModel>::AdoptNew(new AnimationModel);
     animation->m_name = std::move(name);
     animation->m_scene.Set(this);
-    m_pAnimations->Add(vl::ToWord<vl::zr::Animation*>(animation));
-    if (m_pAnimations->m_nCount == 1) SetActiveAnimation(animation);
-    return animation;
+    m_ownAnimations.push_back(animation);
+    m_pAnimations->Add(vl::ToWord<vl::zr::Animation*>(animation.Get()));
+    if (m_pAnimations->m_nCount == 1) SetActiveAnimation(animation.Get());
+    return animation.Get();
 }
 
 LayerModel* SceneModel::AddLayer(std::string name) {
     if (!m_layers) {
-        m_layers = vl::Ref<vl::InterfaceArray>::Adopt(vl::InterfaceArray::CreateStrong());
+        m_layers = vl::Ref<vl::InterfaceArray>::AdoptNew(vl::InterfaceArray::CreateStrong());
         m_pLayers = m_layers.Get();
     }
-    m_ownLayers.push_back(vl::Ref<LayerModel>::Adopt(new LayerModel(std::move(name))));
+    m_ownLayers.push_back(vl::Ref<LayerModel>::AdoptNew(new LayerModel(std::move(name))));
     m_layers->Add(m_ownLayers.back().Get());
     return m_ownLayers.back().Get();
 }
 
 ViewportModel* SceneModel::AddViewport(int kind, const std::string& name) {
-    m_viewports.push_back(vl::Ref<ViewportModel>::Adopt(new ViewportModel(kind, name)));
+    m_viewports.push_back(vl::Ref<ViewportModel>::AdoptNew(new ViewportModel(kind, name)));
     return m_viewports.back().Get();
 }
 
@@ -123,56 +124,65 @@ void SceneModel::Refresh(int, int) {
     if (m_onRefresh) m_onRefresh();
 }
 
+// Everything that can fail comes before the first change.
 int SceneModel::MergeEqualMaterials() {
+    std::vector<MaterialModel*> into = m_mergedInto;
+    const int merged = FindEqualMaterials(into);
+    if (merged == 0) return 0;
+    std::unordered_set<MaterialUses*> useLists;
+    std::unordered_set<FaceAttributes*> attributeLists;
+    for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
+        auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
+        if (mesh == nullptr) continue;
+        if (mesh->GetUses()) useLists.insert(mesh->GetUses().get());
+        if (mesh->GetFaceAttributes()) attributeLists.insert(mesh->GetFaceAttributes().get());
+    }
+
+    m_mergedInto.swap(into);
+    for (MaterialUses* uses : useLists) {
+        uses->Replace([this](MaterialModel* use) { return use != nullptr ? MergedInto(use) : nullptr; });
+    }
+    for (FaceAttributes* attributes : attributeLists) {
+        for (std::uint32_t& attribute : *attributes) {
+            if (attribute < m_mergedInto.size()) attribute = m_mergedInto[attribute]->GetId();
+        }
+    }
+    KeepIf<vl::zr::Material>(m_pMaterials, [this](vl::zr::Material* material) {
+        return MergedInto(static_cast<MaterialModel*>(material)) == material;
+    });
+    return merged;
+}
+
+// Notes in into, by id, what each material equals, and answers how many are to go.
+int SceneModel::FindEqualMaterials(std::vector<MaterialModel*>& into) const {
     std::unordered_map<std::string_view, MaterialModel*> firsts;
     const auto movable = [](const MaterialModel& m) { return m.m_pControllers == nullptr; };
     // The default material never goes, so it is the one that its equals become.
     if (auto* fallback = static_cast<MaterialModel*>(m_pDefaultMaterial)) {
         if (movable(*fallback)) firsts.emplace(fallback->GetContent(), fallback);
     }
-    std::vector<MaterialModel*> merged;
+    int merged = 0;
     for (auto* plain : vl::ArrayOf<vl::zr::Material*>(m_pMaterials)) {
         auto* material = static_cast<MaterialModel*>(plain);
         if (!movable(*material)) continue;
         MaterialModel* first = firsts.emplace(material->GetContent(), material).first->second;
         if (first == material) continue;
-        m_mergedInto[material->GetId()] = first;
-        merged.push_back(material);
+        into[material->GetId()] = first;
+        ++merged;
     }
-    if (merged.empty()) return 0;
-
-    std::unordered_set<const void*> done;  // of what meshes share
-    for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
-        auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
-        if (mesh == nullptr) continue;
-        if (mesh->GetUses() && done.insert(mesh->GetUses().get()).second)
-            mesh->GetUses()->Replace([&](MaterialModel* use) { return MergedInto(use); });
-        const auto& attributes = mesh->GetFaceAttributes();
-        const bool isShared = attributes.use_count() > 1;
-        if (!attributes || (isShared && !done.insert(attributes.get()).second)) continue;
-        for (std::uint32_t& attribute : *attributes) {
-            if (attribute < m_mergedInto.size()) attribute = m_mergedInto[attribute]->GetId();
-        }
-    }
-    std::vector<vl::zr::Material*> kept;
-    for (auto* material : vl::ArrayOf<vl::zr::Material*>(m_pMaterials)) {
-        if (MergedInto(static_cast<MaterialModel*>(material)) == material) kept.push_back(material);
-    }
-    m_pMaterials->RemoveAll();
-    for (vl::zr::Material* material : kept) m_pMaterials->Add(vl::ToWord(material));
-    return static_cast<int>(merged.size());
+    return merged;
 }
 
 vl::Array* SceneModel::GetObjectsOfKind(int kind) {
-    vl::Array* found = CreateArray();
+    auto found = vl::Ref<vl::Array>::AdoptNew(CreateArray());
     if (kind == vl::zr::kSceneMaterials) {
         for (auto* material : vl::ArrayOf<vl::zr::Material*>(m_pMaterials)) found->Add(vl::ToWord(material));
-        return found;
+        return found.Detach();
     }
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
         if (vl::zr::Object3D* object = node->GetObjectOfKind(kind)) found->Add(vl::ToWord(object));
     }
-    return found;
+    return found.Detach();
 }
 
 ChangeRecord* SceneModel::CreateChangeRecord(int) {
@@ -206,7 +216,7 @@ void SceneModel::CollectViewports(vl::InterfaceArray* out) {
 }  // namespace kernix
 
 vl::InterfaceArray* vl::zr::Scene::GetAllViewports() {
-    InterfaceArray* viewports = InterfaceArray::CreateStrong();
-    CollectViewports(viewports);
-    return viewports;
+    auto viewports = Ref<InterfaceArray>::AdoptNew(InterfaceArray::CreateStrong());
+    CollectViewports(viewports.Get());
+    return viewports.Detach();
 }

@@ -99,6 +99,7 @@ protected:
     void CollectViewports(vl::InterfaceArray* out) override;
 
 private:
+    int FindEqualMaterials(std::vector<MaterialModel*>& into) const;
     void Unlink(NodeModel& node);
     void TakeFromList(NodeModel& node);
     std::pair<float, float> GetRange(const vl::zr::Animation* animation) const;

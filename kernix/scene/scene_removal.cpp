@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "host/generator.h"
+#include "kernix/keep_if.h"
 #include "kernix/scene/scene_model.h"
 
 namespace kernix {
 namespace {
 
-// What aims at a node that goes aims at nothing from then on.
-void ReleaseSubscribers(NodeModel& node) {
-    const auto subscribers = vl::Ref<vl::InterfaceArray>::Adopt(node.GetSubscribers(nullptr));
-    for (unsigned i = 0; i < subscribers->GetCount(); ++i) {
-        vl::Interface* subscriber = subscribers->GetAt(i);
-        if (auto* camera = dynamic_cast<CameraModel*>(subscriber)) camera->SetTarget(nullptr);
-        if (auto* light = dynamic_cast<LightModel*>(subscriber)) light->SetTarget(nullptr);
-    }
+// A camera or light that aims at a node which goes aims at nothing from then on.
+void ReleaseTarget(vl::Interface* object) {
+    if (auto* camera = dynamic_cast<CameraModel*>(object)) camera->SetTarget(nullptr);
+    if (auto* light = dynamic_cast<LightModel*>(object)) light->SetTarget(nullptr);
 }
 
 }  // namespace
@@ -36,29 +33,32 @@ void SceneModel::TakeFromList(NodeModel& node) {
     m_removedNodes.Remove(node.m_number);
 }
 
+// Everything that can fail comes before the first change.
 void SceneModel::RemoveNode(NodeModel& node) {
     if (node.m_deleted) return;
-    Unlink(node);
-    std::vector<NodeModel*> open = {&node};
-    while (!open.empty()) {
-        NodeModel* gone = open.back();
-        open.pop_back();
-        for (NodeModel* child = gone->m_lastChild; child != nullptr; child = child->m_previous)
-            open.push_back(child);
-        gone->m_deleted = true;
-        TakeFromList(*gone);
-        ReleaseSubscribers(*gone);
-        if (auto* camera = dynamic_cast<CameraModel*>(gone->m_pObject)) {
-            camera->SetTarget(nullptr);
-            if (m_pCurrentCamera == camera) m_pCurrentCamera = nullptr;
+    std::vector<NodeModel*> gone = {&node};
+    std::vector<vl::Interface*> aiming;
+    for (std::size_t i = 0; i < gone.size(); ++i) {
+        for (NodeModel* child = gone[i]->m_lastChild; child != nullptr; child = child->m_previous) {
+            gone.push_back(child);
         }
-        if (auto* light = dynamic_cast<LightModel*>(gone->m_pObject)) light->SetTarget(nullptr);
-        if (m_defaultCameraNode == gone) m_defaultCameraNode = nullptr;
+        const auto subscribers = vl::Ref<vl::InterfaceArray>::Adopt(gone[i]->GetSubscribers(nullptr));
+        for (unsigned j = 0; j < subscribers->GetCount(); ++j) aiming.push_back(subscribers->GetAt(j));
+    }
+
+    Unlink(node);
+    for (vl::Interface* object : aiming) ReleaseTarget(object);
+    for (NodeModel* each : gone) {
+        each->m_deleted = true;
+        TakeFromList(*each);
+        ReleaseTarget(each->m_pObject);
+        if (m_pCurrentCamera != nullptr && m_pCurrentCamera == each->m_pObject) m_pCurrentCamera = nullptr;
+        if (m_defaultCameraNode == each) m_defaultCameraNode = nullptr;
     }
     m_layersHoldDeleted = true;
 }
 
-// Removals come in runs that end with a notification: the layers are gone through once for all of them.
+// Removals come in runs that end with a notification: the layers are updated once for all of them.
 void SceneModel::Notify(int code, int a, int b) {
     if (m_layersHoldDeleted) {
         for (const auto& layer : m_ownLayers) layer->DropDeletedMembers();
@@ -68,13 +68,8 @@ void SceneModel::Notify(int code, int a, int b) {
 }
 
 void LayerModel::DropDeletedMembers() {
-    std::vector<vl::zr::Node*> kept;
-    for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pMembers)) {
-        if (!static_cast<NodeModel*>(node)->IsDeleted()) kept.push_back(node);
-    }
-    if (kept.size() == static_cast<std::size_t>(vl::ArrayOf<vl::zr::Node*>(m_pMembers).Count())) return;
-    m_pMembers->RemoveAll();
-    for (vl::zr::Node* node : kept) m_pMembers->Add(vl::ToWord(node));
+    KeepIf<vl::zr::Node>(m_pMembers,
+                         [](vl::zr::Node* node) { return !static_cast<NodeModel*>(node)->IsDeleted(); });
 }
 
 }  // namespace kernix

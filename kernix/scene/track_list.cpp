@@ -8,8 +8,17 @@
 #include "kernix/scene/scene_model.h"
 
 namespace kernix {
+namespace {
 
-TrackList::TrackList(SceneModel& scene) : m_scene(scene), m_words(vl::Ref<vl::Array>::Adopt(CreateArray())) {}
+template <typename T>
+void MakeRoom(std::vector<T>& list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
+}
+
+}  // namespace
+
+TrackList::TrackList(SceneModel& scene)
+    : m_scene(scene), m_words(vl::Ref<vl::Array>::AdoptNew(CreateArray())) {}
 
 TrackList::~TrackList() = default;
 
@@ -25,10 +34,14 @@ vl::zr::Track* TrackList::Find(const vl::zr::Animation* animation) const {
     return nullptr;
 }
 
+// Everything that can fail comes before the first change.
 void TrackList::Add(vl::Ref<vl::zr::Track> track) {
-    track->m_list = this;
-    track->GetAnimation()->m_tracks.push_back(track.Get());
+    std::vector<vl::zr::Track*>& ofAnimation = track->GetAnimation()->m_tracks;
+    MakeRoom(ofAnimation);
+    MakeRoom(m_tracks);
     m_words->Add(vl::ToWord(track.Get()));
+    track->m_list = this;
+    ofAnimation.push_back(track.Get());
     m_tracks.push_back(std::move(track));
 }
 

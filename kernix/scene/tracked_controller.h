@@ -42,9 +42,9 @@ protected:
     // The animation's track, made when there is none.
     TrackType* TrackFor(AnimationModel* animation) {
         if (vl::zr::Track* track = m_tracks.Find(animation)) return static_cast<TrackType*>(track);
-        auto* track = new TrackType(animation);
-        m_tracks.Add(vl::Ref<vl::zr::Track>::Adopt(track));
-        return track;
+        const auto track = vl::Ref<TrackType>::AdoptNew(new TrackType(animation));
+        m_tracks.Add(vl::Ref<vl::zr::Track>::Share(track.Get()));
+        return track.Get();
     }
 
     // Keys may have changed, or are about to.

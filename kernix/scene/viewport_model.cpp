@@ -12,7 +12,7 @@ LayerModel::LayerModel(std::string name) : m_name(std::move(name)) {}
 
 void LayerModel::AddMember(vl::zr::Node* node) {
     if (!m_members) {
-        m_members = vl::Ref<vl::Array>::Adopt(CreateArray());
+        m_members = vl::Ref<vl::Array>::AdoptNew(CreateArray());
         m_pMembers = m_members.Get();
     }
     m_members->Add(vl::ToWord(node));
@@ -25,7 +25,7 @@ ViewportModel::ViewportModel(int kind, const std::string& name) {
 
 void ViewportModel::AddAnimationReference(vl::zr::Animation* animation) {
     if (!m_entryWords) {
-        m_entryWords = vl::Ref<vl::Array>::Adopt(CreateArray());
+        m_entryWords = vl::Ref<vl::Array>::AdoptNew(CreateArray());
         m_pAnimationReferences = m_entryWords.Get();
     }
     m_entries.push_back(std::make_unique<vl::zr::AnimationReference>(vl::zr::AnimationReference{animation}));

@@ -45,7 +45,7 @@ bool RecordItemCallback(vl::Word, vl::Word, vl::Interface* item, void* context) 
 
 }  // namespace
 
-bool CAnimManagerImpl::IsAnimationUsed(Animation* animation, char16_t* names, int maxLen) {
+bool CAnimManagerImpl::IsAnimationUsed(Animation* animation, char16_t* names, int maxLen) try {
     const auto viewports = vl::Ref<vl::InterfaceArray>::Adopt(animation->m_scene.Get()->GetAllViewports());
     std::u16string text;
     bool used = false;
@@ -66,9 +66,11 @@ bool CAnimManagerImpl::IsAnimationUsed(Animation* animation, char16_t* names, in
         std::fill(names + text.copy(names, size), names + size, u'\0');
     }
     return used;
+} catch (...) {
+    return true;
 }
 
-bool CAnimManagerImpl::RemoveAnimation(ChangeRecord* record, Animation* animation) {
+bool CAnimManagerImpl::RemoveAnimation(ChangeRecord* record, Animation* animation) try {
     if (animation == nullptr) return false;
     m_pScene = animation->m_scene.Get();
     if (m_pScene == nullptr || !m_pScene->CanRemoveAnimation(animation)) {
@@ -85,9 +87,12 @@ bool CAnimManagerImpl::RemoveAnimation(ChangeRecord* record, Animation* animatio
     m_pScene->Notify(vl::zr::kNotifyRemoved, 1, 2);
     m_pScene = nullptr;
     return removed;
+} catch (...) {
+    m_pScene = nullptr;
+    return false;
 }
 
-bool CAnimManagerImpl::RemoveAnimations(ChangeRecord* record, vl::Array* animations) {
+bool CAnimManagerImpl::RemoveAnimations(ChangeRecord* record, vl::Array* animations) try {
     // The scene's own list shrinks with every removal, and an animation may go with its last count.
     std::vector<vl::Ref<Animation>> targets;
     for (Animation* animation : vl::ArrayOf<Animation*>(animations)) {
@@ -98,8 +103,6 @@ bool CAnimManagerImpl::RemoveAnimations(ChangeRecord* record, vl::Array* animati
         if (RemoveAnimation(record, target.Get())) removed = true;
     }
     return removed;
-}
-
-vl::Extension* CreateAnimManager() {
-    return new CAnimManagerImpl;
+} catch (...) {
+    return false;
 }

@@ -38,6 +38,8 @@ public:
     bool Reserved(vl::Word, vl::Word, vl::Word) override { return false; }
 
 private:
+    void MergeTracks(const std::vector<vl::zr::Animation*>& sources);
+    void UndoMerge();
     void CollectSources(const std::vector<vl::zr::Animation*>& animations);
 
     // object: a node or material, controllers: its controller list or null.
@@ -55,6 +57,3 @@ private:
     ChangeRecord* m_pRecord = nullptr;
     std::uint32_t m_dwKeyFlags = 0;
 };
-
-// A new animation manager, whose one count belongs to the caller; null when the host has no storage.
-vl::Extension* CreateAnimManager();

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "host/animation.h"
 #include "host/change_record.h"
@@ -35,39 +37,54 @@ TransformController* AsTransform(Controller* controller) {
 }  // namespace
 
 Animation* CAnimManagerImpl::MergeAnimations(ChangeRecord* record, vl::Array* animations, bool removeSources,
-                                             std::uint32_t flags) {
+                                             std::uint32_t flags) try {
     // In the scene's own list the result would become a source, and be removed as one.
     const vl::ArrayOf<Animation*> given(animations);
     const std::vector<Animation*> sources(given.begin(), given.end());
     if (sources.size() < 2) return nullptr;
+    const auto removed = vl::Ref<vl::Array>::AdoptNew(g_pHost->CreateArray());
+    vl::ArrayOf<Animation*> list(removed.Get());
+    for (Animation* source : sources) list.Add(source);
 
     m_dwKeyFlags = flags;
     m_pRecord = record;
     m_pScene = sources.front()->m_scene.Get();
-    m_pResult = m_pScene->CreateAnimation(g_pHost->GetModuleString(g_hStrings, kStringMergeResult));
-    Animation* const result = m_pResult;
-    if (result != nullptr) {
-        if (record != nullptr) record->RecordAnimationCreation(m_pScene, result, 0);
-        CollectSources(sources);
-        for (Node* node : vl::ArrayOf<Node*>(m_pScene->m_pNodes)) {
-            if (node != nullptr) MergeObjectTracks(node, node->m_pControllers);
-        }
-        for (Material* material : vl::ArrayOf<Material*>(m_pScene->m_pMaterials)) {
-            if (material != nullptr) MergeObjectTracks(material, material->m_pControllers);
-        }
+    try {
+        MergeTracks(sources);
+    } catch (...) {
+        UndoMerge();
     }
+    Animation* const result = m_pResult;
     m_dwKeyFlags = 0;
     m_sources.clear();
     m_pResult = nullptr;
     m_pScene = nullptr;
     m_pRecord = nullptr;
-    if (result == nullptr || !removeSources) return result;
-
-    const auto removed = vl::Ref<vl::Array>::Adopt(g_pHost->CreateArray());
-    vl::ArrayOf<Animation*> list(removed.Get());
-    for (Animation* source : sources) list.Add(source);
-    RemoveAnimations(record, removed.Get());
+    if (result != nullptr && removeSources) RemoveAnimations(record, removed.Get());
     return result;
+} catch (...) {
+    return nullptr;
+}
+
+void CAnimManagerImpl::MergeTracks(const std::vector<Animation*>& sources) {
+    m_pResult = m_pScene->CreateAnimation(g_pHost->GetModuleString(g_hStrings, kStringMergeResult));
+    if (m_pResult == nullptr) return;
+    if (m_pRecord != nullptr) m_pRecord->RecordAnimationCreation(m_pScene, m_pResult, 0);
+    CollectSources(sources);
+    for (Node* node : vl::ArrayOf<Node*>(m_pScene->m_pNodes)) {
+        if (node != nullptr) MergeObjectTracks(node, node->m_pControllers);
+    }
+    for (Material* material : vl::ArrayOf<Material*>(m_pScene->m_pMaterials)) {
+        if (material != nullptr) MergeObjectTracks(material, material->m_pControllers);
+    }
+}
+
+// Takes the half-made result out of the scene, recorded when there is memory for that.
+void CAnimManagerImpl::UndoMerge() {
+    vl::zr::Scene* const scene = m_pScene;
+    Animation* const result = std::exchange(m_pResult, nullptr);
+    if (result == nullptr || RemoveAnimation(m_pRecord, result)) return;
+    scene->DeleteAnimation(result);
 }
 
 void CAnimManagerImpl::CollectSources(const std::vector<Animation*>& animations) {

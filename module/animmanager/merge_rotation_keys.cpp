@@ -72,7 +72,7 @@ void RotationMerge::Finish() {
         RotationKey* key = KeyAt(m_controller, m_destination, static_cast<int>(i));
         vl::AngleAxis value;
         if (merged.stepFrom == previous) {
-            // A step may be more than half a turn, which its orientation cannot tell.
+            // A step may be more than half a turn, which orientations cannot express.
             key->GetValue(&value);
         } else {
             // The step leads from what the track shows so far to the key's own orientation. Taken the other

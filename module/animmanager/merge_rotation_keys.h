@@ -14,7 +14,7 @@ class TransformController;
 namespace zrt {
 
 // Merges the rotation keys of several tracks into one track of angle-axis keys, in which every key shows
-// the orientation it had in its own track, also where the sources' keys alternate in time. After
+// the orientation it had in its own track, even where the sources' keys alternate in time. After
 // MergeRotationKeys for each source comes Finish; until then the destination's values are not valid, and
 // nothing else may change its rotation keys.
 class RotationMerge {

@@ -4,8 +4,6 @@
 #include "host/cad_text.h"
 #include "platform/windows.h"
 
-inline constexpr char kTypeCadText[] = "CADTEXT";
-
 // Text as geometry. Keeps nothing between calls. An operation that fails, for want of memory too, frees
 // what it built and answers null.
 class ZR_CADTEXT final : public vl::zr::legacy::CadText {

@@ -21,7 +21,7 @@ class GlyphOutline {
 public:
     // Takes the outline from the system. The font is made ten times as high as the record says and
     // toleranceAngle, in radians, is counted as pi/2 at most; size 12 gives scale 1. When the system has no
-    // outline to give, or breaks it off, there are no contours, or those read so far, and the advance is 0.
+    // outline to give, or a broken one, there are no contours, or those read so far, and the advance is 0.
     GlyphOutline(std::uint32_t characterCode, const LOGFONTW& font, double toleranceAngle, double size);
 
     // An outline without contours, for ParseNativeOutline.

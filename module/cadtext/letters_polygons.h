@@ -40,6 +40,6 @@ private:
     std::vector<vl::Vector3<float>> m_vertices;
     std::vector<LetterTriangle> m_triangles;
     // Open-addressed table of vertex numbers, a power of two in size and at most half full; empty when the
-    // vertices changed otherwise than through FindOrAddVertex.
+    // vertices changed by anything but FindOrAddVertex.
     std::vector<std::int32_t> m_index;
 };

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kPointsPerInch = 72;
 
-// Line feeds that something follows. A carriage return is something too.
+// Line feeds with text behind them. A carriage return counts as text.
 std::uint32_t CountLineBreaks(const char16_t* text) {
     std::uint32_t count = 0;
     std::uint32_t run = 0;

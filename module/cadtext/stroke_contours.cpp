@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kLineAdvance = 29.0;
 
-// Draws a character from the pen position on.
+// Draws a character at the pen position.
 void AddStrokes(LettersContours& contours, const zrt::StrokeGlyph& glyph, std::uint32_t letter, double penX,
                 double penY) {
     bool isPenDown = false;

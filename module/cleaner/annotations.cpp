@@ -27,30 +27,28 @@ std::unordered_set<Node*> MembersOfLayers(vl::InterfaceArray* array) {
 // What was cleared is not recorded.
 int CCleanerImpl::RemoveMetadata(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* /*record*/) {
     if (scene == nullptr) return 0;
-    int count = 0;
-    for (Node* node : vl::ArrayOf<Node*>(scene->m_pNodes)) {
-        if (zrt::IsBreak(context)) break;
-        vl::VarMap* metadata = node->GetMetadata(false);
-        if (metadata == nullptr) continue;
-        metadata->Clear();
-        ++count;
-    }
-    zrt::NotifyRemoved(scene);
-    return count;
+    return zrt::CountedWithNotify(scene, [&](int& count) {
+        for (Node* node : vl::ArrayOf<Node*>(scene->m_pNodes)) {
+            if (zrt::IsBreak(context)) break;
+            vl::VarMap* metadata = node->GetMetadata(false);
+            if (metadata == nullptr) continue;
+            metadata->Clear();
+            ++count;
+        }
+    });
 }
 
 int CCleanerImpl::RemoveNotesAndEtc(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
     if (scene == nullptr) return 0;
-    const std::unordered_set<Node*> members = MembersOfLayers(scene->m_pLayers);
-    const vl::Ref<vl::Array> list = zrt::NewList();
-    vl::ArrayOf<Node*> candidates(list.Get());
-    for (Node* node : vl::ArrayOf<Node*>(scene->m_pNodes)) {
-        if (zrt::IsBreak(context)) break;
-        if (node->m_pObject == nullptr || node->m_pObject->GetType() != vl::zr::kTypeNote) continue;
-        if (!members.contains(node)) candidates.Add(node);
-    }
-
-    const int count = zrt::RemoveNodes(candidates, context, record);
-    zrt::NotifyRemoved(scene);
-    return count;
+    return zrt::CountedWithNotify(scene, [&](int& count) {
+        const std::unordered_set<Node*> members = MembersOfLayers(scene->m_pLayers);
+        const vl::Ref<vl::Array> list = zrt::NewList();
+        vl::ArrayOf<Node*> candidates(list.Get());
+        for (Node* node : vl::ArrayOf<Node*>(scene->m_pNodes)) {
+            if (zrt::IsBreak(context)) break;
+            if (node->m_pObject == nullptr || node->m_pObject->GetType() != vl::zr::kTypeNote) continue;
+            if (!members.contains(node)) candidates.Add(node);
+        }
+        zrt::RemoveNodes(candidates, context, record, count);
+    });
 }

@@ -2,84 +2,65 @@
 #include "module/cleaner/cleaner.h"
 
 #include "host/params.h"
+#include "host/ref.h"
 #include "host/scene.h"
 #include "host/stream.h"
 #include "host/xml.h"
 #include "module/cleaner/operations.h"
+#include "module/cleaner/removal.h"
 #include "module/frame/globals.h"
-
-namespace zrt {
-
-const Operation kOperations[kOperationCount] = {
-    {kOptionMetadata, 1111, 2001, true, &CCleanerImpl::RemoveMetadata},
-    {kOptionEqualMaterials, 1181, 2001, true, &CCleanerImpl::MergeEqualMaterials},
-    {kOptionMeshDupes, 1141, 2001, true, &CCleanerImpl::RemoveMeshDupes},
-    {kOptionEmptyNodes, 1161, 2001, true, &CCleanerImpl::RemoveEmptyNodes},
-    {kOptionModelViews, 1121, 2001, true, &CCleanerImpl::RemoveModelViews},
-    {kOptionLayers, 1131, 2001, true, &CCleanerImpl::RemoveUnusedLayers},
-    {kOptionNotes, 1151, 2001, true, &CCleanerImpl::RemoveNotesAndEtc},
-    {kOptionMaterials, 1101, 2001, true, &CCleanerImpl::RemoveUnusedMaterials},
-    {kOptionAnimations, 1171, 2001, true, &CCleanerImpl::RemoveUnusedAnimations},
-    {kOptionEnvironment, 1191, 2001, true, &CCleanerImpl::RemoveEnvMapsAndBackplates},
-};
 
 namespace {
 
-// The options in the order of the method's bool parameters.
-constexpr CleanerOption kParameterOptions[kOperationCount] = {
-    kOptionAnimations, kOptionEmptyNodes, kOptionMaterials, kOptionModelViews,  kOptionLayers,
-    kOptionMetadata,   kOptionNotes,      kOptionMeshDupes, kOptionEnvironment, kOptionEqualMaterials,
-};
-
 constexpr int kMethodCleanScene = 1;
 
-}  // namespace
+vl::Word Read(vl::Params* params, int position, vl::Word fallback, zr_VALUETYPE type) {
+    return params != nullptr ? params->GetParam(position, fallback, type) : fallback;
+}
 
-}  // namespace zrt
+CCleanerImpl::CI2BMap ReadOptions(vl::Params* params) {
+    CCleanerImpl::CI2BMap options;
+    for (const zrt::Operation& operation : zrt::kOperations) {
+        options.Set(operation.option, Read(params, operation.parameter, 1, ZR_VALUE_BOOL) != 0);
+    }
+    return options;
+}
+
+}  // namespace
 
 CCleanerImpl* CreateCleaner() {
     return new CCleanerImpl;
 }
 
-vl::ResultEnum CCleanerImpl::QueryInfo(vl::xml::Element* element, unsigned /*flags*/) {
+vl::ResultEnum CCleanerImpl::QueryInfo(vl::xml::Element* element, unsigned /*flags*/) try {
     vl::String name;
     name.Set(u"ZRDATA|CLEANER_QUERY_INFO", -1);
     const auto stream = vl::Ref<vl::Stream>::Adopt(vl::Stream::Create(g_hModule, name, 2));
     return stream ? element->Load(stream.Get()) : vl::kCannotOpen;
+} catch (...) {
+    return vl::kCannotOpen;
 }
 
 vl::ResultEnum CCleanerImpl::Invoke(int method, vl::Params* params, vl::Context* context) {
-    if (method != zrt::kMethodCleanScene) return vl::kWrongClass;
-    CCleanerImpl run;
-    return run.CleanScene(params, context) ? vl::kSuccess : vl::kCannotOpen;
+    if (method != kMethodCleanScene) return vl::kWrongClass;
+    return CleanScene(params, context) ? vl::kSuccess : vl::kCannotOpen;
 }
 
-bool CCleanerImpl::CleanScene(vl::Params* params, vl::Context* context) {
-    ReadOptions(params);
-    return RunOperations(context);
-}
-
-void CCleanerImpl::ReadOptions(vl::Params* params) {
-    const auto read = [params](int position, vl::Word fallback, zr_VALUETYPE type) {
-        return params != nullptr ? params->GetParam(position, fallback, type) : fallback;
-    };
-    m_options.Clear();
-    m_pScene = vl::FromWord<vl::zr::Scene*>(read(0, 0, ZR_VALUE_SCENE));
-    for (int i = 0; i < zrt::kOperationCount; ++i) {
-        m_options.Set(zrt::kParameterOptions[i], read(i, 1, ZR_VALUE_BOOL) != 0);
-    }
-}
-
-bool CCleanerImpl::RunOperations(vl::Context* context) {
-    m_pContext = context;
-    if (m_pScene == nullptr) return true;
+bool CCleanerImpl::CleanScene(vl::Params* params, vl::Context* context) try {
+    auto* scene = vl::FromWord<vl::zr::Scene*>(Read(params, 0, 0, ZR_VALUE_SCENE));
+    if (scene == nullptr) return true;
+    // Read as a whole first: an operation may change what the parameters are kept in.
+    const CI2BMap options = ReadOptions(params);
     for (const zrt::Operation& operation : zrt::kOperations) {
-        if (m_options.IsOn(operation.option)) (this->*operation.run)(m_pScene, m_pContext, nullptr);
+        if (options.IsOn(operation.option)) (this->*operation.run)(scene, context, nullptr);
     }
     return true;
+} catch (...) {
+    return false;
 }
 
 int CCleanerImpl::MergeEqualMaterials(vl::zr::Scene* scene, vl::Context* /*context*/,
                                       ChangeRecord* /*record*/) {
-    return scene != nullptr ? scene->MergeEqualMaterials() : 0;
+    if (scene == nullptr) return 0;
+    return zrt::Counted([&](int& count) { count = scene->MergeEqualMaterials(); });
 }

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "module/cleaner/dialog.h"
 
-#include "host/context.h"
 #include "host/scene.h"
-#include "module/cleaner/cleaner.h"
-#include "module/cleaner/operations.h"
 #include "module/frame/globals.h"
 #include "module/resources/resource.h"
 
+namespace zrt {
 namespace {
+
+constexpr char kHelpPage[] = "flush_unused_objects.htm";
+constexpr int kTextClose = 604;  // string of the language tables
 
 void ShowControl(HWND dialog, int id, bool show) {
     ShowWindow(GetDlgItem(dialog, id), show ? SW_SHOW : SW_HIDE);
@@ -30,74 +31,68 @@ void MoveControl(HWND dialog, int id, const RECT& place) {
 
 }  // namespace
 
-bool CCleanerImpl::RunDialog(vl::zr::Scene* scene) {
-    if (!scene) return false;
-    m_pScene = scene;
-    scene->BeginModal();
-    m_pContext = g_pHost->CreateContext(0, 0);
+void CleanerDialog::Run() {
     DialogBoxParamA(g_hModule, MAKEINTRESOURCEA(IDD_CLEANER), g_pHost->GetMainWindow(0), DialogProc,
                     reinterpret_cast<LPARAM>(this));
-    scene->EndModal();
-    m_pContext->Release();
-    m_pContext = nullptr;
-    scene->Refresh(10, 0);
-    m_pScene = nullptr;
-    return false;
 }
 
-INT_PTR CALLBACK CCleanerImpl::DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+// A message whose handling runs out of memory counts as not handled.
+INT_PTR CALLBACK CleanerDialog::DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) try {
     if (message == WM_INITDIALOG) {
-        auto* cleaner = reinterpret_cast<CCleanerImpl*>(lParam);
-        SetPropA(dialog, kTypeCleaner, cleaner);
-        cleaner->InitDialog(dialog);
+        reinterpret_cast<CleanerDialog*>(lParam)->Init(dialog);
         return TRUE;
     }
-    auto* cleaner = static_cast<CCleanerImpl*>(GetPropA(dialog, kTypeCleaner));
-    if (!cleaner) return FALSE;
+    auto* self = static_cast<CleanerDialog*>(GetPropA(dialog, kTypeCleaner));
+    return self != nullptr ? self->Handle(dialog, message, wParam, lParam) : FALSE;
+} catch (...) {
+    return FALSE;
+}
+
+INT_PTR CleanerDialog::Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_DESTROY:
             RemovePropA(dialog, kTypeCleaner);
-            cleaner->m_hDlg = nullptr;
+            m_hDlg = nullptr;
             return TRUE;
         case WM_HELP:
-            return cleaner->HandleCommand(IDC_HELP_PAGE, 0);
+            return HandleCommand(IDC_HELP_PAGE, 0);
         case WM_COMMAND:
-            return cleaner->HandleCommand(LOWORD(wParam), lParam);
+            return HandleCommand(LOWORD(wParam), lParam);
         default:
             return FALSE;
     }
 }
 
-bool CCleanerImpl::HandleCommand(int command, LPARAM parameter) {
+bool CleanerDialog::HandleCommand(int command, LPARAM parameter) {
     switch (command) {
         case IDC_HELP_PAGE:
-            g_pHost->ShowHelpTopic("flush_unused_objects.htm", 0);
+            g_pHost->ShowHelpTopic(kHelpPage, 0);
             return true;
         case IDC_CLOSE:
-            // Escape sends this during a run too, when the worker still needs the dialog and this object.
-            if (!m_bRunning && !m_hThread) EndDialog(m_hDlg, 0);
+            // Escape sends this during a run too, when the worker still needs the dialog and the scene.
+            if (!m_worker) EndDialog(m_hDlg, 0);
             return true;
         case IDC_PROCESS:
             StartRun();
             return true;
         case IDC_BREAK:
-            m_pContext->SetBreak(true);
+            m_context.SetBreak(true);
             EnableWindow(GetDlgItem(m_hDlg, IDC_BREAK), FALSE);
             return true;
-        case zrt::kCommandProgress: {
+        case kCommandProgress: {
             const HWND bar = GetDlgItem(m_hDlg, IDC_PROGRESS);
             const auto words = static_cast<DWORD_PTR>(parameter);
             SendMessageA(bar, PBM_SETRANGE, 0, MAKELPARAM(0, HIWORD(words)));
             SendMessageA(bar, PBM_SETPOS, LOWORD(words), 0);
             return true;
         }
-        case zrt::kCommandLog:
+        case kCommandLog:
             ShowLog();
             return true;
-        case zrt::kCommandEnvironment:
-            RunEnvironmentCall();
+        case kCommandEnvironment:
+            if (m_worker) m_worker->RunEnvironmentCall();
             return true;
-        case zrt::kCommandEnded:
+        case kCommandEnded:
             FinishRun();
             return true;
         default:
@@ -105,34 +100,37 @@ bool CCleanerImpl::HandleCommand(int command, LPARAM parameter) {
     }
 }
 
-void CCleanerImpl::InitDialog(HWND dialog) {
-    g_pHost->LocalizeDialog(g_hStrings, dialog);
+void CleanerDialog::Init(HWND dialog) {
+    try {
+        g_pHost->LocalizeDialog(g_hStrings, dialog);
+    } catch (...) {
+        // The captions stay numbers; the dialog works all the same.
+    }
+    SetPropA(dialog, kTypeCleaner, this);
     m_hDlg = dialog;
-    m_bStarted = false;
-    for (const zrt::Operation& operation : zrt::kOperations) {
+    for (const Operation& operation : kOperations) {
         EnableWindow(GetDlgItem(dialog, operation.option), operation.checked);
         CheckDlgButton(dialog, operation.option, operation.checked ? BST_CHECKED : BST_UNCHECKED);
     }
 }
 
-void CCleanerImpl::StartRun() {
+void CleanerDialog::StartRun() {
     if (m_bStarted) return;
     m_bStarted = true;
-    m_options.Clear();
-    for (const zrt::Operation& operation : zrt::kOperations) {
-        m_options.Set(operation.option, IsDlgButtonChecked(m_hDlg, operation.option) != 0);
+    CCleanerImpl::CI2BMap options;
+    for (const Operation& operation : kOperations) {
+        options.Set(operation.option, IsDlgButtonChecked(m_hDlg, operation.option) != 0);
     }
     ShowRunning();
-    // Set before the worker exists: an Escape that comes first must not end the dialog.
-    m_bRunning = true;
-    m_hThread = CreateThread(nullptr, 0, WorkerProc, this, 0, nullptr);
-    if (m_hThread) return;
-    m_bRunning = false;
+    m_worker.emplace(
+        CleanerWorker::Run{m_cleaner, m_scene, m_context, std::move(options), m_hDlg, m_log, m_callLimit});
+    if (m_worker->Start()) return;
+    m_worker.reset();
     ShowFinished();
 }
 
-void CCleanerImpl::ShowRunning() {
-    for (const zrt::Operation& operation : zrt::kOperations) ShowControl(m_hDlg, operation.option, false);
+void CleanerDialog::ShowRunning() {
+    for (const Operation& operation : kOperations) ShowControl(m_hDlg, operation.option, false);
     for (const int id : {IDC_PROCESS, IDC_CLOSE, IDC_OPTIONS, IDC_HELP_PAGE}) ShowControl(m_hDlg, id, false);
     RECT log = PlaceOf(m_hDlg, IDC_LOG);
     const RECT options = PlaceOf(m_hDlg, IDC_OPTIONS);
@@ -145,18 +143,16 @@ void CCleanerImpl::ShowRunning() {
 }
 
 // The worker's last message may arrive before its thread has returned.
-void CCleanerImpl::FinishRun() {
-    if (m_bRunning || !m_hThread) return;
-    WaitForSingleObject(m_hThread, INFINITE);
-    CloseHandle(m_hThread);
-    m_hThread = nullptr;
+void CleanerDialog::FinishRun() {
+    if (!m_worker || m_worker->IsRunning()) return;
+    m_worker.reset();
     ShowFinished();
 }
 
-void CCleanerImpl::ShowFinished() {
+void CleanerDialog::ShowFinished() {
     ShowLog();
     const HWND close = GetDlgItem(m_hDlg, IDC_CLOSE);
-    SetWindowTextW(close, platform::Wide(g_pHost->GetModuleString(g_hStrings, zrt::kTextClose)));
+    SetWindowTextW(close, platform::Wide(g_pHost->GetModuleString(g_hStrings, kTextClose)));
     const RECT from = PlaceOf(m_hDlg, IDC_CLOSE);
     const RECT to = PlaceOf(m_hDlg, IDC_BREAK);
     MoveControl(m_hDlg, IDC_CLOSE,
@@ -167,14 +163,24 @@ void CCleanerImpl::ShowFinished() {
     ShowControl(m_hDlg, IDC_CLOSE, true);
 }
 
-// The log is read while the worker waits for the answer to its message, or has ended.
-void CCleanerImpl::ShowLog() {
-    SetDlgItemTextW(m_hDlg, IDC_LOG, platform::Wide(m_strLog.c_str()));
+void CleanerDialog::ShowLog() {
+    SetDlgItemTextW(m_hDlg, IDC_LOG, platform::Wide(m_log.c_str()));
 }
 
-void CCleanerImpl::RunEnvironmentCall() {
-    InterfaceCall expected = InterfaceCall::kPending;
-    if (!m_call.compare_exchange_strong(expected, InterfaceCall::kTaken)) return;
-    RemoveEnvMapsAndBackplates(m_pScene, m_pContext, m_pRecord);
-    SetEvent(m_hEvent);
+}  // namespace zrt
+
+bool CCleanerImpl::RunDialog(vl::zr::Scene* scene) try {
+    if (scene == nullptr) return false;
+    scene->BeginModal();
+    try {
+        const auto context = vl::Ref<vl::Context>::AdoptNew(g_pHost->CreateContext(0, 0));
+        zrt::CleanerDialog(*this, *scene, *context, m_strLog, m_dwCallLimit).Run();
+    } catch (...) {
+        // No dialog without memory; the scene leaves its modal state below.
+    }
+    scene->EndModal();
+    scene->Refresh(10, 0);
+    return false;
+} catch (...) {
+    return false;
 }

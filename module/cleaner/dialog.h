@@ -1,25 +1,48 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
+#include <string>
+
+#include "host/context.h"
+#include "host/ref.h"
+#include "module/cleaner/worker.h"
 #include "platform/windows.h"
 
 namespace zrt {
 
-// What the worker thread tells the dialog: the command of a WM_COMMAND message without a control.
-enum DialogCommand : int {
-    kCommandEnded = 1281,        // posted as the last thing: the worker ends
-    kCommandProgress = 1537,     // sent; parameter: position in the low word, maximum in the high word
-    kCommandLog = 1538,          // sent: the log has grown
-    kCommandEnvironment = 1539,  // posted: run the call that is handed to the interface thread
-};
+// The cleaner's modal dialog: the user chooses operations, a worker runs them. It goes from choosing to
+// running to finished and never back; it can be closed in the first and the last of these. Interface thread
+// only.
+class CleanerDialog {
+public:
+    // All of it outlives the dialog. log: where the worker continues it; callLimit: CleanerWorker::Run.
+    CleanerDialog(CCleanerImpl& cleaner, vl::zr::Scene& scene, vl::Context& context, std::u16string& log,
+                  DWORD callLimit)
+        : m_cleaner(cleaner), m_scene(scene), m_context(context), m_log(log), m_callLimit(callLimit) {}
 
-// Texts of the language tables that the dialog and its log show.
-enum DialogText : int {
-    kTextClose = 604,
-    kTextStarted = 1000,
-    kTextBroken = 1001,
-    kTextFinished = 1002,
-    kTextRecord = 1050,
+    // Opens the dialog and returns once it is closed.
+    void Run();
+
+private:
+    static INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    bool HandleCommand(int command, LPARAM parameter);
+    void Init(HWND dialog);
+    void StartRun();
+    void ShowRunning();
+    void FinishRun();
+    void ShowFinished();
+    void ShowLog();
+
+    CCleanerImpl& m_cleaner;
+    vl::zr::Scene& m_scene;
+    vl::Context& m_context;
+    std::u16string& m_log;
+    DWORD m_callLimit;
+    HWND m_hDlg = nullptr;  // while the dialog is open
+    bool m_bStarted = false;
+    std::optional<CleanerWorker> m_worker;  // from the start of the run
 };
 
 }  // namespace zrt

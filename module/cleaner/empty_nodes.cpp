@@ -83,34 +83,33 @@ private:
 // of what went need another look.
 int CCleanerImpl::RemoveEmptyNodes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
     if (scene == nullptr || scene->m_pNodes == nullptr) return 0;
-    const vl::ArrayOf<Node*> nodes(scene->m_pNodes);
-    const vl::Ref<vl::Array> list = zrt::NewList();
-    vl::ArrayOf<Node*> candidates(list.Get());
-    const auto collect = [&](const auto& from) {
-        list->RemoveAll();
-        for (Node* node : from) {
-            if (zrt::IsBreak(context)) break;
-            if (IsEmpty(node)) candidates.Add(node);
-        }
-    };
+    return zrt::CountedWithNotify(scene, [&](int& total) {
+        const vl::ArrayOf<Node*> nodes(scene->m_pNodes);
+        const vl::Ref<vl::Array> list = zrt::NewList();
+        vl::ArrayOf<Node*> candidates(list.Get());
+        const auto collect = [&](const auto& from) {
+            list->RemoveAll();
+            for (Node* node : from) {
+                if (zrt::IsBreak(context)) break;
+                if (IsEmpty(node)) candidates.Add(node);
+            }
+        };
 
-    collect(nodes);
-    std::optional<NodeOrder> order;
-    if (!candidates.IsEmpty()) order.emplace(scene->m_pNodes);
-    int total = 0;
-    while (!candidates.IsEmpty()) {
-        const int before = nodes.Count();
-        const int removed = zrt::RemoveNodes(candidates, context, record);
-        const int gone = before - nodes.Count();
-        total += removed;
-        // A host that keeps every node it was told to delete would keep the passes going for ever.
-        if (zrt::IsBreak(context) || gone == 0) break;
-        if (gone == removed) {
-            collect(order->ParentsOf(candidates));
-        } else {
-            collect(nodes);
+        collect(nodes);
+        std::optional<NodeOrder> order;
+        if (!candidates.IsEmpty()) order.emplace(scene->m_pNodes);
+        while (!candidates.IsEmpty()) {
+            const int before = nodes.Count();
+            const int totalBefore = total;
+            zrt::RemoveNodes(candidates, context, record, total);
+            const int gone = before - nodes.Count();
+            // A host that keeps every node it was told to delete would keep the passes going for ever.
+            if (zrt::IsBreak(context) || gone == 0) break;
+            if (gone == total - totalBefore) {
+                collect(order->ParentsOf(candidates));
+            } else {
+                collect(nodes);
+            }
         }
-    }
-    zrt::NotifyRemoved(scene);
-    return total;
+    });
 }

@@ -14,11 +14,13 @@ constexpr int kViewWindow = 4;
 int CCleanerImpl::RemoveEnvMapsAndBackplates(vl::zr::Scene* scene, vl::Context* context,
                                              ChangeRecord* record) {
     if (scene == nullptr) return 0;
-    const HWND window = g_pHost->GetMainWindow(kViewWindow);
-    auto* view = reinterpret_cast<ViewObject*>(GetWindowLongPtrA(window, 0));
-    if (view != nullptr) view->ClearBackdrop(record);
+    return zrt::Counted([&](int& count) {
+        const HWND window = g_pHost->GetMainWindow(kViewWindow);
+        auto* view = reinterpret_cast<ViewObject*>(GetWindowLongPtrA(window, 0));
+        if (view != nullptr) view->ClearBackdrop(record);
 
-    const auto extension = vl::Ref<vl::Extension>::Adopt(g_pHost->CreateExtension(kTypeHdrHelper));
-    auto* helper = dynamic_cast<zr_HDR_HELPER*>(extension.Get());
-    return helper != nullptr ? helper->RemoveEnvironment(scene, context, record) : 0;
+        const auto extension = vl::Ref<vl::Extension>::Adopt(g_pHost->CreateExtension(kTypeHdrHelper));
+        auto* helper = dynamic_cast<zr_HDR_HELPER*>(extension.Get());
+        if (helper != nullptr) count = helper->RemoveEnvironment(scene, context, record);
+    });
 }

@@ -8,6 +8,7 @@
 #include "host/node.h"
 #include "host/object.h"
 #include "module/cleaner/cleaner.h"
+#include "module/cleaner/mesh_index.h"
 #include "module/cleaner/removal.h"
 
 using vl::zr::Mesh;
@@ -40,11 +41,10 @@ std::vector<Candidate> Meshes(vl::Array* nodes, const vl::Context* context) {
     return meshes;
 }
 
-}  // namespace
-
+// The nodes that repeat an earlier one's mesh at its place, in the order of the scene's list.
 // Most meshes of a scene are like no other: only where several have one hash of their content does it matter
 // where they stand.
-std::vector<Node*> CCleanerImpl::DuplicateMeshes(vl::Array* nodes, const vl::Context* context) {
+std::vector<Node*> DuplicateMeshes(vl::Array* nodes, const vl::Context* context) {
     std::vector<Candidate> meshes = Meshes(nodes, context);
     std::vector<Node*> repeated(meshes.size());
     std::sort(meshes.begin(), meshes.end(), [](const Candidate& a, const Candidate& b) {
@@ -57,39 +57,38 @@ std::vector<Node*> CCleanerImpl::DuplicateMeshes(vl::Array* nodes, const vl::Con
             first = last;
             continue;
         }
-        m_dupIndex.Clear();
+        zrt::MeshIndex index;
         for (; first != last; ++first) {
-            if (m_dupIndex.FindOrAdd(first->node, first->mesh, first->content))
+            if (index.FindOrAdd(first->node, first->mesh, first->content))
                 repeated[first->order] = first->node;
         }
     }
-    m_dupIndex.Clear();
     std::erase(repeated, nullptr);
     return repeated;
 }
 
+}  // namespace
+
 int CCleanerImpl::RemoveMeshDupes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
     if (scene == nullptr) return 0;
-    vl::Ref<vl::Array> dupes = zrt::NewList();
-    for (Node* node : DuplicateMeshes(scene->m_pNodes, context)) dupes->Add(vl::ToWord(node));
-
-    int count = 0;
-    vl::Ref<vl::Array> deferred = zrt::NewList();
-    for (int pass = 0; pass < kMaxDeletionPasses; ++pass) {
-        deferred->RemoveAll();
-        for (Node* node : vl::ArrayOf<Node*>(dupes.Get())) {
-            if (zrt::IsBreak(context)) break;
-            if (node->m_pFirstChild != nullptr) {
-                deferred->Add(vl::ToWord(node));
-                continue;
+    return zrt::CountedWithNotify(scene, [&](int& count) {
+        vl::Ref<vl::Array> dupes = zrt::NewList();
+        for (Node* node : DuplicateMeshes(scene->m_pNodes, context)) dupes->Add(vl::ToWord(node));
+        vl::Ref<vl::Array> deferred = zrt::NewList();
+        for (int pass = 0; pass < kMaxDeletionPasses; ++pass) {
+            deferred->RemoveAll();
+            for (Node* node : vl::ArrayOf<Node*>(dupes.Get())) {
+                if (zrt::IsBreak(context)) break;
+                if (node->m_pFirstChild != nullptr) {
+                    deferred->Add(vl::ToWord(node));
+                    continue;
+                }
+                if (record != nullptr) record->RecordNodeRemoval(node, 0);
+                node->Delete(0);
+                ++count;
             }
-            if (record != nullptr) record->RecordNodeRemoval(node, 0);
-            node->Delete(0);
-            ++count;
+            if (zrt::IsBreak(context) || deferred->m_nCount == 0) break;
+            std::swap(dupes, deferred);
         }
-        if (zrt::IsBreak(context) || deferred->m_nCount == 0) break;
-        std::swap(dupes, deferred);
-    }
-    zrt::NotifyRemoved(scene);
-    return count;
+    });
 }

@@ -64,10 +64,9 @@ private:
 // stays linear for any number of meshes of one shape at different places, or of one size at one place.
 class MeshIndex {
 public:
-    // Whether an earlier mesh is equal and stands at an equal transform. A mesh without such is added. Node
-    // and mesh stay unchanged until Clear. content: the mesh's ContentHashes::Of.
+    // Whether an earlier mesh is equal and stands at an equal transform; otherwise adds the mesh. Node and
+    // mesh must not change as long as the index lives. content: the mesh's ContentHashes::Of.
     bool FindOrAdd(vl::zr::Node* node, vl::zr::Mesh* mesh, std::uint64_t content);
-    void Clear() { m_entries.clear(); }
 
 private:
     struct Entry {

@@ -2,25 +2,16 @@
 #pragma once
 
 #include "module/cleaner/cleaner.h"
+#include "module/resources/resource.h"
 
 namespace zrt {
 
-// The options of a run, by the control of each in the dialog.
-enum CleanerOption : int {
-    kOptionMaterials = 1003,
-    kOptionMetadata = 1004,
-    kOptionModelViews = 1005,
-    kOptionLayers = 1006,
-    kOptionMeshDupes = 1007,
-    kOptionNotes = 1008,
-    kOptionEmptyNodes = 1009,
-    kOptionAnimations = 1010,
-    kOptionEqualMaterials = 1011,
-    kOptionEnvironment = 1012,
-};
-
+// One operation of the cleaner. Its option is the number of its check box in the dialog; its parameter is its
+// position among the bool parameters of the method Clean_Scene, which the resource CLEANER_QUERY_INFO names
+// and describes.
 struct Operation {
-    int option;        // CleanerOption
+    int option;
+    int parameter;
     int startMessage;  // string logged before it runs
     int countMessage;  // string logged with its count
     bool checked;      // whether the dialog offers it, checked

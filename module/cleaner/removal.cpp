@@ -6,8 +6,9 @@
 
 namespace zrt {
 
-int RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record) {
-    return RemoveEach(nodes, context, [record](vl::zr::Node* node) {
+void RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record,
+                 int& count) {
+    RemoveEach(nodes, context, count, [record](vl::zr::Node* node) {
         if (record != nullptr) record->RecordNodeRemoval(node, 0);
         node->Delete(0);
     });

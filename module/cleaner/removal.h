@@ -10,29 +10,48 @@
 #include "host/scene.h"
 #include "module/frame/globals.h"
 
-// What the removal operations share. Each collects its candidates without a change to the scene, removes
-// them in the order collected and tells the scene once. A break ends the step it meets: one that comes while
-// candidates are collected removes nothing.
+// What the removal operations share. Each collects its candidates without a change to the scene, removes them
+// in the order collected and notifies the scene once. A break ends the step in which it is seen: one that
+// comes while candidates are collected removes nothing. Running out of memory is a break too.
 namespace zrt {
 
 inline bool IsBreak(const vl::Context* context) {
     return context != nullptr && context->IsBreak();
 }
 
+// A new, empty host array. Throws std::bad_alloc.
 inline vl::Ref<vl::Array> NewList() {
-    return vl::Ref<vl::Array>::Adopt(g_pHost->CreateArray());
+    return vl::Ref<vl::Array>::AdoptNew(g_pHost->CreateArray());
 }
 
-// Hands the elements to remove, one after the other, until a break; how many it was.
-template <typename T, typename Remove>
-int RemoveEach(vl::ArrayOf<T> candidates, const vl::Context* context, Remove remove) {
+// Runs work(count), which counts what it removes, up to its end or an exception.
+template <typename Work>
+int Counted(Work work) noexcept {
     int count = 0;
+    try {
+        work(count);
+    } catch (...) {
+        // What went until then is counted.
+    }
+    return count;
+}
+
+// The same, and notifies the scene afterwards.
+template <typename Work>
+int CountedWithNotify(vl::zr::Scene* scene, Work work) noexcept {
+    const int count = Counted(work);
+    Counted([scene](int&) { scene->Notify(vl::zr::kNotifyRemoved, 1, 2); });
+    return count;
+}
+
+// Passes each candidate to remove until a break and counts it afterwards.
+template <typename T, typename Remove>
+void RemoveEach(vl::ArrayOf<T> candidates, const vl::Context* context, int& count, Remove remove) {
     for (T candidate : candidates) {
         if (IsBreak(context)) break;
         remove(candidate);
         ++count;
     }
-    return count;
 }
 
 // Typed, non-owning view of an interface array. A null array is an empty one.
@@ -48,11 +67,8 @@ private:
     vl::InterfaceArray* m_array;
 };
 
-inline void NotifyRemoved(vl::zr::Scene* scene) {
-    scene->Notify(vl::zr::kNotifyRemoved, 1, 2);
-}
-
-// Takes the nodes out until a break, each after its record; how many it was.
-int RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record);
+// Deletes the nodes until a break, each after it was recorded.
+void RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record,
+                 int& count);
 
 }  // namespace zrt

@@ -86,19 +86,17 @@ private:
 
 int CCleanerImpl::RemoveUnusedMaterials(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
     if (scene == nullptr || scene->m_pMaterials == nullptr) return 0;
-    const vl::Ref<vl::Array> list = zrt::NewList();
-    vl::ArrayOf<Material*> candidates(list.Get());
-    std::vector<Material*> unused;
-    for (Material* material : vl::ArrayOf<Material*>(scene->m_pMaterials)) {
-        if (material != scene->m_pDefaultMaterial) unused.push_back(material);
-    }
-    MaterialUsers(DropTold(unused, scene->m_pNodes, context)).DropUsed(unused, context);
-    for (Material* material : unused) candidates.Add(material);
-
-    const int count = zrt::RemoveEach(candidates, context, [&](Material* material) {
-        if (record != nullptr) record->RecordMaterialRemoval(material, 0);
-        scene->RemoveMaterial(material);
+    return zrt::CountedWithNotify(scene, [&](int& count) {
+        std::vector<Material*> unused;
+        for (Material* material : vl::ArrayOf<Material*>(scene->m_pMaterials)) {
+            if (material != scene->m_pDefaultMaterial) unused.push_back(material);
+        }
+        MaterialUsers(DropTold(unused, scene->m_pNodes, context)).DropUsed(unused, context);
+        for (Material* material : unused) {
+            if (zrt::IsBreak(context)) break;
+            if (record != nullptr) record->RecordMaterialRemoval(material, 0);
+            scene->RemoveMaterial(material);
+            ++count;
+        }
     });
-    zrt::NotifyRemoved(scene);
-    return count;
 }

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
+#include "module/cleaner/worker.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "host/change_record.h"
 #include "host/context.h"
 #include "host/scene.h"
-#include "module/cleaner/cleaner.h"
-#include "module/cleaner/dialog.h"
-#include "module/cleaner/operations.h"
 #include "module/cleaner/removal.h"
 
+namespace zrt {
 namespace {
+
+// Strings of the language tables.
+enum WorkerText : int { kTextStarted = 1000, kTextBroken = 1001, kTextFinished = 1002, kTextRecord = 1050 };
 
 constexpr char16_t kLineEnd[] = u"\r\n";
 constexpr std::size_t kMaxFormatted = 1023;
@@ -27,55 +30,117 @@ std::u16string ToText(int value) {
 
 }  // namespace
 
-DWORD WINAPI CCleanerImpl::WorkerProc(LPVOID object) {
-    static_cast<CCleanerImpl*>(object)->RunWorker();
+CleanerWorker::CleanerWorker(Run run) : m_run(std::move(run)) {}
+
+bool CleanerWorker::Start() {
+    // Set before the thread exists: an Escape that comes first must not end the dialog.
+    m_bRunning = true;
+    m_hThread = CreateThread(nullptr, 0, WorkerProc, this, 0, nullptr);
+    if (m_hThread == nullptr) m_bRunning = false;
+    return m_hThread != nullptr;
+}
+
+void CleanerWorker::Join() {
+    if (m_hThread == nullptr) return;
+    WaitForSingleObject(m_hThread, INFINITE);
+    CloseHandle(m_hThread);
+    m_hThread = nullptr;
+}
+
+void CleanerWorker::RunEnvironmentCall() {
+    InterfaceCall expected = InterfaceCall::kPending;
+    if (!m_call.compare_exchange_strong(expected, InterfaceCall::kTaken)) return;
+    m_run.cleaner.RemoveEnvMapsAndBackplates(&m_run.scene, &m_run.context, m_record.Get());
+    SetEvent(m_hEvent);
+}
+
+// A run that is out of memory ends early, and its log without the last line.
+DWORD WINAPI CleanerWorker::WorkerProc(LPVOID object) {
+    auto& worker = *static_cast<CleanerWorker*>(object);
+    const HWND dialog = worker.m_run.dialog;
+    bool completed = false;
+    try {
+        worker.RunOperations();
+        completed = true;
+    } catch (...) {
+        completed = false;
+    }
+    worker.EndRecord();
+    try {
+        if (completed) {
+            worker.AppendLog(Text(IsBreak(&worker.m_run.context) ? kTextBroken : kTextFinished), true);
+        }
+    } catch (...) {
+        // The run is over all the same.
+    }
+    worker.m_bRunning = false;
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(kCommandEnded, 0), 0);
     return 0;
 }
 
-void CCleanerImpl::RunWorker() {
-    constexpr WORD kLast = zrt::kOperationCount - 1;
-    const HWND dialog = m_hDlg;
-    m_pRecord = m_pScene->CreateChangeRecord(1);
-    m_pRecord->Begin();
-    AppendLog(Text(zrt::kTextStarted), true);
-    SendCommand(zrt::kCommandProgress, MAKELPARAM(0, kLast));
-    for (int i = 0; i < zrt::kOperationCount && !zrt::IsBreak(m_pContext); ++i) {
-        const zrt::Operation& operation = zrt::kOperations[i];
-        if (!m_options.IsOn(operation.option)) continue;
+void CleanerWorker::RunOperations() {
+    constexpr WORD kLast = kOperationCount - 1;
+    m_record = vl::Ref<ChangeRecord>::AdoptNew(m_run.scene.CreateChangeRecord(1));
+    m_record->Begin();
+    AppendLog(Text(kTextStarted), true);
+    SendCommand(kCommandProgress, MAKELPARAM(0, kLast));
+    for (int i = 0; i < kOperationCount && !IsBreak(&m_run.context); ++i) {
+        const Operation& operation = kOperations[i];
+        if (!m_run.options.IsOn(operation.option)) continue;
         AppendLog(Text(operation.startMessage), false);
-        const int count = RunInWorker(operation);
-        SendCommand(zrt::kCommandProgress, MAKELPARAM(static_cast<WORD>(i), kLast));
+        const int count = RunOperation(operation);
+        SendCommand(kCommandProgress, MAKELPARAM(static_cast<WORD>(i), kLast));
         AppendLogFormat(true, Text(operation.countMessage), count);
     }
-    if (m_hEvent) {
+}
+
+int CleanerWorker::RunOperation(const Operation& operation) {
+    if (operation.option == IDC_ENVIRONMENT) return CallOnInterfaceThread() ? 1 : 0;
+    return (m_run.cleaner.*operation.run)(&m_run.scene, &m_run.context, m_record.Get());
+}
+
+// Lets the interface thread remove the environment; false when it did not finish in time. Then a call that
+// has not begun is abandoned and never will; one that has begun leaves m_hEvent for the end of the run.
+bool CleanerWorker::CallOnInterfaceThread() {
+    m_hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    if (m_hEvent == nullptr) return false;
+    m_call = InterfaceCall::kPending;
+    PostMessageA(m_run.dialog, WM_COMMAND, MAKEWPARAM(kCommandEnvironment, 0), 0);
+    const bool inTime = WaitForSingleObject(m_hEvent, m_run.callLimit) != WAIT_TIMEOUT;
+    InterfaceCall expected = InterfaceCall::kPending;
+    if (inTime || m_call.compare_exchange_strong(expected, InterfaceCall::kAbandoned)) {
+        CloseHandle(m_hEvent);
+        m_hEvent = nullptr;
+    }
+    return inTime;
+}
+
+void CleanerWorker::EndRecord() {
+    if (m_hEvent != nullptr) {
         // A call that began in time but took too long still uses the record.
         WaitForSingleObject(m_hEvent, INFINITE);
         CloseHandle(m_hEvent);
         m_hEvent = nullptr;
     }
-    m_pRecord->End(Text(zrt::kTextRecord));
-    m_pRecord->Release();
-    m_pRecord = nullptr;
-    AppendLog(Text(zrt::IsBreak(m_pContext) ? zrt::kTextBroken : zrt::kTextFinished), true);
-    m_bRunning = false;
-    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(zrt::kCommandEnded, 0), 0);
-}
-
-int CCleanerImpl::RunInWorker(const zrt::Operation& operation) {
-    if (operation.option == zrt::kOptionEnvironment) return CallOnInterfaceThread() ? 1 : 0;
-    return (this->*operation.run)(m_pScene, m_pContext, m_pRecord);
+    if (!m_record) return;
+    try {
+        m_record->End(Text(kTextRecord));
+    } catch (...) {
+        // A record without its caption still holds what went.
+    }
+    m_record.Reset();
 }
 
 // Appends the text to the log, with a line end unless it has one, and lets the dialog show it.
-void CCleanerImpl::AppendLog(const char16_t* text, bool lineEnd) {
+void CleanerWorker::AppendLog(const char16_t* text, bool lineEnd) {
     const std::u16string_view added = text;
-    m_strLog += added;
-    if (lineEnd && !(added.size() > 2 && added.ends_with(kLineEnd))) m_strLog += kLineEnd;
-    SendCommand(zrt::kCommandLog, 0);
+    m_run.log += added;
+    if (lineEnd && !(added.size() > 2 && added.ends_with(kLineEnd))) m_run.log += kLineEnd;
+    SendCommand(kCommandLog, 0);
 }
 
 // Every "%d" of the format becomes the value; the language tables hold no other conversion.
-void CCleanerImpl::AppendLogFormat(bool lineEnd, const char16_t* format, int value) {
+void CleanerWorker::AppendLogFormat(bool lineEnd, const char16_t* format, int value) {
     std::u16string text = format;
     const std::u16string digits = ToText(value);
     for (std::size_t at = text.find(u"%d"); at != std::u16string::npos; at = text.find(u"%d", at)) {
@@ -86,21 +151,8 @@ void CCleanerImpl::AppendLogFormat(bool lineEnd, const char16_t* format, int val
     AppendLog(text.c_str(), lineEnd);
 }
 
-// Lets the interface thread remove the environment; false when it did not finish in time. Then a call that
-// has not begun is abandoned and never will; one that has begun leaves m_hEvent for the end of the run.
-bool CCleanerImpl::CallOnInterfaceThread() {
-    m_hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    m_call = InterfaceCall::kPending;
-    PostMessageA(m_hDlg, WM_COMMAND, MAKEWPARAM(zrt::kCommandEnvironment, 0), 0);
-    const bool inTime = WaitForSingleObject(m_hEvent, m_dwCallLimit) != WAIT_TIMEOUT;
-    InterfaceCall expected = InterfaceCall::kPending;
-    if (inTime || m_call.compare_exchange_strong(expected, InterfaceCall::kAbandoned)) {
-        CloseHandle(m_hEvent);
-        m_hEvent = nullptr;
-    }
-    return inTime;
+LRESULT CleanerWorker::SendCommand(int command, LPARAM parameter) {
+    return SendMessageA(m_run.dialog, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(command), 0), parameter);
 }
 
-LRESULT CCleanerImpl::SendCommand(int command, LPARAM parameter) {
-    return SendMessageA(m_hDlg, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(command), 0), parameter);
-}
+}  // namespace zrt

@@ -6,7 +6,7 @@
 namespace zrt {
 
 // An extension that the module offers. create: a new object with count 1, or null when the host's heap gives
-// no storage; what its constructor throws passes on after the storage went back.
+// no storage. What its constructor throws is passed on, the storage freed.
 struct ExtensionType {
     const char* name;
     vl::Extension* (*create)();

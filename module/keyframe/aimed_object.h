@@ -69,7 +69,13 @@ private:
 class SceneTime {
 public:
     explicit SceneTime(vl::zr::Scene* scene) : m_scene(scene), m_time(scene->GetCurrentTime()) {}
-    ~SceneTime() { m_scene->SetCurrentTime(m_time, 1); }
+    ~SceneTime() {
+        try {
+            Set(m_time);
+        } catch (...) {
+            // The time is set; what the host works out for it comes with the next change.
+        }
+    }
     SceneTime(const SceneTime&) = delete;
     SceneTime& operator=(const SceneTime&) = delete;
 

@@ -35,8 +35,7 @@ void BuildRecords(ZR_TK& tool) {
         if (parent != nullptr) {
             zrt::AppendChild(parent, record);
         } else {
-            if (tool.m_pRoots == nullptr) tool.m_pRoots = g_pHost->CreateArray();
-            tool.m_pRoots->Add(vl::ToWord(record));
+            zrt::Made(tool.m_pRoots)->Add(vl::ToWord(record));
         }
         pending.push_back({node->m_pFirstChild, record});
     }
@@ -53,7 +52,7 @@ void AddGroupingRoot(ZR_TK& tool) {
 
 }  // namespace
 
-int ZR_TK::BuildHierarchy() {
+int ZR_TK::RunBuildHierarchy() {
     if (m_pScene == nullptr || m_dwExportFlags == 0) {
         g_pHost->ReportError(1, "Invalid parameters");
         return 0;
@@ -75,7 +74,7 @@ int ZR_TK::BuildHierarchy() {
     }
     if ((m_dwExportFlags & vl::tk::kGeometrySplit) != 0) GeometrySplit(m_pRoots);
 
-    if (m_pAllNodes == nullptr) m_pAllNodes = g_pHost->CreateArray();
+    zrt::Made(m_pAllNodes);
     CollectAllNodes(m_pRoots);
     return 1;
 }
@@ -103,25 +102,42 @@ void ZR_TK::CollectAllNodes(vl::Array* records) {
 
 ExportNode* ZR_TK::AddNode(ExportNode* parent, const char* name) {
     if (m_pAllNodes == nullptr) return nullptr;
-    ExportNode* record = NewRecord(nullptr);
+    ExportNode* record = nullptr;
+    try {
+        record = NewRecord(nullptr);
+        FillNewNode(record, parent, name);
+        return record;
+    } catch (...) {
+        if (record != nullptr) UnlistNewNode(record, parent);
+        return nullptr;
+    }
+}
+
+void ZR_TK::FillNewNode(ExportNode* record, ExportNode* parent, const char* name) {
+    m_pAllNodes->Add(vl::ToWord(record));
     if (parent != nullptr) {
         zrt::AppendChild(parent, record);
         record->mWorld = parent->mWorld;
+    }
+    if ((m_dwExportFlags & vl::tk::kAssignNames) == 0) return;
+    const int limit = NameLimit();
+    if (name == nullptr) name = "";
+    if ((m_dwNameFlags & vl::tk::kNamesWide) != 0) {
+        record->wszName = new char16_t[limit + 1]();
+        AtoWex(name, record->wszName, limit);
     } else {
-        m_looseRecords.push_back(record);
+        record->szName = new char[limit + 1]();
+        zrt::CopyNameBounded(record->szName, name, limit + 1);
     }
-    if ((m_dwExportFlags & vl::tk::kAssignNames) != 0) {
-        const int limit = NameLimit();
-        if (name == nullptr) name = "";
-        if ((m_dwNameFlags & vl::tk::kNamesWide) != 0) {
-            record->wszName = new char16_t[limit + 1]();
-            AtoWex(name, record->wszName, limit);
-        } else {
-            record->szName = new char[limit + 1]();
-            zrt::CopyNameBounded(record->szName, name, limit + 1);
-        }
-        if ((m_dwNameFlags & vl::tk::kNamesUnique) != 0 && m_pNameTable != nullptr) MakeUniqueName(record);
-    }
-    m_pAllNodes->Add(vl::ToWord(record));
-    return record;
+    if ((m_dwNameFlags & vl::tk::kNamesUnique) != 0 && m_pNameTable != nullptr) MakeUniqueName(record);
+}
+
+// The record stays with the tool, in no list.
+void ZR_TK::UnlistNewNode(ExportNode* record, ExportNode* parent) {
+    const auto takeLast = [record](vl::Array* list) {
+        const int last = list != nullptr ? list->m_nCount - 1 : -1;
+        if (last >= 0 && list->GetAt(last) == vl::ToWord(record)) list->RemoveAt(last);
+    };
+    takeLast(m_pAllNodes);
+    if (parent != nullptr) takeLast(parent->pChildren);
 }

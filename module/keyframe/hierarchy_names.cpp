@@ -57,7 +57,7 @@ void NameRecord(ZR_TK& tool, ExportNode& record, int index, const char* defaultN
     const int maxLength = tool.NameLimit();
     const auto size = static_cast<std::size_t>(maxLength) + 1;
     Char*& name = NameOf<Char>(record);
-    delete[] name;  // of another length, perhaps
+    delete[] name;  // perhaps of another length
     name = nullptr;
     name = new Char[size]();
     if (record.pNode == nullptr) {
@@ -140,7 +140,7 @@ template int CompareNamesNoCase<char16_t>(vl::Word, vl::Word, void*);
 
 }  // namespace zrt
 
-int ZR_TK::AssignNames() {
+int ZR_TK::RunAssignNames() {
     using namespace zrt;
     if (m_nMaxNameLength != NameLimit()) g_pHost->ReportError(1, "Invalid maxname");
     const vl::ArrayOf<ExportNode*> all(m_pAllNodes);
@@ -156,8 +156,9 @@ int ZR_TK::AssignNames() {
 
     if ((m_dwNameFlags & vl::tk::kNamesUnique) != 0) {
         const vl::ArrayComparator compare = NameComparator(m_dwNameFlags);
+        auto table = vl::Ref<vl::Array>::AdoptNew(g_pHost->CreateSortedArray(compare));
         if (m_pNameTable != nullptr) m_pNameTable->Release();
-        m_pNameTable = g_pHost->CreateSortedArray(compare);
+        m_pNameTable = table.Detach();
         m_uniqueNames.emplace((m_dwNameFlags & vl::tk::kNamesExactCase) != 0);
         const auto enterName = wide ? EnterName<char16_t> : EnterName<char>;
         for (ExportNode* record : records) enterName(*m_uniqueNames, *record, NameLimit());

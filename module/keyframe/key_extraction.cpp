@@ -69,7 +69,7 @@ void ExtractRotationTrack(TransformController* controller, int count, bool wants
 
 }  // namespace
 
-int ZR_TK::ExtractKeys() {
+int ZR_TK::RunExtractKeys() {
     if (m_pScene == nullptr || m_pScene->IsAnimated() == 0) return 0;
     const bool groupsOnly = (m_dwAnimFlags & vl::tk::kGroupKeysOnly) != 0;
     for (ExportNode* record : vl::ArrayOf<ExportNode*>(m_pAllNodes)) {

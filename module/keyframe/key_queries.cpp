@@ -37,7 +37,7 @@ void CollectTimes(vl::Array* track, std::vector<float>& times) {
     for (const Key* key : vl::ArrayOf<Key*>(track)) times.push_back(key->fTime);
 }
 
-// A total order: what is no number comes last.
+// A total order: NaN comes last.
 bool IsEarlier(float a, float b) {
     return a < b || (std::isnan(b) && !std::isnan(a));
 }
@@ -107,14 +107,23 @@ std::vector<float> zrt::KeyTimes(const ExportNode* record, bool withAncestors) {
     return times;
 }
 
-vl::Array* ZR_TK::GetKeyTimes(ExportNode* record, int withAncestors) {
-    vl::Array* result = g_pHost->CreateArray();
-    for (const float time : zrt::KeyTimes(record, withAncestors != 0)) result->Add(vl::ToWord(time));
-    if (result->m_nCount != 0) AddKeyTime(result, 0.0f);
-    return result;
+std::vector<float> zrt::KeyTimesFromZero(const ExportNode* record, bool withAncestors) {
+    std::vector<float> times = KeyTimes(record, withAncestors);
+    if (times.empty()) return times;
+    const auto zero = std::lower_bound(times.begin(), times.end(), 0.0f);
+    if (zero == times.end() || *zero != 0.0f) times.insert(zero, 0.0f);
+    return times;
 }
 
-void ZR_TK::AddKeyTime(vl::Array* times, float time) {
+vl::Array* ZR_TK::GetKeyTimes(ExportNode* record, int withAncestors) try {
+    vl::Ref<vl::Array> result = zrt::NewArray();
+    for (const float time : zrt::KeyTimesFromZero(record, withAncestors != 0)) result->Add(vl::ToWord(time));
+    return result.Detach();
+} catch (...) {
+    return nullptr;
+}
+
+void ZR_TK::AddKeyTime(vl::Array* times, float time) try {
     vl::ArrayOf<float> view(times);
     int low = 0;
     for (int high = view.Count(); low < high;) {
@@ -126,4 +135,6 @@ void ZR_TK::AddKeyTime(vl::Array* times, float time) {
         }
     }
     if (low == view.Count() || view[low] != time) view.InsertAt(low, time);
+} catch (...) {
+    // The list stays as it is.
 }

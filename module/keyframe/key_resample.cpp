@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 
-#include "host/ref.h"
-#include "module/frame/globals.h"
 #include "module/keyframe/key_track.h"
 #include "module/keyframe/keyframe_tool.h"
+#include "module/keyframe/record.h"
 
 namespace zrt {
 
@@ -39,23 +39,42 @@ vl::Quaternion Interpolate(float s, const vl::Quaternion& a, const vl::Quaternio
     return vl::Quaternion(s, a, b, 0);
 }
 
-// A new key at time t between its neighbours; null where there is none.
 template <typename Key, typename ValueType>
-Key* NewKey(float t, const Key* previous, const Key* next, const ValueType& rest) {
-    auto* key = new Key();
-    key->fTime = t;
+Key Between(float t, const Key* previous, const Key* next, const ValueType& rest) {
+    Key key;
+    key.fTime = t;
     if (previous != nullptr && next != nullptr) {
         const float s = (t - previous->fTime) / (next->fTime - previous->fTime);
-        SetValue(*key, Interpolate(s, Value(*previous), Value(*next)));
+        SetValue(key, Interpolate(s, Value(*previous), Value(*next)));
     } else if (previous != nullptr || next != nullptr) {
-        SetValue(*key, Value(previous != nullptr ? *previous : *next));
+        SetValue(key, Value(previous != nullptr ? *previous : *next));
     } else {
-        SetValue(*key, rest);
+        SetValue(key, rest);
     }
     return key;
 }
 
-// Whether keys and times ascend, the times without repeats. What is no number never does.
+// New keys until the track holds them.
+template <typename Key>
+class NewKeys {
+public:
+    explicit NewKeys(std::size_t most) { m_keys.reserve(most); }
+
+    // A key at time t between its neighbours; null where there is none.
+    template <typename ValueType>
+    Key* Add(float t, const Key* previous, const Key* next, const ValueType& rest) {
+        m_keys.push_back(std::make_unique<Key>(Between(t, previous, next, rest)));
+        return m_keys.back().get();
+    }
+    void HandOver() {
+        for (std::unique_ptr<Key>& key : m_keys) static_cast<void>(key.release());
+    }
+
+private:
+    std::vector<std::unique_ptr<Key>> m_keys;
+};
+
+// Whether keys and times ascend, the times without repeats. NaN counts as not ascending.
 template <typename Key>
 bool Ascend(const std::vector<float>& times, const std::vector<Key*>& keys) {
     float last = -std::numeric_limits<float>::infinity();
@@ -74,6 +93,7 @@ bool Ascend(const std::vector<float>& times, const std::vector<Key*>& keys) {
 // One walk along both lists. A new key's left neighbour may itself be new, as in the walk for each time.
 template <typename Key, typename ValueType>
 void ResampleAscending(const std::vector<float>& times, std::vector<Key*>& keys, const ValueType& rest) {
+    NewKeys<Key> added(times.size());
     std::vector<Key*> out;
     out.reserve(keys.size() + times.size());
     auto next = keys.begin();
@@ -81,10 +101,11 @@ void ResampleAscending(const std::vector<float>& times, std::vector<Key*>& keys,
         while (next != keys.end() && (*next)->fTime < t) out.push_back(*next++);
         if (next != keys.end() && (*next)->fTime == t) continue;
         out.push_back(
-            NewKey(t, out.empty() ? nullptr : out.back(), next != keys.end() ? *next : nullptr, rest));
+            added.Add(t, out.empty() ? nullptr : out.back(), next != keys.end() ? *next : nullptr, rest));
     }
     out.insert(out.end(), next, keys.end());
     keys = std::move(out);
+    added.HandOver();
 }
 
 template <typename Key, typename ValueType>
@@ -93,25 +114,23 @@ void Resample(const std::vector<float>& times, std::vector<Key*>& keys, const Va
         ResampleAscending(times, keys, rest);
         return;
     }
+    NewKeys<Key> added(times.size());
     for (const float t : times) {
         const auto next =
             std::find_if(keys.begin(), keys.end(), [t](const Key* key) { return key->fTime >= t; });
         if (next != keys.end() && (*next)->fTime == t) continue;
         const Key* previous = next != keys.begin() ? *(next - 1) : nullptr;
-        keys.insert(next, NewKey(t, previous, next != keys.end() ? *next : nullptr, rest));
+        keys.insert(next, added.Add(t, previous, next != keys.end() ? *next : nullptr, rest));
     }
+    added.HandOver();
 }
 
 template <typename Key, typename ValueType>
 void ResampleTrack(const std::vector<float>& times, vl::Array* track, const ValueType& rest) {
     std::vector<Key*> keys = ReadKeys<Key>(track);
+    MakeRoom(track, keys.size() + times.size());
     ResampleKeys(times, keys, rest);
-    if (keys.size() != static_cast<std::size_t>(track->m_nCount)) WriteKeys(track, keys);
-}
-
-vl::Array* MadeTrack(vl::Array*& track) {
-    if (track == nullptr) track = g_pHost->CreateArray();
-    return track;
+    WriteKeys(track, keys);
 }
 
 bool HasSeveral(const vl::Array* track) {
@@ -138,9 +157,9 @@ void ResamplePositions(const std::vector<float>& times, vl::Array* track, const 
 }
 
 void ResampleRecord(const std::vector<float>& times, ExportNode& record) {
-    ResampleTrack<ExportPositionKey>(times, MadeTrack(record.pPosKeys), record.vPosition);
-    ResampleTrack<ExportScaleKey>(times, MadeTrack(record.pScaleKeys), record.vScale);
-    ResampleTrack<ExportRotationKey>(times, MadeTrack(record.pRotKeys), record.qRotation);
+    ResampleTrack<ExportPositionKey>(times, Made(record.pPosKeys), record.vPosition);
+    ResampleTrack<ExportScaleKey>(times, Made(record.pScaleKeys), record.vScale);
+    ResampleTrack<ExportRotationKey>(times, Made(record.pRotKeys), record.qRotation);
 }
 
 }  // namespace zrt
@@ -151,7 +170,6 @@ void ZR_TK::ResampleKeys() {
             !zrt::HasSeveral(record->pRotKeys)) {
             continue;
         }
-        const auto times = vl::Ref<vl::Array>::Adopt(GetKeyTimes(record, 0));
-        zrt::ResampleRecord(zrt::ReadTimes(times.Get()), *record);
+        zrt::ResampleRecord(zrt::KeyTimesFromZero(record, false), *record);
     }
 }

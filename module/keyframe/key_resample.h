@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "module/keyframe/export_node.h"
+#include "host/export_node.h"
 
 namespace zrt {
 

@@ -15,15 +15,17 @@ std::vector<Key*> ReadKeys(vl::Array* track) {
     return {keys.begin(), keys.end()};
 }
 
+// The room must suffice (MakeRoom), which it does when keys went: this asks for no memory.
 template <typename Key>
 void WriteKeys(vl::Array* track, const std::vector<Key*>& keys) {
-    track->RemoveAll();
-    for (Key* key : keys) track->Add(vl::ToWord(key));
+    const int count = static_cast<int>(keys.size());
+    for (int i = 0; i < count; ++i) track->SetAt(i, vl::ToWord(keys[static_cast<std::size_t>(i)]));
+    for (int i = track->m_nCount; i-- > count;) track->RemoveAt(i);
 }
 
-inline std::vector<float> ReadTimes(vl::Array* times) {
-    const vl::ArrayOf<float> view(times);
-    return {view.begin(), view.end()};
+// Lengthens a track by null keys, which WriteKeys replaces or takes away.
+inline void MakeRoom(vl::Array* track, std::size_t count) {
+    while (static_cast<std::size_t>(track->m_nCount) < count) track->Add(0);
 }
 
 }  // namespace zrt

@@ -3,29 +3,61 @@
 
 #include <limits>
 
+#include "host/material_name.h"
 #include "host/settings_store.h"
-#include "module/keyframe/material_name.h"
 #include "module/keyframe/record.h"
 
 ZR_TK::~ZR_TK() {
-    if (m_pNameTable != nullptr) m_pNameTable->Release();
-    if (m_pRoots != nullptr) {
-        for (ExportNode* root : vl::ArrayOf<ExportNode*>(m_pRoots)) zrt::DestroyExportNode(root);
-        m_pRoots->Release();
+    DropRecords();
+}
+
+void ZR_TK::DropRecords() {
+    for (vl::Array** list : {&m_pNameTable, &m_pRoots, &m_pAllNodes}) {
+        if (*list != nullptr) (*list)->Release();
+        *list = nullptr;
     }
-    for (ExportNode* record : m_looseRecords) zrt::DestroyExportNode(record);
-    if (m_pAllNodes != nullptr) m_pAllNodes->Release();
-    if (m_pMaterialNames != nullptr) {
-        for (MaterialName* name : vl::ArrayOf<MaterialName*>(m_pMaterialNames)) {
-            delete[] name->szName;
-            delete[] name->wszName;
-            delete name;
-        }
-        m_pMaterialNames->Release();
+    m_records.clear();
+    m_nodeRecords.clear();
+    m_nIndexed = 0;
+    m_uniqueNames.reset();
+    if (m_pMaterialNames == nullptr) return;
+    for (MaterialName* name : vl::ArrayOf<MaterialName*>(m_pMaterialNames)) {
+        if (name == nullptr) continue;
+        delete[] name->szName;
+        delete[] name->wszName;
+        delete name;
+    }
+    m_pMaterialNames->Release();
+    m_pMaterialNames = nullptr;
+}
+
+template <typename Work>
+int ZR_TK::OrDropRecords(Work work) {
+    try {
+        return work();
+    } catch (...) {
+        DropRecords();
+        return 0;
     }
 }
 
-void ZR_TK::LoadSettings(SettingsStore* store, const char* section) {
+int ZR_TK::Process(int) {
+    return OrDropRecords([this] { return RunProcess(); });
+}
+
+int ZR_TK::BuildHierarchy() {
+    return OrDropRecords([this] { return RunBuildHierarchy(); });
+}
+
+int ZR_TK::ExtractKeys() {
+    return OrDropRecords([this] { return RunExtractKeys(); });
+}
+
+int ZR_TK::AssignNames() {
+    return OrDropRecords([this] { return RunAssignNames(); });
+}
+
+void ZR_TK::LoadSettings(SettingsStore* store, const char* section) try {
     if (store->GetInt(section, "anim\\mergekeys", 0) != 0) m_dwExportFlags |= vl::tk::kMergeKeys;
     if (store->GetInt(section, "anim\\reverse", 0) != 0) m_dwAnimFlags |= vl::tk::kReverseTime;
     if (store->GetInt(section, "anim\\rescale", 0) == 0) return;
@@ -36,6 +68,8 @@ void ZR_TK::LoadSettings(SettingsStore* store, const char* section) {
     } else {
         m_fRescale = store->GetFloat(section, "anim\\rescalepercent", 1.0f);
     }
+} catch (...) {
+    // A store that fails leaves the settings that were not read at their defaults.
 }
 
 float ZR_TK::GetCurrentTime() {

@@ -6,14 +6,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/export_node.h"
 #include "host/scene.h"
 #include "host/serializer.h"
-#include "module/keyframe/export_node.h"
+#include "module/keyframe/record.h"
 #include "module/keyframe/unique_names.h"
 
-inline constexpr char kTypeKeyframeTool[] = "TKSAVE";
-
-// The keyframe tools. Hosts see them as vl::tk::Serializer; each pass stands in a file of its own.
+// The keyframe tools, which hosts use as vl::tk::Serializer. Each pass has a file of its own.
 class ZR_TK final : public vl::tk::Serializer {
 public:
     ~ZR_TK() override;
@@ -43,7 +42,7 @@ public:
     float GetFrameRate() override;
     int ProcessKeys() override;
 
-    // A new record with the transforms of the node, or identities for null; whoever lists it first owns it.
+    // A new record with the transforms of the node, or identities for null. The tool owns it, listed or not.
     ExportNode* NewRecord(vl::zr::Node* node);
 
     // The first record of m_pAllNodes with this pNode; null for none and for null. m_pAllNodes may grow
@@ -99,8 +98,19 @@ public:
 private:
     void DeleteThis() override { delete this; }
 
-    // Records that stand outside the tree, which AddNode makes without a parent.
-    std::vector<ExportNode*> m_looseRecords;
+    // Runs work. When memory runs out, drops every record and answers 0.
+    template <typename Work>
+    int OrDropRecords(Work work);
+    void DropRecords();
+
+    int RunProcess();
+    int RunBuildHierarchy();
+    int RunExtractKeys();
+    int RunAssignNames();
+    void FillNewNode(ExportNode* record, ExportNode* parent, const char* name);
+    void UnlistNewNode(ExportNode* record, ExportNode* parent);
+
+    std::vector<zrt::OwnedRecord> m_records;
 
     // Index of m_pAllNodes for FindNodeRecord, up to m_nIndexed.
     std::unordered_map<vl::zr::Node*, ExportNode*> m_nodeRecords;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "module/keyframe/material_name.h"
+#include "host/material_name.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "host/material.h"
 #include "module/keyframe/keyframe_tool.h"
@@ -46,13 +47,18 @@ Char* NewMaterialName(const ZR_TK& tool, vl::zr::Material& material, NumberedNam
 }  // namespace zrt
 
 void ZR_TK::MakeMaterialNames() {
-    m_pMaterialNames = m_pScene->GetObjectsOfKind(vl::zr::kSceneMaterials);
-    if (m_pMaterialNames == nullptr) return;
+    auto list = vl::Ref<vl::Array>::Adopt(m_pScene->GetObjectsOfKind(vl::zr::kSceneMaterials));
+    if (!list) return;
+    const vl::ArrayOf<vl::zr::Material*> view(list.Get());
+    const std::vector<vl::zr::Material*> materials(view.begin(), view.end());
+    const int count = view.Count();
+    for (int i = 0; i < count; ++i) list->SetAt(i, 0);  // until a name takes the place
+    m_pMaterialNames = list.Detach();
     m_nMaxMaterialNameLength = std::min(m_nMaxMaterialNameLength, zrt::kMaxMaterialNameLength);
 
     zrt::NumberedNames names;
-    for (int i = 0; i < m_pMaterialNames->m_nCount; ++i) {
-        auto* material = vl::FromWord<vl::zr::Material*>(m_pMaterialNames->GetAt(i));
+    for (int i = 0; i < count; ++i) {
+        vl::zr::Material* material = materials[static_cast<std::size_t>(i)];
         auto* name = new MaterialName{material, i, nullptr, nullptr};
         material->m_pUserData = name;
         m_pMaterialNames->SetAt(i, vl::ToWord(name));

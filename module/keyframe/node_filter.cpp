@@ -3,13 +3,13 @@
 
 #include <vector>
 
+#include "host/export_node.h"
 #include "host/generator.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/ref.h"
 #include "host/scene.h"
 #include "host/serializer.h"
-#include "module/keyframe/export_node.h"
 #include "module/keyframe/mesh_content.h"
 
 namespace zrt {

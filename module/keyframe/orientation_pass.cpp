@@ -4,10 +4,8 @@
 #include <iterator>
 #include <vector>
 
-#include "host/ref.h"
 #include "module/keyframe/aimed_object.h"
 #include "module/keyframe/key_resample.h"
-#include "module/keyframe/key_track.h"
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
 
@@ -134,8 +132,7 @@ void PlaceByMatrix(ZR_TK& tool, ExportNode& record, const AimedObject& object) {
     const auto several = [](const vl::Array* track) { return track != nullptr && track->m_nCount > 1; };
     if (turns || several(record.pRotKeys) || several(record.pPosKeys)) {
         // The values at rest that fill a missing track are those before this pass: the keys are placed next.
-        const auto own = vl::Ref<vl::Array>::Adopt(tool.GetKeyTimes(&record, 0));
-        std::vector<float> times = zrt::ReadTimes(own.Get());
+        std::vector<float> times = zrt::KeyTimesFromZero(&record, false);
         if (turns) {
             std::vector<float> aims;
             for (const Sample& sample : samples) aims.push_back(sample.time);

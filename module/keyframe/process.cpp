@@ -10,17 +10,17 @@ bool ShowsInfo() {
 
 }  // namespace
 
-int ZR_TK::Process(int) {
+int ZR_TK::RunProcess() {
     using namespace vl::tk;
     const auto exports = [this](std::uint32_t flags) { return (m_dwExportFlags & flags) != 0; };
 
     if (ShowsInfo()) g_pHost->LogLine(u"ZR_TK::Process() - entering");
     m_bAnimated = !exports(kIgnoreAnimation) && m_pScene != nullptr && m_pScene->IsAnimated() != 0;
-    if (BuildHierarchy() == 0) return 0;
-    if (exports(kExtractKeys) && ExtractKeys() != 0) m_dwStatus |= 0x1;
+    if (RunBuildHierarchy() == 0) return 0;
+    if (exports(kExtractKeys) && RunExtractKeys() != 0) m_dwStatus |= 0x1;
     if (exports(kLightTargetRecords | kLightTargetKeys)) LightTargetPass();
     if (exports(kCameraTargetRecords | kCameraTargetKeys)) CameraTargetPass();
-    if (exports(kAssignNames)) AssignNames();
+    if (exports(kAssignNames)) RunAssignNames();
     if (exports(kDecomposeRest | kExtractKeys)) {
         zrt::WalkRecords(m_pRoots, [this](ExportNode* record) {
             DecomposeRest(record, nullptr);

@@ -1,32 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "module/keyframe/record.h"
 
+#include <utility>
+
 #include "host/node.h"
 #include "module/keyframe/keyframe_tool.h"
 
 namespace zrt {
 
-void DestroyExportNode(ExportNode* record) {
-    std::vector<ExportNode*> doomed{record};
-    for (std::size_t i = 0; i < doomed.size(); ++i) {
-        for (ExportNode* child : vl::ArrayOf<ExportNode*>(doomed[i]->pChildren)) doomed.push_back(child);
-    }
-    for (auto it = doomed.rbegin(); it != doomed.rend(); ++it) {
-        ExportNode* gone = *it;
-        if (gone->pChildren != nullptr) gone->pChildren->Release();
-        delete[] gone->szName;
-        delete[] gone->wszName;
-        DestroyTrack<ExportPositionKey>(gone->pPosKeys);
-        DestroyTrack<ExportRotationKey>(gone->pRotKeys);
-        DestroyTrack<ExportScaleKey>(gone->pScaleKeys);
-        delete gone;
-    }
+void RecordDeleter::operator()(ExportNode* record) const {
+    if (record->pChildren != nullptr) record->pChildren->Release();
+    delete[] record->szName;
+    delete[] record->wszName;
+    DestroyTrack<ExportPositionKey>(record->pPosKeys);
+    DestroyTrack<ExportRotationKey>(record->pRotKeys);
+    DestroyTrack<ExportScaleKey>(record->pScaleKeys);
+    delete record;
 }
 
 void AppendChild(ExportNode* parent, ExportNode* child) {
-    if (parent->pChildren == nullptr) parent->pChildren = g_pHost->CreateArray();
+    Made(parent->pChildren)->Add(vl::ToWord(child));
     child->pParent = parent;
-    parent->pChildren->Add(vl::ToWord(child));
 }
 
 void MoveChildren(ExportNode* from, ExportNode* to) {
@@ -38,7 +32,9 @@ void MoveChildren(ExportNode* from, ExportNode* to) {
 }  // namespace zrt
 
 ExportNode* ZR_TK::NewRecord(vl::zr::Node* node) {
-    auto* record = new ExportNode();
+    zrt::OwnedRecord owned(new ExportNode());
+    m_records.push_back(std::move(owned));
+    ExportNode* record = m_records.back().get();
     record->pNode = node;
     if (node == nullptr) {
         record->mLocal.IdentityMatrix();

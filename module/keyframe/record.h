@@ -1,15 +1,31 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "host/export_node.h"
+#include "host/ref.h"
 #include "module/frame/globals.h"
-#include "module/keyframe/export_node.h"
 
 namespace zrt {
 
-// Frees a record with all below it: children before their parent, then names, keys and tracks.
-void DestroyExportNode(ExportNode* record);
+// A new host array. Throws std::bad_alloc.
+inline vl::Ref<vl::Array> NewArray() {
+    return vl::Ref<vl::Array>::AdoptNew(g_pHost->CreateArray());
+}
+
+// Frees a record with its names, keys and lists. Its children are records of their own.
+struct RecordDeleter {
+    void operator()(ExportNode* record) const;
+};
+using OwnedRecord = std::unique_ptr<ExportNode, RecordDeleter>;
+
+// The list, which is created when it is null.
+inline vl::Array* Made(vl::Array*& list) {
+    if (list == nullptr) list = NewArray().Detach();
+    return list;
+}
 
 // Lists child last in parent's children and sets its pParent.
 void AppendChild(ExportNode* parent, ExportNode* child);
@@ -20,10 +36,9 @@ void MoveChildren(ExportNode* from, ExportNode* to);
 // A new key at the end of a track, which is created when it is null.
 template <typename Key>
 Key* AddKey(vl::Array*& track) {
-    if (track == nullptr) track = g_pHost->CreateArray();
-    auto* key = new Key();
-    track->Add(vl::ToWord(key));
-    return key;
+    auto key = std::make_unique<Key>();
+    Made(track)->Add(vl::ToWord(key.get()));
+    return key.release();
 }
 
 template <typename Key>
@@ -36,6 +51,9 @@ void DestroyTrack(vl::Array*& track) {
 
 // The times of a record's keys, and of its ancestors' when asked: ascending, each once.
 std::vector<float> KeyTimes(const ExportNode* record, bool withAncestors);
+
+// The same with 0.0 among them when there is any.
+std::vector<float> KeyTimesFromZero(const ExportNode* record, bool withAncestors);
 
 // Visits every record before its children, in order, however deep the tree is. visit(record) returns the
 // record whose children come next (the record itself, one made in its place) or null to go no deeper; it

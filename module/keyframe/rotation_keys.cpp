@@ -12,11 +12,11 @@ namespace {
 // The single-precision quarter turn.
 constexpr double kStepLimit = 1.5707963705062866;
 
-// From here on neighbouring floats lie more than a step apart: such an angle says nothing about the turns
-// on the way, and no memory holds keys for them.
+// From here on neighbouring floats lie more than a step apart: such an angle tells nothing about the turns
+// in between, and no memory holds keys for them.
 constexpr double kMeaninglessAngle = 16777216.0;
 
-// How many keys a step of this angle needs on its way.
+// How many keys divide a step of this angle.
 int InsertedKeys(double angle) {
     const double magnitude = std::abs(angle);
     return magnitude < kMeaninglessAngle ? static_cast<int>(magnitude / kStepLimit) : 0;

@@ -3,10 +3,10 @@
 
 #include <vector>
 
-#include "module/keyframe/export_node.h"
+#include "host/export_node.h"
 
 // Rotation keys from one form into another. An exporter interpolates between two keys along the shorter
-// arc, so a step of more than a quarter turn gains keys on its way:
+// arc, so a step of more than a quarter turn is divided by further keys:
 //
 //   angle-axis 0 at 0 s, 4 rad at 30 s   ->   orientations 0, 4/3, 8/3, 4 rad at 0, 10, 20, 30 s
 namespace zrt {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Exports what cameras and lights aim at: as records, or as further keys of the one that aims.
-#include "host/ref.h"
 #include "module/keyframe/aimed_object.h"
 #include "module/keyframe/key_resample.h"
-#include "module/keyframe/key_track.h"
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
 
@@ -70,8 +68,7 @@ void RunTargetPass(ZR_TK& tool, const TargetPass& pass) {
             target->dwFlags |= pass.targetFlag;
             record->pTarget = target;
         } else if (record->pPosKeys != nullptr) {
-            const auto times = vl::Ref<vl::Array>::Adopt(tool.GetKeyTimes(target, 0));
-            zrt::ResamplePositions(zrt::ReadTimes(times.Get()), record->pPosKeys, record->vPosition);
+            zrt::ResamplePositions(zrt::KeyTimesFromZero(target, false), record->pPosKeys, record->vPosition);
         }
     }
 }

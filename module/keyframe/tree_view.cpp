@@ -124,7 +124,7 @@ void AddTreeItems(HWND tree, HTREEITEM parent, vl::Array* records) {
 
 }  // namespace zrt
 
-int ZR_TK::FillTreeView(HWND tree, int) {
+int ZR_TK::FillTreeView(HWND tree, int) try {
     if (!m_pRoots) return 0;
     if (!tree) {
         tree = CreateWindowExA(WS_EX_CLIENTEDGE, "SysTreeView32", " ZR_TK::FillTreeView ",
@@ -135,4 +135,6 @@ int ZR_TK::FillTreeView(HWND tree, int) {
     }
     if (tree) zrt::AddTreeItems(tree, TVI_ROOT, m_pRoots);
     return 1;
+} catch (...) {
+    return 0;
 }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/array.h"
-#include "module/keyframe/export_node.h"
+#include "host/export_node.h"
 #include "platform/windows.h"
 
 namespace zrt {

@@ -10,7 +10,7 @@
 
 namespace zrt {
 
-// A growing set of names that numbers those which are there already. The number is the first free one from
+// A growing set of names that numbers duplicates. The number is the first free one from
 // the count of names on, and takes the place of the name's end where it does not fit behind it:
 //
 //   box, box, ball, box -> box, box1, ball, box3        at most 4 characters: abcd (12th) -> ab12
@@ -48,7 +48,7 @@ private:
     std::unordered_map<std::size_t, Skips> m_digitFamilies;  // digits alone, by their count
 };
 
-// A growing set of names, equal whatever the case of ASCII letters. A name that is there already gets the
+// A growing set of names, compared without regard to the case of ASCII letters. A duplicate gets the
 // next number of the name it equals behind it, again and again until it is new:
 //
 //   Wood, Wood1, Wood, Stone, stone -> Wood, Wood1, Wood11, Stone, stone1

@@ -57,7 +57,7 @@ std::u16string ToUtf16(const FcChar8* text) {
 struct Library {
     FT_Library library = nullptr;
     std::mutex mutex;
-    // By what was asked for, so a request costs one look-up after its first time.
+    // By what was asked for, so that a repeated request costs one look-up.
     std::map<std::tuple<std::u16string, LONG, bool>, FontFace*> requests;
     // By file and style, so requests that end at one face share it.
     std::map<std::tuple<std::string, int, bool, bool>, std::unique_ptr<FontFace>> faces;
@@ -149,7 +149,7 @@ FontFace::FontFace(FT_Face face, const Match& match)
       m_family(match.family),
       m_unitsPerEm(face->units_per_EM),
       m_cellHeight(face->ascender - face->descender),
-      // The slant and the thickening that the system's own renderers give such faces.
+      // The slant and the weight that the system's own renderers add to such faces.
       m_shear(match.slant ? 0.25 : 0.0),
       m_embolden(match.embolden ? face->units_per_EM / 24 : 0) {
     if (!face->charmap && face->num_charmaps > 0) FT_Set_Charmap(face, face->charmaps[0]);

@@ -59,7 +59,7 @@ private:
     std::u16string m_family;
     int m_unitsPerEm;
     int m_cellHeight;
-    // How the face is slanted, and by how much its strokes are thickened, where it lacks the wished style.
+    // How the face is slanted, and by how much its strokes are thickened, where it lacks the requested style.
     double m_shear;
     int m_embolden;
 };

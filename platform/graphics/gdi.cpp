@@ -39,7 +39,7 @@ HFONT StockFont() {
     return &font;
 }
 
-// 12 points at 96 dots per inch, for a record that wishes no height.
+// 12 points at 96 dots per inch, for a record without a height.
 constexpr std::int64_t kDefaultPpem = 16;
 
 int PixelsPerEm(const FontFace& face, LONG height) {

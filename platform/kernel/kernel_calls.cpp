@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include <system_error>
+#include <exception>
+#include <memory>
 
 #include "platform/kernel/objects.h"
 
@@ -9,14 +10,25 @@ using platform::WaitObject;
 HANDLE CreateThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD,
                     DWORD*) {
     try {
-        return HandleTable::Instance().Open(WaitObject::StartThread(start, parameter));
-    } catch (const std::system_error&) {
+        // The handle first: a thread that runs cannot be taken back.
+        const auto object = std::make_shared<WaitObject>(true, false);
+        const HANDLE handle = HandleTable::Instance().Open(object);
+        try {
+            WaitObject::StartThread(object, start, parameter);
+        } catch (...) {
+            HandleTable::Instance().Close(handle);
+            throw;
+        }
+        return handle;
+    } catch (const std::exception&) {
         return nullptr;
     }
 }
 
-HANDLE CreateEventA(SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initiallySet, LPCSTR) {
+HANDLE CreateEventA(SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initiallySet, LPCSTR) try {
     return HandleTable::Instance().Open(std::make_shared<WaitObject>(manualReset != 0, initiallySet != 0));
+} catch (const std::exception&) {
+    return nullptr;
 }
 
 BOOL SetEvent(HANDLE event) {

@@ -9,14 +9,13 @@ WaitObject::~WaitObject() {
     if (m_thread.joinable()) m_thread.detach();
 }
 
-std::shared_ptr<WaitObject> WaitObject::StartThread(LPTHREAD_START_ROUTINE start, LPVOID parameter) {
-    auto object = std::make_shared<WaitObject>(true, false);
+void WaitObject::StartThread(const std::shared_ptr<WaitObject>& object, LPTHREAD_START_ROUTINE start,
+                             LPVOID parameter) {
     const std::lock_guard lock(object->m_mutex);
     object->m_thread = std::thread([object, start, parameter] {
         start(parameter);
         object->Set();
     });
-    return object;
 }
 
 void WaitObject::Set() {

@@ -17,8 +17,10 @@ public:
     WaitObject(bool manualReset, bool isSet) : m_manualReset(manualReset), m_isSet(isSet) {}
     ~WaitObject();
 
-    // Starts the thread that will give the signal. Throws std::system_error when the system refuses it.
-    static std::shared_ptr<WaitObject> StartThread(LPTHREAD_START_ROUTINE start, LPVOID parameter);
+    // Starts the thread that will signal the object, once for an object. Throws std::system_error when the
+    // system refuses it.
+    static void StartThread(const std::shared_ptr<WaitObject>& object, LPTHREAD_START_ROUTINE start,
+                            LPVOID parameter);
 
     void Set();
 

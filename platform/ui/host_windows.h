@@ -8,7 +8,7 @@
 // What a host does with windows that a plug-in has no call for.
 namespace platform {
 
-// Makes ready to open windows on the calling thread. False, with one line that says why, where none can be
+// Initialises windowing on the calling thread. False, with one line that says why, where no window can be
 // opened: the user-interface library is not installed, or there is no display.
 bool StartUserInterface(std::string& error);
 

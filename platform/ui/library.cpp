@@ -28,7 +28,7 @@ std::filesystem::path FindLibrary() {
 }
 
 Loaded Load() {
-    // Never unloaded: the windows' toolkit keeps threads and exit handlers.
+    // Never unloaded: the toolkit keeps threads and exit handlers.
     void* library = dlopen(FindLibrary().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) return {nullptr, std::string("no user interface: ") + dlerror()};
     const auto entry = reinterpret_cast<UserInterfaceEntry>(dlsym(library, kUserInterfaceEntry));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/font.h"
 #include "platform/windows/base.h"
 
 // Fonts and native glyph outlines. Handles are owned by whoever obtained them: a font ends with DeleteObject,
@@ -11,26 +12,6 @@ struct HDC__;
 using HDC = HDC__*;
 struct HFONT__;
 using HFONT = HFONT__*;
-
-constexpr int LF_FACESIZE = 32;
-
-struct tagLOGFONTW {
-    LONG lfHeight;  // < 0: height of the em square, > 0: of the cell (ascent + descent), in device units
-    LONG lfWidth;
-    LONG lfEscapement;
-    LONG lfOrientation;
-    LONG lfWeight;  // 1 to 1000, 400 regular, 700 bold; 0: no wish
-    BYTE lfItalic;
-    BYTE lfUnderline;
-    BYTE lfStrikeOut;
-    BYTE lfCharSet;
-    BYTE lfOutPrecision;
-    BYTE lfClipPrecision;
-    BYTE lfQuality;
-    BYTE lfPitchAndFamily;
-    WCHAR lfFaceName[LF_FACESIZE];  // terminated; empty: no wish
-};
-using LOGFONTW = tagLOGFONTW;
 
 constexpr BYTE ANSI_CHARSET = 0;
 constexpr LONG FW_NORMAL = 400;

@@ -133,6 +133,5 @@ public:
 
 private:
     vl::Ref<kernix::SceneModel> m_scene = vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel);
-    vl::Ref<zr_ANIM_MANAGER> m_manager =
-        vl::Ref<zr_ANIM_MANAGER>::Adopt(static_cast<zr_ANIM_MANAGER*>(CreateAnimManager()));
+    vl::Ref<zr_ANIM_MANAGER> m_manager = vl::Ref<zr_ANIM_MANAGER>::Adopt(new CAnimManagerImpl);
 };

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
+#ifdef __linux__
+#include <pthread.h>
+#endif
 
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <new>
 #include <thread>
 
 #include "app/services/strings.h"
@@ -26,19 +30,19 @@ using driver::Key;
 using driver::Place;
 using Lines = std::vector<std::u16string>;
 
-class DialogHost final : public kernix::HostAppBase {
+class DialogHost : public kernix::HostAppBase {
 public:
-    explicit DialogHost(const char* language) : m_tables(language), m_strings(m_tables.Load(nullptr)) {}
+    explicit DialogHost(const char* language) : HostAppBase(language) {
+        g_pHost = this;
+        g_hStrings = LoadModuleStrings(nullptr);
+    }
 
-    const char16_t* GetModuleString(void*, int id) override { return m_strings->Get(id); }
-    void LocalizeDialog(void*, HWND dialog) override { m_strings->LocalizeDialog(dialog); }
+    void LocalizeDialog(void* table, HWND dialog) override {
+        zr::LocalizeDialog(*static_cast<const kernix::ModuleStrings*>(table), dialog);
+    }
     void ShowHelpTopic(const char* page, int) override { m_helpPages.push_back(page); }
 
     std::vector<std::string> m_helpPages;
-
-private:
-    zr::StringTables m_tables;
-    const zr::ModuleStrings* m_strings;
 };
 
 // Every operation is the test's.
@@ -69,10 +73,12 @@ protected:
     static void SetUpTestSuite() { ASSERT_EQ(driver::Start(), ""); }
 
     CleanerDialogTest() {
-        g_pHost = &m_host;
         m_scene->m_onRefresh = [this] { ++m_refreshes; };
     }
-    ~CleanerDialogTest() override { g_pHost = nullptr; }
+    ~CleanerDialogTest() override {
+        g_pHost = nullptr;
+        g_hStrings = nullptr;
+    }
 
     // Opens the dialog and runs the steps in it; they must have it closed at their end.
     void Open(const std::function<void()>& steps) {
@@ -136,8 +142,7 @@ TEST_F(CleanerDialogTest, OpensWithEveryOptionOnAndClosesOnCancel) {
 
 TEST_F(CleanerDialogTest, CaptionsComeInTheUsersLanguage) {
     const auto captions = [this](const char* language) {
-        DialogHost host(language);
-        g_pHost = &host;
+        const DialogHost host(language);
         Lines texts;
         Open([&] {
             texts = {driver::Title(),           driver::Text(IDC_METADATA), driver::Text(IDC_ENVIRONMENT),
@@ -202,8 +207,7 @@ TEST_F(CleanerDialogTest, FullRunLogsEveryOperationInOrder) {
 }
 
 TEST_F(CleanerDialogTest, FrenchLogKeepsItsBlanks) {
-    DialogHost host("fr");
-    g_pHost = &host;
+    const DialogHost host("fr");
     Open([&] {
         CheckOnly({1003, 1012});
         driver::Click(IDC_PROCESS);
@@ -328,6 +332,75 @@ TEST_F(CleanerDialogTest, SlowCallCountsNothingAndKeepsTheRecordOpen) {
     });
     EXPECT_TRUE(wasOpen);
 }
+
+// Memory runs out on the worker's thread, here in the host: the run ends and says no more.
+TEST_F(CleanerDialogTest, RunThatFailsStillEnds) {
+    class FailingHost final : public DialogHost {
+    public:
+        FailingHost() : DialogHost("en") {}
+        const char16_t* GetModuleString(void* table, int id) override {
+            constexpr int kSecondOperation = 1181;
+            if (id == kSecondOperation) throw std::bad_alloc();
+            return DialogHost::GetModuleString(table, id);
+        }
+    };
+    const FailingHost host;
+    vl::Ref<ChangeRecord> record;
+    m_cleaner->m_work = [&](int, ChangeRecord* given) {
+        record = vl::Ref<ChangeRecord>::Share(given);
+        return 2;
+    };
+    Open([&] {
+        driver::Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(), (Lines{u"run cleaning scene;", u"remove metadata: 2 deleted;"}));
+        driver::Click(IDC_CLOSE);
+    });
+    EXPECT_FALSE(static_cast<kernix::ChangeRecordModel&>(*record).IsOpen());
+    EXPECT_EQ(record->GetRefCount(), 1);
+}
+
+TEST_F(CleanerDialogTest, WithoutARecordNothingRuns) {
+    class Scene final : public kernix::SceneModel {
+    public:
+        ChangeRecord* CreateChangeRecord(int) override { return nullptr; }
+    };
+    m_scene = vl::Ref<kernix::SceneModel>::Adopt(new Scene);
+    m_cleaner->m_work = [](int, ChangeRecord*) {
+        ADD_FAILURE();
+        return 0;
+    };
+    Open([&] {
+        driver::Click(IDC_PROCESS);
+        ASSERT_TRUE(WaitForEnd());
+        EXPECT_EQ(Log(), Lines{});
+        driver::Click(IDC_CLOSE);
+    });
+}
+
+#ifdef __linux__
+
+// The system refuses the thread, here for a stack that no memory holds: the run is over before it began.
+TEST_F(CleanerDialogTest, WithoutAThreadTheDialogCanBeClosed) {
+    pthread_attr_t usual;
+    pthread_attr_t huge;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_attr_init(&huge), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 46), 0);
+    Open([&] {
+        ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+        driver::Click(IDC_PROCESS);
+        pthread_setattr_default_np(&usual);
+        EXPECT_TRUE(driver::IsVisible(IDC_CLOSE));
+        EXPECT_EQ(driver::Text(IDC_CLOSE), u"Close");
+        EXPECT_FALSE(driver::IsVisible(IDC_BREAK));
+        driver::Press(Key::kEscape);
+    });
+    pthread_attr_destroy(&huge);
+    pthread_attr_destroy(&usual);
+}
+
+#endif
 
 TEST_F(CleanerDialogTest, HelpLeavesTheDialogAsItIs) {
     Open([&] {

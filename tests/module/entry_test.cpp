@@ -66,7 +66,7 @@ TEST_F(Entry, InitialisesAndTellsAboutItself) {
     EXPECT_EQ(m_host.StartModule(handle, ZRDLLFunc), 5u);
     EXPECT_EQ(m_host.m_module, handle);
     EXPECT_EQ(m_host.m_registered,
-              (std::vector<std::string>{"TKSAVE", "CADTEXT", kTypeAnimManager, kTypeCleaner}));
+              (std::vector<std::string>{kTypeKeyframeTool, kTypeCadText, kTypeAnimManager, kTypeCleaner}));
     EXPECT_EQ(ZRDLLFunc(ZRDLL_GETDESCRIPTION, vl::ToWord(text + 0), 0), 1u);
     EXPECT_EQ(std::u16string(text), u"what it is");
 
@@ -92,7 +92,7 @@ TEST_F(Entry, CreatesByExactName) {
     for (const char* unknown : {"tksave", "TKSAVE ", "TKSAV", "", "zr_extension"})
         EXPECT_FALSE(Create(unknown)) << unknown;
     EXPECT_EQ(ZRDLLFunc(ZRDLL_CREATE, 0, 0), 0u);
-    for (const char* name : {"TKSAVE", "CADTEXT", kTypeAnimManager, kTypeCleaner}) {
+    for (const char* name : {kTypeKeyframeTool, kTypeCadText, kTypeAnimManager, kTypeCleaner}) {
         const auto first = Create(name);
         const auto second = Ref<vl::Extension>::Adopt(m_host.CreateExtension(name));
         ASSERT_TRUE(first && second);
@@ -107,8 +107,8 @@ TEST_F(Entry, CreatesByExactName) {
         EXPECT_EQ(first->CopyFrom(second.Get(), 0), vl::kSuccess);
         EXPECT_EQ(first->GetMetadata(false)->GetCount(), 1);
     }
-    const auto tool = Create("TKSAVE");
-    const auto text = Create("CADTEXT");
+    const auto tool = Create(kTypeKeyframeTool);
+    const auto text = Create(kTypeCadText);
     EXPECT_TRUE(tool->IsTypeOf("tksave"));
     EXPECT_TRUE(text->IsTypeOf("zr_CadText"));
     EXPECT_EQ(tool->CopyFrom(text.Get(), 0), vl::kWrongClass);

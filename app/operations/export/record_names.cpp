@@ -5,7 +5,7 @@
 
 #include "gltf/json.h"
 #include "kernix/utf.h"
-#include "module/keyframe/material_name.h"
+#include "host/material_name.h"
 
 namespace zr {
 namespace {

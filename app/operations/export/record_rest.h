@@ -3,7 +3,7 @@
 
 #include "app/operations/export/export_options.h"
 #include "kernix/scene/scene_model.h"
-#include "module/keyframe/export_node.h"
+#include "host/export_node.h"
 
 namespace zr {
 

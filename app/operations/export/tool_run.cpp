@@ -9,7 +9,7 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
              const ExportOptions& options) {
     scene.SetSceneMatrix(options.sceneMatrix);
     scene.SetActiveAnimation(animation);
-    Tool tool = host.Create<vl::tk::Serializer>("TKSAVE");
+    Tool tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_pScene = &scene;
     tool->m_dwExportFlags = options.exportFlags;
     tool->m_dwNameFlags = options.nameFlags;

@@ -6,7 +6,7 @@
 #include "host/ref.h"
 #include "host/serializer.h"
 #include "kernix/scene/scene_model.h"
-#include "module/keyframe/export_node.h"
+#include "host/export_node.h"
 
 namespace zr {
 

@@ -43,7 +43,7 @@ private:
 QFont DialogFont(const platform::DialogTemplate& dialog) {
     QFont font = QApplication::font();
     if (dialog.fontPoints <= 0) return font;
-    // "MS Shell Dlg" is no font of its own but stands for the system's.
+    // "MS Shell Dlg" is an alias of the system's dialog font.
     if (dialog.fontFace != u"MS Shell Dlg") font.setFamily(QString::fromStdU16String(dialog.fontFace));
     font.setPointSize(dialog.fontPoints);
     font.setWeight(static_cast<QFont::Weight>(std::clamp(dialog.fontWeight, 1, 1000)));

@@ -8,7 +8,7 @@
 
 #include "kernix/utf.h"
 #include "module/keyframe/keyframe_tool.h"
-#include "module/keyframe/material_name.h"
+#include "host/material_name.h"
 #include "module/keyframe/name_text.h"
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"

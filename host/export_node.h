@@ -27,7 +27,7 @@ enum ExportNodeFlag : std::uint32_t {
 };
 
 // Key records, read by exporters as they lie in memory: zero where nothing is said. The five parameters are
-// those of the host's key.
+// those of the host's key (vl::zr::Key). The layout is part of the binary interface (host/api.h).
 struct ExportPositionKey {
     float fTime = 0;  // seconds
     float fParams[5] = {};
@@ -57,8 +57,9 @@ static_assert(sizeof(ExportRotationKey) == 72);
 static_assert(offsetof(ExportRotationKey, vEuler) == 28 && offsetof(ExportRotationKey, qValue) == 40 &&
               offsetof(ExportRotationKey, aaValue) == 56);
 
-// One record of the export hierarchy. It owns its children, names, keys and track arrays; ends with
-// DestroyExportNode. Matrices: mLocal is relative to pParent, whatever lies between the two in the scene.
+// One record of the export hierarchy. Records and everything they point to but objects of the scene belong to
+// the vl::tk::Serializer that made them and end with it. Matrices: mLocal is relative to pParent, whatever
+// lies between the two in the scene. The order of the fields is the binary interface.
 struct ExportNode {
     ExportNode* pParent = nullptr;
     vl::zr::Node* pNode = nullptr;  // null: the record stands for no node
