@@ -7,7 +7,7 @@
 #include "kernix/scene/scene_model.h"
 #include "module/cleaner/cleaner.h"
 #include "module/frame/globals.h"
-#include "tests/module/cleaner_scenes.h"
+#include "tests/module/cleaner/scenes.h"
 
 using kernix::SceneModel;
 

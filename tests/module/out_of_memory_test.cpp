@@ -15,7 +15,7 @@
 #include "kernix/scene/change_record_model.h"
 #include "kernix/scene/plain_objects.h"
 #include "module/frame/entry.h"
-#include "tests/module/cleaner_scenes.h"
+#include "tests/module/cleaner/scenes.h"
 #include "tests/module/failing_memory.h"
 #include "tests/module/test_host.h"
 

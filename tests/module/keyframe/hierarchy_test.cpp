@@ -189,6 +189,17 @@ TEST_F(Hierarchy, JudgesEachNodeOnceWithTheSameResult) {
     }
 }
 
+TEST_F(Hierarchy, ASceneThatDoesNotAnswerHasNoMatrix) {
+    class SilentScene final : public SceneModel {
+    public:
+        vl::Word GetParam(int, vl::Word value, zr_VALUETYPE) const override { return value; }
+    };
+    m_scene = Ref<SceneModel>::Adopt(new SilentScene);
+    AddMesh(*m_scene, nullptr);
+    ASSERT_EQ(Build(kKeepAllNodes), 1);
+    EXPECT_TRUE(m_tool->m_mScene.IsIdentity(0));
+}
+
 TEST_F(Hierarchy, GroupingRootCarriesTheSceneMatrix) {
     Matrix up = Identity();
     up.RotateX(1.5707963267948966);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "host/material_name.h"
 #include "kernix/utf.h"
 #include "module/keyframe/keyframe_tool.h"
-#include "host/material_name.h"
 #include "module/keyframe/name_text.h"
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"
@@ -59,6 +59,25 @@ TEST_F(NamesTest, UnnamedNodesAreNamedByWhatTheyCarry) {
     Add("");
     Add("", scene_kit::Mesh(1).Detach());
     EXPECT_EQ(Named(), (Names{"DefCamera", "camera", "light", "dummy", "bone", "object", "object6"}));
+}
+
+// With the geometry split a group is a frame; without it, or without a group, it is named by what it carries.
+TEST_F(NamesTest, GroupsOfTheGeometrySplitAreFrames) {
+    NodeModel* group = Add("", scene_kit::Mesh(1).Detach());
+    group->SetRestPose({{1, 0, 0}, {}, {1, 1, 1}});
+    Add("", scene_kit::Mesh(1).Detach());
+    Add("", kernix::CreateDummy());
+    EXPECT_EQ(Named(), (Names{"object0", "object1", "dummy"}));
+    m_tool = Ref<ZR_TK>::Adopt(new ZR_TK);
+    m_tool->m_pScene = m_scene.Get();
+    m_tool->m_dwExportFlags = vl::tk::kKeepAllNodes | vl::tk::kAssignNames | vl::tk::kGeometrySplit;
+    const Names named = Named();
+    ASSERT_EQ(m_tool->m_pAllNodes->m_nCount, static_cast<int>(named.size()));
+    for (int i = 0; i < static_cast<int>(named.size()); ++i) {
+        const ExportNode* record = vl::ArrayOf<ExportNode*>(m_tool->m_pAllNodes)[i];
+        EXPECT_EQ(named[static_cast<std::size_t>(i)].starts_with("Frm"), (record->dwFlags & NF_GROUP) != 0)
+            << i;
+    }
 }
 
 TEST_F(NamesTest, ShortLimitShortensTheDefault) {

@@ -50,6 +50,24 @@ protected:
     Ref<ZR_TK> m_tool;
 };
 
+// What a static pivot leaves behind is a group when it has children, or when the record was one.
+TEST_F(Pivots, StaticPivotsKeepGroups) {
+    const auto contentFlags = [this](bool hasChild, std::uint32_t flags) {
+        m_tool = Ref<ZR_TK>::Adopt(new ZR_TK);
+        Matrix sheared = Identity();
+        sheared.Rotate(vl::AngleAxis(0, 0, 1, 0.5F));
+        sheared.Scale(Vector{1, 2, 1});
+        sheared.Rotate(vl::AngleAxis(0, 0, 1, 0.7F));
+        ExportNode* record = Add(*m_tool, nullptr, flags, sheared);
+        if (hasChild) Add(*m_tool, record, NF_GEOMETRY);
+        return m_tool->StaticPivot(record)->dwFlags;
+    };
+    EXPECT_EQ(contentFlags(false, NF_GEOMETRY), NF_GEOMETRY);
+    EXPECT_EQ(contentFlags(true, NF_GEOMETRY), NF_GEOMETRY | NF_GROUP);
+    EXPECT_EQ(contentFlags(false, NF_GROUP), NF_GROUP);
+    EXPECT_EQ(contentFlags(true, NF_GROUP), NF_GROUP);
+}
+
 TEST_F(Pivots, GroupsHandTheirObjectsToAChild) {
     NodeModel* mesh = AddMesh(*m_scene, nullptr);
     AddMesh(*m_scene, mesh);

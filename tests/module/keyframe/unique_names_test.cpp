@@ -129,4 +129,25 @@ TEST(NumberedNames, LongNamesAreNotCut) {
     EXPECT_TRUE(distinct.contains(name + u"19"));
 }
 
+// Numbers of more digits than a name may have keep their last ones, and go on at 0 after the last free one.
+TEST(UniqueNames, LongNumbersWrapRound) {
+    zrt::UniqueNames names(true);
+    int entered = 0;
+    for (int i = 9900; i < 10000; ++i, ++entered) {
+        const std::string digits = std::to_string(i);
+        names.Enter(std::u16string(digits.begin(), digits.end()), 4, 510);
+    }
+    for (; entered < 19950; ++entered) {
+        std::u16string name(4, u'a');
+        for (int i = entered, place = 0; place < 4; ++place, i /= 26)
+            name[3 - place] += static_cast<char16_t>(i % 26);
+        names.Enter(name, 4, 510);
+    }
+    std::u16string last(4, u'a');
+    for (int i = 19949, place = 0; place < 4; ++place, i /= 26)
+        last[3 - place] += static_cast<char16_t>(i % 26);
+    EXPECT_EQ(names.Enter(last, 4, 510), u"0000") << "9950 to 9999 are taken";
+    EXPECT_EQ(names.Enter(last, 4, 510), u"0001");
+}
+
 }  // namespace

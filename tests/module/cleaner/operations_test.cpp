@@ -10,8 +10,8 @@
 
 #include "kernix/scene/plain_objects.h"
 #include "module/cleaner/cleaner.h"
-#include "tests/module/cleaner_plain.h"
-#include "tests/module/cleaner_scenes.h"
+#include "tests/module/cleaner/plain_operations.h"
+#include "tests/module/cleaner/scenes.h"
 #include "tests/module/test_host.h"
 
 using cleaner_test::CallLog;

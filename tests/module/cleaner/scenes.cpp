@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/module/cleaner_scenes.h"
+#include "tests/module/cleaner/scenes.h"
 
 #include <memory>
 #include <random>

@@ -13,7 +13,7 @@
 #include "kernix/scene/plain_objects.h"
 #include "module/cleaner/cleaner.h"
 #include "module/frame/entry.h"
-#include "tests/module/cleaner_scenes.h"
+#include "tests/module/cleaner/scenes.h"
 #include "tests/module/test_host.h"
 
 using kernix::SceneModel;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/module/anim_fixture.h"
+#include "tests/module/animmanager/anim_fixture.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/module/cleaner_plain.h"
+#include "tests/module/cleaner/plain_operations.h"
 
 #include <cstring>
 #include <utility>

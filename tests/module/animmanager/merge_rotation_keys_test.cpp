@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "tests/module/anim_fixture.h"
+#include "tests/module/animmanager/anim_fixture.h"
 
 namespace {
 

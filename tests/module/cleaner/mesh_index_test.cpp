@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/ref.h"
-#include "tests/module/cleaner_plain.h"
+#include "tests/module/cleaner/plain_operations.h"
 
 namespace {
 
