@@ -41,7 +41,8 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
                    "Language of the module's texts: en, de, fr, ja or zh; else the user's")
         ->type_name("LANGUAGE")
         ->check([](const std::string& language) {
-            return LanguageTable(language) ? std::string() : Join("there are no texts in \"", language, "\"");
+            return kernix::LanguageTable(language) ? std::string()
+                                                   : Join("there are no texts in \"", language, "\"");
         })
         ->group(kGroup);
 }

@@ -4,8 +4,8 @@
 #include <unordered_map>
 
 #include "gltf/json.h"
-#include "kernix/utf.h"
 #include "host/material_name.h"
+#include "kernix/utf.h"
 
 namespace zr {
 namespace {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/operations/export/export_options.h"
-#include "kernix/scene/scene_model.h"
 #include "host/export_node.h"
+#include "kernix/scene/scene_model.h"
 
 namespace zr {
 

@@ -3,10 +3,10 @@
 
 #include "app/operations/export/export_options.h"
 #include "app/services/host.h"
+#include "host/export_node.h"
 #include "host/ref.h"
 #include "host/serializer.h"
 #include "kernix/scene/scene_model.h"
-#include "host/export_node.h"
 
 namespace zr {
 
