@@ -46,12 +46,13 @@ Ref<SceneModel> BuildScene() {
     auto scene = Ref<SceneModel>::AdoptNew(new SceneModel);
     kernix::NodeModel* box = scene->AddNode(nullptr, "box");
     auto geometry = std::make_shared<kernix::MeshGeometry>();
-    geometry->positions = {0, 0, 0, 1, 0, 0, 0, 1, 0};
+    geometry->positions = std::make_shared<kernix::Positions>(kernix::Positions{0, 0, 0, 1, 0, 0, 0, 1, 0});
     geometry->faceIndices = {0, 1, 2};
     geometry->Index();
-    const std::vector<kernix::MaterialModel*> materials = {scene->AddMaterial("red", "red")};
-    box->SetObject(
-        Ref<vl::zr::Object3D>::AdoptNew(new kernix::MeshModel(std::move(geometry), nullptr, materials, 0)));
+    auto uses = std::make_shared<kernix::MaterialUses>();
+    uses->Add(scene->AddMaterial("red", "red"));
+    box->SetObject(Ref<vl::zr::Object3D>::AdoptNew(
+        new kernix::MeshModel(std::move(geometry), nullptr, std::move(uses), 0)));
     scene->AddNode(nullptr, "empty");
 
     for (const bool alongX : {true, false}) {
