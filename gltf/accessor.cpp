@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -186,6 +187,9 @@ std::vector<std::uint32_t> ReadIntegers(const Document& document, std::size_t ac
 
 std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values) {
     const unsigned components = ShapeOf(type)->Components();
+    if (!std::all_of(values.begin(), values.end(), [](float value) { return std::isfinite(value); }))
+        document.Fail(ErrorKind::kNumber, Join("/accessors/", document.Elements(Kind::kAccessor).size()),
+                      "a number to be written is not finite");
     const bool isVertexData = use == Use::kPosition || use == Use::kAttribute;
     const std::size_t view = document.AppendView(std::as_bytes(values), isVertexData ? kVertexTarget : 0, 0);
     Json json = NewAccessor(document, view, Component::kFloat, values.size() / components, type);

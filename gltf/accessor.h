@@ -44,6 +44,10 @@ struct AccessorInfo {
     // Bytes from column to column (matrix columns start at multiples of 4) and of a whole element.
     std::size_t ColumnSize() const;
     std::size_t ElementSize() const { return ColumnSize() * shape.columns; }
+    // Bytes of the last element, which needs no padding behind its last column.
+    std::size_t LastElementSize() const {
+        return ColumnSize() * (shape.columns - 1) + ComponentSize() * shape.rows;
+    }
 };
 
 // Of a checked document; `accessor` is an index in range.
@@ -69,7 +73,7 @@ enum class Use {
 };
 
 // Adds an accessor of floats with a view of its own: its index. values.size() is a multiple of the components
-// of `type` and not 0; values are finite.
+// of `type` and not 0. Throws Error (kNumber), nothing added, unless all values are finite.
 std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values);
 // Adds an accessor of vertex indices (at least one), in 16 bits where that holds them without the value that
 // restarts a strip.

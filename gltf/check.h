@@ -14,6 +14,8 @@ void CheckStructure(Document& document);
 void CheckResources(Document& document);
 // Byte ranges of views and accessors, strides, sparse indices. Buffers are loaded.
 void CheckAccessors(const Document& document);
+// Floats are finite; a document whose are not is warned of.
+void CheckNumbers(Document& document);
 // Nodes form trees, scenes list roots, joints of a skin share a root.
 void CheckHierarchy(const Document& document);
 // Counts and types of vertex data agree, indices name vertices.

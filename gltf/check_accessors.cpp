@@ -11,8 +11,9 @@
 namespace zr::gltf {
 namespace {
 
-// Elements that no stored data backs cost nothing in the file but memory when they are read.
-constexpr std::uint64_t kMaxUnstoredComponents = std::uint64_t{1} << 26;
+// Elements that no stored data backs cost the file nothing: what is made of them weighs as much again as what
+// is read.
+constexpr std::uint64_t kUnstoredWeight = 4;
 constexpr std::uint64_t kMaxCount = std::uint64_t{1} << 40;  // keeps every product below 2^64
 
 // A place in an element; as text only when there is a fault to tell.
@@ -60,10 +61,11 @@ public:
         const AccessorInfo info = Describe(m_document, index);
         if (info.count > kMaxCount) Limit(spot.Place("/count"));
         const Json* sparse = accessor.Find("sparse");
-        if (accessor.Find("bufferView") != nullptr)
-            InView(accessor, info.ElementSize(), info.count, spot);
-        else if ((m_unstored += info.count * info.shape.Components()) > kMaxUnstoredComponents)
-            Limit(spot.Place("/count"));
+        const bool isStored = accessor.Find("bufferView") != nullptr;
+        if (isStored) InView(accessor, info, info.count, spot);
+        // However often its bytes are named, everything can be read once.
+        m_decoded += info.count * info.shape.Components() * sizeof(float) * (isStored ? 1 : kUnstoredWeight);
+        if (m_decoded > m_document.Budget().Total()) Limit(spot.Place("/count"));
         for (std::string_view bound : {"min", "max"}) {
             const Json* values = accessor.Find(bound);
             if (values != nullptr && values->Items().size() != info.shape.Components())
@@ -83,8 +85,9 @@ private:
                             Join(Range(offset, length, available), " in its buffer"));
     }
 
-    // `count` elements of `size` bytes, at the view and offset that `part` names.
-    void InView(const Json& part, std::uint64_t size, std::uint64_t count, const Spot& spot) {
+    // `count` elements as `info` tells of them, at the view and offset that `part` names.
+    void InView(const Json& part, const AccessorInfo& info, std::uint64_t count, const Spot& spot) {
+        const std::uint64_t size = info.ElementSize();
         const Json& view = m_document.Elements(Kind::kBufferView)[IndexMember(part, "bufferView")];
         const std::uint64_t stride = IndexMember(view, "byteStride", size);
         const std::uint64_t offset = IndexMember(part, "byteOffset"),
@@ -93,7 +96,7 @@ private:
             m_document.Fail(ErrorKind::kBounds, spot.Place(),
                             Join("elements of ", size, " bytes in steps of ", stride));
         if (count > kMaxCount) Limit(spot.Place());
-        const std::uint64_t length = count == 0 ? 0 : stride * (count - 1) + size;
+        const std::uint64_t length = count == 0 ? 0 : stride * (count - 1) + info.LastElementSize();
         if (offset > available || length > available - offset)
             m_document.Fail(ErrorKind::kBounds, spot.Place(),
                             Join(Range(offset, length, available), " in its view"));
@@ -109,9 +112,9 @@ private:
         if (component != 5121 && component != 5123 && component != 5125)
             Fail(spot.Place("/indices/componentType"), "is no unsigned component type");
         const std::size_t size = SizeOf(component);
-        InView(indices, size, count, {spot.collection, spot.index, "/sparse/indices"});
-        InView(*sparse.Find("values"), info.ElementSize(), count,
-               {spot.collection, spot.index, "/sparse/values"});
+        const AccessorInfo places{static_cast<Component>(component), {}, count, false};
+        InView(indices, places, count, {spot.collection, spot.index, "/sparse/indices"});
+        InView(*sparse.Find("values"), info, count, {spot.collection, spot.index, "/sparse/values"});
         const auto bytes = m_document.ViewBytes(IndexMember(indices, "bufferView"));
         if (!bytes) return;
         const std::size_t view = IndexMember(indices, "bufferView");
@@ -135,11 +138,11 @@ private:
         m_document.Fail(ErrorKind::kStructure, place, text);
     }
     [[noreturn]] void Limit(const std::string& place) {
-        m_document.Fail(ErrorKind::kLimit, place, "more elements than a file without their data may ask for");
+        m_document.Fail(ErrorKind::kLimit, place, "more elements than a file of this size may ask for");
     }
 
     const Document& m_document;
-    std::uint64_t m_unstored = 0;
+    std::uint64_t m_decoded = 0;
 };
 
 }  // namespace

@@ -12,13 +12,6 @@
 namespace zr::gltf {
 namespace {
 
-const Json* Collection(const Json& root, Kind kind) {
-    const Json* at = &root;
-    for (std::string_view name : Info(kind).Path())
-        if ((at = at->Find(name)) == nullptr) return nullptr;
-    return at;
-}
-
 // Whether a text goes over lines; its first ones tell.
 bool IsIndented(std::string_view text) {
     constexpr std::size_t kLooked = 4096;
@@ -34,22 +27,42 @@ std::size_t IndexMember(const Json& object, std::string_view name, std::size_t o
     return index ? static_cast<std::size_t>(*index) : otherwise;
 }
 
+Document::Document(const std::filesystem::path& file, const LoadOptions& options)
+    : m_file(file), m_options(options), m_budget(options.maxMemory) {}
+
 Document Document::Load(const std::filesystem::path& file, const LoadOptions& options) {
-    Document document;
-    document.m_file = file;
-    document.m_options = options;
-    document.Read(ReadFile(file));
+    Document document(file, options);
+    document.Read(document.ReadInput(file));
     return document;
 }
 
 Document Document::FromBytes(Bytes content, const std::filesystem::path& file, const LoadOptions& options) {
-    Document document;
-    document.m_file = file;
-    document.m_options = options;
+    Document document(file, options);
     FileContent copy{std::make_unique_for_overwrite<std::byte[]>(content.size() + 1), content.size()};
     std::copy(content.begin(), content.end(), copy.data.get());
+    if (!document.m_budget.AddInput(copy.size)) document.FailOverBudget("");
+    document.m_sourceSize = copy.size;
     document.Read(std::move(copy));
     return document;
+}
+
+FileContent Document::ReadInput(const std::filesystem::path& file) {
+    std::error_code none;
+    const bool isFile = std::filesystem::is_regular_file(file, none);
+    // Only what tells its size before it is read makes the default budget grow.
+    FileContent content = ReadFile(file, isFile && m_options.maxMemory == 0 ? kNoLimit : m_budget.Left());
+    if (!m_budget.AddInput(content.size)) FailOverBudget("");
+    m_sourceSize += content.size;
+    return content;
+}
+
+void Document::FailOverBudget(std::string_view place) const {
+    Fail(ErrorKind::kLimit, place,
+         Join("needs more memory than the budget of ", m_budget.Total() >> 20, " MiB"));
+}
+
+void Document::Claim(std::uint64_t bytes, std::string_view place) {
+    if (!m_budget.Take(bytes)) FailOverBudget(place);
 }
 
 void Document::Fail(ErrorKind kind, std::string_view place, std::string_view text) const {
@@ -76,9 +89,15 @@ void Document::Read(FileContent content) {
         hasBin = layout.hasBin;
         bin = m_content.MutableView().subspan(layout.binOffset, layout.binSize);
         m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
+        if (layout.size != m_content.size)
+            Warn(ErrorKind::kContainer, Join("byte ", layout.size),
+                 Join("is not part of the container, nor what follows: ", m_content.size - layout.size,
+                      " in all"));
     }
     m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);
+    for (std::size_t i = 0; i < kKinds; ++i) Elements(static_cast<Kind>(i));
+    Claim(m_tree.Size(), "");
     CheckStructure(*this);
     CheckResources(*this);
     LoadBuffers(bin, hasBin);
@@ -86,6 +105,7 @@ void Document::Read(FileContent content) {
     CheckHierarchy(*this);
     CheckMeshes(*this);
     CheckAnimations(*this);
+    CheckNumbers(*this);
 }
 
 void Document::LoadBuffers(std::span<std::byte> bin, bool hasBin) {
@@ -119,6 +139,7 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
         buffer.origin = Origin::kText;
         buffer.owned = std::move(*decoded);
         buffer.bytes = buffer.owned;
+        Claim(buffer.owned.size(), place);
         return buffer;
     }
     const auto path = FileOf(uri, place);
@@ -127,7 +148,9 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
     buffer.origin = Origin::kFile;
     buffer.path = *path;
     try {
-        buffer.file = ReadFile(Folder() / *path);
+        buffer.file = ReadInput(Folder() / *path);
+    } catch (const Error&) {
+        throw;
     } catch (const zr::Error& error) {
         Fail(ErrorKind::kFile, place, error.what());
     }
@@ -137,13 +160,19 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
 }
 
 std::span<Json> Document::Elements(Kind kind) {
-    Json* collection = const_cast<Json*>(Collection(m_tree.root, kind));
-    return collection != nullptr ? collection->Items() : std::span<Json>();
+    Json* at = &m_tree.root;
+    std::size_t step = 0;
+    for (std::string_view name : Info(kind).Path())
+        if ((at = m_tree.Find(*at, name, m_finds[Ordinal(kind)][step++])) == nullptr) return {};
+    return at->Items();
 }
 
 std::span<const Json> Document::Elements(Kind kind) const {
-    const Json* collection = Collection(m_tree.root, kind);
-    return collection != nullptr ? collection->Items() : std::span<const Json>();
+    const Json* at = &m_tree.root;
+    std::size_t step = 0;
+    for (std::string_view name : Info(kind).Path())
+        if ((at = m_tree.Find(*at, name, m_finds[Ordinal(kind)][step++])) == nullptr) return {};
+    return at->Items();
 }
 
 std::size_t Document::Append(Kind kind, Json element) {

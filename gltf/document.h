@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -10,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/budget.h"
 #include "base/file_transaction.h"
 #include "gltf/error.h"
 #include "gltf/json.h"
@@ -18,7 +21,8 @@
 namespace zr::gltf {
 
 struct LoadOptions {
-    bool allowOutside = false;  // files that URIs name may stand outside the document's folder
+    bool allowOutside = false;    // files that URIs name may stand outside the document's folder
+    std::uint64_t maxMemory = 0;  // bytes, a stated Budget; 0: the default one
 };
 
 // A glTF 2.0 document: its JSON tree, edited in place, and its buffers. What the program does not know goes
@@ -37,6 +41,14 @@ public:
     const Json& Root() const { return m_tree.root; }
     const std::filesystem::path& File() const { return m_file; }
     [[noreturn]] void Fail(ErrorKind kind, std::string_view place, std::string_view text) const;
+
+    // Takes memory that the document's content asks for, beyond what it takes itself, from its budget. Throws
+    // Error (kLimit, at `place`) when there is not as much left. One thread at a time.
+    void Claim(std::uint64_t bytes, std::string_view place);
+    const zr::Budget& Budget() const { return m_budget; }
+
+    // Bytes of all files the document came in: its own, its buffers, images and the like.
+    std::uint64_t SourceSize() const { return m_sourceSize; }
 
     // Faults that do not keep the document from being used: files that it names and that are not there.
     std::span<const Error> Warnings() const { return m_warnings; }
@@ -80,11 +92,12 @@ public:
     // needs beside it under names that nothing has; the files appear when `files` is committed. Files of its
     // own that the document came with are found from there too: kept in the same folder, copied into another
     // one, taken into a container made from text. Buffers that an earlier save placed beside the target and
-    // that nothing uses any more go with the commit. The document is spent afterwards. Throws Error.
-    void Save(const std::filesystem::path& target, FileTransaction& files);
+    // that nothing uses any more go with the commit. The document is spent afterwards. Returns the bytes of
+    // all its files, as SourceSize counts them. Throws Error.
+    std::uint64_t Save(const std::filesystem::path& target, FileTransaction& files);
     // The same, committed. beforeCommit is called when all is written and no file has appeared yet; what it
     // throws leaves everything as it was.
-    void Save(
+    std::uint64_t Save(
         const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
 private:
@@ -103,17 +116,26 @@ private:
         std::span<std::byte> bytes;  // in one of these, or in the container
     };
     friend class Saver;
+    friend void CheckResources(Document& document);
+
+    Document(const std::filesystem::path& file, const LoadOptions& options);
 
     void Read(FileContent content);
+    // A file, as far as the budget goes.
+    FileContent ReadInput(const std::filesystem::path& file);
+    [[noreturn]] void FailOverBudget(std::string_view place) const;
     void LoadBuffers(std::span<std::byte> bin, bool hasBin);
     Buffer LoadBuffer(const Json& json, std::size_t index);
 
     std::filesystem::path m_file;
     LoadOptions m_options;
+    zr::Budget m_budget;
+    std::uint64_t m_sourceSize = 0;
     std::vector<Error> m_warnings;
     std::vector<std::filesystem::path> m_bufferFiles;  // that the document came with, relative to it
     FileContent m_content;
     JsonTree m_tree;
+    std::array<std::array<JsonFind, KindInfo::kMaxDepth>, kKinds> m_finds;  // of the collections
     std::vector<Buffer> m_buffers;
     std::optional<std::size_t> m_newBuffer;
     Bytes m_rest;  // chunks of a container that are not known

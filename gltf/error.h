@@ -19,6 +19,7 @@ enum class ErrorKind {
     kHierarchy,  // nodes that form no tree, joints without a common root
     kAnimation,  // key times or values that make no curve
     kMesh,       // vertex data that does not fit together
+    kNumber,     // a number that is not finite
     kLimit,      // more than a file of its size may ask for
 };
 

@@ -42,9 +42,11 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
     if (Word(file, 4) != 2)
         throw Error(ErrorKind::kVersion, name, "byte 4",
                     Join("container version ", Word(file, 4), " instead of 2"));
-    if (Word(file, 8) != file.size())
-        fail(8, Join("the header tells ", Word(file, 8), " bytes, the file has ", file.size()));
     GlbLayout layout;
+    layout.size = Word(file, 8);
+    if (layout.size > file.size() || layout.size < kHeader)
+        fail(8, Join("the header tells ", layout.size, " bytes, the file has ", file.size()));
+    file = file.first(layout.size);
     std::size_t offset = kHeader;
     for (int chunk = 0; offset < file.size(); ++chunk) {
         if (file.size() - offset < kChunkHeader) fail(offset, "the file ends in a chunk's header");

@@ -19,6 +19,7 @@ struct GlbLayout {
     bool hasBin = false;
     std::size_t restOffset = 0;  // chunks of other types after these two, with their headers
     std::size_t restSize = 0;
+    std::size_t size = 0;  // of the container; bytes behind it are none of its content
 };
 
 bool IsGlb(Bytes file);

@@ -1,20 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/json.h"
 
+#include "gltf/error.h"
+
 #include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace zr::gltf {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
+constexpr std::size_t kLargeObject = 16;  // members; going over fewer costs nothing
 
 template <typename T>
 std::string_view Shortest(T value, std::span<char, 40> buffer) {
+    if constexpr (std::is_floating_point_v<T>)
+        if (!std::isfinite(value))
+            throw Error(ErrorKind::kNumber, "", "", "a number to be written is not finite");
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
     return {buffer.data(), result.ptr};
 }
@@ -62,6 +69,7 @@ void* JsonTree::Allocate(std::size_t bytes) {
     if (bytes > m_left) {
         const std::size_t size = std::max(bytes, kBlock);
         m_blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
+        m_size += size;
         // A block of its own leaves the current one in use.
         if (size > kBlock) return m_blocks.back().get();
         m_free = m_blocks.back().get();
@@ -145,8 +153,31 @@ Json& JsonTree::Append(Json& array, Json item) {
 
 Json& JsonTree::Member(Json& object, std::string_view name) {
     if (Json* found = object.Find(name)) return *found;
+    m_additions += object.m_size >= kLargeObject;
     object.m_members = reinterpret_cast<JsonMember*>(Grow(object, sizeof(JsonMember)));
     return (new (object.m_members + object.m_size++) JsonMember{MakeString(name), Json()})->value;
+}
+
+const Json* JsonTree::Find(const Json& object, std::string_view name, const JsonFind& find) const {
+    const auto members = object.Members();
+    if (find.position < members.size() && members[find.position].Name() == name)
+        return &members[find.position].value;
+    const bool isAbsent = find.absentIn == members.data() && find.absentSize == members.size() &&
+                          find.additions == m_additions && members.size() >= kLargeObject;
+    return isAbsent ? nullptr : object.Find(name);
+}
+
+Json* JsonTree::Find(Json& object, std::string_view name, JsonFind& find) {
+    const auto members = object.Members();
+    if (Find(std::as_const(object), name, std::as_const(find)) == nullptr) {
+        find = {0, members.data(), static_cast<std::uint32_t>(members.size()), m_additions};
+        return nullptr;
+    }
+    const auto isIt = [name](const JsonMember& member) { return member.Name() == name; };
+    if (find.position >= members.size() || !isIt(members[find.position]))
+        find.position =
+            static_cast<std::uint32_t>(std::find_if(members.begin(), members.end(), isIt) - members.begin());
+    return &members[find.position].value;
 }
 
 Json JsonTree::Clone(const Json& source) {

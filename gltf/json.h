@@ -85,6 +85,16 @@ struct JsonMember {
     std::string_view Name() const { return key.String(); }
 };
 
+// What an earlier look for a member of an object found, so that looking again need not go over a large
+// object.
+struct JsonFind {
+    std::uint32_t position = 0;
+    // The members that held none of the name, and how many had been added to large objects by then.
+    const JsonMember* absentIn = nullptr;
+    std::uint32_t absentSize = 0;
+    std::size_t additions = 0;
+};
+
 // Owns the storage of a document's values. Storage that an edit leaves unused goes with the tree.
 class JsonTree {
 public:
@@ -101,8 +111,9 @@ public:
     Json Build(std::string_view text);
 
     Json MakeString(std::string_view text);
-    Json MakeNumber(double value);  // finite; shortest text that reads back as the same double
-    Json MakeNumber(float value);   // finite; shortest text that reads back as the same float
+    // The shortest text that reads back as the same number. Throws Error (kNumber) unless it is finite.
+    Json MakeNumber(double value);
+    Json MakeNumber(float value);
     Json MakeIndex(std::uint64_t value);
     Json MakeNumbers(std::span<const float> values);
     static Json MakeBool(bool value);
@@ -113,8 +124,15 @@ public:
     Json& Member(Json& object, std::string_view name);
     Json& Append(Json& array, Json item);
 
+    // The member of that name, or null; `find` belongs to this object and name.
+    Json* Find(Json& object, std::string_view name, JsonFind& find);
+    const Json* Find(const Json& object, std::string_view name, const JsonFind& find) const;
+
     // A copy of the content, from this or another tree.
     Json Clone(const Json& source);
+
+    // Bytes that the storage takes.
+    std::size_t Size() const { return m_size; }
 
 private:
     friend class JsonBuilder;
@@ -126,6 +144,8 @@ private:
     std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     std::byte* m_free = nullptr;
     std::size_t m_left = 0;
+    std::size_t m_size = 0;
+    std::size_t m_additions = 0;  // of members to large objects
 };
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.

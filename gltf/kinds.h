@@ -36,9 +36,11 @@ constexpr std::size_t Ordinal(Kind kind) {
 }
 
 struct KindInfo {
+    static constexpr std::size_t kMaxDepth = 3;
+
     std::string_view noun;  // "node", for messages and for guessing what an unknown index means
-    std::array<std::string_view, 3> path;  // members that lead from the root to the collection
-    std::size_t depth;                     // how many of them
+    std::array<std::string_view, kMaxDepth> path;  // members that lead from the root to the collection
+    std::size_t depth;                             // how many of them
 
     std::span<const std::string_view> Path() const { return {path.data(), depth}; }
 };

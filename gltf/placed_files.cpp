@@ -54,11 +54,11 @@ fs::path PlacedFiles::Place(const fs::path& wished, Bytes content) {
     const bool isInFolder = wished.is_relative() && *wished.begin() != "..";
     if (isInFolder && IsFree(wished)) {
         m_files.AddNew(At(wished), content);
-        m_placed.insert(wished);
+        m_placed.emplace(wished, content.size());
         return wished;
     }
     if (isInFolder && !IsScene(wished) && !m_files.Has(At(wished)) && HoldsSame(At(wished), content)) {
-        m_placed.insert(wished);
+        m_placed.emplace(wished, content.size());
         return wished;
     }
     return PlaceNew(PathToUtf8(wished.extension()), content);
@@ -73,9 +73,15 @@ fs::path PlacedFiles::PlaceNew(std::string_view extension, Bytes content) {
             m_files.AddNew(At(name), content);
         else if (IsScene(name) || m_files.Has(At(name)) || !HoldsSame(At(name), content))
             continue;
-        m_placed.insert(name);
+        m_placed.emplace(name, content.size());
         return name;
     }
+}
+
+std::uint64_t PlacedFiles::PlacedSize() const {
+    std::uint64_t size = 0;
+    for (const auto& [name, bytes] : m_placed) size += bytes;
+    return size;
 }
 
 fs::path PlacedFiles::NumberedName(unsigned number, std::string_view extension) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -33,6 +34,9 @@ public:
     // any more and have no other user in the folder.
     void Supersede(std::span<const std::filesystem::path> oldBuffers);
 
+    // Bytes of all files that were placed.
+    std::uint64_t PlacedSize() const;
+
     bool IsScene(const std::filesystem::path& name) const;
 
 private:
@@ -46,8 +50,8 @@ private:
     std::filesystem::path m_folder;
     FileTransaction& m_files;
     std::set<std::filesystem::path> m_kept;
-    std::set<std::filesystem::path> m_placed;
-    std::map<std::string, unsigned, std::less<>> m_next;  // the number to try next, by extension
+    std::map<std::filesystem::path, std::uint64_t> m_placed;  // bytes, by name
+    std::map<std::string, unsigned, std::less<>> m_next;      // the number to try next, by extension
 };
 
 }  // namespace zr::gltf

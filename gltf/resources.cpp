@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <array>
+#include <set>
 
 #include "base/text.h"
 #include "gltf/check.h"
@@ -70,6 +70,7 @@ std::optional<fs::path> Document::FileOf(std::string_view uri, std::string_view 
 }
 
 void CheckResources(Document& document) {
+    std::set<fs::path> counted;
     ForEachResource(document, [&](Json& element, const std::string& place) {
         const Json* uri = element.Find("uri");
         if (uri == nullptr || !uri->IsString() || IsDataUri(uri->String())) return;
@@ -79,7 +80,9 @@ void CheckResources(Document& document) {
         if (!path)
             document.Warn(ErrorKind::kUri, at,
                           Join(Quoted(uri->String()), " names no file and stays as it is"));
-        else if (!std::filesystem::exists(document.Folder() / *path, failure))
+        else if (const auto size = fs::file_size(document.Folder() / *path, failure); !failure)
+            document.m_sourceSize += counted.insert(*path).second ? size : 0;
+        else
             document.Warn(ErrorKind::kFile, at, Join(Quoted(uri->String()), " is missing"));
     });
 }

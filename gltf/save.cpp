@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 #include <optional>
+#include <set>
 
 #include "base/text.h"
 #include "gltf/document.h"
@@ -59,7 +60,7 @@ public:
           m_files(files),
           m_names(target, files) {}
 
-    void Run() {
+    std::uint64_t Run() {
         const std::vector<fs::path> oldBuffers = BuffersOfTarget();
         NoteKeptFiles();
         ForEachResource(m_document,
@@ -79,6 +80,10 @@ public:
             writeJson();
             file.Write("\n");
         }
+        std::uint64_t size = file.Size() + m_names.PlacedSize();
+        std::error_code none;
+        for (const fs::path& name : m_stay) size += fs::file_size(m_target.parent_path() / name, none);
+        return size;
     }
 
 private:
@@ -130,14 +135,21 @@ private:
         }
         const auto path = m_document.FileOf(uri->String(), place);
         if (!path) return;
-        const bool stays = m_sameFolder && !m_names.IsScene(*path);
-        if (stays && !embed) return;
         const fs::path source = m_document.Folder() / *path;
         std::error_code missing;
         if (!fs::exists(source, missing)) return;
+        const bool stays = m_sameFolder && !m_names.IsScene(*path);
+        if (stays && !embed) {
+            m_stay.insert(*path);
+            return;
+        }
         if (!embed) return Copy(*uri, *path, std::nullopt);
         const FileContent content = ReadFile(source);
-        if (!Embed(element, content.View()) && !stays) Copy(*uri, *path, content.View());
+        if (Embed(element, content.View())) return;
+        if (stays)
+            m_stay.insert(*path);
+        else
+            Copy(*uri, *path, content.View());
     }
 
     // Brings a file beside the target; `content`: where it was read already.
@@ -172,6 +184,9 @@ private:
         std::vector<std::size_t> merged;
         for (std::size_t i = 0; i < buffers.size(); ++i)
             if (isOwn(buffers[i]) || (all && buffers[i].origin != Origin::kNotStored)) merged.push_back(i);
+        if (merged.empty() && all && !buffers.empty() &&
+            !OpaqueReferences(m_document).kinds.Has(Kind::kBuffer))
+            merged.push_back(AddPlaceholder());
         const bool noneOwn =
             std::none_of(merged.begin(), merged.end(), [&](std::size_t i) { return isOwn(buffers[i]); });
         if (merged.empty() || (m_document.m_isGlb && noneOwn)) return;
@@ -221,11 +236,26 @@ private:
         m_document.EraseBuffers(keep);
     }
 
+    // The first buffer of a container without a URI stands for its chunk: one of a text document that stored
+    // nothing must not become the first.
+    std::size_t AddPlaceholder() {
+        const std::size_t index = m_document.Append(Kind::kBuffer, JsonTree::MakeObject());
+        m_tree.Member(m_document.Elements(Kind::kBuffer)[index], "byteLength") =
+            m_tree.MakeIndex(kZeros.size());
+        Buffer& buffer = m_document.m_buffers[index];
+        buffer.origin = Origin::kNew;
+        buffer.owned.resize(kZeros.size());
+        buffer.bytes = buffer.owned;
+        return index;
+    }
+
     void PlaceBuffer(std::size_t index) {
         const Buffer& buffer = m_document.m_buffers[index];
         Json& json = m_document.Elements(Kind::kBuffer)[index];
         if (buffer.origin == Origin::kFile && (!m_sameFolder || m_names.IsScene(buffer.path)))
             Copy(*json.Find("uri"), buffer.path, buffer.bytes);
+        else if (buffer.origin == Origin::kFile)
+            m_stay.insert(buffer.path);
         if (buffer.origin != Origin::kContainer && buffer.origin != Origin::kNew) return;
         if (IsSelfContained()) {
             const std::string_view text(reinterpret_cast<const char*>(buffer.bytes.data()),
@@ -256,23 +286,25 @@ private:
     bool m_toGlb;
     bool m_sameFolder;
     std::map<fs::path, fs::path> m_copied;
+    std::set<fs::path> m_stay;
     std::vector<Bytes> m_bin;
     std::vector<Buffer> m_keptAlive;
     FileTransaction& m_files;
     PlacedFiles m_names;
 };
 
-void Document::Save(const fs::path& target, FileTransaction& files) {
+std::uint64_t Document::Save(const fs::path& target, FileTransaction& files) {
     if (target.extension() != ".glb" && target.extension() != ".gltf")
         throw Error(ErrorKind::kFile, PathToUtf8(target), "", "a scene's name ends in .gltf or .glb");
-    Saver(*this, target, files).Run();
+    return Saver(*this, target, files).Run();
 }
 
-void Document::Save(const fs::path& target, const std::function<void()>& beforeCommit) {
+std::uint64_t Document::Save(const fs::path& target, const std::function<void()>& beforeCommit) {
     FileTransaction files;
-    Save(target, files);
+    const std::uint64_t size = Save(target, files);
     beforeCommit();
     files.Commit();
+    return size;
 }
 
 }  // namespace zr::gltf

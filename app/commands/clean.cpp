@@ -52,14 +52,6 @@ std::array<bool, kCleanSteps> ChosenSteps(const Arguments& arguments) {
     return steps;
 }
 
-// The size of a scene with the files that it names is not known without it; the scene's own file tells
-// enough.
-std::uintmax_t SizeOf(const std::filesystem::path& file) {
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(file, error);
-    return error ? 0 : size;
-}
-
 // The process gives its memory back as a whole, faster than piece by piece.
 void LeaveToTheEnd(std::shared_ptr<void> work) {
     static auto* const left = new std::vector<std::shared_ptr<void>>;
@@ -88,14 +80,13 @@ public:
         const auto cleaner = m_session.GetHost().Create<zr_CLEANER>(kTypeCleaner);
         CleanReport cleaned;
         cleaned.scene = task.input;
-        cleaned.bytesBefore = SizeOf(task.input);
+        cleaned.bytesBefore = document.SourceSize();
         cleaned.result =
             CleanDocument(document, *cleaner, m_environment, m_session.GetContext(), m_options, onProgress);
         m_session.ThrowIfStopped();
         if (out) {
-            SaveDocument(m_session, document, *out);
+            cleaned.bytesAfter = SaveDocument(m_session, document, *out);
             cleaned.output = task.output;
-            cleaned.bytesAfter = SizeOf(out->Path());
         }
         report.Note("left alone", CleanRefusals(cleaned));
         report.text = CleanReportText(cleaned, m_arguments.dryRun, m_arguments.explain);

@@ -11,8 +11,10 @@
 
 #include "app/commands/report.h"
 #include "app/commands/session.h"
+#include "base/budget.h"
 #include "base/error.h"
 #include "base/file.h"
+#include "base/text.h"
 
 namespace zr {
 namespace {
@@ -29,8 +31,7 @@ fs::path NewFolder() {
 
 // The stream itself is read: opening it again by a name would wait for another writer where it is a named
 // pipe.
-std::vector<std::byte> ReadStandardInput() {
-    constexpr std::uint64_t kMost = std::uint64_t{4} << 30;  // what a binary container can hold
+std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
     constexpr std::size_t kStep = 1 << 20;
     std::vector<std::byte> content;
     for (std::size_t size = 0;;) {
@@ -39,7 +40,8 @@ std::vector<std::byte> ReadStandardInput() {
         content.resize(size += got);
         if (std::ferror(stdin) != 0)
             throw Error("standard input", "", "cannot be read: " + std::generic_category().message(errno));
-        if (size > kMost) throw Error("standard input", "", "more than a scene can hold");
+        if (size > limit)
+            throw Error("standard input", "", Join("has more than the ", limit, " bytes that may be read of it"));
         if (got < kStep) return content;
     }
 }
@@ -52,9 +54,11 @@ std::string EndingOf(const std::string& format) {
 
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report) {
     const gltf::LoadOptions& options = session.Options().load;
-    gltf::Document document = name == kStandardStream
-                                  ? gltf::Document::FromBytes(ReadStandardInput(), "standard input", options)
-                                  : gltf::Document::Load(PathFromUtf8(name), options);
+    gltf::Document document =
+        name == kStandardStream
+            ? gltf::Document::FromBytes(ReadStandardInput(Budget(options.maxMemory).Total()), "standard input",
+                                        options)
+            : gltf::Document::Load(PathFromUtf8(name), options);
     for (const gltf::Error& warning : document.Warnings()) report.notes.emplace_back(warning.what());
     return document;
 }
@@ -94,9 +98,10 @@ void OutputTarget::Finish() {
     std::fwrite(content.data.get(), 1, content.size, stdout);
 }
 
-void SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out) {
-    document.Save(out.Path(), [&session] { session.ThrowIfStopped(); });
+std::uint64_t SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out) {
+    const std::uint64_t size = document.Save(out.Path(), [&session] { session.ThrowIfStopped(); });
     out.Finish();
+    return size;
 }
 
 }  // namespace zr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -43,8 +44,8 @@ private:
     std::filesystem::path m_folder;  // temporary; empty: none
 };
 
-// Writes the document. When the user stops it before all is written, nothing has changed. Throws Error and
-// Stopped.
-void SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out);
+// Writes the document: the bytes of all its files. When the user stops it before all is written, nothing has
+// changed. Throws Error and Stopped.
+std::uint64_t SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out);
 
 }  // namespace zr

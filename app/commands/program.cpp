@@ -37,6 +37,16 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
     app.add_flag("--allow-outside", options.load.allowOutside,
                  "Also read files of a scene that stand outside its folder")
         ->group(kGroup);
+    app.add_option_function<double>(
+           "--max-memory",
+           [&options](double mebibytes) {
+               constexpr double kMebibyte = 1 << 20;
+               options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
+           },
+           "Memory that the content of a scene may take; else 256, or 32 times the scene's size")
+        ->type_name("MIB")
+        ->check(CLI::Range(1.0, 1e6))
+        ->group(kGroup);
     app.add_option("--language", options.language,
                    "Language of the module's texts: en, de, fr, ja or zh; else the user's")
         ->type_name("LANGUAGE")

@@ -45,9 +45,11 @@ TextFormat FormatOf(const std::filesystem::path& target, bool isMesh) {
     return TextFormat::kObj;
 }
 
+constexpr std::uint64_t kMaxText = std::uint64_t{4} << 20;  // bytes of a text file
+
 // A file's lines end as the module breaks lines: with a carriage return and a line feed.
 std::u16string ReadText(const std::string& file) {
-    const FileContent content = ReadFile(PathFromUtf8(file));
+    const FileContent content = ReadFile(PathFromUtf8(file), kMaxText);
     std::string text;
     for (const std::byte byte : content.View()) {
         const auto c = static_cast<char>(byte);

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "tests/gltf/sample.h"
 
 namespace zr::gltf {
@@ -53,6 +56,31 @@ TEST(Accessor, StridesOffsetsAndPaddedColumns) {
               (Values{1, 2, 3, 4}));
     EXPECT_EQ(ReadFloats(With(Accessor("MAT3", 5121, 1), std::string("\1\2\3x\4\5\6x\7\10\11x", 12)), 0),
               (Values{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+}
+
+TEST(Accessor, TheLastColumnNeedsNoPadding) {
+    EXPECT_EQ(ReadFloats(With(Accessor("MAT2", 5121, 1), std::string("\1\2xx\3\4", 6)), 0),
+              (Values{1, 2, 3, 4}));
+    EXPECT_THROW(With(Accessor("MAT2", 5121, 1), std::string("\1\2xx\3", 5)), Error);
+    EXPECT_THROW(With(Accessor("MAT2", 5121, 2), std::string(13, 'x')), Error);
+}
+
+TEST(Accessor, NumbersThatAreNotFiniteAreToldAndNotWritten) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    const std::string bytes = test::Floats({0, 1, 2, 3, 4, kInfinity});
+    EXPECT_EQ(With(Accessor("VEC3", 5126, 2), bytes).Warnings().size(), 1U);
+    EXPECT_EQ(With(Accessor("VEC2", 5126, 3), bytes).Warnings().size(), 1U);
+    EXPECT_TRUE(With(Accessor("VEC2", 5126, 2), bytes).Warnings().empty());
+    EXPECT_TRUE(With(Accessor("VEC2", 5126, 2), bytes, R"(,"byteStride":12)").Warnings().empty());
+    EXPECT_TRUE(With(Accessor("VEC4", 5121, 6), bytes).Warnings().empty());
+
+    Document document = test::Sample();
+    const std::size_t before = document.Elements(Kind::kAccessor).size();
+    for (float bad : {kInfinity, -kInfinity, std::numeric_limits<float>::quiet_NaN()})
+        EXPECT_THROW(AppendFloats(document, "SCALAR", Use::kKeyValues, Values{0, bad}), Error);
+    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), before);
+    EXPECT_THROW(document.Tree().MakeNumber(kInfinity), Error);
+    EXPECT_THROW(document.Tree().MakeNumber(std::nan("")), Error);
 }
 
 TEST(Accessor, SparseValuesStandOverTheBase) {

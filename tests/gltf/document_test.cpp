@@ -100,6 +100,107 @@ TEST(Document, SeveralBuffersMergeWithTheirViews) {
     EXPECT_EQ(TextOf(*odd.ViewBytes(1)), "abcde");
 }
 
+TEST(Document, ABufferThatIsNotStoredDoesNotBecomeTheChunk) {
+    const TemporaryFolder folder;
+    test::FromText(R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":90000}],
+        "bufferViews":[{"buffer":0,"byteLength":8}]})")
+        .Save(folder / "out.glb");
+    const Document read = Document::Load(folder / "out.glb");
+    ASSERT_EQ(read.Elements(Kind::kBuffer).size(), 2U);
+    EXPECT_TRUE(read.BufferBytes(0));
+    EXPECT_FALSE(read.BufferBytes(1));
+    EXPECT_EQ(IndexMember(read.Elements(Kind::kBufferView)[0], "buffer", 9), 1U);
+    EXPECT_EQ(folder.Read("out.glb").size() % 4, 0U);
+}
+
+TEST(Document, BytesBehindAContainerAreNoPartOfIt) {
+    const TemporaryFolder folder;
+    const std::string container = test::Glb(R"({"asset":{"version":"2.0"}})", "");
+    folder.Write("in.glb", container + "x");
+    Document document = Document::Load(folder / "in.glb");
+    EXPECT_EQ(document.Warnings().size(), 1U);
+    document.Save(folder / "out.glb");
+    EXPECT_EQ(folder.Read("out.glb"), container);
+}
+
+TEST(Document, SizesCountAllFiles) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", test::TextScene("d.bin"));
+    folder.Write("d.bin", test::SampleBin());
+    folder.Write("my images/a.png", "\x89PNG image");
+    const auto sizes = [&](const char* target) {
+        Document document = Document::Load(folder / "in.gltf");
+        const std::uint64_t before = document.SourceSize();
+        EXPECT_EQ(before, folder.Read("in.gltf").size() + 256 + 10);
+        return document.Save(folder / target);
+    };
+    const std::uint64_t same = sizes("same.gltf");
+    EXPECT_EQ(same, folder.Read("same.gltf").size() + 256 + 10);
+    const std::uint64_t o = sizes("other/o.gltf");
+    EXPECT_EQ(o, folder.Read("other/o.gltf").size() + 256 + 10);
+    const std::uint64_t one = sizes("one.glb");
+    EXPECT_EQ(one, folder.Read("one.glb").size());
+}
+
+TEST(Document, MemoryHasABudget) {
+    const TemporaryFolder folder;
+    folder.Write("in.gltf", test::TextScene("d.bin"));
+    folder.Write("d.bin", test::SampleBin());
+    const auto fault = [&](std::uint64_t bytes) {
+        try {
+            Document document = Document::Load(folder / "in.gltf", {.maxMemory = bytes});
+            document.Claim(document.Budget().Left(), "/a");
+            document.Claim(1, "/b");
+        } catch (const zr::Error& error) {
+            return error.Place();
+        }
+        return std::string("none");
+    };
+    EXPECT_EQ(fault(0), "/b");
+    EXPECT_EQ(fault(1000000), "/b");
+    EXPECT_EQ(fault(1000), "");
+    const std::uint64_t tree = 256 << 10;
+    EXPECT_EQ(fault(folder.Read("in.gltf").size() + tree + 100), "/buffers/0/uri");
+    // Few bytes that many accessors name.
+    std::string accessors, separator;
+    for (int i = 0; i < 100; ++i, separator = ",")
+        accessors += separator + R"({"bufferView":0,"componentType":5126,"count":3000,"type":"SCALAR"})";
+    const std::string glb = test::Glb(R"({"asset":{"version":"2.0"},"accessors":[)" + accessors +
+                                          R"(],"bufferViews":[{"buffer":0,"byteLength":12000}],
+                                          "buffers":[{"byteLength":12000}]})",
+                                      std::string(12000, '\0'));
+    const auto load = [&](std::uint64_t bytes) {
+        Document::FromBytes(BytesOf(glb), "a.glb", {.maxMemory = bytes});
+    };
+    EXPECT_NO_THROW(load(1300000));
+    EXPECT_THROW(load(1100000), Error);
+    // A device without an end.
+    EXPECT_THROW(Document::Load("/dev/zero", {.maxMemory = 1 << 20}), zr::Error);
+}
+
+TEST(Document, CollectionsAreFoundAmongManyMembers) {
+    std::string json = R"({"asset":{"version":"2.0"})";
+    for (int i = 0; i < 40; ++i) json += ",\"odd " + std::to_string(i) + "\":0";
+    Document document = test::FromText(json + R"(,"nodes":[{}]})");
+    const auto count = [&](Kind kind) {
+        const std::size_t found = document.Elements(kind).size();
+        EXPECT_EQ(std::as_const(document).Elements(kind).size(), found);
+        return found;
+    };
+    EXPECT_EQ(count(Kind::kNode), 1U);
+    EXPECT_EQ(count(Kind::kMaterial), 0U);
+    EXPECT_EQ(count(Kind::kLight), 0U);
+    document.Append(Kind::kLight, JsonTree::MakeObject());
+    document.Append(Kind::kMaterial, JsonTree::MakeObject());
+    document.Root().EraseMember("odd 3");
+    EXPECT_EQ(count(Kind::kNode), 1U);
+    EXPECT_EQ(count(Kind::kMaterial), 1U);
+    EXPECT_EQ(count(Kind::kLight), 1U);
+    document.Root().EraseMember("nodes");
+    EXPECT_EQ(count(Kind::kNode), 0U);
+    EXPECT_EQ(count(Kind::kMaterial), 1U);
+}
+
 TEST(Document, NewDataGoesWhereTheDocumentKeepsIts) {
     const TemporaryFolder folder;
     folder.Write("in.gltf", test::TextScene(EncodeDataUri("application/octet-stream", test::SampleBin())));

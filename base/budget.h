@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace zr {
+
+// How much memory may be taken for what is made of an input, so that it is bounded by what the input holds
+// and not by what it claims. Either a stated total, or a multiple of the input with a floor.
+class Budget {
+public:
+    static constexpr std::uint64_t kFloor = std::uint64_t{256} << 20;
+    static constexpr std::uint64_t kForEachByte = 32;
+
+    // `stated` bytes; 0: the multiple of the input.
+    explicit Budget(std::uint64_t stated = 0) : m_stated(stated) {}
+
+    std::uint64_t Total() const {
+        return m_stated != 0 ? m_stated : std::max(kFloor, kForEachByte * m_input);
+    }
+    std::uint64_t Left() const { return Total() - std::min(m_taken, Total()); }
+
+    // Input that was read takes its own size. False, here and below: there is not as much left, and nothing
+    // is taken.
+    bool AddInput(std::uint64_t bytes) {
+        m_input += bytes;
+        return Take(bytes);
+    }
+    bool Take(std::uint64_t bytes) {
+        if (bytes > Left()) return false;
+        m_taken += bytes;
+        return true;
+    }
+
+private:
+    std::uint64_t m_stated;
+    std::uint64_t m_input = 0;
+    std::uint64_t m_taken = 0;
+};
+
+}  // namespace zr
