@@ -12,29 +12,29 @@ namespace {
 class Marker {
 public:
     Marker(Document& document, KindSet kinds) : m_document(document), m_kinds(kinds) {
-        std::size_t next = 0;
+        std::uint32_t next = 0;
         for (std::size_t i = 0; i < kKinds; ++i) {
             m_first[i] = next;
-            next += document.Elements(static_cast<Kind>(i)).size();
+            next += static_cast<std::uint32_t>(document.Elements(static_cast<Kind>(i)).size());
         }
         m_reached.resize(next, false);
     }
 
-    Removal Unreached() {
-        ForEachReference(m_document, [&](const Reference& reference) {
-            const std::size_t target = Number(reference.target.kind, reference.target.index);
-            if (!m_kinds.Has(reference.target.kind)) return;
-            if (reference.owner && m_kinds.Has(reference.owner->kind))
-                m_edges.emplace_back(Number(reference.owner->kind, reference.owner->index), target);
+    Removal Unreached(const ReferenceTable& references) {
+        for (const ReferenceTable::Link& link : references.links) {
+            if (!m_kinds.Has(link.targetKind)) continue;
+            const std::uint32_t target = Number(link.targetKind, link.target);
+            if (link.ownerKind != Kind::kCount && m_kinds.Has(link.ownerKind))
+                m_edges.emplace_back(Number(link.ownerKind, link.owner), target);
             else
                 Reach(target);
-        });
+        }
         std::sort(m_edges.begin(), m_edges.end());
         while (!m_pending.empty()) {
-            const std::size_t from = m_pending.back();
+            const std::uint32_t from = m_pending.back();
             m_pending.pop_back();
             auto edge = std::lower_bound(m_edges.begin(), m_edges.end(),
-                                         std::pair<std::size_t, std::size_t>(from, 0));
+                                         std::pair<std::uint32_t, std::uint32_t>(from, 0));
             for (; edge != m_edges.end() && edge->first == from; ++edge) Reach(edge->second);
         }
         Removal removal;
@@ -47,9 +47,9 @@ public:
     }
 
 private:
-    std::size_t Number(Kind kind, std::size_t index) const { return m_first[Ordinal(kind)] + index; }
+    std::uint32_t Number(Kind kind, std::uint32_t index) const { return m_first[Ordinal(kind)] + index; }
 
-    void Reach(std::size_t element) {
+    void Reach(std::uint32_t element) {
         if (m_reached[element]) return;
         m_reached[element] = true;
         m_pending.push_back(element);
@@ -57,13 +57,15 @@ private:
 
     Document& m_document;
     KindSet m_kinds;
-    std::array<std::size_t, kKinds> m_first{};
+    std::array<std::uint32_t, kKinds> m_first{};
     std::vector<bool> m_reached;
-    std::vector<std::size_t> m_pending;
-    std::vector<std::pair<std::size_t, std::size_t>> m_edges;
+    std::vector<std::uint32_t> m_pending;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> m_edges;
 };
 
-void DropUnusedSamplers(Document& document) {
+// Whether there were any.
+bool DropUnusedSamplers(Document& document) {
+    bool dropped = false;
     for (Json& animation : document.Elements(Kind::kAnimation)) {
         Json* samplers = animation.Find("samplers");
         Json* channels = animation.Find("channels");
@@ -80,7 +82,9 @@ void DropUnusedSamplers(Document& document) {
         }
         std::size_t i = 0;
         samplers->FilterItems([&](const Json&) { return used[i++]; });
+        dropped = true;
     }
+    return dropped;
 }
 
 // Bytes [begin, end) that ranges hold.
@@ -143,16 +147,17 @@ std::size_t CompactBuffers(Document& document) {
 
 Collected CollectGarbage(Document& document, KindSet kinds, bool force) {
     Collected collected;
+    ReferenceTable references = ListReferences(document);
     if (!force) {
-        for (OpaqueUse& use : OpaqueReferences(document).uses) {
+        for (OpaqueUse& use : references.opaque.uses) {
             KindSet left = kinds;
             left.Remove(use.kinds);
             kinds = left;
             collected.refusals.push_back(std::move(use));
         }
     }
-    if (kinds.Has(Kind::kAccessor)) DropUnusedSamplers(document);
-    const Removal removal = Marker(document, kinds).Unreached();
+    if (kinds.Has(Kind::kAccessor) && DropUnusedSamplers(document)) references = ListReferences(document);
+    const Removal removal = Marker(document, kinds).Unreached(references);
     for (std::size_t i = 0; i < kKinds; ++i) {
         collected.removed[i] =
             static_cast<std::size_t>(std::count(removal[i].begin(), removal[i].end(), true));

@@ -36,7 +36,7 @@ double Json::Number() const {
     return value;
 }
 
-std::optional<std::uint64_t> Json::Index() const {
+std::optional<std::uint64_t> Json::AnyIndex() const {
     if (!IsNumber()) return std::nullopt;
     std::uint64_t value = 0;
     const auto [end, error] = std::from_chars(m_text, m_text + m_size, value);
@@ -47,14 +47,17 @@ std::optional<std::uint64_t> Json::Index() const {
 }
 
 Json* Json::Find(std::string_view name) {
-    for (JsonMember& member : Members())
-        if (member.Name() == name) return &member.value;
-    return nullptr;
+    return const_cast<Json*>(std::as_const(*this).Find(name));
 }
 
 const Json* Json::Find(std::string_view name) const {
-    for (const JsonMember& member : Members())
-        if (member.Name() == name) return &member.value;
+    if (!IsObject()) return nullptr;
+    // The ends tell most names apart without a call.
+    for (const JsonMember& member : Members()) {
+        const std::string_view other = member.Name();
+        if (other.size() != name.size()) continue;
+        if (name.empty() || (other.back() == name.back() && other == name)) return &member.value;
+    }
     return nullptr;
 }
 

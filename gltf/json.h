@@ -40,7 +40,18 @@ public:
     std::string_view NumberText() const { return IsNumber() ? Text() : std::string_view(); }
 
     // A number that is whole and at least 0 (3, also 3.0), else nothing.
-    std::optional<std::uint64_t> Index() const;
+    std::optional<std::uint64_t> Index() const {
+        // Nearly all are written with a few digits and nothing else.
+        constexpr std::uint32_t kFewDigits = 9;
+        if (m_type != Type::kNumber || m_size > kFewDigits) return AnyIndex();
+        std::uint32_t value = 0;
+        for (std::uint32_t i = 0; i < m_size; ++i) {
+            const auto digit = static_cast<std::uint32_t>(m_text[i]) - '0';
+            if (digit > 9) return AnyIndex();
+            value = value * 10 + digit;
+        }
+        return value;
+    }
 
     // Items of an array, members of an object; empty for other types.
     std::span<Json> Items() { return {IsArray() ? m_items : nullptr, IsArray() ? m_size : 0}; }
@@ -67,6 +78,7 @@ private:
     static constexpr std::uint8_t kExact = 0xFF;  // capacity equals size
 
     std::string_view Text() const { return {m_text, m_size}; }
+    std::optional<std::uint64_t> AnyIndex() const;
 
     union {
         const char* m_text = nullptr;

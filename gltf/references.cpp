@@ -50,6 +50,24 @@ private:
     Opaque m_opaque;
 };
 
+class TableCollector : public OpaqueCollector {
+public:
+    void Value(const SchemaNode& schema, Json& value, const Place& place) override {
+        if (schema.rule == nullptr) return;
+        const auto target = TargetOf(*schema.rule, value);
+        if (!target) return;
+        const Place::Element owner = place.Owner().value_or(Place::Element{Kind::kCount, 0});
+        // A text below 4 GiB has fewer elements than 32 bits count.
+        m_links.push_back({static_cast<std::uint32_t>(target->index), static_cast<std::uint32_t>(owner.index),
+                           target->kind, owner.kind});
+    }
+
+    std::vector<ReferenceTable::Link> TakeLinks() { return std::move(m_links); }
+
+private:
+    std::vector<ReferenceTable::Link> m_links;
+};
+
 }  // namespace
 
 void ForEachReference(Document& document, const std::function<void(const Reference&)>& visit) {
@@ -61,6 +79,12 @@ Opaque OpaqueReferences(Document& document) {
     OpaqueCollector collector;
     Walk(document.Root(), collector);
     return collector.Take();
+}
+
+ReferenceTable ListReferences(Document& document) {
+    TableCollector collector;
+    Walk(document.Root(), collector);
+    return {collector.TakeLinks(), collector.Take()};
 }
 
 }  // namespace zr::gltf

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -36,6 +37,19 @@ struct Opaque {
     std::vector<OpaqueUse> uses;
 };
 Opaque OpaqueReferences(Document& document);
+
+// All of both in one pass, as a table that holds while the document stays as it is.
+struct ReferenceTable {
+    struct Link {
+        std::uint32_t target;
+        std::uint32_t owner;
+        Kind targetKind;
+        Kind ownerKind;  // kCount: the document itself
+    };
+    std::vector<Link> links;
+    Opaque opaque;
+};
+ReferenceTable ListReferences(Document& document);
 
 // Elements to take out, by kind and index; vectors may be shorter than the collection.
 using Removal = std::array<std::vector<bool>, kKinds>;

@@ -16,12 +16,6 @@ bool Goes(const Removal& removal, Kind kind, std::size_t index) {
     return index < gone.size() && gone[index];
 }
 
-bool IsEmpty(const Removal& removal) {
-    return std::all_of(removal.begin(), removal.end(), [](const std::vector<bool>& gone) {
-        return std::find(gone.begin(), gone.end(), true) == gone.end();
-    });
-}
-
 // Takes marked values out of their containers, the deepest containers first, so that no handle moves while
 // something below it is still to be done.
 class Pruner {
@@ -93,13 +87,16 @@ public:
         if (index == target->index) return;
         if (const auto owner = place.Owner(); owner && Goes(m_removal, owner->kind, owner->index)) return;
         if (index == kGone)
-            CutAway(schema.rule->cut, place);
+            CutAway(schema.rule->cut, *target, place);
         else
-            value = schema.rule->shape == Shape::kPointer ? Renumbered(value.String(), *target, index)
-                                                          : m_document.Tree().MakeIndex(index);
+            m_renamed.push_back({&value, schema.rule->shape, *target, index});
     }
 
     void Finish() {
+        for (const Renamed& renamed : m_renamed)
+            *renamed.value = renamed.shape == Shape::kPointer
+                                 ? Renumbered(renamed.value->String(), renamed.target, renamed.index)
+                                 : m_document.Tree().MakeIndex(renamed.index);
         m_pruner.Run();
         for (std::size_t i = 0; i < kKinds; ++i) Erase(static_cast<Kind>(i));
     }
@@ -111,7 +108,10 @@ private:
         return m_document.Tree().MakeString(text);
     }
 
-    void CutAway(Cut cut, const Place& place) {
+    void CutAway(Cut cut, const Target& target, const Place& place) {
+        if (cut == Cut::kNothing)
+            m_document.Fail(ErrorKind::kReference, place.Pointer(),
+                            Join("needs ", Info(target.kind).noun, " ", target.index));
         const auto steps = place.Steps();
         std::size_t at = steps.size() - 1;
         if (cut == Cut::kHolder) --at;
@@ -139,31 +139,31 @@ private:
         }
     }
 
+    // A reference to be mended once it is clear that all can be.
+    struct Renamed {
+        Json* value;
+        Shape shape;
+        Target target;
+        std::size_t index;
+    };
+
     Document& m_document;
     const Removal& m_removal;
     std::array<std::vector<std::size_t>, kKinds> m_renumbered;
+    std::vector<Renamed> m_renamed;
     Pruner m_pruner;
 };
 
 // Names under which extension content stands anywhere in a value.
 void CollectExtensions(const Json& value, std::set<std::string, std::less<>>& names) {
-    for (const Json& item : value.Items()) CollectExtensions(item, names);
+    for (const Json& item : value.Items())
+        if (item.IsObject() || item.IsArray()) CollectExtensions(item, names);
     for (const JsonMember& member : value.Members()) {
         if (member.Name() == "extras") continue;
         if (member.Name() == "extensions")
             for (const JsonMember& extension : member.value.Members()) names.emplace(extension.Name());
         CollectExtensions(member.value, names);
     }
-}
-
-void CheckRemovable(Document& document, const Removal& removal) {
-    ForEachReference(document, [&](const Reference& reference) {
-        const Target& target = reference.target;
-        if (reference.cut != Cut::kNothing || !Goes(removal, target.kind, target.index)) return;
-        if (reference.owner && Goes(removal, reference.owner->kind, reference.owner->index)) return;
-        document.Fail(ErrorKind::kReference, reference.place.Pointer(),
-                      Join("needs ", Info(target.kind).noun, " ", target.index));
-    });
 }
 
 void RemoveOnce(Document& document, const Removal& removal) {
@@ -186,29 +186,32 @@ void ForgetExtensions(Document& document, const std::set<std::string, std::less<
     }
 }
 
+// Animations whose last channel went.
+std::vector<bool> EmptyAnimations(const Document& document) {
+    std::vector<bool> empty;
+    for (const Json& animation : document.Elements(Kind::kAnimation))
+        empty.push_back(animation.Find("channels") == nullptr && animation.Find("samplers") != nullptr);
+    return empty;
+}
+
+bool Any(const std::vector<bool>& flags) {
+    return std::find(flags.begin(), flags.end(), true) != flags.end();
+}
+
 }  // namespace
 
 void RemoveElements(Document& document, const Removal& removal) {
-    const bool listsExtensions = document.Root().Find("extensionsUsed") != nullptr ||
+    if (std::none_of(removal.begin(), removal.end(), Any) && !Any(EmptyAnimations(document))) return;
+    const bool namesExtensions = document.Root().Find("extensionsUsed") != nullptr ||
                                  document.Root().Find("extensionsRequired") != nullptr;
     std::set<std::string, std::less<>> extensions;
-    if (!IsEmpty(removal)) {
-        CheckRemovable(document, removal);
-        if (listsExtensions) CollectExtensions(document.Root(), extensions);
-        RemoveOnce(document, removal);
-    }
+    if (namesExtensions) CollectExtensions(document.Root(), extensions);
+    RemoveOnce(document, removal);
 
     Removal still;
-    std::vector<bool>& animations = still[Ordinal(Kind::kAnimation)];
-    bool any = false;
-    for (const Json& animation : document.Elements(Kind::kAnimation)) {
-        const Json* channels = animation.Find("channels");
-        animations.push_back(channels == nullptr && animation.Find("samplers") != nullptr);
-        any = any || animations.back();
-    }
-    if (any && IsEmpty(removal) && listsExtensions) CollectExtensions(document.Root(), extensions);
-    if (any) RemoveOnce(document, still);
-    if (any || !IsEmpty(removal)) ForgetExtensions(document, extensions);
+    still[Ordinal(Kind::kAnimation)] = EmptyAnimations(document);
+    if (Any(still[Ordinal(Kind::kAnimation)])) RemoveOnce(document, still);
+    if (namesExtensions) ForgetExtensions(document, extensions);
 }
 
 }  // namespace zr::gltf

@@ -53,6 +53,12 @@ Trees Build() {
                 Insert(trees.root, path, rule);
         }
     }
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        SchemaNode* at = &trees.root;
+        for (std::string_view name : kKindInfo[i].Path()) at = &Member(*at, name, false);
+        if (!at->item) at->item = std::make_unique<SchemaNode>();
+        at->item->element = static_cast<Kind>(i);
+    }
     return trees;
 }
 

@@ -63,6 +63,7 @@ struct SchemaNode {
     std::unique_ptr<SchemaNode>
         item;  // for every item of an array, or every member of an object used as a map
     bool isMap = false;
+    Kind element = Kind::kCount;  // of which each of these is one
 
     const SchemaNode* Find(std::string_view name) const;
 };

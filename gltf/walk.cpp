@@ -83,13 +83,16 @@ private:
 
     void Array(Json& array, const SchemaNode* schema) {
         const SchemaNode* item = schema != nullptr && !schema->isMap ? schema->item.get() : nullptr;
+        const bool isCollection = item != nullptr && item->element != Kind::kCount;
         const auto items = array.Items();
         if (item == nullptr && !items.empty() && !items[0].IsObject() && !items[0].IsArray()) return;
         for (std::size_t i = 0; i < items.size(); ++i) {
             m_place.Push(i, items[i]);
+            if (isCollection) m_place.SetOwner(Place::Element{item->element, i});
             Visit(items[i], item);
             m_place.Pop();
         }
+        if (isCollection) m_place.SetOwner(std::nullopt);
     }
 
     void Extensions(Json& extensions, const SchemaNode* schema) {
@@ -172,19 +175,6 @@ std::string Place::Pointer() const {
         }
     }
     return pointer;
-}
-
-std::optional<Place::Element> Place::Owner() const {
-    const auto steps = Steps().subspan(1);
-    for (std::size_t i = 0; i < kKinds; ++i) {
-        const auto path = kKindInfo[i].Path();
-        if (steps.size() <= path.size() || !steps[path.size()].isItem) continue;
-        const bool inside =
-            std::equal(path.begin(), path.end(), steps.begin(),
-                       [](std::string_view a, const Step& b) { return !b.isItem && a == b.member; });
-        if (inside) return Element{static_cast<Kind>(i), steps[path.size()].item};
-    }
-    return std::nullopt;
 }
 
 std::optional<Target> PointerTarget(std::string_view pointer) {

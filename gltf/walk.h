@@ -38,10 +38,12 @@ public:
         Kind kind;
         std::size_t index;
     };
-    std::optional<Element> Owner() const;
+    const std::optional<Element>& Owner() const { return m_owner; }
+    void SetOwner(const std::optional<Element>& owner) { m_owner = owner; }
 
 private:
     std::vector<Step> m_steps;
+    std::optional<Element> m_owner;
 };
 
 // What a reference names: an element and, for pointers, where the index stands in the pointer's text.
