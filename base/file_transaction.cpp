@@ -156,6 +156,8 @@ void FileTransaction::Commit() {
     for (OutputFile& file : m_files) order.push_back(&file);
     std::stable_partition(order.begin(), order.end(), [](const OutputFile* file) { return file->m_isNew; });
 
+    // Once all have their names nothing may fail any more.
+    const fs::path folder = m_files.empty() ? fs::path() : FolderOf(m_files.back().m_name);
     const HoldFatalSignals hold;
     try {
         MakeFolders();
@@ -170,6 +172,7 @@ void FileTransaction::Commit() {
         throw;
     }
     TidyUp();
+    if (!folder.empty()) SyncFolder(folder);
 }
 
 void FileTransaction::Undo() noexcept {
@@ -193,7 +196,6 @@ void FileTransaction::TidyUp() noexcept {
     for (const OutputFile& file : m_files)
         if (!file.m_backup.empty()) fs::remove(file.m_backup, ignored);
     for (const fs::path& file : m_superseded) fs::remove(file, ignored);
-    if (!m_files.empty()) SyncFolder(m_files.back().m_name.parent_path());
     m_files.clear();
     m_missing.clear();
     m_made.clear();

@@ -56,6 +56,12 @@ private:
         for (const JsonMember& member : attributes.Members()) {
             const AccessorInfo info = Describe(m_document, *member.value.Index());
             const std::string attribute = Join(place, "/", member.Name());
+            // What is not stored costs the file nothing however often it is used.
+            if (m_document.Elements(Kind::kAccessor)[*member.value.Index()].Find("bufferView") == nullptr)
+                m_unstored += info.count * info.shape.Components() * sizeof(float);
+            if (m_unstored > m_document.Budget().Total())
+                m_document.Fail(ErrorKind::kLimit, attribute,
+                                "more elements than a file of this size may ask for");
             if (!vertices) vertices = info.count;
             if (info.count != *vertices)
                 Fail(attribute,
@@ -95,6 +101,7 @@ private:
 
     const Document& m_document;
     std::vector<std::optional<std::uint32_t>> m_highest;
+    std::uint64_t m_unstored = 0;  // bytes
 };
 
 }  // namespace

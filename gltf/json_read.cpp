@@ -112,6 +112,21 @@ private:
 
 namespace {
 
+// The reader does not look whether its memory was there.
+class CheckedAllocator {
+public:
+    static constexpr bool kNeedFree = true;
+
+    void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
+    void* Realloc(void* old, std::size_t oldSize, std::size_t size) {
+        void* const place = Malloc(size);
+        if (place != nullptr && old != nullptr) std::memcpy(place, old, std::min(oldSize, size));
+        Free(old);
+        return place;
+    }
+    static void Free(void* place) { ::operator delete(place); }
+};
+
 // The reader takes as many bytes as the first one of a character announces, also beyond the end of the text.
 bool EndsInsideCharacter(std::string_view text) {
     for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
@@ -134,7 +149,7 @@ void JsonTree::Parse(char* text, std::size_t size, std::string_view file) {
     const std::size_t skipped = std::string_view(text, size).starts_with(kByteOrderMark) ? 3 : 0;
 
     rapidjson::InsituStringStream stream(text + skipped);
-    rapidjson::Reader reader;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, CheckedAllocator> reader;
     JsonBuilder builder(*this);
     constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag |
                                 rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;

@@ -93,7 +93,9 @@ private:
     // The files of the buffers of the scene that is replaced, if it is text.
     std::vector<fs::path> BuffersOfTarget() const {
         std::error_code none;
-        if (fs::equivalent(m_target, m_document.m_file, none)) return m_document.m_bufferFiles;
+        // A document from memory need not be what its file holds.
+        const std::vector<fs::path>& known = m_document.m_bufferFiles;
+        if (!known.empty() && fs::equivalent(m_target, m_document.m_file, none)) return known;
         if (m_toGlb || !fs::is_regular_file(m_target, none)) return {};
         std::vector<fs::path> files;
         try {

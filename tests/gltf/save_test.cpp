@@ -94,6 +94,16 @@ TEST(Save, OldBuffersGoUnlessOthersUseThem) {
     save(true);
     EXPECT_EQ(folder.Files(),
               (Names{"in/d.bin", "in/s.gltf", "o-1.bin", "o-2.bin", "o.bin", "o.gltf", "p.gltf"}));
+    // What is made in memory for a file supersedes what that file holds.
+    for (int i = 0; i < 2; ++i) {
+        Document made = Document::FromBytes(BytesOf(R"({"asset":{"version":"2.0"}})"), folder / "m.gltf");
+        made.AppendView(BytesOf(std::string(4, static_cast<char>('a' + i))), 0, 0);
+        made.Save(folder / "m.gltf");
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "m.bin"));
+    EXPECT_EQ(folder.Read("m-1.bin"), "bbbb");
+    std::filesystem::remove(folder / "m.gltf");
+    std::filesystem::remove(folder / "m-1.bin");
     // A buffer with a name of its own is not known to be the scene's alone.
     Changed(folder / "in/s.gltf").Save(folder / "in/s.gltf");
     EXPECT_TRUE(std::filesystem::exists(folder / "in/d.bin"));
