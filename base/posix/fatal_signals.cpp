@@ -28,6 +28,20 @@ static_assert(std::atomic<TemporarySlot*>::is_always_lock_free && std::atomic<in
                   std::atomic<bool>::is_always_lock_free,
               "a signal handler reads them");
 
+TemporarySlot& TakeSlot() {
+    for (TemporarySlot* slot = g_slots; slot != nullptr; slot = slot->next) {
+        bool isTaken = false;
+        if (slot->isTaken.compare_exchange_strong(isTaken, true)) return *slot;
+    }
+    auto* const slot = new TemporarySlot;
+    slot->next = g_slots;
+    while (!g_slots.compare_exchange_weak(slot->next, slot)) {
+    }
+    return *slot;
+}
+
+}  // namespace
+
 void InstallHandlers() {
     static const bool installed = [] {
         for (int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU}) {
@@ -44,20 +58,6 @@ void InstallHandlers() {
     }();
     static_cast<void>(installed);
 }
-
-TemporarySlot& TakeSlot() {
-    for (TemporarySlot* slot = g_slots; slot != nullptr; slot = slot->next) {
-        bool isTaken = false;
-        if (slot->isTaken.compare_exchange_strong(isTaken, true)) return *slot;
-    }
-    auto* const slot = new TemporarySlot;
-    slot->next = g_slots;
-    while (!g_slots.compare_exchange_weak(slot->next, slot)) {
-    }
-    return *slot;
-}
-
-}  // namespace
 
 extern "C" void EndBySignal(int number) {
     if (g_holds > 0) {

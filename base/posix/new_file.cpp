@@ -94,6 +94,7 @@ NewFile::NewFile(NewFile&&) noexcept = default;
 NewFile& NewFile::operator=(NewFile&&) noexcept = default;
 
 std::error_code NewFile::Open(const fs::path& folder) {
+    InstallHandlers();
     m_state->folder = folder;
     return m_state->OpenUnnamed() ? std::error_code() : m_state->OpenTemporary();
 }

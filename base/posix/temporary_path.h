@@ -8,6 +8,10 @@ namespace zr {
 
 struct TemporarySlot;
 
+// Lets EndBySignal handle what would end the process, and writing beyond the limit of a file's size fail as
+// on a full disk. Once.
+void InstallHandlers();
+
 // The name of a temporary file, which is removed with the object, and by EndBySignal.
 class TemporaryPath {
 public:
