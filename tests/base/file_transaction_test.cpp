@@ -149,7 +149,7 @@ TEST(FileTransaction, ManyFilesAndLongNames) {
 
 TEST(FileTransaction, ASignalLeavesNothing) {
     const TemporaryFolder folder;
-    for (const auto [number, count] :
+    for (const auto& [number, count] :
          {std::pair(SIGTERM, kManyFiles), std::pair(SIGHUP, 2), std::pair(SIGINT, kManyFiles)}) {
         const int ended = SignalThatEnds([&] {
             FileTransaction files;

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <limits>
+#include <optional>
 #include <thread>
 #include <unordered_map>
 
@@ -24,9 +24,9 @@ constexpr std::size_t kMostTimes = 400;
 constexpr std::size_t kWorthAThread = 20000;
 constexpr std::size_t kMostThreads = 4;  // each has the transforms of a whole scene
 
-// How many transforms are compared in all. Quick: a comparison takes some 150 ns, an export several microseconds
-// for each record and half a one for each key.
-std::size_t Budget(MotionCheck check, std::size_t records, std::size_t keys, std::size_t animations) {
+// How many transforms are compared in all. Quick: a comparison takes some 150 ns, an export several
+// microseconds for each record and half a one for each key.
+std::size_t SampleBudget(MotionCheck check, std::size_t records, std::size_t keys, std::size_t animations) {
     if (check == MotionCheck::kThorough) return 4000000 * animations;
     return std::max<std::size_t>(3 * records + keys / 4, 10000);
 }
@@ -72,7 +72,8 @@ struct Worst {
     std::size_t pair;
 };
 
-// What one thread finds. The result is the same however many there are: of equal deviations the first one counts.
+// What one thread finds. The result is the same however many there are: of equal deviations the first one
+// counts.
 struct Part {
     double deviation = -1;  // nothing compared
     std::size_t time = 0;
@@ -91,8 +92,8 @@ struct Part {
 
 // The pivot that stays on the record and everything on its node hangs from.
 vl::Vector3<float> HungPivot(const ExportNode& record) {
-    const bool hangs = record.pController != nullptr &&
-                       (record.pController->m_dwFlags & vl::zr::kControllerPivotGroup) != 0;
+    const bool hangs =
+        record.pController != nullptr && (record.pController->m_dwFlags & vl::zr::kControllerPivotGroup) != 0;
     return hangs ? record.vPivot : vl::Vector3<float>();
 }
 
@@ -210,7 +211,8 @@ private:
         } else if (auto* light = dynamic_cast<vl::zr::Light*>(record.pNode->m_pObject)) {
             target = light->GetTargetNode();
         }
-        const vl::Vector3<float> position{static_cast<float>(shown.m[3][0]), static_cast<float>(shown.m[3][1]),
+        const vl::Vector3<float> position{static_cast<float>(shown.m[3][0]),
+                                          static_cast<float>(shown.m[3][1]),
                                           static_cast<float>(shown.m[3][2])};
         if (target != nullptr)
             return Aim{m_nodePoses[static_cast<const kernix::NodeModel*>(target)->GetNumber()], position};
@@ -224,7 +226,8 @@ private:
         m_before.StopAll();
         m_after.StopAll();
         std::size_t keys = 0;
-        for (vl::zr::Track* track : animation.Tracks()) keys += static_cast<std::size_t>(track->GetKeyCount());
+        for (vl::zr::Track* track : animation.Tracks())
+            keys += static_cast<std::size_t>(track->GetKeyCount());
         const std::size_t step = keys / (4 * kMostTimes) + 1;
         std::size_t next = 0;
         std::vector<float> times;
@@ -245,7 +248,8 @@ private:
             auto* controller = static_cast<kernix::TransformControllerModel*>(
                 moved.node->GetController(vl::zr::kControllerTransform));
             before.rest = moved.node->GetRestPose();
-            if ((controller->m_dwFlags & vl::zr::kControllerPivotGroup) != 0) before.pivot = controller->m_offset;
+            if ((controller->m_dwFlags & vl::zr::kControllerPivotGroup) != 0)
+                before.pivot = controller->m_offset;
             m_before.Move(moved.pose, before);
             if (moved.record != nullptr) MoveRecord(*moved.record, after);
         }
@@ -287,8 +291,8 @@ private:
     // At each time, the pairs that follow those of the time before.
     Worst CompareAt(const std::vector<float>& times, std::size_t atOnce, const PlayedAnimation& played) {
         const std::size_t hardware = std::max(std::thread::hardware_concurrency(), 1U);
-        const std::size_t count =
-            std::clamp<std::size_t>(times.size() * atOnce / kWorthAThread, 1, std::min(hardware, kMostThreads));
+        const std::size_t count = std::clamp<std::size_t>(times.size() * atOnce / kWorthAThread, 1,
+                                                          std::min(hardware, kMostThreads));
         std::vector<Part> parts(count);
         const auto run = [&](std::size_t index) {
             Part& part = parts[index];
@@ -387,10 +391,11 @@ void CheckMotion(kernix::SceneModel& scene, const Tool& records, const ExportOpt
                  const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
                  const std::vector<AddedKeys>& added, MotionReport& report) {
     report.check = options.check;
-    if (options.check == MotionCheck::kOff || animations.empty() || !options.Has(vl::tk::kExtractKeys)) return;
+    if (options.check == MotionCheck::kOff || animations.empty() || !options.Has(vl::tk::kExtractKeys))
+        return;
     Checker checker(scene, records, options);
     const std::size_t budget =
-        Budget(options.check, checker.RecordCount(), report.keysBefore, animations.size());
+        SampleBudget(options.check, checker.RecordCount(), report.keysBefore, animations.size());
     for (const PlayedAnimation& played : animations) {
         checker.Compare(played, replaced, added, budget / animations.size(), report);
         CheckValues(played, replaced, report);
