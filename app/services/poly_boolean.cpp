@@ -4,16 +4,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 #include <utility>
 
 #include "app/services/poly_boolean_contacts.h"
 #include "app/services/poly_boolean_flips.h"
+#include "app/services/poly_boolean_shapes.h"
 #include "app/services/poly_boolean_tessellator.h"
 #include "app/services/poly_boolean_unite.h"
 
 struct PolyBoolean::Polygon {
-    std::vector<std::vector<std::array<double, 2>>> contours;
+    std::vector<zr::ContourPoints> contours;
 };
 
 namespace zr {
@@ -26,6 +28,26 @@ constexpr double kLargestCoordinate = 1e150;
 constexpr double kCellsPerUnit = 2048;
 constexpr double kLargestCell = 0x3FFFFFFF;
 
+using Point = std::array<double, 2>;
+
+struct Box {
+    Point low = {kLargestCoordinate, kLargestCoordinate};
+    Point high = {-kLargestCoordinate, -kLargestCoordinate};
+};
+
+Box BoxOf(const std::vector<ContourPoints>& contours) {
+    Box box;
+    for (const ContourPoints& contour : contours) {
+        for (const Point& point : contour) {
+            for (std::size_t axis = 0; axis < 2; ++axis) {
+                box.low[axis] = std::min(box.low[axis], point[axis]);
+                box.high[axis] = std::max(box.high[axis], point[axis]);
+            }
+        }
+    }
+    return box;
+}
+
 // Cells per contour unit along an axis of the given extent.
 double CellsFor(double scale, double extent) {
     return std::min(scale * kCellsPerUnit, kLargestCell / std::max(extent, 1e-150));
@@ -37,47 +59,59 @@ struct PolyBooleanExtension::Workspace {
     Tessellator tessellator;
     std::vector<GridLoop> gridLoops;
     std::vector<TessLoop> loops;
+    ShapeCache shapes;
+    std::vector<std::array<double, 2>> points;  // of a shape, in the contours' units
 
-    void Load(const Polygon& polygon, const double (&scale)[2]);
-    void AddContour(const std::vector<std::array<double, 2>>& contour, const double (&origin)[2],
-                    const double (&cells)[2]);
+    TriangulatedShape Triangulate(const Polygon& polygon, const Box& box, const double (&scale)[2]);
+    void AddContour(const ContourPoints& contour, std::uint32_t number, const Point& origin,
+                    const Point& cells);
+    void PlacePoints(const Polygon& polygon, const TriangulatedShape& shape, const Point& origin);
 };
 
-void PolyBooleanExtension::Workspace::Load(const Polygon& polygon, const double (&scale)[2]) {
-    double low[2] = {kLargestCoordinate, kLargestCoordinate};
-    double high[2] = {-kLargestCoordinate, -kLargestCoordinate};
-    for (const auto& contour : polygon.contours) {
-        for (const auto& point : contour) {
-            for (int axis = 0; axis < 2; ++axis) {
-                low[axis] = std::min(low[axis], point[axis]);
-                high[axis] = std::max(high[axis], point[axis]);
-            }
-        }
-    }
-    const double cells[2] = {CellsFor(scale[0], high[0] - low[0]), CellsFor(scale[1], high[1] - low[1])};
-    tessellator.Reset(low, {1 / cells[0], 1 / cells[1]});
+TriangulatedShape PolyBooleanExtension::Workspace::Triangulate(const Polygon& polygon, const Box& box,
+                                                               const double (&scale)[2]) {
+    const Point cells = {CellsFor(scale[0], box.high[0] - box.low[0]),
+                         CellsFor(scale[1], box.high[1] - box.low[1])};
+    std::size_t count = 0;
+    for (const ContourPoints& contour : polygon.contours) count += contour.size();
+    tessellator.Reset(static_cast<std::uint32_t>(count));
     gridLoops.clear();
     loops.clear();
-    for (const auto& contour : polygon.contours) AddContour(contour, low, cells);
-    if (!UniteCrossing(gridLoops)) return;
-    loops.clear();
-    for (const GridLoop& grid : gridLoops) {
-        TessLoop& loop = loops.emplace_back();
-        for (const GridPoint at : grid) loop.push_back(tessellator.PointAt(at));
+    std::uint32_t number = 0;
+    for (const ContourPoints& contour : polygon.contours) {
+        AddContour(contour, number, box.low, cells);
+        number += static_cast<std::uint32_t>(contour.size());
     }
+    if (UniteCrossing(gridLoops)) {
+        loops.clear();
+        for (const GridLoop& grid : gridLoops) {
+            TessLoop& loop = loops.emplace_back();
+            for (const GridPoint at : grid) loop.push_back(tessellator.PointAt(at));
+        }
+    }
+    std::vector<TessPoint*>& corners = tessellator.Triangulate(loops);
+    FlipFlatTriangles(corners);
+
+    TriangulatedShape shape;
+    for (const TessPoint* corner : corners) shape.corners.push_back(corner->number);
+    const Point cell = {1 / cells[0], 1 / cells[1]};
+    for (const GridPoint at : tessellator.Added())
+        shape.added.push_back({static_cast<double>(at.x) * cell[0], static_cast<double>(at.y) * cell[1]});
+    return shape;
 }
 
 // Points that fall on one cell in a row are one point; what is left of less than three fills nothing.
-void PolyBooleanExtension::Workspace::AddContour(const std::vector<std::array<double, 2>>& contour,
-                                                 const double (&origin)[2], const double (&cells)[2]) {
+void PolyBooleanExtension::Workspace::AddContour(const ContourPoints& contour, std::uint32_t number,
+                                                 const Point& origin, const Point& cells) {
     GridLoop grid;
     TessLoop loop;
-    for (const auto& point : contour) {
+    for (const Point& point : contour) {
+        const std::uint32_t own = number++;
         const GridPoint at{std::llround((point[0] - origin[0]) * cells[0]),
                            std::llround((point[1] - origin[1]) * cells[1])};
         if (!grid.empty() && grid.back() == at) continue;
         grid.push_back(at);
-        loop.push_back(tessellator.NewPoint(at, {point[0], point[1]}));
+        loop.push_back(tessellator.NewPoint(at, own));
     }
     while (grid.size() > 1 && grid.back() == grid.front()) {
         grid.pop_back();
@@ -86,6 +120,14 @@ void PolyBooleanExtension::Workspace::AddContour(const std::vector<std::array<do
     if (grid.size() < 3) return;
     gridLoops.push_back(std::move(grid));
     loops.push_back(std::move(loop));
+}
+
+void PolyBooleanExtension::Workspace::PlacePoints(const Polygon& polygon, const TriangulatedShape& shape,
+                                                  const Point& origin) {
+    points.clear();
+    for (const ContourPoints& contour : polygon.contours)
+        points.insert(points.end(), contour.begin(), contour.end());
+    for (const Point& offset : shape.added) points.push_back({origin[0] + offset[0], origin[1] + offset[1]});
 }
 
 PolyBooleanExtension::PolyBooleanExtension() : m_workspace(std::make_unique<Workspace>()) {}
@@ -98,7 +140,8 @@ PolyBoolean::Polygon* PolyBooleanExtension::CreatePolygon(int count, const doubl
                                       [](double v) { return std::abs(v) <= kLargestCoordinate; });
     if (!isUsable) return nullptr;
     auto polygon = std::make_unique<Polygon>();
-    auto& contour = polygon->contours.emplace_back();
+    ContourPoints& contour = polygon->contours.emplace_back();
+    contour.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) contour.push_back({xy[2 * i], xy[2 * i + 1]});
     return polygon.release();
 }
@@ -117,11 +160,13 @@ PolyBoolean::Polygon* PolyBooleanExtension::Combine(Polygon* a, Polygon* b, int 
 void PolyBooleanExtension::Triangulate(Polygon* polygon, TriangleCallback callback, void* user) {
     if (!polygon) return;
     Workspace& work = *m_workspace;
-    work.Load(*polygon, m_scale);
-    std::vector<TessPoint*>& corners = work.tessellator.Triangulate(work.loops);
-    FlipFlatTriangles(corners);
-    for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
-        callback(corners[i]->units, corners[i + 1]->units, corners[i + 2]->units, user);
+    const Box box = BoxOf(polygon->contours);
+    const TriangulatedShape* shape = work.shapes.Find(polygon->contours, box.low);
+    if (!shape) shape = &work.shapes.Add(work.Triangulate(*polygon, box, m_scale));
+    work.PlacePoints(*polygon, *shape, box.low);
+    for (std::size_t i = 0; i + 2 < shape->corners.size(); i += 3) {
+        const auto corner = [&](std::size_t k) { return work.points[shape->corners[i + k]].data(); };
+        callback(corner(0), corner(1), corner(2), user);
     }
 }
 
@@ -129,6 +174,7 @@ void PolyBooleanExtension::SetScale(double sx, double sy) {
     const auto usable = [](double s) { return std::isnormal(s) ? std::abs(s) : 1.0; };
     m_scale[0] = usable(sx);
     m_scale[1] = usable(sy);
+    m_workspace->shapes.Clear();
 }
 
 void PolyBooleanExtension::DeletePolygon(Polygon* polygon) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <new>
 
 namespace zr {
@@ -58,16 +57,15 @@ Tessellator::Tessellator() : m_tess(gluNewTess()) {
     gluTessNormal(m_tess.get(), 0, 0, 1);
 }
 
-void Tessellator::Reset(const double (&origin)[2], const double (&cell)[2]) {
+void Tessellator::Reset(std::uint32_t firstAdded) {
     m_pool.clear();
     m_cells.clear();
-    std::copy(std::begin(origin), std::end(origin), m_origin);
-    std::copy(std::begin(cell), std::end(cell), m_cell);
+    m_added.clear();
+    m_firstAdded = firstAdded;
 }
 
-TessPoint* Tessellator::NewPoint(GridPoint at, const double (&units)[2]) {
-    return &m_pool.emplace_back(
-        TessPoint{{static_cast<double>(at.x), static_cast<double>(at.y), 0}, {units[0], units[1]}});
+TessPoint* Tessellator::NewPoint(GridPoint at, std::uint32_t number) {
+    return &m_pool.emplace_back(TessPoint{{static_cast<double>(at.x), static_cast<double>(at.y), 0}, number});
 }
 
 TessPoint* Tessellator::PointAt(GridPoint at) {
@@ -77,8 +75,8 @@ TessPoint* Tessellator::PointAt(GridPoint at) {
     }
     TessPoint*& point = m_cells[at];
     if (!point) {
-        point = NewPoint(at, {m_origin[0] + static_cast<double>(at.x) * m_cell[0],
-                              m_origin[1] + static_cast<double>(at.y) * m_cell[1]});
+        point = NewPoint(at, m_firstAdded + static_cast<std::uint32_t>(m_added.size()));
+        m_added.push_back(at);
     }
     return point;
 }

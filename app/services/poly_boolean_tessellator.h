@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <unordered_map>
@@ -12,10 +13,9 @@ class GLUtesselator;
 
 namespace zr {
 
-// A point as the work sees it and as it is reported.
 struct TessPoint {
-    double at[3];     // whole numbers of the grid; at[2] is 0
-    double units[2];  // in the contours' own units
+    double at[3];  // whole numbers of the grid; at[2] is 0
+    std::uint32_t number;
 };
 
 // Points live in the tessellator that made them.
@@ -27,14 +27,17 @@ class Tessellator {
 public:
     Tessellator();
 
-    // Drops all points. Grid coordinate g stands for origin + g * cell, for x and y.
-    void Reset(const double (&origin)[2], const double (&cell)[2]);
+    // Drops all points. Points that crossing edges make are numbered from `firstAdded` on.
+    void Reset(std::uint32_t firstAdded);
 
-    // A point of the grid with its place in units. Valid until Reset.
-    TessPoint* NewPoint(GridPoint at, const double (&units)[2]);
+    // Valid until Reset.
+    TessPoint* NewPoint(GridPoint at, std::uint32_t number);
 
-    // The first point made at this place of the grid, made now when there is none.
+    // The first point made at this place of the grid, added now when there is none.
     TessPoint* PointAt(GridPoint at);
+
+    // The points that PointAt added, in the order of their numbers.
+    const std::vector<GridPoint>& Added() const { return m_added; }
 
     // The corners of the triangles, three by three, counter-clockwise; valid until the next call. The
     // contours are meant not to cross. Throws std::bad_alloc.
@@ -56,8 +59,8 @@ private:
     std::unique_ptr<GLUtesselator, Deleter> m_tess;
     std::deque<TessPoint> m_pool;
     std::unordered_map<GridPoint, TessPoint*, GridPointHash> m_cells;  // filled when first asked
-    double m_origin[2] = {0, 0};
-    double m_cell[2] = {1, 1};
+    std::uint32_t m_firstAdded = 0;
+    std::vector<GridPoint> m_added;
     std::vector<TessPoint*> m_corners;
     bool m_failed = false;
 };

@@ -23,13 +23,11 @@ double Cross(Point o, Point a, Point b) {
     return (a[0] - o[0]) * (b[1] - o[1]) - (a[1] - o[1]) * (b[0] - o[0]);
 }
 
-std::vector<Triangle> Fill(const std::vector<Contour>& contours, double scale = 1) {
-    const auto engine = vl::Ref<PolyBoolean>::Adopt(new zr::PolyBooleanExtension);
-    engine->SetScale(scale, scale);
+std::vector<Triangle> Fill(PolyBoolean& engine, const std::vector<Contour>& contours) {
     PolyBoolean::Polygon* region = nullptr;
     for (const Contour& contour : contours) {
-        region = engine->Combine(
-            region, engine->CreatePolygon(static_cast<int>(contour.size()), contour.data()->data()),
+        region = engine.Combine(
+            region, engine.CreatePolygon(static_cast<int>(contour.size()), contour.data()->data()),
             PolyBoolean::kCombineLetter, 1);
     }
     std::vector<Triangle> triangles;
@@ -37,9 +35,15 @@ std::vector<Triangle> Fill(const std::vector<Contour>& contours, double scale = 
         static_cast<std::vector<Triangle>*>(user)->push_back({{{a[0], a[1]}, {b[0], b[1]}, {c[0], c[1]}}});
         return 1;
     };
-    engine->Triangulate(region, collect, &triangles);
-    engine->DeletePolygon(region);
+    engine.Triangulate(region, collect, &triangles);
+    engine.DeletePolygon(region);
     return triangles;
+}
+
+std::vector<Triangle> Fill(const std::vector<Contour>& contours, double scale = 1) {
+    const auto engine = vl::Ref<PolyBoolean>::Adopt(new zr::PolyBooleanExtension);
+    engine->SetScale(scale, scale);
+    return Fill(*engine, contours);
 }
 
 double Area(const std::vector<Triangle>& triangles) {
@@ -139,6 +143,27 @@ TEST(PolyBoolean, ReportsTheCornersItWasGiven) {
     const std::vector<Triangle> triangles = Fill({odd}, 0.37);
     ASSERT_EQ(triangles.size(), 1u);
     for (const Point p : triangles[0]) EXPECT_TRUE(std::find(odd.begin(), odd.end(), p) != odd.end());
+}
+
+// What one engine remembers of the regions before changes nothing: not for one that is the same elsewhere,
+// one of as many points, one parted otherwise into contours, or one at another scale.
+TEST(PolyBoolean, FillsARegionAsIfItWereTheFirst) {
+    const auto engine = vl::Ref<PolyBoolean>::Adopt(new zr::PolyBooleanExtension);
+    const std::vector<std::vector<Contour>> regions = {
+        {kSquare, Box(2, 2, 8, 8)},
+        {Box(64, 32, 74, 42), Box(66, 34, 72, 40)},
+        {kSquare, Box(2, 2, 8, 7)},
+        {Box(0, 4, 10, 6), {{3.3, 0}, {6, 0}, {6, 10}}},
+        {Box(256, 260, 266, 262), {{259.3, 256}, {262, 256}, {262, 266}}},
+        {{{0, 4}, {10, 4}, {10, 6}}, {{0, 6}, {3, 0}, {6, 0}, {6, 10}}},
+    };
+    for (const double scale : {1.0, 0.001, 0.001, 300.0}) {
+        engine->SetScale(scale, scale);
+        for (int round = 0; round < 2; ++round) {
+            for (const std::vector<Contour>& region : regions)
+                EXPECT_EQ(Fill(*engine, region), Fill(region, scale));
+        }
+    }
 }
 
 TEST(PolyBoolean, AcceptsTheEmptyRegion) {
