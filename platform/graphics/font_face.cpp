@@ -12,45 +12,35 @@
 #include FT_OUTLINE_H
 #include FT_TRUETYPE_TABLES_H
 
+#include "platform/graphics/font_text.h"
+
 namespace platform {
 namespace {
 
 using PatternPtr = std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)>;
 
-std::string ToUtf8(const char16_t* text) {
-    std::string result;
-    const auto* bytes = reinterpret_cast<const FcChar8*>(text);
-    int left = static_cast<int>(2 * std::char_traits<char16_t>::length(text));
-    while (left > 0) {
-        FcChar32 character = 0;
-        const int used = FcUtf16ToUcs4(bytes, FcEndianLittle, &character, left);
-        if (used <= 0) break;
-        FcChar8 encoded[FC_UTF8_MAX_LEN];
-        const int length = FcUcs4ToUtf8(character, encoded);
-        result.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
-        bytes += used;
-        left -= used;
-    }
-    return result;
+int CountAdded() {
+    const FcFontSet* added = FcConfigGetFonts(nullptr, FcSetApplication);
+    return added ? added->nfont : 0;
 }
 
-std::u16string ToUtf16(const FcChar8* text) {
-    std::u16string result;
-    int left = static_cast<int>(std::strlen(reinterpret_cast<const char*>(text)));
-    while (left > 0) {
-        FcChar32 character = 0;
-        const int used = FcUtf8ToUcs4(text, &character, left);
-        if (used <= 0) break;
-        if (character < 0x10000) {
-            result += static_cast<char16_t>(character);
-        } else {
-            result += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
-            result += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
-        }
-        text += used;
-        left -= used;
+bool HasFamily(FcPattern* font, const std::string& family) {
+    FcChar8* name = nullptr;
+    for (int i = 0; FcPatternGetString(font, FC_FAMILY, i, &name) == FcResultMatch; ++i) {
+        if (FcStrCmpIgnoreCase(name, reinterpret_cast<const FcChar8*>(family.c_str())) == 0) return true;
     }
-    return result;
+    return false;
+}
+
+// Of the fonts that the process added when they have the family, else of all.
+PatternPtr MatchPattern(FcPattern* pattern, const std::string& family) {
+    FcResult result = FcResultNoMatch;
+    FcFontSet* added = FcConfigGetFonts(nullptr, FcSetApplication);
+    if (added && added->nfont > 0) {
+        PatternPtr best(FcFontSetMatch(nullptr, &added, 1, pattern, &result), FcPatternDestroy);
+        if (best && HasFamily(best.get(), family)) return best;
+    }
+    return {FcFontMatch(nullptr, pattern, &result), FcPatternDestroy};
 }
 
 // The library and the faces opened from it; the faces go first.
@@ -59,6 +49,7 @@ struct Library {
     std::mutex mutex;
     // By what was asked for, so that a repeated request costs one look-up.
     std::map<std::tuple<std::u16string, LONG, bool>, FontFace*> requests;
+    int added = 0;  // fonts that the process had added when `requests` began
     // By file and style, so requests that end at one face share it.
     std::map<std::tuple<std::string, int, bool, bool>, std::unique_ptr<FontFace>> faces;
 
@@ -99,8 +90,7 @@ FontFace::Match FontFace::BestMatch(const LOGFONTW& font) {
     FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
     FcDefaultSubstitute(pattern.get());
 
-    FcResult result = FcResultNoMatch;
-    const PatternPtr best(FcFontMatch(nullptr, pattern.get(), &result), FcPatternDestroy);
+    const PatternPtr best = MatchPattern(pattern.get(), wished);
     Match match;
     FcChar8* text = nullptr;
     if (!best || FcPatternGetString(best.get(), FC_FILE, 0, &text) != FcResultMatch) return match;
@@ -125,6 +115,11 @@ FontFace* FontFace::Find(const LOGFONTW& font) {
     Library& library = TheLibrary();
     const std::lock_guard lock(library.mutex);
     if (!library.library) return nullptr;
+    // What was asked for before may be another face now. Another library of the process may have added it.
+    if (const int added = CountAdded(); added != library.added) {
+        library.requests.clear();
+        library.added = added;
+    }
     auto [request, isNew] = library.requests.try_emplace(
         {std::u16string(font.lfFaceName), font.lfWeight, font.lfItalic != 0}, nullptr);
     if (!isNew) return request->second;
@@ -142,6 +137,15 @@ FontFace* FontFace::Find(const LOGFONTW& font) {
         face.reset(new FontFace(opened, match));
     }
     return request->second = face.get();
+}
+
+int FontFace::AddFile(const std::u16string& file) {
+    Library& library = TheLibrary();
+    const std::lock_guard lock(library.mutex);
+    const int before = CountAdded();
+    const std::string path = ToUtf8(file.c_str());
+    FcConfigAppFontAddFile(nullptr, reinterpret_cast<const FcChar8*>(path.c_str()));
+    return CountAdded() - before;
 }
 
 FontFace::FontFace(FT_Face face, const Match& match)

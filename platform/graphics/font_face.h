@@ -19,6 +19,9 @@ public:
     // The face that serves the record, opened at the first request and kept. Null when there is none.
     static FontFace* Find(const LOGFONTW& font);
 
+    // Adds the fonts of a file to those that Find knows, before the system's. Returns how many they are.
+    static int AddFile(const std::u16string& file);
+
     ~FontFace();
     FontFace(const FontFace&) = delete;
     FontFace& operator=(const FontFace&) = delete;

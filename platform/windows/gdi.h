@@ -13,7 +13,22 @@ using HDC = HDC__*;
 struct HFONT__;
 using HFONT = HFONT__*;
 
+// A font as an enumeration tells of it.
+struct tagENUMLOGFONTEXW {
+    LOGFONTW elfLogFont;
+    WCHAR elfFullName[64];
+    WCHAR elfStyle[LF_FACESIZE];
+    WCHAR elfScript[LF_FACESIZE];
+};
+using ENUMLOGFONTEXW = tagENUMLOGFONTEXW;
+struct tagTEXTMETRICW;
+using TEXTMETRICW = tagTEXTMETRICW;
+using FONTENUMPROCW = int(CALLBACK*)(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM);
+
 constexpr BYTE ANSI_CHARSET = 0;
+constexpr BYTE DEFAULT_CHARSET = 1;
+constexpr DWORD TRUETYPE_FONTTYPE = 4;
+constexpr DWORD FR_PRIVATE = 0x10;
 constexpr LONG FW_NORMAL = 400;
 constexpr LONG FW_BOLD = 700;
 
@@ -71,6 +86,16 @@ constexpr DWORD GGI_MARK_NONEXISTING_GLYPHS = 1;
 // change nothing). Weight and slant that the face lacks are made from its outlines. Null when the
 // system has no outline font at all.
 HFONT CreateFontIndirectW(const LOGFONTW* font);
+
+// Adds the fonts of a file for this process alone, and returns how many they are; 0 when there are none or
+// `flags` is not FR_PRIVATE. They go before the system's fonts of the same family. `reserved` is not used.
+int AddFontResourceExW(LPCWSTR file, DWORD flags, LPVOID reserved);
+
+// Tells `tell` of the outline fonts, sorted by family: of one of each family, or of all of the family that
+// the record names. What it is given is an ENUMLOGFONTEXW with family, style, weight and slant, null metrics,
+// TRUETYPE_FONTTYPE and `user`. Ends when it returns 0; the result is what it returned last, 1 before that.
+// Families whose names do not fit a LOGFONTW are left out. `flags` must be 0.
+int EnumFontFamiliesExW(HDC dc, LOGFONTW* record, FONTENUMPROCW tell, LPARAM user, DWORD flags);
 
 // False for null.
 BOOL DeleteObject(HGDIOBJ object);

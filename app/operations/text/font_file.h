@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "base/file.h"
+
+namespace zr {
+
+// What a font file says of its font, of the first one in a collection.
+struct FontFileNames {
+    std::u16string family;
+    int weight;
+    bool isItalic;
+};
+
+// Throws Error when the bytes are no TrueType or OpenType font.
+FontFileNames ReadFontNames(Bytes font, const std::string& name);
+
+// Makes the fonts of a file known to this process, where they go before the system's of the same family.
+// Throws Error.
+FontFileNames AddFontFile(const std::filesystem::path& file);
+
+}  // namespace zr

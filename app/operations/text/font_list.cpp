@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/text/font_list.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <tuple>
+
+#include "platform/windows.h"
+
+namespace zr {
+namespace {
+
+template <std::size_t size>
+std::u16string TextOf(const WCHAR (&buffer)[size]) {
+    return std::u16string(buffer, std::find(buffer, buffer + size, WCHAR{0}));
+}
+
+// Of what the system calls a family of its own because it is turned for vertical writing.
+bool IsTurned(const std::u16string& family) {
+    return family.starts_with(u'@');
+}
+
+template <class Tell>
+void Enumerate(HDC dc, const WCHAR* family, Tell&& tell) {
+    LOGFONTW record{};
+    record.lfCharSet = DEFAULT_CHARSET;
+    if (family) std::copy_n(family, std::size(record.lfFaceName), record.lfFaceName);
+    const FONTENUMPROCW forward = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type,
+                                     LPARAM user) -> int {
+        // Fonts of lines or pixels have no outlines; those of cubic outlines have no type.
+        constexpr DWORD kRasterOrDevice = 3;
+        if ((type & kRasterOrDevice) == 0)
+            (*reinterpret_cast<std::remove_reference_t<Tell>*>(user))(
+                *reinterpret_cast<const ENUMLOGFONTEXW*>(font));
+        return 1;
+    };
+    EnumFontFamiliesExW(dc, &record, forward, reinterpret_cast<LPARAM>(&tell), 0);
+}
+
+}  // namespace
+
+std::vector<FontFamily> ListFonts() {
+    const HDC dc = GetDC(nullptr);
+    // The system may tell of a font once for each script that it has.
+    std::map<std::u16string, std::map<std::tuple<int, bool, std::u16string>, FontStyle>> found;
+    Enumerate(dc, nullptr, [&](const ENUMLOGFONTEXW& family) {
+        const std::u16string name = TextOf(family.elfLogFont.lfFaceName);
+        if (IsTurned(name) || found.contains(name)) return;
+        auto& styles = found[name];
+        Enumerate(dc, family.elfLogFont.lfFaceName, [&](const ENUMLOGFONTEXW& font) {
+            const FontStyle style{TextOf(font.elfStyle), static_cast<int>(font.elfLogFont.lfWeight),
+                                  font.elfLogFont.lfItalic != 0};
+            styles.try_emplace({style.weight, style.isItalic, style.name}, style);
+        });
+    });
+    ReleaseDC(nullptr, dc);
+    std::vector<FontFamily> families;
+    for (const auto& [name, styles] : found) {
+        FontFamily& family = families.emplace_back(FontFamily{name, {}});
+        for (const auto& style : styles) family.styles.push_back(style.second);
+    }
+    return families;
+}
+
+}  // namespace zr

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/text/make_text.h"
+
+#include <cmath>
+#include <stdexcept>
+
+#include "host/cad_text.h"
+
+namespace zr {
+namespace {
+
+using vl::zr::legacy::CadText;
+using vl::zr::legacy::GlyphContour;
+using vl::zr::legacy::GlyphTesselated;
+
+constexpr char kFailure[] = "the text could not be made into geometry";
+
+void TakeContours(GlyphContour& contours, TextGeometry& geometry) {
+    for (int k = 0; k < contours.GetContourCount(); ++k) {
+        const int count = contours.GetPointCount(k);
+        if (count == 0) continue;
+        geometry.contours.push_back({static_cast<std::uint32_t>(geometry.points.size()),
+                                     static_cast<std::uint32_t>(count), contours.GetLetterIndex(k)});
+        geometry.points.insert(geometry.points.end(), contours.GetPoints(k), contours.GetPoints(k) + count);
+    }
+}
+
+void TakeMesh(GlyphTesselated& mesh, TextGeometry& geometry) {
+    geometry.points.assign(mesh.GetVertices(), mesh.GetVertices() + mesh.GetVertexCount());
+    geometry.triangles.assign(mesh.GetTriangles(), mesh.GetTriangles() + mesh.GetTriangleCount());
+}
+
+}  // namespace
+
+TextGeometry MakeText(Host& host, const TextRequest& request) {
+    const auto cadText = host.Create<CadText>("CADTEXT");
+    const char16_t* text = request.text.c_str();
+    const LOGFONTW font = RecordOf(request.font);
+    TextGeometry geometry;
+    geometry.isMesh = request.style == TextStyle::kMesh;
+    geometry.isClosed = request.style == TextStyle::kOutline;
+    // A hundredth of a line, about.
+    if (request.style != TextStyle::kStroke)
+        geometry.penWidth = std::abs(request.font.height) * request.size / 144;
+    if (geometry.isMesh) {
+        const auto mesh =
+            vl::Ref<GlyphTesselated>::Adopt(cadText->CreatePolygons(text, font, request.size, nullptr));
+        if (!mesh) throw std::runtime_error(kFailure);
+        TakeMesh(*mesh, geometry);
+        return geometry;
+    }
+    const auto contours = vl::Ref<GlyphContour>::Adopt(
+        geometry.isClosed ? cadText->CreateOutlineContours(text, font, request.size, nullptr)
+                          : cadText->CreateStrokeContours(text, font, request.size, nullptr));
+    if (!contours) throw std::runtime_error(kFailure);
+    TakeContours(*contours, geometry);
+    return geometry;
+}
+
+}  // namespace zr

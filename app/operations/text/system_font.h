@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "platform/windows.h"
+
+namespace zr {
+
+// What a text is drawn with.
+struct TextFont {
+    std::u16string family;  // at most 31 units; empty: the system's own choice
+    int height = -12;       // of the em square below 0, of a line's cell above 0, 0 the system's own; it is
+                            // drawn ten times as large
+    int weight = 400;       // 1 to 1000, 700 is bold
+    bool isItalic = false;
+};
+
+inline constexpr std::size_t kLongestFamily = 31;
+
+LOGFONTW RecordOf(const TextFont& font);
+
+// The system's font, ten times as high as asked for, as the module draws with it.
+class SystemFont {
+public:
+    // Throws std::runtime_error when the system has no outline font.
+    explicit SystemFont(const TextFont& font);
+    ~SystemFont();
+    SystemFont(const SystemFont&) = delete;
+    SystemFont& operator=(const SystemFont&) = delete;
+
+    std::u16string Family() const;
+
+    bool Has(char16_t c) const;
+
+    // False when the system has no outline, not even an empty one, to give at this height.
+    bool CanDraw(char16_t c) const;
+
+    // In device units; 0 for what cannot be drawn.
+    int Advance(char16_t c) const;
+
+private:
+    HDC m_dc;
+    HFONT m_font;
+    HGDIOBJ m_previous;
+};
+
+}  // namespace zr

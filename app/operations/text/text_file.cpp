@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/text/text_file.h"
+
+namespace zr {
+namespace {
+
+constexpr std::size_t kMuch = 1 << 15;
+
+}  // namespace
+
+void TextFile::Pass() {
+    if (m_text.size() < kMuch) return;
+    m_file.Write(m_text);
+    m_text.clear();
+}
+
+void TextFile::Commit() {
+    m_file.Write(m_text);
+    m_text.clear();
+    m_files.Commit();
+}
+
+}  // namespace zr

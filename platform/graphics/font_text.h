@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <fontconfig/fontconfig.h>
+
+#include <string>
+
+namespace platform {
+
+std::string ToUtf8(const char16_t* text);
+std::u16string ToUtf16(const FcChar8* text);
+
+}  // namespace platform
