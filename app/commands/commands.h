@@ -22,6 +22,7 @@ void AddSplitCommand(CLI::App& app, Session& session);
 void AddExportCommand(CLI::App& app, Session& session);
 void AddCleanCommand(CLI::App& app, Session& session);
 void AddDescribeCommand(CLI::App& app, Session& session);
+void AddFontsCommand(CLI::App& app, Session& session);
 void AddHelpCommand(CLI::App& app, Session& session);
 void AddInfoCommand(CLI::App& app, Session& session);
 void AddTreeCommand(CLI::App& app, Session& session);
@@ -42,6 +43,7 @@ inline constexpr CommandEntry kCommands[] = {
     {"Change animations", AddSplitCommand},
     {"Change animations", AddRemoveAnimationsCommand},
     {"Draw", AddTextCommand},
+    {"Draw", AddFontsCommand},
     {"About the program", AddDescribeCommand},
     {"About the program", AddHelpCommand},
 };

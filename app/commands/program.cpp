@@ -3,12 +3,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <new>
 #include <system_error>
 
 #include "app/commands/commands.h"
+#include "app/commands/dashed_text.h"
 #include "app/commands/help.h"
 #include "app/commands/options.h"
 #include "app/commands/session.h"
@@ -111,7 +113,10 @@ int Run(int argc, const char* const* argv) {
     Session session;
     const std::unique_ptr<CLI::App> app = MakeCommandLine(session);
     try {
-        app->parse(argc, argv);
+        std::vector<std::string> words(argv + 1, argv + argc);
+        MarkDashedText(*app, words);
+        std::reverse(words.begin(), words.end());
+        app->parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             app->exit(error);

@@ -1,278 +1,282 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <cstdio>
-#include <set>
+#include <memory>
+#include <optional>
 
 #include "app/commands/commands.h"
+#include "app/commands/dashed_text.h"
 #include "app/commands/files.h"
+#include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
-#include "app/operations/text/text_geometry.h"
+#include "app/operations/text/font_file.h"
+#include "app/operations/text/length_unit.h"
+#include "app/operations/text/text_check.h"
+#include "app/operations/text/text_drawing.h"
+#include "app/operations/text/text_source.h"
+#include "app/operations/text/text_writers.h"
 #include "base/file.h"
-#include "kernix/utf.h"
-#include "platform/windows.h"
+#include "base/text.h"
 
 namespace zr {
 namespace {
 
-using vl::zr::legacy::CadText;
-using vl::zr::legacy::GlyphContour;
-using vl::zr::legacy::GlyphTesselated;
+constexpr int kBold = 700;
 
-struct TextOptions {
+struct TextArguments {
     std::vector<std::string> names;  // TEXT OUT, or OUT with a file
     std::string file;
-    std::string style = "outline";
+    std::string style;
     std::string font;
-    bool bold = false;
-    bool italic = false;
-    int height = -12;  // of the font record; the module draws ten times as large
-    double size = 12;  // size 12 keeps the enlarged font's device units
-    bool substitute = false;
+    std::string fontFile;
+    bool isBold = false;
+    bool isItalic = false;
+    int height = -12;
+    double size = 12;
+    bool acceptsSubstitutes = false;
+    std::string align = "left";
+    std::string unit;
+    DrawingOptions drawing;
+    bool isDrawing = false;  // one of the options that only a drawing has was given
+    bool wantsMetrics = false;
 };
 
-TextFormat FormatOf(const std::filesystem::path& target, bool isMesh) {
-    std::string ending = PathToUtf8(target.extension());
-    for (char& c : ending) c = vl::FoldCase(c);
-    if (ending == ".svg") return TextFormat::kSvg;
-    if (ending == ".glb" || ending == ".gltf") return TextFormat::kGltf;
-    if (ending == ".json") return TextFormat::kJson;
-    if (ending != ".obj")
-        throw UsageError(PathToUtf8(target) + ": the name must end in .svg, .glb, .gltf, .json or .obj");
-    if (!isMesh) throw UsageError(PathToUtf8(target) + ": a .obj takes a mesh, give --style mesh");
-    return TextFormat::kObj;
+TextFormat FormatOf(const std::string& target) {
+    constexpr std::pair<std::string_view, TextFormat> kEndings[] = {
+        {".svg", TextFormat::kSvg},   {".dxf", TextFormat::kDxf},   {".glb", TextFormat::kGltf},
+        {".gltf", TextFormat::kGltf}, {".json", TextFormat::kJson}, {".obj", TextFormat::kObj},
+        {".stl", TextFormat::kStl}};
+    for (const auto& [ending, format] : kEndings) {
+        if (HasEnding(target, ending)) return format;
+    }
+    throw UsageError(target +
+                     ": the name must end in .svg, .dxf, .glb, .gltf, .json, .obj or .stl");
 }
 
-constexpr std::uint64_t kMaxText = std::uint64_t{4} << 20;  // bytes of a text file
-
-// A file's lines end as the module breaks lines: with a carriage return and a line feed.
-std::u16string ReadText(const std::string& file) {
-    const FileContent content = ReadFile(PathFromUtf8(file), kMaxText);
-    std::string text;
-    for (const std::byte byte : content.View()) {
-        const auto c = static_cast<char>(byte);
-        if (c == '\n' && !text.ends_with('\r')) text += '\r';
-        text += c;
-    }
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-    return kernix::ToUtf16(text);
+TextStyle StyleOf(const TextArguments& arguments) {
+    const bool isSolid = arguments.drawing.depth > 0;
+    if (arguments.style.empty()) return isSolid ? TextStyle::kMesh : TextStyle::kOutline;
+    if (isSolid && arguments.style != "mesh")
+        throw UsageError("--depth: only a mesh can be deep, not --style " + arguments.style);
+    if (arguments.style == "stroke") return TextStyle::kStroke;
+    return arguments.style == "mesh" ? TextStyle::kMesh : TextStyle::kOutline;
 }
 
-// "U+00E9", for a position in UTF-16 text.
-std::string NameOf(std::u16string_view text, std::size_t at) {
-    unsigned code = text[at];
-    if (code >= 0xD800 && code < 0xDC00 && at + 1 < text.size()) {
-        code = 0x10000 + ((code - 0xD800) << 10) + (text[at + 1] - 0xDC00u);
-    }
-    char name[16];
-    std::snprintf(name, sizeof name, "U+%04X", code);
-    return name;
+void CheckFormat(const std::string& target, TextFormat format, TextStyle style, bool isSolid) {
+    if (format == TextFormat::kObj && style != TextStyle::kMesh)
+        throw UsageError(target + ": a .obj takes a mesh, give --style mesh");
+    if (format == TextFormat::kStl && !isSolid)
+        throw UsageError(target + ": a .stl takes a solid, give --depth");
+    if (format == TextFormat::kSvg && isSolid)
+        throw UsageError(target + ": a .svg takes no solid, leave --depth out");
 }
 
-// What the module would draw wrong without a word: refused, or told about where the user accepts it.
-class Shortcomings {
-public:
-    explicit Shortcomings(bool accepted) : m_accepted(accepted) {}
-
-    void Report(const std::string& what, const std::string& instead) const {
-        if (!m_accepted) throw std::runtime_error(what + "; --substitute accepts " + instead);
-        std::fprintf(stderr, "zr: %s: %s\n", what.c_str(), instead.c_str());
-    }
-
-private:
-    bool m_accepted;
+// The text and the file to write, which may be left out where only measures are wished.
+struct Operands {
+    std::u16string text;
+    std::string target;
 };
 
-void CheckStrokeText(std::u16string_view text, const Shortcomings& shortcomings) {
-    std::set<char16_t> seen;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i];
-        if ((c >= 32 && c <= 126) || c == u'\r' || c == u'\n' || !seen.insert(c).second) continue;
-        if (c >= 0xDC00 && c < 0xE000) continue;
-        shortcomings.Report("the stroke font has no character " + NameOf(text, i), "leaving it out");
+Operands OperandsOf(const TextArguments& arguments) {
+    std::vector<std::string> names = arguments.names;
+    const std::size_t most = arguments.file.empty() ? 2 : 1;
+    const std::size_t least = most - (arguments.wantsMetrics ? 1 : 0);
+    if (names.size() < least || names.size() > most)
+        throw UsageError(most == 1 ? "text: give OUT and no TEXT with --file" : "text: give TEXT and OUT");
+    Operands operands;
+    if (names.size() == most) {
+        operands.target = names.back();
+        names.pop_back();
     }
+    operands.text = arguments.file.empty() ? DecodeText(UnmarkedText(names.front()), "TEXT")
+                                           : ReadTextFile(PathFromUtf8(arguments.file));
+    return operands;
 }
 
-// The font as the system has it, at the size at which the module asks for it.
-class SystemFont {
-public:
-    explicit SystemFont(LOGFONTW font) : m_dc(GetDC(nullptr)) {
-        font.lfHeight *= 10;
-        m_font = CreateFontIndirectW(&font);
-        if (m_font) m_previous = SelectObject(m_dc, m_font);
+TextFont FontOf(const TextArguments& arguments) {
+    TextFont font{DecodeText(arguments.font, "--font"), arguments.height};
+    if (!arguments.fontFile.empty()) {
+        const FontFileNames names = AddFontFile(PathFromUtf8(arguments.fontFile));
+        if (font.family.empty()) font.family = names.family;
+        font.weight = names.weight;
+        font.isItalic = names.isItalic;
     }
-    ~SystemFont() {
-        if (m_font) SelectObject(m_dc, m_previous);
-        ReleaseDC(nullptr, m_dc);
-        DeleteObject(m_font);
-    }
-    SystemFont(const SystemFont&) = delete;
-    SystemFont& operator=(const SystemFont&) = delete;
-
-    bool Exists() const { return m_font != nullptr; }
-
-    std::u16string Family() const {
-        char16_t name[256] = {};
-        GetTextFaceW(m_dc, static_cast<int>(std::size(name)), name);
-        return name;
-    }
-
-    bool Has(char16_t c) const {
-        WORD glyph = 0;
-        return GetGlyphIndicesW(m_dc, &c, 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS) == 1 && glyph != 0xFFFF;
-    }
-
-    bool CanDraw(char16_t c) const {
-        const MAT2 identity = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
-        GLYPHMETRICS metrics;
-        return GetGlyphOutlineA(m_dc, c, GGO_NATIVE, &metrics, 0, nullptr, &identity) != GDI_ERROR;
-    }
-
-private:
-    HDC m_dc;
-    HFONT m_font = nullptr;
-    HGDIOBJ m_previous = nullptr;
-};
-
-void CheckFontText(std::u16string_view text, const LOGFONTW& record, const Shortcomings& shortcomings) {
-    const SystemFont font(record);
-    if (!font.Exists()) throw std::runtime_error("the system has no outline font");
-    const std::u16string family = font.Family();
-    const std::string name = kernix::ToUtf8(family);
-    if (record.lfFaceName[0] != 0 && vl::CompareNoCase(family.c_str(), record.lfFaceName) != 0) {
-        shortcomings.Report("the font \"" + kernix::ToUtf8(record.lfFaceName) + "\" is not installed",
-                            "\"" + name + "\"");
-    }
-    std::set<char16_t> seen;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i];
-        if (c == u'\r' || c == u'\n' || !seen.insert(c).second) continue;
-        if (!font.Has(c)) {
-            shortcomings.Report("the font \"" + name + "\" has no character " + NameOf(text, i),
-                                "its replacement");
-            if (c >= 0xD800 && c < 0xDC00) ++i;
-        }
-        if (!font.CanDraw(c)) {
-            throw std::runtime_error("the font \"" + name + "\" has no outline of " + NameOf(text, i) +
-                                     " at this height");
-        }
-    }
-}
-
-LOGFONTW FontRecord(const TextOptions& options) {
-    LOGFONTW font{};
-    font.lfHeight = options.height;
-    font.lfWeight = options.bold ? FW_BOLD : FW_NORMAL;
-    font.lfItalic = options.italic;
-    const std::u16string face = kernix::ToUtf16(options.font);
-    if (face.size() >= LF_FACESIZE) throw UsageError("--font: the name is longer than 31 characters");
-    std::copy(face.begin(), face.end(), font.lfFaceName);
+    if (arguments.isBold) font.weight = kBold;
+    if (arguments.isItalic) font.isItalic = true;
+    if (font.family.size() > kLongestFamily)
+        throw UsageError("--font: the name is longer than 31 characters");
     return font;
 }
 
-TextGeometry FromContours(GlyphContour& contours) {
-    TextGeometry geometry;
-    for (int k = 0; k < contours.GetContourCount(); ++k) {
-        const int count = contours.GetPointCount(k);
-        if (count == 0) continue;
-        geometry.contours.push_back({static_cast<std::uint32_t>(geometry.points.size()),
-                                     static_cast<std::uint32_t>(count), contours.GetLetterIndex(k)});
-        geometry.points.insert(geometry.points.end(), contours.GetPoints(k), contours.GetPoints(k) + count);
+// What the module would draw wrong without a word: refused, or told about where the user accepts it.
+void Tell(const std::vector<TextShortcoming>& shortcomings, bool isAccepted, Report& report) {
+    for (const auto& [what, instead] : shortcomings) {
+        if (!isAccepted) throw std::runtime_error(Join(what, "; --substitute accepts ", instead));
+        report.notes.push_back(Join(what, ": ", instead));
     }
-    return geometry;
 }
 
-TextGeometry FromMesh(GlyphTesselated& mesh) {
-    TextGeometry geometry;
-    geometry.isMesh = true;
-    geometry.points.assign(mesh.GetVertices(), mesh.GetVertices() + mesh.GetVertexCount());
-    geometry.triangles.assign(mesh.GetTriangles(), mesh.GetTriangles() + mesh.GetTriangleCount());
-    return geometry;
+JsonObject PointJson(const TextGeometry::Point& p) {
+    return JsonObject().Set("x", p.x).Set("y", p.y).Set("z", p.z);
 }
 
-TextGeometry MakeGeometry(const TextOptions& options, const std::u16string& text, const LOGFONTW& font,
-                          Session& session) {
-    const auto cadText = session.GetHost().Create<CadText>(kTypeCadText);
-    const char* const failure = "the text could not be made into geometry";
-    if (options.style == "mesh") {
-        const auto mesh = vl::Ref<GlyphTesselated>::Adopt(
-            cadText->CreatePolygons(text.c_str(), font, options.size, nullptr));
-        if (!mesh) throw std::runtime_error(failure);
-        return FromMesh(*mesh);
+JsonObject MetricsJson(const TextDrawing& drawing) {
+    const TextMetrics& metrics = drawing.metrics;
+    const TextBox box = BoxOf(drawing.geometry.points);
+    JsonObject json, bounds;
+    if (drawing.geometry.unit != LengthUnit::kNone) json.Set("units", InfoOf(drawing.geometry.unit).name);
+    bounds.Set("min", PointJson(box.low)).Set("max", PointJson(box.high));
+    json.Set("bounds", bounds).Set("capHeight", metrics.capHeight).Set("lineDistance", metrics.lineDistance);
+    JsonArray lines;
+    for (const TextMetrics::Line& line : metrics.lines) {
+        JsonArray characters;
+        for (const TextMetrics::Character& c : line.characters) {
+            characters.Append(JsonObject()
+                                  .Set("letter", c.position)
+                                  .Set("code", static_cast<int>(c.code))
+                                  .Set("x", c.x)
+                                  .Set("advance", c.advance));
+        }
+        lines.Append(JsonObject()
+                         .Set("x", line.x)
+                         .Set("baseline", line.baseline)
+                         .Set("advance", line.advance)
+                         .Set("characters", characters));
     }
-    const auto contours = vl::Ref<GlyphContour>::Adopt(
-        options.style == "stroke"
-            ? cadText->CreateStrokeContours(text.c_str(), font, options.size, nullptr)
-            : cadText->CreateOutlineContours(text.c_str(), font, options.size, nullptr));
-    if (!contours) throw std::runtime_error(failure);
-    return FromContours(*contours);
+    return json.Set("lines", lines);
 }
 
-int RunText(const TextOptions& options, Session& session) {
-    const bool hasFile = !options.file.empty();
-    if (options.names.size() != (hasFile ? 1 : 2)) {
-        throw UsageError(hasFile ? "text: give OUT and no TEXT with --file" : "text: give TEXT and OUT");
-    }
-    const std::filesystem::path target = PathFromUtf8(options.names.back());
-    const TextFormat format = FormatOf(target, options.style == "mesh");
-    const LOGFONTW font = FontRecord(options);
-    const std::u16string text = hasFile ? ReadText(options.file) : kernix::ToUtf16(options.names.front());
-    if (text.find(u'\0') != text.npos) throw std::runtime_error("the text has a zero character in it");
+TextDrawing Draw(const TextArguments& arguments, const TextRequest& request, bool isDrawing, Session& session) {
+    if (isDrawing) return MakeDrawing(session.GetHost(), request, arguments.drawing);
+    return {MakeText(session.GetHost(), request), {}};
+}
 
-    const Shortcomings shortcomings(options.substitute);
-    if (options.style == "stroke") {
-        CheckStrokeText(text, shortcomings);
-    } else {
-        CheckFontText(text, font, shortcomings);
-    }
-    OutputTarget out(session, options.names.back(), PathToUtf8(target.extension()));
-    TextGeometry geometry = MakeGeometry(options, text, font, session);
-    // A hundredth of a line, about.
-    if (options.style != "stroke") geometry.penWidth = std::abs(options.height) * options.size / 144;
-    session.ThrowIfStopped();
-    WriteText(geometry, format, out.Path());
+int RunText(const TextArguments& arguments, Session& session) {
+    const TextStyle style = StyleOf(arguments);
+    const auto& [text, target] = OperandsOf(arguments);
+    const TextFormat format = target.empty() ? TextFormat::kJson : FormatOf(target);
+    if (!target.empty()) CheckFormat(target, format, style, arguments.drawing.depth > 0);
+    const TextRequest request{text, style, FontOf(arguments), arguments.size};
+
     Report report;
-    report.json.Set("output", options.names.back()).Set("points", geometry.points.size());
-    report.json.Set("contours", geometry.contours.size()).Set("triangles", geometry.triangles.size());
+    Tell(style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, request.font),
+         arguments.acceptsSubstitutes, report);
+    if (NeedsShaping(text)) {
+        report.notes.push_back(
+            "the text has characters of right-to-left writing, which are drawn one by one from left to right");
+    }
+    const bool isDrawing = arguments.isDrawing || arguments.wantsMetrics || format == TextFormat::kDxf;
+    std::optional<OutputTarget> out;
+    if (!target.empty()) {
+        out.emplace(session, target, "");
+        report.json.Set("output", target);
+    }
+    const TextDrawing drawing = Draw(arguments, request, isDrawing, session);
+    const TextGeometry& geometry = drawing.geometry;
+    session.ThrowIfStopped();
+    if (out) WriteText(geometry, format, out->Path());
+    report.json.Set("points", geometry.points.size()).Set("contours", geometry.contours.size());
+    report.json.Set("triangles", geometry.triangles.size());
+    if (arguments.wantsMetrics) {
+        const JsonObject metrics = MetricsJson(drawing);
+        report.json.Set("metrics", metrics);
+        report.text = metrics.PrettyText();
+        report.isAnswer = true;
+    }
     PrintReport(session, "text", report);
     return 0;
+}
+
+constexpr const char* kFontGroup = "Font";
+constexpr const char* kDrawingGroup = "Drawing, laid out in lines";
+constexpr Range kSizes{1e-3, 1e6};
+constexpr const char* kUnits = "UNITS";
+
+void AddFontOptions(CLI::App& command, TextArguments& arguments) {
+    command.add_option("--font", arguments.font, "Family name; else the system's own choice")
+        ->type_name("NAME")
+        ->group(kFontGroup);
+    command
+        .add_option("--font-file", arguments.fontFile,
+                    "Draw with the font of this file, TrueType or OpenType; --font chooses among several")
+        ->type_name(kFileType)
+        ->group(kFontGroup);
+    command.add_flag("--bold", arguments.isBold, "The bold face")->group(kFontGroup);
+    command.add_flag("--italic", arguments.isItalic, "The italic face")->group(kFontGroup);
+    AddNumber(command, "--height", arguments.height, {-2000, 2000}, kUnits,
+              "Font height: of the em square when below 0, of the line's cell above 0")
+        ->capture_default_str()
+        ->group(kFontGroup);
+    AddNumber(command, "--size", arguments.size, kSizes, kUnits,
+              "Text size; 12 gives the device units of the ten times enlarged font")
+        ->capture_default_str()
+        ->group(kFontGroup);
+    command
+        .add_flag("--substitute", arguments.acceptsSubstitutes,
+                  "Take the nearest font, or the font's replacement character, for what is missing")
+        ->group(kFontGroup);
+}
+
+void AddDrawingOptions(CLI::App& command, TextArguments& arguments) {
+    const auto add = [&arguments](CLI::Option* option) {
+        return option->group(kDrawingGroup)->each([&arguments](auto) { arguments.isDrawing = true; });
+    };
+    DrawingOptions& drawing = arguments.drawing;
+    add(AddChoice(command, "--align", arguments.align, {"left", "center", "right"},
+                  "Where lines stand: they start, have their middle, or end at 0"));
+    add(AddNumber(command, "--line-spacing", drawing.lineSpacing, {0, 100}, "TIMES",
+                  "Distance of lines, in distances of the font's own"));
+    add(AddChoice(command, "--units", arguments.unit, {"mm", "cm", "in"},
+                  "What a unit of the coordinates is"));
+    add(AddNumber(command, "--cap-height", drawing.capHeight, kSizes, kUnits, "Height of a capital H"))
+        ->excludes("--size");
+    add(AddNumber(command, "--depth", drawing.depth, kSizes, kUnits, "Make a closed solid of this depth"));
+    command
+        .add_flag("--metrics", arguments.wantsMetrics,
+                  "Print advances, places and bounds as JSON; OUT may then be left out")
+        ->group(kDrawingGroup);
+}
+
+void Settle(TextArguments& arguments) {
+    constexpr std::pair<std::string_view, TextAlign> kAligns[] = {
+        {"left", TextAlign::kLeft}, {"center", TextAlign::kCenter}, {"right", TextAlign::kRight}};
+    for (const auto& [name, align] : kAligns) {
+        if (arguments.align == name) arguments.drawing.align = align;
+    }
+    for (const LengthUnit unit : {LengthUnit::kMillimetre, LengthUnit::kCentimetre, LengthUnit::kInch}) {
+        if (arguments.unit == InfoOf(unit).name) arguments.drawing.unit = unit;
+    }
 }
 
 }  // namespace
 
 void AddTextCommand(CLI::App& app, Session& session) {
-    CLI::App* command = app.add_subcommand("text", "Turns text into strokes, outlines or a flat mesh");
-    const auto options = std::make_shared<TextOptions>();
+    CLI::App* command =
+        app.add_subcommand("text", "Turns text into strokes, outlines, a flat mesh or a solid");
+    const auto arguments = std::make_shared<TextArguments>();
     command
-        ->add_option("names", options->names,
-                     "The text, and the file to write: .svg, .glb, .gltf, .json, or .obj for a mesh")
+        ->add_option(
+            "names", arguments->names,
+            "The text, and the file to write: .svg, .dxf, .glb, .gltf, .json, .obj for a mesh or .stl "
+            "for a solid")
         ->type_name("TEXT OUT")
-        ->expected(1, 2)
-        ->required();
-    command->add_option("--file", options->file,
+        ->expected(1, 2);
+    command->add_option("--file", arguments->file,
                         "Read the text, UTF-8, from this file; then only OUT is given");
-    command->add_option("--style", options->style, "Single strokes, closed outlines or triangles")
-        ->check(CLI::IsMember({"stroke", "outline", "mesh"}))
-        ->capture_default_str();
-    command->add_option("--font", options->font, "Family name; else the system's own choice");
-    command->add_flag("--bold", options->bold, "The bold face");
-    command->add_flag("--italic", options->italic, "The italic face");
     command
-        ->add_option("--height", options->height,
-                     "Font height: of the em square when below 0, of the line's cell above 0")
-        ->check(CLI::Range(-30000, 30000))
-        ->capture_default_str();
-    command
-        ->add_option("--size", options->size,
-                     "Text size; 12 gives the device units of the ten times enlarged font")
-        ->check(CLI::Range(1e-3, 1e6))
-        ->capture_default_str();
-    command->add_flag("--substitute", options->substitute,
-                      "Take the nearest font, or the font's replacement character, for what is missing");
-    command->callback([options, &session] {
-        session.SetCommand([options, &session] { return RunText(*options, session); });
+        ->add_option("--style", arguments->style,
+                     "Single strokes, closed outlines (the default) or triangles (with --depth)")
+        ->check(CLI::IsMember({"stroke", "outline", "mesh"}));
+    AddFontOptions(*command, *arguments);
+    AddDrawingOptions(*command, *arguments);
+    AddExamples(*command,
+                {{"text \"M8 x 20\" plate.dxf --units mm --cap-height 5", "Outlines to cut."},
+                 {"text \"M8 x 20\" plate.svg --style stroke --units mm --cap-height 5", "Strokes to engrave."},
+                 {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."}});
+    command->callback([arguments, &session] {
+        Settle(*arguments);
+        session.SetCommand([arguments, &session] { return RunText(*arguments, session); });
     });
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -21,12 +22,13 @@ protected:
     }
     ~TextCommand() override { fs::remove_all(m_folder); }
 
-    int Run(const std::string& arguments) {
-        const std::string command =
-            "cd " + m_folder.string() + " && " ZR_PROGRAM " text " + arguments + " 2>errors";
+    int RunProgram(const std::string& arguments) {
+        std::ofstream(m_folder / "run") << ZR_PROGRAM " " << arguments;
+        const std::string command = "cd " + m_folder.string() + " && bash run >output 2>errors";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
+    int Run(const std::string& arguments) { return RunProgram("text " + arguments); }
 
     std::string Read(const char* name) const {
         std::ifstream file(m_folder / name, std::ios::binary);
@@ -72,17 +74,27 @@ TEST_F(TextCommand, NamesWhatIsMissingAndWritesNothing) {
         {"A out.svg --font 'No Such Font'", 1, "\"No Such Font\" is not installed"},
         {"'A\xE4\xB8\x80' out.svg --font 'DejaVu Sans'", 1, "U+4E00"},
         {"'\xC3\xA9' out.svg --style stroke", 1, "U+00E9"},
-        {"A out.svg --height 20000", 1, "U+0041"},
+        {"A out.svg --height 20000", 2, "-2000 to 2000"},
+        {"A out.svg --size nan", 2, "0.001 to 1e+06"},
+        {"A out.svg --cap-height inf", 2, "0.001 to 1e+06"},
+        {"A out.svg --cap-height 5 --size 3", 2, "--size"},
+        {"'A\xFF' out.svg", 1, "TEXT: byte 1: "},
+        {"A out.svg --font-file /dev/null", 1, "/dev/null: "},
         {"--file missing.txt out.svg", 1, "missing.txt"},
         {"A out.obj", 2, "--style mesh"},
+        {"A out.stl", 2, "--depth"},
+        {"A out.svg --depth 3", 2, "--depth"},
+        {"A out.stl --depth 3 --style stroke", 2, "--style stroke"},
         {"A out.xyz", 2, "out.xyz"},
+        {"A", 2, "TEXT"},
         {"out.svg", 2, "TEXT"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.arguments);
         EXPECT_EQ(Run(c.arguments), c.status);
         EXPECT_NE(Read("errors").find(c.text), std::string::npos) << Read("errors");
-        EXPECT_FALSE(fs::exists(m_folder / "out.svg") || fs::exists(m_folder / "out.obj"));
+        for (const char* name : {"out.svg", "out.obj", "out.stl", "out.xyz"})
+            EXPECT_FALSE(fs::exists(m_folder / name));
     }
     EXPECT_EQ(Run("A out.svg --font 'No Such Font' --substitute"), 0);
     EXPECT_NE(Read("errors").find("No Such Font"), std::string::npos);
@@ -98,6 +110,49 @@ TEST_F(TextCommand, TakesTheLinesOfAFile) {
         << Read("out.json");
     EXPECT_NE(Read("out.json").find("{\"letter\": 3, \"points\": [[11.308594, 91.171875]"),
               std::string::npos);
+}
+
+TEST_F(TextCommand, TakesATextThatBeginsWithADash) {
+    const auto letters = [&](const char* arguments) {
+        EXPECT_EQ(Run(arguments), 0) << arguments << ": " << Read("errors");
+        const std::string metrics = Read("output");
+        std::string text;
+        for (std::size_t at = 0; (at = metrics.find("\"code\": ", at)) != metrics.npos; ++at)
+            text += static_cast<char>(std::stoi(metrics.substr(at + 8)));
+        return text;
+    };
+    EXPECT_EQ(letters("-hello --metrics"), "-hello");
+    EXPECT_EQ(letters("--height -24 '-40 C' --bold --metrics out.svg"), "-40 C");
+    EXPECT_EQ(letters("--metrics --style=stroke -- --help"), "--help");
+    EXPECT_EQ(Run("-h"), 0);
+    EXPECT_NE(Read("output").find("--metrics"), std::string::npos);
+}
+
+TEST_F(TextCommand, DrawsForMachines) {
+    ASSERT_EQ(Run("H out.svg --style stroke --units cm --cap-height 21"), 0) << Read("errors");
+    EXPECT_TRUE(Read("out.svg").starts_with(
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"18cm\" height=\"25cm\" viewBox=\"2 -23 18 25\">"))
+        << Read("out.svg");
+    ASSERT_EQ(Run("$'i\nm' out.DXF --style stroke --align right"), 0) << Read("errors");
+    EXPECT_NE(Read("out.DXF").find("VERTEX\n8\nSTROKES\n10\n-4\n20\n43\n"), std::string::npos);
+    // A font that the system has not by name, and a depth that makes a mesh.
+    ASSERT_EQ(Run("l out.obj --depth 3 "
+                  "--font-file /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf"),
+              0)
+        << Read("errors");
+    const std::string solid = Read("out.obj");
+    EXPECT_EQ(std::count(solid.begin(), solid.end(), 'v') % 2, 0);
+    EXPECT_NE(solid.find(" 3\n"), std::string::npos);
+    // A number of right-to-left writing is drawn, and told about.
+    EXPECT_EQ(Run("$'\\u05D0' out.svg --font 'DejaVu Sans'"), 0);
+    EXPECT_NE(Read("errors").find("right-to-left"), std::string::npos);
+}
+
+TEST_F(TextCommand, ListsFonts) {
+    ASSERT_EQ(RunProgram("fonts 'dejavu sans c'"), 0);
+    EXPECT_EQ(Read("output"), "DejaVu Sans Condensed: Book, Oblique, Bold, Bold Oblique\n");
+    ASSERT_EQ(RunProgram("fonts condensed --json"), 0);
+    EXPECT_NE(Read("output").find("\"family\": \"DejaVu Serif Condensed\""), std::string::npos);
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <set>
 #include <thread>
+#include <utility>
 
 #include "tests/platform/graphics/outline_kit.h"
 
@@ -109,6 +111,32 @@ TEST(Fonts, ThreadsShareAFace) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_GT(widths[0], 94 * 20);
     for (const int width : widths) EXPECT_EQ(width, widths[0]);
+}
+
+std::set<std::pair<LONG, bool>> StylesOf(const char16_t* family, int most) {
+    struct Found {
+        std::set<std::pair<LONG, bool>> styles;
+        int left;
+    } found{{}, most};
+    LOGFONTW record = Record(family, 0);
+    record.lfCharSet = DEFAULT_CHARSET;
+    const HDC dc = GetDC(nullptr);
+    const FONTENUMPROCW tell = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM user) -> int {
+        auto& into = *reinterpret_cast<Found*>(user);
+        into.styles.insert({font->lfWeight, font->lfItalic != 0});
+        return --into.left > 0;
+    };
+    EnumFontFamiliesExW(dc, &record, tell, reinterpret_cast<LPARAM>(&found), 0);
+    ReleaseDC(nullptr, dc);
+    return found.styles;
+}
+
+TEST(Fonts, AreToldOfByFamily) {
+    EXPECT_EQ(StylesOf(u"DejaVu Serif Condensed", 100),
+              (std::set<std::pair<LONG, bool>>{{400, false}, {400, true}, {700, false}, {700, true}}));
+    EXPECT_EQ(StylesOf(u"DejaVu Serif Condensed", 1).size(), 1u);
+    EXPECT_TRUE(StylesOf(u"No Such Font", 100).empty());
+    EXPECT_EQ(AddFontResourceExW(platform::Wide(u"no such file.ttf"), FR_PRIVATE, nullptr), 0);
 }
 
 TEST(MulDivTest, RoundsHalfAwayFromZero) {
