@@ -35,6 +35,7 @@ struct KeyView {
     float value[4];
     const float* slopeIn;
     const float* slopeOut;
+    bool isStep = false;  // a rotation that leads from the key before
 };
 
 KeyView View(const Curve& curve, std::size_t index) {
@@ -51,8 +52,8 @@ KeyView View(const Curve& curve, std::size_t index) {
 
 template <typename Key>
 KeyView Described(const Key& key, std::initializer_list<float> value) {
-    KeyView view{key.m_fTime, static_cast<KeyInterpolation>(static_cast<int>(key.m_params[0])), {}, nullptr,
-                 nullptr};
+    KeyView view{
+        key.m_fTime, static_cast<KeyInterpolation>(static_cast<int>(key.m_params[0])), {}, nullptr, nullptr};
     std::copy(value.begin(), value.end(), view.value);
     if (key.m_tangents) {
         view.slopeIn = key.m_tangents->in.data();
@@ -68,8 +69,9 @@ KeyView VectorView(const Key& key) {
 
 // shown: the orientation of the key before, from which an angle-axis key is a step; then this key's.
 KeyView RotationView(kernix::RotationKeyModel& key, kernix::Rotation& shown) {
+    const bool isStep = key.GetRotationType() == vl::zr::kRotationAngleAxis;
     vl::Quaternion q;
-    if (key.GetRotationType() == vl::zr::kRotationAngleAxis) {
+    if (isStep) {
         vl::AngleAxis step;
         key.GetValue(&step);
         shown = shown.Times(kernix::Rotation::From(step));
@@ -78,7 +80,9 @@ KeyView RotationView(kernix::RotationKeyModel& key, kernix::Rotation& shown) {
         key.GetQuaternion(&q);
         shown = kernix::Rotation::From(q);
     }
-    return Described(key, {q.x, q.y, q.z, q.w});
+    KeyView view = Described(key, {q.x, q.y, q.z, q.w});
+    view.isStep = isStep;
+    return view;
 }
 
 std::vector<KeyView> Views(const kernix::TransformTrack& track, int keyType) {
@@ -162,11 +166,27 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
     }
 }
 
+// Turns a rotation about half a turn on from another one by less than a millionth of a turn, so that neither
+// its rounding nor that of a reader makes the way to it lead round the other side.
+void KeepWay(const float (&from)[4], float (&to)[4]) {
+    constexpr double kMargin = 0x1p-22;
+    constexpr double kNearHalfTurn = 1e-6;  // beyond, a step of more than half a turn is meant
+    double dot = 0;
+    bool isExact = true;  // all products are 0
+    for (std::size_t i = 0; i < 4; ++i) {
+        dot += double{from[i]} * to[i];
+        isExact = isExact && from[i] * to[i] == 0;
+    }
+    if (isExact || dot < -kNearHalfTurn || dot >= kMargin) return;
+    for (std::size_t i = 0; i < 4; ++i) to[i] = static_cast<float>(to[i] + (2 * kMargin - dot) * from[i]);
+}
+
 // The keys with times that ascend. Keys that share a time make a jump: the curve comes in to the first and
 // goes on from the last, so the first moves to the time before, where there is one that is not negative.
 std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) {
     std::vector<KeyView> keys;
-    for (const KeyView& key : Views(track, keyType)) {
+    for (KeyView& key : Views(track, keyType)) {
+        if (key.isStep && !keys.empty()) KeepWay(keys.back().value, key.value);
         if (!keys.empty() && keys.back().time >= key.time) {
             const float before = std::nextafter(key.time, -std::numeric_limits<float>::infinity());
             const bool hasRoom = before >= 0 && (keys.size() < 2 || keys[keys.size() - 2].time < before);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace kernix {
 
@@ -13,8 +14,11 @@ Rotation Rotation::From(const vl::Quaternion& q) {
     return {x / length, y / length, z / length, w / length};
 }
 
+// The float next to pi is half a turn: nothing of it is left along w, whose sign says which way a turn goes.
 Rotation Rotation::From(const vl::AngleAxis& a) {
-    return About(a.x, a.y, a.z, a.angle);
+    Rotation rotation = About(a.x, a.y, a.z, a.angle);
+    if (std::fabs(a.angle) == std::numbers::pi_v<float>) rotation.w = 0;
+    return rotation;
 }
 
 Rotation Rotation::About(double ax, double ay, double az, double angle) {
@@ -83,6 +87,7 @@ vl::AngleAxis Rotation::ToAngleAxis() const {
 
 namespace vl {
 
+using kernix::IsLongWay;
 using kernix::Rotation;
 
 Quaternion::Quaternion(const AngleAxis& rotation) {
@@ -114,7 +119,7 @@ Quaternion::Quaternion(float fraction, const Quaternion& qa, const Quaternion& q
         wa = std::sin(wa * angle) / sine;
         wb = std::sin(wb * angle) / sine;
     }
-    if (dot < 0) wb = -wb;
+    if (IsLongWay(dot)) wb = -wb;
     const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
     const double length = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z + sum.w * sum.w);
     *this = length > 0

@@ -67,8 +67,8 @@ void Curve::Retime(float scale, float offset) {
 }
 
 Rotation Slerp(double s, const Rotation& a, const Rotation& b) {
-    double dot = a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
-    const double sign = dot < 0 ? -1 : 1;
+    double dot = a.Dot(b);
+    const double sign = IsLongWay(dot) ? -1 : 1;
     dot = std::min(std::fabs(dot), 1.0);
     double wa = 1 - s;
     double wb = s;

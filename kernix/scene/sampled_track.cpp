@@ -24,8 +24,7 @@ void SampledTrack::Save(vl::Stream& stream) {
 bool SampledTrack::Load(vl::Stream& stream) {
     std::uint32_t mark = 0;
     Curve curve;
-    const bool isTrack =
-        ReadValue(stream, mark) && mark == kSampledTrackMark && LoadCurve(stream, curve);
+    const bool isTrack = ReadValue(stream, mark) && mark == kSampledTrackMark && LoadCurve(stream, curve);
     m_curve = isTrack ? StoredCurve(std::move(curve)) : StoredCurve();
     return isTrack;
 }

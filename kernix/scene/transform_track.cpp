@@ -110,6 +110,18 @@ auto RotationMaker(const TransformTrack& track) {
     };
 }
 
+// The rotation that leads from one orientation to another.
+Rotation Step(const Rotation& from, const Rotation& to) {
+    return from.Inverted().Times(to);
+}
+
+// The step in the direction in which `way` goes from one orientation to the next, half a turn at most.
+vl::AngleAxis StepAlong(const Rotation& way, Rotation step) {
+    if (step.Dot(IsLongWay(way.w) ? way.Negated() : way) < 0) step = step.Negated();
+    step.w = std::max(step.w, 0.0);
+    return step.ToAngleAxis();
+}
+
 }  // namespace
 
 PositionKeyModel* TransformTrack::AddPosition(float time) {
@@ -296,17 +308,19 @@ TransformTrack::Sample TransformTrack::Evaluate(float time, const Pose& rest) co
     return sample;
 }
 
-// Each step leads from what the steps before it add up to, so that their rounding does not add up as well.
+// Each step leads from what the steps before it add up to, so that their rounding does not add up as well;
+// near half a turn that rounding must not turn it round.
 void TransformTrack::NormalizeRotations() {
     auto& rotations = m_rotations.OpenToChange(RotationMaker(*this));
     const std::vector<Rotation> orientations = Orientations();
-    Rotation shown;
+    Rotation shown, before;
     for (std::size_t i = 0; i < rotations.size(); ++i) {
         RotationKeyModel& key = *rotations[i];
         if (key.m_type != vl::zr::kRotationAngleAxis) {
-            key.m_angleAxis = shown.Inverted().Times(orientations[i]).ToAngleAxis();
+            key.m_angleAxis = StepAlong(Step(before, orientations[i]), Step(shown, orientations[i]));
             key.m_type = vl::zr::kRotationAngleAxis;
         }
+        before = orientations[i];
         shown = shown.Times(Rotation::From(key.m_angleAxis));
     }
     Changed();

@@ -159,6 +159,11 @@ private:
             } else if (holders > 1) {
                 overlaps = overlaps || Overlap(tracks, keyType);
             }
+            // The merge takes orientations through matrices, which do not tell which way half a turn goes.
+            if (keyType == vl::zr::kKeyRotation && (m_options.inSequence || holders > 1)) {
+                for (TransformTrack* track : tracks)
+                    if (track != nullptr) controller->NormalizeRotationKeys(track, 0);
+            }
         }
         if (overlaps) m_report.overlapping.push_back(HolderName(m_loaded, node));
     }
