@@ -41,8 +41,10 @@ Report Describe(const std::vector<FontFamily>& fonts) {
             const std::string styleName = kernix::ToUtf8(style.name);
             line += separator + styleName;
             separator = ", ";
-            styles.Append(
-                JsonObject().Set("name", styleName).Set("weight", style.weight).Set("italic", style.isItalic));
+            styles.Append(JsonObject()
+                              .Set("name", styleName)
+                              .Set("weight", style.weight)
+                              .Set("italic", style.isItalic));
         }
         report.Line(line);
         families.Append(JsonObject().Set("family", name).Set("styles", styles));

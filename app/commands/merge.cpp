@@ -20,7 +20,8 @@ namespace {
 
 struct MergeArguments {
     BatchArguments files;
-    std::string from;
+    std::vector<std::string> from;
+    std::string match = "path";
     AnimationNames animations;
     std::vector<std::string> keep;
     bool force = false;
@@ -72,15 +73,26 @@ public:
     }
 
 private:
+    NodePartners Match(kernix::SceneModel& from, kernix::SceneModel& to) const {
+        if (m_arguments.match == "path") return MatchByPath(from, to);
+        if (m_arguments.match == "name") return MatchByName(from, to);
+        return MatchByPairs(from, to, ReadNodePairs(PathFromUtf8(m_arguments.match)));
+    }
+
     Animations Bring(LoadedScene& loaded, Report& report) const {
-        LoadedScene other(LoadDocument(m_session, m_arguments.from, report));
-        BroughtAnimations result = BringAnimations(other, loaded);
-        report.Note("no partner", result.withoutPartner);
-        report.Note("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
-        const bool moves = std::any_of(result.animations.begin(), result.animations.end(),
-                                       [](const auto* animation) { return HasKeys(*animation); });
-        if (!moves) throw std::runtime_error(m_arguments.from + ": nothing in it moves a node of the scene");
-        return std::move(result.animations);
+        Animations brought;
+        for (const std::string& file : m_arguments.from) {
+            LoadedScene other(LoadDocument(m_session, file, report));
+            const BroughtAnimations result =
+                BringAnimations(other, loaded, Match(other.Scene(), loaded.Scene()));
+            report.Note("no partner", result.withoutPartner);
+            report.Note("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
+            const bool moves = std::any_of(result.animations.begin(), result.animations.end(),
+                                           [](const auto* animation) { return HasKeys(*animation); });
+            if (!moves) throw std::runtime_error(file + ": nothing in it moves a node of the scene");
+            brought.insert(brought.end(), result.animations.begin(), result.animations.end());
+        }
+        return brought;
     }
 
     void Merge(LoadedScene& loaded, const Animations& chosen, Report& report) const {
@@ -89,6 +101,7 @@ private:
         const MergeReport merged = MergeAnimations(m_session.GetHost(), loaded, chosen, options);
         report.Note("sources overlap in time", merged.overlapping);
         report.Note("dropped", merged.dropped);
+        report.Note("shown before its source plays, for want of a value at rest", merged.restless);
         report.Note("too short to be seen without a gap", merged.unseen);
         report.Note("kept", merged.held);
         Tell(loaded, "merged", {merged.result}, report);
@@ -135,19 +148,27 @@ void AddMergeCommand(CLI::App& app, Session& session) {
     AddNumber(*command, "--gap", arguments->options.gap, {0, 1e5}, "SECONDS",
               "Pause between sources in sequence")
         ->needs(sequence);
+    auto* from = AddRepeated(*command, "--from", arguments->from,
+                             "Bring animations of this scene; may be repeated; without --animations all of "
+                             "them, and nothing is merged");
+    from->type_name(kSceneType);
     command
         ->add_option(
-            "--from", arguments->from,
-            "Bring animations of this scene onto nodes of the same path; without --animations all of "
-            "them, and nothing is merged")
-        ->type_name(kSceneType);
+            "--match", arguments->match,
+            "The nodes that what is brought moves: those of the same path; of the same name; or those that "
+            "a JSON file tells, {\"from\": \"to\"}, by name or path")
+        ->type_name("path|name|FILE")
+        ->capture_default_str()
+        ->needs(from);
     command->add_flag("--force", arguments->force, kForceHelp);
     AddExamples(*command, {{"merge scene.glb out.glb --animations walk,run --sequence --gap 0.5",
                             "One animation that walks, waits half a second and runs."},
                            {"merge scene.glb out.glb --animations arms,legs --name all --remove-sources",
                             "What two animations move, in one."},
                            {"merge --out-dir moving --from walk.glb figures",
-                            "Every figure of a folder gets the animations of walk.glb."}});
+                            "Every figure of a folder gets the animations of walk.glb."},
+                           {"merge figure.glb out.glb --from walk.glb --from run.glb --match name",
+                            "A figure with more nodes than those that walk and run."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunMerge(session, *arguments); });
     });

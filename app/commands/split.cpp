@@ -12,7 +12,11 @@
 #include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
+#include "app/operations/animations/clip_names.h"
 #include "app/operations/animations/split_animation.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "kernix/utf.h"
 
 namespace zr {
 namespace {
@@ -20,6 +24,7 @@ namespace {
 struct SplitArguments {
     std::string scene;
     std::string out;
+    std::string outDir;
     std::string animation;
     std::vector<float> cuts;
     bool each = false;
@@ -47,15 +52,19 @@ std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
     return cuts;
 }
 
-int RunSplit(Session& session, const SplitArguments& arguments) {
-    if (arguments.each != arguments.cuts.empty()) throw UsageError("give either --at or --each");
-    OutputTarget out(session, arguments.out, EndingOf({}));
-    Report report;
-    SceneOptions sceneOptions;
-    sceneOptions.force = arguments.force;
-    LoadedScene loaded(LoadDocument(session, arguments.scene, report), sceneOptions);
-    session.ThrowIfStopped();
+SceneOptions SceneOptionsOf(const SplitArguments& arguments) {
+    SceneOptions options;
+    options.force = arguments.force;
+    return options;
+}
+
+// The parts of the animation, which they replace; without a way to cut, the scene's animations as they are.
+Animations Split(Session& session, LoadedScene& loaded, const SplitArguments& arguments, Report& report) {
     kernix::SceneModel& scene = loaded.Scene();
+    if (!arguments.each && arguments.cuts.empty()) {
+        return arguments.animation.empty() ? AnimationsOf(scene)
+                                           : Animations{ChooseAnimation(scene, arguments.animation)};
+    }
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
     const Animations parts = arguments.each
                                  ? SeparateAnimation(loaded, animation)
@@ -66,16 +75,74 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
     FollowInViewports(scene, {&animation}, parts);
     report.Note("dropped", SkippedChannels(loaded, {&animation}));
     report.Note("kept", RemoveAnimations(session.GetHost(), loaded, {&animation}));
+    return parts;
+}
+
+Report SplitInPlace(Session& session, const SplitArguments& arguments) {
+    OutputTarget out(session, arguments.out, EndingOf({}));
+    Report report;
+    LoadedScene loaded(LoadDocument(session, arguments.scene, report), SceneOptionsOf(arguments));
+    session.ThrowIfStopped();
+    const Animations parts = Split(session, loaded, arguments, report);
     JsonArray list;
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        const AnimationSummary summary = Summarize(scene, *parts[i], i);
+        const AnimationSummary summary = Summarize(loaded.Scene(), *parts[i], i);
         report.Line(summary.Text());
         list.Append(summary.Json());
     }
     gltf::Document document = std::move(loaded).WriteBack();
     SaveDocument(session, document, out);
     report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
-    PrintReport(session, "split", report);
+    return report;
+}
+
+std::vector<std::string> FilesOf(const Animations& parts, const SplitArguments& arguments) {
+    std::vector<std::string> names;
+    for (const kernix::AnimationModel* part : parts) names.push_back(kernix::ToUtf8(part->m_name));
+    names = ClipNames(names);
+    const std::filesystem::path ending = PathFromUtf8(arguments.scene).extension();
+    for (std::string& name : names)
+        name = PathToUtf8(PathFromUtf8(arguments.outDir) / (PathFromUtf8(name) += ending));
+    return names;
+}
+
+// Each file holds the scene with one part. The scene is made anew for each, as what a part leaves behind of
+// the document's data depends on the part.
+Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
+    Report report;
+    JsonArray list;
+    std::size_t count = 1;
+    for (std::size_t i = 0; i < count; ++i) {
+        Report own;
+        LoadedScene loaded(LoadDocument(session, arguments.scene, own), SceneOptionsOf(arguments));
+        session.ThrowIfStopped();
+        const Animations parts = Split(session, loaded, arguments, own);
+        if (parts.empty()) throw std::runtime_error(arguments.scene + ": the scene has no animation");
+        count = parts.size();
+        const std::string file = FilesOf(parts, arguments)[i];
+        const AnimationSummary summary = Summarize(loaded.Scene(), *parts[i], i);
+        report.Line(Join(file, "  ", summary.Text()));
+        list.Append(summary.Json().Set("output", file));
+        Animations others = AnimationsOf(loaded.Scene());
+        std::erase(others, parts[i]);
+        own.Note("kept", RemoveAnimations(session.GetHost(), loaded, others));
+        if (i == 0) report.notes = own.notes;
+        loaded.WriteBack();
+        OutputTarget out(session, file, "");
+        SaveDocument(session, loaded.Document(), out);
+    }
+    report.json.Set("input", arguments.scene).Set("output", arguments.outDir).Set("animations", list);
+    return report;
+}
+
+int RunSplit(Session& session, const SplitArguments& arguments) {
+    const bool isInPlace = arguments.outDir.empty();
+    if (arguments.out.empty() == isInPlace) throw UsageError("give either OUT or --out-dir");
+    const bool isCut = !arguments.cuts.empty();
+    if (isInPlace ? arguments.each == isCut : arguments.each && isCut)
+        throw UsageError("give either --at or --each");
+    PrintReport(session, "split",
+                isInPlace ? SplitInPlace(session, arguments) : SplitIntoFiles(session, arguments));
     return 0;
 }
 
@@ -85,6 +152,11 @@ void AddSplitCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("split", "Cut an animation into several");
     auto arguments = std::make_shared<SplitArguments>();
     AddSceneAndOut(*command, arguments->scene, arguments->out);
+    command->get_option("out")->required(false);
+    command
+        ->add_option("--out-dir", arguments->outDir,
+                     "Write a scene for each part into this folder; for each animation where none is cut")
+        ->type_name(kFolderType);
     command
         ->add_option("--animation", arguments->animation,
                      "The animation to cut (name, or index), where there are several")
@@ -100,7 +172,8 @@ void AddSplitCommand(CLI::App& app, Session& session) {
     AddExamples(*command,
                 {{"split scene.glb out.glb --at 1,2.5", "Three parts of the only animation."},
                  {"split scene.glb out.glb --animation walk --at 0.5", "Two parts of one of several."},
-                 {"split scene.glb out.glb --animation walk --each", "A part for each node."}});
+                 {"split scene.glb out.glb --animation walk --each", "A part for each node."},
+                 {"split scene.glb --out-dir clips", "A file for each animation."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunSplit(session, *arguments); });
     });

@@ -50,8 +50,7 @@ TextFormat FormatOf(const std::string& target) {
     for (const auto& [ending, format] : kEndings) {
         if (HasEnding(target, ending)) return format;
     }
-    throw UsageError(target +
-                     ": the name must end in .svg, .dxf, .glb, .gltf, .json, .obj or .stl");
+    throw UsageError(target + ": the name must end in .svg, .dxf, .glb, .gltf, .json, .obj or .stl");
 }
 
 TextStyle StyleOf(const TextArguments& arguments) {
@@ -147,7 +146,8 @@ JsonObject MetricsJson(const TextDrawing& drawing) {
     return json.Set("lines", lines);
 }
 
-TextDrawing Draw(const TextArguments& arguments, const TextRequest& request, bool isDrawing, Session& session) {
+TextDrawing Draw(const TextArguments& arguments, const TextRequest& request, bool isDrawing,
+                 Session& session) {
     if (isDrawing) return MakeDrawing(session.GetHost(), request, arguments.drawing);
     return {MakeText(session.GetHost(), request), {}};
 }
@@ -164,7 +164,8 @@ int RunText(const TextArguments& arguments, Session& session) {
          arguments.acceptsSubstitutes, report);
     if (NeedsShaping(text)) {
         report.notes.push_back(
-            "the text has characters of right-to-left writing, which are drawn one by one from left to right");
+            "the text has characters of right-to-left writing, which are drawn one by one from left to "
+            "right");
     }
     const bool isDrawing = arguments.isDrawing || arguments.wantsMetrics || format == TextFormat::kDxf;
     std::optional<OutputTarget> out;
@@ -270,10 +271,10 @@ void AddTextCommand(CLI::App& app, Session& session) {
         ->check(CLI::IsMember({"stroke", "outline", "mesh"}));
     AddFontOptions(*command, *arguments);
     AddDrawingOptions(*command, *arguments);
-    AddExamples(*command,
-                {{"text \"M8 x 20\" plate.dxf --units mm --cap-height 5", "Outlines to cut."},
-                 {"text \"M8 x 20\" plate.svg --style stroke --units mm --cap-height 5", "Strokes to engrave."},
-                 {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."}});
+    AddExamples(*command, {{"text \"M8 x 20\" plate.dxf --units mm --cap-height 5", "Outlines to cut."},
+                           {"text \"M8 x 20\" plate.svg --style stroke --units mm --cap-height 5",
+                            "Strokes to engrave."},
+                           {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."}});
     command->callback([arguments, &session] {
         Settle(*arguments);
         session.SetCommand([arguments, &session] { return RunText(*arguments, session); });

@@ -25,13 +25,11 @@ struct KERNIX_API Rotation {
     vl::Quaternion ToQuaternion() const;
     vl::AngleAxis ToAngleAxis() const;
     Rotation Negated() const { return {-x, -y, -z, -w}; }  // the same rotation, reached the other way
-    double Dot(const Rotation& other) const {
-        return x * other.x + y * other.y + z * other.z + w * other.w;
-    }
+    double Dot(const Rotation& other) const { return x * other.x + y * other.y + z * other.z + w * other.w; }
 };
 
-// Whether one of two orientations with this dot product must be negated to turn the shorter way. Exactly half a
-// turn has no shorter way and goes as it is given, whatever the rounding of unit lengths made of its 0.
+// Whether one of two orientations with this dot product must be negated to turn the shorter way. Exactly half
+// a turn has no shorter way and goes as it is given, whatever the rounding of unit lengths made of its 0.
 inline bool IsLongWay(double dot) {
     return dot < -1e-15;
 }

@@ -2,9 +2,6 @@
 #include "app/operations/animations/bring_animations.h"
 
 #include <algorithm>
-#include <map>
-#include <tuple>
-#include <unordered_map>
 
 #include "app/operations/animations/animation_choice.h"
 #include "base/text.h"
@@ -16,33 +13,12 @@ namespace {
 using gltf::Json;
 using kernix::NodeModel;
 
-using Place =
-    std::tuple<const NodeModel*, std::string, int>;  // parent, name, rank among brothers of that name
-
-// Calls visit(node, parent, rank) for every node, parents first.
-template <typename Visit>
-void ForEachPlace(kernix::SceneModel& scene, Visit visit) {
-    std::map<std::pair<const NodeModel*, std::string>, int> counts;
-    for (vl::zr::Node* each : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
-        auto* node = static_cast<NodeModel*>(each);
-        visit(node, counts[{node->GetParent(), node->GetNameText()}]++);
-    }
-}
-
-std::string NodePath(const NodeModel& node) {
-    std::vector<const NodeModel*> up;
-    for (const NodeModel* at = &node; at != nullptr; at = at->GetParent()) up.push_back(at);
-    std::string path;
-    for (auto at = up.rbegin(); at != up.rend(); ++at) path += "/" + (*at)->GetNameText();
-    return path;
-}
-
 class Bringing {
 public:
-    Bringing(LoadedScene& from, LoadedScene& to) : m_from(from), m_to(to) {}
+    Bringing(LoadedScene& from, LoadedScene& to, const NodePartners& partners)
+        : m_from(from), m_to(to), m_partners(partners) {}
 
     BroughtAnimations Run() {
-        FindPartners();
         m_sources = AnimationsOf(m_from.Scene());
         for (kernix::AnimationModel* source : m_sources)
             m_brought.animations.push_back(m_to.Scene().AddAnimation(source->m_name));
@@ -58,23 +34,6 @@ public:
     }
 
 private:
-    void FindPartners() {
-        std::map<Place, NodeModel*> places;
-        ForEachPlace(m_to.Scene(), [&](NodeModel* node, int rank) {
-            places[{node->GetParent(), node->GetNameText(), rank}] = node;
-        });
-        ForEachPlace(m_from.Scene(), [&](NodeModel* node, int rank) {
-            const NodeModel* parent = nullptr;
-            if (node->GetParent() != nullptr) {
-                const auto known = m_partners.find(node->GetParent());
-                if (known == m_partners.end()) return;
-                parent = known->second;
-            }
-            const auto found = places.find({parent, node->GetNameText(), rank});
-            if (found != places.end()) m_partners[node] = found->second;
-        });
-    }
-
     static const std::string& Target(vl::zr::Controller& controller) {
         return static_cast<kernix::SampledControllerModel&>(controller).GetTarget();
     }
@@ -138,14 +97,14 @@ private:
     LoadedScene& m_from;
     LoadedScene& m_to;
     Animations m_sources;
-    std::unordered_map<const NodeModel*, NodeModel*> m_partners;  // by the other scene's node
+    const NodePartners& m_partners;
     BroughtAnimations m_brought;
 };
 
 }  // namespace
 
-BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to) {
-    return Bringing(from, to).Run();
+BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to, const NodePartners& partners) {
+    return Bringing(from, to, partners).Run();
 }
 
 }  // namespace zr

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/operations/animations/animation_edit.h"
+#include "app/operations/animations/node_match.h"
 
 namespace zr {
 
@@ -13,8 +14,8 @@ struct BroughtAnimations {
     std::vector<std::string> withoutPartner;  // what moves in the other scene and has no place here
 };
 
-// Gives `to` the animations of `from`, on the nodes of the same path: the names from the root on, and among
-// brothers of one name their order. Transforms come along, and morph weights where the meshes have as many.
-BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to);
+// Gives `to` the animations of `from`, on the partners of the nodes that they move. Transforms come along,
+// and morph weights where the meshes have as many.
+BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to, const NodePartners& partners);
 
 }  // namespace zr

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
+#include "app/operations/animations/rest_value.h"
 #include "app/scene/curves.h"
 #include "base/text.h"
 #include "kernix/utf.h"
@@ -50,13 +53,26 @@ public:
     Merge(Host& host, LoadedScene& loaded, const Animations& sources, const MergeOptions& options)
         : m_host(host), m_loaded(loaded), m_scene(loaded.Scene()), m_sources(sources), m_options(options) {}
 
+    // A merge that fails leaves no copies behind.
     MergeReport Run() {
+        try {
+            return RunAll();
+        } catch (...) {
+            for (const Source& source : m_copies) m_scene.DeleteAnimation(source.copy);
+            throw;
+        }
+    }
+
+private:
+    MergeReport RunAll() {
         m_report.dropped = SkippedChannels(m_loaded, m_sources);
         CopySources();
         if (m_options.inSequence) ShiftCopies();
         ForEachController(m_loaded, [this](vl::zr::Controller& controller, const std::string& holder) {
             if (controller.IsTypeOf(vl::zr::kTypeTransformController)) return;
             NoteDropped(controller, holder);
+            if (m_options.inSequence)
+                HoldRest(static_cast<kernix::SampledControllerModel&>(controller), holder);
         });
         for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes))
             PrepareNode(static_cast<kernix::NodeModel&>(*node));
@@ -67,8 +83,11 @@ public:
         const auto manager = m_host.Create<zr_ANIM_MANAGER>(kTypeAnimManager);
         auto* result = static_cast<kernix::AnimationModel*>(
             manager->MergeAnimations(nullptr, words.Get(), true, m_options.keyFlags));
-        if (result == nullptr || !HasKeys(*result))
+        m_copies.clear();
+        if (result == nullptr || !HasKeys(*result)) {
+            if (result != nullptr) m_scene.DeleteAnimation(result);
             throw std::runtime_error("the merged animation would move nothing: no source has keys to merge");
+        }
         if (!m_options.name.empty()) result->m_name = kernix::ToUtf16(m_options.name);
         m_report.result = result;
         if (m_options.removeSources) {
@@ -78,7 +97,6 @@ public:
         return std::move(m_report);
     }
 
-private:
     void CopySources() {
         for (kernix::AnimationModel* source : m_sources)
             m_copies.push_back({m_scene.AddAnimation(source->m_name)});
@@ -108,10 +126,51 @@ private:
                 source.start = m_scene.GetStartTime(source.copy);
             }
             source.end = m_scene.GetEndTime(source.copy);
+            RequireDistinctTimes(i);
             const bool givesWay = m_options.gap == 0 && i + 1 < m_copies.size();
             if (givesWay && source.end == source.start) m_report.unseen.push_back(Quoted(*source.copy));
             next = static_cast<float>(double{source.end} + m_options.gap);
         }
+    }
+
+    // Far from 0 times are coarse, and keys fall together.
+    void RequireDistinctTimes(std::size_t i) const {
+        bool isDistinct = std::isfinite(m_copies[i].end);
+        ForEachController(m_scene, [&](vl::zr::Controller& controller, const std::string&) {
+            vl::zr::Track* source = controller.GetTrack(m_sources[i]);
+            vl::zr::Track* copy = controller.GetTrack(m_copies[i].copy);
+            if (source != nullptr && copy != nullptr)
+                isDistinct = isDistinct && AreAsDistinct(controller, *source, *copy);
+        });
+        if (!isDistinct) {
+            throw std::runtime_error(
+                Join("animation ", Quoted(*m_copies[i].copy),
+                     " would lose keys: so late in the sequence their times fall together"));
+        }
+    }
+
+    static bool AreAsDistinct(vl::zr::Controller& controller, const vl::zr::Track& source,
+                              const vl::zr::Track& copy) {
+        const auto areAsDistinct = [](int count, auto sourceTime, auto copyTime) {
+            for (int k = 1; k < count; ++k) {
+                if (copyTime(k) == copyTime(k - 1) && sourceTime(k) != sourceTime(k - 1)) return false;
+            }
+            return true;
+        };
+        if (!controller.IsTypeOf(vl::zr::kTypeTransformController)) {
+            const auto& from = static_cast<const kernix::SampledTrack&>(source).m_times;
+            const auto& to = static_cast<const kernix::SampledTrack&>(copy).m_times;
+            return areAsDistinct(
+                static_cast<int>(from.size()), [&](int k) { return from[static_cast<std::size_t>(k)]; },
+                [&](int k) { return to[static_cast<std::size_t>(k)]; });
+        }
+        const auto& from = static_cast<const TransformTrack&>(source);
+        const auto& to = static_cast<const TransformTrack&>(copy);
+        return std::all_of(std::begin(kKinds), std::end(kKinds), [&](const auto& kind) {
+            return areAsDistinct(
+                from.Count(kind.keyType), [&](int k) { return TimeOf(from, kind.keyType, k); },
+                [&](int k) { return TimeOf(to, kind.keyType, k); });
+        });
     }
 
     // A key that rounding brings before the last one of the source before would be played before it.
@@ -133,6 +192,26 @@ private:
             }
             first = false;
         }
+    }
+
+    // The merge takes the first track as it is; what it moves rests while other sources play.
+    void HoldRest(kernix::SampledControllerModel& controller, const std::string& holder) {
+        std::size_t at = 0;
+        const auto keysOf = [&](std::size_t i) {
+            auto* track = static_cast<kernix::SampledTrack*>(controller.GetTrack(m_copies[i].copy));
+            return track != nullptr && !track->m_times.empty() ? track : nullptr;
+        };
+        while (at < m_copies.size() && keysOf(at) == nullptr) ++at;
+        if (at == m_copies.size()) return;
+        kernix::SampledTrack& track = *keysOf(at);
+        const Curve curve{track.m_interpolation, track.m_times, track.m_values};
+        const auto rest = RestValue(m_loaded.Document(), controller.GetTarget(), curve.Width());
+        if (!rest) return m_report.restless.push_back(Join(controller.GetTarget(), " of ", holder));
+        std::optional<float> next;
+        if (at + 1 < m_copies.size()) next = m_copies[at + 1].start;
+        Curve framed = WithRest(curve, *rest, m_copies.front().start, m_copies[at].start, next);
+        track.m_times = std::move(framed.times);
+        track.m_values = std::move(framed.values);
     }
 
     void PrepareNode(kernix::NodeModel& node) {

@@ -21,11 +21,13 @@ struct MergeOptions {
 struct MergeReport {
     kernix::AnimationModel* result = nullptr;
     std::vector<std::string>
-        overlapping;                   // nodes whose merged keys of several sources share a stretch of time
-    std::vector<std::string> dropped;  // tracks that do not merge: all but the first source's that has one,
-                                       // and channels that the scene does not play
-    std::vector<std::string> unseen;   // sources without length that give way to the next one at once
-    std::vector<std::string> held;     // sources that stay because the document refers to them
+        overlapping;                    // nodes whose merged keys of several sources share a stretch of time
+    std::vector<std::string> dropped;   // tracks that do not merge: all but the first source's that has one,
+                                        // and channels that the scene does not play
+    std::vector<std::string> unseen;    // sources without length that give way to the next one at once
+    std::vector<std::string> restless;  // what shows its first value before its source plays, since nothing
+                                        // tells where it rests
+    std::vector<std::string> held;      // sources that stay because the document refers to them
 };
 
 // Merges two or more animations of the scene into a new one. The sources themselves are not changed. In

@@ -10,41 +10,20 @@
 
 namespace zr {
 
-// Text put together piece by piece; numbers in the shortest form that reads back as the same value.
-class NumberText {
+// A file of text put together piece by piece, of which only the newest is held; numbers in the shortest form
+// that reads back as the same value. What cannot be written is thrown as an Error.
+class TextFile {
 public:
-    NumberText& operator<<(std::string_view text) {
+    explicit TextFile(const std::filesystem::path& target) : m_file(m_files.Create(target)) {}
+
+    TextFile& operator<<(std::string_view text) {
         m_text += text;
         return *this;
     }
-    NumberText& operator<<(float value) { return Number(value == 0 ? 0.0F : value); }
-    NumberText& operator<<(double value) { return Number(value == 0 ? 0.0 : value); }
-    NumberText& operator<<(int value) { return Number(value); }
-    NumberText& operator<<(std::size_t value) { return Number(value); }
+    TextFile& operator<<(float value) { return Number(value == 0 ? 0.0F : value); }
+    TextFile& operator<<(int value) { return Number(value); }
     // Without an exponent.
-    NumberText& AddFixed(float value) {
-        return Number(value == 0 ? 0.0F : value, std::chars_format::fixed);
-    }
-
-    const std::string& Text() const { return m_text; }
-
-protected:
-    std::string m_text;
-
-private:
-    template <class T, class... Format>
-    NumberText& Number(T value, Format... format) {
-        char buffer[64];
-        m_text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value, format...).ptr);
-        return *this;
-    }
-};
-
-// Such a text as a file, of which only the newest piece is held.
-class TextFile : public NumberText {
-public:
-    // Throws Error, as all that follows.
-    explicit TextFile(const std::filesystem::path& target) : m_file(m_files.Create(target)) {}
+    TextFile& AddFixed(float value) { return Number(value == 0 ? 0.0F : value, std::chars_format::fixed); }
 
     // Between pieces: passes on what there is when that is much.
     void Pass();
@@ -53,6 +32,14 @@ public:
     void Commit();
 
 private:
+    template <class T, class... Format>
+    TextFile& Number(T value, Format... format) {
+        char buffer[64];
+        m_text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value, format...).ptr);
+        return *this;
+    }
+
+    std::string m_text;
     FileTransaction m_files;
     OutputFile& m_file;
 };

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 
-#include "app/operations/text/text_drawing.h"
 #include "app/operations/text/text_geometry.h"
 
 namespace zr {
@@ -13,8 +12,5 @@ enum class TextFormat { kSvg, kDxf, kGltf, kJson, kObj, kStl };
 // Writes the file whole or not at all. kObj is for meshes, kStl for solids, kSvg for all but solids. Throws
 // Error, also for a coordinate that is not finite.
 void WriteText(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target);
-
-// Advances, places and bounds as JSON.
-std::string MetricsJson(const TextDrawing& drawing);
 
 }  // namespace zr

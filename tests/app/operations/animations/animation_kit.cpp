@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/scene/curves.h"
 #include "kernix/utf.h"
 
 namespace zr::test {
@@ -23,11 +22,7 @@ constexpr const char* kNodes = R"({"asset": {"version": "2.0"}, "scene": 0, "sce
   "nodes": [{"name": "body", "children": [1, 2], "translation": [0, 1, 0]},
             {"name": "arm", "rotation": [0, 0.6, 0, 0.8]}, {"name": "arm", "scale": [2, 2, 2]}]})";
 
-struct Motion {
-    std::size_t node;
-    std::string_view path;
-    Curve curve;
-};
+}  // namespace
 
 void AddAnimation(Document& document, std::string_view name, const std::vector<Motion>& motions) {
     JsonTree& tree = document.Tree();
@@ -46,8 +41,6 @@ void AddAnimation(Document& document, std::string_view name, const std::vector<M
     }
     tree.Member(document.Elements(Kind::kAnimation)[index], "channels") = channels;
 }
-
-}  // namespace
 
 Document AnimatedScene() {
     Document document = gltf::test::FromText(kNodes);

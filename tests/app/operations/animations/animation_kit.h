@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/operations/animations/animation_choice.h"
+#include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
 #include "tests/gltf/sample.h"
@@ -15,6 +17,13 @@
 namespace zr::test {
 
 using Names = std::vector<std::string>;
+
+struct Motion {
+    std::size_t node;
+    std::string_view path;
+    Curve curve;
+};
+void AddAnimation(gltf::Document& document, std::string_view name, const std::vector<Motion>& motions);
 
 // The animations "walk", "jump" and "rest" of three nodes: keys that begin late or end early, that other
 // animations do not have, and that pass in every way.

@@ -29,7 +29,7 @@ TEST_F(AnimationCommandTest, BringsAnimationsToTheSamePath) {
         gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [3]}],
       "nodes": [{"name": "arm", "matrix": [2,0,0,0, 0,2,0,0, 0,0,2,0, 5,6,7,1]}, {"name": "leg"}, {"name": "arm"},
                 {"name": "body", "children": [1, 2, 0]}]})"));
-    EXPECT_EQ(BringAnimations(from, to).withoutPartner, Names{});
+    EXPECT_EQ(BringAnimations(from, to, MatchByPath(from.Scene(), to.Scene())).withoutPartner, Names{});
     LoadedScene after = Reloaded(to);
     EXPECT_EQ(NamesOf(after), (Names{"walk", "jump", "rest"}));
     EXPECT_EQ(after.Document().Elements(Kind::kNode)[0].Find("matrix"), nullptr);
@@ -49,7 +49,8 @@ TEST_F(AnimationCommandTest, BringsAnimationsToTheSamePath) {
     LoadedScene stranger(
         gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
       "nodes": [{"name": "body", "children": [1]}, {"name": "arm"}]})"));
-    EXPECT_EQ(BringAnimations(from, stranger).withoutPartner, Names{"/body/arm"});
+    EXPECT_EQ(BringAnimations(from, stranger, MatchByPath(from.Scene(), stranger.Scene())).withoutPartner,
+              Names{"/body/arm"});
 }
 
 TEST(SlicedTest, EveryWayOfPassingIsCutWhereItIs) {

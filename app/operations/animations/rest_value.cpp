@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/animations/rest_value.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace zr {
+namespace {
+
+using gltf::Json;
+
+// "~1" stands for "/", "~0" for "~".
+std::string Unescaped(std::string_view token) {
+    std::string name;
+    for (std::size_t i = 0; i < token.size(); ++i) {
+        const bool isEscape = token[i] == '~' && i + 1 < token.size();
+        name += !isEscape ? token[i] : token[++i] == '1' ? '/' : '~';
+    }
+    return name;
+}
+
+const Json* Step(const Json& json, std::string_view token) {
+    if (!json.IsArray()) return json.Find(Unescaped(token));
+    std::size_t index = 0;
+    const char* end = token.data() + token.size();
+    const auto read = std::from_chars(token.data(), end, index);
+    return read.ec == std::errc() && read.ptr == end && index < json.Items().size() ? &json.Items()[index]
+                                                                                    : nullptr;
+}
+
+const Json* Find(const gltf::Document& document, std::string_view pointer) {
+    const Json* at = &document.Root();
+    while (at != nullptr && !pointer.empty()) {
+        pointer.remove_prefix(1);
+        const std::size_t end = std::min(pointer.find('/'), pointer.size());
+        at = Step(*at, pointer.substr(0, end));
+        pointer.remove_prefix(end);
+    }
+    return at;
+}
+
+std::vector<float> NumbersOf(const Json& json) {
+    const auto number = [](const Json& each) {
+        return each.IsBool() ? static_cast<float>(each.Bool()) : static_cast<float>(each.Number());
+    };
+    std::vector<float> values;
+    if (json.IsArray()) {
+        for (const Json& item : json.Items()) values.push_back(number(item));
+    } else if (json.IsNumber() || json.IsBool()) {
+        values.push_back(number(json));
+    }
+    return values;
+}
+
+// A node without weights of its own has those of its mesh, and a mesh without them has zeros.
+std::vector<float> DefaultWeights(const gltf::Document& document, std::string_view pointer,
+                                  std::size_t width) {
+    const Json* holder = Find(document, pointer.substr(0, pointer.rfind('/')));
+    const Json* mesh = holder != nullptr ? holder->Find("mesh") : nullptr;
+    const auto meshes = document.Root().Find("meshes");
+    if (mesh != nullptr && meshes != nullptr) {
+        const auto index = static_cast<std::size_t>(mesh->Number());
+        const Json* weights =
+            index < meshes->Items().size() ? meshes->Items()[index].Find("weights") : nullptr;
+        if (weights != nullptr) return NumbersOf(*weights);
+    }
+    return std::vector<float>(width, 0.0F);
+}
+
+struct Default {
+    std::string_view ending;  // of the pointer
+    std::vector<float> value;
+};
+
+const std::vector<float>* KnownDefault(std::string_view pointer) {
+    static const std::vector<Default> kDefaults = {
+        {"/baseColorFactor", {1, 1, 1, 1}},
+        {"/metallicFactor", {1}},
+        {"/roughnessFactor", {1}},
+        {"/emissiveFactor", {0, 0, 0}},
+        {"/emissiveStrength", {1}},
+        {"/alphaCutoff", {0.5F}},
+        {"/normalTexture/scale", {1}},
+        {"/occlusionTexture/strength", {1}},
+        {"/KHR_texture_transform/offset", {0, 0}},
+        {"/KHR_texture_transform/rotation", {0}},
+        {"/KHR_texture_transform/scale", {1, 1}},
+        {"/KHR_node_visibility/visible", {1}},
+        {"/color", {1, 1, 1}},
+        {"/intensity", {1}},
+        {"/spot/innerConeAngle", {0}},
+        {"/spot/outerConeAngle", {0.78539816F}},
+        {"/ior", {1.5F}},
+        {"/transmissionFactor", {0}},
+        {"/clearcoatFactor", {0}},
+        {"/clearcoatRoughnessFactor", {0}},
+    };
+    for (const Default& known : kDefaults) {
+        if (pointer.ends_with(known.ending)) return &known.value;
+    }
+    return nullptr;
+}
+
+// Keys that are put around a curve's own; they pass level.
+class Framed {
+public:
+    explicit Framed(const Curve& curve)
+        : m_curve(curve),
+          m_width(curve.Width()),
+          m_isCubic(curve.interpolation == vl::zr::kInterpolationCubic) {
+        m_framed.interpolation = curve.interpolation;
+    }
+
+    std::vector<float> ValueOf(std::size_t key) const {
+        const auto at = m_curve.values.begin() +
+                        static_cast<std::ptrdiff_t>(m_isCubic ? (3 * key + 1) * m_width : key * m_width);
+        return std::vector<float>(at, at + static_cast<std::ptrdiff_t>(m_width));
+    }
+
+    // Shows the value from one time until just before the other.
+    void Hold(float from, float to, const std::vector<float>& value) {
+        const float before = std::nextafter(to, -std::numeric_limits<float>::infinity());
+        Add(from, value);
+        if (m_curve.interpolation != vl::zr::kInterpolationStep && before > from) Add(before, value);
+    }
+
+    void Add(float time, const std::vector<float>& value) {
+        const std::vector<float> slopes(m_isCubic ? m_width : 0, 0.0F);
+        m_framed.times.push_back(time);
+        for (const std::vector<float>* part : {&slopes, &value, &slopes})
+            m_framed.values.insert(m_framed.values.end(), part->begin(), part->end());
+    }
+
+    void AddOwnKeys() {
+        const std::size_t first = m_framed.values.size();
+        m_framed.times.insert(m_framed.times.end(), m_curve.times.begin(), m_curve.times.end());
+        m_framed.values.insert(m_framed.values.end(), m_curve.values.begin(), m_curve.values.end());
+        if (!m_isCubic) return;
+        std::fill_n(m_framed.values.begin() + static_cast<std::ptrdiff_t>(first), m_width, 0.0F);
+        std::fill_n(m_framed.values.end() - static_cast<std::ptrdiff_t>(m_width), m_width, 0.0F);
+    }
+
+    Curve Take() { return std::move(m_framed); }
+
+private:
+    const Curve& m_curve;
+    std::size_t m_width;
+    bool m_isCubic;
+    Curve m_framed;
+};
+
+}  // namespace
+
+Curve WithRest(const Curve& curve, const std::vector<float>& rest, float from, float start,
+               std::optional<float> next) {
+    Framed framed(curve);
+    const std::vector<float> first = framed.ValueOf(0);
+    const std::vector<float> last = framed.ValueOf(curve.times.size() - 1);
+    if (from < start && first != rest) {
+        framed.Hold(from, start, rest);
+        if (start < curve.times.front()) framed.Add(start, first);
+    }
+    framed.AddOwnKeys();
+    if (next && last != rest) {
+        const float end = std::nextafter(curve.times.back(), std::numeric_limits<float>::infinity());
+        const float then = std::max(*next, end);
+        if (end < then) framed.Hold(end, then, last);
+        framed.Add(then, rest);
+    }
+    return framed.Take();
+}
+
+std::optional<std::vector<float>> RestValue(const gltf::Document& document, std::string_view pointer,
+                                            std::size_t width) {
+    std::vector<float> values;
+    if (const Json* json = Find(document, pointer)) {
+        values = NumbersOf(*json);
+    } else if (pointer.ends_with("/weights")) {
+        values = DefaultWeights(document, pointer, width);
+    } else if (const std::vector<float>* known = KnownDefault(pointer)) {
+        values = *known;
+    }
+    if (width == 0 || values.size() != width) return std::nullopt;
+    return values;
+}
+
+}  // namespace zr
