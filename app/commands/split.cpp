@@ -16,6 +16,7 @@
 #include "app/operations/animations/split_animation.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "gltf/collect.h"
 #include "kernix/utf.h"
 
 namespace zr {
@@ -128,6 +129,8 @@ Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
         own.Note("kept", RemoveAnimations(session.GetHost(), loaded, others));
         if (i == 0) report.notes = own.notes;
         loaded.WriteBack();
+        constexpr gltf::KindSet kData{gltf::Kind::kAccessor, gltf::Kind::kBufferView, gltf::Kind::kBuffer};
+        gltf::CollectGarbage(loaded.Document(), kData, false);
         OutputTarget out(session, file, "");
         SaveDocument(session, loaded.Document(), out);
     }

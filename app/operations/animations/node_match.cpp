@@ -50,12 +50,13 @@ Named NodesByName(kernix::SceneModel& scene) {
 }
 
 // The node of a name, or at a path from the root on.
-NodeModel* Lookup(const Named& names, const Named& paths, const std::string& wanted) {
+NodeModel* Lookup(const Named& names, const Named& paths, const std::string& wanted, const char* scene) {
     const Named& named = wanted.starts_with('/') ? paths : names;
     const auto found = named.find(wanted);
-    if (found == named.end()) throw std::runtime_error(Join("no node is named \"", wanted, "\""));
+    if (found == named.end())
+        throw std::runtime_error(Join("no node of ", scene, " is named \"", wanted, "\""));
     if (found->second == nullptr)
-        throw std::runtime_error(Join("more than one node is named \"", wanted, "\""));
+        throw std::runtime_error(Join("several nodes of ", scene, " are named \"", wanted, "\""));
     return found->second;
 }
 
@@ -92,7 +93,7 @@ NodePartners MatchByName(kernix::SceneModel& from, kernix::SceneModel& to) {
 }
 
 NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, const NodePairs& pairs) {
-    const auto lookup = [&pairs](kernix::SceneModel& scene, auto wanted) {
+    const auto lookup = [&pairs](kernix::SceneModel& scene, const char* name, auto wanted) {
         const Named names = NodesByName(scene);
         // Paths grow with the depth of the scene: only asked for, are they made.
         Named paths;
@@ -100,11 +101,11 @@ NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, cons
                         [&](const auto& pair) { return wanted(pair).starts_with('/'); }))
             ForEachNode(scene, [&](NodeModel* node) { Add(paths, NodePath(*node), node); });
         std::vector<NodeModel*> nodes;
-        for (const auto& pair : pairs) nodes.push_back(Lookup(names, paths, wanted(pair)));
+        for (const auto& pair : pairs) nodes.push_back(Lookup(names, paths, wanted(pair), name));
         return nodes;
     };
-    const auto sources = lookup(from, [](const auto& pair) { return pair.first; });
-    const auto targets = lookup(to, [](const auto& pair) { return pair.second; });
+    const auto sources = lookup(from, "the other scene", [](const auto& pair) { return pair.first; });
+    const auto targets = lookup(to, "the scene", [](const auto& pair) { return pair.second; });
     NodePartners partners;
     for (std::size_t i = 0; i < pairs.size(); ++i) partners[sources[i]] = targets[i];
     return partners;

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "app/operations/animations/bring_animations.h"
+#include "app/operations/animations/clip_names.h"
 #include "app/operations/animations/split_animation.h"
 #include "tests/app/operations/animations/animation_kit.h"
 
@@ -127,6 +128,33 @@ TEST_F(AnimationCommandTest, NamesThatChooseNothingOrTooMuchListTheCandidates) {
     EXPECT_NE(message({"walk", "0"}).find("twice"), std::string::npos);
     loaded.Scene().AddAnimation(u"walk");
     EXPECT_NE(message({"walk"}).find("3 \"walk\""), std::string::npos);
+}
+
+// A rig with nodes between and beside those that move in the other.
+TEST_F(AnimationCommandTest, MatchesNodesOfRigsThatDiffer) {
+    LoadedScene from(AnimatedScene());
+    LoadedScene to(
+        gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+      "nodes": [{"name": "root", "children": [1, 4]}, {"name": "body", "children": [2]},
+                {"name": "shoulder", "children": [3]}, {"name": "left arm"}, {"name": "arm"}]})"));
+    EXPECT_TRUE(MatchByPath(from.Scene(), to.Scene()).empty());
+
+    // Two arms there, one here.
+    const NodePartners named = MatchByName(from.Scene(), to.Scene());
+    ASSERT_EQ(named.size(), 1U);
+    EXPECT_EQ(named.at(from.Node(0)), to.Node(1));
+
+    const NodePartners paired =
+        MatchByPairs(from.Scene(), to.Scene(), {{"/body", "/root/body"}, {"body", "left arm"}});
+    EXPECT_EQ(paired.at(from.Node(0)), to.Node(3));
+    EXPECT_EQ(BringAnimations(from, to, named).withoutPartner, (Names{"/body/arm", "/body/arm"}));
+    for (const NodePairs& pairs : {NodePairs{{"arm", "body"}}, NodePairs{{"body", "head"}}})
+        EXPECT_THROW(MatchByPairs(from.Scene(), to.Scene(), pairs), std::runtime_error);
+}
+
+TEST(ClipNames, AreNamesOfFilesAndDiffer) {
+    EXPECT_EQ(ClipNames({"walk", "Walk", "a/b", "", "..", "walk 2", "walk", "x. "}),
+              (Names{"walk", "Walk 2", "a_b", "animation 3", "_", "walk 2 2", "walk 3", "x"}));
 }
 
 }  // namespace

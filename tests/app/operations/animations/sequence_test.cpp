@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <stdexcept>
 #include <type_traits>
 
 #include "app/operations/animations/merge_animations.h"
@@ -21,13 +22,17 @@ using test::AnimationCommandTest;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 using Quaternion = std::array<float, 4>;
 
-const Json* ChannelOf(const Document& document, std::size_t animation, std::string_view path) {
-    const Json& json = document.Elements(Kind::kAnimation)[animation];
-    for (const Json& channel : json.Find("channels")->Items()) {
-        if (channel.Find("target")->Find("path")->String() == path)
-            return &json.Find("samplers")->Items()[gltf::IndexMember(channel, "sampler")];
+// The first curve of the merged animation that moves something in this way.
+Curve MergedCurve(const Document& document, std::string_view path) {
+    for (const Json& animation : document.Elements(Kind::kAnimation)) {
+        if (animation.Find("name")->String() != "Merge Result") continue;
+        for (const Json& channel : animation.Find("channels")->Items()) {
+            if (channel.Find("target")->Find("path")->String() != path) continue;
+            return ReadCurve(document,
+                             animation.Find("samplers")->Items()[gltf::IndexMember(channel, "sampler")]);
+        }
     }
-    return nullptr;
+    throw std::runtime_error(Join("the merged animation does not move ", path));
 }
 
 // Straight from one value to the next; rotations the shorter way, which readers find in Sum, many in single
@@ -127,7 +132,7 @@ TEST_F(AnimationCommandTest, HalfTurnsInSequenceKeepTheirWay) {
         options.inSequence = true;
         MergeAnimations(m_host, loaded, AnimationsOf(loaded.Scene()), options);
         LoadedScene after = Reloaded(loaded);
-        const Curve merged = ReadCurve(after.Document(), *ChannelOf(after.Document(), 2, "rotation"));
+        const Curve merged = MergedCurve(after.Document(), "rotation");
         for (std::size_t source = 0; source < 2; ++source) {
             for (float time = 0.125F; time < 4; time += 0.25F) {
                 SCOPED_TRACE(Join("round ", round, ", source ", source, " at ", std::to_string(time)));
@@ -168,7 +173,7 @@ TEST_F(AnimationCommandTest, WeightsRestWhileOtherSourcesPlay) {
     options.gap = 1;
     MergeAnimations(m_host, loaded, {around[0], moving, around[1]}, options);
     LoadedScene after = Reloaded(loaded);
-    const Curve merged = ReadCurve(after.Document(), *ChannelOf(after.Document(), 3, "weights"));
+    const Curve merged = MergedCurve(after.Document(), "weights");
     const float start = scene.GetEndTime(around[0]) + 1;
     EXPECT_EQ(Shown(merged, scene.GetStartTime(around[0]) + 0.01F, false), rest);
     EXPECT_EQ(Shown(merged, start - 0.01F, false), rest);
@@ -226,7 +231,8 @@ TEST_F(AnimationCommandTest, AMergeThatLosesKeysFailsAndLeavesTheSceneAsItWas) {
     };
     MergeOptions scales;
     scales.keyFlags = ANIM_MERGE_SCALE;
-    EXPECT_EQ(fails({"walk", "rest"}, scales), "the merged animation would move nothing: no source has keys to merge");
+    EXPECT_EQ(fails({"walk", "rest"}, scales),
+              "the merged animation would move nothing: no source has keys to merge");
     MergeOptions sequence;
     sequence.inSequence = true;
     for (const double gap : {1e7, 1e39}) {
