@@ -7,7 +7,7 @@
 #include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
-#include "app/operations/text/font_list.h"
+#include "app/services/font_list.h"
 #include "host/text.h"
 #include "kernix/utf.h"
 

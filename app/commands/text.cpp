@@ -10,12 +10,12 @@
 #include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
-#include "app/operations/text/font_file.h"
 #include "app/operations/text/length_unit.h"
 #include "app/operations/text/text_check.h"
 #include "app/operations/text/text_drawing.h"
 #include "app/operations/text/text_source.h"
 #include "app/operations/text/text_writers.h"
+#include "app/services/font_file.h"
 #include "base/file.h"
 #include "base/text.h"
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "app/operations/text/system_font.h"
 #include "app/operations/text/text_geometry.h"
 #include "app/services/host.h"
+#include "app/services/system_font.h"
 
 namespace zr {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/operations/text/system_font.h"
+#include "app/services/system_font.h"
 
 namespace zr {
 

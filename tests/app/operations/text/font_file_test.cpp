@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/text/font_file.h"
+#include "app/services/font_file.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "app/operations/text/font_list.h"
+#include "app/services/font_list.h"
 #include "base/error.h"
 #include "tests/app/operations/text/text_kit.h"
 

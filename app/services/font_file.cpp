@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/text/font_file.h"
+#include "app/services/font_file.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/text/system_font.h"
+#include "app/services/system_font.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/text/font_list.h"
+#include "app/services/font_list.h"
 
 #include <algorithm>
 #include <iterator>
