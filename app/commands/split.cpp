@@ -128,11 +128,11 @@ Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
         std::erase(others, parts[i]);
         own.Note("kept", RemoveAnimations(session.GetHost(), loaded, others));
         if (i == 0) report.notes = own.notes;
-        loaded.WriteBack();
+        gltf::Document document = std::move(loaded).WriteBack();
         constexpr gltf::KindSet kData{gltf::Kind::kAccessor, gltf::Kind::kBufferView, gltf::Kind::kBuffer};
-        gltf::CollectGarbage(loaded.Document(), kData, false);
+        gltf::CollectGarbage(document, kData, false);
         OutputTarget out(session, file, "");
-        SaveDocument(session, loaded.Document(), out);
+        SaveDocument(session, document, out);
     }
     report.json.Set("input", arguments.scene).Set("output", arguments.outDir).Set("animations", list);
     return report;

@@ -136,7 +136,7 @@ private:
     // Far from 0 times are coarse, and keys fall together.
     void RequireDistinctTimes(std::size_t i) const {
         bool isDistinct = std::isfinite(m_copies[i].end);
-        ForEachController(m_scene, [&](vl::zr::Controller& controller, const std::string&) {
+        ForEachController(m_loaded, [&](vl::zr::Controller& controller, const std::string&) {
             vl::zr::Track* source = controller.GetTrack(m_sources[i]);
             vl::zr::Track* copy = controller.GetTrack(m_copies[i].copy);
             if (source != nullptr && copy != nullptr)
@@ -158,8 +158,8 @@ private:
             return true;
         };
         if (!controller.IsTypeOf(vl::zr::kTypeTransformController)) {
-            const auto& from = static_cast<const kernix::SampledTrack&>(source).m_times;
-            const auto& to = static_cast<const kernix::SampledTrack&>(copy).m_times;
+            const auto& from = static_cast<const kernix::SampledTrack&>(source).GetCurve().times;
+            const auto& to = static_cast<const kernix::SampledTrack&>(copy).GetCurve().times;
             return areAsDistinct(
                 static_cast<int>(from.size()), [&](int k) { return from[static_cast<std::size_t>(k)]; },
                 [&](int k) { return to[static_cast<std::size_t>(k)]; });
@@ -199,19 +199,18 @@ private:
         std::size_t at = 0;
         const auto keysOf = [&](std::size_t i) {
             auto* track = static_cast<kernix::SampledTrack*>(controller.GetTrack(m_copies[i].copy));
-            return track != nullptr && !track->m_times.empty() ? track : nullptr;
+            return track != nullptr && track->GetKeyCount() != 0 ? track : nullptr;
         };
         while (at < m_copies.size() && keysOf(at) == nullptr) ++at;
         if (at == m_copies.size()) return;
         kernix::SampledTrack& track = *keysOf(at);
-        const Curve curve{track.m_interpolation, track.m_times, track.m_values};
+        const Curve& curve = track.GetCurve();
         const auto rest = RestValue(m_loaded.Document(), controller.GetTarget(), curve.Width());
         if (!rest) return m_report.restless.push_back(Join(controller.GetTarget(), " of ", holder));
         std::optional<float> next;
         if (at + 1 < m_copies.size()) next = m_copies[at + 1].start;
-        Curve framed = WithRest(curve, *rest, m_copies.front().start, m_copies[at].start, next);
-        track.m_times = std::move(framed.times);
-        track.m_values = std::move(framed.values);
+        track.SetCurve(
+            kernix::StoredCurve(WithRest(curve, *rest, m_copies.front().start, m_copies[at].start, next)));
     }
 
     void PrepareNode(kernix::NodeModel& node) {

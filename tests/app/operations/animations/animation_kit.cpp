@@ -84,8 +84,7 @@ std::vector<float> KeyTimes(kernix::AnimationModel& animation) {
         auto* transform = dynamic_cast<kernix::TransformTrack*>(track);
         if (transform == nullptr) continue;
         for (int type : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale})
-            for (int i = 0; i < transform->Count(type); ++i)
-                times.push_back(transform->TimeOf(type, i));
+            for (int i = 0; i < transform->Count(type); ++i) times.push_back(transform->TimeOf(type, i));
     }
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());

@@ -159,8 +159,8 @@ void ExpectPartsMerge(Host& host, const std::function<LoadedScene()>& load, cons
         LoadedScene loaded = load();
         kernix::AnimationModel* source = ChooseAnimation(loaded.Scene(), name);
         if (!byNode && times.size() < 2) continue;
-        const Animations parts = byNode ? SeparateAnimation(loaded, *source)
-                                        : Halves(loaded, source, times[times.size() / 2]);
+        const Animations parts =
+            byNode ? SeparateAnimation(loaded, *source) : Halves(loaded, source, times[times.size() / 2]);
         if (parts.size() < 2) continue;
         MergeOptions options;
         options.removeSources = true;

@@ -153,15 +153,14 @@ TEST_F(AnimationCommandTest, WeightsRestWhileOtherSourcesPlay) {
     const Animations around = {scene.AddAnimation(u"before"), scene.AddAnimation(u"after")};
     std::string target;
     Curve weights;
-    ForEachController(scene, [&](vl::zr::Controller& controller, const std::string&) {
+    ForEachController(loaded, [&](vl::zr::Controller& controller, const std::string&) {
         vl::zr::Track* track = controller.GetTrack(moving);
         if (track == nullptr) return;
         if (controller.IsTypeOf(vl::zr::kTypeTransformController)) {
             for (kernix::AnimationModel* each : around) CopyTrack(controller, track, controller, each);
         } else if (auto& sampled = static_cast<kernix::SampledControllerModel&>(controller);
                    sampled.GetTarget().ends_with("/weights")) {
-            const auto& keys = static_cast<kernix::SampledTrack&>(*track);
-            weights = {keys.m_interpolation, keys.m_times, keys.m_values};
+            weights = static_cast<kernix::SampledTrack&>(*track).GetCurve();
             target = sampled.GetTarget();
         }
     });
