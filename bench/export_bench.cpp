@@ -21,8 +21,8 @@ void ExportFile(benchmark::State& state, const zr::bench::SceneShape& shape, std
     options.animFlags |= animFlags;
     for (auto _ : state) {
         zr::LoadedScene loaded(zr::gltf::Document::Load(file.Path()));
-        zr::ExportScene(host, std::move(loaded), options, [](double) {})
-            .document.Save(file.Beside("out.glb"));
+        zr::ExportScene(host, std::move(loaded), options, [](double) {
+        }).document.Save(file.Beside("out.glb"));
     }
     state.SetComplexityN(state.range(0));
 }

@@ -41,7 +41,8 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
         if (std::ferror(stdin) != 0)
             throw Error("standard input", "", "cannot be read: " + std::generic_category().message(errno));
         if (size > limit)
-            throw Error("standard input", "", Join("has more than the ", limit, " bytes that may be read of it"));
+            throw Error("standard input", "",
+                        Join("has more than the ", limit, " bytes that may be read of it"));
         if (got < kStep) return content;
     }
 }
@@ -56,8 +57,8 @@ gltf::Document LoadDocument(const Session& session, const std::string& name, Rep
     const gltf::LoadOptions& options = session.Options().load;
     gltf::Document document =
         name == kStandardStream
-            ? gltf::Document::FromBytes(ReadStandardInput(Budget(options.maxMemory).Total()), "standard input",
-                                        options)
+            ? gltf::Document::FromBytes(ReadStandardInput(Budget(options.maxMemory).Total()),
+                                        "standard input", options)
             : gltf::Document::Load(PathFromUtf8(name), options);
     for (const gltf::Error& warning : document.Warnings()) report.notes.emplace_back(warning.what());
     return document;

@@ -15,7 +15,8 @@ namespace zr {
 // Makes controllers and tracks of the document's animations.
 class AnimationBuilder {
 public:
-    AnimationBuilder(const gltf::Document& document, DocumentCurves& curves, SceneParts& parts, ContentIds& ids)
+    AnimationBuilder(const gltf::Document& document, DocumentCurves& curves, SceneParts& parts,
+                     ContentIds& ids)
         : m_document(document), m_curves(curves), m_parts(parts), m_ids(ids) {}
 
     // Reads which node each channel moves, before the nodes are there.

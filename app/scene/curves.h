@@ -34,8 +34,8 @@ Curve KeysOf(const kernix::TransformTrack& track, int keyType);
 // Lays keys that somebody made as objects side by side again.
 void PackKeys(kernix::TransformTrack& track);
 
-// The keys as a linear curve, whatever way they pass: steps become two keys next to each other, cubic pieces are
-// sampled so that no sample between differs by more than a hundred thousandth of the values' range.
+// The keys as a linear curve, whatever way they pass: steps become two keys next to each other, cubic pieces
+// are sampled so that no sample between differs by more than a hundred thousandth of the values' range.
 Curve BakedKeys(const kernix::TransformTrack& track, int keyType);
 
 }  // namespace zr

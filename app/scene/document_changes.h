@@ -78,7 +78,8 @@ struct ChangedNodes {
     std::vector<std::size_t> roots;
     std::vector<std::pair<std::size_t, std::size_t>> movedJoints;  // of skins: from node to node
     std::vector<NewCamera> cameras;
-    bool exchangesAxes = false;  // Y and Z of what the nodes show, as the nodes' transforms have them exchanged
+    bool exchangesAxes =
+        false;  // Y and Z of what the nodes show, as the nodes' transforms have them exchanged
 };
 
 // All that becomes of a document. Indices are those of the document as it is; what is new follows behind its

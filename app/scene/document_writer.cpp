@@ -48,7 +48,8 @@ private:
         if (becomes.empty()) return;
         gltf::ForEachReference(m_document, [&](const gltf::Reference& reference) {
             const gltf::Target& target = reference.target;
-            if (target.kind != Kind::kMaterial || target.textSize != 0 || becomes[target.index] == target.index)
+            if (target.kind != Kind::kMaterial || target.textSize != 0 ||
+                becomes[target.index] == target.index)
                 return;
             reference.value = m_tree.MakeIndex(becomes[target.index]);
         });

@@ -65,27 +65,27 @@ struct KeptElement {
     std::string reason;  // the place in the document that refers to it, or "kept by name"
 };
 
-// What is made from a document. By index in the document, where not said otherwise; null for what is not in the
-// scene.
+// What is made from a document. By index in the document, where not said otherwise; null for what is not in
+// the scene.
 struct SceneParts {
     vl::Ref<kernix::SceneModel> scene;
     std::vector<kernix::NodeModel*> nodes;
     std::vector<kernix::MaterialModel*> materials;
     std::vector<kernix::AnimationModel*> animations;
-    std::vector<LoadedChannel> channels;             // in document order
-    std::vector<kernix::LayerModel*> layers;         // as ZR_scene lists them
-    std::vector<kernix::ViewportModel*> viewports;   // the same; empty when the host gave its own
-    std::vector<std::size_t> extrasNodes;            // nodes whose metadata came from extras
+    std::vector<LoadedChannel> channels;            // in document order
+    std::vector<kernix::LayerModel*> layers;        // as ZR_scene lists them
+    std::vector<kernix::ViewportModel*> viewports;  // the same; empty when the host gave its own
+    std::vector<std::size_t> extrasNodes;           // nodes whose metadata came from extras
     std::vector<KeptElement> kept;
     std::vector<SkippedChannel> skipped;
-    bool sharesTracks = false;  // some channels move the same
-    bool force = false;         // SceneOptions::force
+    bool sharesTracks = false;               // some channels move the same
+    bool force = false;                      // SceneOptions::force
     std::vector<std::uint32_t> nodeIndices;  // of the scene's nodes by their number: in the document
 };
 
 // A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
-// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys are
-// read from the document when somebody first asks for them.
+// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys
+// are read from the document when somebody first asks for them.
 //
 // A node that something in the document refers to gets a dummy when it shows nothing. A mesh of such a node
 // has a format value of its own: nothing else equals it. Materials that something else than the scene's
@@ -116,10 +116,10 @@ public:
     const std::vector<KeptElement>& Kept() const { return m_parts.kept; }
     const std::vector<SkippedChannel>& Skipped() const { return m_parts.skipped; }
 
-    // The document with what changed in the scene since it was made: nodes, materials, animations and keys that
-    // went, were merged or were added, metadata that was emptied, layers and viewports. Ends the scene. Throws
-    // gltf::Error, also (unless SceneOptions::force) when an element goes that something which cannot be followed
-    // could refer to.
+    // The document with what changed in the scene since it was made: nodes, materials, animations and keys
+    // that went, were merged or were added, metadata that was emptied, layers and viewports. Ends the scene.
+    // Throws gltf::Error, also (unless SceneOptions::force) when an element goes that something which cannot
+    // be followed could refer to.
     gltf::Document WriteBack() &&;
 
 private:

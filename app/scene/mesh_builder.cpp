@@ -92,8 +92,8 @@ std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
     return corners;
 }
 
-MeshBuilder::MeshBuilder(const gltf::Document& document,
-                         const std::vector<kernix::MaterialModel*>& materials, ContentIds& ids)
+MeshBuilder::MeshBuilder(const gltf::Document& document, const std::vector<kernix::MaterialModel*>& materials,
+                         ContentIds& ids)
     : m_document(document),
       m_materials(materials),
       m_ids(ids),
@@ -119,8 +119,7 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     format.push_back(m_ids.Text(m_ids.Canonical(*part.extensions)));
     for (const Json& mapping : Mappings(part.extensions)) {
         const std::size_t material = IndexMember(mapping, "material");
-        format.push_back(
-            m_ids.Text(m_ids.Canonical(m_document.Elements(Kind::kMaterial)[material])));
+        format.push_back(m_ids.Text(m_ids.Canonical(m_document.Elements(Kind::kMaterial)[material])));
     }
 }
 
@@ -129,8 +128,7 @@ void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
     Words key;
     const auto add = [&](std::size_t material) {
         if (m_materials[material] != nullptr) key.push_back(static_cast<std::uint32_t>(material));
-        shape.isBlended =
-            shape.isBlended || IsBlended(m_document.Elements(Kind::kMaterial)[material]);
+        shape.isBlended = shape.isBlended || IsBlended(m_document.Elements(Kind::kMaterial)[material]);
     };
     for (const Part& part : parts) {
         if (part.material != nullptr) add(*part.material->Index());

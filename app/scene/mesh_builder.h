@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "app/scene/content_ids.h"
+#include "app/scene/node_parts.h"
 #include "gltf/document.h"
 #include "kernix/scene/scene_model.h"
-#include "app/scene/node_parts.h"
 
 namespace zr {
 

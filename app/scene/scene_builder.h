@@ -58,7 +58,7 @@ private:
     std::vector<std::size_t> m_order;     // nodes of the scene, parents first
     std::vector<std::size_t> m_extended;  // those with an extension of the scene's own
     std::vector<std::size_t> m_parents;   // of every node of the document
-    std::vector<bool> m_drawn;  // materials that the scene's meshes use
+    std::vector<bool> m_drawn;            // materials that the scene's meshes use
     std::vector<Mark> m_nodeMarks;
     std::vector<Mark> m_materialMarks;
     std::vector<Mark> m_animationMarks;

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "gltf/walk.h"
 #include "host/array.h"
 #include "host/interface_array.h"
 #include "host/var.h"
-#include "gltf/walk.h"
 #include "kernix/utf.h"
 
 namespace zr {
@@ -144,9 +144,9 @@ private:
     // Whether the track's keys are the document's for sure, without a look at them.
     bool IsAsLoaded(vl::zr::Track* track, int keyType) {
         if (track == nullptr || m_parts.sharesTracks || Replacement(*track, keyType) != nullptr) return false;
-        const kernix::StoredCurve* packed = keyType == 0
-                                                ? &static_cast<kernix::SampledTrack*>(track)->Packed()
-                                                : static_cast<kernix::TransformTrack*>(track)->Packed(keyType);
+        const kernix::StoredCurve* packed =
+            keyType == 0 ? &static_cast<kernix::SampledTrack*>(track)->Packed()
+                         : static_cast<kernix::TransformTrack*>(track)->Packed(keyType);
         return packed != nullptr && packed->IsAsStored();
     }
 
@@ -261,7 +261,7 @@ private:
     DocumentChanges m_changes;
     std::unordered_map<const vl::zr::Animation*, std::size_t> m_indices;
     std::unordered_map<const vl::zr::Controller*, std::string> m_types;  // accessor type of sampled values
-    std::unordered_map<const vl::zr::Track*, unsigned> m_written;        // a bit for each key type with a channel
+    std::unordered_map<const vl::zr::Track*, unsigned> m_written;  // a bit for each key type with a channel
 };
 
 }  // namespace

@@ -10,8 +10,8 @@
 
 namespace zr {
 
-// Curves that stand in the place of tracks' keys: by key type for a transform, the first one for a curve of numbers.
-// None: the keys stay; a curve without keys: they go.
+// Curves that stand in the place of tracks' keys: by key type for a transform, the first one for a curve of
+// numbers. None: the keys stay; a curve without keys: they go.
 using TrackCurves = std::array<std::optional<Curve>, 3>;
 using ReplacedKeys = std::unordered_map<const vl::zr::Track*, TrackCurves>;
 
@@ -24,6 +24,7 @@ struct AddedKeys {
 
 // What changed in the scene since it was made from its document, with the replaced keys in the place of the
 // scene's.
-DocumentChanges ChangesOf(const LoadedScene& loaded, ReplacedKeys replaced = {}, std::vector<AddedKeys> added = {});
+DocumentChanges ChangesOf(const LoadedScene& loaded, ReplacedKeys replaced = {},
+                          std::vector<AddedKeys> added = {});
 
 }  // namespace zr

@@ -7,8 +7,8 @@ namespace kernix {
 
 class NodeModel;
 
-// The transform that places an object, which looks along -Z with Y up: moved to the position and turned so that it
-// looks at the target. A target at the position turns nothing.
+// The transform that places an object, which looks along -Z with Y up: moved to the position and turned so
+// that it looks at the target. A target at the position turns nothing.
 KERNIX_API vl::Matrix4<double> LookAt(const vl::Vector3<float>& position, const vl::Vector3<double>& target);
 
 // What a light or camera aims at. The object looks along -Z with Y up; one that aims at a node is turned

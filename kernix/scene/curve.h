@@ -13,8 +13,9 @@ namespace kernix {
 
 inline constexpr int kKeyTypes[] = {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale};
 
-// Keys side by side: their times, seconds, in ascending order, and for each an equal number of values. A cubic
-// curve holds three times as many: incoming slopes, values and outgoing slopes (units a second), key by key.
+// Keys side by side: their times, seconds, in ascending order, and for each an equal number of values. A
+// cubic curve holds three times as many: incoming slopes, values and outgoing slopes (units a second), key by
+// key.
 struct KERNIX_API Curve {
     vl::zr::KeyInterpolation interpolation = vl::zr::kInterpolationLinear;
     std::vector<float> times;
@@ -23,8 +24,10 @@ struct KERNIX_API Curve {
     bool operator==(const Curve& other) const;  // to the bit
     bool IsEmpty() const { return times.empty(); }
     bool IsCubic() const { return interpolation == vl::zr::kInterpolationCubic; }
-    std::size_t Stride() const { return times.empty() ? 0 : values.size() / times.size(); }  // numbers of a key
-    std::size_t Width() const { return IsCubic() ? Stride() / 3 : Stride(); }                // of its value
+    std::size_t Stride() const {
+        return times.empty() ? 0 : values.size() / times.size();
+    }                                                                          // numbers of a key
+    std::size_t Width() const { return IsCubic() ? Stride() / 3 : Stride(); }  // of its value
     const float* Value(std::size_t key) const {
         return values.data() + key * Stride() + (IsCubic() ? Width() : 0);
     }
@@ -33,8 +36,9 @@ struct KERNIX_API Curve {
     void Retime(float scale, float offset);
 };
 
-// What a curve shows at a time. Before the first and after the last key it stays. At least one key; out: as many
-// numbers as a value has. A rotation's values are unit quaternions x, y, z, w: linear ones turn the short way.
+// What a curve shows at a time. Before the first and after the last key it stays. At least one key; out: as
+// many numbers as a value has. A rotation's values are unit quaternions x, y, z, w: linear ones turn the
+// short way.
 KERNIX_API void EvaluateNumbers(const Curve& curve, float time, double* out);
 KERNIX_API Rotation EvaluateRotation(const Curve& curve, float time);
 

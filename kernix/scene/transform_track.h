@@ -20,8 +20,8 @@ struct Pose {
     vl::Vector3<float> scale{1, 1, 1};
 };
 
-// The keys of one animation of a node, in time order. They lie side by side, for each type, until somebody asks
-// for a key as an object.
+// The keys of one animation of a node, in time order. They lie side by side, for each type, until somebody
+// asks for a key as an object.
 class KERNIX_API TransformTrack final : public vl::zr::Track {
 public:
     using Track::Track;

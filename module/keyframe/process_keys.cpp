@@ -8,7 +8,8 @@
 
 namespace {
 
-// Whether a camera or light is placed elsewhere than its node, or may be: that is worked into the records once.
+// Whether a camera or light is placed elsewhere than its node, or may be: that is worked into the records
+// once.
 bool IsPlaced(const ZR_TK& tool, const ExportNode& record) {
     using namespace vl::tk;
     if (record.pNode == nullptr || record.pNode->m_pObject == nullptr) return false;

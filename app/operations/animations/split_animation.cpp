@@ -184,8 +184,9 @@ Animations SeparateAnimation(LoadedScene& loaded, kernix::AnimationModel& animat
     };
     for (vl::zr::Node* each : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
         const auto& node = static_cast<kernix::NodeModel&>(*each);
-        separate(node.m_pControllers,
-                 node.GetNameText().empty() ? "node " + std::to_string(loaded.IndexOf(&node).value_or(0)) : node.GetNameText());
+        separate(node.m_pControllers, node.GetNameText().empty()
+                                          ? "node " + std::to_string(loaded.IndexOf(&node).value_or(0))
+                                          : node.GetNameText());
     }
     int index = 0;
     for (vl::zr::Material* material : vl::ArrayOf<vl::zr::Material*>(scene.m_pMaterials))

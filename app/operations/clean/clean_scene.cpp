@@ -112,9 +112,7 @@ public:
     // What the steps left only because something holds it.
     void Explain() { m_result.held = HeldElements(m_loaded, RanSteps()); }
 
-    Document Finish() {
-        return std::move(m_loaded).WriteBack();
-    }
+    Document Finish() { return std::move(m_loaded).WriteBack(); }
 
 private:
     std::array<bool, kCleanSteps> RanSteps() const {
@@ -125,8 +123,7 @@ private:
 
     void NameMetadata(std::vector<std::string>& names) const {
         for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
-            if (node->GetMetadata(false) != nullptr)
-                names.push_back(m_loaded.NameOf(*node));
+            if (node->GetMetadata(false) != nullptr) names.push_back(m_loaded.NameOf(*node));
         }
     }
 
@@ -153,7 +150,9 @@ private:
             if (entry.change == kernix::ChangeRecordModel::Change::kAnimationItemRemoval) continue;
             const auto* node = dynamic_cast<const kernix::NodeModel*>(entry.object.Get());
             if (node != nullptr && !node->IsDeleted()) continue;  // spared
-            names.push_back(node != nullptr ? m_loaded.NameOf(*node) : entry.name.empty() ? "unnamed" : entry.name);
+            names.push_back(node != nullptr      ? m_loaded.NameOf(*node)
+                            : entry.name.empty() ? "unnamed"
+                                                 : entry.name);
         }
     }
 

@@ -114,8 +114,7 @@ private:
     void Targets() {
         for (auto* plain : vl::ArrayOf<vl::zr::Node*>(m_loaded.Scene().m_pNodes)) {
             if (plain->m_pObject != nullptr || plain->m_pFirstChild != nullptr) continue;
-            m_held.push_back({Kind::kNode, m_loaded.NameOf(*plain),
-                              "target of a camera or light"});
+            m_held.push_back({Kind::kNode, m_loaded.NameOf(*plain), "target of a camera or light"});
         }
     }
 

@@ -70,7 +70,8 @@ BakedCurves::~BakedCurves() {
     for (vl::zr::Track* plain : m_animation.Tracks()) {
         if (auto* track = dynamic_cast<kernix::TransformTrack*>(plain)) track->ForgetObjects();
     }
-    for (Original& original : m_originals) original.track->SetCurve(original.keyType, std::move(original.curve));
+    for (Original& original : m_originals)
+        original.track->SetCurve(original.keyType, std::move(original.curve));
     m_scene.TransformsChanged();
 }
 

@@ -8,8 +8,8 @@
 
 namespace zr {
 
-// How closely an export's motion is compared with the scene's: at as many places as matter; at some, for at most a
-// tenth of the export's time; not at all.
+// How closely an export's motion is compared with the scene's: at as many places as matter; at some, for at
+// most a tenth of the export's time; not at all.
 enum class MotionCheck { kThorough, kQuick, kOff };
 
 // What an export asks of the keyframe tools. As it stands, everything is exported.

@@ -102,8 +102,8 @@ void RunAnew(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& anim
     }
 }
 
-// The tools run once for all animations; each then has its keys run on the records that stand, where these allow
-// that.
+// The tools run once for all animations; each then has its keys run on the records that stand, where these
+// allow that.
 Runs RunAll(Host& host, kernix::SceneModel& scene, const ExportOptions& options,
             const ExportProgress& progress) {
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);

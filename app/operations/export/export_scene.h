@@ -20,11 +20,11 @@ struct Exported {
     MotionReport report;
 };
 
-// Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what the
-// records stand for into the document: nodes, rest transforms and keys. Throws std::runtime_error when two
-// animations would need different nodes, when keys that cannot be read would have to change, when nothing is to be
-// exported, and when the motion comes out further off than the options allow. renameMap: null, or receives the text
-// of the map (RenameMap).
+// Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what
+// the records stand for into the document: nodes, rest transforms and keys. Throws std::runtime_error when
+// two animations would need different nodes, when keys that cannot be read would have to change, when nothing
+// is to be exported, and when the motion comes out further off than the options allow. renameMap: null, or
+// receives the text of the map (RenameMap).
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
 

@@ -16,9 +16,9 @@ struct PlayedAnimation {
     float timeOffset;
 };
 
-// Compares the motion of the scene with that of the records' nodes and the new keys, at times spread over each
-// animation and at those of keys, and says in the report where they differ most. All nodes take part in turn; what
-// the check may cost is shared by all animations. added: by the place of the record among all.
+// Compares the motion of the scene with that of the records' nodes and the new keys, at times spread over
+// each animation and at those of keys, and says in the report where they differ most. All nodes take part in
+// turn; what the check may cost is shared by all animations. added: by the place of the record among all.
 void CheckMotion(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options,
                  const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
                  const std::vector<AddedKeys>& added, MotionReport& report);

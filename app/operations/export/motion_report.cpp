@@ -53,8 +53,7 @@ void CheckDeviation(const MotionReport& report, const ExportOptions& options) {
     const double limit = options.maxDeviation * report.size;
     if (report.deviation > limit)
         throw std::runtime_error(Join("the motion would come out ", Figure(report.deviation), " off ",
-                                      Place(report), "; the limit is ", Figure(limit),
-                                      " (--max-deviation)"));
+                                      Place(report), "; the limit is ", Figure(limit), " (--max-deviation)"));
     if (report.valueDeviation > options.maxDeviation)
         throw std::runtime_error(Join("the motion would come out ", Figure(report.valueDeviation), " off ",
                                       ValuePlace(report), "; the limit is ", Figure(options.maxDeviation),
@@ -65,9 +64,9 @@ std::string Describe(const MotionReport& report) {
     std::string text = Join(report.keysBefore, " keys became ", report.keysAfter);
     if (report.check == MotionCheck::kOff) return text + "; motion not checked";
     if (report.node.empty()) return text;
-    text += Join("; ", NameOf(report.check), " check: largest deviation ", Figure(report.deviation), " ", Place(report));
-    if (report.valueDeviation > 0)
-        text += Join("; ", Figure(report.valueDeviation), " ", ValuePlace(report));
+    text += Join("; ", NameOf(report.check), " check: largest deviation ", Figure(report.deviation), " ",
+                 Place(report));
+    if (report.valueDeviation > 0) text += Join("; ", Figure(report.valueDeviation), " ", ValuePlace(report));
     return text;
 }
 

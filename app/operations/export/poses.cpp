@@ -74,7 +74,7 @@ void PoseTree::StopAll() {
 Affine PoseTree::LocalAt(const Node& node, float time) const {
     if (node.motion == kNone) return node.local;
     const Motion& motion = m_motions[node.motion];
-    const auto vector = [&](std::size_t kind, const vl::Vector3<float>& rest, double (&out)[3]) {
+    const auto vector = [&](std::size_t kind, const vl::Vector3<float>& rest, double(&out)[3]) {
         if (motion.curves[kind] != nullptr) return kernix::EvaluateNumbers(*motion.curves[kind], time, out);
         out[0] = rest.x, out[1] = rest.y, out[2] = rest.z;
     };
@@ -98,7 +98,8 @@ void PoseTree::Walk::Go(float time) {
 }
 
 const Affine& PoseTree::Walk::World(std::uint32_t node) {
-    for (std::uint32_t at = node; at != kNone && m_worlds[at].visit != m_visit; at = m_tree.m_nodes[at].parent)
+    for (std::uint32_t at = node; at != kNone && m_worlds[at].visit != m_visit;
+         at = m_tree.m_nodes[at].parent)
         m_open.push_back(at);
     for (; !m_open.empty(); m_open.pop_back()) {
         const Node& open = m_tree.m_nodes[m_open.back()];

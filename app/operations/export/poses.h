@@ -23,8 +23,8 @@ struct Affine {
 // The greatest distance that the origin and the points one unit along the axes move from one to the other.
 double DistanceBetween(const Affine& a, const Affine& b);
 
-// Where the nodes of a tree stand, each computed when it is asked for and once for a time. Flat, so that threads
-// share the tree and each has the transforms of its own time.
+// Where the nodes of a tree stand, each computed when it is asked for and once for a time. Flat, so that
+// threads share the tree and each has the transforms of its own time.
 class PoseTree {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -35,7 +35,9 @@ public:
         kernix::Pose rest;
         vl::Vector3<float> pivot;  // from which everything on the node hangs
 
-        void SetCurve(std::size_t kind, const Curve& curve) { curves[kind] = curve.IsEmpty() ? nullptr : &curve; }
+        void SetCurve(std::size_t kind, const Curve& curve) {
+            curves[kind] = curve.IsEmpty() ? nullptr : &curve;
+        }
     };
 
     // Parents come before their children; the top ones have kNone.

@@ -151,8 +151,7 @@ void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, cons
             if (HasKeys(curves)) added.push_back({at, &animation, std::move(curves)});
             continue;
         }
-        vl::zr::Track* track =
-            record->pController->GetTrack(const_cast<kernix::AnimationModel*>(&animation));
+        vl::zr::Track* track = record->pController->GetTrack(const_cast<kernix::AnimationModel*>(&animation));
         if (track == nullptr) continue;
         if (auto curves = Replaced(*record, static_cast<TransformTrack&>(*track), *tool, options))
             replaced[track] = std::move(*curves);

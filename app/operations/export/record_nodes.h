@@ -17,9 +17,9 @@ struct RecordNodes {
     std::vector<std::size_t> bare;      // nodes that lose what they show
 };
 
-// The nodes that the records of a run stand for. The first record of a node keeps the node's place in the document,
-// so that every reference to it holds; other records become new nodes. A node's object goes to the record that
-// carries it, and pivots and offsets that the records spell out leave ZR_scene.
+// The nodes that the records of a run stand for. The first record of a node keeps the node's place in the
+// document, so that every reference to it holds; other records become new nodes. A node's object goes to the
+// record that carries it, and pivots and offsets that the records spell out leave ZR_scene.
 RecordNodes NodesOf(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
 // Whether two runs made the same records of the same nodes.

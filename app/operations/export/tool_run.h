@@ -17,8 +17,8 @@ using Tool = vl::Ref<vl::tk::Serializer>;
 Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
              const ExportOptions& options);
 
-// Runs the keys of another animation on the records of a finished run. False, with the records as they were, where
-// it needs others.
+// Runs the keys of another animation on the records of a finished run. False, with the records as they were,
+// where it needs others.
 bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation);
 
 // Whether the animation's time is mapped to another range.

@@ -62,8 +62,8 @@ double Difference(const TransformTrack& a, const TransformTrack& b) {
         }
         const auto& p = left.rotation;
         const auto& q = right.rotation;
-        greatest = std::max({greatest, std::abs(p.x - q.x), std::abs(p.y - q.y), std::abs(p.z - q.z),
-                             std::abs(p.w - q.w)});
+        greatest = std::max(
+            {greatest, std::abs(p.x - q.x), std::abs(p.y - q.y), std::abs(p.z - q.z), std::abs(p.w - q.w)});
     }
     return greatest;
 }

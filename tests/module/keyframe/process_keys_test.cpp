@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The keys of a further animation on the records that stand, held against an object of its own for each animation.
+// The keys of a further animation on the records that stand, held against an object of its own for each
+// animation.
 #include "module/keyframe/keyframe_tool.h"
 
 #include <gtest/gtest.h>

@@ -39,14 +39,15 @@ MotionReport Check(LoadedScene& loaded, const ExportOptions& options, const Curv
     const Tool records = RunTool(TheHost(), loaded.Scene(), animation, options);
     ReplacedKeys replaced;
     replaced[controller->GetTrack(animation)][1] = turn;
-    for (vl::zr::Track* track : animation->Tracks()) static_cast<kernix::TransformTrack&>(*track).ForgetObjects();
+    for (vl::zr::Track* track : animation->Tracks())
+        static_cast<kernix::TransformTrack&>(*track).ForgetObjects();
     MotionReport report;
     CheckMotion(loaded.Scene(), records, options, {{animation, 1, 0}}, replaced, {}, report);
     return report;
 }
 
-// The hand goes straight where it should go along its arc: off by the height of the arc when the arm is turned by
-// half as much as it should be.
+// The hand goes straight where it should go along its arc: off by the height of the arc when the arm is
+// turned by half as much as it should be.
 TEST(MotionCheck, FindsTheGreatestDistance) {
     const auto sine = static_cast<float>(std::sin(0.3926990816987)), cosine = std::sqrt(1 - sine * sine);
     const Curve eighth{{}, {0, 1}, {0, 0, 0, 1, 0, 0, sine, cosine}};
@@ -72,8 +73,8 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     for (int i = 2; i <= 40000; ++i) nodes += "," + std::to_string(i);
     nodes += "]}";
     for (int i = 1; i <= 40000; ++i) nodes += R"(, {"translation": [1, 0, 0]})";
-    LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [)" +
-                                            nodes + "]}"));
+    LoadedScene loaded(gltf::test::FromText(
+        R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [)" + nodes + "]}"));
     kernix::AnimationModel* animation = loaded.Scene().AddAnimation(u"a");
     auto* track = loaded.Node(39000)->AddTransformController()->AddTransformTrack(animation);
     track->SetCurve(vl::zr::kKeyPosition, kernix::StoredCurve({{}, {0, 1}, {1, 0, 0, 1, 0, 0}}));
@@ -104,8 +105,9 @@ TEST(MotionCheck, StopsAnExportThatIsTooFarOff) {
     EXPECT_TRUE(Describe(unchecked.report).ends_with("; motion not checked"));
     options = ExportOptions();
     options.exportFlags |= vl::tk::kMergeKeys;
-    EXPECT_NE(Describe(ExportScene(TheHost(), Arm(turn), options, [](double) {}).report).find("; quick check: "),
-              std::string::npos);
+    EXPECT_NE(
+        Describe(ExportScene(TheHost(), Arm(turn), options, [](double) {}).report).find("; quick check: "),
+        std::string::npos);
 }
 
 }  // namespace
