@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/operations/compare/evaluator.h"
+#include "gltf/schema.h"
+#include "gltf/walk.h"
+
+namespace zr::compare {
+
+enum class Names { kCount, kIgnore };
+
+// The content of an element as text that is equal for equal content, in whatever order, under whatever index
+// and in whatever form it is stored: members sorted, values that are the format's defaults left out, numbers
+// as floats, references replaced by the content of what they name. Nodes, meshes and other materials stand
+// there by their name alone.
+class Canonical {
+public:
+    Canonical(const gltf::Document& document, Names names) : m_document(document), m_names(names) {}
+
+    const std::string& Of(gltf::Kind kind, std::size_t index);
+
+private:
+    std::string NameOf(const gltf::Target& target) const;
+    void Write(const gltf::Json& json, const gltf::SchemaNode* schema, std::string_view name,
+               std::string& text);
+    void WriteMembers(const gltf::Json& object, const gltf::SchemaNode* schema, std::string& text);
+
+    const gltf::Document& m_document;
+    const Names m_names;
+    std::array<std::map<std::size_t, std::string>, gltf::kKinds> m_known;
+};
+
+// Finds where the content of two elements of two documents differs.
+class ContentComparison {
+public:
+    // What the comparison cannot know by itself: whether references to these (nodes, meshes, materials ...)
+    // mean the same.
+    using SameElement = std::function<bool(gltf::Kind kind, std::size_t a, std::size_t b)>;
+    // where: place in the first document; what: both values in words; amount: of numbers, relative to 1 or to
+    // their size where that is greater.
+    using OnDifference =
+        std::function<void(const std::string& where, const std::string& what, double amount)>;
+    // Numbers compared, the greatest difference within tolerance included.
+    ContentComparison(const gltf::Document& a, const gltf::Document& b, double tolerance, SameElement same,
+                      OnDifference onDifference);
+
+    // Compares two elements, and what they refer to, once. Members that lead to what is drawn (primitives,
+    // transforms, children, joints) are left to the comparison of that.
+    void Elements(gltf::Kind kind, std::size_t a, std::size_t b);
+    // Compares two values at a place; null stands for a missing one.
+    void Values(const gltf::Json* a, const gltf::Json* b, const gltf::SchemaNode* schema,
+                const std::string& place);
+
+    // Which element of the second document one of the first was compared with first, and the other way round;
+    // kNone.
+    std::size_t PartnerInB(gltf::Kind kind, std::size_t a) const { return Partner(0, kind, a); }
+    std::size_t PartnerInA(gltf::Kind kind, std::size_t b) const { return Partner(1, kind, b); }
+
+private:
+    void Members(const gltf::Json& a, const gltf::Json& b, const gltf::SchemaNode* schema,
+                 const std::string& place, const std::function<bool(std::string_view)>& skip);
+    void References(const gltf::Rule& rule, const gltf::Json& a, const gltf::Json& b,
+                    const std::string& place);
+    std::size_t Partner(std::size_t side, gltf::Kind kind, std::size_t index) const;
+    void Accessors(std::size_t a, std::size_t b, const std::string& place);
+    void Numbers(double a, double b, const std::string& place);
+
+    const gltf::Document& m_a;
+    const gltf::Document& m_b;
+    const double m_tolerance;
+    SameElement m_same;
+    OnDifference m_onDifference;
+    std::map<std::array<std::size_t, 3>, bool> m_compared;
+    std::map<std::array<std::size_t, 3>, std::size_t> m_partners;  // by side, kind and index
+};
+
+// The bytes an image stands for: of its view, its data URI or its file beside the document; empty when they
+// cannot be had.
+std::vector<std::byte> ImageBytes(const gltf::Document& document, const gltf::Json& image);
+
+// |a - b|, relative to the greater one where that is beyond 1.
+double ValueDifference(double a, double b);
+
+}  // namespace zr::compare

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "app/operations/compare/evaluator.h"
+
+namespace zr::compare {
+
+// What an attribute's numbers are, which decides how they move and are compared.
+enum class Role { kPosition, kNormal, kTangent, kValue };
+
+struct Attribute {
+    std::string name;
+    Role role = Role::kValue;
+    std::size_t width = 0;                    // numbers of a vertex
+    std::vector<float> values;                // vertex after vertex
+    std::vector<std::vector<float>> targets;  // what a morph target adds; empty: nothing
+};
+
+// A primitive as faces of 1 (points), 2 (lines) or 3 (triangles) corners.
+struct Primitive {
+    std::size_t corners = 3;
+    std::size_t vertices = 0;
+    std::vector<std::uint32_t> faces;   // corners, face after face
+    std::vector<Attribute> attributes;  // by name, the position first
+    std::vector<std::uint32_t> joints;  // of influences: `influences` a vertex
+    std::vector<float> weights;         // the same
+    std::size_t influences = 0;
+    bool isRead = true;  // its data is stored so that it can be read
+
+    std::string Layout() const;  // "triangles POSITION:3 NORMAL:3"; equal for comparable vertices
+    std::size_t Stride() const;  // numbers of a vertex
+};
+
+// One primitive as a node draws it, or one instance of it.
+struct Part {
+    std::size_t node = kNone;
+    std::size_t mesh = 0, primitive = 0;  // of the document
+    std::size_t material = kNone;
+    std::size_t skin = kNone;
+    Affine instance;  // before the node's own transform
+    std::shared_ptr<const Primitive> shape;
+};
+
+// What a document draws. Reads each primitive once, whoever shares it.
+class Drawn {
+public:
+    // Lists the parts of all shown nodes, in the order of `nodes`. The evaluator outlives it. Throws
+    // gltf::Error.
+    Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes);
+
+    const std::vector<Part>& Parts() const { return m_parts; }
+    // Primitives whose data cannot be read.
+    const std::vector<std::string>& Unread() const { return m_unread; }
+    // Faces of all parts.
+    std::size_t Faces() const;
+
+    // The vertices of a part in world space as the evaluator stands now, Stride() numbers each, in the order
+    // of the attributes. Normals and tangents have unit length.
+    std::vector<double> Vertices(const Part& part) const;
+
+private:
+    std::shared_ptr<const Primitive> ReadPrimitive(std::size_t mesh, std::size_t primitive);
+    void AddInstances(const gltf::Json& node, Part part);
+    void ReadSkin(std::size_t skin);
+    std::vector<Affine> JointWorlds(const Part& part) const;
+
+    struct Skin {
+        std::vector<std::size_t> joints;
+        std::vector<Affine> binds;
+    };
+
+    const Evaluator& m_evaluator;
+    std::vector<Part> m_parts;
+    // Primitives of equal accessors, indices and mode are one.
+    std::map<std::string, std::shared_ptr<const Primitive>> m_shapes;
+    std::map<std::size_t, Skin> m_skins;
+    std::vector<std::string> m_unread;
+};
+
+}  // namespace zr::compare

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/operations/compare/affine.h"
+#include "app/operations/compare/key_curve.h"
+#include "gltf/document.h"
+
+namespace zr::compare {
+
+inline constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+enum class Path { kTranslation, kRotation, kScale, kWeights, kPointer };
+
+// One channel of an animation. Pointers to a node's own transform or weights count as the channel of that
+// node.
+struct Channel {
+    Path path;
+    std::size_t node = kNone;  // of all but kPointer
+    std::string pointer;       // of kPointer
+    KeyCurve curve;
+};
+
+struct Animation {
+    std::string name;
+    double start = 0, end = 0;  // of the keys, seconds
+    std::vector<Channel> channels;
+    std::vector<std::string> unread;  // places of channels whose keys cannot be read
+};
+
+// Plays a document: where its nodes stand, how its meshes are morphed and what its pointers hold, at rest and
+// at any time of any animation. Works on the document's accessors alone and in doubles; nothing here is
+// shared with what the host evaluates or an export writes. The document outlives it.
+class Evaluator {
+public:
+    // Throws gltf::Error.
+    explicit Evaluator(const gltf::Document& document);
+
+    const gltf::Document& Document() const { return m_document; }
+    const std::vector<Animation>& Animations() const { return m_animations; }
+    std::size_t Nodes() const { return m_rest.size(); }
+    // kNone for a root.
+    std::size_t Parent(std::size_t node) const { return m_parents[node]; }
+    // Every node, parents before their children.
+    const std::vector<std::size_t>& ParentsFirst() const { return m_order; }
+    // The nodes of any scene, or all where the document has no scene.
+    const std::vector<bool>& Shown() const { return m_shown; }
+
+    void SetRest();
+    void SetTime(std::size_t animation, double seconds);
+    // Follows SetRest or SetTime: each node's transform relative to its parent through change.
+    void ChangeLocals(const std::function<Affine(std::size_t node, const Affine& local)>& change);
+    // Until the next SetRest or SetTime.
+    void SetWeights(std::size_t node, std::vector<double> weights) { m_weights[node] = std::move(weights); }
+
+    const Affine& World(std::size_t node) const { return m_worlds[node]; }
+    // Transform relative to the parent at rest.
+    const Trs& RestParts(std::size_t node) const { return m_rest[node].parts; }
+    // One for each morph target of the node's mesh.
+    std::vector<double> Weights(std::size_t node) const;
+    // What stands at a pointer now: the animated value, else that of the document; nothing where it has none.
+    std::optional<std::vector<double>> Value(std::string_view pointer) const;
+
+private:
+    struct Rest {
+        bool isMatrix = false;
+        Affine matrix;
+        Trs parts;
+    };
+
+    void ReadNodes();
+    void ReadOrder();
+    void ReadAnimation(const gltf::Json& animation, std::size_t index);
+    Affine RestLocal(std::size_t node) const;
+    void PlaceNodes();
+
+    const gltf::Document& m_document;
+    std::vector<Rest> m_rest;
+    std::vector<std::size_t> m_parents;
+    std::vector<std::size_t> m_order;
+    std::vector<bool> m_shown;
+    std::vector<Animation> m_animations;
+
+    std::vector<Affine> m_locals;
+    std::vector<Affine> m_worlds;
+    std::map<std::size_t, std::vector<double>> m_weights;
+    std::map<std::string, std::vector<double>, std::less<>> m_pointers;
+};
+
+// Morph targets of a mesh.
+std::size_t TargetCount(const gltf::Json& mesh);
+
+}  // namespace zr::compare
