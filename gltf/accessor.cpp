@@ -87,12 +87,15 @@ std::vector<Out> Read(const Document& document, std::size_t accessor) {
     const AccessorInfo info = Describe(document, accessor);
     const std::size_t components = info.shape.Components();
     std::optional<Source> base;
-    if (json.Find("bufferView") != nullptr) base = Locate(document, accessor, json, info.ElementSize());
+    if (const auto supplied = document.SuppliedBytes(accessor))
+        base = Source{*supplied, 0, info.ElementSize()};
+    else if (json.Find("bufferView") != nullptr)
+        base = Locate(document, accessor, json, info.ElementSize());
     std::vector<Out> values(info.count * components);
     if (base) Copy(info, *base, 0, info.count, values.data());
 
     const Json* sparse = json.Find("sparse");
-    if (sparse == nullptr) return values;
+    if (sparse == nullptr || document.SuppliedBytes(accessor)) return values;
     AccessorInfo places;
     places.component = static_cast<Component>(IndexMember(*sparse->Find("indices"), "componentType"));
     places.count = IndexMember(*sparse, "count");
@@ -167,6 +170,8 @@ AccessorInfo Describe(const Document& document, std::size_t accessor) {
 }
 
 bool HasData(const Document& document, std::size_t accessor) {
+    if (document.IsWithheld(accessor)) return false;
+    if (document.SuppliedBytes(accessor)) return true;
     const Json& json = document.Elements(Kind::kAccessor)[accessor];
     const auto stored = [&](const Json* part) {
         return part == nullptr || part->Find("bufferView") == nullptr ||

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gltf/accessor.h"
 #include "gltf/check.h"
 #include "gltf/glb.h"
 #include "gltf/uri.h"
@@ -17,6 +18,18 @@ bool IsIndented(std::string_view text) {
     constexpr std::size_t kLooked = 4096;
     const std::size_t last = text.find_last_not_of(" \r\n");
     return text.substr(0, std::min(kLooked, last)).find('\n') != std::string_view::npos;
+}
+
+template <typename Content>
+void Renumber(std::map<std::size_t, Content>& supplied, const std::vector<bool>& keep) {
+    std::map<std::size_t, Content> renumbered;
+    std::size_t index = 0, kept = 0;
+    for (auto& [element, content] : supplied) {
+        for (; index < element; ++index) kept += index >= keep.size() || keep[index];
+        if (element >= keep.size() || keep[element])
+            renumbered.emplace_hint(renumbered.end(), kept, std::move(content));
+    }
+    supplied = std::move(renumbered);
 }
 
 }  // namespace
@@ -102,6 +115,10 @@ void Document::Read(FileContent content) {
     CheckResources(*this);
     LoadBuffers(bin, hasBin);
     CheckAccessors(*this);
+    if (m_options.decoder != nullptr) {
+        m_options.decoder->Decode(*this);
+        CheckAccessors(*this);
+    }
     CheckHierarchy(*this);
     CheckMeshes(*this);
     CheckAnimations(*this);
@@ -206,9 +223,45 @@ std::optional<Bytes> Document::BufferBytes(std::size_t buffer) const {
 std::optional<Bytes> Document::ViewBytes(std::size_t view) const {
     const auto views = Elements(Kind::kBufferView);
     if (view >= views.size()) return std::nullopt;
+    if (const auto supplied = m_suppliedViews.find(view); supplied != m_suppliedViews.end())
+        return Bytes(supplied->second);
     const auto bytes = BufferBytes(IndexMember(views[view], "buffer"));
     if (!bytes) return std::nullopt;
     return bytes->subspan(IndexMember(views[view], "byteOffset"), IndexMember(views[view], "byteLength"));
+}
+
+bool Document::SupplyView(std::size_t view, std::vector<std::byte> bytes) {
+    if (bytes.size() != IndexMember(Elements(Kind::kBufferView)[view], "byteLength")) return false;
+    m_suppliedViews[view] = std::move(bytes);
+    return true;
+}
+
+bool Document::SupplyAccessor(std::size_t accessor, std::vector<std::byte> bytes) {
+    const AccessorInfo info = Describe(*this, accessor);
+    if (bytes.size() != info.count * info.ElementSize()) return false;
+    m_suppliedAccessors[accessor] = std::move(bytes);
+    return true;
+}
+
+std::optional<Bytes> Document::SuppliedBytes(std::size_t accessor) const {
+    const auto supplied = m_suppliedAccessors.find(accessor);
+    if (supplied == m_suppliedAccessors.end() || !supplied->second) return std::nullopt;
+    return Bytes(*supplied->second);
+}
+
+bool Document::IsWithheld(std::size_t accessor) const {
+    const auto supplied = m_suppliedAccessors.find(accessor);
+    return supplied != m_suppliedAccessors.end() && !supplied->second;
+}
+
+void Document::RenumberSupplied(Kind kind, const std::vector<bool>& keep) {
+    if (kind == Kind::kBufferView) Renumber(m_suppliedViews, keep);
+    if (kind == Kind::kAccessor) Renumber(m_suppliedAccessors, keep);
+}
+
+void Document::ForgetSupplied() {
+    m_suppliedViews.clear();
+    m_suppliedAccessors.clear();
 }
 
 std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) {

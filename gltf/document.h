@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,6 +15,7 @@
 
 #include "base/budget.h"
 #include "base/file_transaction.h"
+#include "gltf/decoder.h"
 #include "gltf/error.h"
 #include "gltf/json.h"
 #include "gltf/kinds.h"
@@ -21,8 +23,9 @@
 namespace zr::gltf {
 
 struct LoadOptions {
-    bool allowOutside = false;    // files that URIs name may stand outside the document's folder
-    std::uint64_t maxMemory = 0;  // bytes, a stated Budget; 0: the default one
+    bool allowOutside = false;         // files that URIs name may stand outside the document's folder
+    std::uint64_t maxMemory = 0;       // bytes, a stated Budget; 0: the default one
+    const Decoder* decoder = nullptr;  // used while loading; null: compressed content stays unread
 };
 
 // A glTF 2.0 document: its JSON tree, edited in place, and its buffers. What the program does not know goes
@@ -73,6 +76,22 @@ public:
     // appended to.
     std::optional<Bytes> BufferBytes(std::size_t buffer) const;
     std::optional<Bytes> ViewBytes(std::size_t view) const;
+
+    // Content that the document holds in compressed form, as the decoder found it. It can be read like any
+    // other and is never written. A view's bytes are as many as its byteLength, an accessor's elements stand
+    // one after the other without gaps; of another size, they are not taken and the result is false.
+    bool SupplyView(std::size_t view, std::vector<std::byte> bytes);
+    bool SupplyAccessor(std::size_t accessor, std::vector<std::byte> bytes);
+    // The accessor's content could not be made known, though no view says so.
+    void WithholdAccessor(std::size_t accessor) { m_suppliedAccessors[accessor].reset(); }
+    // Of an accessor that was supplied: its content. Nothing for others.
+    std::optional<Bytes> SuppliedBytes(std::size_t accessor) const;
+    bool IsSuppliedView(std::size_t view) const { return m_suppliedViews.contains(view); }
+    bool IsWithheld(std::size_t accessor) const;
+    // Elements of a kind went: those for which keep is false. Called by who removes them.
+    void RenumberSupplied(Kind kind, const std::vector<bool>& keep);
+    // Supplied content is not known any more, since the document itself has it now.
+    void ForgetSupplied();
 
     // Stores bytes that the document did not have, 4-byte aligned, in a buffer that Save places: the view's
     // index. `target` 0: none stated. `stride` 0: none stated.
@@ -138,6 +157,8 @@ private:
     std::array<std::array<JsonFind, KindInfo::kMaxDepth>, kKinds> m_finds;  // of the collections
     std::vector<Buffer> m_buffers;
     std::optional<std::size_t> m_newBuffer;
+    std::map<std::size_t, std::vector<std::byte>> m_suppliedViews;
+    std::map<std::size_t, std::optional<std::vector<std::byte>>> m_suppliedAccessors;
     Bytes m_rest;  // chunks of a container that are not known
     bool m_isGlb = false;
     bool m_isIndented = true;  // the text

@@ -123,16 +123,15 @@ private:
     void Erase(Kind kind) {
         const std::vector<bool>& gone = m_removal[Ordinal(kind)];
         if (std::none_of(gone.begin(), gone.end(), [](bool g) { return g; })) return;
-        if (kind == Kind::kBuffer) {
-            std::vector<bool> keep(m_document.Elements(kind).size());
-            for (std::size_t i = 0; i < keep.size(); ++i) keep[i] = !Goes(m_removal, kind, i);
-            return m_document.EraseBuffers(keep);
-        }
+        std::vector<bool> keep(m_document.Elements(kind).size());
+        for (std::size_t i = 0; i < keep.size(); ++i) keep[i] = !Goes(m_removal, kind, i);
+        if (kind == Kind::kBuffer) return m_document.EraseBuffers(keep);
+        m_document.RenumberSupplied(kind, keep);
         const auto path = Info(kind).Path();
         std::vector<Json*> way{&m_document.Root()};
         for (std::string_view name : path) way.push_back(way.back()->Find(name));
         std::size_t i = 0;
-        way.back()->FilterItems([&](const Json&) { return !Goes(m_removal, kind, i++); });
+        way.back()->FilterItems([&](const Json&) { return keep[i++]; });
         for (std::size_t k = path.size(); k-- > 0;) {
             if (!way[k + 1]->Items().empty() || !way[k + 1]->Members().empty()) break;
             way[k]->EraseMember(path[k]);

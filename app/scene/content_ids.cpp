@@ -62,18 +62,22 @@ struct Blocks {
 // Nothing for what equals only itself.
 std::optional<Blocks> AccessorBlocks(const gltf::Document& document, std::size_t index) {
     const Json& accessor = document.Elements(Kind::kAccessor)[index];
-    if (accessor.Find("sparse") != nullptr || accessor.Find("bufferView") == nullptr) return std::nullopt;
-    const std::size_t view = IndexMember(accessor, "bufferView");
-    const auto bytes = document.ViewBytes(view);
-    if (!bytes) return std::nullopt;
+    const auto supplied = document.SuppliedBytes(index);
+    const bool isStored = accessor.Find("sparse") == nullptr && accessor.Find("bufferView") != nullptr;
+    if (!supplied && !isStored) return std::nullopt;
     const gltf::AccessorInfo info = gltf::Describe(document, index);
     // What lies between the columns of a matrix of small components says nothing.
     const bool hasGaps = info.ElementSize() != info.ComponentSize() * info.shape.Components();
     if (hasGaps) return std::nullopt;
-    const std::size_t stride =
-        IndexMember(document.Elements(Kind::kBufferView)[view], "byteStride", info.ElementSize());
     const auto form = static_cast<std::uint32_t>(info.component) << 8 | info.shape.rows << 4 |
                       info.shape.columns << 1 | static_cast<std::uint32_t>(info.normalized);
+    if (supplied)
+        return Blocks::Of(supplied->data(), info.ElementSize(), info.ElementSize(), info.count, form);
+    const std::size_t view = IndexMember(accessor, "bufferView");
+    const auto bytes = document.ViewBytes(view);
+    if (!bytes) return std::nullopt;
+    const std::size_t stride =
+        IndexMember(document.Elements(Kind::kBufferView)[view], "byteStride", info.ElementSize());
     return Blocks::Of(bytes->data() + IndexMember(accessor, "byteOffset"), info.ElementSize(), stride,
                       info.count, form);
 }

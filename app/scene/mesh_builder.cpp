@@ -25,6 +25,8 @@ enum Mode : std::uint32_t {
     kTriangleFan
 };
 
+constexpr std::string_view kCompression = "KHR_draco_mesh_compression";
+
 // Turns the vertex order of a primitive into triangles or pairs.
 void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,
                 kernix::MeshGeometry& geometry) {
@@ -115,8 +117,13 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     format.push_back(static_cast<std::uint32_t>(targets.size()));
     for (const Json& target : targets) addVertexData(target, {});
     if (part.extensions == nullptr) return format.push_back(kNone);
-    // Compressed data differs by its view, materials of variants by what they are.
-    format.push_back(m_ids.Text(m_ids.Canonical(*part.extensions)));
+    // Compressed data differs by its view unless it is known, materials of variants by what they are.
+    for (const gltf::JsonMember& extension : part.extensions->Members()) {
+        if (extension.Name() == kCompression && !part.isCompressed) continue;
+        format.push_back(m_ids.Text(extension.Name()));
+        format.push_back(m_ids.Text(m_ids.Canonical(extension.value)));
+    }
+    format.push_back(kNone);
     for (const Json& mapping : Mappings(part.extensions)) {
         const std::size_t material = IndexMember(mapping, "material");
         format.push_back(m_ids.Text(m_ids.Canonical(m_document.Elements(Kind::kMaterial)[material])));
@@ -168,8 +175,10 @@ MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
         const kernix::MaterialModel* material = m_materials[*part.material->Index()];
         if (material != nullptr) part.attribute = material->GetId();
     }
+    const bool isDecoded =
+        part.positions != kNone && m_loaded.m_document.SuppliedBytes(part.positions).has_value();
     part.isCompressed =
-        part.extensions != nullptr && part.extensions->Find("KHR_draco_mesh_compression") != nullptr;
+        !isDecoded && part.extensions != nullptr && part.extensions->Find(kCompression) != nullptr;
     return part;
 }
 
