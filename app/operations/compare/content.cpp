@@ -171,10 +171,9 @@ std::vector<std::byte> ImageBytes(const gltf::Document& document, const Json& im
     }
     const std::string_view uri = image.Find("uri") != nullptr ? image.Find("uri")->String() : "";
     if (gltf::IsDataUri(uri)) return gltf::DecodeDataUri(uri).value_or(std::vector<std::byte>());
-    const auto path = gltf::PathInFolder(uri);
-    if (!path) return {};
     try {
-        return copy(ReadFile(document.File().parent_path() / *path).View());
+        const auto path = document.FileOf(uri, "");
+        return path ? copy(ReadFile(document.Folder() / *path).View()) : std::vector<std::byte>();
     } catch (const zr::Error&) {
         return {};
     }

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/inspect/table.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "base/text.h"
+#include "gltf/json.h"
+
+namespace zr::inspect {
+
+using gltf::Json;
+using gltf::JsonTree;
+
+namespace {
+
+std::string TextOf(const Cell& cell) {
+    if (const auto* text = std::get_if<std::string>(&cell)) return *text;
+    if (const auto* whole = std::get_if<std::uint64_t>(&cell)) return std::to_string(*whole);
+    if (const auto* number = std::get_if<double>(&cell)) {
+        char digits[32];
+        std::snprintf(digits, sizeof digits, "%.6g", *number);
+        return digits;
+    }
+    return {};
+}
+
+bool IsNumber(const Cell& cell) {
+    return std::holds_alternative<std::uint64_t>(cell) || std::holds_alternative<double>(cell);
+}
+
+// Characters, as far as every one is as wide as the next.
+std::size_t Width(std::string_view utf8) {
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+// A cell stays on its line and is not taken for a border.
+std::string Escaped(const std::string& text, std::string_view special) {
+    std::string escaped;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned char>(c));
+            escaped += code;
+            continue;
+        }
+        if (special.find(c) != std::string_view::npos) escaped += '\\';
+        escaped += c;
+    }
+    return escaped;
+}
+
+std::string CsvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + '"';
+}
+
+void AddTextTable(const Table& table, std::size_t most, std::string& text) {
+    const std::size_t shown = std::min(most, table.rows.size());
+    std::vector<std::size_t> widths;
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        widths.push_back(Width(table.columns[column]));
+        for (std::size_t row = 0; row < shown; ++row)
+            widths.back() = std::max(widths.back(), Width(Escaped(TextOf(table.rows[row][column]), "")));
+    }
+    const auto add = [&](const std::string& field, std::size_t column, bool toTheRight) {
+        const std::string gap(widths[column] - Width(field), ' ');
+        text += Join("  ", toTheRight ? gap : "", field, toTheRight ? "" : gap);
+    };
+    const auto end = [&] {
+        text.erase(text.find_last_not_of(' ') + 1);
+        text += '\n';
+    };
+    text += Join(table.name, "\n");
+    for (std::size_t column = 0; column < table.columns.size(); ++column)
+        add(table.columns[column], column, shown > 0 && IsNumber(table.rows[0][column]));
+    end();
+    for (std::size_t row = 0; row < shown; ++row) {
+        for (std::size_t column = 0; column < table.columns.size(); ++column) {
+            const Cell& cell = table.rows[row][column];
+            add(Escaped(TextOf(cell), ""), column, IsNumber(cell));
+        }
+        end();
+    }
+    if (shown < table.rows.size()) text += Join("  and ", table.rows.size() - shown, " more\n");
+}
+
+Json JsonOf(JsonTree& tree, const Cell& cell) {
+    if (const auto* text = std::get_if<std::string>(&cell)) return tree.MakeString(*text);
+    if (const auto* whole = std::get_if<std::uint64_t>(&cell)) return tree.MakeIndex(*whole);
+    if (const auto* number = std::get_if<double>(&cell); number != nullptr && std::isfinite(*number))
+        return tree.MakeNumber(*number);
+    return {};
+}
+
+}  // namespace
+
+std::string AsText(std::span<const Table> tables, std::size_t most) {
+    std::string text;
+    for (const Table& table : tables) {
+        if (!text.empty()) text += '\n';
+        AddTextTable(table, most, text);
+    }
+    return text;
+}
+
+std::string AsMarkdown(std::span<const Table> tables) {
+    std::string text;
+    for (const Table& table : tables) {
+        text += Join(text.empty() ? "" : "\n", "## ", table.name, "\n\n|");
+        for (const std::string& column : table.columns) text += Join(" ", column, " |");
+        text += "\n|";
+        for (std::size_t column = 0; column < table.columns.size(); ++column)
+            text += !table.rows.empty() && IsNumber(table.rows[0][column]) ? "---:|" : "---|";
+        for (const auto& row : table.rows) {
+            text += "\n|";
+            for (const Cell& cell : row) text += Join(" ", Escaped(TextOf(cell), "|\\`*_<"), " |");
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+std::string AsCsv(std::span<const Table> tables) {
+    std::string text;
+    for (const Table& table : tables) {
+        text += table.name;
+        for (const std::string& column : table.columns) text += Join(",", column);
+        text += '\n';
+        for (const auto& row : table.rows) {
+            text += table.name;
+            for (const Cell& cell : row) text += Join(",", CsvField(TextOf(cell)));
+            text += '\n';
+        }
+    }
+    return text;
+}
+
+std::string AsJson(std::span<const Table> tables) {
+    JsonTree tree;
+    Json root = JsonTree::MakeObject();
+    tree.Member(root, "schema") = tree.MakeIndex(1);
+    for (const Table& table : tables) {
+        Json rows = JsonTree::MakeArray();
+        for (const auto& row : table.rows) {
+            Json object = JsonTree::MakeObject();
+            for (std::size_t column = 0; column < table.columns.size(); ++column)
+                if (!std::holds_alternative<std::monostate>(row[column]))
+                    tree.Member(object, table.columns[column]) = JsonOf(tree, row[column]);
+            tree.Append(rows, object);
+        }
+        tree.Member(root, table.name) = rows;
+    }
+    return gltf::WriteJson(root, true) + "\n";
+}
+
+}  // namespace zr::inspect

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace zr::inspect {
+
+// Nothing, a whole number, a number or a text.
+using Cell = std::variant<std::monostate, std::uint64_t, double, std::string>;
+
+struct Table {
+    std::string name;                  // "meshes"
+    std::vector<std::string> columns;  // in camelCase, as members of JSON objects
+    std::vector<std::vector<Cell>> rows;
+};
+
+// For people: columns in line. At most `most` rows of a table; how many more there are is told.
+std::string AsText(std::span<const Table> tables, std::size_t most);
+std::string AsMarkdown(std::span<const Table> tables);
+// Lines of comma-separated values; each begins with the name of its table, as does the line of its columns'
+// names.
+std::string AsCsv(std::span<const Table> tables);
+// An object with a member "schema" (1) and for each table an array of objects.
+std::string AsJson(std::span<const Table> tables);
+
+}  // namespace zr::inspect

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "gltf/document.h"
+
+namespace zr::test {
+
+// A scene before it is a document: the same plan can be written in many orders and layouts.
+struct ScenePlan {
+    struct Material {
+        std::string name;
+        std::array<float, 4> color;
+        float roughness;
+    };
+    struct Vertex {
+        std::array<float, 3> position, normal;
+        std::array<float, 2> texture;
+        std::array<float, 3> target;  // what the morph target adds
+        std::array<unsigned, 4> joints;
+        std::array<float, 4> weights;
+    };
+    struct Mesh {
+        std::string name;
+        std::vector<Vertex> vertices;
+        std::vector<unsigned> indices;
+        std::size_t material;
+    };
+    struct Node {
+        std::string name;
+        int parent = -1;
+        std::array<float, 3> translation{0, 0, 0};
+        std::array<float, 4> rotation{0, 0, 0, 1};
+        std::array<float, 3> scale{1, 1, 1};
+        int mesh = -1, camera = -1, light = -1;
+        bool isSkinned = false;
+        float weight = 0;
+        unsigned scene = 0;  // of a root
+        int extra = 0;
+    };
+    struct Track {
+        std::size_t node;
+        std::string path, interpolation;
+        std::vector<float> times, values;
+    };
+    struct Animation {
+        std::string name;
+        std::vector<Track> tracks;
+    };
+
+    std::vector<Material> materials;
+    std::vector<Mesh> meshes;
+    std::vector<Node> nodes;
+    std::vector<std::size_t> joints;  // of the one skin
+    std::vector<float> cameras;       // fields of view
+    std::vector<float> lights;        // intensities
+    std::vector<Animation> animations;
+    unsigned shownScene = 0;
+};
+
+using Random = std::mt19937;
+
+// Forty nodes with all of it.
+ScenePlan MakePlan(Random& random);
+
+// The plan as a document: elements, children, vertices and faces in an order of its own, buffers named at
+// random, transforms of nodes that nothing moves as matrices or in parts.
+gltf::Document Write(const ScenePlan& plan, Random& random);
+
+}  // namespace zr::test
