@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// One or two scenes side by side under one camera.
+import * as THREE from "three";
+import { OrbitControls } from "three/addons/controls/OrbitControls.js";
+import { GLTFLoader } from "three/addons/loaders/GLTFLoader.js";
+
+const cssColour = (name) => new THREE.Color(getComputedStyle(document.documentElement).getPropertyValue(name).trim());
+
+class Shown {
+  constructor(gltf) {
+    this.root = gltf.scene;
+    this.clips = gltf.animations;
+    this.objects = [];  // by node of the document
+    for (const [object, { nodes }] of gltf.parser.associations)
+      if (nodes !== undefined && object.isObject3D && !this.objects[nodes]) this.objects[nodes] = object;
+    this.scene = new THREE.Scene();
+    this.scene.add(this.root, new THREE.HemisphereLight(0xffffff, 0x667788, 2.2));
+    const sun = new THREE.DirectionalLight(0xffffff, 1.6);
+    sun.position.set(1, 2, 3);
+    this.scene.add(sun);
+    this.mixer = new THREE.AnimationMixer(this.root);
+    this.lit = new Map();
+  }
+
+  setClip(index) {
+    this.mixer.stopAllAction();
+    const clip = this.clips[index];
+    this.duration = clip?.duration ?? 0;
+    this.action = clip ? this.mixer.clipAction(clip) : null;
+    if (this.action) {
+      this.action.setLoop(THREE.LoopOnce);
+      this.action.clampWhenFinished = true;
+      this.action.play();
+    }
+  }
+
+  setTime(seconds) {
+    if (!this.action) return;
+    this.action.paused = false;
+    this.action.enabled = true;
+    this.action.time = 0;
+    this.mixer.setTime(Math.min(Math.max(seconds, 0), this.duration));
+  }
+
+  // Nodes that are lit stand out, all others step back.
+  light(nodes, colour) {
+    for (const [mesh, material] of this.lit) mesh.material = material;
+    this.lit.clear();
+    if (!nodes?.length) return;
+    const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.7, side: THREE.DoubleSide });
+    const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, transparent: true, opacity: 0.28, depthWrite: false });
+    const gone = new Set();
+    for (const node of nodes) this.objects[node]?.traverse((object) => gone.add(object));
+    this.root.traverse((object) => {
+      if (!object.material) return;
+      this.lit.set(object, object.material);
+      object.material = gone.has(object) ? bright : dim;
+    });
+  }
+}
+
+export class View {
+  constructor(canvas) {
+    this.canvas = canvas;
+    this.scenes = [];
+    this.camera = new THREE.PerspectiveCamera(40, 1, 0.01, 1000);
+    this.renderer = new THREE.WebGLRenderer({ canvas, antialias: true });
+    this.renderer.setScissorTest(true);
+    this.controls = new OrbitControls(this.camera, canvas);
+    this.controls.listenToKeyEvents(canvas);
+    this.controls.addEventListener("change", () => this.draw());
+    new ResizeObserver(() => this.draw()).observe(canvas);
+  }
+
+  async add(bytes, matrix) {
+    const shown = new Shown(await new GLTFLoader().parseAsync(bytes.buffer, ""));
+    if (matrix) {
+      shown.root.matrixAutoUpdate = false;
+      shown.root.matrix.fromArray(matrix);
+    }
+    this.scenes.push(shown);
+    return shown;
+  }
+
+  fit() {
+    const box = new THREE.Box3();
+    for (const shown of this.scenes) {
+      shown.scene.updateMatrixWorld(true);
+      box.union(new THREE.Box3().setFromObject(shown.root));
+    }
+    if (box.isEmpty()) box.set(new THREE.Vector3(-1, -1, -1), new THREE.Vector3(1, 1, 1));
+    const ball = box.getBoundingSphere(new THREE.Sphere());
+    const radius = ball.radius || 1;
+    const distance = radius / Math.sin((this.camera.fov / 2) * (Math.PI / 180));
+    this.camera.position.copy(ball.center).add(new THREE.Vector3(0.45, 0.4, 1).normalize().multiplyScalar(distance * 1.15));
+    this.camera.near = distance / 200;
+    this.camera.far = distance * 20;
+    this.controls.target.copy(ball.center);
+    this.controls.update();
+    this.draw();
+  }
+
+  // At the next frame, once for all who ask.
+  draw() {
+    this.pending ??= requestAnimationFrame(() => {
+      this.pending = null;
+      const { clientWidth: width, clientHeight: height } = this.canvas;
+      if (!width || !height) return;
+      const ratio = Math.min(devicePixelRatio, 2);
+      if (this.renderer.getPixelRatio() !== ratio) this.renderer.setPixelRatio(ratio);
+      const size = this.renderer.getSize(new THREE.Vector2());
+      if (size.x !== width || size.y !== height) this.renderer.setSize(width, height, false);
+      const each = width / Math.max(this.scenes.length, 1);
+      this.camera.aspect = each / height;
+      this.camera.updateProjectionMatrix();
+      const back = cssColour("--view");
+      this.scenes.forEach((shown, i) => {
+        this.renderer.setViewport(i * each, 0, each, height);
+        this.renderer.setScissor(i * each, 0, each, height);
+        this.renderer.setClearColor(back);
+        this.renderer.render(shown.scene, this.camera);
+      });
+      this.frames = (this.frames ?? 0) + 1;
+    });
+  }
+}
+
+// How far apart each pair of nodes is, at evenly spread parts of two clips: points of the origin and one unit along
+// each axis, in the second scene's space.
+export function deviations(before, after, pairs, timeOfAfter, samples) {
+  const matrixA = new THREE.Matrix4(), points = [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]];
+  const worst = pairs.map(() => ({ amount: 0, part: 0 }));
+  const curve = [];
+  const a = new THREE.Vector3(), b = new THREE.Vector3();
+  for (let i = 0; i < samples; ++i) {
+    const part = i / (samples - 1);
+    before.setTime(part * before.duration);
+    after.setTime(timeOfAfter(part) * after.duration);
+    before.scene.updateMatrixWorld(true);
+    after.scene.updateMatrixWorld(true);
+    let most = 0;
+    pairs.forEach(([x, y], k) => {
+      const from = before.objects[x], to = after.objects[y];
+      if (!from || !to) return;
+      matrixA.copy(from.matrixWorld);
+      for (const point of points) {
+        const amount = a.fromArray(point).applyMatrix4(matrixA).distanceTo(b.fromArray(point).applyMatrix4(to.matrixWorld));
+        most = Math.max(most, amount);
+        if (amount > worst[k].amount) worst[k] = { amount, part };
+      }
+    });
+    curve.push(most);
+  }
+  return { curve, worst };
+}

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/report/report_page.h"
+
+#include <stdexcept>
+
+#include "app/operations/compare/node_matching.h"
+#include "app/operations/report/page_source.h"
+#include "gltf/uri.h"
+
+namespace zr::report {
+
+using gltf::Json;
+using gltf::JsonTree;
+
+namespace {
+
+class Writer {
+public:
+    explicit Writer(Report& report) : m_report(report) {}
+
+    std::string Run() {
+        Json root = JsonTree::MakeObject();
+        Set(root, "kind", Text(m_report.kind));
+        Set(root, "title", Text(m_report.title));
+        Set(root, "subtitle", Text(m_report.subtitle));
+        Set(root, "summary", Pairs(m_report.summary));
+        Set(root, "isReversed", JsonTree::MakeBool(m_report.isReversed));
+        Matching(root);
+        Json scenes = JsonTree::MakeArray();
+        for (Scene& scene : m_report.scenes) m_tree.Append(scenes, SceneJson(scene));
+        Set(root, "scenes", scenes);
+        if (!m_report.result.empty()) Set(root, "result", m_tree.Build(m_report.result));
+        if (!m_report.drawing.empty()) Set(root, "drawing", Text(m_report.drawing));
+        Set(root, "measures", Pairs(m_report.measures));
+        return gltf::WriteJson(root, false);
+    }
+
+private:
+    Json Text(std::string_view text) { return m_tree.MakeString(text); }
+    void Set(Json& object, std::string_view name, Json value) { m_tree.Member(object, name) = value; }
+
+    Json Pairs(const std::vector<std::pair<std::string, std::string>>& pairs) {
+        Json list = JsonTree::MakeArray();
+        for (const auto& [label, value] : pairs) {
+            Json pair = JsonTree::MakeArray();
+            m_tree.Append(pair, Text(label));
+            m_tree.Append(pair, Text(value));
+            m_tree.Append(list, pair);
+        }
+        return list;
+    }
+
+    Json Indices(const std::vector<std::size_t>& indices) {
+        Json list = JsonTree::MakeArray();
+        for (const std::size_t index : indices) m_tree.Append(list, m_tree.MakeIndex(index));
+        return list;
+    }
+
+    // Which nodes of both scenes are the same.
+    void Matching(Json& root) {
+        if (m_report.scenes.size() != 2) return;
+        const compare::Evaluator before(m_report.scenes[0].document), after(m_report.scenes[1].document);
+        const compare::NodeMatching matching = compare::MatchNodes(before, after);
+        Json pairs = JsonTree::MakeArray();
+        for (const auto& [a, b] : matching.pairs) m_tree.Append(pairs, Indices({a, b}));
+        Set(root, "pairs", pairs);
+        Set(root, "onlyBefore", Indices(matching.onlyA));
+        Set(root, "onlyAfter", Indices(matching.onlyB));
+    }
+
+    Json SceneJson(Scene& scene) {
+        Json object = JsonTree::MakeObject();
+        Set(object, "label", Text(scene.label));
+        const std::vector<std::byte> container = PackContainer(scene.document);
+        const std::string_view bytes(reinterpret_cast<const char*>(container.data()), container.size());
+        const std::string uri = gltf::EncodeDataUri("model/gltf-binary", bytes);
+        Set(object, "glb", Text(std::string_view(uri).substr(uri.find(',') + 1)));
+        if (!scene.matrix) return object;
+        Json matrix = JsonTree::MakeArray();
+        for (const double number : *scene.matrix) m_tree.Append(matrix, m_tree.MakeNumber(number));
+        Set(object, "matrix", matrix);
+        return object;
+    }
+
+    Report& m_report;
+    JsonTree m_tree;
+};
+
+std::string Replaced(std::string_view text, std::string_view what, const std::string& with) {
+    const std::size_t at = text.find(what);
+    if (at == std::string_view::npos) return std::string(text);
+    std::string replaced(text.substr(0, at));
+    replaced += with;
+    return replaced.append(text.substr(at + what.size()));
+}
+
+std::string Escaped(std::string_view text, std::string_view special, const auto& escape) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        if (special.find(c) != std::string_view::npos)
+            escaped += escape(c);
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+}  // namespace
+
+std::string MakePage(Report report) {
+    if (PageSource().empty()) throw std::runtime_error("this program was built without the page of reports");
+    const std::string title = Escaped(report.title, "<>&", [](char c) {
+        return c == '<' ? "&lt;" : c == '>' ? "&gt;" : "&amp;";
+    });
+    // A script ends at the first "</script", whatever it is part of.
+    const std::string data = Escaped(Writer(report).Run(), "<", [](char) { return "\\u003c"; });
+    return Replaced(Replaced(PageSource(), "<!--TITLE-->", title), "<!--DATA-->", data);
+}
+
+}  // namespace zr::report

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "gltf/document.h"
+
+namespace zr::report {
+
+// A scene that the page shows. The document is spent.
+struct Scene {
+    std::string label;
+    gltf::Document document;
+    // Applied to the whole scene before it is shown, column by column.
+    std::optional<std::array<double, 16>> matrix;
+};
+
+struct Report {
+    std::string kind;  // the command: "clean", "export", "merge", "split", "compare", "text"
+    std::string title, subtitle;
+    std::vector<std::pair<std::string, std::string>> summary;
+    std::vector<Scene> scenes;  // at most two: before, then after
+    bool isReversed = false;    // animations of the second scene run the other way
+    std::string result;         // of the command, JSON; empty: none
+    std::string drawing;        // SVG; empty: none
+    std::vector<std::pair<std::string, std::string>> measures;  // of the drawing
+};
+
+// One page of everything, that loads nothing from elsewhere. Throws std::runtime_error in a program that was
+// built without the page, and gltf::Error.
+std::string MakePage(Report report);
+
+// The document as a container without anything beside it, all plain. The document is spent. Throws
+// gltf::Error.
+std::vector<std::byte> PackContainer(gltf::Document& document);
+
+}  // namespace zr::report
