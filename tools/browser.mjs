@@ -54,7 +54,7 @@ export class Browser {
 
   async open(file) {
     await this.send("Page.navigate", { url: pathToFileURL(file).href });
-    await this.until("document.documentElement.dataset.ready === 'yes'");
+    await this.until("document.documentElement?.dataset.ready === 'yes'");
   }
 
   async evaluate(expression) {

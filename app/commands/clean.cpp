@@ -11,6 +11,7 @@
 #include "app/commands/clean_report.h"
 #include "app/commands/commands.h"
 #include "app/commands/files.h"
+#include "app/commands/html_report.h"
 #include "app/commands/options.h"
 #include "app/commands/session.h"
 #include "base/file.h"
@@ -28,6 +29,7 @@ struct Arguments {
     bool explain = false;
     bool dialog = false;
     CleanOptions options;
+    std::string page;
 };
 
 std::size_t StepNamed(const std::string& name) {
@@ -64,7 +66,7 @@ public:
         : m_session(session), m_arguments(arguments), m_environment(session.GetHost()) {
         m_options = arguments.options;
         m_options.steps = ChosenSteps(arguments);
-        m_options.explain = arguments.explain;
+        m_options.explain = arguments.explain || !arguments.page.empty();
         if (scenes == 1) m_options.retire = LeaveToTheEnd;
     }
 
@@ -72,6 +74,7 @@ public:
         // The parts of the time, roughly: loading, cleaning, writing.
         constexpr double kLoaded = 0.25, kCleaned = 0.85;
         const auto onProgress = [&](double done) { advance(kLoaded + (kCleaned - kLoaded) * done); };
+        CheckPageFile(m_session, m_arguments.page, {task.input, task.output});
         std::optional<OutputTarget> out;
         if (!task.output.empty()) out.emplace(m_session, task.output, EndingOf(m_arguments.files.format));
         Report report;
@@ -92,6 +95,11 @@ public:
         report.text = CleanReportText(cleaned, m_arguments.dryRun, m_arguments.explain);
         report.json = CleanReportJson(cleaned, m_arguments.explain);
         report.isAnswer = m_arguments.dryRun;
+        if (!m_arguments.page.empty()) {
+            report::Page page = PageOf(m_session, "clean", task.input, task.output);
+            page.result = CleanReportJson(cleaned, true).Text();
+            WritePage(m_arguments.page, std::move(page));
+        }
         return report;
     }
 
@@ -103,6 +111,8 @@ private:
 };
 
 int RunClean(Session& session, const Arguments& arguments) {
+    if (!arguments.page.empty() && (!arguments.files.IsSingle() || arguments.dryRun))
+        throw UsageError("--report shows one scene and what it became: SCENE OUT");
     const std::vector<Task> tasks = PlanTasks(arguments.files, kSceneFiles, !arguments.dryRun);
     Cleaning cleaning(session, arguments, tasks.size());
     return RunBatch(session, "clean", arguments.files, tasks,
@@ -147,7 +157,9 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     command->add_flag("--force", arguments->options.force, kForceHelp);
     command->add_flag("--dry-run", arguments->dryRun, "Write nothing; list what would go");
     command->add_flag("--explain", arguments->explain, "List what stays only because something refers to it");
-    for (const char* other : {"--out-dir", "--all", "--only", "--skip", "--dry-run", "--explain", "--jobs"}) {
+    AddPageOption(*command, arguments->page);
+    for (const char* other :
+         {"--out-dir", "--all", "--only", "--skip", "--dry-run", "--explain", "--jobs", "--report"}) {
         dialog->excludes(command->get_option(other));
     }
     AddExamples(*command,

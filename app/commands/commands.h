@@ -16,6 +16,8 @@ class Session;
 // Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A
 // failure is an exception whose text names the file and the place.
 void AddAnimationsCommand(CLI::App& app, Session& session);
+void AddCompareCommand(CLI::App& app, Session& session);
+void AddInspectCommand(CLI::App& app, Session& session);
 void AddMergeCommand(CLI::App& app, Session& session);
 void AddRemoveAnimationsCommand(CLI::App& app, Session& session);
 void AddSplitCommand(CLI::App& app, Session& session);
@@ -38,6 +40,8 @@ inline constexpr CommandEntry kCommands[] = {
     {"Prepare a scene", AddCleanCommand},
     {"Look at a scene", AddInfoCommand},
     {"Look at a scene", AddTreeCommand},
+    {"Look at a scene", AddInspectCommand},
+    {"Look at a scene", AddCompareCommand},
     {"Look at a scene", AddAnimationsCommand},
     {"Change animations", AddMergeCommand},
     {"Change animations", AddSplitCommand},

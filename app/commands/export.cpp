@@ -9,6 +9,7 @@
 #include "app/commands/commands.h"
 #include "app/commands/export_arguments.h"
 #include "app/commands/files.h"
+#include "app/commands/html_report.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
@@ -52,6 +53,10 @@ public:
     Report Run(const Task& task, const Advance& advance) const {
         const bool wantsRecords = HasEnding(task.output, ".json") ||
                                   (task.output == kStandardStream && m_arguments.Files().format == "json");
+        CheckPageFile(m_session, m_arguments.PageFile(),
+                      {task.input, task.output, m_arguments.RenameMapFile()});
+        if (wantsRecords && !m_arguments.PageFile().empty())
+            throw UsageError("--report shows a scene: the output is a .glb or .gltf file");
         OutputTarget out(m_session, task.output, EndingOf(m_arguments.Files().format));
         std::optional<OutputTarget> mapTarget;
         if (!m_arguments.RenameMapFile().empty())
@@ -93,6 +98,7 @@ public:
         files.Commit();
         out.Finish();
         if (mapTarget) mapTarget->Finish();
+        if (!m_arguments.PageFile().empty()) WritePageOf(task, motion);
         if (!motion.unreadKeys.empty()) report.Note(task.input, {motion.unreadKeys});
         report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
                                                    : task.output + ": " + Describe(motion));
@@ -101,6 +107,20 @@ public:
     }
 
 private:
+    void WritePageOf(const Task& task, const MotionReport& motion) const {
+        report::Page page = PageOf(m_session, "export", task.input, task.output);
+        // From the scene's space to that of the result.
+        std::array<double, 16> matrix;
+        for (std::size_t i = 0; i < 16; ++i) matrix[i] = m_options.sceneMatrix.m[i / 4][i % 4];
+        if (m_options.Has(vl::tk::kFlipAxes))
+            for (std::size_t column = 0; column < 16; column += 4)
+                std::swap(matrix[column + 1], matrix[column + 2]);
+        page.scenes.front().matrix = matrix;
+        page.isReversed = m_options.Has(vl::tk::kReverseTime);
+        page.summary.emplace_back("keys and motion", Describe(motion));
+        WritePage(m_arguments.PageFile(), std::move(page));
+    }
+
     Session& m_session;
     const ExportArguments& m_arguments;
     const ExportOptions& m_options;
@@ -111,6 +131,7 @@ int RunExport(Session& session, ExportArguments& arguments) {
     const std::vector<Task> tasks = PlanTasks(arguments.Files(), kExportFiles);
     if (tasks.size() > 1 && !arguments.RenameMapFile().empty())
         throw UsageError("--rename-map takes one scene");
+    if (tasks.size() > 1 && !arguments.PageFile().empty()) throw UsageError("--report takes one scene");
     const Exporter exporter(session, arguments, options);
     return RunBatch(session, "export", arguments.Files(), tasks,
                     [&](const Task& task, const Advance& advance) { return exporter.Run(task, advance); });

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/commands/commands.h"
+#include "app/commands/html_report.h"
 #include "app/commands/session.h"
 
 namespace zr {
@@ -150,6 +151,7 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->capture_default_str()
         ->group(kTargetGroup);
     m_passes.AddTo(command);
+    AddPageOption(command, m_page);
     AddBatchOptions(command, m_files, kExportFiles, "SCENE OUT");
 }
 

@@ -31,6 +31,7 @@ public:
         return m_animations;
     }  // names or indices; none: all
     bool Force() const { return m_force; }
+    const std::string& PageFile() const { return m_page; }
     const std::string& RenameMapFile() const { return m_passes.RenameMapFile(); }
 
 private:
@@ -48,6 +49,7 @@ private:
     CLI::Option* m_setLength = nullptr;
     ExportOptions m_options;
     PassOptions m_passes;
+    std::string m_page;
 };
 
 }  // namespace zr

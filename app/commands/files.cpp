@@ -60,6 +60,7 @@ gltf::Document LoadDocument(const Session& session, const std::string& name, Rep
             ? gltf::Document::FromBytes(ReadStandardInput(Budget(options.maxMemory).Total()),
                                         "standard input", options)
             : gltf::Document::Load(PathFromUtf8(name), options);
+    if (session.Options().strict && !document.Warnings().empty()) throw document.Warnings().front();
     for (const gltf::Error& warning : document.Warnings()) report.notes.emplace_back(warning.what());
     return document;
 }

@@ -8,6 +8,7 @@
 #include "app/commands/batch.h"
 #include "app/commands/commands.h"
 #include "app/commands/files.h"
+#include "app/commands/html_report.h"
 #include "app/commands/options.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
@@ -26,6 +27,7 @@ struct MergeArguments {
     std::vector<std::string> keep;
     bool force = false;
     MergeOptions options;
+    std::string page;
 };
 
 std::uint32_t KeyFlags(const std::vector<std::string>& keep) {
@@ -52,6 +54,7 @@ public:
         : m_session(session), m_arguments(arguments), m_names(arguments.animations.All()) {}
 
     Report Run(const Task& task, const Advance& advance) const {
+        CheckPageFile(m_session, m_arguments.page, {task.input, task.output});
         OutputTarget out(m_session, task.output, EndingOf(m_arguments.files.format));
         Report report;
         SceneOptions sceneOptions;
@@ -69,6 +72,8 @@ public:
         }
         gltf::Document document = std::move(loaded).WriteBack();
         SaveDocument(m_session, document, out);
+        if (!m_arguments.page.empty())
+            WritePage(m_arguments.page, PageOf(m_session, "merge", task.input, task.output));
         return report;
     }
 
@@ -126,6 +131,7 @@ int RunMerge(Session& session, const MergeArguments& arguments) {
     if (arguments.from.empty() && arguments.animations.All().size() < 2) {
         throw UsageError("name two animations or more, with --animations or --animation");
     }
+    if (!arguments.page.empty() && !arguments.files.IsSingle()) throw UsageError("--report takes one scene");
     const Merger merger(session, arguments);
     return RunBatch(session, "merge", arguments.files, PlanTasks(arguments.files, kSceneFiles),
                     [&](const Task& task, const Advance& advance) { return merger.Run(task, advance); });
@@ -161,6 +167,7 @@ void AddMergeCommand(CLI::App& app, Session& session) {
         ->capture_default_str()
         ->needs(from);
     command->add_flag("--force", arguments->force, kForceHelp);
+    AddPageOption(*command, arguments->page);
     AddExamples(*command, {{"merge scene.glb out.glb --animations walk,run --sequence --gap 0.5",
                             "One animation that walks, waits half a second and runs."},
                            {"merge scene.glb out.glb --animations arms,legs --name all --remove-sources",

@@ -49,6 +49,10 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
         ->type_name("MIB")
         ->check(CLI::Range(1.0, 1e6))
         ->group(kGroup);
+    app.add_flag("--decode", options.compressedData.makePlain,
+                 "Write what meshopt, Draco or quantization have compressed plain")
+        ->group(kGroup);
+    app.add_flag("--strict", options.strict, "Content that cannot be read is an error")->group(kGroup);
     app.add_option("--language", options.language,
                    "Language of the module's texts: en, de, fr, ja or zh; else the user's")
         ->type_name("LANGUAGE")

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "app/operations/decode/compressed_data.h"
 #include "app/services/host.h"
 #include "gltf/document.h"
 #include "host/context.h"
@@ -24,12 +25,18 @@ public:
 
 // The options that every command takes.
 struct GlobalOptions {
+    GlobalOptions() = default;
+    GlobalOptions(const GlobalOptions&) = delete;
+    GlobalOptions& operator=(const GlobalOptions&) = delete;
+
     std::string language;    // of the module's texts; empty: the user's
     bool json = false;       // print the report as JSON
     bool quiet = false;      // print errors and answers only
     bool verbose = false;    // also print the module's log
     bool noClobber = false;  // never overwrite a file
-    gltf::LoadOptions load;
+    bool strict = false;     // what a document warns of is an error
+    CompressedData compressedData;
+    gltf::LoadOptions load{.decoder = &compressedData};
 };
 
 // State shared by the commands of one run of the program.

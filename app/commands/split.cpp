@@ -8,6 +8,7 @@
 #include "app/commands/animation_report.h"
 #include "app/commands/commands.h"
 #include "app/commands/files.h"
+#include "app/commands/html_report.h"
 #include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
@@ -30,6 +31,7 @@ struct SplitArguments {
     std::vector<float> cuts;
     bool each = false;
     bool force = false;
+    std::string page;
 };
 
 kernix::AnimationModel& AnimationToSplit(kernix::SceneModel& scene, const std::string& name) {
@@ -80,6 +82,7 @@ Animations Split(Session& session, LoadedScene& loaded, const SplitArguments& ar
 }
 
 Report SplitInPlace(Session& session, const SplitArguments& arguments) {
+    CheckPageFile(session, arguments.page, {arguments.scene, arguments.out});
     OutputTarget out(session, arguments.out, EndingOf({}));
     Report report;
     LoadedScene loaded(LoadDocument(session, arguments.scene, report), SceneOptionsOf(arguments));
@@ -93,6 +96,8 @@ Report SplitInPlace(Session& session, const SplitArguments& arguments) {
     }
     gltf::Document document = std::move(loaded).WriteBack();
     SaveDocument(session, document, out);
+    if (!arguments.page.empty())
+        WritePage(arguments.page, PageOf(session, "split", arguments.scene, arguments.out));
     report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
     return report;
 }
@@ -142,6 +147,7 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
     const bool isInPlace = arguments.outDir.empty();
     if (arguments.out.empty() == isInPlace) throw UsageError("give either OUT or --out-dir");
     const bool isCut = !arguments.cuts.empty();
+    if (!isInPlace && !arguments.page.empty()) throw UsageError("--report shows one result: give OUT");
     if (isInPlace ? arguments.each == isCut : arguments.each && isCut)
         throw UsageError("give either --at or --each");
     PrintReport(session, "split",
@@ -172,6 +178,7 @@ void AddSplitCommand(CLI::App& app, Session& session) {
     CheckRange(*cuts, {-1e6, 1e6});
     command->add_flag("--each", arguments->each, "One animation for each node that it moves");
     command->add_flag("--force", arguments->force, kForceHelp);
+    AddPageOption(*command, arguments->page);
     AddExamples(*command,
                 {{"split scene.glb out.glb --at 1,2.5", "Three parts of the only animation."},
                  {"split scene.glb out.glb --animation walk --at 0.5", "Two parts of one of several."},

@@ -2,16 +2,11 @@
 #include "app/operations/inspect/table.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include "base/text.h"
-#include "gltf/json.h"
 
 namespace zr::inspect {
-
-using gltf::Json;
-using gltf::JsonTree;
 
 namespace {
 
@@ -89,14 +84,6 @@ void AddTextTable(const Table& table, std::size_t most, std::string& text) {
     if (shown < table.rows.size()) text += Join("  and ", table.rows.size() - shown, " more\n");
 }
 
-Json JsonOf(JsonTree& tree, const Cell& cell) {
-    if (const auto* text = std::get_if<std::string>(&cell)) return tree.MakeString(*text);
-    if (const auto* whole = std::get_if<std::uint64_t>(&cell)) return tree.MakeIndex(*whole);
-    if (const auto* number = std::get_if<double>(&cell); number != nullptr && std::isfinite(*number))
-        return tree.MakeNumber(*number);
-    return {};
-}
-
 }  // namespace
 
 std::string AsText(std::span<const Table> tables, std::size_t most) {
@@ -138,24 +125,6 @@ std::string AsCsv(std::span<const Table> tables) {
         }
     }
     return text;
-}
-
-std::string AsJson(std::span<const Table> tables) {
-    JsonTree tree;
-    Json root = JsonTree::MakeObject();
-    tree.Member(root, "schema") = tree.MakeIndex(1);
-    for (const Table& table : tables) {
-        Json rows = JsonTree::MakeArray();
-        for (const auto& row : table.rows) {
-            Json object = JsonTree::MakeObject();
-            for (std::size_t column = 0; column < table.columns.size(); ++column)
-                if (!std::holds_alternative<std::monostate>(row[column]))
-                    tree.Member(object, table.columns[column]) = JsonOf(tree, row[column]);
-            tree.Append(rows, object);
-        }
-        tree.Member(root, table.name) = rows;
-    }
-    return gltf::WriteJson(root, true) + "\n";
 }
 
 }  // namespace zr::inspect

@@ -25,7 +25,5 @@ std::string AsMarkdown(std::span<const Table> tables);
 // Lines of comma-separated values; each begins with the name of its table, as does the line of its columns'
 // names.
 std::string AsCsv(std::span<const Table> tables);
-// An object with a member "schema" (1) and for each table an array of objects.
-std::string AsJson(std::span<const Table> tables);
 
 }  // namespace zr::inspect

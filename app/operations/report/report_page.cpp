@@ -16,22 +16,22 @@ namespace {
 
 class Writer {
 public:
-    explicit Writer(Report& report) : m_report(report) {}
+    explicit Writer(Page& page) : m_page(page) {}
 
     std::string Run() {
         Json root = JsonTree::MakeObject();
-        Set(root, "kind", Text(m_report.kind));
-        Set(root, "title", Text(m_report.title));
-        Set(root, "subtitle", Text(m_report.subtitle));
-        Set(root, "summary", Pairs(m_report.summary));
-        Set(root, "isReversed", JsonTree::MakeBool(m_report.isReversed));
+        Set(root, "kind", Text(m_page.kind));
+        Set(root, "title", Text(m_page.title));
+        Set(root, "subtitle", Text(m_page.subtitle));
+        Set(root, "summary", Pairs(m_page.summary));
+        Set(root, "isReversed", JsonTree::MakeBool(m_page.isReversed));
         Matching(root);
         Json scenes = JsonTree::MakeArray();
-        for (Scene& scene : m_report.scenes) m_tree.Append(scenes, SceneJson(scene));
+        for (Scene& scene : m_page.scenes) m_tree.Append(scenes, SceneJson(scene));
         Set(root, "scenes", scenes);
-        if (!m_report.result.empty()) Set(root, "result", m_tree.Build(m_report.result));
-        if (!m_report.drawing.empty()) Set(root, "drawing", Text(m_report.drawing));
-        Set(root, "measures", Pairs(m_report.measures));
+        if (!m_page.result.empty()) Set(root, "result", m_tree.Build(m_page.result));
+        if (!m_page.drawing.empty()) Set(root, "drawing", Text(m_page.drawing));
+        Set(root, "measures", Pairs(m_page.measures));
         return gltf::WriteJson(root, false);
     }
 
@@ -58,8 +58,8 @@ private:
 
     // Which nodes of both scenes are the same.
     void Matching(Json& root) {
-        if (m_report.scenes.size() != 2) return;
-        const compare::Evaluator before(m_report.scenes[0].document), after(m_report.scenes[1].document);
+        if (m_page.scenes.size() != 2) return;
+        const compare::Evaluator before(m_page.scenes[0].document), after(m_page.scenes[1].document);
         const compare::NodeMatching matching = compare::MatchNodes(before, after);
         Json pairs = JsonTree::MakeArray();
         for (const auto& [a, b] : matching.pairs) m_tree.Append(pairs, Indices({a, b}));
@@ -82,7 +82,7 @@ private:
         return object;
     }
 
-    Report& m_report;
+    Page& m_page;
     JsonTree m_tree;
 };
 
@@ -108,13 +108,13 @@ std::string Escaped(std::string_view text, std::string_view special, const auto&
 
 }  // namespace
 
-std::string MakePage(Report report) {
+std::string PageText(Page page) {
     if (PageSource().empty()) throw std::runtime_error("this program was built without the page of reports");
-    const std::string title = Escaped(report.title, "<>&", [](char c) {
+    const std::string title = Escaped(page.title, "<>&", [](char c) {
         return c == '<' ? "&lt;" : c == '>' ? "&gt;" : "&amp;";
     });
     // A script ends at the first "</script", whatever it is part of.
-    const std::string data = Escaped(Writer(report).Run(), "<", [](char) { return "\\u003c"; });
+    const std::string data = Escaped(Writer(page).Run(), "<", [](char) { return "\\u003c"; });
     return Replaced(Replaced(PageSource(), "<!--TITLE-->", title), "<!--DATA-->", data);
 }
 

@@ -19,7 +19,7 @@ struct Scene {
     std::optional<std::array<double, 16>> matrix;
 };
 
-struct Report {
+struct Page {
     std::string kind;  // the command: "clean", "export", "merge", "split", "compare", "text"
     std::string title, subtitle;
     std::vector<std::pair<std::string, std::string>> summary;
@@ -32,7 +32,7 @@ struct Report {
 
 // One page of everything, that loads nothing from elsewhere. Throws std::runtime_error in a program that was
 // built without the page, and gltf::Error.
-std::string MakePage(Report report);
+std::string PageText(Page page);
 
 // The document as a container without anything beside it, all plain. The document is spent. Throws
 // gltf::Error.

@@ -166,6 +166,50 @@ TEST_F(Commands, RemoveAnimationsCounts) {
     ExpectFailure("remove-animations a.glb e.glb --animation ran", "no animation is named \"ran\"");
 }
 
+TEST_F(Commands, CompareEndsWithItsVerdict) {
+    EXPECT_EQ(m_folder.Zr("export a.glb b.glb").status, 0);
+    EXPECT_TRUE(Json("compare a.glb b.glb").Find("same")->Bool());
+    EXPECT_EQ(m_folder.Zr("export a.glb big.glb --scale 1.001").status, 0);
+    const gltf::Json json = Json("compare a.glb big.glb --only nodes", 1);
+    EXPECT_FALSE(json.Find("aspects")->Find("nodes")->Bool());
+    EXPECT_EQ(json.Find("aspects")->Find("structure"), nullptr);
+    EXPECT_EQ(m_folder.Zr("compare a.glb big.glb --tolerance 1m,0.1deg,0.1").status, 0);
+    const Outcome run = m_folder.Zr("compare a.glb big.glb");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "") << "a verdict is no failure";
+    EXPECT_NE(run.out.find("nodes      different; largest difference "), std::string::npos) << run.out;
+    for (const char* tolerance : {"1deg", "-1", "nan", "1,1m", "1,1,1,1", "x"}) {
+        const Outcome refused = m_folder.Zr(std::string("compare a.glb b.glb --tolerance=") + tolerance);
+        EXPECT_EQ(refused.status, 2) << tolerance;
+        EXPECT_TRUE(IsOneLine(refused.err)) << refused.err;
+    }
+}
+
+TEST_F(Commands, InspectListsTables) {
+    const gltf::Json json = Json("inspect a.glb");
+    EXPECT_EQ(json.Find("animations")->Items().size(), 3U);
+    EXPECT_EQ(json.Find("nodes")->Items()[0].Find("node")->Number(), 0);
+    const Outcome text = m_folder.Zr("inspect a.glb --tables animations --format csv");
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_TRUE(text.out.starts_with("animations,animation,name,")) << text.out;
+    EXPECT_NE(text.out.find("\"run, fast\""), std::string::npos) << text.out;
+}
+
+TEST_F(Commands, StrictReadingRefusesWhatIsMissing) {
+    m_folder.Write("image.gltf", R"({"asset":{"version":"2.0"},"images":[{"uri":"gone.png"}]})");
+    EXPECT_EQ(m_folder.Zr("inspect image.gltf").status, 0);
+    ExpectFailure("inspect image.gltf --strict", "/images/0/uri: \"gone.png\" is missing");
+}
+
+TEST_F(Commands, ReportsReplaceNothing) {
+    for (const char* place : {"a.glb", "./b.glb"}) {
+        const Outcome run = m_folder.Zr(std::string("clean a.glb b.glb --report ") + place);
+        EXPECT_EQ(run.status, 2) << run.err;
+        EXPECT_NE(run.err.find("would take the place of"), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(m_folder.Files(), (Strings{"a.glb"}));
+}
+
 TEST_F(Commands, CleanAndTextTellPrograms) {
     const gltf::Json clean = Json("clean a.glb b.glb --explain").Find("results")->Items()[0];
     EXPECT_GT(clean.Find("bytesAfter")->Number(), 0);

@@ -183,7 +183,7 @@ function deviation(report) {
         const order = result.worst.map((worst, i) => ({ ...worst, i })).sort((x, y) => y.amount - x.amount).slice(0, 15);
         where.replaceChildren();
         table(where, order.map(({ amount, part, i }) => [report.glbs[0].name(report.data.pairs[i][0]),
-          Number(amount.toPrecision(3)), `${(part * before.duration).toFixed(2)} s`]), ["node", "off by", "at"]);
+          amount.toExponential(2), `${(part * before.duration).toFixed(2)} s`]), ["node", "off by", "at"]);
       }
       const most = Math.max(...result.curve);
       label.textContent = `Greatest distance of a node's origin and axes between both scenes: ${most.toPrecision(3)}`;

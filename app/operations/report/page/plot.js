@@ -31,7 +31,8 @@ export function plot(canvas, lines, { unit = "s" } = {}) {
     context.moveTo(box.left, y(value));
     context.lineTo(box.right, y(value));
     context.stroke();
-    context.fillText(Number(value.toPrecision(4)).toString().slice(0, 10), box.left - 6, y(value) + 4);
+    const isSmall = value !== 0 && Math.max(Math.abs(low), Math.abs(high)) < 1e-3;
+    context.fillText(isSmall ? value.toExponential(2) : Number(value.toPrecision(4)).toString(), box.left - 6, y(value) + 4);
   }
   context.textAlign = "center";
   for (let i = 0; i <= 4; ++i) {

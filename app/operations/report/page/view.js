@@ -14,8 +14,8 @@ class Shown {
     for (const [object, { nodes }] of gltf.parser.associations)
       if (nodes !== undefined && object.isObject3D && !this.objects[nodes]) this.objects[nodes] = object;
     this.scene = new THREE.Scene();
-    this.scene.add(this.root, new THREE.HemisphereLight(0xffffff, 0x667788, 2.2));
-    const sun = new THREE.DirectionalLight(0xffffff, 1.6);
+    this.scene.add(this.root, new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5));
+    const sun = new THREE.DirectionalLight(0xffffff, 1.3);
     sun.position.set(1, 2, 3);
     this.scene.add(sun);
     this.mixer = new THREE.AnimationMixer(this.root);
@@ -49,8 +49,14 @@ class Shown {
     if (!nodes?.length) return;
     const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.7, side: THREE.DoubleSide });
     const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, transparent: true, opacity: 0.28, depthWrite: false });
+    // What a node shows ends where the next node begins.
     const gone = new Set();
-    for (const node of nodes) this.objects[node]?.traverse((object) => gone.add(object));
+    const isNode = new Set(this.objects);
+    const mark = (object) => {
+      gone.add(object);
+      for (const child of object.children) if (!isNode.has(child)) mark(child);
+    };
+    for (const node of nodes) if (this.objects[node]) mark(this.objects[node]);
     this.root.traverse((object) => {
       if (!object.material) return;
       this.lit.set(object, object.material);
@@ -65,6 +71,7 @@ export class View {
     this.scenes = [];
     this.camera = new THREE.PerspectiveCamera(40, 1, 0.01, 1000);
     this.renderer = new THREE.WebGLRenderer({ canvas, antialias: true });
+    this.renderer.toneMapping = THREE.NeutralToneMapping;
     this.renderer.setScissorTest(true);
     this.controls = new OrbitControls(this.camera, canvas);
     this.controls.listenToKeyEvents(canvas);
@@ -91,8 +98,11 @@ export class View {
     if (box.isEmpty()) box.set(new THREE.Vector3(-1, -1, -1), new THREE.Vector3(1, 1, 1));
     const ball = box.getBoundingSphere(new THREE.Sphere());
     const radius = ball.radius || 1;
-    const distance = radius / Math.sin((this.camera.fov / 2) * (Math.PI / 180));
-    this.camera.position.copy(ball.center).add(new THREE.Vector3(0.45, 0.4, 1).normalize().multiplyScalar(distance * 1.15));
+    // The narrower of both angles decides.
+    const half = (this.camera.fov / 2) * (Math.PI / 180);
+    const aspect = this.canvas.clientWidth / Math.max(this.scenes.length, 1) / Math.max(this.canvas.clientHeight, 1);
+    const distance = radius / Math.sin(Math.min(half, Math.atan(Math.tan(half) * aspect)));
+    this.camera.position.copy(ball.center).add(new THREE.Vector3(0.45, 0.4, 1).normalize().multiplyScalar(distance));
     this.camera.near = distance / 200;
     this.camera.far = distance * 20;
     this.controls.target.copy(ball.center);

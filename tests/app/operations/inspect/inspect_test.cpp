@@ -102,7 +102,7 @@ TEST(Inspect, WarnsWithPlaces) {
     EXPECT_TRUE(warns("/meshes/0/primitives/0", "1 vertex is in no face"));
 }
 
-TEST(Inspect, WritesTablesInFourForms) {
+TEST(Inspect, WritesTables) {
     const std::vector<Table> tables{
         {"things",
          {"name", "count", "size"},
@@ -113,10 +113,6 @@ TEST(Inspect, WritesTablesInFourForms) {
               "| comma, \"quote\"\\x0A | 3 |  |\n");
     EXPECT_EQ(inspect::AsCsv(tables),
               "things,name,count,size\nthings,a|b,12,1.5\nthings,\"comma, \"\"quote\"\"\n\",3,\n");
-    const std::string json = inspect::AsJson(tables);
-    EXPECT_NE(json.find("\"schema\": 1"), std::string::npos) << json;
-    EXPECT_NE(json.find("\"count\": 12"), std::string::npos) << json;
-    EXPECT_EQ(json.find("null"), std::string::npos) << json;
 }
 
 TEST(Inspect, ReadsHeadsOfImages) {

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "app/commands/html_report.h"
+
+#include <CLI/CLI.hpp>
+
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/report.h"
+#include "app/commands/session.h"
+#include "base/error.h"
+
+namespace zr {
+
+void AddPageOption(CLI::App& command, std::string& file) {
+    command
+        .add_option("--report", file,
+                    "Also write a page (.html) that shows both scenes in motion and what was done")
+        ->type_name(kFileType)
+        ->group(kOutputGroup);
+}
+
+void CheckPageFile(const Session& session, const std::string& file,
+                   std::initializer_list<std::string> others) {
+    if (file.empty()) return;
+    std::error_code ignored;
+    const auto place = [&](const std::string& name) {
+        return std::filesystem::weakly_canonical(PathFromUtf8(name), ignored);
+    };
+    for (const std::string& other : others) {
+        if (other == kStandardStream) throw UsageError("--report shows scenes that are files");
+        if (place(file) == place(other)) throw UsageError("--report would take the place of " + other);
+    }
+    if (session.Options().noClobber && std::filesystem::exists(PathFromUtf8(file), ignored))
+        throw Error(file, "", "exists, and --no-clobber keeps it");
+}
+
+report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,
+                    const std::string& after) {
+    const auto name = [](const std::string& file) { return PathToUtf8(PathFromUtf8(file).filename()); };
+    const bool isComparison = kind == "compare";
+    Report ignored;
+    report::Page page;
+    page.kind = kind;
+    page.title = kind + ": " + name(before);
+    page.subtitle = name(before) + " and " + name(after);
+    page.scenes.push_back({isComparison ? "first" : "before", LoadDocument(session, before, ignored), {}});
+    page.scenes.push_back({isComparison ? "second" : "after", LoadDocument(session, after, ignored), {}});
+    return page;
+}
+
+void WritePage(const std::string& file, report::Page page) {
+    const std::string text = report::PageText(std::move(page));
+    FileTransaction files;
+    files.Create(PathFromUtf8(file)).Write(text);
+    files.Commit();
+}
+
+}  // namespace zr

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+#include "app/operations/report/report_page.h"
+
+namespace CLI {
+class App;
+}
+
+namespace zr {
+
+class Session;
+
+// --report FILE.html
+void AddPageOption(CLI::App& command, std::string& file);
+// For a command that was asked for a page: throws UsageError when this would take the place of one of the
+// others or when they are no files, and Error when it exists and may not be replaced.
+void CheckPageFile(const Session& session, const std::string& file,
+                   std::initializer_list<std::string> others);
+
+// The page of a command that made one scene from another: both are read again. Throws gltf::Error.
+report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,
+                    const std::string& after);
+// Throws Error.
+void WritePage(const std::string& file, report::Page page);
+
+}  // namespace zr
