@@ -10,7 +10,7 @@ build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(
 # $(call packages,LISTS): what the program needs, and the lists named.
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
-.PHONY: all install demo test test-release test-asan test-tsan bench check tidy coverage package \
+.PHONY: all install demo test test-release test-asan test-tsan test-report bench check tidy coverage package \
 	package-test dist windows windows-packages windows-test clean
 
 all:
@@ -43,6 +43,12 @@ test-tsan:
 	@$(call packages,qt test)
 	@$(call build,tsan,,thread_tests)
 	@ctest --preset tsan -j $(JOBS) -L threads
+
+# The page of reports, used in a browser without a window.
+test-report:
+	@$(call packages,qt test report)
+	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_WITH_REPORT=ON,zr)
+	@ctest --preset release -R report_page
 
 bench:
 	@$(call packages,qt bench)

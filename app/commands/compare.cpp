@@ -11,6 +11,7 @@
 #include "app/commands/html_report.h"
 #include "app/commands/options.h"
 #include "app/commands/progress.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/commands/tolerance.h"
 

@@ -164,7 +164,7 @@ TEST(Compare, TellsWhereAndWhen) {
     ScenePlan plan = MakePlan(random);
     for (std::size_t i = 31; i < plan.nodes.size(); ++i) plan.nodes[i].parent = 0;  // node 30 carries nothing
     const gltf::Document before = Write(plan, random);
-    ScenePlan::Track& track = plan.animations[0].tracks[9];  // node 30 moves
+    ScenePlan::Track& track = plan.animations[0].tracks[11];  // node 30 moves
     ASSERT_EQ(track.path, "translation");
     track.values[3 * 2] += 0.25F;
     const CompareResult result = Compare(before, Write(plan, random));

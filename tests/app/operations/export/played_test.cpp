@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// Exports held against an evaluation that shares no code with them: every face, camera, light and morph
+// weight over time.
+#include <gtest/gtest.h>
+
+#include "app/operations/compare/compare_scenes.h"
+#include "app/operations/export/export_scene.h"
+#include "tests/app/operations/compare/scene_plan.h"
+#include "tests/gltf/sample.h"
+
+namespace zr::test {
+namespace {
+
+Host& TheHost() {
+    static Host host("en");
+    static const bool loaded = (host.LoadModule(), true);
+    EXPECT_TRUE(loaded);
+    return host;
+}
+
+constexpr struct {
+    const char* what;
+    std::uint32_t exportFlags, animFlags;
+} kPasses[] = {
+    {"nothing", 0, 0},
+    {"merging", vl::tk::kMergeKeys, 0},
+    {"resampling", 0, vl::tk::kResampleKeys},
+    {"resampling and merging", vl::tk::kMergeKeys, vl::tk::kResampleKeys},
+    {"geometry on nodes of its own", vl::tk::kGeometrySplit | vl::tk::kGroupSplit, 0},
+};
+
+// The scene that a file of the exported one shows, against the one before.
+void ExpectPlaysAlike(const std::function<gltf::Document()>& make) {
+    for (const auto& pass : kPasses) {
+        SCOPED_TRACE(pass.what);
+        const gltf::test::TemporaryFolder folder;
+        ExportOptions options;
+        options.exportFlags |= pass.exportFlags;
+        options.animFlags |= pass.animFlags;
+        LoadedScene loaded(make());
+        ExportScene(TheHost(), loaded, options, [](double) {});
+        loaded.Document().Save(folder / "out.glb");
+
+        compare::CompareOptions comparison;
+        comparison.tolerance = {1e-4, 1e-4, 1e-4};
+        // Where geometry is split off, the nodes are others; what is seen is the same.
+        comparison.aspects = {false, true, pass.exportFlags == 0, true, true, true};
+        const auto result =
+            compare::CompareScenes(make(), gltf::Document::Load(folder / "out.glb"), comparison);
+        for (std::size_t i = 0; i < compare::kAspects; ++i)
+            EXPECT_TRUE(result.same[i])
+                << compare::kAspectNames[i] << ": points " << result.movedPoint.amount << " at "
+                << result.movedPoint.where << ", nodes " << result.node.amount << " at " << result.node.where
+                << ", values " << result.value.amount << " at " << result.value.where
+                << (result.drawn.empty() ? "" : result.drawn[0]);
+        EXPECT_GT(result.times, 20U);
+    }
+}
+
+TEST(PlayedExport, KeepsTheExample) {
+    ExpectPlaysAlike([] { return gltf::Document::Load(ZR_EXAMPLES "/windmill.gltf"); });
+}
+
+TEST(PlayedExport, KeepsRandomScenes) {
+    for (unsigned seed = 0; seed < 6; ++seed) {
+        SCOPED_TRACE(seed);
+        ExpectPlaysAlike([seed] {
+            Random random(seed);
+            ScenePlan plan = MakePlan(random);
+            // Of two scenes the exporter changes the one that is shown.
+            for (ScenePlan::Node& node : plan.nodes) node.scene = 0;
+            return Write(plan, random);
+        });
+    }
+}
+
+}  // namespace
+}  // namespace zr::test
