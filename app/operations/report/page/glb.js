@@ -91,7 +91,10 @@ export function valueAt(curve, time) {
     return Array.from(a, (v, i) => (2 * u3 - 3 * u2 + 1) * v + (u3 - 2 * u2 + u) * span * out[i] +
       (3 * u2 - 2 * u3) * b[i] + (u3 - u2) * span * into[i]);
   }
-  let sign = 1;
-  if (curve.path === "rotation") sign = a.reduce((sum, v, i) => sum + v * b[i], 0) < 0 ? -1 : 1;
-  return Array.from(a, (v, i) => v + u * (sign * b[i] - v));
+  if (curve.path !== "rotation") return Array.from(a, (v, i) => v + u * (b[i] - v));
+  // Along the shorter arc.
+  const cosine = a.reduce((sum, v, i) => sum + v * b[i], 0);
+  const angle = Math.acos(Math.min(Math.abs(cosine), 1));
+  const [from, to] = angle > 1e-6 ? [Math.sin((1 - u) * angle), Math.sin(u * angle)].map((s) => s / Math.sin(angle)) : [1 - u, u];
+  return Array.from(a, (v, i) => from * v + (cosine < 0 ? -to : to) * b[i]);
 }

@@ -47,8 +47,11 @@ class Shown {
     for (const [mesh, material] of this.lit) mesh.material = material;
     this.lit.clear();
     if (!nodes?.length) return;
-    const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.7, side: THREE.DoubleSide });
-    const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, transparent: true, opacity: 0.28, depthWrite: false });
+    // Flat, since not every mesh has normals; in front of what stands at the same place.
+    const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.55, flatShading: true,
+      side: THREE.DoubleSide, polygonOffset: true, polygonOffsetFactor: -2, polygonOffsetUnits: -2 });
+    const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, flatShading: true, transparent: true, opacity: 0.28,
+      depthWrite: false });
     // What a node shows ends where the next node begins.
     const gone = new Set();
     const isNode = new Set(this.objects);
