@@ -24,7 +24,7 @@ void CheckPageFile(const Session& session, const std::string& file,
     if (file.empty()) return;
     std::error_code ignored;
     const auto place = [&](const std::string& name) {
-        return std::filesystem::weakly_canonical(PathFromUtf8(name), ignored);
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(PathFromUtf8(name)), ignored);
     };
     for (const std::string& other : others) {
         if (other == kStandardStream) throw UsageError("--report shows scenes that are files");

@@ -17,6 +17,12 @@ std::vector<double> At(const Channel& channel, double time) {
     return value;
 }
 
+// A little behind a time: at a key itself a step and a ramp that is as steep as floats allow differ for an
+// instant that nobody sees.
+double JustAfter(double time) {
+    return time + 1e-6 * std::max(1.0, std::abs(time));
+}
+
 std::string_view NameOf(Path path) {
     switch (path) {
         case Path::kTranslation:
@@ -75,8 +81,9 @@ void TrackComparison::Compare(const Goal& goal, const Channel* a, const Channel*
         if (difference > amount) amount = difference, amountTime = time;
     };
     for (std::size_t i = 0; i < times.size(); ++i) {
-        look(times[i]);
+        look(JustAfter(times[i]));
         if (i + 1 == times.size()) break;
+        if (times[i + 1] <= JustAfter(times[i])) continue;
         for (const double part : {0.25, 0.5, 0.75}) look(times[i] + part * (times[i + 1] - times[i]));
     }
     if (worst.rank > 0) m_worst.push_back(worst);
@@ -126,10 +133,11 @@ std::vector<double> TrackComparison::Times(std::size_t most) {
     for (std::size_t i = 0; i < m_worst.size() && i < std::max<std::size_t>(most / 2, 1); ++i)
         times.push_back(m_worst[i].time);
     spread(std::max<std::size_t>(most / 4, 1),
-           [&](double part) { return m_start + part * (m_end - m_start); });
+           [&](double part) { return JustAfter(m_start + part * (m_end - m_start)); });
     if (!m_keyTimes.empty())
         spread(std::min(most / 4, m_keyTimes.size()), [&](double part) {
-            return m_keyTimes[static_cast<std::size_t>(part * static_cast<double>(m_keyTimes.size() - 1))];
+            return JustAfter(
+                m_keyTimes[static_cast<std::size_t>(part * static_cast<double>(m_keyTimes.size() - 1))]);
         });
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());

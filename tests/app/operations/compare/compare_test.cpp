@@ -169,7 +169,7 @@ TEST(Compare, TellsWhereAndWhen) {
     track.values[3 * 2] += 0.25F;
     const CompareResult result = Compare(before, Write(plan, random));
     EXPECT_TRUE(result.structure.empty()) << Differences(result);
-    EXPECT_NEAR(result.node.time, static_cast<double>(track.times[2]), 1e-6);
+    EXPECT_NEAR(result.node.time, static_cast<double>(track.times[2]), 1e-5);
     EXPECT_EQ(result.node.animation, "walk");
     EXPECT_EQ(result.node.where.substr(0, 15), "node \"node 30\" ");
     EXPECT_GT(result.node.amount, 0.05);
