@@ -16,7 +16,7 @@ void AddPageOption(CLI::App& command, std::string& file) {
         .add_option("--report", file,
                     "Also write a page (.html) that shows both scenes in motion and what was done")
         ->type_name(kFileType)
-        ->group(kOutputGroup);
+        ->group("Output");
 }
 
 void CheckPageFile(const Session& session, const std::string& file,
@@ -27,6 +27,7 @@ void CheckPageFile(const Session& session, const std::string& file,
         return std::filesystem::weakly_canonical(std::filesystem::absolute(PathFromUtf8(name)), ignored);
     };
     for (const std::string& other : others) {
+        if (other.empty()) continue;
         if (other == kStandardStream) throw UsageError("--report shows scenes that are files");
         if (place(file) == place(other)) throw UsageError("--report would take the place of " + other);
     }

@@ -175,8 +175,7 @@ MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
         const kernix::MaterialModel* material = m_materials[*part.material->Index()];
         if (material != nullptr) part.attribute = material->GetId();
     }
-    const bool isDecoded =
-        part.positions != kNone && m_loaded.m_document.SuppliedBytes(part.positions).has_value();
+    const bool isDecoded = part.positions != kNone && m_document.SuppliedBytes(part.positions).has_value();
     part.isCompressed =
         !isDecoded && part.extensions != nullptr && part.extensions->Find(kCompression) != nullptr;
     return part;

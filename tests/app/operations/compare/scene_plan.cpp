@@ -36,7 +36,7 @@ ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t materia
         for (float& part : vertex.texture) part = Uniform(random, 0, 1);
         for (float& part : vertex.target) part = Uniform(random, -0.2F, 0.2F);
         const float weight = Uniform(random, 0.2F, 0.8F);
-        vertex.joints = {random() % 4U, random() % 4U, 0, 0};
+        vertex.joints = {static_cast<unsigned>(random() % 4), static_cast<unsigned>(random() % 4), 0, 0};
         vertex.weights = {weight, 1 - weight, 0, 0};
         mesh.vertices.push_back(vertex);
     }

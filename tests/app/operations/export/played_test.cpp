@@ -37,9 +37,7 @@ void ExpectPlaysAlike(const std::function<gltf::Document()>& make) {
         ExportOptions options;
         options.exportFlags |= pass.exportFlags;
         options.animFlags |= pass.animFlags;
-        LoadedScene loaded(make());
-        ExportScene(TheHost(), loaded, options, [](double) {});
-        loaded.Document().Save(folder / "out.glb");
+        ExportScene(TheHost(), LoadedScene(make()), options, [](double) {}).document.Save(folder / "out.glb");
 
         compare::CompareOptions comparison;
         // Turned curves are straightened to a hundred thousandth of their range, along the whole hierarchy.
