@@ -148,7 +148,7 @@ void Evaluator::ReadAnimation(const Json& json, std::size_t index) {
             continue;
         }
         animation.channels.push_back(
-            {goal->path, goal->node, std::move(goal->pointer), KeyCurve(m_document, sampler)});
+            {i, goal->path, goal->node, std::move(goal->pointer), KeyCurve(m_document, sampler)});
         const auto times = animation.channels.back().curve.Times();
         const double start = static_cast<double>(times.front()), end = static_cast<double>(times.back());
         animation.start = isFirst ? start : std::min(animation.start, start);

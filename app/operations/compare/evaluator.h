@@ -22,6 +22,7 @@ enum class Path { kTranslation, kRotation, kScale, kWeights, kPointer };
 // One channel of an animation. Pointers to a node's own transform or weights count as the channel of that
 // node.
 struct Channel {
+    std::size_t index;  // of the document's channel
     Path path;
     std::size_t node = kNone;  // of all but kPointer
     std::string pointer;       // of kPointer
@@ -63,6 +64,7 @@ public:
     const Affine& World(std::size_t node) const { return m_worlds[node]; }
     // Transform relative to the parent at rest.
     const Trs& RestParts(std::size_t node) const { return m_rest[node].parts; }
+    Affine RestLocal(std::size_t node) const;
     // One for each morph target of the node's mesh.
     std::vector<double> Weights(std::size_t node) const;
     // What stands at a pointer now: the animated value, else that of the document; nothing where it has none.
@@ -78,7 +80,6 @@ private:
     void ReadNodes();
     void ReadOrder();
     void ReadAnimation(const gltf::Json& animation, std::size_t index);
-    Affine RestLocal(std::size_t node) const;
     void PlaceNodes();
 
     const gltf::Document& m_document;

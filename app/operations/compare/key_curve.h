@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "gltf/document.h"
@@ -16,7 +17,14 @@ public:
     // The sampler's data can be read. Throws gltf::Error.
     KeyCurve(const gltf::Document& document, const gltf::Json& sampler);
 
+    // A linear curve.
+    KeyCurve(std::vector<float> times, std::vector<float> values, std::size_t width)
+        : m_times(std::move(times)), m_values(std::move(values)), m_width(width) {}
+
     std::span<const float> Times() const { return m_times; }
+    // Value after value; of cubic curves with their slopes.
+    std::span<const float> Values() const { return m_values; }
+    bool IsLinear() const { return m_way == Way::kLinear; }
     // Numbers of one value.
     std::size_t Width() const { return m_width; }
     bool IsConstant() const;

@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/reduce/reduce_keys.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <mutex>
+#include <numbers>
+#include <utility>
+#include <vector>
+
+#include "app/operations/reduce/motion.h"
+#include "app/operations/reduce/thin_track.h"
+#include "base/parallel.h"
+#include "base/text.h"
+#include "gltf/accessor.h"
+#include "gltf/collect.h"
+
+namespace zr {
+namespace {
+
+using compare::KeyCurve;
+using compare::kNone;
+using compare::Path;
+using gltf::Json;
+using gltf::Kind;
+using reduce::Keys;
+using reduce::Motion;
+using reduce::Stray;
+using reduce::Track;
+
+// What is measured stays this far below what is allowed: between the times that are played something may
+// stray a little farther.
+constexpr double kMargin = 0.98;
+// A measurement that plays more transforms than this is not worth its time.
+constexpr std::size_t kGreatestCost = 40'000'000;
+
+Keys KeysOf(const KeyCurve& curve) {
+    return {{curve.Times().begin(), curve.Times().end()}, {curve.Values().begin(), curve.Values().end()}};
+}
+
+std::size_t KeyCount(const KeyCurve& curve) {
+    return curve.Times().size();
+}
+
+// The same curve within a tolerance; as it is where nothing can go.
+KeyCurve Thinned(const KeyCurve& curve, bool isRotation, double tolerance) {
+    if (!curve.IsLinear() || !(tolerance > 0)) return curve;
+    Keys thin = isRotation ? ThinnedRotations(KeysOf(curve), tolerance)
+                           : ThinnedVectors(KeysOf(curve), curve.Width(), tolerance);
+    if (thin.times.size() >= KeyCount(curve)) return curve;
+    return {std::move(thin.times), std::move(thin.values), curve.Width()};
+}
+
+// Finds how much of the tolerance each moving node may use.
+class Shares {
+public:
+    Shares(const Motion& motion, std::vector<Track>& tracks, const ReduceTolerance& tolerance)
+        : m_motion(motion), m_tracks(tracks), m_tolerance(tolerance), m_shares(motion.Movers().size(), 1.0) {}
+
+    // Thins the tracks as far as the motion, played, allows; the strays of the motion's watches.
+    std::vector<Stray> Settle() {
+        ThinEvenly();
+        Adapt();
+        Refine();
+        for (std::size_t i = 0; i < m_tracks.size(); ++i) m_tracks[i].reduced = m_best[i];
+        return m_bestStrays;
+    }
+
+    // Thins the tracks by the bound alone.
+    void SettleUnplayed() { ThinAll(); }
+
+private:
+    static constexpr int kEvenRounds = 16;
+    static constexpr int kAdaptingRounds = 40;
+    static constexpr int kIdleRounds = 8;  // without a gain, after which the search ends
+    // Transforms that the search for the last keys may evaluate.
+    static constexpr std::size_t kRefiningCost = 4'000'000;
+    static constexpr double kGreatestShare = 1024;
+
+    double Use(const Stray& stray) const {
+        double use = m_tolerance.length > 0 ? stray.length / m_tolerance.length : stray.length > 0 ? 1e9 : 0;
+        if (m_tolerance.angle > 0) use = std::max(use, stray.angle / m_tolerance.angle);
+        return use / kMargin;
+    }
+    bool IsWithin(const std::vector<Stray>& strays) const {
+        return std::all_of(strays.begin(), strays.end(), [&](const Stray& stray) { return Use(stray) <= 1; });
+    }
+
+    // Remembers the tracks when they are within the tolerance and have fewer keys than any before.
+    bool Keep(const std::vector<Stray>& strays) {
+        if (!IsWithin(strays)) return false;
+        std::size_t keys = 0;
+        for (const Track& track : m_tracks) keys += KeyCount(track.reduced);
+        if (!m_best.empty() && keys >= m_bestKeys) return false;
+        m_bestKeys = keys;
+        m_best.clear();
+        for (const Track& track : m_tracks) m_best.push_back(track.reduced);
+        m_bestShares = m_shares;
+        m_bestStrays = strays;
+        return true;
+    }
+
+    void ThinAll() {
+        for (std::size_t mover = 0; mover < m_shares.size(); ++mover) Thin(mover);
+    }
+
+    // The greatest share that all may have alike. The bound itself, a share of 1, holds but for scales that
+    // were reduced above other nodes.
+    void ThinEvenly() {
+        double low = 0, high = kGreatestShare;
+        for (int round = 0; round < kEvenRounds || m_best.empty(); ++round) {
+            const double share = low > 0 ? std::sqrt(low * high) : std::min(1.0, high / 2);
+            std::fill(m_shares.begin(), m_shares.end(), share);
+            ThinAll();
+            const std::vector<Stray> strays = m_motion.Measure();
+            Keep(strays);
+            (IsWithin(strays) ? low : high) = share;
+        }
+    }
+
+    // Movers that something strays too far by give some of their share, others get more.
+    void Adapt() {
+        Restore();
+        for (int round = 0, idle = 0; round < kAdaptingRounds && idle < kIdleRounds; ++round) {
+            const std::vector<Stray> strays = round == 0 ? m_bestStrays : m_motion.Measure();
+            idle = Keep(strays) ? 0 : idle + 1;
+            std::vector<double> use(m_shares.size(), 0);
+            for (std::size_t watch = 0; watch < strays.size(); ++watch) {
+                for (const std::size_t mover : m_motion.Watches()[watch].movers)
+                    use[mover] = std::max(use[mover], Use(strays[watch]));
+            }
+            // Steps that shrink from round to round let the shares come to rest.
+            const double pace = 1.0 / (1 + round / 6);
+            for (std::size_t mover = 0; mover < m_shares.size(); ++mover) {
+                const double wanted = use[mover] > 0 ? std::clamp(0.97 / use[mover], 0.25, 4.0) : 4.0;
+                m_shares[mover] = std::min(m_shares[mover] * std::pow(wanted, pace), kGreatestShare);
+                Thin(mover);
+            }
+        }
+    }
+
+    // Gives one mover after the other more, where that saves keys and still holds.
+    void Refine() {
+        std::size_t left = kRefiningCost;
+        Restore();
+        for (const double factor : {2.0, 1.4, 1.15}) {
+            for (std::size_t mover = 0; mover < m_shares.size(); ++mover) {
+                const std::size_t before = Keys(mover);
+                m_shares[mover] *= factor;
+                Thin(mover);
+                if (Keys(mover) < before) {
+                    if (m_motion.Cost() > left) return;
+                    left -= m_motion.Cost();
+                    if (Keep(m_motion.Measure())) continue;
+                }
+                m_shares[mover] = m_bestShares[mover];
+                for (const std::size_t track : m_motion.Movers()[mover].tracks)
+                    m_tracks[track].reduced = m_best[track];
+            }
+        }
+    }
+
+    std::size_t Keys(std::size_t mover) const {
+        std::size_t keys = 0;
+        for (const std::size_t track : m_motion.Movers()[mover].tracks)
+            keys += KeyCount(m_tracks[track].reduced);
+        return keys;
+    }
+
+    // Back to the best that held.
+    void Restore() {
+        m_shares = m_bestShares;
+        for (std::size_t i = 0; i < m_tracks.size(); ++i) m_tracks[i].reduced = m_best[i];
+    }
+
+    void Thin(std::size_t number) {
+        const Motion::Mover& mover = m_motion.Movers()[number];
+        const double parts = static_cast<double>(mover.depth * mover.tracks.size());
+        const double length = m_shares[number] * m_tolerance.length / (parts * mover.above);
+        const double angle = m_shares[number] * m_tolerance.angle / parts;
+        const double reach = mover.reach;
+        for (const std::size_t place : mover.tracks) {
+            Track& track = m_tracks[place];
+            const KeyCurve& given = track.channel->curve;
+            if (track.channel->path == Path::kTranslation) {
+                track.reduced = Thinned(given, false, length);
+            } else if (track.channel->path == Path::kScale) {
+                track.reduced = Thinned(given, false, reach > 0 ? length / reach : length);
+            } else {
+                // A turn moves a point by twice the sine of half its angle, times its distance.
+                const double sine = reach > 0 ? length / (2 * mover.scale * reach) : 1;
+                double turn = sine < 1 ? 2 * std::asin(sine) : std::numbers::pi;
+                if (mover.direction) turn = std::min(turn, angle);
+                track.reduced = Thinned(given, true, std::min(turn, 0.5));
+            }
+        }
+    }
+
+    const Motion& m_motion;
+    std::vector<Track>& m_tracks;
+    const ReduceTolerance& m_tolerance;
+    std::vector<double> m_shares;
+    std::vector<KeyCurve> m_best;
+    std::vector<double> m_bestShares;
+    std::vector<Stray> m_bestStrays;
+    std::size_t m_bestKeys = 0;
+};
+
+class Reducer {
+public:
+    Reducer(gltf::Document& document, const ReduceOptions& options)
+        : m_document(document),
+          m_options(options),
+          m_evaluator(document),
+          m_watched(reduce::WatchedPoints(m_evaluator)) {}
+
+    ReduceReport Run() {
+        const std::vector<compare::Animation>& animations = m_evaluator.Animations();
+        std::vector<Reduced> reduced(animations.size());
+        std::mutex mutex;
+        std::size_t done = 0;
+        ParallelFor(animations.size(), m_options.jobs, [&](std::size_t animation) {
+            reduced[animation] = Reduce(animations[animation]);
+            const std::lock_guard lock(mutex);
+            m_options.progress(static_cast<double>(++done) / static_cast<double>(animations.size()));
+        });
+        for (std::size_t animation = 0; animation < animations.size(); ++animation) {
+            Note(animations[animation], reduced[animation]);
+            Write(animation, reduced[animation].curves);
+        }
+        gltf::CollectGarbage(m_document, {Kind::kAccessor, Kind::kBufferView, Kind::kBuffer}, false);
+        return m_report;
+    }
+
+private:
+    struct Reduced {
+        std::map<std::size_t, KeyCurve> curves;  // by channel
+        double length = 0;
+        double angle = 0;
+        std::size_t node = kNone;
+        double time = 0;
+        bool isBound = false;
+    };
+
+    Reduced Reduce(const compare::Animation& animation) const {
+        const ReduceTolerance& tolerance = m_options.tolerance;
+        Reduced reduced;
+        std::vector<Track> tracks;
+        for (const compare::Channel& channel : animation.channels) {
+            if (channel.path <= Path::kScale) {
+                tracks.push_back({&channel, channel.curve});
+            } else {
+                reduced.curves.emplace(channel.index, Thinned(channel.curve, false, tolerance.value));
+            }
+        }
+        const Motion motion(m_evaluator, m_watched, tracks);
+        Shares shares(motion, tracks, tolerance);
+        if (tolerance.length > 0 || tolerance.angle > 0) {
+            reduced.isBound = motion.Cost() > kGreatestCost;
+            if (reduced.isBound) {
+                shares.SettleUnplayed();
+                reduced.length = tolerance.length;
+                reduced.angle = tolerance.angle;
+            } else {
+                const std::vector<Stray> strays = shares.Settle();
+                for (std::size_t watch = 0; watch < strays.size(); ++watch) {
+                    reduced.angle = std::max(reduced.angle, strays[watch].angle);
+                    if (strays[watch].length <= reduced.length) continue;
+                    reduced.length = strays[watch].length;
+                    reduced.node = motion.Watches()[watch].node;
+                    reduced.time = strays[watch].lengthTime;
+                }
+            }
+        }
+        for (Track& track : tracks) reduced.curves.emplace(track.channel->index, std::move(track.reduced));
+        return reduced;
+    }
+
+    void Note(const compare::Animation& animation, const Reduced& reduced) {
+        for (const compare::Channel& channel : animation.channels)
+            m_report.keysBefore += KeyCount(channel.curve);
+        for (const auto& [channel, curve] : reduced.curves) m_report.keysAfter += KeyCount(curve);
+        m_report.isBound |= reduced.isBound;
+        m_report.angle = std::max(m_report.angle, reduced.angle);
+        if (reduced.length <= m_report.length) return;
+        m_report.length = reduced.length;
+        m_report.animation = animation.name;
+        m_report.time = reduced.time;
+        if (reduced.node == kNone) return;
+        const Json* name = m_document.Elements(Kind::kNode)[reduced.node].Find("name");
+        m_report.node = name != nullptr ? std::string(name->String()) : Join("#", reduced.node);
+    }
+
+    void Write(std::size_t animation, const std::map<std::size_t, KeyCurve>& reduced) {
+        std::map<std::vector<float>, std::size_t> inputs;  // accessors of equal times are one
+        for (const compare::Channel& channel : m_evaluator.Animations()[animation].channels) {
+            const KeyCurve& curve = reduced.at(channel.index);
+            if (KeyCount(curve) == KeyCount(channel.curve)) continue;
+            gltf::JsonTree& tree = m_document.Tree();
+            const auto element = [&]() -> Json& { return m_document.Elements(Kind::kAnimation)[animation]; };
+            const std::size_t oldSampler =
+                gltf::IndexMember(element().Find("channels")->Items()[channel.index], "sampler");
+            const Json& old = element().Find("samplers")->Items()[oldSampler];
+            const std::string type(m_document.Elements(Kind::kAccessor)[gltf::IndexMember(old, "output")]
+                                       .Find("type")
+                                       ->String());
+            const std::vector<float> times(curve.Times().begin(), curve.Times().end());
+            auto input = inputs.find(times);
+            if (input == inputs.end()) {
+                input =
+                    inputs
+                        .emplace(times, gltf::AppendFloats(m_document, "SCALAR", gltf::Use::kKeyTimes, times))
+                        .first;
+            }
+            const std::size_t output =
+                gltf::AppendFloats(m_document, type, gltf::Use::kKeyValues, curve.Values());
+            Json sampler = tree.Clone(element().Find("samplers")->Items()[oldSampler]);
+            tree.Member(sampler, "input") = tree.MakeIndex(input->second);
+            tree.Member(sampler, "output") = tree.MakeIndex(output);
+            Json& samplers = *element().Find("samplers");
+            tree.Append(samplers, sampler);
+            tree.Member(element().Find("channels")->Items()[channel.index], "sampler") =
+                tree.MakeIndex(samplers.Items().size() - 1);
+        }
+    }
+
+    gltf::Document& m_document;
+    const ReduceOptions& m_options;
+    compare::Evaluator m_evaluator;
+    std::vector<reduce::Watched> m_watched;
+    ReduceReport m_report;
+};
+
+}  // namespace
+
+ReduceReport ReduceKeys(gltf::Document& document, const ReduceOptions& options) {
+    return Reducer(document, options).Run();
+}
+
+}  // namespace zr

@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/reduce/watched_points.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <set>
+#include <string>
+
+#include "base/text.h"
+#include "gltf/accessor.h"
+
+namespace zr::reduce {
+namespace {
+
+using compare::Evaluator;
+using compare::kNone;
+using gltf::IndexMember;
+using gltf::Json;
+using gltf::Kind;
+
+struct Box {
+    Vec3 low{kFar, kFar, kFar}, high{-kFar, -kFar, -kFar};
+    static constexpr double kFar = std::numeric_limits<double>::infinity();
+
+    bool IsEmpty() const { return low.x > high.x; }
+    void Widen(Vec3 p) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    }
+    std::array<Vec3, 8> Corners() const {
+        std::array<Vec3, 8> corners;
+        for (std::size_t i = 0; i < 8; ++i)
+            corners[i] = {i & 1 ? high.x : low.x, i & 2 ? high.y : low.y, i & 4 ? high.z : low.z};
+        return corners;
+    }
+};
+
+Vec3 Vector(std::span<const float> numbers, std::size_t index) {
+    return {static_cast<double>(numbers[3 * index]), static_cast<double>(numbers[3 * index + 1]),
+            static_cast<double>(numbers[3 * index + 2])};
+}
+
+Vec3 Sizes(Vec3 v) {
+    return {std::abs(v.x), std::abs(v.y), std::abs(v.z)};
+}
+
+const Json* Extension(const Json& element, std::string_view name) {
+    const Json* extensions = element.Find("extensions");
+    return extensions != nullptr ? extensions->Find(name) : nullptr;
+}
+
+class PointFinder {
+public:
+    explicit PointFinder(const Evaluator& evaluator)
+        : m_evaluator(evaluator),
+          m_document(evaluator.Document()),
+          m_watched(evaluator.Nodes()),
+          m_boxes(evaluator.Nodes()) {
+        NoteGreatestWeights();
+    }
+
+    std::vector<Watched> Find() {
+        for (std::size_t node = 0; node < m_watched.size(); ++node) AddNode(node);
+        for (std::size_t node = 0; node < m_watched.size(); ++node) {
+            if (m_boxes[node].IsEmpty()) continue;
+            const auto corners = m_boxes[node].Corners();
+            m_watched[node].points.insert(m_watched[node].points.end(), corners.begin(), corners.end());
+        }
+        WatchMovingEnds();
+        return std::move(m_watched);
+    }
+
+private:
+    void NoteGreatestWeights() {
+        for (const compare::Animation& animation : m_evaluator.Animations()) {
+            for (const compare::Channel& channel : animation.channels) {
+                if (channel.path != compare::Path::kWeights) continue;
+                std::vector<double>& greatest = m_weights[channel.node];
+                std::vector<double> at(channel.curve.Width());
+                greatest.resize(std::max(greatest.size(), at.size()));
+                for (const float time : channel.curve.Times()) {
+                    channel.curve.At(static_cast<double>(time), false, at);
+                    for (std::size_t i = 0; i < at.size(); ++i)
+                        greatest[i] = std::max(greatest[i], std::abs(at[i]));
+                }
+            }
+        }
+    }
+
+    double GreatestWeight(std::size_t node, std::size_t target) const {
+        const std::vector<double> rest = m_evaluator.Weights(node);
+        const double atRest = target < rest.size() ? std::abs(rest[target]) : 0;
+        const auto moving = m_weights.find(node);
+        if (moving == m_weights.end() || target >= moving->second.size()) return atRest;
+        return std::max(atRest, moving->second[target]);
+    }
+
+    void AddNode(std::size_t node) {
+        const Json& json = m_document.Elements(Kind::kNode)[node];
+        if (json.Find("camera") != nullptr || Extension(json, "KHR_lights_punctual") != nullptr) Watch(node);
+        const Json* mesh = json.Find("mesh");
+        if (mesh == nullptr) return;
+        for (const Json& primitive :
+             m_document.Elements(Kind::kMesh)[IndexMember(json, "mesh")].Find("primitives")->Items()) {
+            const Json* position = primitive.Find("attributes")->Find("POSITION");
+            if (position == nullptr) continue;
+            const Vec3 reach = MorphReach(primitive, node);
+            if (json.Find("skin") != nullptr && AddSkinned(primitive, IndexMember(json, "skin"), reach))
+                continue;
+            const Box box = Widened(BoundsOf(IndexMember(*primitive.Find("attributes"), "POSITION")), reach);
+            if (box.IsEmpty()) {
+                Watch(node);
+            } else {
+                for (const Affine& instance : Instances(json)) AddCorners(box, instance, node);
+            }
+        }
+    }
+
+    void Watch(std::size_t node) {
+        if (m_watched[node].direction) return;
+        m_watched[node].points.push_back({});
+        m_watched[node].direction = true;
+    }
+
+    void AddCorners(const Box& box, const Affine& place, std::size_t node) {
+        for (const Vec3& corner : box.Corners()) m_boxes[node].Widen(place.Point(corner));
+    }
+
+    static Box Widened(Box box, Vec3 reach) {
+        box.low = box.low - reach;
+        box.high = box.high + reach;
+        return box;
+    }
+
+    // Of the values, as the accessor states them or as they stand.
+    Box BoundsOf(std::size_t accessor) {
+        const auto [known, isNew] = m_bounds.try_emplace(accessor);
+        if (!isNew) return known->second;
+        const Json& json = m_document.Elements(Kind::kAccessor)[accessor];
+        const Json* low = json.Find("min");
+        const Json* high = json.Find("max");
+        const gltf::AccessorInfo info = gltf::Describe(m_document, accessor);
+        if (low != nullptr && high != nullptr && low->Items().size() == 3 && high->Items().size() == 3 &&
+            !info.normalized) {
+            for (const Json* corner : {low, high})
+                known->second.Widen(
+                    {corner->Items()[0].Number(), corner->Items()[1].Number(), corner->Items()[2].Number()});
+        } else if (gltf::HasData(m_document, accessor) && info.shape.Components() == 3) {
+            const std::vector<float> values = gltf::ReadFloats(m_document, accessor);
+            for (std::size_t i = 0; i < info.count; ++i) known->second.Widen(Vector(values, i));
+        }
+        return known->second;
+    }
+
+    // How far morph targets move a vertex along each axis at the most.
+    Vec3 MorphReach(const Json& primitive, std::size_t node) {
+        Vec3 reach;
+        const Json* targets = primitive.Find("targets");
+        if (targets == nullptr) return reach;
+        for (std::size_t i = 0; i < targets->Items().size(); ++i) {
+            const Json& target = targets->Items()[i];
+            if (target.Find("POSITION") == nullptr) continue;
+            const Box box = BoundsOf(IndexMember(target, "POSITION"));
+            if (box.IsEmpty()) continue;
+            const Vec3 low = Sizes(box.low), high = Sizes(box.high);
+            reach = reach + Vec3{std::max(low.x, high.x), std::max(low.y, high.y), std::max(low.z, high.z)} *
+                                GreatestWeight(node, i);
+        }
+        return reach;
+    }
+
+    // A skinned vertex is a mean of where its joints take it: it stays within a length when each of them
+    // does. False when its joints cannot be read: the node's own place has to serve.
+    bool AddSkinned(const Json& primitive, std::size_t skin, Vec3 reach) {
+        const Json& attributes = *primitive.Find("attributes");
+        const std::size_t position = IndexMember(attributes, "POSITION");
+        const std::span<const Json> joints = m_document.Elements(Kind::kSkin)[skin].Find("joints")->Items();
+        const std::vector<Affine> binds = InverseBinds(skin, joints.size());
+        std::vector<Box> boxes(joints.size());
+        for (std::size_t set = 0;; ++set) {
+            const std::string jointsName = Join("JOINTS_", set), weightsName = Join("WEIGHTS_", set);
+            if (attributes.Find(jointsName) == nullptr || attributes.Find(weightsName) == nullptr) {
+                if (set == 0) return false;
+                break;
+            }
+            const std::size_t influences = IndexMember(attributes, jointsName);
+            const std::size_t shares = IndexMember(attributes, weightsName);
+            if (!gltf::HasData(m_document, position) || !gltf::HasData(m_document, influences) ||
+                !gltf::HasData(m_document, shares)) {
+                std::fill(boxes.begin(), boxes.end(), BoundsOf(position));
+                break;
+            }
+            const std::vector<float> points = gltf::ReadFloats(m_document, position);
+            const std::vector<std::uint32_t> indices = gltf::ReadIntegers(m_document, influences);
+            const std::vector<float> weights = gltf::ReadFloats(m_document, shares);
+            for (std::size_t i = 0; i < std::min(indices.size(), weights.size()); ++i) {
+                if (weights[i] != 0 && indices[i] < boxes.size() && 3 * (i / 4) + 2 < points.size())
+                    boxes[indices[i]].Widen(Vector(points, i / 4));
+            }
+        }
+        for (std::size_t joint = 0; joint < boxes.size(); ++joint) {
+            if (!boxes[joint].IsEmpty())
+                AddCorners(Widened(boxes[joint], reach), binds[joint],
+                           static_cast<std::size_t>(joints[joint].Number()));
+        }
+        return true;
+    }
+
+    std::vector<Affine> InverseBinds(std::size_t skin, std::size_t joints) const {
+        std::vector<Affine> binds(joints);
+        const Json& json = m_document.Elements(Kind::kSkin)[skin];
+        if (json.Find("inverseBindMatrices") == nullptr) return binds;
+        const std::size_t accessor = IndexMember(json, "inverseBindMatrices");
+        if (!gltf::HasData(m_document, accessor)) return binds;
+        const std::vector<float> matrices = gltf::ReadFloats(m_document, accessor);
+        for (std::size_t joint = 0; joint < joints && 16 * joint + 16 <= matrices.size(); ++joint)
+            binds[joint] = compare::AffineOf(std::span<const float>(matrices).subspan(16 * joint, 16));
+        return binds;
+    }
+
+    // Where a node's mesh is drawn in the node's space.
+    std::vector<Affine> Instances(const Json& node) const {
+        const Json* instancing = Extension(node, "EXT_mesh_gpu_instancing");
+        const Json* attributes = instancing != nullptr ? instancing->Find("attributes") : nullptr;
+        if (attributes == nullptr) return {Affine()};
+        const auto read = [&](std::string_view name) {
+            if (attributes->Find(name) == nullptr) return std::vector<float>();
+            const std::size_t accessor = IndexMember(*attributes, name);
+            return gltf::HasData(m_document, accessor) ? gltf::ReadFloats(m_document, accessor)
+                                                       : std::vector<float>();
+        };
+        const std::vector<float> places = read("TRANSLATION"), turns = read("ROTATION"),
+                                 scales = read("SCALE");
+        std::vector<Affine> instances(std::max({places.size() / 3, turns.size() / 4, scales.size() / 3}));
+        for (std::size_t i = 0; i < instances.size(); ++i) {
+            compare::Trs parts;
+            if (3 * i + 3 <= places.size()) std::copy_n(&places[3 * i], 3, parts.translation.begin());
+            if (4 * i + 4 <= turns.size()) std::copy_n(&turns[4 * i], 4, parts.rotation.begin());
+            if (3 * i + 3 <= scales.size()) std::copy_n(&scales[3 * i], 3, parts.scale.begin());
+            instances[i] = parts.Matrix();
+        }
+        return instances;
+    }
+
+    // Something may hang on a moving node that nothing is drawn below.
+    void WatchMovingEnds() {
+        std::set<std::size_t> moving;
+        for (const compare::Animation& animation : m_evaluator.Animations()) {
+            for (const compare::Channel& channel : animation.channels)
+                if (channel.path <= compare::Path::kScale) moving.insert(channel.node);
+        }
+        std::vector<bool> isSeen(m_evaluator.Nodes(), false);  // the node or something below it
+        const std::vector<std::size_t>& order = m_evaluator.ParentsFirst();
+        for (auto node = order.rbegin(); node != order.rend(); ++node) {
+            if (!isSeen[*node] && m_watched[*node].IsEmpty() && moving.contains(*node)) Watch(*node);
+            if (!m_watched[*node].IsEmpty()) isSeen[*node] = true;
+            const std::size_t parent = m_evaluator.Parent(*node);
+            if (isSeen[*node] && parent != kNone) isSeen[parent] = true;
+        }
+    }
+
+    const Evaluator& m_evaluator;
+    const gltf::Document& m_document;
+    std::vector<Watched> m_watched;
+    std::vector<Box> m_boxes;
+    std::map<std::size_t, Box> m_bounds;                   // by accessor
+    std::map<std::size_t, std::vector<double>> m_weights;  // by node: the greatest of any animation
+};
+
+}  // namespace
+
+std::vector<Watched> WatchedPoints(const Evaluator& evaluator) {
+    return PointFinder(evaluator).Find();
+}
+
+}  // namespace zr::reduce
