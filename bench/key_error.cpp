@@ -199,7 +199,6 @@ Measured Hierarchical(const gltf::Document& document, double wished) {
                     keys += track.reduced.Times().size();
                 }
             }
-            // Curves of nodes that nothing hangs on are not played.
             return keys;
         };
         double low = 0, high = 64 * wished;

@@ -19,6 +19,7 @@ void AddAnimationsCommand(CLI::App& app, Session& session);
 void AddCompareCommand(CLI::App& app, Session& session);
 void AddInspectCommand(CLI::App& app, Session& session);
 void AddMergeCommand(CLI::App& app, Session& session);
+void AddReduceCommand(CLI::App& app, Session& session);
 void AddRemoveAnimationsCommand(CLI::App& app, Session& session);
 void AddSplitCommand(CLI::App& app, Session& session);
 void AddExportCommand(CLI::App& app, Session& session);
@@ -46,6 +47,7 @@ inline constexpr CommandEntry kCommands[] = {
     {"Change animations", AddMergeCommand},
     {"Change animations", AddSplitCommand},
     {"Change animations", AddRemoveAnimationsCommand},
+    {"Change animations", AddReduceCommand},
     {"Draw", AddTextCommand},
     {"Draw", AddFontsCommand},
     {"About the program", AddDescribeCommand},

@@ -10,6 +10,7 @@
 #include "app/commands/export_arguments.h"
 #include "app/commands/files.h"
 #include "app/commands/html_report.h"
+#include "app/commands/reduction.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
@@ -55,6 +56,8 @@ public:
                                   (task.output == kStandardStream && m_arguments.Files().format == "json");
         CheckPageFile(m_session, m_arguments.PageFile(),
                       {task.input, task.output, m_arguments.RenameMapFile()});
+        if (wantsRecords && !m_arguments.Tolerance().empty())
+            throw UsageError("--tolerance reduces the keys of a scene: the output is a .glb or .gltf file");
         if (wantsRecords && !m_arguments.PageFile().empty())
             throw UsageError("--report shows a scene: the output is a .glb or .gltf file");
         OutputTarget out(m_session, task.output, EndingOf(m_arguments.Files().format));
@@ -79,6 +82,7 @@ public:
         FileTransaction files;
         OutputFile* const mapFile = mapTarget ? &files.Create(mapTarget->Path()) : nullptr;
         MotionReport motion;
+        std::optional<ReduceReport> reduced;
         if (wantsRecords) {
             if (!m_options.Has(vl::tk::kIgnoreAnimation)) RequireOneAnimation(loaded.Scene());
             motion =
@@ -90,6 +94,11 @@ public:
             Exported exported =
                 ExportScene(m_session.GetHost(), std::move(loaded), m_options, onProgress, wantedMap);
             m_session.ThrowIfStopped();
+            if (!m_arguments.Tolerance().empty()) {
+                ReduceOptions reduceOptions{ReadReduceTolerance(m_arguments.Tolerance())};
+                reduceOptions.progress = [&](double) { m_session.ThrowIfStopped(); };
+                reduced = ReduceKeys(exported.document, reduceOptions);
+            }
             exported.document.Save(out.Path(), files);
             motion = std::move(exported.report);
         }
@@ -103,6 +112,10 @@ public:
         report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
                                                    : task.output + ": " + Describe(motion));
         report.json = JsonOf(motion);
+        if (reduced) {
+            report.Line("reduced: " + Describe(*reduced));
+            report.json.Set("reduced", JsonOf(*reduced));
+        }
         return report;
     }
 

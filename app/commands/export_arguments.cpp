@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/export_arguments.h"
+#include "app/commands/reduction.h"
 
 #include <CLI/CLI.hpp>
 
@@ -122,6 +123,12 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->group(kHierarchyGroup);
     AddRepeated(command, "--animation", m_animations,
                 "Export this animation (name, or index); may be repeated; else all")
+        ->group(kKeysGroup);
+    command
+        .add_option("--tolerance", m_tolerance,
+                    "Then drop and refit keys: how far a drawn point may leave its place, as 0.1mm,0.05deg "
+                    "(see zr reduce)")
+        ->type_name(kToleranceType)
         ->group(kKeysGroup);
     m_rescale = AddNumber(command, "--rescale", m_options.rescale, kTimeFactors, "FACTOR",
                           "Multiply times by this factor")

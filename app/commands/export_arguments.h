@@ -30,6 +30,8 @@ public:
     const std::vector<std::string>& Animations() const {
         return m_animations;
     }  // names or indices; none: all
+    // How far motion may stray for fewer keys; empty: not at all.
+    const std::string& Tolerance() const { return m_tolerance; }
     bool Force() const { return m_force; }
     const std::string& PageFile() const { return m_page; }
     const std::string& RenameMapFile() const { return m_passes.RenameMapFile(); }
@@ -42,6 +44,7 @@ private:
     bool m_keepsEmpty = false;  // said, as it is anyway
     float m_length = 0;
     std::string m_up = "y";
+    std::string m_tolerance;
     std::string m_check = "quick";
     double m_scale = 1;
     std::string m_optionWords;

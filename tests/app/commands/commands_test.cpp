@@ -101,6 +101,20 @@ TEST_F(Commands, ExportTellsWhatItDid) {
     EXPECT_NE(m_folder.Read("map.json").find("xox"), std::string::npos) << m_folder.Read("map.json");
 }
 
+TEST_F(Commands, ReduceTellsWhatItDid) {
+    const std::string scene = std::string(ZR_EXAMPLES) + "/windmill.gltf";
+    const gltf::Json json = Json("reduce " + scene + " b.glb --tolerance 1cm,0.5deg");
+    const gltf::Json& result = json.Find("results")->Items()[0];
+    EXPECT_LT(result.Find("keysAfter")->Number(), result.Find("keysBefore")->Number());
+    EXPECT_LE(result.Find("length")->Number(), 0.01);
+    EXPECT_EQ(m_folder.Zr("compare " + scene + " b.glb --only points,views --tolerance 1cm,0.5deg").status,
+              0);
+    EXPECT_NE(m_folder.Zr("export " + scene + " c.glb --tolerance 1cm").out.find("reduced: "),
+              std::string::npos);
+    EXPECT_EQ(m_folder.Zr("reduce " + scene + " c.glb").status, 2);
+    EXPECT_EQ(m_folder.Zr("reduce " + scene + " c.glb --tolerance 1parsec").status, 2);
+}
+
 TEST_F(Commands, RecordsHoldOneAnimation) {
     ExpectFailure("export a.glb b.json", "a.glb: records hold one animation");
     ExpectFailure("export a.glb b.json --animation 0 --animation 1", "choose it with --animation");

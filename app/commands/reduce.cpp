@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+#include "app/commands/batch.h"
+#include "app/commands/commands.h"
+#include "app/commands/files.h"
+#include "app/commands/options.h"
+#include "app/commands/reduction.h"
+#include "app/commands/session.h"
+#include "app/operations/export/export_scene.h"
+
+namespace zr {
+namespace {
+
+struct ReduceArguments {
+    BatchArguments files;
+    std::string tolerance;
+};
+
+// The tools' own pass takes the keys that change nothing; the tolerance is left to those that do.
+Exported WithoutRedundantKeys(Session& session, gltf::Document document, const Advance& advance) {
+    ExportOptions options;
+    options.exportFlags |= vl::tk::kMergeKeys;
+    return ExportScene(session.GetHost(), LoadedScene(std::move(document)), options, advance);
+}
+
+Report Reduce(Session& session, const ReduceTolerance& tolerance, const ReduceArguments& arguments,
+              const Task& task, const Advance& advance) {
+    constexpr double kMerged = 0.3;  // of the time, roughly
+    OutputTarget out(session, task.output, EndingOf(arguments.files.format));
+    Report report;
+    Exported exported = WithoutRedundantKeys(session, LoadDocument(session, task.input, report),
+                                             [&](double done) { advance(kMerged * done); });
+    ReduceOptions options{tolerance};
+    options.progress = [&](double done) { advance(kMerged + (1 - kMerged) * done); };
+    ReduceReport reduced = ReduceKeys(exported.document, options);
+    reduced.keysBefore += exported.report.keysBefore - exported.report.keysAfter;
+    SaveDocument(session, exported.document, out);
+    report.Line(arguments.files.IsSingle() ? Describe(reduced) : task.output + ": " + Describe(reduced));
+    report.json = JsonOf(reduced);
+    return report;
+}
+
+int RunReduce(Session& session, const ReduceArguments& arguments) {
+    const ReduceTolerance tolerance = ReadReduceTolerance(arguments.tolerance);
+    session.GetHost();
+    return RunBatch(session, "reduce", arguments.files, PlanTasks(arguments.files, kSceneFiles),
+                    [&](const Task& task, const Advance& advance) {
+                        return Reduce(session, tolerance, arguments, task, advance);
+                    });
+}
+
+}  // namespace
+
+void AddReduceCommand(CLI::App& app, Session& session) {
+    auto* command = app.add_subcommand(
+        "reduce", "Drop and refit keys, within a tolerance that holds where motion is seen");
+    auto arguments = std::make_shared<ReduceArguments>();
+    command
+        ->add_option(
+            "--tolerance", arguments->tolerance,
+            "How far a drawn point may leave its place, as 0.1mm, and how far a camera or light may turn "
+            "(else 0.05deg) and weights and pointers may differ (else not at all)")
+        ->type_name(kToleranceType)
+        ->required();
+    AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
+    AddExamples(
+        *command,
+        {{"reduce scene.glb small.glb --tolerance 0.1mm,0.05deg", "Nothing seen is off by more."},
+         {"reduce scene.glb small.glb --tolerance 1mm,0.1deg,0.001", "Morph weights take part as well."},
+         {"reduce --out-dir small --jobs 2 --tolerance 0.5mm scenes", "Every scene below a folder."}});
+    command->callback([arguments, &session] {
+        session.SetCommand([arguments, &session] { return RunReduce(session, *arguments); });
+    });
+}
+
+}  // namespace zr
