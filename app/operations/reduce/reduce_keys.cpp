@@ -31,7 +31,7 @@ using reduce::Track;
 
 // What is measured stays this far below what is allowed: between the times that are played something may
 // stray a little farther.
-constexpr double kMargin = 0.98;
+constexpr double kMargin = 0.995;
 // A measurement that plays more transforms than this is not worth its time.
 constexpr std::size_t kGreatestCost = 40'000'000;
 
@@ -133,7 +133,7 @@ private:
             // Steps that shrink from round to round let the shares come to rest.
             const double pace = 1.0 / (1 + round / 6);
             for (std::size_t mover = 0; mover < m_shares.size(); ++mover) {
-                const double wanted = use[mover] > 0 ? std::clamp(0.97 / use[mover], 0.25, 4.0) : 4.0;
+                const double wanted = use[mover] > 0 ? std::clamp(0.99 / use[mover], 0.25, 4.0) : 4.0;
                 m_shares[mover] = std::min(m_shares[mover] * std::pow(wanted, pace), kGreatestShare);
                 Thin(mover);
             }
@@ -192,7 +192,7 @@ private:
                 const double sine = reach > 0 ? length / (2 * mover.scale * reach) : 1;
                 double turn = sine < 1 ? 2 * std::asin(sine) : std::numbers::pi;
                 if (mover.direction) turn = std::min(turn, angle);
-                track.reduced = Thinned(given, true, std::min(turn, 0.5));
+                track.reduced = Thinned(given, true, turn);
             }
         }
     }
