@@ -10,7 +10,7 @@ build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(
 # $(call packages,LISTS): what the program needs, and the lists named.
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
-.PHONY: all install demo test test-release test-asan test-tsan test-report bench check tidy coverage package \
+.PHONY: all install demo test test-release test-asan test-tsan test-report bench bench-peers bench-reduction check tidy coverage package \
 	package-test dist windows windows-packages windows-test clean
 
 all:
@@ -54,6 +54,16 @@ bench:
 	@$(call packages,qt bench)
 	@$(call build,release,-DZR_BUILD_BENCH=ON,all)
 	@for bench in build/release/bin/*_bench; do $$bench || exit 1; done
+
+# zr beside other tools on the same scenes, as tables; scenes and tools go to build/peers.
+bench-peers:
+	@$(call packages,qt bench peers)
+	@$(call build,release,-DZR_BUILD_BENCH=ON,zr make_scene floor key_error)
+	@tools/bench-peers build/release/bin build/peers
+
+# Keys left at equal error, for scenes of your own: make bench-reduction SCENES="a.glb b.glb"
+bench-reduction: bench-peers
+	@tools/bench-reduction build/release/bin build/peers $(SCENES)
 
 # What a machine can check without running anything.
 check:
