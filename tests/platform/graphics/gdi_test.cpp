@@ -113,20 +113,23 @@ TEST(Fonts, ThreadsShareAFace) {
     for (const int width : widths) EXPECT_EQ(width, widths[0]);
 }
 
+struct FoundStyles {
+    std::set<std::pair<LONG, bool>> styles;
+    int left;
+};
+
+int CALLBACK NoteStyle(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM user) {
+    auto& into = *reinterpret_cast<FoundStyles*>(user);
+    into.styles.insert({font->lfWeight, font->lfItalic != 0});
+    return --into.left > 0;
+}
+
 std::set<std::pair<LONG, bool>> StylesOf(const char16_t* family, int most) {
-    struct Found {
-        std::set<std::pair<LONG, bool>> styles;
-        int left;
-    } found{{}, most};
+    FoundStyles found{{}, most};
     LOGFONTW record = Record(family, 0);
     record.lfCharSet = DEFAULT_CHARSET;
     const HDC dc = GetDC(nullptr);
-    const FONTENUMPROCW tell = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM user) -> int {
-        auto& into = *reinterpret_cast<Found*>(user);
-        into.styles.insert({font->lfWeight, font->lfItalic != 0});
-        return --into.left > 0;
-    };
-    EnumFontFamiliesExW(dc, &record, tell, reinterpret_cast<LPARAM>(&found), 0);
+    EnumFontFamiliesExW(dc, &record, NoteStyle, reinterpret_cast<LPARAM>(&found), 0);
     ReleaseDC(nullptr, dc);
     return found.styles;
 }
