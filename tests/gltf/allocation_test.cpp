@@ -23,6 +23,11 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (g_untilFailure > 0 && --g_untilFailure == 0) return nullptr;
+    return std::malloc(size == 0 ? 1 : size);
+}
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"  // the ones above
 void operator delete(void* place) noexcept {

@@ -50,7 +50,7 @@ async function testExport() {
   const rows = "document.querySelectorAll('[role=treeitem]').length";
   const before = await browser.evaluate(rows);
   await browser.click("[role=treeitem] .twist");
-  expect((await browser.evaluate(rows)) < before, "a row folds");
+  await browser.until(`${rows} < ${before}`, 10);
   await browser.click("#tab-curves");
   expect((await text("#content .flag")).includes("keys"), "tracks tell their keys");
   expect(await browser.evaluate(`(() => { const c = document.querySelector("canvas.plot"), d = c.getContext("2d")
@@ -64,10 +64,10 @@ async function testExport() {
   await browser.press(" ");
   await browser.until("zrReport.playing && zrReport.view.frames > 3");
   await browser.press(" ");
-  expect(!(await browser.evaluate("zrReport.playing")), "space stops");
+  await browser.until("!zrReport.playing", 10);
   const theme = await browser.evaluate("document.documentElement.dataset.theme");
   await browser.press("t");
-  expect((await browser.evaluate("document.documentElement.dataset.theme")) !== theme, "t changes the colours");
+  await browser.until(`document.documentElement.dataset.theme !== ${JSON.stringify(theme)}`, 10);
 }
 
 async function testClean() {
@@ -83,7 +83,7 @@ async function testClean() {
   expect((await text("[role=treeitem]:last-child")).includes("empty 4443"), "search finds a name");
   await browser.press("Escape");
   await browser.press("3");
-  expect((await browser.evaluate("document.querySelector('#tab-tree').getAttribute('aria-selected')")) === "true", "digits choose parts");
+  await browser.until("document.querySelector('#tab-tree').getAttribute('aria-selected') === 'true'", 10);
   const frames = await browser.evaluate(`new Promise((resolve) => { const list = document.querySelector(".rows"); let n = 0;
     const start = performance.now(); const step = () => { list.scrollTop += 2000; ++n;
       performance.now() - start < 1000 ? requestAnimationFrame(step) : resolve(n); }; step(); })`);
