@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/text.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -51,6 +52,13 @@ void AppendEscape(std::string& out, char mark, std::uint32_t code, int digits) {
 std::string Counted(std::size_t count, std::string_view noun) {
     const bool takesEs = noun.ends_with("h") || noun.ends_with("x") || noun.ends_with("s");
     return Join(count, " ", noun, count == 1 ? "" : takesEs ? "es" : "s");
+}
+
+bool HasEnding(std::string_view name, std::string_view ending) {
+    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return name.size() >= ending.size() &&
+           std::equal(ending.begin(), ending.end(), name.end() - static_cast<std::ptrdiff_t>(ending.size()),
+                      [&](char a, char b) { return folded(a) == folded(b); });
 }
 
 std::string Printable(std::string_view text) {

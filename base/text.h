@@ -24,6 +24,9 @@ std::string Join(const Parts&... parts) {
 // "1 animation", "2 animations", "2 meshes".
 std::string Counted(std::size_t count, std::string_view noun);
 
+// Whether a file's name has the ending (".glb"), in upper or lower case.
+bool HasEnding(std::string_view name, std::string_view ending);
+
 // The text as one line that a terminal shows and does not obey: control characters, separators of lines,
 // characters that turn the direction of writing, and bytes that are not UTF-8 become escapes ("\n", "\x1B",
 // "\u202E"). What it returned once it returns unchanged.

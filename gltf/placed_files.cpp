@@ -117,8 +117,8 @@ bool PlacedFiles::IsUsedBySibling(const fs::path& name) const {
     std::uint64_t read = 0;
     try {
         for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-            const fs::path extension = entry.path().extension();
-            if (!entry.is_regular_file() || (extension != ".gltf" && extension != ".glb")) continue;
+            const std::string file = PathToUtf8(entry.path());
+            if (!entry.is_regular_file() || (!HasEnding(file, ".gltf") && !HasEnding(file, ".glb"))) continue;
             if (IsScene(entry.path().filename())) continue;
             if ((read += entry.file_size()) > kMaxSiblings) return true;
             const FileContent content = ReadFile(entry.path());

@@ -55,7 +55,7 @@ public:
         : m_document(document),
           m_tree(document.m_tree),
           m_target(target),
-          m_toGlb(target.extension() == ".glb"),
+          m_toGlb(HasEnding(PathToUtf8(target), ".glb")),
           m_sameFolder(SameFolder(target, document.m_file)),
           m_files(files),
           m_names(target, files) {}
@@ -296,8 +296,9 @@ private:
 };
 
 std::uint64_t Document::Save(const fs::path& target, FileTransaction& files) {
-    if (target.extension() != ".glb" && target.extension() != ".gltf")
-        throw Error(ErrorKind::kFile, PathToUtf8(target), "", "a scene's name ends in .gltf or .glb");
+    const std::string name = PathToUtf8(target);
+    if (!HasEnding(name, ".glb") && !HasEnding(name, ".gltf"))
+        throw Error(ErrorKind::kFile, name, "", "a scene's name ends in .gltf or .glb");
     return Saver(*this, target, files).Run();
 }
 

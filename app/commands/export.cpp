@@ -15,6 +15,7 @@
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
 #include "base/file_transaction.h"
+#include "base/text.h"
 
 namespace zr {
 namespace {

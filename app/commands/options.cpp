@@ -148,10 +148,4 @@ void AddExamples(CLI::App& command, const std::vector<Example>& examples) {
     command.footer(text);
 }
 
-bool HasEnding(std::string_view name, std::string_view ending) {
-    return name.size() >= ending.size() &&
-           std::equal(ending.begin(), ending.end(), name.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                      [](char a, char b) { return vl::FoldCase(a) == vl::FoldCase(b); });
-}
-
 }  // namespace zr

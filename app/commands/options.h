@@ -72,7 +72,4 @@ struct Example {
 // Appends the examples to the command's help.
 void AddExamples(CLI::App& command, const std::vector<Example>& examples);
 
-// Whether a file's name has the ending (".glb"), in any case.
-bool HasEnding(std::string_view name, std::string_view ending);
-
 }  // namespace zr

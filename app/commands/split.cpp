@@ -146,6 +146,8 @@ Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
 int RunSplit(Session& session, const SplitArguments& arguments) {
     const bool isInPlace = arguments.outDir.empty();
     if (arguments.out.empty() == isInPlace) throw UsageError("give either OUT or --out-dir");
+    if (!isInPlace && arguments.scene == kStandardStream)
+        throw UsageError("--out-dir reads the scene for each part: give a file");
     const bool isCut = !arguments.cuts.empty();
     if (!isInPlace && !arguments.page.empty()) throw UsageError("--report shows one result: give OUT");
     if (isInPlace ? arguments.each == isCut : arguments.each && isCut)

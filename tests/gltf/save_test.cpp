@@ -182,5 +182,13 @@ TEST(Save, TextKeepsItsForm) {
     }
 }
 
+TEST(Save, EndingsDecideInEitherCase) {
+    const TemporaryFolder folder;
+    test::FromText(R"({"asset":{"version":"2.0"}})").Save(folder / "out.GLB");
+    EXPECT_EQ(folder.Read("out.GLB").substr(0, 4), "glTF");
+    test::FromText(R"({"asset":{"version":"2.0"}})").Save(folder / "out.glTF");
+    EXPECT_EQ(folder.Read("out.glTF").front(), '{');
+}
+
 }  // namespace
 }  // namespace zr::gltf

@@ -52,6 +52,7 @@ TEST(Clips, RefuseWhatMatchesNothing) {
     EXPECT_EQ(pairs.err, "zr: scene.glb: no node of the other scene is named \"no such node\"\n");
     EXPECT_EQ(folder.Zr("split scene.glb").status, 2);
     EXPECT_EQ(folder.Zr("split scene.glb out.glb --out-dir clips --each").status, 2);
+    EXPECT_EQ(folder.Zr("split - --out-dir clips").status, 2);
     EXPECT_FALSE(folder.Exists("out.glb"));
 }
 
