@@ -11,8 +11,9 @@ class Shown {
     this.root = gltf.scene;
     this.clips = gltf.animations;
     this.objects = [];  // by node of the document
-    for (const [object, { nodes }] of gltf.parser.associations)
-      if (nodes !== undefined && object.isObject3D && !this.objects[nodes]) this.objects[nodes] = object;
+    // A material that stands in for none is associated with nothing.
+    for (const [object, of] of gltf.parser.associations)
+      if (of?.nodes !== undefined && object.isObject3D && !this.objects[of.nodes]) this.objects[of.nodes] = object;
     this.scene = new THREE.Scene();
     this.scene.add(this.root, new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5));
     const sun = new THREE.DirectionalLight(0xffffff, 1.3);
