@@ -10,28 +10,6 @@ namespace {
 
 constexpr char kHex[] = "0123456789ABCDEF";
 
-struct Character {
-    std::uint32_t code = 0;
-    std::size_t size = 0;  // bytes; 0: the text does not begin with a character
-};
-
-Character First(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    if (lead < 0x80) return {lead, 1};
-    const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || size > text.size()) return {};
-    std::uint32_t code = lead & (0x7FU >> size);
-    for (std::size_t i = 1; i < size; ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if ((byte & 0xC0) != 0x80) return {};
-        code = code << 6 | (byte & 0x3FU);
-    }
-    constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
-    if (code < kLeast[size] || code > 0x10FFFF || isSurrogate) return {};
-    return {code, size};
-}
-
 // Characters that move the cursor, end the line or change the order in which others are shown.
 bool Steers(std::uint32_t code) {
     const auto within = [code](std::uint32_t first, std::uint32_t last) {
@@ -49,6 +27,23 @@ void AppendEscape(std::string& out, char mark, std::uint32_t code, int digits) {
 
 }  // namespace
 
+FirstCharacter FirstCharacterOf(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    if (lead < 0x80) return {lead, 1};
+    const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || size > text.size()) return {};
+    char32_t code = lead & (0x7FU >> size);
+    for (std::size_t i = 1; i < size; ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if ((byte & 0xC0) != 0x80) return {};
+        code = code << 6 | (byte & 0x3FU);
+    }
+    constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+    if (code < kLeast[size] || code > 0x10FFFF || isSurrogate) return {};
+    return {code, size};
+}
+
 std::string Counted(std::size_t count, std::string_view noun) {
     const bool takesEs = noun.ends_with("h") || noun.ends_with("x") || noun.ends_with("s");
     return Join(count, " ", noun, count == 1 ? "" : takesEs ? "es" : "s");
@@ -65,7 +60,7 @@ std::string Printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
-        const Character c = First(text);
+        const FirstCharacter c = FirstCharacterOf(text);
         if (c.size == 0)
             AppendEscape(out, 'x', static_cast<unsigned char>(text[0]), 2);
         else if (!Steers(c.code))

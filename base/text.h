@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,13 @@ std::string Join(const Parts&... parts) {
 
 // "1 animation", "2 animations", "2 meshes".
 std::string Counted(std::size_t count, std::string_view noun);
+
+// The character (UTF-8) that a text, which is not empty, begins with.
+struct FirstCharacter {
+    char32_t code = 0;
+    std::size_t size = 0;  // bytes; 0: the text does not begin with a character
+};
+FirstCharacter FirstCharacterOf(std::string_view text);
 
 // Whether a file's name has the ending (".glb"), in upper or lower case.
 bool HasEnding(std::string_view name, std::string_view ending);

@@ -40,6 +40,7 @@ writeFileSync(path("hall.gltf"), JSON.stringify(crowded()));
 run("clean", path("hall.gltf"), path("hall-clean.glb"), "--report", path("clean.html"));
 run("export", windmill, path("windmill.glb"), "--merge-keys", "--report", path("export.html"));
 run("merge", windmill, path("merged.glb"), "--animations", "turn,flight", "--sequence", "--report", path("merge.html"));
+run("text", "M8 x 20", path("plate.stl"), "--units", "mm", "--cap-height", "5", "--depth", "2", "--bold", "--report", path("text.html"));
 
 const browser = await Browser.start({ width: 1280, height: 720 });
 const settle = () => new Promise((resolve) => setTimeout(resolve, 800));
@@ -54,5 +55,6 @@ async function picture(page, name, dark, prepare = async () => {}) {
 await picture("clean.html", "report-clean.png", false);
 await picture("export.html", "report-export.png", true, () => browser.click("#tab-curves"));
 await picture("merge.html", "report-merge.png", false);
+await picture("text.html", "report-text.png", true);
 await browser.end();
 rmSync(folder, { recursive: true });

@@ -255,13 +255,9 @@ private:
 }  // namespace
 
 void AddBatchOptions(CLI::App& command, BatchArguments& arguments, const BatchFiles& files,
-                     const char* operands) {
+                     const char* operands, const char* description) {
     constexpr const char* kGroup = "Many files";
-    command
-        .add_option("files", arguments.files,
-                    "The file to read and the file to write; - is standard input, or output")
-        ->type_name(operands)
-        ->required();
+    command.add_option("files", arguments.files, description)->type_name(operands)->required();
     command
         .add_option(
             "--out-dir", arguments.outDir,

@@ -34,9 +34,11 @@ struct BatchFiles {
 
 inline const BatchFiles kSceneFiles{{".gltf", ".glb"}, {"glb", "gltf"}};
 
-// Adds the files and the options above. operands: how help shows the files of one task, "SCENE OUT".
-void AddBatchOptions(CLI::App& command, BatchArguments& arguments, const BatchFiles& files,
-                     const char* operands);
+// Adds the files and the options above. operands: how help shows those of one task, "SCENE OUT", and what
+// they are.
+void AddBatchOptions(
+    CLI::App& command, BatchArguments& arguments, const BatchFiles& files, const char* operands,
+    const char* description = "The file to read and the file to write; - is standard input, or output");
 
 // One file's work.
 struct Task {

@@ -29,6 +29,12 @@ fs::path NewFolder() {
     return pattern;
 }
 
+}  // namespace
+
+std::string EndingOf(const std::string& format) {
+    return "." + (format.empty() ? "glb" : format);
+}
+
 // The stream itself is read: opening it again by a name would wait for another writer where it is a named
 // pipe.
 std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
@@ -45,12 +51,6 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
                         Join("has more than the ", limit, " bytes that may be read of it"));
         if (got < kStep) return content;
     }
-}
-
-}  // namespace
-
-std::string EndingOf(const std::string& format) {
-    return "." + (format.empty() ? "glb" : format);
 }
 
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "gltf/document.h"
 
@@ -17,6 +18,9 @@ inline constexpr std::string_view kStandardStream = "-";  // in place of a file'
 
 // The ending of a file of that format (".gltf"); ".glb" when the format is empty.
 std::string EndingOf(const std::string& format);
+
+// All of standard input. Throws Error, also when there are more than `limit` bytes.
+std::vector<std::byte> ReadStandardInput(std::uint64_t limit);
 
 // Loads a scene from a file or from standard input; its warnings are added to the report's notes. Throws
 // Error.

@@ -11,12 +11,8 @@
 
 namespace zr {
 
-void AddPageOption(CLI::App& command, std::string& file) {
-    command
-        .add_option("--report", file,
-                    "Also write a page (.html) that shows both scenes in motion and what was done")
-        ->type_name(kFileType)
-        ->group("Output");
+void AddPageOption(CLI::App& command, std::string& file, const char* description) {
+    command.add_option("--report", file, description)->type_name(kFileType)->group("Output");
 }
 
 void CheckPageFile(const Session& session, const std::string& file,
@@ -28,7 +24,7 @@ void CheckPageFile(const Session& session, const std::string& file,
     };
     for (const std::string& other : others) {
         if (other.empty()) continue;
-        if (other == kStandardStream) throw UsageError("--report shows scenes that are files");
+        if (other == kStandardStream) throw UsageError("--report shows what stands in files");
         if (place(file) == place(other)) throw UsageError("--report would take the place of " + other);
     }
     if (session.Options().noClobber && std::filesystem::exists(PathFromUtf8(file), ignored))

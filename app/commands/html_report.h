@@ -15,7 +15,9 @@ namespace zr {
 class Session;
 
 // --report FILE.html
-void AddPageOption(CLI::App& command, std::string& file);
+void AddPageOption(
+    CLI::App& command, std::string& file,
+    const char* description = "Also write a page (.html) that shows both scenes in motion and what was done");
 // For a command that was asked for a page: throws UsageError when this would take the place of one of the
 // others or when they are no files, and Error when it exists and may not be replaced.
 void CheckPageFile(const Session& session, const std::string& file,

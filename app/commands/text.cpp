@@ -7,50 +7,35 @@
 #include "app/commands/commands.h"
 #include "app/commands/dashed_text.h"
 #include "app/commands/files.h"
+#include "app/commands/html_report.h"
 #include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
-#include "app/operations/text/length_unit.h"
+#include "app/commands/text_arguments.h"
+#include "app/commands/text_measures.h"
 #include "app/operations/text/text_check.h"
-#include "app/operations/text/text_drawing.h"
 #include "app/operations/text/text_source.h"
 #include "app/operations/text/text_writers.h"
 #include "app/services/font_file.h"
+#include "base/budget.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "kernix/utf.h"
 
 namespace zr {
 namespace {
 
 constexpr int kBold = 700;
 
-struct TextArguments {
-    std::vector<std::string> names;  // TEXT OUT, or OUT with a file
-    std::string file;
-    std::string style;
-    std::string font;
-    std::string fontFile;
-    bool isBold = false;
-    bool isItalic = false;
-    int height = -12;
-    double size = 12;
-    bool acceptsSubstitutes = false;
-    std::string align = "left";
-    std::string unit;
-    DrawingOptions drawing;
-    bool isDrawing = false;  // one of the options that only a drawing has was given
-    bool wantsMetrics = false;
-};
-
-TextFormat FormatOf(const std::string& target) {
+TextFormat FormatOf(std::string_view name) {
     constexpr std::pair<std::string_view, TextFormat> kEndings[] = {
         {".svg", TextFormat::kSvg},   {".dxf", TextFormat::kDxf},   {".glb", TextFormat::kGltf},
         {".gltf", TextFormat::kGltf}, {".json", TextFormat::kJson}, {".obj", TextFormat::kObj},
         {".stl", TextFormat::kStl}};
     for (const auto& [ending, format] : kEndings) {
-        if (HasEnding(target, ending)) return format;
+        if (HasEnding(name, ending)) return format;
     }
-    throw UsageError(target + ": the name must end in .svg, .dxf, .glb, .gltf, .json, .obj or .stl");
+    throw UsageError(Join(name, ": the name must end in .svg, .dxf, .glb, .gltf, .json, .obj or .stl"));
 }
 
 TextStyle StyleOf(const TextArguments& arguments) {
@@ -69,28 +54,6 @@ void CheckFormat(const std::string& target, TextFormat format, TextStyle style, 
         throw UsageError(target + ": a .stl takes a solid, give --depth");
     if (format == TextFormat::kSvg && isSolid)
         throw UsageError(target + ": a .svg takes no solid, leave --depth out");
-}
-
-// The text and the file to write, which may be left out where only measures are wished.
-struct Operands {
-    std::u16string text;
-    std::string target;
-};
-
-Operands OperandsOf(const TextArguments& arguments) {
-    std::vector<std::string> names = arguments.names;
-    const std::size_t most = arguments.file.empty() ? 2 : 1;
-    const std::size_t least = most - (arguments.wantsMetrics ? 1 : 0);
-    if (names.size() < least || names.size() > most)
-        throw UsageError(most == 1 ? "text: give OUT and no TEXT with --file" : "text: give TEXT and OUT");
-    Operands operands;
-    if (names.size() == most) {
-        operands.target = names.back();
-        names.pop_back();
-    }
-    operands.text = arguments.file.empty() ? DecodeText(UnmarkedText(names.front()), "TEXT")
-                                           : ReadTextFile(PathFromUtf8(arguments.file));
-    return operands;
 }
 
 TextFont FontOf(const TextArguments& arguments) {
@@ -116,168 +79,149 @@ void Tell(const std::vector<TextShortcoming>& shortcomings, bool isAccepted, Rep
     }
 }
 
-JsonObject PointJson(const TextGeometry::Point& p) {
-    return JsonObject().Set("x", p.x).Set("y", p.y).Set("z", p.z);
+// The text of a file, or of standard input.
+std::u16string ReadText(const Session& session, const std::string& file) {
+    const std::uint64_t limit = Budget(session.Options().load.maxMemory).Total();
+    if (file == kStandardStream) return DecodeTextFile(ReadStandardInput(limit), "standard input");
+    return DecodeTextFile(ReadFile(PathFromUtf8(file), limit).View(), file);
 }
 
-JsonObject MetricsJson(const TextDrawing& drawing) {
-    const TextMetrics& metrics = drawing.metrics;
-    const TextBox box = BoxOf(drawing.geometry.points);
-    JsonObject json, bounds;
-    if (drawing.geometry.unit != LengthUnit::kNone) json.Set("units", InfoOf(drawing.geometry.unit).name);
-    bounds.Set("min", PointJson(box.low)).Set("max", PointJson(box.high));
-    json.Set("bounds", bounds).Set("capHeight", metrics.capHeight).Set("lineDistance", metrics.lineDistance);
-    JsonArray lines;
-    for (const TextMetrics::Line& line : metrics.lines) {
-        JsonArray characters;
-        for (const TextMetrics::Character& c : line.characters) {
-            characters.Append(JsonObject()
-                                  .Set("letter", c.position)
-                                  .Set("code", static_cast<int>(c.code))
-                                  .Set("x", c.x)
-                                  .Set("advance", c.advance));
+class Drawer {
+public:
+    Drawer(Session& session, const TextArguments& arguments)
+        : m_session(session),
+          m_arguments(arguments),
+          m_style(StyleOf(arguments)),
+          m_font(FontOf(arguments)) {}
+
+    // target: empty where only measures are wanted.
+    Report Run(const std::u16string& text, const std::string& target) const {
+        const bool isStandard = target == kStandardStream;
+        const std::string ending = isStandard ? EndingOf(m_arguments.files.format) : target;
+        const TextFormat format = target.empty() ? TextFormat::kJson : FormatOf(ending);
+        if (!target.empty()) CheckFormat(target, format, m_style, m_arguments.drawing.depth > 0);
+        CheckPageFile(m_session, m_arguments.page, {target});
+
+        Report report;
+        Tell(m_style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, m_font),
+             m_arguments.acceptsSubstitutes, report);
+        if (NeedsShaping(text)) {
+            report.notes.push_back(
+                "the text has characters of right-to-left writing, which are drawn one by one from left to "
+                "right");
         }
-        lines.Append(JsonObject()
-                         .Set("x", line.x)
-                         .Set("baseline", line.baseline)
-                         .Set("advance", line.advance)
-                         .Set("characters", characters));
+        std::optional<OutputTarget> out;
+        if (!target.empty()) {
+            out.emplace(m_session, target, ending);
+            if (m_arguments.files.IsSingle()) report.json.Set("output", target);
+        }
+        const bool isDrawing =
+            m_arguments.isDrawing || m_arguments.wantsMetrics || format == TextFormat::kDxf;
+        const TextDrawing drawing = Draw(text, isDrawing, m_arguments.drawing);
+        m_session.ThrowIfStopped();
+        if (out) {
+            WriteText(drawing.geometry, format, out->Path());
+            out->Finish();
+        }
+        if (!m_arguments.page.empty()) WritePageOf(text, isDrawing, drawing);
+        report.json.Set("points", drawing.geometry.points.size());
+        report.json.Set("contours", drawing.geometry.contours.size());
+        report.json.Set("triangles", drawing.geometry.triangles.size());
+        if (m_arguments.wantsMetrics) {
+            const JsonObject metrics = MetricsJson(drawing);
+            report.json.Set("metrics", metrics);
+            report.text = metrics.PrettyText();
+            report.isAnswer = true;
+        }
+        return report;
     }
-    return json.Set("lines", lines);
-}
 
-TextDrawing Draw(const TextArguments& arguments, const TextRequest& request, bool isDrawing,
-                 Session& session) {
-    if (isDrawing) return MakeDrawing(session.GetHost(), request, arguments.drawing);
-    return {MakeText(session.GetHost(), request), {}};
-}
+private:
+    TextDrawing Draw(const std::u16string& text, bool isDrawing, const DrawingOptions& options) const {
+        const TextRequest request{text, m_style, m_font, m_arguments.size};
+        if (isDrawing) return MakeDrawing(m_session.GetHost(), request, options);
+        return {MakeText(m_session.GetHost(), request), {}};
+    }
 
-int RunText(const TextArguments& arguments, Session& session) {
-    const TextStyle style = StyleOf(arguments);
-    const auto& [text, target] = OperandsOf(arguments);
-    const TextFormat format = target.empty() ? TextFormat::kJson : FormatOf(target);
-    if (!target.empty()) CheckFormat(target, format, style, arguments.drawing.depth > 0);
-    const TextRequest request{text, style, FontOf(arguments), arguments.size};
+    // A solid is shown as a scene, and its front as the drawing.
+    void WritePageOf(const std::u16string& text, bool isDrawing, const TextDrawing& drawing) const {
+        report::Page page;
+        page.kind = "text";
+        page.title = "text: " + kernix::ToUtf8(text);
+        page.measures = MeasuresOf(drawing);
+        if (drawing.geometry.isSolid) {
+            page.scenes.push_back({"text", TextScene(drawing.geometry), {}});
+            DrawingOptions flat = m_arguments.drawing;
+            flat.depth = 0;
+            page.drawing = TextPicture(Draw(text, isDrawing, flat).geometry);
+        } else {
+            page.drawing = TextPicture(drawing.geometry);
+        }
+        WritePage(m_arguments.page, std::move(page));
+    }
 
-    Report report;
-    Tell(style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, request.font),
-         arguments.acceptsSubstitutes, report);
-    if (NeedsShaping(text)) {
-        report.notes.push_back(
-            "the text has characters of right-to-left writing, which are drawn one by one from left to "
-            "right");
+    Session& m_session;
+    const TextArguments& m_arguments;
+    TextStyle m_style;
+    TextFont m_font;
+};
+
+int RunSingle(Session& session, const TextArguments& arguments) {
+    std::vector<std::string> names = arguments.files.files;
+    const std::size_t most = arguments.file.empty() ? 2 : 1;
+    const std::size_t least = most - (arguments.wantsMetrics ? 1 : 0);
+    if (names.size() < least || names.size() > most)
+        throw UsageError(most == 1 ? "text: give OUT and no TEXT with --file" : "text: give TEXT and OUT");
+    std::string target;
+    if (names.size() == most) {
+        target = names.back();
+        names.pop_back();
     }
-    const bool isDrawing = arguments.isDrawing || arguments.wantsMetrics || format == TextFormat::kDxf;
-    std::optional<OutputTarget> out;
-    if (!target.empty()) {
-        out.emplace(session, target, "");
-        report.json.Set("output", target);
-    }
-    const TextDrawing drawing = Draw(arguments, request, isDrawing, session);
-    const TextGeometry& geometry = drawing.geometry;
-    session.ThrowIfStopped();
-    if (out) WriteText(geometry, format, out->Path());
-    report.json.Set("points", geometry.points.size()).Set("contours", geometry.contours.size());
-    report.json.Set("triangles", geometry.triangles.size());
-    if (arguments.wantsMetrics) {
-        const JsonObject metrics = MetricsJson(drawing);
-        report.json.Set("metrics", metrics);
-        report.text = metrics.PrettyText();
-        report.isAnswer = true;
-    }
-    PrintReport(session, "text", report);
+    const bool isStandard = target == kStandardStream;
+    if (isStandard == arguments.files.format.empty())
+        throw UsageError(isStandard ? "- has no name that tells the form: give --format"
+                                    : "--format is for --out-dir and for standard output");
+    if (isStandard && arguments.wantsMetrics) throw UsageError("--metrics prints to standard output, too");
+    const Drawer drawer(session, arguments);
+    const std::u16string text = arguments.file.empty() ? DecodeText(UnmarkedText(names.front()), "TEXT")
+                                                       : ReadText(session, arguments.file);
+    PrintReport(session, "text", drawer.Run(text, target));
     return 0;
 }
 
-constexpr const char* kFontGroup = "Font";
-constexpr const char* kDrawingGroup = "Drawing, laid out in lines";
-constexpr Range kSizes{1e-3, 1e6};
-constexpr const char* kUnits = "UNITS";
-
-void AddFontOptions(CLI::App& command, TextArguments& arguments) {
-    command.add_option("--font", arguments.font, "Family name; else the system's own choice")
-        ->type_name("NAME")
-        ->group(kFontGroup);
-    command
-        .add_option("--font-file", arguments.fontFile,
-                    "Draw with the font of this file, TrueType or OpenType; --font chooses among several")
-        ->type_name(kFileType)
-        ->group(kFontGroup);
-    command.add_flag("--bold", arguments.isBold, "The bold face")->group(kFontGroup);
-    command.add_flag("--italic", arguments.isItalic, "The italic face")->group(kFontGroup);
-    AddNumber(command, "--height", arguments.height, {-2000, 2000}, kUnits,
-              "Font height: of the em square when below 0, of the line's cell above 0")
-        ->capture_default_str()
-        ->group(kFontGroup);
-    AddNumber(command, "--size", arguments.size, kSizes, kUnits,
-              "Text size; 12 gives the device units of the ten times enlarged font")
-        ->capture_default_str()
-        ->group(kFontGroup);
-    command
-        .add_flag("--substitute", arguments.acceptsSubstitutes,
-                  "Take the nearest font, or the font's replacement character, for what is missing")
-        ->group(kFontGroup);
-}
-
-void AddDrawingOptions(CLI::App& command, TextArguments& arguments) {
-    const auto add = [&arguments](CLI::Option* option) {
-        return option->group(kDrawingGroup)->each([&arguments](auto) { arguments.isDrawing = true; });
-    };
-    DrawingOptions& drawing = arguments.drawing;
-    add(AddChoice(command, "--align", arguments.align, {"left", "center", "right"},
-                  "Where lines stand: they start, have their middle, or end at 0"));
-    add(AddNumber(command, "--line-spacing", drawing.lineSpacing, {0, 100}, "TIMES",
-                  "Distance of lines, in distances of the font's own"));
-    add(AddChoice(command, "--units", arguments.unit, {"mm", "cm", "in"},
-                  "What a unit of the coordinates is"));
-    add(AddNumber(command, "--cap-height", drawing.capHeight, kSizes, kUnits, "Height of a capital H"))
-        ->excludes("--size");
-    add(AddNumber(command, "--depth", drawing.depth, kSizes, kUnits, "Make a closed solid of this depth"));
-    command
-        .add_flag("--metrics", arguments.wantsMetrics,
-                  "Print advances, places and bounds as JSON; OUT may then be left out")
-        ->group(kDrawingGroup);
-}
-
-void Settle(TextArguments& arguments) {
-    constexpr std::pair<std::string_view, TextAlign> kAligns[] = {
-        {"left", TextAlign::kLeft}, {"center", TextAlign::kCenter}, {"right", TextAlign::kRight}};
-    for (const auto& [name, align] : kAligns) {
-        if (arguments.align == name) arguments.drawing.align = align;
-    }
-    for (const LengthUnit unit : {LengthUnit::kMillimetre, LengthUnit::kCentimetre, LengthUnit::kInch}) {
-        if (arguments.unit == InfoOf(unit).name) arguments.drawing.unit = unit;
-    }
+// A drawing for each file.
+int RunMany(Session& session, const TextArguments& arguments) {
+    if (!arguments.file.empty()) throw UsageError("--out-dir takes the files of the texts by themselves");
+    if (arguments.files.format.empty()) throw UsageError("--out-dir takes --format");
+    if (!arguments.page.empty() || arguments.wantsMetrics)
+        throw UsageError("--report and --metrics are for one text: TEXT OUT");
+    const std::vector<Task> tasks = PlanTasks(arguments.files, kTextFiles);
+    const Drawer drawer(session, arguments);
+    return RunBatch(session, "text", arguments.files, tasks, [&](const Task& task, const Advance& advance) {
+        advance(0);
+        return drawer.Run(ReadText(session, task.input), task.output);
+    });
 }
 
 }  // namespace
 
 void AddTextCommand(CLI::App& app, Session& session) {
     CLI::App* command =
-        app.add_subcommand("text", "Turns text into strokes, outlines, a flat mesh or a solid");
+        app.add_subcommand("text", "Turn text into strokes, outlines, a flat mesh or a solid");
     const auto arguments = std::make_shared<TextArguments>();
-    command
-        ->add_option(
-            "names", arguments->names,
-            "The text, and the file to write: .svg, .dxf, .glb, .gltf, .json, .obj for a mesh or .stl "
-            "for a solid")
-        ->type_name("TEXT OUT")
-        ->expected(1, 2);
-    command->add_option("--file", arguments->file,
-                        "Read the text, UTF-8, from this file; then only OUT is given");
-    command
-        ->add_option("--style", arguments->style,
-                     "Single strokes, closed outlines (the default) or triangles (with --depth)")
-        ->check(CLI::IsMember({"stroke", "outline", "mesh"}));
-    AddFontOptions(*command, *arguments);
-    AddDrawingOptions(*command, *arguments);
-    AddExamples(*command, {{"text \"M8 x 20\" plate.dxf --units mm --cap-height 5", "Outlines to cut."},
-                           {"text \"M8 x 20\" plate.svg --style stroke --units mm --cap-height 5",
-                            "Strokes to engrave."},
-                           {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."}});
+    AddTextOptions(*command, *arguments);
+    AddExamples(
+        *command,
+        {{"text \"M8 x 20\" plate.dxf --units mm --cap-height 5", "Outlines to cut."},
+         {"text \"M8 x 20\" plate.svg --style stroke --units mm --cap-height 5", "Strokes to engrave."},
+         {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."},
+         {"text --out-dir cut --format dxf --cap-height 5 labels", "A drawing for each text."}});
     command->callback([arguments, &session] {
         Settle(*arguments);
-        session.SetCommand([arguments, &session] { return RunText(*arguments, session); });
+        session.SetCommand([arguments, &session] {
+            return arguments->files.IsSingle() ? RunSingle(session, *arguments)
+                                               : RunMany(session, *arguments);
+        });
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include "app/operations/text/length_unit.h"
 #include "app/operations/text/text_format_writers.h"
+#include "app/operations/text/text_writers.h"
 #include "base/text.h"
 #include "gltf/document.h"
 
@@ -28,14 +29,14 @@ std::vector<std::uint32_t> Indices(const TextGeometry& geometry) {
 }  // namespace
 
 // Coordinates stay in their own unit; the node brings them to the format's, metres.
-void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target) {
+gltf::Document TextScene(const TextGeometry& geometry) {
     constexpr unsigned kVertexTarget = 34962;
     constexpr unsigned kIndexTarget = 34963;
     const std::vector<std::uint32_t> indices = Indices(geometry);
     const bool isEmpty = indices.empty();
     const std::string_view head = R"({"asset": {"version": "2.0", "generator": "zr"}, "scene": 0,
         "scenes": [{"nodes": [0]}], "nodes": [{"name": "text"}]})";
-    gltf::Document document = gltf::Document::FromBytes(BytesOf(head), target);
+    gltf::Document document = gltf::Document::FromBytes(BytesOf(head), "text");
     if (!isEmpty) {
         gltf::JsonTree& tree = document.Tree();
         const std::size_t vertexView =
@@ -62,7 +63,11 @@ void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target
         const auto metres = static_cast<float>(InfoOf(geometry.unit).metres);
         if (metres != 1) tree.Member(node, "scale") = tree.MakeNumbers(std::array{metres, metres, metres});
     }
-    document.Save(target);
+    return document;
+}
+
+void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target) {
+    TextScene(geometry).Save(target);
 }
 
 }  // namespace zr

@@ -5,7 +5,7 @@
 namespace zr {
 namespace {
 
-void AddPoints(TextFile& json, std::span<const TextGeometry::Point> points, bool isSolid) {
+void AddPoints(TextBuilder& json, std::span<const TextGeometry::Point> points, bool isSolid) {
     const char* separator = "";
     for (const TextGeometry::Point& p : points) {
         json << separator << "[" << p.x << ", " << p.y;
@@ -16,7 +16,7 @@ void AddPoints(TextFile& json, std::span<const TextGeometry::Point> points, bool
     }
 }
 
-void AddMesh(TextFile& json, const TextGeometry& geometry) {
+void AddMesh(TextBuilder& json, const TextGeometry& geometry) {
     json << "{\"vertices\": [";
     AddPoints(json, geometry.points, geometry.isSolid);
     json << "],\n\"triangles\": [";
@@ -28,7 +28,7 @@ void AddMesh(TextFile& json, const TextGeometry& geometry) {
     }
 }
 
-void AddContours(TextFile& json, const TextGeometry& geometry) {
+void AddContours(TextBuilder& json, const TextGeometry& geometry) {
     json << "{\"contours\": [";
     const char* separator = "\n";
     for (const TextGeometry::Contour& contour : geometry.contours) {

@@ -4,12 +4,13 @@
 #include "app/operations/text/length_unit.h"
 #include "app/operations/text/text_file.h"
 #include "app/operations/text/text_format_writers.h"
+#include "app/operations/text/text_writers.h"
 
 namespace zr {
 namespace {
 
 // Pictures have y downwards.
-void AddPath(TextFile& svg, std::span<const TextGeometry::Point> points) {
+void AddPath(TextBuilder& svg, std::span<const TextGeometry::Point> points) {
     const char* step = "M";
     for (const TextGeometry::Point& p : points) {
         svg << step << p.x << " " << -p.y;
@@ -17,7 +18,7 @@ void AddPath(TextFile& svg, std::span<const TextGeometry::Point> points) {
     }
 }
 
-void AddMesh(TextFile& svg, const TextGeometry& geometry) {
+void AddMesh(TextBuilder& svg, const TextGeometry& geometry) {
     // One path, so that no seam shows between triangles.
     svg << "<path d=\"";
     for (const LetterTriangle& t : geometry.triangles) {
@@ -29,16 +30,13 @@ void AddMesh(TextFile& svg, const TextGeometry& geometry) {
     svg << "\"/>\n";
 }
 
-}  // namespace
-
-void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target) {
+void AddSvg(TextBuilder& svg, const TextGeometry& geometry) {
     const TextBox box = BoxOf(geometry.points);
     const auto pen = static_cast<float>(geometry.penWidth);
     const float margin = 2 * pen;
     const float width = box.high.x - box.low.x + 2 * margin;
     const float height = box.high.y - box.low.y + 2 * margin;
     const std::string_view unit = InfoOf(geometry.unit).name;
-    TextFile svg(target);
     svg << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << unit << "\" height=\"" << height
         << unit << "\" viewBox=\"" << box.low.x - margin << " " << -box.high.y - margin << " " << width << " "
         << height << "\">\n";
@@ -57,6 +55,19 @@ void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target)
         svg << "</g>\n";
     }
     svg << "</svg>\n";
+}
+
+}  // namespace
+
+std::string TextPicture(const TextGeometry& geometry) {
+    TextBuilder svg;
+    AddSvg(svg, geometry);
+    return svg.Take();
+}
+
+void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target) {
+    TextFile svg(target);
+    AddSvg(svg, geometry);
     svg.Commit();
 }
 

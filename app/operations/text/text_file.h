@@ -10,36 +10,51 @@
 
 namespace zr {
 
-// A file of text put together piece by piece, of which only the newest is held; numbers in the shortest form
-// that reads back as the same value. What cannot be written is thrown as an Error.
-class TextFile {
+// Text put together piece by piece, numbers in the shortest form that reads back as the same value.
+class TextBuilder {
 public:
-    explicit TextFile(const std::filesystem::path& target) : m_file(m_files.Create(target)) {}
+    TextBuilder() = default;
+    virtual ~TextBuilder() = default;
+    TextBuilder(const TextBuilder&) = delete;
+    TextBuilder& operator=(const TextBuilder&) = delete;
 
-    TextFile& operator<<(std::string_view text) {
+    TextBuilder& operator<<(std::string_view text) {
         m_text += text;
         return *this;
     }
-    TextFile& operator<<(float value) { return Number(value == 0 ? 0.0F : value); }
-    TextFile& operator<<(int value) { return Number(value); }
+    TextBuilder& operator<<(float value) { return Number(value == 0 ? 0.0F : value); }
+    TextBuilder& operator<<(int value) { return Number(value); }
     // Without an exponent.
-    TextFile& AddFixed(float value) { return Number(value == 0 ? 0.0F : value, std::chars_format::fixed); }
+    TextBuilder& AddFixed(float value) { return Number(value == 0 ? 0.0F : value, std::chars_format::fixed); }
 
-    // Between pieces: passes on what there is when that is much.
-    void Pass();
+    // Between pieces: a file takes what there is when that is much.
+    virtual void Pass() {}
 
+    std::string Take() { return std::move(m_text); }
+
+protected:
+    std::string m_text;
+
+private:
+    template <class T, class... Format>
+    TextBuilder& Number(T value, Format... format) {
+        char buffer[64];
+        const char* const end = std::to_chars(buffer, buffer + sizeof buffer, value, format...).ptr;
+        m_text.append(buffer, static_cast<std::size_t>(end - buffer));
+        return *this;
+    }
+};
+
+// A file of text, of which only the newest is held. What cannot be written is thrown as an Error.
+class TextFile : public TextBuilder {
+public:
+    explicit TextFile(const std::filesystem::path& target) : m_file(m_files.Create(target)) {}
+
+    void Pass() override;
     // The file appears whole or not at all.
     void Commit();
 
 private:
-    template <class T, class... Format>
-    TextFile& Number(T value, Format... format) {
-        char buffer[64];
-        m_text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value, format...).ptr);
-        return *this;
-    }
-
-    std::string m_text;
     FileTransaction m_files;
     OutputFile& m_file;
 };

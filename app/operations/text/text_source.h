@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <string_view>
+
+#include "base/file.h"
 
 namespace zr {
 
@@ -11,9 +12,9 @@ namespace zr {
 // is a zero character.
 std::u16string DecodeText(std::string_view utf8, std::string_view name);
 
-// A file's text without its byte order mark. Every line ends as the module breaks lines: with a carriage
-// return and a line feed. Throws Error.
-std::u16string ReadTextFile(const std::filesystem::path& file);
+// The text of a file of that name and content, without its byte order mark. Every line ends as the module
+// breaks lines: with a carriage return and a line feed. Throws Error.
+std::u16string DecodeTextFile(Bytes content, std::string_view name);
 
 // One character of a text, which may be two UTF-16 units.
 struct TextCharacter {

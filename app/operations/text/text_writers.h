@@ -2,8 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "app/operations/text/text_geometry.h"
+#include "gltf/document.h"
 
 namespace zr {
 
@@ -12,5 +14,9 @@ enum class TextFormat { kSvg, kDxf, kGltf, kJson, kObj, kStl };
 // Writes the file whole or not at all. kObj is for meshes, kStl for solids, kSvg for all but solids. Throws
 // Error, also for a coordinate that is not finite.
 void WriteText(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target);
+
+// The same as values: the picture (SVG) of what is flat, and the scene of any.
+std::string TextPicture(const TextGeometry& geometry);
+gltf::Document TextScene(const TextGeometry& geometry);
 
 }  // namespace zr

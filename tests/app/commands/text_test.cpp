@@ -112,6 +112,30 @@ TEST_F(TextCommand, TakesTheLinesOfAFile) {
               std::string::npos);
 }
 
+TEST_F(TextCommand, TakesManyFilesAndStandardStreams) {
+    fs::create_directory(m_folder / "texts");
+    for (const char* name : {"one", "two", "three"})
+        std::ofstream(m_folder / "texts" / (std::string(name) + ".txt")) << name << "\n";
+    ASSERT_EQ(Run("--style stroke --format dxf --jobs 3 --out-dir out texts"), 0) << Read("errors");
+    for (const char* name : {"one", "two", "three"}) {
+        ASSERT_EQ(Run(std::string("--style stroke ") + name + " alone.dxf"), 0);
+        EXPECT_EQ(Read((std::string("out/") + name + ".dxf").c_str()), Read("alone.dxf"));
+    }
+    EXPECT_EQ(Run("--style stroke --format dxf --file - - <texts/three.txt"), 0) << Read("errors");
+    EXPECT_EQ(Read("output"), Read("alone.dxf"));
+
+    ASSERT_EQ(Run("--style stroke --format dxf --out-dir out texts --json"), 0) << Read("errors");
+    EXPECT_NE(Read("output").find("\"output\": \"out/one.dxf\""), std::string::npos);
+
+    std::ofstream(m_folder / "texts/three.txt") << "\xFF";
+    EXPECT_EQ(Run("--style stroke --format svg --keep-going --out-dir out texts"), 1);
+    EXPECT_NE(Read("errors").find("zr: texts/three.txt: byte 0: the text is not UTF-8\n"), std::string::npos);
+    EXPECT_NE(Read("errors").find("2 done, 1 failed"), std::string::npos);
+    for (const char* wrong : {"--out-dir out texts", "l -", "l out.svg --format svg",
+                              "l - --format svg --metrics", "--out-dir out texts --format svg --metrics"})
+        EXPECT_EQ(Run(wrong), 2) << wrong;
+}
+
 TEST_F(TextCommand, TakesATextThatBeginsWithADash) {
     const auto letters = [&](const char* arguments) {
         EXPECT_EQ(Run(arguments), 0) << arguments << ": " << Read("errors");

@@ -105,12 +105,25 @@ async function testCompare() {
   expect((await text("#content")).includes("The scenes differ"), "the verdict stands first");
 }
 
+async function testText() {
+  run("text", "M8 </script>", path("text.stl"), "--units", "mm", "--cap-height", "5", "--depth", "2", "--report", path("text.html"));
+  await browser.open(path("text.html"));
+  expect((await tabs()).startsWith("drawing,"), `tabs of a text: ${await tabs()}`);
+  const content = await text("#content");
+  expect(/height of a capital5 mm/.test(content) && /depth2 mm/.test(content), `measures: ${content}`);
+  await browser.until("document.querySelector('.drawing img').naturalWidth > 0", 10);
+  expect(await browser.evaluate("zrReport.view.scenes.length") === 1, "a solid, without normals and material, can be turned");
+  run("text", "flat", path("flat.svg"), "--style", "stroke", "--report", path("flat.html"));
+  await browser.open(path("flat.html"));
+  expect(await browser.evaluate("document.body.classList.contains('no-scene')"), "a flat text is a drawing alone");
+}
+
 function testEscapes() {
   const page = readFileSync(path("clean.html"), "utf8");
   expect(page.split("</script").length === 3, "no content ends the script it stands in");
 }
 
-for (const test of [testExport, testClean, testMerge, testCompare, testEscapes]) {
+for (const test of [testExport, testClean, testMerge, testCompare, testText, testEscapes]) {
   try {
     await test();
   } catch (error) {

@@ -35,21 +35,13 @@ TEST(TextSource, NamesTheByteThatIsNotUtf8) {
 }
 
 TEST(TextSource, GivesTheLinesOfAFileBothLineEnds) {
-    const Folder folder;
-    std::ofstream(folder / "lines.txt", std::ios::binary) << "\xEF\xBB\xBFl\nl\r\n\nm";
-    EXPECT_EQ(ReadTextFile(folder / "lines.txt"), u"l\r\nl\r\n\r\nm");
-    // The mark counts among the file's bytes.
-    std::ofstream(folder / "lines.txt", std::ios::binary) << "\xEF\xBB\xBFl\xFF";
-    EXPECT_THROW(
-        {
-            try {
-                ReadTextFile(folder / "lines.txt");
-            } catch (const Error& error) {
-                EXPECT_EQ(error.Place(), "byte 4");
-                throw;
-            }
-        },
-        Error);
+    EXPECT_EQ(DecodeTextFile(BytesOf("\xEF\xBB\xBFl\nl\r\n\nm"), "lines.txt"), u"l\r\nl\r\n\r\nm");
+    try {
+        DecodeTextFile(BytesOf("\xEF\xBB\xBFl\xFF"), "lines.txt");
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Place(), "byte 4") << "the mark counts among the file's bytes";
+    }
 }
 
 TEST(TextCheck, TellsOfEachCharacterThatIsNotDrawnAsItIs) {
