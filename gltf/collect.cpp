@@ -20,6 +20,13 @@ public:
         m_reached.resize(next, false);
     }
 
+    void Reach(const Removal& elements) {
+        for (std::size_t i = 0; i < kKinds; ++i) {
+            for (std::size_t k = 0; k < elements[i].size(); ++k)
+                if (elements[i][k]) Reach(m_first[i] + static_cast<std::uint32_t>(k));
+        }
+    }
+
     Removal Unreached(const ReferenceTable& references) {
         for (const ReferenceTable::Link& link : references.links) {
             if (!m_kinds.Has(link.targetKind)) continue;
@@ -134,30 +141,48 @@ std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& 
     return freed;
 }
 
-std::size_t CompactBuffers(Document& document) {
+// The buffers that lose a view.
+std::vector<bool> LosingBuffers(const Document& document, const Removal& removal) {
+    const std::vector<bool>& gone = removal[Ordinal(Kind::kBufferView)];
+    std::vector<bool> losing(document.Elements(Kind::kBuffer).size(), false);
+    for (std::size_t view = 0; view < gone.size(); ++view)
+        if (gone[view]) losing[IndexMember(document.Elements(Kind::kBufferView)[view], "buffer")] = true;
+    return losing;
+}
+
+// The items that stay when the marked ones go.
+void Erase(std::vector<bool>& items, const std::vector<bool>& gone) {
+    std::vector<bool> left;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (i >= gone.size() || !gone[i]) left.push_back(items[i]);
+    items = std::move(left);
+}
+
+std::size_t CompactBuffers(Document& document, const std::vector<bool>& chosen) {
     std::vector<std::vector<Json*>> ranges(document.Elements(Kind::kBuffer).size());
     ForEachBufferRange(document,
                        [&](Json& range) { ranges[IndexMember(range, "buffer")].push_back(&range); });
     std::size_t freed = 0;
-    for (std::size_t i = 0; i < ranges.size(); ++i) freed += Compact(document, i, ranges[i]);
+    for (std::size_t i = 0; i < ranges.size(); ++i)
+        if (chosen[i]) freed += Compact(document, i, ranges[i]);
     return freed;
 }
 
-}  // namespace
-
-Collected CollectGarbage(Document& document, KindSet kinds, bool force) {
+// spared: null where everything may go.
+Collected Collect(Document& document, KindSet kinds, bool force, const Removal* spared) {
     Collected collected;
+    const KindSet asked = kinds;
     ReferenceTable references = ListReferences(document);
     if (!force) {
         for (OpaqueUse& use : references.opaque.uses) {
-            KindSet left = kinds;
-            left.Remove(use.kinds);
-            kinds = left;
-            collected.refusals.push_back(std::move(use));
+            kinds.Remove(use.kinds);
+            if (asked.HasAny(use.kinds)) collected.refusals.push_back(std::move(use));
         }
     }
     if (kinds.Has(Kind::kAccessor) && DropUnusedSamplers(document)) references = ListReferences(document);
-    const Removal removal = Marker(document, kinds).Unreached(references);
+    Marker marker(document, kinds);
+    if (spared != nullptr) marker.Reach(*spared);
+    const Removal removal = marker.Unreached(references);
     for (std::size_t i = 0; i < kKinds; ++i) {
         collected.removed[i] =
             static_cast<std::size_t>(std::count(removal[i].begin(), removal[i].end(), true));
@@ -165,9 +190,27 @@ Collected CollectGarbage(Document& document, KindSet kinds, bool force) {
         for (std::size_t k = 0; k < removal[i].size(); ++k)
             if (removal[i][k]) collected.bytes += document.BufferBytes(k).value_or(Bytes()).size();
     }
+    std::vector<bool> compacted = spared != nullptr
+                                      ? LosingBuffers(document, removal)
+                                      : std::vector<bool>(document.Elements(Kind::kBuffer).size(), true);
+    Erase(compacted, removal[Ordinal(Kind::kBuffer)]);
     RemoveElements(document, removal);
-    if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document);
+    if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document, compacted);
     return collected;
+}
+
+}  // namespace
+
+Removal Unreferenced(Document& document, KindSet kinds) {
+    return Marker(document, kinds).Unreached(ListReferences(document));
+}
+
+Collected CollectGarbage(Document& document, KindSet kinds, bool force) {
+    return Collect(document, kinds, force, nullptr);
+}
+
+Collected CollectGarbage(Document& document, KindSet kinds, bool force, const Removal& spared) {
+    return Collect(document, kinds, force, &spared);
 }
 
 }  // namespace zr::gltf

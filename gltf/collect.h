@@ -21,9 +21,16 @@ struct Collected {
 inline constexpr KindSet kDataKinds{Kind::kTexture,  Kind::kImage,      Kind::kSampler,
                                     Kind::kAccessor, Kind::kBufferView, Kind::kBuffer};
 
-// Takes out the elements of `kinds` that nothing refers to, also those only such elements refer to, and (with
-// kAccessor) the samplers of animations that no channel uses; with kBuffer also the bytes of buffers that no
-// view holds. A kind that something opaque may refer to is left alone unless `force`. Time is linear.
+// The elements of `kinds` that nothing refers to, also those only such elements refer to.
+Removal Unreferenced(Document& document, KindSet kinds);
+
+// Takes these elements out and (with kAccessor) the samplers of animations that no channel uses; with kBuffer
+// also the bytes of buffers that no view holds. A kind that something opaque may refer to is left alone
+// unless `force`. Time is linear.
 Collected CollectGarbage(Document& document, KindSet kinds, bool force);
+
+// The same without the elements of `spared`, what they refer to, and buffers that lose no view: what changes
+// of a document left behind, where `spared` was unreferenced before them.
+Collected CollectGarbage(Document& document, KindSet kinds, bool force, const Removal& spared);
 
 }  // namespace zr::gltf

@@ -84,6 +84,7 @@ public:
     constexpr void Add(KindSet other) { m_bits |= other.m_bits; }
     constexpr void Remove(KindSet other) { m_bits &= ~other.m_bits; }
     constexpr bool Has(Kind kind) const { return (m_bits >> Ordinal(kind) & 1) != 0; }
+    constexpr bool HasAny(KindSet others) const { return (m_bits & others.m_bits) != 0; }
     constexpr bool Empty() const { return m_bits == 0; }
 
 private:

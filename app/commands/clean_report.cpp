@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/clean_report.h"
 
-#include <algorithm>
-
+#include "app/commands/refusals.h"
 #include "base/text.h"
 
 namespace zr {
@@ -11,18 +10,6 @@ namespace {
 
 std::string Plural(std::string_view noun) {
     return std::string(noun) + (noun.ends_with("h") ? "es" : "s");
-}
-
-// One line for each extension, with the first of its places.
-std::vector<gltf::OpaqueUse> ByExtension(const std::vector<gltf::OpaqueUse>& uses) {
-    std::vector<gltf::OpaqueUse> first;
-    for (const gltf::OpaqueUse& use : uses) {
-        const bool known = std::any_of(first.begin(), first.end(), [&](const gltf::OpaqueUse& other) {
-            return other.extension == use.extension;
-        });
-        if (!known) first.push_back(use);
-    }
-    return first;
 }
 
 JsonArray JsonOf(const std::vector<gltf::OpaqueUse>& uses) {
@@ -100,10 +87,8 @@ JsonObject CleanReportJson(const CleanReport& report, bool explain) {
 std::vector<std::string> CleanRefusals(const CleanReport& report) {
     std::vector<std::string> lines;
     const auto add = [&](std::string_view what, const std::vector<gltf::OpaqueUse>& uses) {
-        for (const gltf::OpaqueUse& use : ByExtension(uses)) {
-            lines.push_back(Join(report.scene.string(), ": ", what, ": the extension ", use.extension, " at ",
-                                 use.place, " could refer to it (--force takes it all the same)"));
-        }
+        for (const std::string& line : RefusalLines(what, uses))
+            lines.push_back(Join(report.scene.string(), ": ", line));
     };
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         add(kCleanStepInfo[step].name, report.result.steps[step].refusals);

@@ -11,6 +11,7 @@
 #include "app/commands/files.h"
 #include "app/commands/html_report.h"
 #include "app/commands/reduction.h"
+#include "app/commands/refusals.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
@@ -102,6 +103,7 @@ public:
             }
             exported.document.Save(out.Path(), files);
             motion = std::move(exported.report);
+            report.Note(task.input, RefusalLines("unused content", exported.refusals));
         }
         if (mapFile != nullptr) mapFile->Write(map);
         m_session.ThrowIfStopped();

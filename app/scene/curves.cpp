@@ -247,17 +247,19 @@ Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler) {
     return curve;
 }
 
-std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const Curve& curve,
-                        std::string_view type) {
-    gltf::JsonTree& tree = document.Tree();
-    const std::size_t input = gltf::AppendFloats(document, "SCALAR", gltf::Use::kKeyTimes, curve.times);
-    const std::size_t output = gltf::AppendFloats(document, type, gltf::Use::kKeyValues, curve.values);
+std::size_t CurveWriter::Append(std::size_t animation, const Curve& curve, std::string_view type) {
+    gltf::JsonTree& tree = m_document.Tree();
+    const std::string_view times(reinterpret_cast<const char*>(curve.times.data()),
+                                 curve.times.size() * sizeof(float));
+    const auto [input, isNew] = m_inputs.try_emplace(times);
+    if (isNew) input->second = gltf::AppendFloats(m_document, "SCALAR", gltf::Use::kKeyTimes, curve.times);
+    const std::size_t output = gltf::AppendFloats(m_document, type, gltf::Use::kKeyValues, curve.values);
     gltf::Json sampler = gltf::JsonTree::MakeObject();
-    tree.Member(sampler, "input") = tree.MakeIndex(input);
+    tree.Member(sampler, "input") = tree.MakeIndex(input->second);
     tree.Member(sampler, "output") = tree.MakeIndex(output);
     if (curve.interpolation != vl::zr::kInterpolationLinear)
         tree.Member(sampler, "interpolation") = tree.MakeString(NameOf(curve.interpolation));
-    gltf::Json& samplers = tree.Member(document.Elements(gltf::Kind::kAnimation)[animation], "samplers");
+    gltf::Json& samplers = tree.Member(m_document.Elements(gltf::Kind::kAnimation)[animation], "samplers");
     if (!samplers.IsArray()) samplers = gltf::JsonTree::MakeArray();
     tree.Append(samplers, sampler);
     return samplers.Items().size() - 1;

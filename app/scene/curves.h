@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <unordered_map>
 
 #include "gltf/document.h"
 #include "kernix/scene/curve.h"
@@ -21,9 +22,20 @@ bool IsReadable(const gltf::Document& document, const gltf::Json& sampler);
 // How the keys of the sampler pass.
 vl::zr::KeyInterpolation InterpolationOf(const gltf::Json& sampler);
 Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
-// Adds the data and a sampler to the animation: the sampler's index. `type` is the accessor type of a value.
-std::size_t AppendCurve(gltf::Document& document, std::size_t animation, const Curve& curve,
-                        std::string_view type);
+
+// Adds curves to a document. Equal key times are stored once.
+class CurveWriter {
+public:
+    explicit CurveWriter(gltf::Document& document) : m_document(document) {}
+
+    // Adds the data and a sampler to the animation: the sampler's index. `type` is the accessor type of a
+    // value. The curve must outlive the writer.
+    std::size_t Append(std::size_t animation, const Curve& curve, std::string_view type);
+
+private:
+    gltf::Document& m_document;
+    std::unordered_map<std::string_view, std::size_t> m_inputs;  // accessors, by the bytes of the times
+};
 
 // Adds a curve's keys to a track.
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);

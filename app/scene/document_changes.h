@@ -96,6 +96,7 @@ struct DocumentChanges {
     std::vector<ChangedViewport> viewports;  // empty: as they are
     gltf::Removal removal;
     bool force = false;  // takes elements also where something that cannot be followed could refer to them
+    bool takesWhatItLeaves = false;  // what nothing refers to any more after the changes goes too
 };
 
 }  // namespace zr

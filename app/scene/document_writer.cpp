@@ -6,6 +6,7 @@
 #include "app/scene/flip_objects.h"
 #include "app/scene/node_writer.h"
 #include "app/scene/refuse_opaque.h"
+#include "gltf/collect.h"
 
 namespace zr {
 
@@ -19,9 +20,16 @@ namespace {
 class DocumentWriter {
 public:
     DocumentWriter(gltf::Document& document, const DocumentChanges& changes)
-        : m_document(document), m_tree(document.Tree()), m_changes(changes), m_removal(changes.removal) {}
+        : m_document(document),
+          m_tree(document.Tree()),
+          m_changes(changes),
+          m_curves(document),
+          m_removal(changes.removal) {}
 
-    void Run() {
+    std::vector<gltf::OpaqueUse> Run() {
+        const gltf::KindSet left = KindsLeft();
+        gltf::Removal unreferenced;
+        if (!left.Empty()) unreferenced = gltf::Unreferenced(m_document, left);
         for (const auto& [material, name] : m_changes.materialNames)
             m_tree.Member(m_document.Elements(Kind::kMaterial)[material], "name") = m_tree.MakeString(name);
         if (m_changes.nodes) WriteNodes(m_document, *m_changes.nodes);
@@ -33,9 +41,24 @@ public:
         Viewports();
         RemoveElements();
         if (m_changes.nodes && m_changes.nodes->exchangesAxes) FlipObjects(m_document);
+        if (left.Empty()) return {};
+        return gltf::CollectGarbage(m_document, left, m_changes.force, unreferenced).refusals;
     }
 
 private:
+    // Kinds of which the changes may leave elements unreferenced that are to go too.
+    gltf::KindSet KindsLeft() const {
+        if (!m_changes.takesWhatItLeaves) return {};
+        const auto& nodes = m_changes.nodes;
+        const bool leaves = !m_changes.changedChannels.empty() || !KindsOf(m_changes.removal).Empty() ||
+                            (nodes && (nodes->exchangesAxes || !nodes->movedObjects.empty()));
+        if (!leaves) return {};
+        gltf::KindSet kinds = gltf::kDataKinds;
+        kinds.Add({Kind::kMesh, Kind::kSkin, Kind::kCamera, Kind::kLight, Kind::kMaterial});
+        kinds.Remove(KindsOf(m_changes.removal));
+        return kinds;
+    }
+
     void RemoveElements() {
         const gltf::KindSet kinds = KindsOf(m_removal);
         if (kinds.Empty()) return;
@@ -87,7 +110,7 @@ private:
             const Json& sampler = animation.Find("samplers")->Items()[IndexMember(json, "sampler")];
             const Json& output = m_document.Elements(Kind::kAccessor)[IndexMember(sampler, "output")];
             const std::string type(output.Find("type")->String());
-            const std::size_t added = AppendCurve(m_document, channel.animation, channel.curve, type);
+            const std::size_t added = m_curves.Append(channel.animation, channel.curve, type);
             m_tree.Member(m_document.Elements(Kind::kAnimation)[channel.animation]
                               .Find("channels")
                               ->Items()[channel.channel],
@@ -125,7 +148,7 @@ private:
             m_tree.Member(target, "path") = m_tree.MakeString("pointer");
             m_tree.Member(target, "extensions") = extensions;
         }
-        const std::size_t sampler = AppendCurve(m_document, added.animation, added.curve, added.type);
+        const std::size_t sampler = m_curves.Append(added.animation, added.curve, added.type);
         Json channel = JsonTree::MakeObject();
         m_tree.Member(channel, "sampler") = m_tree.MakeIndex(sampler);
         m_tree.Member(channel, "target") = target;
@@ -178,13 +201,14 @@ private:
     gltf::Document& m_document;
     JsonTree& m_tree;
     const DocumentChanges& m_changes;
+    CurveWriter m_curves;
     gltf::Removal m_removal;
 };
 
 }  // namespace
 
-void WriteDocument(gltf::Document& document, const DocumentChanges& changes) {
-    DocumentWriter(document, changes).Run();
+std::vector<gltf::OpaqueUse> WriteDocument(gltf::Document& document, const DocumentChanges& changes) {
+    return DocumentWriter(document, changes).Run();
 }
 
 }  // namespace zr

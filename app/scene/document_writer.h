@@ -6,7 +6,8 @@
 namespace zr {
 
 // Applies the changes to their document. Throws gltf::Error and, for a skin that cannot be read where axes
-// are exchanged, std::runtime_error; the document is of no use then.
-void WriteDocument(gltf::Document& document, const DocumentChanges& changes);
+// are exchanged, std::runtime_error; the document is of no use then. What kept elements that the changes left
+// unreferenced in the document.
+std::vector<gltf::OpaqueUse> WriteDocument(gltf::Document& document, const DocumentChanges& changes);
 
 }  // namespace zr

@@ -32,7 +32,7 @@ std::string LoadedScene::NameOf(const vl::zr::Node& node) const {
 }
 
 gltf::Document LoadedScene::WriteBack() && {
-    WriteDocument(*m_document, ChangesOf(*this));
+    static_cast<void>(WriteDocument(*m_document, ChangesOf(*this)));
     return std::move(*m_document);
 }
 

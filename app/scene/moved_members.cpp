@@ -29,6 +29,14 @@ std::string_view PathBelowNode(const gltf::Reference& reference) {
 
 }  // namespace
 
+bool HasObject(const gltf::Json& node) {
+    const gltf::Json* extensions = node.Find("extensions");
+    return std::any_of(std::begin(kObjectMembers), std::end(kObjectMembers), [&](std::string_view member) {
+        if (!member.starts_with(kInExtensions)) return node.Find(member) != nullptr;
+        return extensions != nullptr && extensions->Find(member.substr(kInExtensions.size())) != nullptr;
+    });
+}
+
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
                    const std::unordered_map<std::size_t, std::size_t>& moved) {
     if (moved.empty()) return;

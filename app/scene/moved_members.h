@@ -16,8 +16,12 @@ inline constexpr std::string_view kObjectMembers[] = {
     "weights", "extensions/EXT_mesh_gpu_instancing",
     "camera",  "extensions/KHR_lights_punctual",
 };
+inline constexpr std::string_view kInExtensions = "extensions/";
 inline constexpr auto kMeshMembers = std::span(kObjectMembers).first<4>();
 inline constexpr auto kAimMembers = std::span(kObjectMembers).last<2>();
+
+// Whether the node has any of them.
+bool HasObject(const gltf::Json& node);
 
 // Mends what refers to members that went from a node to another one: pointers of animation channels and of
 // behaviour graphs, and channels of morph weights. moved: from node to node.

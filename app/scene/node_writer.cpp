@@ -15,8 +15,6 @@ using gltf::Kind;
 
 namespace {
 
-constexpr std::string_view kInExtensions = "extensions/";
-
 class NodeWriter {
 public:
     NodeWriter(gltf::Document& document, const ChangedNodes& changes)

@@ -158,6 +158,7 @@ DocumentChanges Changes(const LoadedScene& loaded, const ExportOptions& options,
     auto& removed = changes.removal[gltf::Ordinal(gltf::Kind::kNode)];
     removed.resize(loaded.Parts().nodes.size(), false);
     for (const std::size_t node : nodes.rejected) removed[node] = true;
+    changes.takesWhatItLeaves = true;
     return changes;
 }
 
@@ -184,7 +185,8 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     kernix::SceneModel& scene = loaded.Scene();
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
-    if (scene.m_pNodes->m_nCount == 0) return {std::move(loaded.Document()), {}};  // an empty scene stays one
+    if (scene.m_pNodes->m_nCount == 0)
+        return {std::move(loaded.Document()), {}, {}};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
@@ -197,9 +199,10 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     CheckDeviation(report, options);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
-    WriteDocument(loaded.Document(), Changes(loaded, options, std::move(runs), camera));
+    std::vector<gltf::OpaqueUse> refusals =
+        WriteDocument(loaded.Document(), Changes(loaded, options, std::move(runs), camera));
     progress(1);
-    return {std::move(loaded.Document()), std::move(report)};
+    return {std::move(loaded.Document()), std::move(report), std::move(refusals)};
 }
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,

@@ -9,6 +9,7 @@
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
 #include "base/file_transaction.h"
+#include "gltf/references.h"
 
 namespace zr {
 
@@ -18,13 +19,15 @@ using ExportProgress = std::function<void(double)>;
 struct Exported {
     gltf::Document document;
     MotionReport report;
+    std::vector<gltf::OpaqueUse> refusals;  // why what the export left unused stays in the document
 };
 
 // Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what
-// the records stand for into the document: nodes, rest transforms and keys. Throws std::runtime_error when
-// two animations would need different nodes, when keys that cannot be read would have to change, when nothing
-// is to be exported, and when the motion comes out further off than the options allow. renameMap: null, or
-// receives the text of the map (RenameMap).
+// the records stand for into the document: nodes, rest transforms and keys. What nothing refers to any more
+// then goes; what nothing referred to before stays. Throws std::runtime_error when two animations would need
+// different nodes, when keys that cannot be read would have to change, when nothing is to be exported, and when
+// the motion comes out further off than the options allow. renameMap: null, or receives the text of the map
+// (RenameMap).
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
 

@@ -5,6 +5,7 @@
 
 #include "app/operations/export/record_names.h"
 #include "app/operations/export/record_rest.h"
+#include "app/scene/moved_members.h"
 
 namespace zr {
 namespace {
@@ -66,6 +67,7 @@ private:
     void MoveObject(const kernix::NodeModel& node) {
         const auto from = m_loaded.IndexOf(&node);
         if (!from || m_exported.count(&node) == 0) return;
+        if (!HasObject(m_loaded.Document().Elements(gltf::Kind::kNode)[*from])) return;
         const auto carrier = m_carrier.find(&node);
         if (carrier == m_carrier.end()) {
             m_nodes.bare.push_back(*from);

@@ -30,12 +30,13 @@ void AddAnimation(Document& document, std::string_view name, const std::vector<M
     tree.Member(empty, "name") = tree.MakeString(name);
     const std::size_t index = document.Append(Kind::kAnimation, empty);
     Json channels = JsonTree::MakeArray();
+    CurveWriter curves(document);
     for (const Motion& motion : motions) {
         const char* type = motion.path == "rotation" ? "VEC4" : "VEC3";
         Json channel = JsonTree::MakeObject(), target = JsonTree::MakeObject();
         tree.Member(target, "node") = tree.MakeIndex(motion.node);
         tree.Member(target, "path") = tree.MakeString(motion.path);
-        tree.Member(channel, "sampler") = tree.MakeIndex(AppendCurve(document, index, motion.curve, type));
+        tree.Member(channel, "sampler") = tree.MakeIndex(curves.Append(index, motion.curve, type));
         tree.Member(channel, "target") = target;
         tree.Append(channels, channel);
     }

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "gltf/references.h"
+
+namespace zr {
+
+// Why something that could go stayed: a line for each extension, with the first of its places.
+std::vector<std::string> RefusalLines(std::string_view what, const std::vector<gltf::OpaqueUse>& uses);
+
+}  // namespace zr
