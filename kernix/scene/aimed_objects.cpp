@@ -93,8 +93,9 @@ void LightModel::GetObjectMatrix(vl::zr::Node* node, M* m) {
 }
 
 void LightModel::SetTarget(NodeModel* target) {
+    const bool aimed = m_aim.m_target != nullptr;
     ChangeTarget(*this, m_aim.m_target, target);
-    NodeOf(*this)->GetScene().WatchLight(this, target != nullptr);
+    if (aimed != (target != nullptr)) NodeOf(*this)->GetScene().WatchLight(this, !aimed);
     UpdateTargetPosition();
 }
 

@@ -9,6 +9,15 @@ namespace kernix {
 void SceneModel::SetCurrentTime(float time, int) {
     m_currentTime = time;
     ++m_timeState;
+    if (m_followsLightTargets) UpdateLightTargets();
+}
+
+void SceneModel::FollowLightTargets(bool follow) {
+    if (follow && !m_followsLightTargets) UpdateLightTargets();
+    m_followsLightTargets = follow;
+}
+
+void SceneModel::UpdateLightTargets() {
     for (LightModel* light : m_watchedLights) light->UpdateTargetPosition();
 }
 

@@ -40,6 +40,9 @@ public:
     void SetSceneMatrix(const vl::Matrix4<double>& m);
     const vl::Matrix4<double>& GetSceneMatrix() const { return m_sceneMatrix; }
     void SetFrameRate(float framesPerSecond) { m_frameRate = framesPerSecond; }
+    // Whether m_vTarget of lights follows the scene's time, as it does at first. Each change of the time then
+    // costs a look at every light that aims at a node.
+    void FollowLightTargets(bool follow);
     void SetDefaultCameraNode(NodeModel* node) { m_defaultCameraNode = node; }
 
     // Ties the selector attached to node to the node's children, which exist already. selected may be null.
@@ -99,6 +102,7 @@ protected:
     void CollectViewports(vl::InterfaceArray* out) override;
 
 private:
+    void UpdateLightTargets();
     int FindEqualMaterials(std::vector<MaterialModel*>& into) const;
     void Unlink(NodeModel& node);
     void TakeFromList(NodeModel& node);
@@ -126,6 +130,7 @@ private:
     int m_modalDepth = 0;
     bool m_layersHoldDeleted = false;
     bool m_hasChangeRecord = false;
+    bool m_followsLightTargets = true;
     std::uint64_t m_restState = 1;
     std::uint64_t m_timeState = 1;
 };

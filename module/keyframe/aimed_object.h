@@ -65,25 +65,4 @@ private:
     vl::zr::Light* m_light = nullptr;
 };
 
-// Moves the scene's current time and puts it back at the end.
-class SceneTime {
-public:
-    explicit SceneTime(vl::zr::Scene* scene) : m_scene(scene), m_time(scene->GetCurrentTime()) {}
-    ~SceneTime() {
-        try {
-            Set(m_time);
-        } catch (...) {
-            // The time is set; what the host works out for it comes with the next change.
-        }
-    }
-    SceneTime(const SceneTime&) = delete;
-    SceneTime& operator=(const SceneTime&) = delete;
-
-    void Set(float time) { m_scene->SetCurrentTime(time, 1); }
-
-private:
-    vl::zr::Scene* m_scene;
-    float m_time;
-};
-
 }  // namespace zrt

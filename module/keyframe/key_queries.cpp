@@ -2,6 +2,7 @@
 // What exporters ask of a record's keys.
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <vector>
 
 #include "module/keyframe/keyframe_tool.h"
@@ -35,11 +36,6 @@ const Key* FindKey(vl::Array* track, int index) {
 template <typename Key>
 void CollectTimes(vl::Array* track, std::vector<float>& times) {
     for (const Key* key : vl::ArrayOf<Key*>(track)) times.push_back(key->fTime);
-}
-
-// A total order: NaN comes last.
-bool IsEarlier(float a, float b) {
-    return a < b || (std::isnan(b) && !std::isnan(a));
 }
 
 }  // namespace
@@ -92,6 +88,16 @@ int ZR_TK::GetPositionKey(ExportNode* record, int index, ExportPositionKey* out)
         out->vValue = record->vPosition;
     }
     return 1;
+}
+
+bool zrt::IsEarlier(float a, float b) {
+    return a < b || (std::isnan(b) && !std::isnan(a));
+}
+
+std::vector<float> zrt::Union(const std::vector<float>& a, const std::vector<float>& b) {
+    std::vector<float> both;
+    std::set_union(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both), IsEarlier);
+    return both;
 }
 
 std::vector<float> zrt::KeyTimes(const ExportNode* record, bool withAncestors) {

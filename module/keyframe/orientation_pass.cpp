@@ -1,161 +1,180 @@
 // SPDX-License-Identifier: MIT
 // Places cameras and lights where the host shows them, which is not always where their nodes are.
-#include <algorithm>
-#include <iterator>
+#include <optional>
 #include <vector>
 
-#include "module/keyframe/aimed_object.h"
+#include "host/controller.h"
+#include "module/keyframe/affine.h"
+#include "module/keyframe/followers.h"
 #include "module/keyframe/key_resample.h"
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
+#include "module/keyframe/rotation_keys.h"
+#include "module/keyframe/times_above.h"
+#include "module/keyframe/timetable.h"
 
 namespace {
 
 using zrt::AimedObject;
-
-// Radians by which the orientation between two keys may differ from the one that is shown.
-constexpr float kAimTolerance = 0.001f;
-
-// Where the arc between two keys is compared with what is shown. Not the middle, where the two meet when an
-// object passes straight ahead.
-constexpr float kProbe = 0.3f;
-
-// How often the time between two keys is halved at most.
-constexpr int kMaxHalvings = 6;
-
-// How an object is shown at a time.
-struct Sample {
-    float time;
-    vl::Matrix4<double> shown;  // into the node's space
-    vl::Quaternion world;       // orientation in the world
-};
-
-Sample Look(zrt::SceneTime& sceneTime, vl::zr::Node* node, const AimedObject& object, float time) {
-    sceneTime.Set(time);
-    Sample sample{time, object.Shown(node), {}};
-    vl::Matrix4<double> world;
-    node->GetWorldMatrix(&world, 0);
-    world.SetMul(sample.shown, world);
-    sample.world = vl::Quaternion(world);
-    return sample;
-}
-
-float AngleBetween(vl::Quaternion a, const vl::Quaternion& b) {
-    a.Invert();
-    return vl::AngleAxis(a * b).angle;
-}
-
-// What is aimed at passes by an object on no arc that two keys of its orientation describe: samples between
-// the given times, as many as the arc needs.
-std::vector<Sample> LookAlong(vl::zr::Scene* scene, vl::zr::Node* node, const AimedObject& object,
-                              const std::vector<float>& times) {
-    zrt::SceneTime sceneTime(scene);
-    std::vector<Sample> samples;
-    for (const float time : times) {
-        std::vector<Sample> ahead{Look(sceneTime, node, object, time)};  // the next one last
-        std::vector<int> halvings{0};
-        while (!ahead.empty()) {
-            if (!samples.empty() && halvings.back() < kMaxHalvings) {
-                const Sample& from = samples.back();
-                const Sample& to = ahead.back();
-                const auto between = [&](float fraction) {
-                    return Look(sceneTime, node, object, from.time + (to.time - from.time) * fraction);
-                };
-                const vl::Quaternion arc(kProbe, from.world, to.world, 0);
-                if (AngleBetween(between(kProbe).world, arc) > kAimTolerance) {
-                    ahead.push_back(between(0.5f));
-                    ++halvings.back();
-                    halvings.push_back(halvings.back());
-                    continue;
-                }
-            }
-            samples.push_back(ahead.back());
-            ahead.pop_back();
-            halvings.pop_back();
-        }
-    }
-    return samples;
-}
-
-std::vector<float> Union(const std::vector<float>& a, const std::vector<float>& b) {
-    std::vector<float> both;
-    std::set_union(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
-    both.erase(std::unique(both.begin(), both.end()), both.end());
-    return both;
-}
+using zrt::Follower;
 
 template <typename Key>
 Key* KeyAt(vl::Array* track, int index) {
     return track->IsValidIndex(index) ? vl::FromWord<Key*>(track->GetAt(index)) : nullptr;
 }
 
-// First shown, then the transform of the keys at each time. shownAt(time): into the node's space.
-template <typename ShownAt>
-void PlaceKeys(ExportNode& record, ShownAt shownAt) {
-    for (int i = 0; i < record.pRotKeys->m_nCount; ++i) {
-        auto* rotation = KeyAt<ExportRotationKey>(record.pRotKeys, i);
-        auto* position = KeyAt<ExportPositionKey>(record.pPosKeys, i);
-        const auto* scale = KeyAt<ExportScaleKey>(record.pScaleKeys, i);
-        const vl::Vector3<float> s = scale != nullptr ? scale->vValue : record.vScale;
-        vl::Matrix4<double> m;
-        m.SetScale({s.x, s.y, s.z});
-        m.Rotate(rotation->qValue);
-        m.Offset(position != nullptr ? position->vValue : record.vPosition);
-        m.SetMul(shownAt(rotation->fTime), m);
-        vl::AffineParts parts;
-        m.AffineDecompose(parts);
-        rotation->qValue = parts.q;
-        if (position != nullptr) position->vValue = parts.t;
-    }
+// First shown, then the transform of the record's keys of that number.
+void PlaceKey(ExportNode& record, int index, const vl::Matrix4<double>& shown) {
+    auto* rotation = KeyAt<ExportRotationKey>(record.pRotKeys, index);
+    auto* position = KeyAt<ExportPositionKey>(record.pPosKeys, index);
+    const auto* scale = KeyAt<ExportScaleKey>(record.pScaleKeys, index);
+    const vl::Vector3<float> s = scale != nullptr ? scale->vValue : record.vScale;
+    vl::Matrix4<double> m;
+    m.SetScale({s.x, s.y, s.z});
+    m.Rotate(rotation->qValue);
+    m.Offset(position != nullptr ? position->vValue : record.vPosition);
+    m.SetMul(shown, m);
+    vl::AffineParts parts;
+    m.AffineDecompose(parts);
+    rotation->qValue = parts.q;
+    if (position != nullptr) position->vValue = parts.t;
 }
 
-bool IsIdentity(const Sample& sample) {
-    return sample.shown.IsIdentity(0);
+// Whether the record's keys came as steps, which tell no orientation.
+bool CameAsSteps(const ExportNode& record) {
+    if (record.pController == nullptr || record.pRotKeys == nullptr) return false;
+    auto* first =
+        static_cast<vl::zr::RotationKey*>(record.pController->GetKey(vl::zr::kKeyRotation, 0, nullptr));
+    return first != nullptr && first->GetRotationType() == vl::zr::kRotationAngleAxis;
 }
 
-void PlaceByMatrix(ZR_TK& tool, ExportNode& record, const AimedObject& object) {
-    vl::zr::Node* node = record.pNode;
-    const vl::Matrix4<double> shown = object.Shown(node);
+zrt::RotationKeys TakeKeys(vl::Array*& track) {
+    zrt::RotationKeys keys;
+    for (const ExportRotationKey* key : vl::ArrayOf<ExportRotationKey*>(track)) keys.push_back(*key);
+    zrt::DestroyTrack<ExportRotationKey>(track);
+    return keys;
+}
 
-    // Only an object with a target turns against its node.
-    std::vector<Sample> samples;
-    if (vl::zr::Node* target = object.TargetNode();
-        target != nullptr && tool.m_bAnimated && (tool.m_dwExportFlags & vl::tk::kExtractKeys) != 0) {
-        const std::vector<float> times =
-            Union(zrt::KeyTimes(&record, true), zrt::KeyTimes(tool.FindNodeRecord(target), true));
-        samples = LookAlong(tool.m_pScene, node, object, times);
-    }
-    if (shown.IsIdentity(0) && std::all_of(samples.begin(), samples.end(), IsIdentity)) return;
+void PutKeys(vl::Array*& track, const zrt::RotationKeys& keys) {
+    for (const ExportRotationKey& key : keys) *zrt::AddKey<ExportRotationKey>(track) = key;
+}
 
-    const bool turns = std::any_of(samples.begin(), samples.end(),
-                                   [&shown](const Sample& sample) { return !sample.shown.Equal(shown, 0); });
-    const auto several = [](const vl::Array* track) { return track != nullptr && track->m_nCount > 1; };
-    if (turns || several(record.pRotKeys) || several(record.pPosKeys)) {
-        // The values at rest that fill a missing track are those before this pass: the keys are placed next.
-        std::vector<float> times = zrt::KeyTimesFromZero(&record, false);
-        if (turns) {
-            std::vector<float> aims;
-            for (const Sample& sample : samples) aims.push_back(sample.time);
-            times = Union(times, aims);
-        }
-        zrt::ResampleRecord(times, record);
-        if (turns) {
-            zrt::SceneTime sceneTime(tool.m_pScene);
-            PlaceKeys(record, [&](float time) {
-                sceneTime.Set(time);
-                return object.Shown(node);
-            });
-        } else {
-            PlaceKeys(record, [&shown](float) { return shown; });
-        }
-    }
+// Works out the orientations that steps lead to, with further keys where a step is long. above: what is
+// folded into the record's keys.
+void AddOrientations(ExportNode& record, const vl::Quaternion& above) {
+    zrt::RotationKeys keys = zrt::OrientationsFromSteps(TakeKeys(record.pRotKeys));
+    for (ExportRotationKey& key : keys) key.qValue = key.qValue * above;
+    PutKeys(record.pRotKeys, keys);
+}
 
+void AddSteps(ExportNode& record) {
+    zrt::RotationKeys keys = TakeKeys(record.pRotKeys);
+    zrt::AddSteps(keys);
+    PutKeys(record.pRotKeys, keys);
+}
+
+void PlaceRest(ExportNode& record, const vl::Matrix4<double>& shown) {
     record.mLocal.SetMul(shown, record.mLocal);
     vl::AffineParts parts;
     record.mLocal.AffineDecompose(parts);
     record.vPosition = parts.t;
     record.qRotation = parts.q;
 }
+
+// A record whose object may be shown elsewhere than its node stands.
+struct Placement {
+    ExportNode* record;
+    AimedObject object;
+    vl::Matrix4<double> shown;            // into the node's space
+    std::optional<std::size_t> follower;  // only an object with a target turns against its node
+};
+
+class Placer {
+public:
+    explicit Placer(ZR_TK& tool) : m_tool(tool) {}
+
+    void Add(ExportNode* record, const AimedObject& object) {
+        m_placements.push_back({record, object, object.Shown(record->pNode), {}});
+    }
+
+    void Run() {
+        if (m_tool.m_bAnimated && (m_tool.m_dwExportFlags & vl::tk::kExtractKeys) != 0) FindFollowers();
+        zrt::Timetable table;
+        std::vector<const Placement*> displaced;
+        std::vector<ExportNode*> placed;  // with their keys
+        for (std::size_t i = 0; i < m_placements.size(); ++i) {
+            const Placement& placement = m_placements[i];
+            const Follower* follower = placement.follower ? &m_followers[*placement.follower] : nullptr;
+            const bool isDisplaced =
+                !placement.shown.IsIdentity(0) || (follower != nullptr && follower->isDisplaced);
+            if (!isDisplaced) continue;
+            displaced.push_back(&placement);
+            const bool turns = follower != nullptr && follower->turns;
+            ExportNode* record = placement.record;
+            if (!turns && !HasSeveral(record->pRotKeys) && !HasSeveral(record->pPosKeys)) continue;
+            PlaceKeys(i, turns ? follower : nullptr, table);
+            placed.push_back(record);
+        }
+        table.Run(m_tool.m_pScene, [this](std::size_t i, std::size_t key) {
+            const Placement& placement = m_placements[i];
+            PlaceKey(*placement.record, static_cast<int>(key),
+                     placement.object.Shown(placement.record->pNode));
+        });
+        if (WantsSteps()) {
+            for (ExportNode* record : placed) AddSteps(*record);
+        }
+        // Last, since values at rest fill missing tracks.
+        for (const Placement* placement : displaced) PlaceRest(*placement->record, placement->shown);
+    }
+
+private:
+    static bool HasSeveral(const vl::Array* track) { return track != nullptr && track->m_nCount > 1; }
+
+    bool WantsSteps() const { return (m_tool.m_dwAnimFlags & vl::tk::kAngleAxisKeys) != 0; }
+
+    // The rotation of the scene matrix, where the record's keys hold it.
+    vl::Quaternion Folded(const ExportNode& record) const {
+        if (record.pParent != nullptr || m_tool.m_mScene.IsIdentity(zrt::kIdentityTolerance)) return {};
+        vl::AffineParts parts;
+        m_tool.m_mScene.AffineDecompose(parts);
+        return parts.q;
+    }
+
+    void FindFollowers() {
+        zrt::TimesAbove times;
+        for (Placement& placement : m_placements) {
+            vl::zr::Node* target = placement.object.TargetNode();
+            if (target == nullptr) continue;
+            placement.follower = m_followers.size();
+            m_followers.push_back(
+                {placement.record->pNode, placement.object,
+                 zrt::Union(times.Of(placement.record), times.Of(m_tool.FindNodeRecord(target)))});
+        }
+        zrt::Follow(m_tool.m_pScene, m_followers);
+    }
+
+    // Those of a follower that turns at its times, which the table does.
+    void PlaceKeys(std::size_t index, const Follower* follower, zrt::Timetable& table) {
+        const Placement& placement = m_placements[index];
+        ExportNode& record = *placement.record;
+        if (WantsSteps() && CameAsSteps(record)) AddOrientations(record, Folded(record));
+        std::vector<float> times = zrt::KeyTimesFromZero(&record, false);
+        if (follower != nullptr) times = zrt::Union(times, follower->times);
+        zrt::ResampleRecord(times, record);
+        for (int i = 0; i < record.pRotKeys->m_nCount; ++i) {
+            if (follower != nullptr) {
+                table.Add(KeyAt<ExportRotationKey>(record.pRotKeys, i)->fTime, index,
+                          static_cast<std::size_t>(i));
+            } else {
+                PlaceKey(record, i, placement.shown);
+            }
+        }
+    }
+
+    ZR_TK& m_tool;
+    std::vector<Placement> m_placements;
+    std::vector<Follower> m_followers;
+};
 
 void PlaceByPosition(ExportNode& record, const AimedObject& object) {
     if (object.Position() == vl::Vector3<float>()) return;
@@ -168,6 +187,7 @@ void PlaceByPosition(ExportNode& record, const AimedObject& object) {
 }  // namespace
 
 void ZR_TK::OrientationPass() {
+    Placer placer(*this);
     for (ExportNode* record : vl::ArrayOf<ExportNode*>(m_pAllNodes)) {
         vl::zr::Node* node = record->pNode;
         if (node == nullptr || node->m_pObject == nullptr || (record->dwFlags & NF_GEOMETRY) == 0) continue;
@@ -175,9 +195,10 @@ void ZR_TK::OrientationPass() {
         if (!object) object = AimedObject::LightOf(node);
         if (!object) continue;
         if ((m_dwExportFlags & vl::tk::kAllChoices) != 0) {
-            PlaceByMatrix(*this, *record, object);
+            placer.Add(record, object);
         } else {
             PlaceByPosition(*record, object);
         }
     }
+    placer.Run();
 }

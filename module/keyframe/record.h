@@ -49,6 +49,12 @@ void DestroyTrack(vl::Array*& track) {
     track = nullptr;
 }
 
+// A total order of times: NaN comes last.
+bool IsEarlier(float a, float b);
+
+// Both lists of ascending times in one, each time once; of equal ones that of a.
+std::vector<float> Union(const std::vector<float>& a, const std::vector<float>& b);
+
 // The times of a record's keys, and of its ancestors' when asked: ascending, each once.
 std::vector<float> KeyTimes(const ExportNode* record, bool withAncestors);
 

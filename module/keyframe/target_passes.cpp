@@ -4,6 +4,8 @@
 #include "module/keyframe/key_resample.h"
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
+#include "module/keyframe/times_above.h"
+#include "module/keyframe/timetable.h"
 
 namespace {
 
@@ -29,8 +31,16 @@ vl::Vector3<float> WorldTarget(vl::zr::Node* node, const AimedObject& object) {
     return world.PointTransform(object.Target());
 }
 
+// A record made for what an object aims at.
+struct TargetRecord {
+    ExportNode* target;
+    vl::zr::Node* node;  // of the object
+    AimedObject object;
+};
+
 // A new top-level record where the object aims, with a key wherever the object or one above it has one.
-void CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObject& object, std::uint32_t flag) {
+ExportNode* CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObject& object, std::uint32_t flag,
+                               const std::vector<float>& times) {
     vl::zr::Node* node = record->pNode;
     ExportNode* target = tool.NewRecord(nullptr);
     target->dwFlags = NF_ADDED | flag;
@@ -42,20 +52,30 @@ void CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObject& obje
     target->mWorld.MoveTo(target->vPosition);
     target->mLocal = target->mWorld;
 
-    const std::vector<float> times = zrt::KeyTimes(record, true);
-    if (times.size() < 2) return;
-    zrt::SceneTime sceneTime(tool.m_pScene);
-    for (const float time : times) {
-        auto* key = zrt::AddKey<ExportPositionKey>(target->pPosKeys);
-        key->fTime = time;
-        sceneTime.Set(time);
-        key->vValue = WorldTarget(node, object);
+    if (times.size() < 2) return target;
+    for (const float time : times) zrt::AddKey<ExportPositionKey>(target->pPosKeys)->fTime = time;
+    return target;
+}
+
+// The keys where the objects aim at their times.
+void FillKeys(ZR_TK& tool, const std::vector<TargetRecord>& targets) {
+    zrt::Timetable table;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const vl::ArrayOf<ExportPositionKey*> keys(targets[i].target->pPosKeys);
+        for (int k = 0; k < keys.Count(); ++k) table.Add(keys[k]->fTime, i, static_cast<std::size_t>(k));
     }
+    table.Run(tool.m_pScene, [&](std::size_t i, std::size_t key) {
+        const TargetRecord& made = targets[i];
+        vl::ArrayOf<ExportPositionKey*>(made.target->pPosKeys)[static_cast<int>(key)]->vValue =
+            WorldTarget(made.node, made.object);
+    });
 }
 
 void RunTargetPass(ZR_TK& tool, const TargetPass& pass) {
     const bool records = (tool.m_dwExportFlags & pass.records) != 0;
     const bool keys = (tool.m_dwExportFlags & pass.keys) != 0;
+    std::vector<TargetRecord> made;
+    zrt::TimesAbove times;
     for (ExportNode* record : vl::ArrayOf<ExportNode*>(tool.m_pAllNodes)) {
         if (record->pNode == nullptr || (record->dwFlags & pass.recordFlag) != pass.recordFlag) continue;
         const AimedObject object = pass.find(record->pNode);
@@ -63,7 +83,9 @@ void RunTargetPass(ZR_TK& tool, const TargetPass& pass) {
 
         ExportNode* target = tool.FindNodeRecord(object.TargetNode());
         if (target == nullptr) {
-            if (records && !keys) CreateTargetRecord(tool, record, object, pass.targetFlag);
+            if (!records || keys) continue;
+            made.push_back({CreateTargetRecord(tool, record, object, pass.targetFlag, times.Of(record)),
+                            record->pNode, object});
         } else if (records) {
             target->dwFlags |= pass.targetFlag;
             record->pTarget = target;
@@ -71,6 +93,7 @@ void RunTargetPass(ZR_TK& tool, const TargetPass& pass) {
             zrt::ResamplePositions(zrt::KeyTimesFromZero(target, false), record->pPosKeys, record->vPosition);
         }
     }
+    FillKeys(tool, made);
 }
 
 }  // namespace

@@ -9,6 +9,8 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
              const ExportOptions& options) {
     scene.SetSceneMatrix(options.sceneMatrix);
     scene.SetActiveAnimation(animation);
+    // With other options the tools ask lights only where they are shown.
+    scene.FollowLightTargets(options.Has(vl::tk::kLightTargetRecords) || !options.Has(vl::tk::kAllChoices));
     Tool tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_pScene = &scene;
     tool->m_dwExportFlags = options.exportFlags;

@@ -44,6 +44,22 @@ public:
         for (const auto& [time, value] : keys) track->AddPosition(time)->m_value = value;
     }
 
+    // Turns the object's node by 0.3, then by 2.5 radians more, with positions beside it.
+    void Turn(bool asSteps) {
+        auto* track = m_node->AddTransformController()->AddTransformTrack(m_animation);
+        const vl::AngleAxis first(0, 1, 0, 0.3f), second(0, 1, 0, 2.5f);
+        kernix::RotationKeyModel* keys[2] = {track->AddRotation(0), track->AddRotation(2)};
+        if (asSteps) {
+            keys[0]->SetValue(first);
+            keys[1]->SetValue(second);
+        } else {
+            keys[0]->SetQuaternion(vl::Quaternion(first));
+            keys[1]->SetQuaternion(vl::Quaternion(first) * vl::Quaternion(second));
+        }
+        track->AddPosition(0)->m_value = {1, 0, 0};
+        track->AddPosition(2)->m_value = {0, 1, 0};
+    }
+
     // Exports with the flags and answers the record of the object.
     ExportNode* Export(std::uint32_t flags) {
         m_tool->m_dwExportFlags = flags | kExportCameras | kExportLights | kExtractKeys;
@@ -202,6 +218,63 @@ TEST_F(TargetPassTest, DisplacedCameraKeepsItsKeys) {
         EXPECT_EQ(camera.m_tool->GetKeyCount(record, 1), form != 0 ? 2 : 0);
         ExpectShown(camera, record, 4);
     }
+}
+
+// Angle-axis keys lead to the orientations of the quaternions, which are those shown, whatever form the
+// host's keys have.
+void ExpectStepsLeadTo(ExportNode* record) {
+    vl::Quaternion shown;
+    for (const auto* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) {
+        shown = shown * vl::Quaternion(key->aaValue);
+        vl::Quaternion back = key->qValue;
+        back.Invert();
+        EXPECT_LT(vl::AngleAxis(shown * back).angle, 1e-5f) << "at " << key->fTime;
+    }
+}
+
+TEST_F(TargetPassTest, StepsLeadToWhatIsShown) {
+    enum { kNoKeys, kQuaternions, kSteps };
+    for (const int form : {kNoKeys, kQuaternions, kSteps}) {
+        for (const bool hasTarget : {true, false}) {
+            for (const bool isZUp : {true, false}) {
+                SCOPED_TRACE(testing::Message() << form << " target " << hasTarget << " Z up " << isZUp);
+                auto* object = new kernix::CameraModel;
+                object->SetObjectPosition({0, 2, 0});
+                AimingCamera camera(object, hasTarget);
+                M scene = AimingCamera::Identity();
+                if (isZUp) scene.RotateX(1.5707963267948966);
+                camera.m_scene->SetSceneMatrix(scene);
+                camera.Move(camera.m_target, {{0, {-3, 0, -4}}, {2, {3, 1, -4}}});
+                if (form != kNoKeys) camera.Turn(form == kSteps);
+                camera.m_tool->m_dwAnimFlags |= kAngleAxisKeys;
+                ExportNode* record = camera.Export(kCameraTargetRecords | kAllChoices);
+                EXPECT_EQ(record->pRotKeys != nullptr, hasTarget || form != kNoKeys);
+                ExpectStepsLeadTo(record);
+                if (record->pRotKeys != nullptr) ExpectShown(camera, record, 2);
+            }
+        }
+    }
+}
+
+// Each object has its place and time; lights that aim at one target share the times that are looked at.
+TEST_F(TargetPassTest, ManyFollowTheirTargetsAtOnce) {
+    AimingLight light(new kernix::LightModel(vl::zr::kLightSpot));
+    light.Move(light.m_target, {{0, {-3, 0, -4}}, {1, {3, 1, -4}}, {2, {0, 0, -9}}});
+    std::vector<NodeModel*> others;
+    for (int i = 0; i < 3; ++i) {
+        others.push_back(light.m_scene->AddNode(i == 2 ? others[1] : nullptr, "other"));
+        auto* object = new kernix::LightModel(vl::zr::kLightSpot);
+        others[i]->SetObject(Ref<vl::zr::Object3D>::Adopt(object));
+        others[i]->SetRestPose({{static_cast<float>(i), 1, 2}, {}, {1, 1, 1}});
+        object->SetTarget(light.m_target);
+    }
+    light.Move(others[1], {{0.5f, {1, 0, 0}}, {1.75f, {1, 4, 1}}});
+    light.m_scene->SetCurrentTime(1.25f, 1);
+    light.Export(kLightTargetRecords | kAllChoices | kGroupSplit);
+    EXPECT_EQ(light.m_scene->GetCurrentTime(), 1.25f);
+    ExpectShown(light, light.m_tool->FindNodeRecord(light.m_node), 2);
+    light.m_node = others[0];
+    ExpectShown(light, light.m_tool->FindNodeRecord(light.m_node), 2);
 }
 
 TEST_F(TargetPassTest, UnturnedCameraIsLeftAlone) {
