@@ -159,12 +159,15 @@ void AddExportCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("export", "Prepare a scene for an exporter and write the result");
     auto arguments = std::make_shared<ExportArguments>();
     arguments->AddTo(*command);
-    AddExamples(*command, {{"export scene.glb out.glb --up z --scale 100 --merge-keys",
-                            "For a target with Z up, in centimetres, without redundant keys."},
-                           {"export scene.glb out.json --animation walk --resample",
-                            "The records that an exporter reads, with keys of all tracks at the same times."},
-                           {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
-                            "Every scene below the folder \"scenes\", with short names that differ."}});
+    AddExamples(*command,
+                {{"export scene.glb out.glb --up z --scale 100 --merge-keys",
+                  "For a target with Z up, in centimetres, without redundant keys."},
+                 {"export scene.glb step.glb --animation walk --from 1.5 --to 2.25 --start-at-zero --fps 30",
+                  "A stretch of an animation as a clip of its own, with 30 keys a second."},
+                 {"export scene.glb out.json --animation walk --resample",
+                  "The records that an exporter reads, with keys of all tracks at the same times."},
+                 {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
+                  "Every scene below the folder \"scenes\", with short names that differ."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunExport(session, *arguments); });
     });

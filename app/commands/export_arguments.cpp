@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
+#include <limits>
 #include <string_view>
 
 #include "app/commands/commands.h"
@@ -18,6 +19,8 @@ constexpr double kQuarterTurn = 1.5707963267948966;
 
 constexpr Range kScales{1e-6, 1e6};
 constexpr Range kDeviations{0, 1e6};
+constexpr Range kTimes{0, 1e6};  // seconds
+constexpr Range kFrameRates{0.01, 1000};
 
 // A flag of the command line that sets or clears a bit.
 struct BitFlag {
@@ -130,6 +133,18 @@ void ExportArguments::AddTo(CLI::App& command) {
                     "(see zr reduce)")
         ->type_name(kToleranceType)
         ->group(kKeysGroup);
+    ClipOptions& clip = m_options.clip;
+    AddNumber(command, "--from", clip.from, kTimes, "SECONDS",
+              "Leave out what comes earlier; every animation is cut here")
+        ->group(kTimeGroup);
+    AddNumber(command, "--to", clip.to, kTimes, "SECONDS", "Leave out what comes later")->group(kTimeGroup);
+    AddNumber(command, "--speed", clip.speed, kTimeFactors, "FACTOR", "Play so many times as fast")
+        ->group(kTimeGroup);
+    command.add_flag("--start-at-zero", clip.startsAtZero, "Let every animation begin at 0")
+        ->group(kTimeGroup);
+    AddNumber(command, "--fps", clip.frameRate, kFrameRates, "N",
+              "Sample every track: keys at so many a second, and at the end")
+        ->group(kTimeGroup);
     m_rescale = AddNumber(command, "--rescale", m_options.rescale, kTimeFactors, "FACTOR",
                           "Multiply times by this factor")
                     ->group(kTimeGroup);
@@ -153,10 +168,11 @@ void ExportArguments::AddTo(CLI::App& command) {
               "How closely the motion is compared with the scene's; quick takes at most a tenth of the time")
         ->capture_default_str()
         ->group(kTargetGroup);
-    AddNumber(command, "--max-deviation", m_options.maxDeviation, kDeviations, "SHARE",
-              "Motion further off than this share of the scene's size is an error")
-        ->capture_default_str()
-        ->group(kTargetGroup);
+    m_maxDeviation = AddNumber(command, "--max-deviation", m_options.maxDeviation, kDeviations, "SHARE",
+                               "Motion further off than this share of the scene's size is an error; with "
+                               "--fps only where it is given")
+                         ->capture_default_str()
+                         ->group(kTargetGroup);
     m_passes.AddTo(command);
     AddPageOption(command, m_page);
     AddBatchOptions(command, m_files, kExportFiles, "SCENE OUT");
@@ -164,6 +180,9 @@ void ExportArguments::AddTo(CLI::App& command) {
 
 const ExportOptions& ExportArguments::Finish(Host& host) {
     if (m_dropsEmpty) m_options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
+    if (!(m_options.clip.from < m_options.clip.to)) throw UsageError("--from must come before --to");
+    if (m_options.clip.frameRate != 0 && m_maxDeviation->count() == 0)
+        m_options.maxDeviation = std::numeric_limits<double>::infinity();
     if (m_rescale->count() != 0) m_options.animFlags |= vl::tk::kRescaleTime;
     if (m_setLength->count() != 0) {
         m_options.animFlags |= vl::tk::kSetLength;

@@ -46,6 +46,7 @@ private:
     std::string m_up = "y";
     std::string m_tolerance;
     std::string m_check = "quick";
+    CLI::Option* m_maxDeviation = nullptr;
     double m_scale = 1;
     std::string m_optionWords;
     CLI::Option* m_rescale = nullptr;

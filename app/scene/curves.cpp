@@ -328,6 +328,13 @@ void PackKeys(kernix::TransformTrack& track) {
     }
 }
 
+void MakeAscending(Curve& curve) {
+    for (std::size_t i = 1; i < curve.times.size(); ++i) {
+        if (curve.times[i] > curve.times[i - 1]) continue;
+        curve.times[i] = std::nextafter(curve.times[i - 1], std::numeric_limits<float>::infinity());
+    }
+}
+
 Curve BakedKeys(const kernix::TransformTrack& track, int keyType) {
     return Baked(track, keyType, Distinct(track, keyType));
 }

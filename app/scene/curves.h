@@ -40,6 +40,9 @@ private:
 // Adds a curve's keys to a track.
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
 
+// Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
+void MakeAscending(Curve& curve);
+
 // A track's keys as a curve. Keys that pass in different ways are baked.
 Curve KeysOf(const kernix::TransformTrack& track, int keyType);
 

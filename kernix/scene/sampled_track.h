@@ -22,6 +22,7 @@ public:
     const StoredCurve& Packed() const { return m_curve; }
     const Curve& GetCurve() const { return m_curve.Get(); }
     void SetCurve(StoredCurve curve) { m_curve = std::move(curve); }
+    StoredCurve TakeCurve() { return std::exchange(m_curve, {}); }  // leaves no key
 
 private:
     StoredCurve m_curve;

@@ -10,7 +10,7 @@ namespace zr {
 
 // The part of a curve from one time up to another, infinity for all the rest, moved to begin at 0. It begins
 // with a key that holds what the curve shows at `from`, and ends with one for `to` where the curve goes on
-// beyond: what it shows just before it jumps, where it jumps there. Rotations are not cubic.
+// beyond: what it shows just before it jumps, where it jumps there.
 //
 //   linear 0@0, 4@4   from 1 to 3   ->   1@0, 3@2
 Curve Sliced(const Curve& curve, float from, float to, bool isRotation);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "app/operations/export/clip.h"
 #include "host/math.h"
 #include "host/serializer.h"
 
@@ -27,6 +28,7 @@ struct ExportOptions {
     void* renameContext = nullptr;
     vl::Matrix4<double> sceneMatrix;
     MotionCheck check = MotionCheck::kQuick;
+    ClipOptions clip;
     double maxDeviation = 1e-3;  // of the scene's size, above which the export fails
 
     ExportOptions() { sceneMatrix.IdentityMatrix(); }

@@ -193,9 +193,10 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     PackAll(scene);
     MotionReport report;
     report.keysBefore = CountAll(scene);
+    const Clips clips(scene, options.clip);
     Runs runs = RunAll(host, scene, options, progress);
     report.keysAfter = runs.keys;
-    CheckMotion(scene, runs.records, options, runs.played, runs.replaced, runs.added, report);
+    CheckMotion(scene, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
     CheckDeviation(report, options);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
@@ -213,16 +214,17 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     kernix::AnimationModel* animation = scene.GetActiveAnimation();
     PackAll(scene);
     MotionReport report;
+    if (animation != nullptr) report.keysBefore = CountKeys(*animation);
+    const Clips clips(scene, options.clip);
     Runs runs;
     if (animation != nullptr) {
-        report.keysBefore = CountKeys(*animation);
         runs.records = RunBaked(host, scene, *animation, options, Curves::kLinear);
         if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
     } else {
         runs.records = RunTool(host, scene, nullptr, options);
     }
     report.keysAfter = runs.keys;
-    CheckMotion(scene, runs.records, options, runs.played, runs.replaced, runs.added, report);
+    CheckMotion(scene, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
     CheckDeviation(report, options);
     const Tool& tool = runs.records;
     if (renameMap != nullptr) *renameMap = RenameMap(tool);

@@ -99,8 +99,8 @@ vl::Vector3<float> HungPivot(const ExportNode& record) {
 
 class Checker {
 public:
-    Checker(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options)
-        : m_scene(scene), m_options(options) {
+    Checker(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options, const Clips& clips)
+        : m_scene(scene), m_options(options), m_clips(clips) {
         AddNodes();
         AddRecords(records);
         AddPairs();
@@ -114,9 +114,10 @@ public:
         if (m_pairs.empty()) return;
         const std::vector<float> keyTimes = Move(*played.animation, replaced, added);
         const std::size_t most = std::clamp(budget / m_pairs.size(), kFewestTimes, kMostTimes);
-        const std::vector<float> times = Times(*played.animation, keyTimes, most);
+        const Clip clip = m_clips.Of(*played.animation);
+        const std::vector<float> times = Times(clip, keyTimes, most);
         const std::size_t atOnce = std::clamp<std::size_t>(budget / times.size(), 1, m_pairs.size());
-        const Worst worst = CompareAt(times, atOnce, played);
+        const Worst worst = CompareAt(times, atOnce, played, clip);
         if (!report.node.empty() && !(worst.deviation > report.deviation)) return;
         report.deviation = std::max(worst.deviation, 0.0);
         report.time = double{worst.time};
@@ -238,9 +239,11 @@ private:
             const auto made = replaced.find(plain);
             PoseTree::Motion before, after;
             for (std::size_t i = 0; i < 3; ++i) {
-                const Curve& source = track.Packed(kKeyTypes[i])->Get();
+                const Curve& source = m_clips.Source(track, i);
                 before.SetCurve(i, source);
-                after.SetCurve(i, made != replaced.end() && made->second[i] ? *made->second[i] : source);
+                after.SetCurve(i, made != replaced.end() && made->second[i]
+                                      ? *made->second[i]
+                                      : track.Packed(kKeyTypes[i])->Get());
                 for (; next < source.times.size(); next += step) times.push_back(source.times[next]);
                 next -= source.times.size();
             }
@@ -272,24 +275,23 @@ private:
     }
 
     // Times at even distances, and those of the keys, which are the ones that dropping keys moves most.
-    std::vector<float> Times(const kernix::AnimationModel& animation, std::vector<float> keys,
-                             std::size_t most) const {
+    static std::vector<float> Times(const Clip& clip, std::vector<float> keys, std::size_t most) {
+        std::erase_if(keys, [&](float time) { return time < clip.from || time > clip.to; });
         std::sort(keys.begin(), keys.end());
         keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-        auto* played = const_cast<kernix::AnimationModel*>(&animation);
-        const float start = m_scene.GetStartTime(played);
-        const float end = m_scene.GetEndTime(played);
         const std::size_t even = std::max<std::size_t>(most / 2, 2);
         std::vector<float> times;
         for (std::size_t i = 0; i < even; ++i)
-            times.push_back(start + (end - start) * static_cast<float>(i) / static_cast<float>(even - 1));
+            times.push_back(clip.from +
+                            (clip.to - clip.from) * static_cast<float>(i) / static_cast<float>(even - 1));
         const std::size_t step = keys.size() / even + 1;
         for (std::size_t i = 0; i < keys.size(); i += step) times.push_back(keys[i]);
         return times;
     }
 
     // At each time, the pairs that follow those of the time before.
-    Worst CompareAt(const std::vector<float>& times, std::size_t atOnce, const PlayedAnimation& played) {
+    Worst CompareAt(const std::vector<float>& times, std::size_t atOnce, const PlayedAnimation& played,
+                    const Clip& clip) {
         const std::size_t hardware = std::max(std::thread::hardware_concurrency(), 1U);
         const std::size_t count = std::clamp<std::size_t>(times.size() * atOnce / kWorthAThread, 1,
                                                           std::min(hardware, kMostThreads));
@@ -299,7 +301,7 @@ private:
             PoseTree::Walk before(m_before), after(m_after);
             for (std::size_t i = index; i < times.size(); i += count) {
                 before.Go(times[i]);
-                after.Go(times[i] * played.timeScale + played.timeOffset);
+                after.Go(clip.Map(times[i]) * played.timeScale + played.timeOffset);
                 for (std::size_t k = 0; k < atOnce; ++k) {
                     const std::size_t pair = (m_nextPair + i * atOnce + k) % m_pairs.size();
                     part.Add(Deviation(before, after, m_pairs[pair], part.box), i, pair);
@@ -344,6 +346,7 @@ private:
 
     kernix::SceneModel& m_scene;
     const ExportOptions& m_options;
+    const Clips& m_clips;
     PoseTree m_before;
     PoseTree m_after;
     const std::uint32_t m_sceneRoot = m_before.Add(PoseTree::kNone, Affine::From(m_options.sceneMatrix));
@@ -356,14 +359,18 @@ private:
 };
 
 // Curves of numbers, halfway between keys, where steps do not jump.
-void CheckValues(const PlayedAnimation& played, const ReplacedKeys& replaced, MotionReport& report) {
+void CheckValues(const PlayedAnimation& played, const Clips& clips, const ReplacedKeys& replaced,
+                 MotionReport& report) {
     constexpr std::size_t kMostPieces = 100;
+    const Clip clip = clips.Of(*played.animation);
     for (vl::zr::Track* track : played.animation->Tracks()) {
         const auto* sampled = dynamic_cast<kernix::SampledTrack*>(track);
+        if (sampled == nullptr) continue;
         const auto found = replaced.find(track);
-        if (sampled == nullptr || found == replaced.end() || !found->second[0]) continue;
-        const Curve& before = sampled->GetCurve();
-        const Curve& after = *found->second[0];
+        const bool isReplaced = found != replaced.end() && found->second[0];
+        const Curve& before = clips.Source(*track, 0);
+        const Curve& after = isReplaced ? *found->second[0] : sampled->GetCurve();
+        if (&after == &before) continue;
         if (before.times.size() < 2 || after.IsEmpty()) continue;
         const auto [low, high] = std::minmax_element(before.values.begin(), before.values.end());
         const double range = double{*high} - *low;
@@ -372,8 +379,9 @@ void CheckValues(const PlayedAnimation& played, const ReplacedKeys& replaced, Mo
         const std::size_t step = before.times.size() / kMostPieces + 1;
         for (std::size_t i = 1; i < before.times.size(); i += step) {
             const float time = before.times[i - 1] + (before.times[i] - before.times[i - 1]) / 2;
+            if (time < clip.from || time > clip.to) continue;
             kernix::EvaluateNumbers(before, time, a.data());
-            kernix::EvaluateNumbers(after, time * played.timeScale + played.timeOffset, b.data());
+            kernix::EvaluateNumbers(after, clip.Map(time) * played.timeScale + played.timeOffset, b.data());
             for (std::size_t k = 0; k < a.size(); ++k) {
                 const double deviation = std::abs(a[k] - b[k]) / range;
                 if (!(deviation > report.valueDeviation)) continue;
@@ -388,20 +396,18 @@ void CheckValues(const PlayedAnimation& played, const ReplacedKeys& replaced, Mo
 }  // namespace
 
 void CheckMotion(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options,
-                 const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
-                 const std::vector<AddedKeys>& added, MotionReport& report) {
+                 const Clips& clips, const std::vector<PlayedAnimation>& animations,
+                 const ReplacedKeys& replaced, const std::vector<AddedKeys>& added, MotionReport& report) {
     report.check = options.check;
     if (options.check == MotionCheck::kOff || animations.empty() || !options.Has(vl::tk::kExtractKeys))
         return;
-    Checker checker(scene, records, options);
+    Checker checker(scene, records, options, clips);
     const std::size_t budget =
         SampleBudget(options.check, checker.RecordCount(), report.keysBefore, animations.size());
     for (const PlayedAnimation& played : animations) {
         checker.Compare(played, replaced, added, budget / animations.size(), report);
-        CheckValues(played, replaced, report);
-        for (vl::zr::Track* track : played.animation->Tracks()) {
-            if (auto* transform = dynamic_cast<kernix::TransformTrack*>(track)) transform->Unload();
-        }
+        CheckValues(played, clips, replaced, report);
+        clips.Unload(*played.animation);
     }
     report.size = std::max(checker.Size(), 1.0);
 }

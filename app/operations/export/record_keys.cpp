@@ -2,8 +2,6 @@
 #include "app/operations/export/record_keys.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace zr {
 namespace {
@@ -61,14 +59,6 @@ bool HasKeys(const RecordCurves& curves) {
 
 RecordCurves KeysOf(const ExportNode& record) {
     return {KeysOf(record, kKeyTypes[0]), KeysOf(record, kKeyTypes[1]), KeysOf(record, kKeyTypes[2])};
-}
-
-// Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
-void MakeAscending(Curve& curve) {
-    for (std::size_t i = 1; i < curve.times.size(); ++i) {
-        if (curve.times[i] > curve.times[i - 1]) continue;
-        curve.times[i] = std::nextafter(curve.times[i - 1], std::numeric_limits<float>::infinity());
-    }
 }
 
 // Whether the record's keys are the track's, with the time mapped.

@@ -22,8 +22,9 @@ std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const E
     std::unordered_set<const vl::zr::Animation*> exported;
     for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(tool->m_pScene->m_pAnimations))
         exported.insert(animation);
-    const bool changesAll = options.Has(vl::tk::kRescaleTime) || options.Has(vl::tk::kSetLength) ||
-                            options.Has(vl::tk::kReverseTime) || !options.Has(vl::tk::kExtractKeys);
+    const bool changesAll = options.clip.MovesKeys() || options.Has(vl::tk::kRescaleTime) ||
+                            options.Has(vl::tk::kSetLength) || options.Has(vl::tk::kReverseTime) ||
+                            !options.Has(vl::tk::kExtractKeys);
     std::unordered_map<const vl::zr::Node*, const ExportNode*> records;
     const SkippedChannel* first = nullptr;
     std::size_t count = 0;

@@ -5,6 +5,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
+
+#include "app/commands/session.h"
 #include "app/services/host.h"
 
 namespace zr {
@@ -95,6 +98,17 @@ TEST(ExportArguments, FieldsAndWordsAreTaken) {
     EXPECT_EQ(options.maxMaterialNameLength, 8);
     EXPECT_NE(options.rename, nullptr);
     EXPECT_NEAR(options.sceneMatrix.PointTransform(vl::Vector3<double>{0, 1, 0}).z, 10, 1e-9);
+
+    const ExportOptions clip = Read("--from 1 --to 2.5 --speed 2 --start-at-zero --fps 24");
+    EXPECT_EQ(clip.clip.from, 1);
+    EXPECT_EQ(clip.clip.to, 2.5F);
+    EXPECT_EQ(clip.clip.speed, 2);
+    EXPECT_TRUE(clip.clip.startsAtZero);
+    EXPECT_EQ(clip.clip.frameRate, 24);
+    EXPECT_TRUE(std::isinf(clip.maxDeviation));
+    EXPECT_EQ(Read("--fps 24 --max-deviation 0.1").maxDeviation, 0.1);
+    EXPECT_THROW(Read("--from 2 --to 2"), UsageError);
+    EXPECT_FALSE(Read("").clip.MovesKeys());
 
     const ExportOptions words = Read("--no-lights --option-words 2000000e,1f,3ec");
     EXPECT_EQ(words.exportFlags, 0x2000000Eu);
