@@ -49,6 +49,8 @@ std::array<bool, kCleanSteps> ChosenSteps(const Arguments& arguments) {
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         steps[step] = arguments.only.empty() && (arguments.all || kCleanStepInfo[step].unseen);
     }
+    // With --all, what the extras are of would stay and they would go.
+    if (arguments.options.keepExtras) steps[static_cast<std::size_t>(CleanStep::kMetadata)] = false;
     for (const std::string& name : arguments.only) steps[StepNamed(name)] = true;
     for (const std::string& name : arguments.skip) steps[StepNamed(name)] = false;
     return steps;
@@ -150,6 +152,10 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     AddList(*command, "--keep", arguments->options.keep,
             "Keep nodes, materials and animations whose names match one of these patterns (*, ?, [a-z]), "
             "separated by commas");
+    command->add_flag("--keep-named", arguments->options.keepNamed,
+                      "Keep nodes, materials and animations that have a name");
+    command->add_flag("--keep-extras", arguments->options.keepExtras,
+                      "Keep nodes, materials and animations that have extras, and the extras");
     command->add_flag("--blended", arguments->options.blended,
                       "Also remove repeated meshes with blended materials, which changes what is seen");
     command->add_flag("--keep-data", arguments->options.keepData,
@@ -165,6 +171,8 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     AddExamples(*command,
                 {{"clean scene.glb out.glb", "Remove what is neither seen nor used."},
                  {"clean --dry-run --explain scene.glb", "List what would go, and why the rest stays."},
+                 {"clean scene.glb out.glb --keep-named --keep-extras",
+                  "Only what carries neither a name nor extras."},
                  {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
                   "Clean every scene below a folder, whatever fails."}});
     command->callback([&session, arguments] {

@@ -111,6 +111,7 @@ public:
         out.Finish();
         if (mapTarget) mapTarget->Finish();
         if (!m_arguments.PageFile().empty()) WritePageOf(task, motion);
+        report.Note(task.input, motion.nodeNotes);
         if (!motion.unreadKeys.empty()) report.Note(task.input, {motion.unreadKeys});
         report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
                                                    : task.output + ": " + Describe(motion));
@@ -164,6 +165,8 @@ void AddExportCommand(CLI::App& app, Session& session) {
                   "For a target with Z up, in centimetres, without redundant keys."},
                  {"export scene.glb step.glb --animation walk --from 1.5 --to 2.25 --start-at-zero --fps 30",
                   "A stretch of an animation as a clip of its own, with 30 keys a second."},
+                 {"export scene.glb sword.glb --only-nodes 'Sword*'",
+                  "One part, with the nodes above it that move it."},
                  {"export scene.glb out.json --animation walk --resample",
                   "The records that an exporter reads, with keys of all tracks at the same times."},
                  {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",

@@ -120,6 +120,17 @@ void ExportArguments::AddTo(CLI::App& command) {
     command.add_flag("--keep-all-nodes", m_keepsEmpty, "Keep them, which is the default")
         ->excludes(drop)
         ->group(kHierarchyGroup);
+    NodeChoice& nodes = m_options.nodes;
+    AddList(command, "--only-nodes", nodes.only,
+            "Export only nodes whose names match one of these patterns (*, ?, [a-z]), and what is below them")
+        ->type_name("PATTERN,...")
+        ->group(kNodesGroup);
+    AddList(command, "--exclude", nodes.exclude,
+            "Leave out nodes whose names match one of these patterns, and what is below them")
+        ->type_name("PATTERN,...")
+        ->group(kNodesGroup);
+    AddRepeated(command, "--layer", nodes.layers, "Only nodes on this layer; may be repeated")
+        ->group(kNodesGroup);
     AddNumber(command, "--pivot-mode", m_options.pivotMode, {0, 2}, "N",
               "Pivot form that stays on its node: 0 none, 1 object, 2 group")
         ->capture_default_str()

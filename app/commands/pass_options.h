@@ -17,6 +17,7 @@ namespace zr {
 class Host;
 
 // Headings of the export command's options.
+inline constexpr const char* kNodesGroup = "Nodes";
 inline constexpr const char* kHierarchyGroup = "Hierarchy";
 inline constexpr const char* kKeysGroup = "Keys";
 inline constexpr const char* kTimeGroup = "Time";

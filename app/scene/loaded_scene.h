@@ -26,8 +26,8 @@ enum class Repeats {
 
 struct SceneOptions {
     std::optional<std::size_t> scene;  // of the document; none: its default, else its first, else every root
-    // Elements (nodes, materials, animations) that must stay whatever else holds: true for their name.
-    std::function<bool(gltf::Kind kind, std::string_view name)> keep;
+    // Why an element (node, material, animation) must stay whatever else holds; empty: it need not.
+    std::function<std::string(const gltf::Json& element)> keep;
     Repeats repeats = Repeats::kUnseen;
     // Elements may go also where something that cannot be followed could refer to them.
     bool force = false;
@@ -62,7 +62,7 @@ struct SkippedChannel {
 struct KeptElement {
     gltf::Kind kind;
     std::size_t index;
-    std::string reason;  // the place in the document that refers to it, or "kept by name"
+    std::string reason;  // the place in the document that refers to it, or what SceneOptions::keep says
 };
 
 // What is made from a document. By index in the document, where not said otherwise; null for what is not in

@@ -182,16 +182,18 @@ void SceneBuilder::MarkReferences() {
         if (content != nullptr && !m_nodeMarks[node].reason)
             m_nodeMarks[node].reason = Join("/nodes/", node, "/extensions/", content->Name());
     }
-    MarkByName(Kind::kNode, m_nodeMarks);
-    MarkByName(Kind::kMaterial, m_materialMarks);
-    MarkByName(Kind::kAnimation, m_animationMarks);
+    MarkKept(Kind::kNode, m_nodeMarks);
+    MarkKept(Kind::kMaterial, m_materialMarks);
+    MarkKept(Kind::kAnimation, m_animationMarks);
 }
 
-void SceneBuilder::MarkByName(Kind kind, std::vector<Mark>& marks) {
+void SceneBuilder::MarkKept(Kind kind, std::vector<Mark>& marks) {
     const auto elements = m_document.Elements(kind);
     for (std::size_t i = 0; i < elements.size(); ++i) {
-        if (!marks[i].reason && m_options.keep && m_options.keep(kind, NameOf(elements[i])))
-            marks[i].reason = "kept by name";
+        if (!marks[i].reason && m_options.keep) {
+            if (std::string reason = m_options.keep(elements[i]); !reason.empty())
+                marks[i].reason = std::move(reason);
+        }
         if (marks[i].reason) m_parts.kept.push_back({kind, i, *marks[i].reason});
     }
 }

@@ -31,7 +31,7 @@ private:
 
     void ChooseNodes();
     void MarkReferences();
-    void MarkByName(gltf::Kind kind, std::vector<Mark>& marks);
+    void MarkKept(gltf::Kind kind, std::vector<Mark>& marks);
     void AddMaterials();
     void AddNodes();
     void AddNode(std::size_t index, std::size_t parent);

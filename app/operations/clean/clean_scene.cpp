@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/clean/clean_scene.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -10,6 +8,7 @@
 #include "app/operations/clean/held.h"
 #include "app/operations/clean/metadata_guard.h"
 #include "app/scene/loaded_scene.h"
+#include "app/scene/name_patterns.h"
 #include "base/text.h"
 #include "kernix/scene/change_record_model.h"
 #include "kernix/utf.h"
@@ -47,20 +46,20 @@ constexpr std::array<Operation, kCleanSteps> kOperations = {
     &zr_CLEANER::RemoveUnusedAnimations, nullptr,
 };
 
-bool Matches(const std::vector<std::string>& patterns, std::string_view name) {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
-        return fnmatch(pattern.c_str(), std::string(name).c_str(), 0) == 0;
-    });
-}
-
 }  // namespace
 
 SceneOptions SceneOptionsOf(const CleanOptions& options) {
     SceneOptions sceneOptions;
     sceneOptions.repeats = options.blended ? Repeats::kBlended : Repeats::kUnseen;
     sceneOptions.force = true;  // what could be referred to is settled for each step
-    if (!options.keep.empty()) {
-        sceneOptions.keep = [&options](Kind, std::string_view name) { return Matches(options.keep, name); };
+    if (!options.keep.empty() || options.keepNamed || options.keepExtras) {
+        sceneOptions.keep = [&options](const gltf::Json& element) -> std::string {
+            const gltf::Json* member = element.Find("name");
+            const std::string_view name = member != nullptr ? member->String() : std::string_view();
+            if (MatchesAny(options.keep, name)) return "kept by name";
+            if (options.keepNamed && !name.empty()) return "kept for having a name";
+            return options.keepExtras && element.Find("extras") != nullptr ? "kept for its extras" : "";
+        };
     }
     return sceneOptions;
 }

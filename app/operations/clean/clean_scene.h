@@ -45,6 +45,8 @@ extern const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo;
 struct CleanOptions {
     std::array<bool, kCleanSteps> steps{};
     std::vector<std::string> keep;  // shell patterns of names of nodes, materials and animations that stay
+    bool keepNamed = false;         // every node, material and animation with a name stays
+    bool keepExtras = false;        // the same for those with extras
     bool force = false;             // also where an extension that is not known could refer to what goes
     bool keepData = false;          // what nothing refers to any more stays in the file
     bool blended = false;           // also repeated meshes that are blended, though more of them shows more

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "app/operations/export/clip.h"
+#include "app/operations/export/node_choice.h"
 #include "host/math.h"
 #include "host/serializer.h"
 
@@ -28,6 +29,7 @@ struct ExportOptions {
     void* renameContext = nullptr;
     vl::Matrix4<double> sceneMatrix;
     MotionCheck check = MotionCheck::kQuick;
+    NodeChoice nodes;
     ClipOptions clip;
     double maxDeviation = 1e-3;  // of the scene's size, above which the export fails
 

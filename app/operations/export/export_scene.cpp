@@ -183,6 +183,9 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
                      const ExportProgress& progress, std::string* renameMap) {
     LoadedScene loaded = std::move(given);
     kernix::SceneModel& scene = loaded.Scene();
+    MotionReport report;
+    ChosenNodes chosen = ChooseNodes(loaded, options.nodes);
+    report.nodeNotes = std::move(chosen.notes);
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
     if (scene.m_pNodes->m_nCount == 0)
@@ -191,7 +194,6 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
         for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
     PackAll(scene);
-    MotionReport report;
     report.keysBefore = CountAll(scene);
     const Clips clips(scene, options.clip);
     Runs runs = RunAll(host, scene, options, progress);
@@ -200,20 +202,24 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     CheckDeviation(report, options);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
-    std::vector<gltf::OpaqueUse> refusals =
-        WriteDocument(loaded.Document(), Changes(loaded, options, std::move(runs), camera));
+    DocumentChanges changes = Changes(loaded, options, std::move(runs), camera);
+    auto& removedSkins = changes.removal[gltf::Ordinal(gltf::Kind::kSkin)];
+    removedSkins.resize(loaded.Document().Elements(gltf::Kind::kSkin).size(), false);
+    for (const std::size_t skin : chosen.skins) removedSkins[skin] = true;
+    std::vector<gltf::OpaqueUse> refusals = WriteDocument(loaded.Document(), changes);
     progress(1);
     return {std::move(loaded.Document()), std::move(report), std::move(refusals)};
 }
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
                            std::string* renameMap) {
+    MotionReport report;
+    report.nodeNotes = ChooseNodes(loaded, options.nodes).notes;
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::SceneModel& scene = loaded.Scene();
     kernix::AnimationModel* animation = scene.GetActiveAnimation();
     PackAll(scene);
-    MotionReport report;
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);
     const Clips clips(scene, options.clip);
     Runs runs;

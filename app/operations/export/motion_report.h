@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "app/operations/export/export_options.h"
 #include "kernix/scene/scene_model.h"
@@ -23,7 +24,8 @@ struct MotionReport {
     double valueDeviation = 0;  // of weights and pointers, in shares of the range that the curve goes through
     double valueTime = 0;       // seconds
     std::string value;          // of which animation; empty where all are the same
-    std::string unreadKeys;     // which keys could not be read and go out as they are; empty: none
+    std::vector<std::string> nodeNotes;  // of the choice of nodes (ChosenNodes)
+    std::string unreadKeys;              // which keys could not be read and go out as they are; empty: none
 };
 
 std::string NameOf(MotionCheck check);  // "quick"

@@ -235,12 +235,15 @@ TEST(LoadedScene, WhatSomethingRefersToIsKept) {
     LoadedScene plain(gltf::test::Sample());
     EXPECT_EQ(plain.Material(0), nullptr);
     EXPECT_EQ(plain.Scene().m_pMaterials->m_nCount, 2);
-    LoadedScene named(gltf::test::Sample(), {{}, [](Kind kind, std::string_view name) {
-                                                 return kind == Kind::kNode && name == "camera";
+    LoadedScene named(gltf::test::Sample(), {{}, [](const gltf::Json& element) -> std::string {
+                                                 const gltf::Json* name = element.Find("name");
+                                                 const bool isIt =
+                                                     name != nullptr && name->String() == "camera";
+                                                 return isIt ? "wanted" : "";
                                              }});
     bool found = false;
     for (const KeptElement& kept : named.Kept())
-        found |= kept.kind == Kind::kNode && kept.index == 3 && kept.reason == "kept by name";
+        found |= kept.kind == Kind::kNode && kept.index == 3 && kept.reason == "wanted";
     EXPECT_TRUE(found);
 }
 

@@ -137,6 +137,27 @@ TEST_F(CleanDocumentTest, KeepsNamesAndDataOnRequest) {
     EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 6U);
 }
 
+TEST_F(CleanDocumentTest, KeepsWhatHasANameOrExtrasOnRequest) {
+    Document document = Scene();
+    const Strings nodes = Names(document, Kind::kNode), materials = Names(document, Kind::kMaterial);
+    CleanOptions options = Unseen();
+    options.keepNamed = true;
+    Clean(document, options);
+    EXPECT_EQ(Names(document, Kind::kNode), nodes);
+    EXPECT_EQ(Names(document, Kind::kMaterial), materials);
+
+    Document other = Scene();
+    for (const std::size_t node : {0U, 4U})
+        other.Tree().Member(other.Elements(Kind::kNode)[node], "extras") = other.Tree().MakeIndex(1);
+    options = Unseen();
+    options.keepExtras = true;
+    Clean(other, options);
+    EXPECT_EQ(Names(other, Kind::kNode)[0], nodes[0]);
+    const Strings left = Names(other, Kind::kNode);
+    EXPECT_TRUE(std::find(left.begin(), left.end(), nodes[4]) != left.end());
+    EXPECT_LT(left.size(), nodes.size());
+}
+
 TEST_F(CleanDocumentTest, AllTakesMetadataAndEnvironmentToo) {
     Document document = Scene();
     CleanOptions options;
