@@ -105,4 +105,53 @@ void RunKeys(benchmark::State& state, std::uint32_t animFlags) {
 BENCHMARK_CAPTURE(RunKeys, SplitSteps, 0)->ZR_SIZES;
 BENCHMARK_CAPTURE(RunKeys, SplitStepsReversed, kReverseTime)->ZR_SIZES;
 
+// Cameras or lights in chains of the given depth, each with a target of its own that passes by.
+template <typename Object>
+Ref<SceneModel> MakeAims(int count, int depth, auto makeObject) {
+    auto scene = Ref<SceneModel>::Adopt(new SceneModel);
+    auto* animation = scene->AddAnimation(u"move");
+    NodeModel* parent = nullptr;
+    for (int i = 0; i < count; ++i) {
+        NodeModel* target = scene->AddNode(nullptr, "target");
+        auto* track = target->AddTransformController()->AddTransformTrack(animation);
+        for (int key = 0; key < 3; ++key) {
+            const float step = static_cast<float>((i + key) % 7);
+            track->AddPosition(static_cast<float>(key))->m_value = {step - 3, step / 4, -6 - step};
+        }
+        NodeModel* node = scene->AddNode(i % depth == 0 ? nullptr : parent, "node");
+        parent = node;
+        Object* object = makeObject();
+        node->SetObject(Ref<vl::zr::Object3D>::Adopt(object));
+        node->SetRestPose({{0.001f, 0, 0}, {}, {1, 1, 1}});
+        object->SetTarget(target);
+    }
+    return scene;
+}
+
+void RunAims(benchmark::State& state, bool isLight, int depth) {
+    Host host;
+    g_pHost = &host;
+    const auto count = static_cast<int>(state.range(0));
+    const auto scene =
+        isLight ? MakeAims<kernix::LightModel>(count, depth,
+                                               [] { return new kernix::LightModel(vl::zr::kLightSpot); })
+                : MakeAims<kernix::CameraModel>(count, depth, [] { return new kernix::CameraModel; });
+    for (auto _ : state) {
+        const auto tool = Ref<ZR_TK>::Adopt(new ZR_TK);
+        tool->m_pScene = scene.Get();
+        tool->m_dwExportFlags =
+            kExtractKeys | kExportCameras | kExportLights | kAllChoices | kKeepAllNodes | kGroupSplit;
+        tool->Process(0);
+    }
+    state.SetComplexityN(state.range(0));
+    g_pHost = nullptr;
+}
+
+// From sizes on that no cache holds.
+#define ZR_AIMS RangeMultiplier(4)->Range(2048, 32768)->Unit(benchmark::kMillisecond)
+
+BENCHMARK_CAPTURE(RunAims, Lights, true, kFlat)->ZR_AIMS;
+BENCHMARK_CAPTURE(RunAims, Cameras, false, kFlat)->ZR_AIMS;
+BENCHMARK_CAPTURE(RunAims, CamerasInAChain, false, kChain)->ZR_AIMS;
+
 }  // namespace
