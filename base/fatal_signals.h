@@ -18,4 +18,14 @@ public:
 // hand it on here.
 extern "C" void EndBySignal(int signal);
 
+// For the handler of a user's wish to stop: leaves the process a moment to end by itself, then removes its
+// temporary files, writes the line to standard error and ends it with the status. That reaches every loop,
+// also one in a library, and no memory is given back piece by piece. Nothing happens once the work is done:
+// when a transaction is committed, until BeginWork.
+void EndSoon(int status, const char* line);
+
+// The work begins anew, or is done.
+void BeginWork();
+void EndWork();
+
 }  // namespace zr

@@ -171,6 +171,7 @@ void FileTransaction::Commit() {
         Undo();
         throw;
     }
+    EndWork();
     TidyUp();
     if (!folder.empty()) SyncFolder(folder);
 }

@@ -17,6 +17,7 @@
 #include "app/commands/options.h"
 #include "app/commands/progress.h"
 #include "app/commands/session.h"
+#include "base/fatal_signals.h"
 #include "base/file.h"
 #include "base/text.h"
 
@@ -94,6 +95,7 @@ private:
 
     Outcome Do(const Task& task) {
         Outcome outcome;
+        ++m_running;
         try {
             outcome.report = m_work(task, [this](double done) {
                 m_session.ThrowIfStopped();
@@ -115,6 +117,7 @@ private:
             outcome.state = State::kFailed;
             outcome.error = WithFile(task, error.what());
         }
+        if (--m_running > 0) BeginWork();  // of the others, which can still be stopped
         return outcome;
     }
 
@@ -169,6 +172,7 @@ private:
     const Work& m_work;
     std::atomic<std::size_t> m_next = 0;
     std::atomic<std::size_t> m_finished = 0;
+    std::atomic<std::size_t> m_running = 0;
     std::atomic<bool> m_isOver = false;  // start no further task
     std::mutex m_mutex;                  // guards what follows
     std::vector<Outcome> m_outcomes;

@@ -127,9 +127,8 @@ int RunDialog(Session& session, const Arguments& arguments) {
     if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output), session.GetHost(),
                       arguments.options))
         return 0;
-    constexpr int kStopped = 130;
     std::fprintf(stderr, "zr: cancelled: nothing was cleaned and nothing written\n");
-    return kStopped;
+    return kStoppedStatus;
 }
 
 }  // namespace

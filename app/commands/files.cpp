@@ -13,6 +13,7 @@
 #include "app/commands/session.h"
 #include "base/budget.h"
 #include "base/error.h"
+#include "base/fatal_signals.h"
 #include "base/file.h"
 #include "base/text.h"
 
@@ -54,6 +55,7 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
 }
 
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report) {
+    BeginWork();
     const gltf::LoadOptions& options = session.Options().load;
     gltf::Document document =
         name == kStandardStream

@@ -16,6 +16,7 @@
 #include "app/commands/session.h"
 #include "app/commands/suggestion.h"
 #include "app/services/strings.h"
+#include "base/fatal_signals.h"
 #include "base/text.h"
 #include "host/version.h"
 #include "kernix/utf.h"
@@ -26,7 +27,6 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
-constexpr int kStopped = 130;
 
 void AddGlobalOptions(CLI::App& app, Session& session) {
     constexpr const char* kGroup = "With every command";
@@ -166,8 +166,9 @@ int RunProgram(int argc, const char* const* argv) {
     try {
         status = Run(argc, argv);
     } catch (const Stopped&) {
-        std::fprintf(stderr, "zr: stopped\n");
-        status = kStopped;
+        EndWork();
+        std::fputs(kStoppedLine, stderr);
+        status = kStoppedStatus;
     } catch (const UsageError& error) {
         PrintError(error.what());
         status = kUsage;

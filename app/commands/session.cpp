@@ -16,6 +16,7 @@ static_assert(std::atomic<unsigned char>::is_always_lock_free, "the signal handl
 // A second Ctrl-C ends the program at once.
 extern "C" void OnInterrupt(int) {
     g_interrupted->m_bBreak.store(1, std::memory_order_relaxed);
+    EndSoon(kStoppedStatus, kStoppedLine);
     std::signal(SIGINT, EndBySignal);
 }
 

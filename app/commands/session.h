@@ -16,6 +16,8 @@ namespace zr {
 
 // The user asked to stop; the program ends with status 130.
 struct Stopped {};
+inline constexpr int kStoppedStatus = 130;
+inline constexpr const char* kStoppedLine = "zr: stopped\n";
 
 // A misuse of the command line that the parser cannot detect; the program ends with status 2.
 class UsageError : public std::runtime_error {
@@ -53,7 +55,7 @@ public:
     // The host with the module loaded; created by the first call.
     Host& GetHost();
 
-    // Its break flag is set when the user presses Ctrl-C.
+    // Its break flag is set when the user presses Ctrl-C. What does not end within a moment then is ended.
     vl::Context* GetContext() const { return m_context.Get(); }
     bool IsStopRequested() const { return m_context->IsBreak(); }
     // On any thread.

@@ -2,9 +2,11 @@
 #include "base/posix/temporary_path.h"
 
 #include <signal.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstring>
 #include <string>
 
 #include "base/fatal_signals.h"
@@ -40,6 +42,32 @@ TemporarySlot& TakeSlot() {
     return *slot;
 }
 
+// Time to report what is done, and to end in order where nothing lasts.
+constexpr suseconds_t kPatience = 30'000;  // microseconds
+
+std::atomic<bool> g_isWorkDone{false};
+std::atomic<const char*> g_line{nullptr};  // null: nobody asked to stop
+std::atomic<int> g_status{0};
+static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
+
+void RemoveTemporaryFiles() {
+    for (TemporarySlot* slot = g_slots; slot != nullptr; slot = slot->next)
+        if (slot->isSet) unlink(slot->path.c_str());
+}
+
+void WriteError(const char* text) {
+    [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, text, std::strlen(text));
+}
+
+// What a held step does is done in a moment, and the work with it.
+extern "C" void EndNow(int) {
+    if (g_isWorkDone || g_holds > 0) return;
+    RemoveTemporaryFiles();
+    if (isatty(STDERR_FILENO) == 1) WriteError("\r\033[K");
+    WriteError(g_line);
+    _exit(g_status);
+}
+
 }  // namespace
 
 void InstallHandlers() {
@@ -64,14 +92,33 @@ extern "C" void EndBySignal(int number) {
         g_heldSignal = number;
         return;
     }
-    for (TemporarySlot* slot = g_slots; slot != nullptr; slot = slot->next)
-        if (slot->isSet) unlink(slot->path.c_str());
+    RemoveTemporaryFiles();
     signal(number, SIG_DFL);
     raise(number);
 }
 
+void EndSoon(int status, const char* line) {
+    if (g_isWorkDone) return;
+    g_status = status;
+    g_line = line;
+    struct sigaction action {};
+    action.sa_handler = EndNow;
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval patience{{0, 0}, {0, kPatience}};
+    setitimer(ITIMER_REAL, &patience, nullptr);
+}
+
+void BeginWork() {
+    g_isWorkDone = false;
+}
+
+void EndWork() {
+    g_isWorkDone = true;
+}
+
 HoldFatalSignals::HoldFatalSignals() {
     InstallHandlers();
+    if (g_line != nullptr) EndNow(SIGALRM);
     ++g_holds;
 }
 

@@ -8,6 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <thread>
+
 #include "base/error.h"
 #include "base/fatal_signals.h"
 #include "tests/base/temporary_folder.h"
@@ -167,6 +170,24 @@ TEST(FileTransaction, ASignalLeavesNothing) {
     });
     EXPECT_EQ(ended, SIGTERM);
     EXPECT_EQ(folder.Files(), (Names{"done"}));
+}
+
+// However long the work would go on, and only as long as it can be stopped.
+TEST(FileTransaction, AWishToStopEndsTheWork) {
+    const TemporaryFolder folder;
+    const auto stop = [&](bool commits) {
+        BeginWork();
+        FileTransaction files;
+        files.Create(folder / "a").Write("x");
+        if (commits) files.Commit();
+        EndSoon(130, "stopped\n");
+        std::this_thread::sleep_for(std::chrono::milliseconds(commits ? 200 : 10'000));
+        _exit(0);
+    };
+    EXPECT_EXIT(stop(false), testing::ExitedWithCode(130), "stopped");
+    EXPECT_TRUE(fs::is_empty(folder / "."));
+    EXPECT_EXIT(stop(true), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(folder.Files(), (Names{"a"}));
 }
 
 TEST(FileTransaction, AFileBeyondTheLimitFailsAsOnAFullDisk) {

@@ -196,10 +196,14 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     PackAll(scene);
     report.keysBefore = CountAll(scene);
     const Clips clips(scene, options.clip);
-    Runs runs = RunAll(host, scene, options, progress);
+    // Approximate shares of the time.
+    constexpr double kRun = 0.6, kChecked = 0.75;
+    Runs runs = RunAll(host, scene, options, [&](double done) { progress(kRun * done); });
+    progress(kRun);
     report.keysAfter = runs.keys;
     CheckMotion(scene, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
     CheckDeviation(report, options);
+    progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
     DocumentChanges changes = Changes(loaded, options, std::move(runs), camera);
