@@ -3,6 +3,8 @@
 
 #include <stdexcept>
 
+#include "app/operations/export/whole_names.h"
+
 namespace zr {
 
 Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
@@ -28,6 +30,7 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
         throw std::runtime_error(reason.empty() ? "nothing to export: the options leave out every node"
                                                 : reason);
     }
+    MakeNamesWhole(tool);
     return tool;
 }
 
