@@ -2,6 +2,10 @@
 #include "module/keyframe/followers.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <span>
 
 #include "module/keyframe/timetable.h"
 
@@ -9,20 +13,24 @@ namespace zrt {
 
 namespace {
 
-// Radians by which the orientation between two keys may differ from the one that is shown.
-constexpr float kAimTolerance = 0.001f;
+// How far the points one unit along a follower's axes may be from where they are shown between two keys: a
+// share of the size of what is looked at, and of at least one unit.
+constexpr double kAimTolerance = 4e-5;
 
-// Where the arc between two keys is compared with what is shown. Not the middle, where the two meet when an
-// object passes straight ahead.
-constexpr float kProbe = 0.3f;
+// Radians that the orientation may differ however large that is: about a picture element.
+constexpr double kGreatestAngle = 1e-3;
 
-// How often the time between two keys is halved at most.
-constexpr int kMaxHalvings = 6;
+// How often the time between two of the given times is halved at most.
+constexpr int kMostHalvings = 12;
 
-// The orientation in the world in which a follower is shown.
+// The inner samples of an interval lie at quarters of it. An arc meets what is shown in the middle when an
+// object passes straight ahead, and keeps furthest away there when it turns ever faster.
+constexpr std::size_t kInner = 3;
+
+// How a follower is turned against the parent of its record.
 struct Sample {
     float time;
-    vl::Quaternion world;
+    vl::Quaternion orientation;
 };
 
 // The time between two samples of one follower.
@@ -32,44 +40,74 @@ struct Interval {
     Sample to;
     int halvings;
 
-    float At(float fraction) const { return from.time + (to.time - from.time) * fraction; }
+    float At(std::size_t inner) const { return from.time + (to.time - from.time) * Fraction(inner); }
+    static float Fraction(std::size_t inner) { return static_cast<float>(inner + 1) / (kInner + 1); }
 };
 
-vl::Quaternion InWorld(const Follower& follower, const vl::Matrix4<double>& shown) {
-    vl::Matrix4<double> world;
-    follower.node->GetWorldMatrix(&world, 0);
-    world.SetMul(shown, world);
-    return vl::Quaternion(world);
-}
+// The box that holds points.
+class Box {
+public:
+    void Add(const vl::Matrix4<double>& world) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            m_low[i] = std::min(m_low[i], world.m[3][i]);
+            m_high[i] = std::max(m_high[i], world.m[3][i]);
+        }
+    }
+    double Diagonal() const {
+        return std::hypot(m_high[0] - m_low[0], m_high[1] - m_low[1], m_high[2] - m_low[2]);
+    }
 
+private:
+    static constexpr double kFar = std::numeric_limits<double>::max();
+    double m_low[3] = {kFar, kFar, kFar};
+    double m_high[3] = {-kFar, -kFar, -kFar};
+};
+
+// Small angles only.
 float AngleBetween(vl::Quaternion a, const vl::Quaternion& b) {
     a.Invert();
-    return vl::AngleAxis(a * b).angle;
+    const vl::Quaternion turn = a * b;
+    return 2 * std::hypot(turn.x, turn.y, turn.z);
+}
+
+double LongestAxis(const vl::Matrix4<double>& m) {
+    double longest = 0;
+    for (const auto& row : std::span(m.m).first(3))
+        longest = std::max(longest, std::hypot(row[0], row[1], row[2]));
+    return longest;
 }
 
 class Refiner {
 public:
-    Refiner(vl::zr::Scene* scene, std::vector<Follower>& followers) : m_scene(scene), m_followers(followers) {
-        for (const Follower& follower : followers) m_shown.push_back(follower.object.Shown(follower.node));
+    Refiner(vl::zr::Scene* scene, std::vector<Follower>& followers)
+        : m_scene(scene), m_followers(followers), m_angles(followers.size()) {
+        for (const Follower& follower : followers)
+            m_shown.push_back(follower.object.Shown(follower.record->pNode));
     }
 
     void Run() {
         Begin();
-        while (!m_open.empty()) {
-            DropClose();
-            Halve();
-        }
+        while (!m_open.empty()) Divide();
         for (Follower& follower : m_followers) std::sort(follower.times.begin(), follower.times.end());
     }
 
 private:
     // Of the follower, as it is shown at the scene's time, which is the given one.
-    Sample Look(std::size_t index, float time) {
+    Sample Look(std::size_t index, float time, vl::Matrix4<double>& world) {
         Follower& follower = m_followers[index];
-        const vl::Matrix4<double> shown = follower.object.Shown(follower.node);
+        vl::zr::Node* node = follower.record->pNode;
+        const vl::Matrix4<double> shown = follower.object.Shown(node);
         follower.isDisplaced |= !shown.IsIdentity(0);
         follower.turns |= !shown.Equal(m_shown[index], 0);
-        return {time, InWorld(follower, shown)};
+        node->GetWorldMatrix(&world, 0);
+        world.SetMul(shown, world);
+        const ExportNode* parent = follower.record->pParent;
+        if (parent == nullptr || parent->pNode == nullptr) return {time, vl::Quaternion(world)};
+        vl::Matrix4<double> above;
+        parent->pNode->GetWorldMatrix(&above, 0);
+        vl::Quaternion back(above);
+        back.Invert();
+        return {time, vl::Quaternion(world) * back};
     }
 
     void Begin() {
@@ -79,49 +117,67 @@ private:
             for (std::size_t k = 0; k < times.size(); ++k) m_table.Add(times[k], i, k);
             samples[i].resize(times.size());
         }
-        m_table.Run(m_scene,
-                    [&](std::size_t i, std::size_t k) { samples[i][k] = Look(i, m_followers[i].times[k]); });
+        Box box;
+        std::vector<double> axes(m_followers.size(), 0);
+        m_table.Run(m_scene, [&](std::size_t i, std::size_t k) {
+            vl::Matrix4<double> world;
+            samples[i][k] = Look(i, m_followers[i].times[k], world);
+            axes[i] = std::max(axes[i], LongestAxis(world));
+            box.Add(world);
+            m_followers[i].object.TargetNode()->GetWorldMatrix(&world, 0);
+            box.Add(world);
+        });
         for (std::size_t i = 0; i < samples.size(); ++i) {
+            m_angles[i] = kAimTolerance * std::max(box.Diagonal(), 1.0) / axes[i];
+            if (!(m_angles[i] < kGreatestAngle)) m_angles[i] = kGreatestAngle;
             for (std::size_t k = 1; k < samples[i].size(); ++k)
                 m_open.push_back({i, samples[i][k - 1], samples[i][k], 0});
         }
     }
 
-    // The intervals in which the arc is close to what is shown are done.
-    void DropClose() {
-        std::vector<bool> isClose(m_open.size());
-        for (std::size_t i = 0; i < m_open.size(); ++i) m_table.Add(m_open[i].At(kProbe), i);
-        m_table.Run(m_scene, [&](std::size_t i, std::size_t) {
-            const Interval& interval = m_open[i];
-            const vl::Quaternion arc(kProbe, interval.from.world, interval.to.world, 0);
-            const Follower& follower = m_followers[interval.follower];
-            const vl::Quaternion shown = InWorld(follower, follower.object.Shown(follower.node));
-            isClose[i] = !(AngleBetween(shown, arc) > kAimTolerance);
+    // Intervals in which the arc keeps to what is shown are done, the others become shorter ones.
+    void Divide() {
+        std::vector<std::array<Sample, kInner>> inner(m_open.size());
+        for (std::size_t i = 0; i < m_open.size(); ++i)
+            for (std::size_t k = 0; k < kInner; ++k) m_table.Add(m_open[i].At(k), i, k);
+        m_table.Run(m_scene, [&](std::size_t i, std::size_t k) {
+            vl::Matrix4<double> world;
+            inner[i][k] = Look(m_open[i].follower, m_open[i].At(k), world);
         });
-        std::size_t at = 0;
-        std::erase_if(m_open, [&](const Interval&) { return isClose[at++]; });
+        std::vector<Interval> shorter;
+        for (std::size_t i = 0; i < m_open.size(); ++i) Divide(m_open[i], inner[i], shorter);
+        m_open = std::move(shorter);
     }
 
-    void Halve() {
-        std::vector<Sample> middles(m_open.size());
-        for (std::size_t i = 0; i < m_open.size(); ++i) m_table.Add(m_open[i].At(0.5f), i);
-        m_table.Run(m_scene, [&](std::size_t i, std::size_t) {
-            middles[i] = Look(m_open[i].follower, m_open[i].At(0.5f));
-        });
-        std::vector<Interval> halves;
-        for (std::size_t i = 0; i < m_open.size(); ++i) {
-            const Interval& whole = m_open[i];
-            m_followers[whole.follower].times.push_back(middles[i].time);
-            if (whole.halvings + 1 == kMaxHalvings) continue;
-            halves.push_back({whole.follower, whole.from, middles[i], whole.halvings + 1});
-            halves.push_back({whole.follower, middles[i], whole.to, whole.halvings + 1});
+    void Divide(const Interval& whole, const std::array<Sample, kInner>& inner,
+                std::vector<Interval>& shorter) {
+        double angle = 0;
+        for (std::size_t k = 0; k < kInner; ++k) {
+            const vl::Quaternion arc(Interval::Fraction(k), whole.from.orientation, whole.to.orientation, 0);
+            angle = std::max<double>(angle, AngleBetween(arc, inner[k].orientation));
         }
-        m_open = std::move(halves);
+        const double greatest = m_angles[whole.follower];
+        if (!(angle > greatest)) return;
+        // Half as long, an arc keeps four times as close.
+        const bool inQuarters = angle > 4 * greatest;
+        const int halvings = whole.halvings + (inQuarters ? 2 : 1);
+        Sample from = whole.from;
+        const auto add = [&](const Sample& to) {
+            if (halvings < kMostHalvings) shorter.push_back({whole.follower, from, to, halvings});
+            from = to;
+        };
+        for (std::size_t k = inQuarters ? 0 : 1; k < kInner; k += inQuarters ? 1 : 2) {
+            if (!(from.time < inner[k].time && inner[k].time < whole.to.time)) continue;
+            m_followers[whole.follower].times.push_back(inner[k].time);
+            add(inner[k]);
+        }
+        if (from.time > whole.from.time) add(whole.to);
     }
 
     vl::zr::Scene* m_scene;
     std::vector<Follower>& m_followers;
     std::vector<vl::Matrix4<double>> m_shown;  // of each, at the scene's own time
+    std::vector<double> m_angles;              // of each, the greatest between arc and what is shown
     std::vector<Interval> m_open;
     Timetable m_table;
 };

@@ -3,13 +3,14 @@
 
 #include <vector>
 
+#include "host/export_node.h"
 #include "module/keyframe/aimed_object.h"
 
 namespace zrt {
 
 // A camera or light that turns with what it aims at.
 struct Follower {
-    vl::zr::Node* node;
+    ExportNode* record;
     AimedObject object;
     std::vector<float> times;  // at which to look, ascending
     bool isDisplaced = false;  // at one of them shown elsewhere than its node stands

@@ -147,7 +147,7 @@ private:
             if (target == nullptr) continue;
             placement.follower = m_followers.size();
             m_followers.push_back(
-                {placement.record->pNode, placement.object,
+                {placement.record, placement.object,
                  zrt::Union(times.Of(placement.record), times.Of(m_tool.FindNodeRecord(target)))});
         }
         zrt::Follow(m_tool.m_pScene, m_followers);

@@ -131,9 +131,11 @@ template <typename Object>
 void ExpectShown(Aiming<Object>& aiming, ExportNode* record, float end) {
     for (int i = 0; i <= 100; ++i) {
         const float time = end * static_cast<float>(i) / 100;
-        const M exported = Exported(*aiming.m_tool.Get(), record, time);
+        M exported = Exported(*aiming.m_tool.Get(), record, time);
+        for (ExportNode* above = record->pParent; above != nullptr; above = above->pParent)
+            exported.Transform(Exported(*aiming.m_tool.Get(), above, time));
         const M shown = Shown(aiming, time);
-        EXPECT_TRUE(exported.Equal(shown, 0.003))
+        EXPECT_TRUE(exported.Equal(shown, 5e-4))
             << "at " << time << ": looks along (" << -exported.m[2][0] << ", " << -exported.m[2][1] << ", "
             << -exported.m[2][2] << "), shown (" << -shown.m[2][0] << ", " << -shown.m[2][1] << ", "
             << -shown.m[2][2] << ")";
@@ -204,6 +206,23 @@ TEST_F(TargetPassTest, MovingLightFollowsAMovingTarget) {
     light.Move(light.m_node, {{0, {4, 0, 0}}, {1, {4, 5, 0}}, {3, {-4, 5, 0}}});
     light.Move(light.m_target, {{0.5f, {0, 0, -2}}, {2, {0, 1, -6}}});
     ExpectShown(light, light.Export(kLightTargetKeys | kKeepAllNodes | kAllChoices), 3);
+}
+
+// The keys hold how the camera turns against its parent, which turns itself between two keys.
+TEST_F(TargetPassTest, CameraBelowATurningNodeFollowsItsTarget) {
+    AimingCamera camera(new kernix::CameraModel);
+    NodeModel* parent = camera.m_node;
+    camera.Turn(false);
+    camera.Move(camera.m_target, {{0, {-3, 0, -4}}, {2, {3, 1, -1}}});
+    auto* object = new kernix::CameraModel;
+    camera.m_node = camera.m_scene->AddNode(parent, "child");
+    camera.m_node->SetRestPose({{0.5f, 0, 1}, {}, {1, 1, 1}});
+    camera.m_node->SetObject(Ref<vl::zr::Object3D>::Adopt(object));
+    object->SetTarget(camera.m_target);
+    parent->SetObject({});
+    ExportNode* record = camera.Export(kCameraTargetRecords | kAllChoices | kKeepAllNodes);
+    ExpectShown(camera, record, 2);
+    EXPECT_LT(record->pRotKeys->m_nCount, 150);
 }
 
 // A position of the object in its node and no target: the same displacement at every time, no further keys.
