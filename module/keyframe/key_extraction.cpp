@@ -71,9 +71,8 @@ void ExtractRotationTrack(TransformController* controller, int count, bool wants
 
 int ZR_TK::RunExtractKeys() {
     if (m_pScene == nullptr || m_pScene->IsAnimated() == 0) return 0;
-    const bool groupsOnly = (m_dwAnimFlags & vl::tk::kGroupKeysOnly) != 0;
     for (ExportNode* record : vl::ArrayOf<ExportNode*>(m_pAllNodes)) {
-        if (!groupsOnly || (record->dwFlags & (NF_ADDED | NF_GROUP)) != 0) ExtractRecordKeys(record);
+        if (MayHaveKeys(*record)) ExtractRecordKeys(record);
     }
     FoldSceneMatrix();
     return 1;

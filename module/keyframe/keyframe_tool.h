@@ -52,6 +52,11 @@ public:
     // m_nMaxNameLength within its valid range. Name buffers hold one character more.
     int NameLimit() const { return std::clamp(m_nMaxNameLength, 4, 512); }
 
+    // Whether the options allow the record keys.
+    bool MayHaveKeys(const ExportNode& record) const {
+        return (m_dwAnimFlags & vl::tk::kGroupKeysOnly) == 0 || (record.dwFlags & (NF_ADDED | NF_GROUP)) != 0;
+    }
+
     // Hierarchy (hierarchy.cpp, rest_pose.cpp). All three walk from the given records downwards.
     void ComputeLocalMatrices(vl::Array* records);
     void CollectAllNodes(vl::Array* records);

@@ -10,7 +10,7 @@
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
 #include "module/keyframe/rotation_keys.h"
-#include "module/keyframe/times_above.h"
+#include "module/keyframe/target_times.h"
 #include "module/keyframe/timetable.h"
 
 namespace {
@@ -141,14 +141,13 @@ private:
     }
 
     void FindFollowers() {
-        zrt::TimesAbove times;
+        zrt::TargetTimes times(m_tool);
         for (Placement& placement : m_placements) {
             vl::zr::Node* target = placement.object.TargetNode();
-            if (target == nullptr) continue;
+            if (target == nullptr || !m_tool.MayHaveKeys(*placement.record)) continue;
             placement.follower = m_followers.size();
-            m_followers.push_back(
-                {placement.record, placement.object,
-                 zrt::Union(times.Of(placement.record), times.Of(m_tool.FindNodeRecord(target)))});
+            m_followers.push_back({placement.record, placement.object,
+                                   zrt::Union(times.OfRecord(placement.record), times.Of(target))});
         }
         zrt::Follow(m_tool.m_pScene, m_followers);
     }

@@ -225,6 +225,29 @@ TEST_F(TargetPassTest, CameraBelowATurningNodeFollowsItsTarget) {
     EXPECT_LT(record->pRotKeys->m_nCount, 150);
 }
 
+// Its controller, and those above it, tell when it moves.
+TEST_F(TargetPassTest, CameraFollowsATargetThatIsNotExported) {
+    AimingCamera camera(new kernix::CameraModel);
+    NodeModel* mover = camera.m_scene->AddNode(nullptr, "mover");
+    NodeModel* target = camera.m_scene->AddNode(mover, "target below");
+    static_cast<kernix::CameraModel*>(camera.m_node->m_pObject)->SetTarget(target);
+    camera.m_node->SetRestPose({{0, 0, 4}, {}, {1, 1, 1}});
+    camera.Move(mover, {{0, {-3, 0, -1}}, {2, {3, 1, -1}}});
+    camera.Move(target, {{0.5f, {0, 0, 0}}, {1.5f, {0, 2, 0}}});
+    ExportNode* record = camera.Export(kAllChoices);
+    EXPECT_EQ(camera.m_tool->FindNodeRecord(mover), nullptr);
+    ExpectShown(camera, record, 2);
+}
+
+TEST_F(TargetPassTest, ATurningCameraIsNoGroup) {
+    AimingCamera camera(new kernix::CameraModel);
+    camera.Move(camera.m_target, {{0, {-3, 0, -1}}, {2, {3, 1, -1}}});
+    camera.m_tool->m_dwAnimFlags = kGroupKeysOnly;
+    ExportNode* record = camera.Export(kAllChoices | kKeepAllNodes);
+    EXPECT_EQ(record->pRotKeys, nullptr);
+    EXPECT_NE(camera.m_tool->FindNodeRecord(camera.m_target)->pPosKeys, nullptr);
+}
+
 // A position of the object in its node and no target: the same displacement at every time, no further keys.
 TEST_F(TargetPassTest, DisplacedCameraKeepsItsKeys) {
     for (const std::uint32_t form : {std::uint32_t{kAllChoices}, std::uint32_t{0}}) {
