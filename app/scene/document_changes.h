@@ -87,6 +87,7 @@ struct ChangedNodes {
 struct DocumentChanges {
     std::vector<std::pair<std::size_t, std::string>> materialNames;
     std::optional<ChangedNodes> nodes;
+    double lengthScale = 1;                    // of lengths of the world that nodes do not reach
     std::vector<std::size_t> mergedMaterials;  // what each material is then; empty: all stay themselves
     std::vector<std::size_t> droppedExtras;    // of nodes
     std::vector<ChangedChannel> changedChannels;

@@ -6,6 +6,7 @@
 #include "app/scene/flip_objects.h"
 #include "app/scene/node_writer.h"
 #include "app/scene/refuse_opaque.h"
+#include "app/scene/world_lengths.h"
 #include "gltf/collect.h"
 
 namespace zr {
@@ -32,6 +33,7 @@ public:
         if (!left.Empty()) unreferenced = gltf::Unreferenced(m_document, left);
         for (const auto& [material, name] : m_changes.materialNames)
             m_tree.Member(m_document.Elements(Kind::kMaterial)[material], "name") = m_tree.MakeString(name);
+        ScaleLengths(m_document, m_changes.lengthScale);
         if (m_changes.nodes) WriteNodes(m_document, *m_changes.nodes);
         MergeMaterials();
         for (const std::size_t node : m_changes.droppedExtras)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "app/operations/export/clip.h"
@@ -34,6 +35,9 @@ struct ExportOptions {
     double maxDeviation = 1e-3;  // of the scene's size, above which the export fails
 
     ExportOptions() { sceneMatrix.IdentityMatrix(); }
+
+    // From the scene's unit to the result's.
+    double Scale() const { return std::hypot(sceneMatrix.m[0][0], sceneMatrix.m[0][1], sceneMatrix.m[0][2]); }
 
     bool Has(vl::tk::ExportFlag flag) const { return (exportFlags & flag) != 0; }
     bool Has(vl::tk::AnimFlag flag) const { return (animFlags & flag) != 0; }

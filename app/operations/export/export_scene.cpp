@@ -60,6 +60,9 @@ Tool RunBaked(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& ani
 
 // What all animations have in common, and the keys of each.
 struct Runs {
+    Runs(const LoadedScene& loaded, const ExportOptions& options) : factors(loaded, options) {}
+
+    ValueFactors factors;
     Tool records;
     std::vector<PlayedAnimation> played;
     ReplacedKeys replaced;
@@ -84,6 +87,7 @@ void Gather(const Tool& tool, const kernix::AnimationModel& animation, const Exp
             Runs& runs) {
     CollectKeys(tool, animation, options, runs.replaced, runs.added);
     runs.played.push_back({&animation, tool->m_fTimeScale, tool->m_fTimeOffset});
+    CollectSampledKeys(runs.played.back(), runs.factors, runs.replaced);
     runs.keys += KeysOf(tool);
 }
 
@@ -104,10 +108,10 @@ void RunAnew(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& anim
 
 // The tools run once for all animations; each then has its keys run on the records that stand, where these
 // allow that.
-Runs RunAll(Host& host, kernix::SceneModel& scene, const ExportOptions& options,
-            const ExportProgress& progress) {
+Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress) {
+    kernix::SceneModel& scene = loaded.Scene();
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
-    Runs runs;
+    Runs runs(loaded, options);
     if (animations.empty()) runs.records = RunTool(host, scene, nullptr, options);
     if (animations.size() == 1) RunAnew(host, scene, *animations[0], options, runs);
     if (animations.size() < 2) return runs;
@@ -153,6 +157,7 @@ DocumentChanges Changes(const LoadedScene& loaded, const ExportOptions& options,
     if (camera) nodes.changes.cameras = camera->CamerasOf(runs.records, nodes.indices, options);
 
     DocumentChanges changes = ChangesOf(loaded, std::move(runs.replaced), std::move(runs.added));
+    changes.lengthScale = options.Scale();
     changes.materialNames = MaterialNamesOf(loaded, runs.records);
     changes.nodes = std::move(nodes.changes);
     auto& removed = changes.removal[gltf::Ordinal(gltf::Kind::kNode)];
@@ -198,10 +203,10 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     const Clips clips(scene, options.clip);
     // Approximate shares of the time.
     constexpr double kRun = 0.6, kChecked = 0.75;
-    Runs runs = RunAll(host, scene, options, [&](double done) { progress(kRun * done); });
+    Runs runs = RunAll(host, loaded, options, [&](double done) { progress(kRun * done); });
     progress(kRun);
     report.keysAfter = runs.keys;
-    CheckMotion(scene, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
+    CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
     CheckDeviation(report, options);
     progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
@@ -226,7 +231,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     PackAll(scene);
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);
     const Clips clips(scene, options.clip);
-    Runs runs;
+    Runs runs(loaded, options);
     if (animation != nullptr) {
         runs.records = RunBaked(host, scene, *animation, options, Curves::kLinear);
         if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
@@ -234,7 +239,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
         runs.records = RunTool(host, scene, nullptr, options);
     }
     report.keysAfter = runs.keys;
-    CheckMotion(scene, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
+    CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
     CheckDeviation(report, options);
     const Tool& tool = runs.records;
     if (renameMap != nullptr) *renameMap = RenameMap(tool);

@@ -359,8 +359,8 @@ private:
 };
 
 // Curves of numbers, halfway between keys, where steps do not jump.
-void CheckValues(const PlayedAnimation& played, const Clips& clips, const ReplacedKeys& replaced,
-                 MotionReport& report) {
+void CheckValues(const PlayedAnimation& played, const Clips& clips, const ValueFactors& factors,
+                 const ReplacedKeys& replaced, MotionReport& report) {
     constexpr std::size_t kMostPieces = 100;
     const Clip clip = clips.Of(*played.animation);
     for (vl::zr::Track* track : played.animation->Tracks()) {
@@ -373,7 +373,8 @@ void CheckValues(const PlayedAnimation& played, const Clips& clips, const Replac
         if (&after == &before) continue;
         if (before.times.size() < 2 || after.IsEmpty()) continue;
         const auto [low, high] = std::minmax_element(before.values.begin(), before.values.end());
-        const double range = double{*high} - *low;
+        const double factor = factors.Of(*track);
+        const double range = factor * (double{*high} - *low);
         if (!(range > 0)) continue;
         std::vector<double> a(before.Width()), b(after.Width());
         const std::size_t step = before.times.size() / kMostPieces + 1;
@@ -383,7 +384,7 @@ void CheckValues(const PlayedAnimation& played, const Clips& clips, const Replac
             kernix::EvaluateNumbers(before, time, a.data());
             kernix::EvaluateNumbers(after, clip.Map(time) * played.timeScale + played.timeOffset, b.data());
             for (std::size_t k = 0; k < a.size(); ++k) {
-                const double deviation = std::abs(a[k] - b[k]) / range;
+                const double deviation = std::abs(factor * a[k] - b[k]) / range;
                 if (!(deviation > report.valueDeviation)) continue;
                 report.valueDeviation = deviation;
                 report.valueTime = double{time};
@@ -395,18 +396,19 @@ void CheckValues(const PlayedAnimation& played, const Clips& clips, const Replac
 
 }  // namespace
 
-void CheckMotion(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options,
-                 const Clips& clips, const std::vector<PlayedAnimation>& animations,
-                 const ReplacedKeys& replaced, const std::vector<AddedKeys>& added, MotionReport& report) {
+void CheckMotion(LoadedScene& loaded, const Tool& records, const ExportOptions& options, const Clips& clips,
+                 const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
+                 const std::vector<AddedKeys>& added, MotionReport& report) {
     report.check = options.check;
     if (options.check == MotionCheck::kOff || animations.empty() || !options.Has(vl::tk::kExtractKeys))
         return;
-    Checker checker(scene, records, options, clips);
+    Checker checker(loaded.Scene(), records, options, clips);
+    const ValueFactors factors(loaded, options);
     const std::size_t budget =
         SampleBudget(options.check, checker.RecordCount(), report.keysBefore, animations.size());
     for (const PlayedAnimation& played : animations) {
         checker.Compare(played, replaced, added, budget / animations.size(), report);
-        CheckValues(played, clips, replaced, report);
+        CheckValues(played, clips, factors, replaced, report);
         clips.Unload(*played.animation);
     }
     report.size = std::max(checker.Size(), 1.0);

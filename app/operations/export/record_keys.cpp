@@ -146,14 +146,6 @@ void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, cons
         if (auto curves = Replaced(*record, static_cast<TransformTrack&>(*track), *tool, options))
             replaced[track] = std::move(*curves);
     }
-    if (!MapsTime(*tool)) return;
-    for (vl::zr::Track* track : animation.Tracks()) {
-        const auto* sampled = dynamic_cast<kernix::SampledTrack*>(track);
-        if (sampled == nullptr) continue;
-        Curve curve = sampled->GetCurve();
-        curve.Retime(tool->m_fTimeScale, tool->m_fTimeOffset);
-        replaced[track][0] = std::move(curve);
-    }
 }
 
 }  // namespace zr

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "app/operations/export/record_rest.h"
+#include "app/scene/world_lengths.h"
 
 namespace zr {
 namespace {
@@ -14,6 +15,12 @@ namespace {
     throw std::runtime_error(loaded.Document().File().string() + ": " + channel.Place() +
                              ": its keys are stored in a form that cannot be read, and the export would have "
                              "to change them; --no-animation exports the scene without them");
+}
+
+bool IsScaled(const gltf::Document& document, const SkippedChannel& skipped, const ExportOptions& options) {
+    const gltf::Json& animation = document.Elements(gltf::Kind::kAnimation)[skipped.animation];
+    const gltf::Json& channel = animation.Find("channels")->Items()[skipped.channel];
+    return LengthFactor(document, channel, options.Scale()) != 1;
 }
 
 }  // namespace
@@ -36,7 +43,7 @@ std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const E
         }
         const auto found = channel.node ? records.find(loaded.Node(*channel.node)) : records.end();
         const bool isMoved = found != records.end() && !StandsAsItsNode(*found->second, options);
-        if (changesAll || isMoved) Refuse(loaded, channel);
+        if (changesAll || isMoved || IsScaled(loaded.Document(), channel, options)) Refuse(loaded, channel);
         if (first == nullptr) first = &channel;
         ++count;
     }

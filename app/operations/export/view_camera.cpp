@@ -54,8 +54,7 @@ std::vector<NewCamera> ViewCamera::CamerasOf(const Tool& tool, const std::vector
                                              const ExportOptions& options) const {
     std::vector<NewCamera> cameras;
     // A lens does not grow with its node.
-    const auto& row = options.sceneMatrix.m[0];
-    const double distance = m_distance * std::hypot(row[0], row[1], row[2]);
+    const double distance = m_distance * options.Scale();
     std::size_t at = 0;
     for (const ExportNode* record : AllRecords(tool)) {
         const std::size_t index = nodes[at++];

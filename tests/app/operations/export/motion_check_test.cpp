@@ -42,8 +42,8 @@ MotionReport Check(LoadedScene& loaded, const ExportOptions& options, const Curv
     for (vl::zr::Track* track : animation->Tracks())
         static_cast<kernix::TransformTrack&>(*track).ForgetObjects();
     MotionReport report;
-    CheckMotion(loaded.Scene(), records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced,
-                {}, report);
+    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
+                report);
     return report;
 }
 
@@ -85,8 +85,8 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     ReplacedKeys replaced;
     replaced[track][0] = Curve{{}, {0, 1}, {1, 0, 5, 1, 0, 5}};
     MotionReport report;
-    CheckMotion(loaded.Scene(), records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced,
-                {}, report);
+    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
+                report);
     EXPECT_NEAR(report.deviation, 5, 1e-6);
 }
 

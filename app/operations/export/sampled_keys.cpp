@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/sampled_keys.h"
+
+#include <utility>
+
+#include "app/scene/world_lengths.h"
+
+namespace zr {
+
+ValueFactors::ValueFactors(const LoadedScene& loaded, const ExportOptions& options) {
+    const double scale = options.Scale();
+    if (scale == 1) return;
+    for (const LoadedChannel& channel : loaded.Parts().channels) {
+        if (channel.keyType != 0) continue;
+        auto& controller = static_cast<kernix::SampledControllerModel&>(*channel.controller);
+        const double factor = LengthFactor(loaded.Document(), controller.GetTarget(), scale);
+        if (factor != 1) m_factors[&controller.Tracks()] = factor;
+    }
+}
+
+double ValueFactors::Of(const vl::zr::Track& track) const {
+    const auto found = m_factors.find(track.GetList());
+    return found != m_factors.end() ? found->second : 1;
+}
+
+void CollectSampledKeys(const PlayedAnimation& played, const ValueFactors& factors, ReplacedKeys& replaced) {
+    for (vl::zr::Track* track : played.animation->Tracks()) {
+        const auto* sampled = dynamic_cast<kernix::SampledTrack*>(track);
+        if (sampled == nullptr) continue;
+        const double factor = factors.Of(*track);
+        if (factor == 1 && !played.MapsTime()) continue;
+        Curve curve = sampled->GetCurve();
+        if (factor != 1)
+            for (float& value : curve.values) value = static_cast<float>(value * factor);
+        if (played.MapsTime()) curve.Retime(played.timeScale, played.timeOffset);
+        replaced[track][0] = std::move(curve);
+    }
+}
+
+}  // namespace zr
