@@ -15,6 +15,7 @@
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
+#include "app/operations/export/keep_scene.h"
 #include "base/file_transaction.h"
 #include "base/text.h"
 
@@ -71,7 +72,14 @@ public:
         constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
         Report report;
         gltf::Document document = LoadDocument(m_session, task.input, report);
-        SceneOptions sceneOptions;
+        if (const auto scene = m_arguments.Scene()) {
+            const std::size_t count = document.Elements(gltf::Kind::kScene).size();
+            KeepScene(document, *scene, m_arguments.Force());
+            if (count > 1)
+                report.Note(task.input, {Join("scene ", *scene, " alone is exported, ",
+                                              Counted(count - 1, "other scene"), " left out")});
+        }
+        SceneOptions sceneOptions = SceneOptionsOf(m_options, !wantsRecords);
         sceneOptions.force = m_arguments.Force();
         sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };
         LoadedScene loaded(std::move(document), sceneOptions);

@@ -48,7 +48,8 @@ constexpr BitFlag kExportFlags[] = {
      "Export only the selected child of a selector"},
     {"--skeleton-only", vl::tk::kSkeletonOnly, true, kHierarchyGroup,
      "Export nodes that move a skin without their own object"},
-    {"--root", vl::tk::kGroupingRoot, true, kHierarchyGroup, "Put one root above several top-level nodes"},
+    {"--root", vl::tk::kGroupingRoot, true, kHierarchyGroup,
+     "Put one root above several top-level nodes, for each scene"},
     {"--group-split", vl::tk::kGroupSplit, true, kHierarchyGroup,
      "Give the object of a node with children a node of its own"},
     {"--geometry-split", vl::tk::kGeometrySplit, true, kHierarchyGroup,
@@ -102,6 +103,15 @@ void ReadOptionWords(const std::string& text, ExportOptions& options) {
     }
 }
 
+std::optional<std::size_t> ReadScene(const std::string& text) {
+    if (text == "all") return std::nullopt;
+    std::size_t index = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), index);
+    if (error != std::errc() || stop != text.data() + text.size())
+        throw UsageError("--scene takes the index of a scene, or all");
+    return index;
+}
+
 }  // namespace
 
 void ExportArguments::AddTo(CLI::App& command) {
@@ -133,6 +143,14 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->group(kNodesGroup);
     AddNumber(command, "--pivot-mode", m_options.pivotMode, {0, 2}, "N",
               "Pivot form that stays on its node: 0 none, 1 object, 2 group")
+        ->capture_default_str()
+        ->group(kHierarchyGroup);
+    command
+        .add_option(
+            "--scene", m_scene,
+            "Export this scene of the document alone (index), or every scene; records hold the default "
+            "one unless told otherwise")
+        ->type_name("N|all")
         ->capture_default_str()
         ->group(kHierarchyGroup);
     AddRepeated(command, "--animation", m_animations,
@@ -190,6 +208,7 @@ void ExportArguments::AddTo(CLI::App& command) {
 }
 
 const ExportOptions& ExportArguments::Finish(Host& host) {
+    m_sceneIndex = ReadScene(m_scene);
     if (m_dropsEmpty) m_options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
     if (!(m_options.clip.from < m_options.clip.to)) throw UsageError("--from must come before --to");
     if (m_options.clip.frameRate != 0 && m_maxDeviation->count() == 0)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,8 @@ public:
     const std::vector<std::string>& Animations() const {
         return m_animations;
     }  // names or indices; none: all
+    // The scene of the document that is exported alone; none: all that the output can hold.
+    std::optional<std::size_t> Scene() const { return m_sceneIndex; }
     // How far motion may stray for fewer keys; empty: not at all.
     const std::string& Tolerance() const { return m_tolerance; }
     bool Force() const { return m_force; }
@@ -39,6 +43,8 @@ public:
 private:
     BatchArguments m_files;
     std::vector<std::string> m_animations;
+    std::string m_scene = "all";
+    std::optional<std::size_t> m_sceneIndex;
     bool m_dropsEmpty = false;
     bool m_force = false;
     bool m_keepsEmpty = false;  // said, as it is anyway

@@ -23,7 +23,8 @@ struct ReduceArguments {
 Exported WithoutRedundantKeys(Session& session, gltf::Document document, const Advance& advance) {
     ExportOptions options;
     options.exportFlags |= vl::tk::kMergeKeys;
-    return ExportScene(session.GetHost(), LoadedScene(std::move(document)), options, advance);
+    return ExportScene(session.GetHost(), LoadedScene(std::move(document), SceneOptionsOf(options, true)),
+                       options, advance);
 }
 
 Report Reduce(Session& session, const ReduceTolerance& tolerance, const ReduceArguments& arguments,

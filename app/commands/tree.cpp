@@ -70,7 +70,7 @@ int ShowTree(Session& session, const TreeOptions& options) {
 void AddTreeCommand(CLI::App& app, Session& session) {
     auto options = std::make_shared<TreeOptions>();
     CLI::App* command =
-        app.add_subcommand("tree", "Show the hierarchy that an export of a scene would write");
+        app.add_subcommand("tree", "Show the hierarchy that an export of the default scene would write");
     command->add_option("scene", options->scene, "The scene to read: .gltf, .glb, or - for standard input")
         ->type_name(kSceneType)
         ->required();

@@ -122,7 +122,8 @@ bool AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const
 }
 
 // The controller stands at what it moves: a node for its weights, a material, or the first node that shows
-// the camera, light or mesh. Null when nothing in the scene does.
+// the camera, light or mesh. Where nothing in the scene does: at the first node of a whole document, all of
+// whose animations play, else null.
 kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& goal) {
     const std::string target =
         goal.node != kNone ? Join("/nodes/", goal.node, "/weights") : std::string(goal.path);
@@ -131,16 +132,14 @@ kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& 
     kernix::SampledControllerModel*& made = m_sampled[target];
     if (goal.node != kNone) return made = m_parts.nodes[goal.node]->AddController(target);
     const auto named = gltf::PointerTarget(goal.path);
-    if (!named) return made;
-    if (named->kind == Kind::kMaterial) {
-        kernix::MaterialModel* material = m_parts.materials[named->index];
-        return made = material != nullptr ? material->AddController(target) : nullptr;
-    }
-    if (named->kind == Kind::kNode) {
-        kernix::NodeModel* node = m_parts.nodes[named->index];
-        return made = node != nullptr ? node->AddController(target) : nullptr;
-    }
-    kernix::NodeModel* node = FirstShowing(named->kind, named->index);
+    if (named && named->kind == Kind::kMaterial && m_parts.materials[named->index] != nullptr)
+        return made = m_parts.materials[named->index]->AddController(target);
+    kernix::NodeModel* node = nullptr;
+    if (named)
+        node = named->kind == Kind::kNode ? m_parts.nodes[named->index]
+                                          : FirstShowing(named->kind, named->index);
+    const NodeLayout& layout = m_parts.layout;
+    if (node == nullptr && layout.isWhole && !layout.order.empty()) node = m_parts.nodes[layout.order[0]];
     return made = node != nullptr ? node->AddController(target) : nullptr;
 }
 

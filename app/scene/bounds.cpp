@@ -86,8 +86,9 @@ Bounds BoundsAtRest(const LoadedScene& loaded) {
     Bounds bounds;
     std::unordered_map<const kernix::Positions*, Bounds> boxes;
     const auto nodes = loaded.Document().Elements(Kind::kNode);
+    const std::vector<bool> isShown = loaded.Parts().layout.Shown();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        kernix::NodeModel* node = loaded.Node(i);
+        kernix::NodeModel* node = isShown[i] ? loaded.Node(i) : nullptr;
         auto* mesh = node != nullptr ? dynamic_cast<kernix::MeshModel*>(node->m_pObject) : nullptr;
         if (mesh == nullptr) continue;
         const auto [known, isNew] = boxes.try_emplace(mesh->GetGeometry()->positions.get());

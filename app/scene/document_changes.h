@@ -71,11 +71,16 @@ struct NewCamera {
     double far;
 };
 
-// The nodes of the document's scene, made anew.
+struct SceneRoots {
+    std::size_t scene;  // a document without scenes gets one
+    std::vector<std::size_t> nodes;
+};
+
+// The nodes of a document, made anew.
 struct ChangedNodes {
     std::vector<ChangedNode> nodes;
     std::vector<MovedObject> movedObjects;
-    std::vector<std::size_t> roots;
+    std::vector<SceneRoots> roots;
     std::vector<std::pair<std::size_t, std::size_t>> movedJoints;  // of skins: from node to node
     std::vector<NewCamera> cameras;
     bool exchangesAxes =

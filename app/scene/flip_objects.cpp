@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/scene/moved_members.h"
+#include "app/scene/node_layout.h"
 #include "gltf/accessor.h"
 
 namespace zr {
@@ -33,7 +34,7 @@ public:
     explicit ObjectFlipper(gltf::Document& document) : m_document(document), m_tree(document.Tree()) {}
 
     void Run() {
-        for (const std::size_t node : SceneNodes()) {
+        for (const std::size_t node : AllNodes()) {
             const std::array<float, 3> place = FlipPivot(node);
             const auto placed = [&place](Transform transform) {
                 std::copy(place.begin(), place.end(), transform.begin() + 12);
@@ -56,17 +57,15 @@ public:
 private:
     Json& Element(Kind kind, std::size_t index) { return m_document.Elements(kind)[index]; }
 
-    std::vector<std::size_t> SceneNodes() {
-        std::vector<std::size_t> nodes;
-        const auto scenes = m_document.Elements(Kind::kScene);
-        const std::size_t scene = gltf::IndexMember(m_document.Root(), "scene", 0);
-        if (scene >= scenes.size()) return nodes;
-        const auto add = [&nodes](const Json* list) {
-            if (list == nullptr) return;
-            for (const Json& item : list->Items()) nodes.push_back(static_cast<std::size_t>(*item.Index()));
-        };
-        add(scenes[scene].Find("nodes"));
-        for (std::size_t i = 0; i < nodes.size(); ++i) add(Element(Kind::kNode, nodes[i]).Find("children"));
+    // Parents first.
+    std::vector<std::size_t> AllNodes() {
+        std::vector<std::size_t> nodes = AllRoots(m_document);
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            const Json* children = Element(Kind::kNode, nodes[i]).Find("children");
+            if (children == nullptr) continue;
+            for (const Json& child : children->Items())
+                nodes.push_back(static_cast<std::size_t>(*child.Index()));
+        }
         return nodes;
     }
 

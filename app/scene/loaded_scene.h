@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/scene/document_curves.h"
+#include "app/scene/node_layout.h"
 #include "gltf/document.h"
 #include "host/ref.h"
 #include "kernix/scene/scene_model.h"
@@ -25,7 +26,9 @@ enum class Repeats {
 };
 
 struct SceneOptions {
-    std::optional<std::size_t> scene;  // of the document; none: its default, else its first, else every root
+    // Every scene of the document and what stands outside of any, for what changes the whole document; else
+    // its default scene, or its first, or every root.
+    bool whole = false;
     // Why an element (node, material, animation) must stay whatever else holds; empty: it need not.
     std::function<std::string(const gltf::Json& element)> keep;
     Repeats repeats = Repeats::kUnseen;
@@ -69,6 +72,7 @@ struct KeptElement {
 // the scene.
 struct SceneParts {
     vl::Ref<kernix::SceneModel> scene;
+    NodeLayout layout;
     std::vector<kernix::NodeModel*> nodes;
     std::vector<kernix::MaterialModel*> materials;
     std::vector<kernix::AnimationModel*> animations;

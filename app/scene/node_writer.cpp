@@ -110,13 +110,17 @@ private:
     }
 
     void WriteRoots() {
-        const Json roots = Indices(m_changes.roots);
         if (m_document.Elements(Kind::kScene).empty()) {
             m_document.Append(Kind::kScene, JsonTree::MakeObject());
             m_tree.Member(m_document.Root(), "scene") = m_tree.MakeIndex(0);
         }
-        const std::size_t scene = gltf::IndexMember(m_document.Root(), "scene", 0);
-        m_tree.Member(m_document.Elements(Kind::kScene)[scene], "nodes") = roots;
+        const auto scenes = m_document.Elements(Kind::kScene);
+        for (const auto& [scene, nodes] : m_changes.roots) {
+            if (nodes.empty())
+                scenes[scene].EraseMember("nodes");
+            else
+                m_tree.Member(scenes[scene], "nodes") = Indices(nodes);
+        }
     }
 
     void MoveJoints() {

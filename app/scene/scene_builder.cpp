@@ -96,7 +96,7 @@ SceneParts SceneBuilder::Build() && {
     m_parts.nodes.resize(nodes);
     m_parts.materials.resize(m_document.Elements(Kind::kMaterial).size());
     m_parts.animations.resize(m_document.Elements(Kind::kAnimation).size());
-    ChooseNodes();
+    m_parts.layout = LayOut(m_document, m_options.whole);
     MarkReferences();
     AddMaterials();
     m_animations.NoteMotions();
@@ -106,45 +106,13 @@ SceneParts SceneBuilder::Build() && {
     return std::move(m_parts);
 }
 
-// The nodes of the scene in pre-order.
-void SceneBuilder::ChooseNodes() {
-    const auto nodes = m_document.Elements(Kind::kNode);
-    const auto scenes = m_document.Elements(Kind::kScene);
-    m_parents.assign(nodes.size(), kNone);
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        if (const Json* children = nodes[i].Find("children"))
-            for (const Json& child : children->Items()) m_parents[*child.Index()] = i;
-
-    std::vector<std::size_t> open;
-    if (scenes.empty()) {
-        for (std::size_t i = nodes.size(); i-- > 0;)
-            if (m_parents[i] == kNone) open.push_back(i);
-    } else {
-        const std::size_t chosen = m_options.scene.value_or(IndexMember(m_document.Root(), "scene"));
-        if (chosen >= scenes.size())
-            m_document.Fail(gltf::ErrorKind::kReference, "/scenes", Join("there is no scene ", chosen));
-        if (const Json* roots = scenes[chosen].Find("nodes"))
-            for (const Json& root : roots->Items()) open.push_back(*root.Index());
-        std::reverse(open.begin(), open.end());
-    }
-    while (!open.empty()) {
-        const std::size_t node = open.back();
-        open.pop_back();
-        m_order.push_back(node);
-        const Json* children = nodes[node].Find("children");
-        if (children == nullptr) continue;
-        const auto items = children->Items();
-        for (std::size_t i = items.size(); i-- > 0;) open.push_back(*items[i].Index());
-    }
-}
-
 void SceneBuilder::MarkReferences() {
     m_nodeMarks.resize(m_parts.nodes.size());
     m_materialMarks.resize(m_parts.materials.size());
     m_animationMarks.resize(m_parts.animations.size());
     m_drawn.resize(m_parts.materials.size(), false);
     std::vector<bool> meshInScene(m_document.Elements(Kind::kMesh).size(), false);
-    for (std::size_t node : m_order) {
+    for (std::size_t node : m_parts.layout.order) {
         const Json& json = m_document.Elements(Kind::kNode)[node];
         if (json.Find("mesh") != nullptr) meshInScene[IndexMember(json, "mesh")] = true;
     }
@@ -177,7 +145,7 @@ void SceneBuilder::MarkReferences() {
             keep(m_animationMarks[target.index], reference.place);
         }
     });
-    for (std::size_t node : m_order) {
+    for (std::size_t node : m_parts.layout.order) {
         const gltf::JsonMember* content = ContentExtension(m_document.Elements(Kind::kNode)[node]);
         if (content != nullptr && !m_nodeMarks[node].reason)
             m_nodeMarks[node].reason = Join("/nodes/", node, "/extensions/", content->Name());
@@ -215,10 +183,11 @@ void SceneBuilder::AddMaterials() {
 
 void SceneBuilder::AddNodes() {
     constexpr std::size_t kNodesAtOnce = 256;
-    for (std::size_t i = 0; i < m_order.size(); ++i) {
+    const std::vector<std::size_t>& order = m_parts.layout.order;
+    for (std::size_t i = 0; i < order.size(); ++i) {
         if (i % kNodesAtOnce == 0)
-            m_options.progress(static_cast<double>(i) / static_cast<double>(m_order.size()));
-        AddNode(m_order[i], m_parents[m_order[i]]);
+            m_options.progress(static_cast<double>(i) / static_cast<double>(order.size()));
+        AddNode(order[i], m_parts.layout.parents[order[i]]);
     }
     // What refers to other nodes waits until all are there.
     for (std::size_t node : m_extended) ApplyExtension(node);

@@ -29,7 +29,6 @@ private:
         std::optional<std::string> reason;  // why it must stay
     };
 
-    void ChooseNodes();
     void MarkReferences();
     void MarkKept(gltf::Kind kind, std::vector<Mark>& marks);
     void AddMaterials();
@@ -55,9 +54,7 @@ private:
     MeshBuilder m_meshes;
     AnimationBuilder m_animations;
     Surroundings m_surroundings;
-    std::vector<std::size_t> m_order;     // nodes of the scene, parents first
-    std::vector<std::size_t> m_extended;  // those with an extension of the scene's own
-    std::vector<std::size_t> m_parents;   // of every node of the document
+    std::vector<std::size_t> m_extended;  // nodes with an extension of the scene's own
     std::vector<bool> m_drawn;            // materials that the scene's meshes use
     std::vector<Mark> m_nodeMarks;
     std::vector<Mark> m_materialMarks;

@@ -52,10 +52,10 @@ private:
 };
 
 // A run with the animation's curves as the tools need them; they are what they were afterwards.
-Tool RunBaked(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
+Tool RunBaked(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation,
               const ExportOptions& options, Curves curves) {
-    const BakedCurves baked(scene, animation, options, curves);
-    return RunTool(host, scene, &animation, options);
+    const BakedCurves baked(loaded.Scene(), animation, options, curves);
+    return RunTool(host, loaded, &animation, options);
 }
 
 // What all animations have in common, and the keys of each.
@@ -92,9 +92,9 @@ void Gather(const Tool& tool, const kernix::AnimationModel& animation, const Exp
 }
 
 // The keys of one animation alone, on records of its own.
-void RunAnew(Host& host, kernix::SceneModel& scene, kernix::AnimationModel& animation,
-             const ExportOptions& options, Runs& runs) {
-    const Tool tool = RunBaked(host, scene, animation, options, Curves::kAny);
+void RunAnew(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation, const ExportOptions& options,
+             Runs& runs) {
+    const Tool tool = RunBaked(host, loaded, animation, options, Curves::kAny);
     if (!runs.records) runs.records = tool;
     const std::size_t addedBefore = runs.added.size();
     Gather(tool, animation, options, runs);
@@ -112,12 +112,12 @@ Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const
     kernix::SceneModel& scene = loaded.Scene();
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
     Runs runs(loaded, options);
-    if (animations.empty()) runs.records = RunTool(host, scene, nullptr, options);
-    if (animations.size() == 1) RunAnew(host, scene, *animations[0], options, runs);
+    if (animations.empty()) runs.records = RunTool(host, loaded, nullptr, options);
+    if (animations.size() == 1) RunAnew(host, loaded, *animations[0], options, runs);
     if (animations.size() < 2) return runs;
     {
         FullestTracks fullest(scene);
-        runs.records = RunBaked(host, scene, fullest.Animation(), options, Curves::kAny);
+        runs.records = RunBaked(host, loaded, fullest.Animation(), options, Curves::kAny);
     }
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
@@ -130,7 +130,7 @@ Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const
         if (stands) {
             Gather(runs.records, animation, options, runs);
         } else {
-            RunAnew(host, scene, animation, options, runs);
+            RunAnew(host, loaded, animation, options, runs);
         }
         for (vl::zr::Track* track : animation.Tracks()) {
             if (auto* transform = dynamic_cast<kernix::TransformTrack*>(track)) transform->Unload();
@@ -184,6 +184,12 @@ std::size_t CountAll(kernix::SceneModel& scene) {
 
 }  // namespace
 
+SceneOptions SceneOptionsOf(const ExportOptions&, bool whole) {
+    SceneOptions sceneOptions;
+    sceneOptions.whole = whole;
+    return sceneOptions;
+}
+
 Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap) {
     LoadedScene loaded = std::move(given);
@@ -233,10 +239,10 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     const Clips clips(scene, options.clip);
     Runs runs(loaded, options);
     if (animation != nullptr) {
-        runs.records = RunBaked(host, scene, *animation, options, Curves::kLinear);
+        runs.records = RunBaked(host, loaded, *animation, options, Curves::kLinear);
         if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
     } else {
-        runs.records = RunTool(host, scene, nullptr, options);
+        runs.records = RunTool(host, loaded, nullptr, options);
     }
     report.keysAfter = runs.keys;
     CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);

@@ -13,6 +13,9 @@
 
 namespace zr {
 
+// How a document is loaded for an export: its default scene, as records hold it, or the whole document.
+SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole);
+
 // Told now and then how much is done, 0 to 1; may throw to stop the export.
 using ExportProgress = std::function<void(double)>;
 
@@ -25,9 +28,9 @@ struct Exported {
 // Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what
 // the records stand for into the document: nodes, rest transforms and keys. What nothing refers to any more
 // then goes; what nothing referred to before stays. Throws std::runtime_error when two animations would need
-// different nodes, when keys that cannot be read would have to change, when nothing is to be exported, and when
-// the motion comes out further off than the options allow. renameMap: null, or receives the text of the map
-// (RenameMap).
+// different nodes, when keys that cannot be read would have to change, when nothing is to be exported, and
+// when the motion comes out further off than the options allow. renameMap: null, or receives the text of the
+// map (RenameMap).
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
 

@@ -85,12 +85,21 @@ private:
         return members;
     }
 
+    // Of the node's parent or, for a level of detail, of the node that it stands for.
+    Mark MarkAbove(const NodeModel& node) {
+        const NodeLayout& layout = m_loaded.Parts().layout;
+        const std::size_t index = *m_loaded.IndexOf(&node);
+        const std::size_t base = layout.BaseOf(index);
+        if (base != index) return MarkOf(*m_loaded.Node(base));
+        return node.GetParent() != nullptr ? MarkOf(*node.GetParent()) : Mark();
+    }
+
     // Parents come before their children.
     void MarkShown() {
         const auto onLayers = OnLayers();
         bool showsAny = false;
         for (const NodeModel* node : m_nodes) {
-            const Mark above = node->GetParent() != nullptr ? MarkOf(*node->GetParent()) : Mark();
+            const Mark above = MarkAbove(*node);
             Mark& mark = MarkOf(*node);
             mark.isBelowOnly = above.isBelowOnly || MatchesAny(m_choice.only, node->GetNameText());
             mark.isExcluded = above.isExcluded || MatchesAny(m_choice.exclude, node->GetNameText());

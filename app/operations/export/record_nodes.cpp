@@ -5,6 +5,7 @@
 
 #include "app/operations/export/record_names.h"
 #include "app/operations/export/record_rest.h"
+#include "app/operations/export/record_scenes.h"
 #include "app/scene/moved_members.h"
 
 namespace zr {
@@ -31,20 +32,16 @@ NodeTransform TransformOf(const ExportNode& record, const ExportOptions& options
 class Nodes {
 public:
     Nodes(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options)
-        : m_loaded(loaded), m_tool(tool), m_options(options) {}
+        : m_loaded(loaded), m_tool(tool), m_options(options), m_scenes(loaded, tool) {}
 
     RecordNodes Run() && {
         PlaceRecords();
         for (const auto& node : m_loaded.Scene().AllNodes()) MoveObject(*node);
         std::size_t at = 0;
         for (const ExportNode* record : AllRecords(m_tool)) AddNode(*record, m_nodes.indices[at++]);
-        for (const ExportNode* root : vl::ArrayOf<ExportNode*>(m_tool->m_pRoots))
-            m_nodes.changes.roots.push_back(m_index[root]);
+        ListRoots();
         MoveJoints();
-        for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(m_loaded.Scene().m_pNodes)) {
-            const auto index = m_loaded.IndexOf(node);
-            if (index && m_exported.count(node) == 0) m_nodes.rejected.push_back(*index);
-        }
+        RejectNodes();
         m_nodes.changes.exchangesAxes = m_options.Has(vl::tk::kFlipAxes);
         return std::move(m_nodes);
     }
@@ -77,6 +74,17 @@ private:
         }
     }
 
+    void ListRoots() {
+        const NodeLayout& layout = m_loaded.Parts().layout;
+        const auto records = m_scenes.Roots();
+        for (std::size_t scene = 0; scene < records.size(); ++scene) {
+            if (!layout.isWhole && scene != layout.shown) continue;
+            SceneRoots roots{scene, {}};
+            for (const ExportNode* record : records[scene]) roots.nodes.push_back(m_index[record]);
+            m_nodes.changes.roots.push_back(std::move(roots));
+        }
+    }
+
     void AddNode(const ExportNode& record, std::size_t index) {
         ChangedNode node;
         node.index = index;
@@ -87,8 +95,22 @@ private:
         node.dropsPivots = record.vPivot == vl::Vector3<float>();
         if (record.pTarget != nullptr) node.target = m_index[record.pTarget];
         for (const ExportNode* child : vl::ArrayOf<ExportNode*>(record.pChildren))
-            node.children.push_back(m_index[child]);
+            if (!m_scenes.HangsNowhere(*child)) node.children.push_back(m_index[child]);
         m_nodes.changes.nodes.push_back(std::move(node));
+    }
+
+    // A level of detail that is empty shows that nothing is seen there: it stays with the node that has it.
+    void RejectNodes() {
+        const NodeLayout& layout = m_loaded.Parts().layout;
+        std::vector<bool> stays(layout.parents.size(), false);
+        for (const std::size_t node : layout.order) {
+            if (m_exported.count(m_loaded.Node(node)) != 0) continue;
+            const std::size_t parent = layout.parents[node];
+            stays[node] = layout.standsFor[node] != NodeLayout::kNone
+                              ? m_exported.count(m_loaded.Node(layout.BaseOf(node))) != 0
+                              : parent != NodeLayout::kNone && stays[parent];
+            if (!stays[node]) m_nodes.rejected.push_back(node);
+        }
     }
 
     // A skin follows the record that stands where its joint stood: below a pivot that was split off.
@@ -105,6 +127,7 @@ private:
     const LoadedScene& m_loaded;
     const Tool& m_tool;
     const ExportOptions& m_options;
+    const RecordScenes m_scenes;
     RecordNodes m_nodes;
     std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
     std::unordered_map<const vl::zr::Node*, const ExportNode*> m_exported;

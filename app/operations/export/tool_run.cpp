@@ -3,12 +3,14 @@
 
 #include <stdexcept>
 
+#include "app/operations/export/record_scenes.h"
 #include "app/operations/export/whole_names.h"
 
 namespace zr {
 
-Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
+Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
              const ExportOptions& options) {
+    kernix::SceneModel& scene = loaded.Scene();
     scene.SetSceneMatrix(options.sceneMatrix);
     scene.SetActiveAnimation(animation);
     // With other options the tools ask lights only where they are shown.
@@ -30,6 +32,7 @@ Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* anim
         throw std::runtime_error(reason.empty() ? "nothing to export: the options leave out every node"
                                                 : reason);
     }
+    GroupByScenes(loaded, tool);
     MakeNamesWhole(tool);
     return tool;
 }

@@ -2,19 +2,20 @@
 #pragma once
 
 #include "app/operations/export/export_options.h"
+#include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
 #include "host/export_node.h"
 #include "host/ref.h"
 #include "host/serializer.h"
-#include "kernix/scene/scene_model.h"
 
 namespace zr {
 
 using Tool = vl::Ref<vl::tk::Serializer>;
 
 // Runs the keyframe tools on the scene with the animation as its active one; null: without any. The records
-// point into the scene. Throws std::runtime_error when nothing is to be exported.
-Tool RunTool(Host& host, kernix::SceneModel& scene, kernix::AnimationModel* animation,
+// point into the scene; a grouping root stands for each scene of the document that was loaded. Throws
+// std::runtime_error when nothing is to be exported.
+Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
              const ExportOptions& options);
 
 // Runs the keys of another animation on the records of a finished run. False, with the records as they were,

@@ -36,7 +36,7 @@ Curve QuarterTurn() {
 MotionReport Check(LoadedScene& loaded, const ExportOptions& options, const Curve& turn) {
     auto* controller = loaded.Node(0)->GetController(vl::zr::kControllerTransform);
     kernix::AnimationModel* animation = loaded.Scene().AllAnimations()[0].Get();
-    const Tool records = RunTool(TheHost(), loaded.Scene(), animation, options);
+    const Tool records = RunTool(TheHost(), loaded, animation, options);
     ReplacedKeys replaced;
     replaced[controller->GetTrack(animation)][1] = turn;
     for (vl::zr::Track* track : animation->Tracks())
@@ -80,7 +80,7 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     auto* track = loaded.Node(39000)->AddTransformController()->AddTransformTrack(animation);
     track->SetCurve(vl::zr::kKeyPosition, kernix::StoredCurve({{}, {0, 1}, {1, 0, 0, 1, 0, 0}}));
     ExportOptions options;
-    const Tool records = RunTool(TheHost(), loaded.Scene(), animation, options);
+    const Tool records = RunTool(TheHost(), loaded, animation, options);
     track->ForgetObjects();
     ReplacedKeys replaced;
     replaced[track][0] = Curve{{}, {0, 1}, {1, 0, 5, 1, 0, 5}};

@@ -57,12 +57,13 @@ TEST(FlipObjects, MovesContentToChildren) {
     gltf::JsonTree tree;
     const gltf::Json expected = tree.Build(
         R"([{"name": "m", "children": [2, 4]}, {"children": [5]},
-        {"extensions": {"ZR_scene": {"pivot": [1, 3, 2], "pivotGroup": true}}}, {"mesh": 0},
+        {"extensions": {"ZR_scene": {"pivot": [1, 3, 2], "pivotGroup": true}}}, {"children": [6]},
         {"mesh": 0, "skin": 0, "weights": [1], "matrix": [1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1]},
         {"camera": 0, "extensions": {"ZR_scene": {"target": 0}}, 
-         "matrix": [-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, -1, -3, -2, 1]}])");
-    ASSERT_EQ(document.Elements(Kind::kNode).size(), 6u);
-    for (std::size_t i = 0; i < 6; ++i) {
+         "matrix": [-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, -1, -3, -2, 1]},
+        {"mesh": 0, "matrix": [1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1]}])");
+    ASSERT_EQ(document.Elements(Kind::kNode).size(), 7u);
+    for (std::size_t i = 0; i < 7; ++i) {
         EXPECT_TRUE(gltf::EqualJson(document.Elements(Kind::kNode)[i], expected.Items()[i]))
             << gltf::WriteJson(document.Elements(Kind::kNode)[i], false);
     }
