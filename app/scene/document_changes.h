@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
@@ -57,10 +58,16 @@ struct ChangedNode {
     bool dropsPivots = false;           // and its object's offset
 };
 
-// What a node shows, from one node to another; to none: it goes.
+// Members of a node (moved_members.h) that it loses.
+struct DroppedMembers {
+    std::size_t node;
+    std::span<const std::string_view> members;
+};
+
+// What a node shows, from one node to another.
 struct MovedObject {
     std::size_t from;
-    std::optional<std::size_t> to;
+    std::size_t to;
 };
 
 struct NewCamera {
@@ -79,7 +86,8 @@ struct SceneRoots {
 // The nodes of a document, made anew.
 struct ChangedNodes {
     std::vector<ChangedNode> nodes;
-    std::vector<MovedObject> movedObjects;
+    std::vector<DroppedMembers> dropped;
+    std::vector<MovedObject> movedObjects;  // what is left then
     std::vector<SceneRoots> roots;
     std::vector<std::pair<std::size_t, std::size_t>> movedJoints;  // of skins: from node to node
     std::vector<NewCamera> cameras;

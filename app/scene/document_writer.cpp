@@ -52,8 +52,9 @@ private:
     gltf::KindSet KindsLeft() const {
         if (!m_changes.takesWhatItLeaves) return {};
         const auto& nodes = m_changes.nodes;
-        const bool leaves = !m_changes.changedChannels.empty() || !KindsOf(m_changes.removal).Empty() ||
-                            (nodes && (nodes->exchangesAxes || !nodes->movedObjects.empty()));
+        const bool leaves =
+            !m_changes.changedChannels.empty() || !KindsOf(m_changes.removal).Empty() ||
+            (nodes && (nodes->exchangesAxes || !nodes->dropped.empty() || !nodes->movedObjects.empty()));
         if (!leaves) return {};
         gltf::KindSet kinds = gltf::kDataKinds;
         kinds.Add({Kind::kMesh, Kind::kSkin, Kind::kCamera, Kind::kLight, Kind::kMaterial});

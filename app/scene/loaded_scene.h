@@ -25,6 +25,9 @@ enum class Repeats {
     kAlike,    // also those that something above them sets apart: what hides, moves or replaces them
 };
 
+// What a mesh has that a node shows; without it the node shows its camera or light, if it has one.
+enum class Meshes { kAll, kFacesOrLines, kFaces };
+
 struct SceneOptions {
     // Every scene of the document and what stands outside of any, for what changes the whole document; else
     // its default scene, or its first, or every root.
@@ -32,6 +35,7 @@ struct SceneOptions {
     // Why an element (node, material, animation) must stay whatever else holds; empty: it need not.
     std::function<std::string(const gltf::Json& element)> keep;
     Repeats repeats = Repeats::kUnseen;
+    Meshes meshes = Meshes::kAll;
     // Elements may go also where something that cannot be followed could refer to them.
     bool force = false;
     // Told now and then how much of the scene is made, 0 to 1; may throw.

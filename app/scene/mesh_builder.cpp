@@ -63,6 +63,19 @@ void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std
     }
 }
 
+// The same where the order of the vertices is not known, but how many they are.
+void AddUnread(std::uint32_t mode, std::size_t count, kernix::MeshGeometry& geometry) {
+    const auto add = [](std::uint32_t& total, std::size_t more) {
+        constexpr std::size_t kMost = 0x7FFFFFFF;
+        total = static_cast<std::uint32_t>(std::min(total + std::min(more, kMost), kMost));
+    };
+    if (mode == kLines) add(geometry.unreadSecondary, count / 2);
+    if (mode == kLineLoop && count > 1) add(geometry.unreadSecondary, count);
+    if (mode == kLineStrip && count > 1) add(geometry.unreadSecondary, count - 1);
+    if (mode == kTriangles) add(geometry.unreadFaces, count / 3);
+    if (mode > kTriangles && count > 2) add(geometry.unreadFaces, count - 2);
+}
+
 // Of KHR_materials_variants; extensions: those of a primitive, or null.
 std::span<const Json> Mappings(const Json* extensions) {
     const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
@@ -229,18 +242,18 @@ const MeshBuilder::Vertices& MeshBuilder::VerticesOf(const std::vector<Part>& pa
 // `first`: of the part's `count` vertices in the mesh.
 void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count,
                            kernix::MeshGeometry& geometry) const {
-    if (part.isCompressed) return;
     const gltf::Document& document = m_document;
+    if (part.positions == kNone) return;
+    const std::size_t ordering = part.indices != nullptr ? *part.indices->Index() : part.positions;
+    if (part.isCompressed || !gltf::HasData(document, part.positions) || !gltf::HasData(document, ordering))
+        return AddUnread(part.mode, gltf::Describe(document, ordering).count, geometry);
     std::vector<std::uint32_t> order;
     if (part.indices != nullptr) {
-        const std::size_t accessor = *part.indices->Index();
-        if (gltf::HasData(document, accessor)) order = gltf::ReadIntegers(document, accessor);
+        order = gltf::ReadIntegers(document, ordering);
     } else {
         order.resize(count);
         std::iota(order.begin(), order.end(), 0U);
     }
-    // Indices into positions that could not be read lead nowhere.
-    if (std::any_of(order.begin(), order.end(), [&](std::uint32_t index) { return index >= count; })) return;
     AddInOrder(part.mode, order, first, geometry);
 }
 
@@ -304,6 +317,12 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     shape.geometry = m_lists[lists].geometry;
     shape.attributes = AttributesOf(parts, lists);
     return shape;
+}
+
+bool MeshBuilder::Shows(const NodeParts& node, Meshes meshes) {
+    if (meshes == Meshes::kAll) return true;
+    const kernix::MeshGeometry& geometry = *ShapeOf(*node.mesh->Index()).geometry;
+    return geometry.HasFaces() || (meshes == Meshes::kFacesOrLines && geometry.HasSecondary());
 }
 
 std::uint32_t MeshBuilder::SkinFormat(std::size_t skin) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/scene/content_ids.h"
+#include "app/scene/loaded_scene.h"
 #include "app/scene/node_parts.h"
 #include "gltf/document.h"
 #include "kernix/scene/scene_model.h"
@@ -29,6 +30,9 @@ public:
 
     // `motion`: what tells how the node moves; with the rest of what decides the drawing it makes the format.
     vl::zr::Object3D* Build(const NodeParts& node, const std::string& motion);
+
+    // Whether the node's mesh draws what counts as a mesh.
+    bool Shows(const NodeParts& node, Meshes meshes);
 
     // Whether a part of the node's mesh is blended with what lies behind it, in any variant.
     bool ShowsBlended(const NodeParts& node) { return ShapeOf(*node.mesh->Index()).isBlended; }

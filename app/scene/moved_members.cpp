@@ -29,12 +29,16 @@ std::string_view PathBelowNode(const gltf::Reference& reference) {
 
 }  // namespace
 
+const gltf::Json* FindMember(const gltf::Json& node, std::string_view member) {
+    const std::size_t slash = member.find('/');
+    if (slash == std::string_view::npos) return node.Find(member);
+    const gltf::Json* holder = node.Find(member.substr(0, slash));
+    return holder != nullptr ? holder->Find(member.substr(slash + 1)) : nullptr;
+}
+
 bool HasObject(const gltf::Json& node) {
-    const gltf::Json* extensions = node.Find("extensions");
-    return std::any_of(std::begin(kObjectMembers), std::end(kObjectMembers), [&](std::string_view member) {
-        if (!member.starts_with(kInExtensions)) return node.Find(member) != nullptr;
-        return extensions != nullptr && extensions->Find(member.substr(kInExtensions.size())) != nullptr;
-    });
+    return std::any_of(std::begin(kObjectMembers), std::end(kObjectMembers),
+                       [&](std::string_view member) { return FindMember(node, member) != nullptr; });
 }
 
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,

@@ -19,6 +19,11 @@ inline constexpr std::string_view kObjectMembers[] = {
 inline constexpr std::string_view kInExtensions = "extensions/";
 inline constexpr auto kMeshMembers = std::span(kObjectMembers).first<4>();
 inline constexpr auto kAimMembers = std::span(kObjectMembers).last<2>();
+inline constexpr auto kCameraMembers = kAimMembers.first<1>();
+inline constexpr auto kLightMembers = kAimMembers.last<1>();
+
+// The member of the node that the pointer names, or null.
+const gltf::Json* FindMember(const gltf::Json& node, std::string_view member);
 
 // Whether the node has any of them.
 bool HasObject(const gltf::Json& node);

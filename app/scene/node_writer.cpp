@@ -2,6 +2,7 @@
 #include "app/scene/node_writer.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <unordered_map>
 
@@ -25,13 +26,14 @@ public:
         for (const ChangedNode& node : m_changes.nodes) count = std::max(count, node.index + 1);
         while (m_document.Elements(Kind::kNode).size() < count)
             m_document.Append(Kind::kNode, JsonTree::MakeObject());
+        for (const DroppedMembers& dropped : m_changes.dropped)
+            for (const std::string_view name : dropped.members) Take(dropped.node, name);
         for (const MovedObject& moved : m_changes.movedObjects) MoveObject(moved);
         for (const ChangedNode& node : m_changes.nodes) Write(node);
         WriteRoots();
         MoveJoints();
         std::unordered_map<std::size_t, std::size_t> moved;
-        for (const MovedObject& object : m_changes.movedObjects)
-            if (object.to) moved[object.from] = *object.to;
+        for (const MovedObject& object : m_changes.movedObjects) moved[object.from] = object.to;
         FollowMembers(m_document, kObjectMembers, moved);
         for (const NewCamera& camera : m_changes.cameras) AddCamera(camera);
     }
@@ -45,19 +47,32 @@ private:
         return member;
     }
 
+    // Takes the member out of the node; nothing where it has none.
+    std::optional<Json> Take(std::size_t index, std::string_view name) {
+        const Json* member = FindMember(NodeAt(index), name);
+        if (member == nullptr) return std::nullopt;
+        const Json value = *member;
+        if (!name.starts_with(kInExtensions)) {
+            NodeAt(index).EraseMember(name);
+            return value;
+        }
+        Json& extensions = *NodeAt(index).Find("extensions");
+        extensions.EraseMember(name.substr(kInExtensions.size()));
+        if (extensions.Members().empty()) NodeAt(index).EraseMember("extensions");
+        return value;
+    }
+
     void MoveObject(const MovedObject& moved) {
         for (std::string_view name : kObjectMembers) {
-            const bool isExtension = name.starts_with(kInExtensions);
-            if (isExtension) name.remove_prefix(kInExtensions.size());
-            Json* holder = isExtension ? NodeAt(moved.from).Find("extensions") : &NodeAt(moved.from);
-            const Json* member = holder != nullptr ? holder->Find(name) : nullptr;
-            if (member == nullptr) continue;
-            const Json value = *member;
-            holder->EraseMember(name);
-            if (isExtension && holder->Members().empty()) NodeAt(moved.from).EraseMember("extensions");
-            if (!moved.to) continue;
-            Json& target = NodeAt(*moved.to);
-            m_tree.Member(isExtension ? ObjectMember(target, "extensions") : target, name) = value;
+            const auto value = Take(moved.from, name);
+            if (!value) continue;
+            Json& target = NodeAt(moved.to);
+            if (!name.starts_with(kInExtensions)) {
+                m_tree.Member(target, name) = *value;
+                continue;
+            }
+            name.remove_prefix(kInExtensions.size());
+            m_tree.Member(ObjectMember(target, "extensions"), name) = *value;
         }
     }
 

@@ -213,7 +213,7 @@ vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent
     const Mark& mark = m_nodeMarks[index];
     std::string motion = m_animations.Motion(index, parent);
     const std::size_t apart = m_surroundings.Enter(index, parent, parts.extensions);
-    if (parts.mesh != nullptr) {
+    if (parts.mesh != nullptr && m_meshes.Shows(parts, m_options.meshes)) {
         if (m_options.repeats != Repeats::kAlike && apart != kNone) motion += Join("apart ", apart, ";");
         // Nothing repeats what something refers to, nor what is seen through.
         const bool isUnique =

@@ -73,8 +73,8 @@ vl::Interface* MeshModel::QueryComponent(int kind, int) {
     if (kind != vl::zr::kComponentMesh) return nullptr;
     auto component = vl::Ref<vl::zr::MeshComponent>::AdoptNew(new vl::zr::MeshComponent);
     component->m_nVertices = m_nVertices;
-    component->m_nFaces = m_nFaces;
-    component->m_nSecondary = m_nSecondary;
+    component->m_nFaces = m_nFaces + m_geometry->unreadFaces;
+    component->m_nSecondary = m_nSecondary + m_geometry->unreadSecondary;
     return component.Detach();
 }
 

@@ -25,12 +25,19 @@ struct MeshGeometry {
     std::vector<std::uint32_t> secondaryIndices;
     std::vector<std::uint16_t> secondaryCounts;
 
+    // Further ones that are drawn though their indices are not known.
+    std::uint32_t unreadFaces = 0;
+    std::uint32_t unreadSecondary = 0;
+
     // Where each list begins; made by Index once the lists above are filled.
     std::vector<const std::uint32_t*> faces;
     std::vector<const std::uint32_t*> secondary;
 
     // Also gives back the room that filling left over.
     KERNIX_API void Index();
+
+    bool HasFaces() const { return !faces.empty() || unreadFaces != 0; }
+    bool HasSecondary() const { return !secondary.empty() || unreadSecondary != 0; }
 };
 
 // MaterialModel::GetId of each face. Apart from the geometry, which meshes of other materials share.

@@ -5,11 +5,13 @@
 #include <stdexcept>
 
 #include "app/operations/export/bake.h"
+#include "app/operations/export/choices.h"
 #include "app/operations/export/motion_check.h"
 #include "app/operations/export/record_json.h"
 #include "app/operations/export/record_keys.h"
 #include "app/operations/export/record_names.h"
 #include "app/operations/export/record_nodes.h"
+#include "app/operations/export/skin_check.h"
 #include "app/operations/export/unread_keys.h"
 #include "app/operations/export/view_camera.h"
 #include "app/scene/animations_of.h"
@@ -70,12 +72,13 @@ struct Runs {
     std::size_t keys = 0;          // of all records in all animations
 };
 
-std::size_t KeysOf(const Tool& tool) {
+std::size_t KeysOf(const Tool& tool, const ExportOptions& options) {
     std::size_t count = 0;
     const auto add = [&count](const vl::Array* track) {
         if (track != nullptr) count += static_cast<std::size_t>(track->m_nCount);
     };
     for (const ExportNode* record : AllRecords(tool)) {
+        if (!ReportsKeys(*record, options)) continue;
         add(record->pPosKeys);
         add(record->pRotKeys);
         add(record->pScaleKeys);
@@ -88,7 +91,7 @@ void Gather(const Tool& tool, const kernix::AnimationModel& animation, const Exp
     CollectKeys(tool, animation, options, runs.replaced, runs.added);
     runs.played.push_back({&animation, tool->m_fTimeScale, tool->m_fTimeOffset});
     CollectSampledKeys(runs.played.back(), runs.factors, runs.replaced);
-    runs.keys += KeysOf(tool);
+    runs.keys += KeysOf(tool, options);
 }
 
 // The keys of one animation alone, on records of its own.
@@ -163,6 +166,7 @@ DocumentChanges Changes(const LoadedScene& loaded, const ExportOptions& options,
     auto& removed = changes.removal[gltf::Ordinal(gltf::Kind::kNode)];
     removed.resize(loaded.Parts().nodes.size(), false);
     for (const std::size_t node : nodes.rejected) removed[node] = true;
+    CheckSkins(loaded.Document(), options, changes);
     changes.takesWhatItLeaves = true;
     return changes;
 }
@@ -184,16 +188,19 @@ std::size_t CountAll(kernix::SceneModel& scene) {
 
 }  // namespace
 
-SceneOptions SceneOptionsOf(const ExportOptions&, bool whole) {
+SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole) {
     SceneOptions sceneOptions;
     sceneOptions.whole = whole;
+    if (!options.Has(vl::tk::kAllRenderables))
+        sceneOptions.meshes = options.Has(vl::tk::kNoSecondary) ? Meshes::kFaces : Meshes::kFacesOrLines;
     return sceneOptions;
 }
 
-Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& options,
+Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions& given,
                      const ExportProgress& progress, std::string* renameMap) {
-    LoadedScene loaded = std::move(given);
+    LoadedScene loaded = std::move(loadedScene);
     kernix::SceneModel& scene = loaded.Scene();
+    const ExportOptions options = WithChoicesMade(loaded, given);
     MotionReport report;
     ChosenNodes chosen = ChooseNodes(loaded, options.nodes);
     report.nodeNotes = std::move(chosen.notes);
@@ -226,13 +233,21 @@ Exported ExportScene(Host& host, LoadedScene&& given, const ExportOptions& optio
     return {std::move(loaded.Document()), std::move(report), std::move(refusals)};
 }
 
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& given, OutputFile& file,
                            std::string* renameMap) {
+    const ExportOptions options = WithChoicesMade(loaded, given);
     MotionReport report;
     report.nodeNotes = ChooseNodes(loaded, options.nodes).notes;
     CheckUnreadRecordKeys(loaded, options);
     if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::SceneModel& scene = loaded.Scene();
+    if (scene.m_pNodes->m_nCount == 0) {
+        Tool none = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
+        none->m_pScene = &scene;
+        if (renameMap != nullptr) *renameMap = RenameMap(none);
+        WriteRecordJson(loaded, none, options, file);
+        return report;
+    }
     kernix::AnimationModel* animation = scene.GetActiveAnimation();
     PackAll(scene);
     if (animation != nullptr) report.keysBefore = CountKeys(*animation);

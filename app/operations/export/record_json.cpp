@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/export/record_json.h"
 
-#include <algorithm>
 #include <unordered_map>
 
 #include "app/operations/export/record_names.h"
@@ -73,20 +72,21 @@ private:
         PutInt(node, "source", SourceOf(record));
         if (record.pTarget != nullptr) PutInt(node, "target", m_index[record.pTarget]);
         m_tree.Member(node, "positionKeys") =
-            Keys(record, vl::zr::kKeyPosition, record.pPosKeys, &Tools::GetPositionKey);
+            Keys<ExportPositionKey>(record, vl::zr::kKeyPosition, &Tools::GetPositionKey);
         m_tree.Member(node, "rotationKeys") =
-            Keys(record, vl::zr::kKeyRotation, record.pRotKeys, &Tools::GetRotationKey);
+            Keys<ExportRotationKey>(record, vl::zr::kKeyRotation, &Tools::GetRotationKey);
         m_tree.Member(node, "scaleKeys") =
-            Keys(record, vl::zr::kKeyScale, record.pScaleKeys, &Tools::GetScaleKey);
+            Keys<ExportScaleKey>(record, vl::zr::kKeyScale, &Tools::GetScaleKey);
         return node;
     }
 
     using Tools = vl::tk::Serializer;
 
-    // The keys of a track and, where the tools count a key that is not there, the value at rest.
+    // As many keys as the tools count: a key that is not there has the value at rest, and a single key, which
+    // says no more than that, does not count.
     template <typename Key>
-    Json Keys(ExportNode& record, int track, vl::Array* keys, int (Tools::*get)(ExportNode*, int, Key*)) {
-        const int count = std::max(vl::ArrayOf<Key*>(keys).Count(), m_tool->GetKeyCount(&record, track));
+    Json Keys(ExportNode& record, int track, int (Tools::*get)(ExportNode*, int, Key*)) {
+        const int count = m_tool->GetKeyCount(&record, track);
         Json list = JsonTree::MakeArray();
         for (int i = 0; i < count; ++i) {
             Key key;

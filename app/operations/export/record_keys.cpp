@@ -96,7 +96,8 @@ Curve PoseCurve(int keyType, const vl::Matrix4<double>& local, float time) {
 // Nothing where all keys stay as they are.
 std::optional<TrackCurves> Replaced(const ExportNode& record, const TransformTrack& track,
                                     vl::tk::Serializer& tool, const ExportOptions& options) {
-    RecordCurves curves = KeysOf(record);
+    RecordCurves curves;
+    if (ReportsKeys(record, options)) curves = KeysOf(record);
     const Curve* sources[3];
     bool unchanged[3];
     for (std::size_t i = 0; i < 3; ++i) {
@@ -136,6 +137,7 @@ void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, cons
     for (const ExportNode* record : AllRecords(tool)) {
         const std::size_t at = index++;
         if (record->pController == nullptr) {
+            if (!ReportsKeys(*record, options)) continue;
             RecordCurves curves = KeysOf(*record);
             for (Curve& curve : curves) MakeAscending(curve);
             if (HasKeys(curves)) added.push_back({at, &animation, std::move(curves)});

@@ -57,21 +57,33 @@ private:
             m_index[record] = index;
             if (source) m_exported.insert({record->pSourceNode, record});
             if ((record->dwFlags & NF_GEOMETRY) != 0) m_carrier.insert({record->pNode, index});
+            if (!source && record->pNode != nullptr && StandsBelowPivot(*record))
+                m_belowPivot.insert({record->pNode, index});
         }
     }
 
-    // What a node shows goes to the record that carries it.
+    // What a node shows goes to the record that carries it, or else to the one that stands in its place. What
+    // the options leave out goes.
     void MoveObject(const kernix::NodeModel& node) {
         const auto from = m_loaded.IndexOf(&node);
         if (!from || m_exported.count(&node) == 0) return;
         if (!HasObject(m_loaded.Document().Elements(gltf::Kind::kNode)[*from])) return;
         const auto carrier = m_carrier.find(&node);
-        if (carrier == m_carrier.end()) {
-            m_nodes.bare.push_back(*from);
-            m_nodes.changes.movedObjects.push_back({*from, std::nullopt});
-        } else if (carrier->second != *from) {
-            m_nodes.changes.movedObjects.push_back({*from, carrier->second});
-        }
+        const bool isCarried = carrier != m_carrier.end();
+        const bool isBare = !isCarried && m_options.Has(vl::tk::kSkeletonOnly) &&
+                            (node.m_dwFlags & vl::zr::kNodeSkeleton) != 0;
+        const auto shows = [&](int kind, bool besideOthers) {
+            const bool isItsObject = node.m_pObject != nullptr && node.m_pObject->IsKindOf(kind);
+            return !isBare && (isItsObject ? isCarried : besideOthers);
+        };
+        Keep(*from, kMeshMembers, shows(vl::zr::kKindRenderable, false));
+        Keep(*from, kCameraMembers, shows(vl::zr::kKindCamera, m_options.Has(vl::tk::kExportCameras)));
+        Keep(*from, kLightMembers, shows(vl::zr::kKindLight, m_options.Has(vl::tk::kExportLights)));
+        const auto below = m_belowPivot.find(&node);
+        const std::size_t to = isCarried                     ? carrier->second
+                               : below != m_belowPivot.end() ? below->second
+                                                             : *from;
+        if (to != *from) m_nodes.changes.movedObjects.push_back({*from, to});
     }
 
     void ListRoots() {
@@ -83,6 +95,13 @@ private:
             for (const ExportNode* record : records[scene]) roots.nodes.push_back(m_index[record]);
             m_nodes.changes.roots.push_back(std::move(roots));
         }
+    }
+
+    void Keep(std::size_t node, std::span<const std::string_view> members, bool isKept) {
+        const gltf::Json& json = m_loaded.Document().Elements(gltf::Kind::kNode)[node];
+        if (isKept || FindMember(json, members.front()) == nullptr) return;
+        m_nodes.changes.dropped.push_back({node, members});
+        if (members.front() == kMeshMembers.front()) m_nodes.bare.push_back(node);
     }
 
     void AddNode(const ExportNode& record, std::size_t index) {
@@ -115,13 +134,9 @@ private:
 
     // A skin follows the record that stands where its joint stood: below a pivot that was split off.
     void MoveJoints() {
-        std::size_t at = 0;
-        for (const ExportNode* record : AllRecords(m_tool)) {
-            const std::size_t index = m_nodes.indices[at++];
-            const auto node = m_loaded.IndexOf(record->pNode);
-            if (node && record->pSourceNode == nullptr && StandsBelowPivot(*record))
-                m_nodes.changes.movedJoints.push_back({*node, index});
-        }
+        for (const auto& [node, index] : m_belowPivot)
+            if (const auto from = m_loaded.IndexOf(node))
+                m_nodes.changes.movedJoints.push_back({*from, index});
     }
 
     const LoadedScene& m_loaded;
@@ -131,7 +146,8 @@ private:
     RecordNodes m_nodes;
     std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
     std::unordered_map<const vl::zr::Node*, const ExportNode*> m_exported;
-    std::unordered_map<const vl::zr::Node*, std::size_t> m_carrier;  // of each node's object
+    std::unordered_map<const vl::zr::Node*, std::size_t> m_carrier;     // of each node's object
+    std::unordered_map<const vl::zr::Node*, std::size_t> m_belowPivot;  // that stands where the node stood
 };
 
 }  // namespace

@@ -14,7 +14,7 @@ struct RecordNodes {
     ChangedNodes changes;
     std::vector<std::size_t> indices;   // the node of each record, in the order of the records
     std::vector<std::size_t> rejected;  // nodes of the scene that no record stands for
-    std::vector<std::size_t> bare;      // nodes that lose what they show
+    std::vector<std::size_t> bare;      // nodes that lose their mesh
 };
 
 // The nodes that the records of a run stand for. The first record of a node keeps the node's place in the

@@ -31,6 +31,11 @@ inline vl::ArrayOf<ExportNode*> AllRecords(const Tool& tool) {
     return vl::ArrayOf<ExportNode*>(tool->m_pAllNodes);
 }
 
+// Whether the tools report the keys of the record, if it has any.
+inline bool ReportsKeys(const ExportNode& record, const ExportOptions& options) {
+    return !options.Has(vl::tk::kGroupKeysOnly) || (record.dwFlags & NF_GROUP) != 0;
+}
+
 // Whether the record stands where its node's object stood, below a pivot that was split off.
 inline bool StandsBelowPivot(const ExportNode& record) {
     const bool belowStaticPivot = record.pSplit != nullptr && (record.pSplit->dwFlags & NF_STATICPIVOT) != 0;
