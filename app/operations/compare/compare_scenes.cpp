@@ -25,7 +25,7 @@ namespace {
 // How much is evaluated over time: transforms of nodes, and corners of faces.
 constexpr std::size_t kMostTransforms = 20'000'000;
 constexpr std::size_t kMostFaces = 6'000'000;
-constexpr std::size_t kMostTimes = 64;
+constexpr std::size_t kFewTimes = 64;  // of an animation, where its keys are too many
 // The default tolerance, of the scene's size: what rounding to floats leaves along a hierarchy.
 constexpr double kRelativeTolerance = 1e-6;
 
@@ -360,8 +360,8 @@ private:
         if (pairs == 0) return;
         const std::size_t nodes = m_evaluatorA.Nodes() + m_evaluatorB.Nodes() + 1;
         const std::size_t faces = m_drawnA.Faces() + m_drawnB.Faces() + 1;
-        const std::size_t times = std::clamp<std::size_t>(kMostTransforms / nodes / pairs, 4, kMostTimes);
-        const std::size_t shapes = std::clamp<std::size_t>(kMostFaces / faces / pairs, 1, kMostTimes / 4);
+        const std::size_t times = std::max<std::size_t>(kMostTransforms / nodes / pairs, 4);
+        const std::size_t shapes = std::max<std::size_t>(kMostFaces / faces / pairs, 1);
         std::size_t done = 0;
         for (std::size_t i = 0; i < m_animations.size(); ++i) {
             if (m_animations[i] == kNone) continue;
@@ -384,14 +384,14 @@ private:
                 m_result.value.Note(
                     amount, [&] { return goal.Place(); }, x.name, time);
             });
-        for (const double time : tracks.Times(times)) {
+        for (const double time : tracks.Times(times, kFewTimes)) {
             m_evaluatorA.SetTime(a, time);
             m_evaluatorB.SetTime(b, time);
             ComparePlaces(x.name, time);
             ++m_result.times;
         }
         if (!Wants(Aspect::kPoints)) return;
-        for (const double time : tracks.Times(shapes)) {
+        for (const double time : tracks.Times(shapes, kFewTimes / 4)) {
             m_evaluatorA.SetTime(a, time);
             m_evaluatorB.SetTime(b, time);
             const DrawnDifference difference =

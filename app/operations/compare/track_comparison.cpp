@@ -123,22 +123,26 @@ double TrackComparison::Rank(Path path, const std::vector<double>& a, const std:
     }
 }
 
-std::vector<double> TrackComparison::Times(std::size_t most) {
+std::vector<double> TrackComparison::Times(std::size_t affordable, std::size_t few) {
+    std::size_t worst = m_worst.size(), even = few, keys = m_keyTimes.size();
+    if (worst + even + keys > affordable) {
+        few = std::min(few, affordable);
+        worst = std::min(worst, std::max<std::size_t>(few / 2, 1));
+        even = std::max<std::size_t>(few / 4, 1);
+        keys = std::min(keys, few / 4);
+    }
     std::vector<double> times;
     std::sort(m_worst.begin(), m_worst.end(), [](const Worst& x, const Worst& y) { return x.rank > y.rank; });
+    for (std::size_t i = 0; i < worst; ++i) times.push_back(m_worst[i].time);
     const auto spread = [&](std::size_t count, auto at) {
         for (std::size_t i = 0; i < count; ++i)
             times.push_back(at(count > 1 ? static_cast<double>(i) / static_cast<double>(count - 1) : 0.0));
     };
-    for (std::size_t i = 0; i < m_worst.size() && i < std::max<std::size_t>(most / 2, 1); ++i)
-        times.push_back(m_worst[i].time);
-    spread(std::max<std::size_t>(most / 4, 1),
-           [&](double part) { return JustAfter(m_start + part * (m_end - m_start)); });
-    if (!m_keyTimes.empty())
-        spread(std::min(most / 4, m_keyTimes.size()), [&](double part) {
-            return JustAfter(
-                m_keyTimes[static_cast<std::size_t>(part * static_cast<double>(m_keyTimes.size() - 1))]);
-        });
+    spread(even, [&](double part) { return JustAfter(m_start + part * (m_end - m_start)); });
+    spread(keys, [&](double part) {
+        return JustAfter(
+            m_keyTimes[static_cast<std::size_t>(part * static_cast<double>(m_keyTimes.size() - 1) + 0.5)]);
+    });
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());
     return times;

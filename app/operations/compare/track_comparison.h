@@ -40,9 +40,10 @@ public:
     void Run(const Animation& a, const Animation& b, const GoalOf& goalOfA, const GoalOf& goalOfB,
              const OnValue& onValue);
 
-    // At most this many times, ascending: those at which tracks differ most, some of the keys' and some that
-    // are spread evenly over both animations.
-    std::vector<double> Times(std::size_t most);
+    // Ascending times at which the whole is to be looked at: those of every key, those at which tracks differ
+    // most and some that are spread evenly over both animations. Where these are more than can be afforded,
+    // `few` of them at most.
+    std::vector<double> Times(std::size_t affordable, std::size_t few);
 
 private:
     struct Worst {

@@ -180,6 +180,37 @@ TEST(Compare, TellsWhereAndWhen) {
     EXPECT_TRUE(compare::CompareScenes(before, Write(plan, random), options).IsSame());
 }
 
+// Among a thousand keys of many tracks that differ as well, though within the tolerance: a turn by less than
+// the allowed angle that swings all below it too far.
+TEST(Compare, FindsOneKeyOfThousands) {
+    Random random(3);
+    ScenePlan plan = MakePlan(random);
+    for (std::size_t i = 1; i < plan.nodes.size(); ++i) plan.nodes[i].parent = 0;
+    plan.animations = {{"long", {}}};
+    auto& tracks = plan.animations[0].tracks;
+    for (std::size_t node = 0; node < plan.nodes.size(); ++node) {
+        ScenePlan::Track track{node, node == 0 ? "rotation" : "translation", "LINEAR", {}, {}};
+        for (int key = 0; key < 1000; ++key) {
+            track.times.push_back(static_cast<float>(key) / 30);
+            const auto way = static_cast<float>(key % 7);
+            if (node == 0)
+                track.values.insert(track.values.end(), {0, 0, 0, 1});
+            else
+                track.values.insert(track.values.end(), {way, 1, 2});
+        }
+        tracks.push_back(track);
+    }
+    const gltf::Document before = Write(plan, random);
+    for (std::size_t node = 1; node < tracks.size(); ++node) tracks[node].values[3 * (20 * node)] += 9e-4F;
+    compare::CompareOptions options;
+    options.tolerance = {1e-3, 1e-2, 1e-3};
+    EXPECT_TRUE(compare::CompareScenes(before, Write(plan, random), options).IsSame());
+    tracks[0].values[4 * 637 + 2] = 2e-3F;
+    const CompareResult result = compare::CompareScenes(before, Write(plan, random), options);
+    EXPECT_FALSE(result.IsSame());
+    EXPECT_NEAR(result.node.time, 637.0 / 30, 1e-4);
+}
+
 TEST(Compare, TheSampleIsItself) {
     const gltf::Document sample = gltf::test::Sample();
     EXPECT_TRUE(Compare(sample, gltf::test::Sample()).IsSame());
