@@ -162,9 +162,10 @@ private:
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.
 std::string WriteJson(const Json& value, bool pretty);
-// The same, piece by piece: the text never stands in memory as a whole.
+// The same, piece by piece: the text never stands in memory as a whole. level: how deep in a greater text the
+// value stands.
 using JsonSink = std::function<void(std::string_view piece)>;
-void WriteJson(const Json& value, bool pretty, const JsonSink& sink);
+void WriteJson(const Json& value, bool pretty, const JsonSink& sink, std::size_t level = 0);
 
 // Equal content: members in any order, numbers by value.
 bool EqualJson(const Json& a, const Json& b);

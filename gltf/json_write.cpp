@@ -126,9 +126,9 @@ private:
 
 }  // namespace
 
-void WriteJson(const Json& value, bool pretty, const JsonSink& sink) {
+void WriteJson(const Json& value, bool pretty, const JsonSink& sink, std::size_t level) {
     Writer writer(pretty, sink);
-    writer.Value(value, 0);
+    writer.Value(value, level);
     writer.Flush();
 }
 

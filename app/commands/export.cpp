@@ -32,14 +32,6 @@ void KeepAnimations(kernix::SceneModel& scene, const std::vector<std::string>& n
     scene.SetActiveAnimation(chosen.front());
 }
 
-// Records hold the keys of a single animation.
-void RequireOneAnimation(kernix::SceneModel& scene) {
-    const auto animations = AnimationsOf(scene);
-    if (animations.size() > 1)
-        throw std::runtime_error("records hold one animation, choose it with --animation: " +
-                                 Candidates(animations));
-}
-
 JsonObject JsonOf(const MotionReport& report) {
     JsonObject json;
     json.Set("keysBefore", report.keysBefore).Set("keysAfter", report.keysAfter);
@@ -92,15 +84,13 @@ public:
         FileTransaction files;
         OutputFile* const mapFile = mapTarget ? &files.Create(mapTarget->Path()) : nullptr;
         MotionReport motion;
+        std::vector<report::ClipTime> times;
         std::optional<ReduceReport> reduced;
+        const auto onProgress = [&](double done) { advance(kSceneMade + (kExported - kSceneMade) * done); };
         if (wantsRecords) {
-            if (!m_options.Has(vl::tk::kIgnoreAnimation)) RequireOneAnimation(loaded.Scene());
-            motion =
-                ExportRecords(m_session.GetHost(), loaded, m_options, files.Create(out.Path()), wantedMap);
+            motion = ExportRecords(m_session.GetHost(), loaded, m_options, onProgress,
+                                   files.Create(out.Path()), wantedMap);
         } else {
-            const auto onProgress = [&](double done) {
-                advance(kSceneMade + (kExported - kSceneMade) * done);
-            };
             Exported exported =
                 ExportScene(m_session.GetHost(), std::move(loaded), m_options, onProgress, wantedMap);
             m_session.ThrowIfStopped();
@@ -112,13 +102,15 @@ public:
             exported.document.Save(out.Path(), files);
             motion = std::move(exported.report);
             report.Note(task.input, RefusalLines("unused content", exported.refusals));
+            for (const SourceTime& time : exported.times)
+                times.push_back({time.animation, time.scale, time.offset, time.from, time.to});
         }
         if (mapFile != nullptr) mapFile->Write(map);
         m_session.ThrowIfStopped();
         files.Commit();
         out.Finish();
         if (mapTarget) mapTarget->Finish();
-        if (!m_arguments.PageFile().empty()) WritePageOf(task, motion);
+        if (!m_arguments.PageFile().empty()) WritePageOf(task, motion, std::move(times));
         report.Note(task.input, motion.nodeNotes);
         if (!motion.unreadKeys.empty()) report.Note(task.input, {motion.unreadKeys});
         report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
@@ -132,7 +124,8 @@ public:
     }
 
 private:
-    void WritePageOf(const Task& task, const MotionReport& motion) const {
+    void WritePageOf(const Task& task, const MotionReport& motion,
+                     std::vector<report::ClipTime> times) const {
         report::Page page = PageOf(m_session, "export", task.input, task.output);
         // From the scene's space to that of the result.
         std::array<double, 16> matrix;
@@ -141,7 +134,7 @@ private:
             for (std::size_t column = 0; column < 16; column += 4)
                 std::swap(matrix[column + 1], matrix[column + 2]);
         page.scenes.front().matrix = matrix;
-        page.isReversed = m_options.Has(vl::tk::kReverseTime);
+        page.times = std::move(times);
         page.summary.emplace_back("keys and motion", Describe(motion));
         WritePage(m_arguments.PageFile(), std::move(page));
     }
@@ -176,7 +169,8 @@ void AddExportCommand(CLI::App& app, Session& session) {
                  {"export scene.glb sword.glb --only-nodes 'Sword*'",
                   "One part, with the nodes above it that move it."},
                  {"export scene.glb out.json --animation walk --resample",
-                  "The records that an exporter reads, with keys of all tracks at the same times."},
+                  "The records that an exporter reads, with keys of all tracks at the same times; without "
+                  "--animation those of all animations."},
                  {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
                   "Every scene below the folder \"scenes\", with short names that differ."}});
     command->callback([arguments, &session] {

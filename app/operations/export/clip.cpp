@@ -104,7 +104,8 @@ void Clips::Measure(const ClipOptions& options) {
         if (!moves) continue;
         const float start = m_scene.GetStartTime(animation), end = m_scene.GetEndTime(animation);
         Clip clip{std::max(options.from, start), std::min(options.to, end), 0, options.speed};
-        if (clip.from > clip.to || (clip.from == clip.to && start < end))
+        if (start == end) clip.from = clip.to = start;  // a pose, at whatever time
+        if (start < end && clip.from >= clip.to)
             throw std::runtime_error(Join("animation \"", kernix::ToUtf8(animation->m_name), "\" runs from ",
                                           Short(start), " to ", Short(end),
                                           " s: nothing of it is left (--from, --to)"));

@@ -180,10 +180,38 @@ void PackAll(kernix::SceneModel& scene) {
     }
 }
 
+std::vector<SourceTime> TimesOf(const Runs& runs, const Clips& clips) {
+    std::vector<SourceTime> times;
+    for (const PlayedAnimation& played : runs.played) {
+        const Clip clip = clips.Of(*played.animation);
+        // An animation that was brought to no length at all shows its begin.
+        const double scale = played.timeScale != 0 ? clip.speed / double{played.timeScale} : 0;
+        times.push_back({kernix::ToUtf8(played.animation->m_name), scale,
+                         (scale != 0 ? clip.origin : double{clip.from}) - double{played.timeOffset} * scale,
+                         double{clip.from}, double{clip.to}});
+    }
+    return times;
+}
+
 std::size_t CountAll(kernix::SceneModel& scene) {
     std::size_t count = 0;
     for (const kernix::AnimationModel* animation : AnimationsOf(scene)) count += CountKeys(*animation);
     return count;
+}
+
+// The records of an animation (null: of the scene at rest), and how they play.
+Tool RunForRecords(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
+                   const ExportOptions& options, const Clips& clips, MotionReport& report) {
+    Runs runs(loaded, options);
+    if (animation != nullptr) {
+        runs.records = RunBaked(host, loaded, *animation, options, Curves::kLinear);
+        if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
+    } else {
+        runs.records = RunTool(host, loaded, nullptr, options);
+    }
+    report.keysAfter = runs.keys;
+    CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
+    return runs.records;
 }
 
 }  // namespace
@@ -207,7 +235,7 @@ Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions&
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
     if (scene.m_pNodes->m_nCount == 0)
-        return {std::move(loaded.Document()), {}, {}};  // an empty scene stays one
+        return {std::move(loaded.Document()), std::move(report), {}, {}};  // an empty scene stays one
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
@@ -224,47 +252,61 @@ Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions&
     progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
+    std::vector<SourceTime> times = TimesOf(runs, clips);
     DocumentChanges changes = Changes(loaded, options, std::move(runs), camera);
     auto& removedSkins = changes.removal[gltf::Ordinal(gltf::Kind::kSkin)];
     removedSkins.resize(loaded.Document().Elements(gltf::Kind::kSkin).size(), false);
     for (const std::size_t skin : chosen.skins) removedSkins[skin] = true;
     std::vector<gltf::OpaqueUse> refusals = WriteDocument(loaded.Document(), changes);
     progress(1);
-    return {std::move(loaded.Document()), std::move(report), std::move(refusals)};
+    return {std::move(loaded.Document()), std::move(report), std::move(refusals), std::move(times)};
 }
 
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& given, OutputFile& file,
-                           std::string* renameMap) {
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& given,
+                           const ExportProgress& progress, OutputFile& file, std::string* renameMap) {
     const ExportOptions options = WithChoicesMade(loaded, given);
     MotionReport report;
     report.nodeNotes = ChooseNodes(loaded, options.nodes).notes;
-    CheckUnreadRecordKeys(loaded, options);
-    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::SceneModel& scene = loaded.Scene();
+    gltf::JsonStream out([&file](std::string_view piece) { file.Write(piece); });
     if (scene.m_pNodes->m_nCount == 0) {
         Tool none = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
         none->m_pScene = &scene;
         if (renameMap != nullptr) *renameMap = RenameMap(none);
-        WriteRecordJson(loaded, none, options, file);
+        WriteRecordJson(loaded, none, options, nullptr, out);
         return report;
     }
-    kernix::AnimationModel* animation = scene.GetActiveAnimation();
+    std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
+    if (animations.size() < 2 || options.Has(vl::tk::kIgnoreAnimation))
+        animations = {scene.GetActiveAnimation()};
+    for (const kernix::AnimationModel* animation : animations)
+        CheckUnreadRecordKeys(loaded, animation, options);
+    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     PackAll(scene);
-    if (animation != nullptr) report.keysBefore = CountKeys(*animation);
+    std::vector<std::size_t> keys;
+    for (const kernix::AnimationModel* animation : animations)
+        keys.push_back(animation != nullptr ? CountKeys(*animation) : 0);
     const Clips clips(scene, options.clip);
-    Runs runs(loaded, options);
-    if (animation != nullptr) {
-        runs.records = RunBaked(host, loaded, *animation, options, Curves::kLinear);
-        if (!options.Has(vl::tk::kIgnoreAnimation)) Gather(runs.records, *animation, options, runs);
-    } else {
-        runs.records = RunTool(host, loaded, nullptr, options);
+
+    const bool isList = animations.size() > 1;
+    if (isList) {
+        out.Open('{');
+        out.Open('[', "animations");
     }
-    report.keysAfter = runs.keys;
-    CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
-    CheckDeviation(report, options);
-    const Tool& tool = runs.records;
-    if (renameMap != nullptr) *renameMap = RenameMap(tool);
-    WriteRecordJson(loaded, tool, options, file);
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        progress(static_cast<double>(i) / static_cast<double>(animations.size()));
+        MotionReport one;
+        one.keysBefore = keys[i];
+        const Tool tool = RunForRecords(host, loaded, animations[i], options, clips, one);
+        CheckDeviation(one, options);
+        if (renameMap != nullptr && i == 0) *renameMap = RenameMap(tool);
+        WriteRecordJson(loaded, tool, options, isList ? animations[i] : nullptr, out);
+        Add(report, one);
+    }
+    if (isList) {
+        out.Close();
+        out.Close();
+    }
     return report;
 }
 

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "app/operations/export/export_options.h"
 #include "app/operations/export/motion_report.h"
@@ -19,10 +20,18 @@ SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole);
 // Told now and then how much is done, 0 to 1; may throw to stop the export.
 using ExportProgress = std::function<void(double)>;
 
+// Where the time of an exported animation stands in that of the source: time * scale + offset, seconds, no
+// earlier than `from` and no later than `to`.
+struct SourceTime {
+    std::string animation;
+    double scale = 1, offset = 0, from = 0, to = 0;
+};
+
 struct Exported {
     gltf::Document document;
     MotionReport report;
     std::vector<gltf::OpaqueUse> refusals;  // why what the export left unused stays in the document
+    std::vector<SourceTime> times;          // of every animation with keys
 };
 
 // Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what
@@ -34,8 +43,10 @@ struct Exported {
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
 
-// The same for the active animation, as the records themselves.
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options, OutputFile& file,
+// The same as the records themselves, written as they come (WriteRecordJson): of one animation or none an
+// object, of several {"animations"}, a list of such objects with names. The map is that of the first.
+MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                           const ExportProgress& progress, OutputFile& file,
                            std::string* renameMap = nullptr);
 
 }  // namespace zr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/export/motion_report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -46,6 +47,23 @@ std::size_t CountKeys(const kernix::AnimationModel& animation) {
             count += static_cast<std::size_t>(track->GetKeyCount());
     }
     return count;
+}
+
+void Add(MotionReport& report, const MotionReport& other) {
+    report.check = other.check;
+    report.keysBefore += other.keysBefore;
+    report.keysAfter += other.keysAfter;
+    report.size = std::max(report.size, other.size);
+    if (report.node.empty() || other.deviation > report.deviation) {
+        report.deviation = other.deviation;
+        report.time = other.time;
+        report.node = other.node;
+        report.animation = other.animation;
+    }
+    if (other.valueDeviation <= report.valueDeviation) return;
+    report.valueDeviation = other.valueDeviation;
+    report.valueTime = other.valueTime;
+    report.value = other.value;
 }
 
 void CheckDeviation(const MotionReport& report, const ExportOptions& options) {

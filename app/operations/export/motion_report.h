@@ -33,6 +33,9 @@ std::string NameOf(MotionCheck check);  // "quick"
 // Keys of the transforms that the animation moves.
 std::size_t CountKeys(const kernix::AnimationModel& animation);
 
+// Adds what was done to another animation.
+void Add(MotionReport& report, const MotionReport& other);
+
 // Throws std::runtime_error where the motion comes out further off than the options allow.
 void CheckDeviation(const MotionReport& report, const ExportOptions& options);
 

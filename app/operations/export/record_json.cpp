@@ -15,38 +15,38 @@ using gltf::JsonTree;
 
 class RecordWriter {
 public:
-    RecordWriter(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options)
-        : m_loaded(loaded), m_tool(tool), m_options(options) {}
+    RecordWriter(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options,
+                 gltf::JsonStream& out)
+        : m_loaded(loaded), m_tool(tool), m_options(options), m_out(out) {}
 
-    std::string Text() {
+    void Run(const kernix::AnimationModel* named) {
         int index = 0;
         for (ExportNode* record : AllRecords(m_tool)) m_index[record] = index++;
-        Json root = JsonTree::MakeObject();
-        Put(root, "start", m_tool->GetStartTime());
-        Put(root, "end", m_tool->GetEndTime());
-        Put(root, "frameRate", m_tool->GetFrameRate());
-        Json nodes = JsonTree::MakeArray();
-        for (ExportNode* record : AllRecords(m_tool)) m_tree.Append(nodes, Node(*record));
-        m_tree.Member(root, "nodes") = nodes;
-        return gltf::WriteJson(root, true) + "\n";
+        m_out.Open('{');
+        if (named != nullptr) m_out.Put(m_tree.MakeString(kernix::ToUtf8(named->m_name)), "name");
+        Put("start", m_tool->GetStartTime());
+        Put("end", m_tool->GetEndTime());
+        Put("frameRate", m_tool->GetFrameRate());
+        m_out.Open('[', "nodes");
+        for (ExportNode* record : AllRecords(m_tool)) Node(*record);
+        m_out.Close();
+        m_out.Close();
     }
 
 private:
-    void Put(Json& object, std::string_view name, float value) {
-        m_tree.Member(object, name) = m_tree.MakeNumber(value);
+    void Put(std::string_view name, float value) { m_out.Put(m_tree.MakeNumber(value), name); }
+    void Put(std::string_view name, std::initializer_list<float> values) {
+        m_out.Put(m_tree.MakeNumbers(std::vector<float>(values)), name);
     }
-    void Put(Json& object, std::string_view name, std::initializer_list<float> values) {
-        m_tree.Member(object, name) = m_tree.MakeNumbers(std::vector<float>(values));
+    void PutInt(std::string_view name, int value) {
+        m_out.Put(m_tree.MakeNumber(static_cast<double>(value)), name);
     }
-    void PutInt(Json& object, std::string_view name, int value) {
-        m_tree.Member(object, name) = m_tree.MakeNumber(static_cast<double>(value));
-    }
-    void PutMatrix(Json& object, std::string_view name, const vl::Matrix4<double>& m) {
+    void PutMatrix(std::string_view name, const vl::Matrix4<double>& m) {
         Json numbers = JsonTree::MakeArray();
         for (const auto& row : m.m) {
             for (const double value : row) m_tree.Append(numbers, m_tree.MakeNumber(value));
         }
-        m_tree.Member(object, name) = numbers;
+        m_out.Put(numbers, name);
     }
 
     int SourceOf(const ExportNode& record) const {
@@ -55,29 +55,24 @@ private:
         return index ? static_cast<int>(*index) : -1;
     }
 
-    Json Node(ExportNode& record) {
-        Json node = JsonTree::MakeObject();
-        m_tree.Member(node, "name") = m_tree.MakeString(NameOf(record));
-        PutInt(node, "parent", record.pParent != nullptr ? m_index[record.pParent] : -1);
-        m_tree.Member(node, "flags") = m_tree.MakeIndex(record.dwFlags);
-        Put(node, "position", {record.vPosition.x, record.vPosition.y, record.vPosition.z});
-        Put(node, "rotation",
-            {record.qRotation.x, record.qRotation.y, record.qRotation.z, record.qRotation.w});
-        Put(node, "scale", {record.vScale.x, record.vScale.y, record.vScale.z});
-        if (!(record.vPivot == vl::Vector3<float>())) {
-            Put(node, "pivot", {record.vPivot.x, record.vPivot.y, record.vPivot.z});
-        }
-        PutMatrix(node, "local", record.mLocal);
-        PutMatrix(node, "world", record.mWorld);
-        PutInt(node, "source", SourceOf(record));
-        if (record.pTarget != nullptr) PutInt(node, "target", m_index[record.pTarget]);
-        m_tree.Member(node, "positionKeys") =
-            Keys<ExportPositionKey>(record, vl::zr::kKeyPosition, &Tools::GetPositionKey);
-        m_tree.Member(node, "rotationKeys") =
-            Keys<ExportRotationKey>(record, vl::zr::kKeyRotation, &Tools::GetRotationKey);
-        m_tree.Member(node, "scaleKeys") =
-            Keys<ExportScaleKey>(record, vl::zr::kKeyScale, &Tools::GetScaleKey);
-        return node;
+    void Node(ExportNode& record) {
+        m_out.Open('{');
+        m_out.Put(m_tree.MakeString(NameOf(record)), "name");
+        PutInt("parent", record.pParent != nullptr ? m_index[record.pParent] : -1);
+        m_out.Put(m_tree.MakeIndex(record.dwFlags), "flags");
+        Put("position", {record.vPosition.x, record.vPosition.y, record.vPosition.z});
+        Put("rotation", {record.qRotation.x, record.qRotation.y, record.qRotation.z, record.qRotation.w});
+        Put("scale", {record.vScale.x, record.vScale.y, record.vScale.z});
+        if (!(record.vPivot == vl::Vector3<float>()))
+            Put("pivot", {record.vPivot.x, record.vPivot.y, record.vPivot.z});
+        PutMatrix("local", record.mLocal);
+        PutMatrix("world", record.mWorld);
+        PutInt("source", SourceOf(record));
+        if (record.pTarget != nullptr) PutInt("target", m_index[record.pTarget]);
+        Keys<ExportPositionKey>("positionKeys", record, vl::zr::kKeyPosition, &Tools::GetPositionKey);
+        Keys<ExportRotationKey>("rotationKeys", record, vl::zr::kKeyRotation, &Tools::GetRotationKey);
+        Keys<ExportScaleKey>("scaleKeys", record, vl::zr::kKeyScale, &Tools::GetScaleKey);
+        m_out.Close();
     }
 
     using Tools = vl::tk::Serializer;
@@ -85,38 +80,40 @@ private:
     // As many keys as the tools count: a key that is not there has the value at rest, and a single key, which
     // says no more than that, does not count.
     template <typename Key>
-    Json Keys(ExportNode& record, int track, int (Tools::*get)(ExportNode*, int, Key*)) {
+    void Keys(std::string_view name, ExportNode& record, int track,
+              int (Tools::*get)(ExportNode*, int, Key*)) {
         const int count = m_tool->GetKeyCount(&record, track);
-        Json list = JsonTree::MakeArray();
+        m_out.Open('[', name);
         for (int i = 0; i < count; ++i) {
             Key key;
             (m_tool.Get()->*get)(&record, i, &key);
-            m_tree.Append(list, KeyItem(key));
+            m_out.Open('{');
+            Put("time", key.fTime);
+            PutValue(key);
+            m_out.Close();
+            // What was written is not needed any more.
+            if (m_tree.Size() > kMostInMemory) m_tree = JsonTree();
         }
-        return list;
+        m_out.Close();
     }
 
     template <typename Key>
-    Json KeyItem(const Key& key) {
-        Json item = JsonTree::MakeObject();
-        Put(item, "time", key.fTime);
-        Put(item, "value", {key.vValue.x, key.vValue.y, key.vValue.z});
-        return item;
+    void PutValue(const Key& key) {
+        Put("value", {key.vValue.x, key.vValue.y, key.vValue.z});
     }
 
-    Json KeyItem(const ExportRotationKey& key) {
-        Json item = JsonTree::MakeObject();
-        Put(item, "time", key.fTime);
-        Put(item, "value", {key.qValue.x, key.qValue.y, key.qValue.z, key.qValue.w});
-        if (m_options.Has(vl::tk::kAngleAxisKeys)) {
-            Put(item, "axisAngle", {key.aaValue.x, key.aaValue.y, key.aaValue.z, key.aaValue.angle});
-        }
-        return item;
+    void PutValue(const ExportRotationKey& key) {
+        Put("value", {key.qValue.x, key.qValue.y, key.qValue.z, key.qValue.w});
+        if (m_options.Has(vl::tk::kAngleAxisKeys))
+            Put("axisAngle", {key.aaValue.x, key.aaValue.y, key.aaValue.z, key.aaValue.angle});
     }
+
+    static constexpr std::size_t kMostInMemory = std::size_t{1} << 20;
 
     const LoadedScene& m_loaded;
     const Tool& m_tool;
     const ExportOptions& m_options;
+    gltf::JsonStream& m_out;
     JsonTree m_tree;
     std::unordered_map<const ExportNode*, int> m_index;
 };
@@ -124,8 +121,8 @@ private:
 }  // namespace
 
 void WriteRecordJson(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options,
-                     OutputFile& file) {
-    file.Write(RecordWriter(loaded, tool, options).Text());
+                     const kernix::AnimationModel* named, gltf::JsonStream& out) {
+    RecordWriter(loaded, tool, options, out).Run(named);
 }
 
 }  // namespace zr

@@ -3,13 +3,14 @@
 
 #include "app/operations/export/tool_run.h"
 #include "app/scene/loaded_scene.h"
-#include "base/file_transaction.h"
+#include "gltf/json_stream.h"
 
 namespace zr {
 
-// Writes the records themselves: an object {"start", "end", "frameRate", "nodes"} with a node for each
-// record. Times are seconds; matrices 16 numbers, column by column; rotations x, y, z, w. Throws Error.
+// Writes the records of a run as they are: an object {"start", "end", "frameRate", "nodes"} with a node for
+// each record. named: the animation whose name comes first; null: none. Times are seconds; matrices 16
+// numbers, column by column; rotations x, y, z, w. Throws Error.
 void WriteRecordJson(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options,
-                     OutputFile& file);
+                     const kernix::AnimationModel* named, gltf::JsonStream& out);
 
 }  // namespace zr

@@ -52,10 +52,11 @@ std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const E
            ": keys that cannot be read go out as they are";
 }
 
-void CheckUnreadRecordKeys(const LoadedScene& loaded, const ExportOptions& options) {
+void CheckUnreadRecordKeys(const LoadedScene& loaded, const kernix::AnimationModel* animation,
+                           const ExportOptions& options) {
     if (options.Has(vl::tk::kIgnoreAnimation) || !options.Has(vl::tk::kExtractKeys)) return;
     for (const SkippedChannel& channel : loaded.Skipped()) {
-        const bool isPlayed = loaded.Animation(channel.animation) == loaded.Scene().GetActiveAnimation();
+        const bool isPlayed = loaded.Animation(channel.animation) == animation;
         if (channel.reason == Skipped::kUnreadable && isPlayed && channel.node) Refuse(loaded, channel);
     }
 }

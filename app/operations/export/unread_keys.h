@@ -13,7 +13,8 @@ namespace zr {
 // as they are; empty when all could be read. tool: a finished run on the scene.
 std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
-// The same for the records alone, which cannot hold such keys.
-void CheckUnreadRecordKeys(const LoadedScene& loaded, const ExportOptions& options);
+// The same for the records of an animation, which cannot hold such keys.
+void CheckUnreadRecordKeys(const LoadedScene& loaded, const kernix::AnimationModel* animation,
+                           const ExportOptions& options);
 
 }  // namespace zr

@@ -24,7 +24,7 @@ public:
         Set(root, "title", Text(m_page.title));
         Set(root, "subtitle", Text(m_page.subtitle));
         Set(root, "summary", Pairs(m_page.summary));
-        Set(root, "isReversed", JsonTree::MakeBool(m_page.isReversed));
+        Set(root, "times", Times());
         Matching(root);
         Json scenes = JsonTree::MakeArray();
         for (Scene& scene : m_page.scenes) m_tree.Append(scenes, SceneJson(scene));
@@ -53,6 +53,20 @@ private:
     Json Indices(const std::vector<std::size_t>& indices) {
         Json list = JsonTree::MakeArray();
         for (const std::size_t index : indices) m_tree.Append(list, m_tree.MakeIndex(index));
+        return list;
+    }
+
+    Json Times() {
+        Json list = JsonTree::MakeArray();
+        for (const ClipTime& time : m_page.times) {
+            Json json = JsonTree::MakeObject();
+            Set(json, "animation", Text(time.animation));
+            Set(json, "scale", m_tree.MakeNumber(time.scale));
+            Set(json, "offset", m_tree.MakeNumber(time.offset));
+            Set(json, "from", m_tree.MakeNumber(time.from));
+            Set(json, "to", m_tree.MakeNumber(time.to));
+            m_tree.Append(list, json);
+        }
         return list;
     }
 

@@ -19,14 +19,21 @@ struct Scene {
     std::optional<std::array<double, 16>> matrix;
 };
 
+// Where the time of an animation of the second scene stands in the first: time * scale + offset, seconds, no
+// earlier than `from` and no later than `to`.
+struct ClipTime {
+    std::string animation;
+    double scale = 1, offset = 0, from = 0, to = 0;
+};
+
 struct Page {
     std::string kind;  // the command: "clean", "export", "merge", "split", "compare", "text"
     std::string title, subtitle;
     std::vector<std::pair<std::string, std::string>> summary;
     std::vector<Scene> scenes;  // at most two: before, then after
-    bool isReversed = false;    // animations of the second scene run the other way
-    std::string result;         // of the command, JSON; empty: none
-    std::string drawing;        // SVG; empty: none
+    std::vector<ClipTime> times;  // empty: both play from end to end at once
+    std::string result;           // of the command, JSON; empty: none
+    std::string drawing;          // SVG; empty: none
     std::vector<std::pair<std::string, std::string>> measures;  // of the drawing
 };
 

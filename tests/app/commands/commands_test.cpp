@@ -13,14 +13,16 @@ class Commands : public testing::Test {
 protected:
     Commands() { m_folder.WriteAnimated("a.glb"); }
 
+    static gltf::JsonTree Schema(const std::filesystem::path& file) {
+        gltf::JsonTree tree;
+        const FileContent content = ReadFile(file);
+        tree.root = tree.Build({reinterpret_cast<const char*>(content.data.get()), content.size});
+        return tree;
+    }
+
     // The output as JSON, checked against the schema that is installed.
     gltf::Json Json(const std::string& arguments, int status = 0) {
-        static gltf::JsonTree schema = [] {
-            gltf::JsonTree tree;
-            const FileContent content = ReadFile(ZR_OUTPUT_SCHEMA);
-            tree.root = tree.Build({reinterpret_cast<const char*>(content.data.get()), content.size});
-            return tree;
-        }();
+        static const gltf::JsonTree schema = Schema(ZR_OUTPUT_SCHEMA);
         const Outcome run = m_folder.Zr("--json " + arguments);
         EXPECT_EQ(run.status, status) << run.err;
         const gltf::Json json = m_tree.Build(run.out);
@@ -115,9 +117,30 @@ TEST_F(Commands, ReduceTellsWhatItDid) {
     EXPECT_EQ(m_folder.Zr("reduce " + scene + " c.glb --tolerance 1parsec").status, 2);
 }
 
-TEST_F(Commands, RecordsHoldOneAnimation) {
-    ExpectFailure("export a.glb b.json", "a.glb: records hold one animation");
-    ExpectFailure("export a.glb b.json --animation 0 --animation 1", "choose it with --animation");
+TEST_F(Commands, RecordsHoldEveryAnimation) {
+    ASSERT_EQ(m_folder.Zr("export a.glb all.json --at-least-one-key").status, 0);
+    gltf::JsonTree tree;
+    const gltf::Json all = tree.Build(m_folder.Read("all.json"));
+    const gltf::JsonTree schema =
+        Schema(std::filesystem::path(ZR_OUTPUT_SCHEMA).parent_path() / "zr-records.schema.json");
+    EXPECT_EQ(SchemaFault(all, schema.root), "");
+    const auto animations = all.Find("animations")->Items();
+    ASSERT_EQ(animations.size(), 3U);
+    for (const char* name : {"walk", "run, fast", "still"}) {
+        // Each is what it is when it is exported alone, with its name.
+        ASSERT_EQ(
+            m_folder.Zr("export a.glb one.json --at-least-one-key --animation '" + std::string(name) + "'")
+                .status,
+            0);
+        gltf::Json one = tree.Build(m_folder.Read("one.json"));
+        EXPECT_EQ(SchemaFault(one, schema.root), "");
+        tree.Member(one, "name") = tree.MakeString(name);
+        const auto found = std::find_if(animations.begin(), animations.end(), [&](const gltf::Json& each) {
+            return each.Find("name")->String() == name;
+        });
+        ASSERT_NE(found, animations.end());
+        EXPECT_TRUE(gltf::EqualJson(*found, one)) << name;
+    }
     EXPECT_EQ(m_folder.Zr("export a.glb b.JSON --animation walk").status, 0);
     EXPECT_NE(m_folder.Read("b.JSON").find("\"box\""), std::string::npos);
     EXPECT_EQ(m_folder.Zr("export a.glb c.json --no-animation").status, 0);

@@ -2,6 +2,7 @@
 #include "tests/app/commands/json_schema.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "base/text.h"
@@ -57,7 +58,7 @@ private:
         if (type == "array") return value.IsArray();
         if (type == "string") return value.IsString();
         if (type == "boolean") return value.IsBool();
-        return value.IsNumber() && (type == "number" || value.Index());
+        return value.IsNumber() && (type == "number" || std::floor(value.Number()) == value.Number());
     }
 
     static std::string MissingMember(const Json& value, const Json& names, const std::string& place) {

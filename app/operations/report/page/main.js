@@ -78,14 +78,20 @@ class Report {
     this.redraw();
   }
 
-  // The same moment of the clip in the second scene: a reversed one runs the other way.
-  partOf(scene, part) {
-    return scene > 0 && data.isReversed ? 1 - part : part;
+  // Seconds of a scene's clip at a part of the last scene's: an exported clip may be a stretch of its source, run the
+  // other way or at another speed.
+  timeOf(scene, part) {
+    const { scenes } = this.view, last = scenes.length - 1;
+    const name = this.glbs[last].json.animations?.[this.clip]?.name ?? "";
+    const times = data.times ?? [];
+    const map = times[this.clip]?.animation === name ? times[this.clip] : times.find((time) => time.animation === name);
+    if (scene === last || !map) return part * scenes[scene].duration;
+    return Math.min(Math.max(part * scenes[last].duration * map.scale + map.offset, map.from), map.to);
   }
 
   setPart(part) {
     this.part = part;
-    this.view?.scenes.forEach((shown, i) => shown.setTime(this.partOf(i, part) * shown.duration));
+    this.view?.scenes.forEach((shown, i) => shown.setTime(this.timeOf(i, part)));
     $("time").value = part;
     const duration = this.view?.scenes.at(-1)?.duration ?? 0;
     $("clock").textContent = `${(part * duration).toFixed(2)} s`;
@@ -101,7 +107,8 @@ class Report {
     let last = performance.now();
     const step = (now) => {
       if (!this.playing) return;
-      const duration = Math.max(...this.view.scenes.map((shown) => shown.duration), 0.001);
+      const durations = this.view.scenes.map((shown) => shown.duration);
+      const duration = Math.max(...(data.times?.length ? durations.slice(-1) : durations), 0.001);
       this.setPart((this.part + (now - last) / 1000 / duration) % 1);
       last = now;
       requestAnimationFrame(step);

@@ -178,17 +178,17 @@ function deviation(report) {
       if (clip !== report.clip) {
         clip = report.clip;
         const samples = Math.max(20, Math.min(240, Math.floor(400000 / (report.data.pairs.length + 1))));
-        result = deviations(before, after, report.data.pairs, (part) => report.partOf(1, part), samples);
+        result = deviations(before, after, report.data.pairs, (scene, part) => report.timeOf(scene, part), samples);
         report.setPart(report.part);
         const order = result.worst.map((worst, i) => ({ ...worst, i })).sort((x, y) => y.amount - x.amount).slice(0, 15);
         where.replaceChildren();
         table(where, order.map(({ amount, part, i }) => [report.glbs[0].name(report.data.pairs[i][0]),
-          amount.toExponential(2), `${(part * before.duration).toFixed(2)} s`]), ["node", "off by", "at"]);
+          amount.toExponential(2), `${report.timeOf(0, part).toFixed(2)} s`]), ["node", "off by", "at"]);
       }
       const most = Math.max(...result.curve);
       label.textContent = `Greatest distance of a node's origin and axes between both scenes: ${most.toPrecision(3)}`;
       canvas.setAttribute("aria-label", label.textContent);
-      plot(canvas, [{ colour: "--after", points: result.curve.map((y, i) => [(i / (result.curve.length - 1)) * before.duration, y]) }]);
+      plot(canvas, [{ colour: "--after", points: result.curve.map((y, i) => [(i / (result.curve.length - 1)) * after.duration, y]) }]);
     });
   } };
 }

@@ -139,17 +139,17 @@ export class View {
   }
 }
 
-// How far apart each pair of nodes is, at evenly spread parts of two clips: points of the origin and one unit along
+// How far apart each pair of nodes is, at evenly spread parts of the second clip: points of the origin and one unit along
 // each axis, in the second scene's space.
-export function deviations(before, after, pairs, timeOfAfter, samples) {
+export function deviations(before, after, pairs, timeOf, samples) {
   const matrixA = new THREE.Matrix4(), points = [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]];
   const worst = pairs.map(() => ({ amount: 0, part: 0 }));
   const curve = [];
   const a = new THREE.Vector3(), b = new THREE.Vector3();
   for (let i = 0; i < samples; ++i) {
     const part = i / (samples - 1);
-    before.setTime(part * before.duration);
-    after.setTime(timeOfAfter(part) * after.duration);
+    before.setTime(timeOf(0, part));
+    after.setTime(timeOf(1, part));
     before.scene.updateMatrixWorld(true);
     after.scene.updateMatrixWorld(true);
     let most = 0;

@@ -162,7 +162,8 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
         if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
         const gltf::test::TemporaryFolder folder;
         FileTransaction files;
-        ExportRecords(TheHost(), loaded, options, files.Create(folder / "out.json"));
+        ExportRecords(
+            TheHost(), loaded, options, [](double) {}, files.Create(folder / "out.json"));
         files.Commit();
         gltf::JsonTree tree;
         const gltf::Json root = tree.Build(folder.Read("out.json"));
@@ -213,7 +214,9 @@ TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
     LoadedScene records = load();
     FileTransaction files;
     OutputFile& file = files.Create(folder / "out.json");
-    EXPECT_THROW(ExportRecords(TheHost(), records, ExportOptions(), file), std::runtime_error);
+    EXPECT_THROW(ExportRecords(
+                     TheHost(), records, ExportOptions(), [](double) {}, file),
+                 std::runtime_error);
     EXPECT_EQ(file.Size(), 0U);
 }
 

@@ -41,6 +41,15 @@ const drawn = () => browser.evaluate(`new Promise((resolve) => { const report = 
     gl.readPixels(0, 0, w, h, gl.RGBA, gl.UNSIGNED_BYTE, p);
     let n = 0; for (let i = 4; i < p.length; i += 4) if (p[i] !== p[0] || p[i + 1] !== p[1]) ++n; resolve(n); })); })`);
 
+// A stretch of the clip, backwards and at another speed, is held against the same stretch of the source.
+async function testClip() {
+  run("export", windmill, path("clip.glb"), "--from", "0.5", "--to", "1.5", "--speed", "2", "--reverse", "--report", path("clip.html"));
+  await browser.open(path("clip.html"));
+  await browser.click("#tab-deviation");
+  const off = Number((await text("#content .legend")).split(": ")[1]);
+  expect(off >= 0 && off < 1e-3, `the deviation of a clip is small: ${off}`);
+}
+
 async function testExport() {
   run("export", windmill, path("mill.glb"), "--merge-keys", "--report", path("export.html"));
   await browser.open(path("export.html"));
@@ -123,7 +132,7 @@ function testEscapes() {
   expect(page.split("</script").length === 3, "no content ends the script it stands in");
 }
 
-for (const test of [testExport, testClean, testMerge, testCompare, testText, testEscapes]) {
+for (const test of [testExport, testClip, testClean, testMerge, testCompare, testText, testEscapes]) {
   try {
     await test();
   } catch (error) {
