@@ -76,6 +76,15 @@ TEST(TextSolid, IsClosedForAllCharactersOfManyFonts) {
     }
 }
 
+TEST(TextSolid, IsClosedForOtherScripts) {
+    for (const char16_t* family : {u"DejaVu Sans", u"Liberation Serif"}) {
+        for (char16_t c = 0xA1; c < 0x530; ++c) {
+            SCOPED_TRACE(static_cast<int>(c));
+            ExpectClosed(Draw({c}, TextStyle::kMesh, {.depth = 7.5}, {family}).geometry);
+        }
+    }
+}
+
 // Two squares that meet in one corner, and three around a hole that is closed by corners alone.
 TEST(TextSolid, PartsPointsWhereTheMeshTouchesItself) {
     TextGeometry flat;
