@@ -45,12 +45,34 @@ std::size_t CountKeys(const Evaluator& evaluator) {
     return keys;
 }
 
-std::map<std::string, std::size_t> NodesByName(const gltf::Document& document) {
-    std::map<std::string, std::size_t> nodes;
-    const auto elements = document.Elements(gltf::Kind::kNode);
-    for (std::size_t i = 0; i < elements.size(); ++i)
-        if (const gltf::Json* name = elements[i].Find("name")) nodes.emplace(name->String(), i);
-    return nodes;
+// The place in b of each name of a: that of the same name, the n-th one for the n-th. Without a name or such
+// a one, the same place.
+std::vector<std::size_t> Partners(const std::vector<std::string>& a, const std::vector<std::string>& b) {
+    std::map<std::string, std::vector<std::size_t>> places;
+    for (std::size_t i = b.size(); i-- > 0;) places[b[i]].push_back(i);
+    std::vector<std::size_t> partners;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::vector<std::size_t>& left = places[a[i]];
+        const bool isFound = !a[i].empty() && !left.empty();
+        partners.push_back(isFound ? left.back() : i);
+        if (isFound) left.pop_back();
+    }
+    return partners;
+}
+
+std::vector<std::string> NodeNames(const gltf::Document& document) {
+    std::vector<std::string> names;
+    for (const gltf::Json& node : document.Elements(gltf::Kind::kNode)) {
+        const gltf::Json* name = node.Find("name");
+        names.emplace_back(name != nullptr ? name->String() : "");
+    }
+    return names;
+}
+
+std::vector<std::string> AnimationNames(const Evaluator& evaluator) {
+    std::vector<std::string> names;
+    for (const Animation& animation : evaluator.Animations()) names.push_back(animation.name);
+    return names;
 }
 
 double AngleBetween(const Affine& a, const Affine& b) {
@@ -65,18 +87,13 @@ Measured Compare(const gltf::Document& a, const gltf::Document& b) {
     Measured error{CountKeys(other)};
     const std::vector<reduce::Watched> watched = reduce::WatchedPoints(given);
     std::vector<std::array<std::size_t, 2>> pairs;
-    const auto names = NodesByName(b);
-    for (std::size_t node = 0; node < given.Nodes(); ++node) {
-        const gltf::Json* name = a.Elements(gltf::Kind::kNode)[node].Find("name");
-        const auto found = name != nullptr ? names.find(std::string(name->String())) : names.end();
-        const std::size_t partner = found != names.end() ? found->second : node;
-        if (!watched[node].IsEmpty() && partner < other.Nodes()) pairs.push_back({node, partner});
-    }
-    for (std::size_t animation = 0; animation < given.Animations().size(); ++animation) {
+    const std::vector<std::size_t> nodes = Partners(NodeNames(a), NodeNames(b));
+    for (std::size_t node = 0; node < given.Nodes(); ++node)
+        if (!watched[node].IsEmpty() && nodes[node] < other.Nodes()) pairs.push_back({node, nodes[node]});
+    const std::vector<std::size_t> animations = Partners(AnimationNames(given), AnimationNames(other));
+    for (std::size_t animation = 0; animation < animations.size(); ++animation) {
         const Animation& moved = given.Animations()[animation];
-        std::size_t partner = animation;
-        for (std::size_t i = 0; i < other.Animations().size(); ++i)
-            if (!moved.name.empty() && other.Animations()[i].name == moved.name) partner = i;
+        const std::size_t partner = animations[animation];
         if (partner >= other.Animations().size()) continue;
         std::vector<double> keys;
         for (const Channel& channel : moved.channels)
@@ -180,7 +197,7 @@ Measured Hierarchical(const gltf::Document& document, double wished) {
         std::size_t others = 0;
         for (const Channel& channel : animation.channels) {
             if (channel.path <= Path::kScale) {
-                tracks.push_back({&channel, channel.curve});
+                tracks.push_back({&channel, channel.curve, channel.curve});
             } else {
                 others += channel.curve.Times().size();
             }

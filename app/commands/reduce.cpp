@@ -23,6 +23,7 @@ struct ReduceArguments {
 Exported WithoutRedundantKeys(Session& session, gltf::Document document, const Advance& advance) {
     ExportOptions options;
     options.exportFlags |= vl::tk::kMergeKeys;
+    options.keepsCurves = true;
     return ExportScene(session.GetHost(), LoadedScene(std::move(document), SceneOptionsOf(options, true)),
                        options, advance);
 }

@@ -25,6 +25,7 @@ public:
     // Value after value; of cubic curves with their slopes.
     std::span<const float> Values() const { return m_values; }
     bool IsLinear() const { return m_way == Way::kLinear; }
+    bool IsCubic() const { return m_way == Way::kCubic; }
     // Numbers of one value.
     std::size_t Width() const { return m_width; }
     bool IsConstant() const;

@@ -9,18 +9,6 @@
 namespace zr {
 namespace {
 
-// Whether some camera or light turns with what it aims at: the tools then give it further keys.
-bool HasAims(kernix::SceneModel& scene) {
-    for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
-        if (auto* camera = static_cast<vl::zr::Camera*>(node->GetObjectOfKind(vl::zr::kKindCamera))) {
-            if (camera->GetTargetNode() != nullptr) return true;
-        } else if (auto* light = static_cast<vl::zr::Light*>(node->GetObjectOfKind(vl::zr::kKindLight))) {
-            if (light->GetTargetNode() != nullptr) return true;
-        }
-    }
-    return false;
-}
-
 // What the options do to keys.
 struct Wish {
     bool changesKeys;
@@ -43,6 +31,17 @@ struct Wish {
 
 }  // namespace
 
+bool HasAims(kernix::SceneModel& scene) {
+    for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
+        if (auto* camera = static_cast<vl::zr::Camera*>(node->GetObjectOfKind(vl::zr::kKindCamera))) {
+            if (camera->GetTargetNode() != nullptr) return true;
+        } else if (auto* light = static_cast<vl::zr::Light*>(node->GetObjectOfKind(vl::zr::kKindLight))) {
+            if (light->GetTargetNode() != nullptr) return true;
+        }
+    }
+    return false;
+}
+
 BakedCurves::BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
                          const ExportOptions& options, Curves curves)
     : m_scene(scene), m_animation(animation) {
@@ -54,6 +53,8 @@ BakedCurves::BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel
         for (const int keyType : kKeyTypes) {
             if (track->Count(keyType) == 0) continue;
             const Curve& curve = track->Packed(keyType)->Get();
+            const bool isStraight = curve.interpolation == vl::zr::kInterpolationLinear;
+            if (options.keepsCurves && !isStraight) continue;
             const bool bakes = wish.Bakes(curve.interpolation);
             if (!bakes && !wish.mergesKeys) continue;
             Curve baked = bakes ? BakedKeys(*track, keyType) : curve;

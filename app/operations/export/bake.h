@@ -11,11 +11,16 @@ namespace zr {
 // The forms of curve that an export can hold.
 enum class Curves { kAny, kLinear };
 
+// Whether some camera or light turns with what it aims at: the tools then give it further keys.
+bool HasAims(kernix::SceneModel& scene);
+
 // The keyframe tools move, drop and insert keys as if every curve were linear. Before a run whose options
 // change keys, curves of other forms are baked: cubic ones are sampled within a hundred thousandth of their
 // range, steps become two keys a smallest step apart. Curves that the options leave as they are keep their
 // form, but with Curves::kLinear. Where keys are merged, keys that rounding alone put off the line go first:
 // the tools drop those only that lie on it to the bit.
+//
+// With ExportOptions::keepsCurves only straight curves are touched.
 //
 // The scene's curves are baked for the life of this object and then what they were.
 class BakedCurves {

@@ -30,6 +30,8 @@ struct ExportOptions {
     void* renameContext = nullptr;
     vl::Matrix4<double> sceneMatrix;
     MotionCheck check = MotionCheck::kQuick;
+    // Merging leaves steps and cubic curves as they are, which it otherwise makes lines with more keys.
+    bool keepsCurves = false;
     NodeChoice nodes;
     ClipOptions clip;
     double maxDeviation = 1e-3;  // of the scene's size, above which the export fails

@@ -228,7 +228,9 @@ Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions&
                      const ExportProgress& progress, std::string* renameMap) {
     LoadedScene loaded = std::move(loadedScene);
     kernix::SceneModel& scene = loaded.Scene();
-    const ExportOptions options = WithChoicesMade(loaded, given);
+    ExportOptions options = WithChoicesMade(loaded, given);
+    // What turns with its aim has keys of its own.
+    options.keepsCurves = given.keepsCurves && !HasAims(scene);
     MotionReport report;
     ChosenNodes chosen = ChooseNodes(loaded, options.nodes);
     report.nodeNotes = std::move(chosen.notes);

@@ -122,6 +122,7 @@ std::optional<TrackCurves> Replaced(const ExportNode& record, const TransformTra
     }
     for (std::size_t i = 0; i < 3; ++i) {
         if (unchanged[i] && !MapsTime(tool)) continue;
+        if (options.keepsCurves && sources[i]->interpolation != vl::zr::kInterpolationLinear) continue;
         if (curves[i].IsCubic()) curves[i].interpolation = vl::zr::kInterpolationLinear;
         MakeAscending(curves[i]);
         replaced[i] = std::move(curves[i]);

@@ -135,7 +135,7 @@ void Motion::FindTimes() {
     std::vector<double> keys;
     for (const Mover& mover : m_movers) {
         for (const std::size_t track : mover.tracks) {
-            const auto times = m_tracks[track].channel->curve.Times();
+            const auto times = m_tracks[track].straight.Times();
             keys.insert(keys.end(), times.begin(), times.end());
         }
     }

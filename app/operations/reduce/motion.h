@@ -12,6 +12,7 @@ namespace zr::reduce {
 // The curve of a channel that moves a node, and what it has become.
 struct Track {
     const compare::Channel* channel;  // translation, rotation or scale
+    compare::KeyCurve straight;       // without cubic pieces
     compare::KeyCurve reduced;
 };
 

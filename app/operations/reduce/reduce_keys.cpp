@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/operations/reduce/motion.h"
+#include "app/operations/reduce/straight_curve.h"
 #include "app/operations/reduce/thin_track.h"
 #include "base/parallel.h"
 #include "base/text.h"
@@ -43,11 +44,11 @@ std::size_t KeyCount(const KeyCurve& curve) {
     return curve.Times().size();
 }
 
-// The same curve within a tolerance; as it is where nothing can go.
-KeyCurve Thinned(const KeyCurve& curve, bool isRotation, double tolerance) {
-    if (!curve.IsLinear() || !(tolerance > 0)) return curve;
-    Keys thin = isRotation ? ThinnedRotations(KeysOf(curve), tolerance)
-                           : ThinnedVectors(KeysOf(curve), curve.Width(), tolerance);
+// The same curve within a tolerance; as it is where nothing can go. straight: the curve without cubic pieces.
+KeyCurve Thinned(const KeyCurve& curve, const KeyCurve& straight, bool isRotation, double tolerance) {
+    if (!straight.IsLinear() || !(tolerance > 0)) return curve;
+    Keys thin = isRotation ? ThinnedRotations(KeysOf(straight), tolerance)
+                           : ThinnedVectors(KeysOf(straight), straight.Width(), tolerance);
     if (thin.times.size() >= KeyCount(curve)) return curve;
     return {std::move(thin.times), std::move(thin.values), curve.Width()};
 }
@@ -184,15 +185,15 @@ private:
             Track& track = m_tracks[place];
             const KeyCurve& given = track.channel->curve;
             if (track.channel->path == Path::kTranslation) {
-                track.reduced = Thinned(given, false, length);
+                track.reduced = Thinned(given, track.straight, false, length);
             } else if (track.channel->path == Path::kScale) {
-                track.reduced = Thinned(given, false, reach > 0 ? length / reach : length);
+                track.reduced = Thinned(given, track.straight, false, reach > 0 ? length / reach : length);
             } else {
                 // A turn moves a point by twice the sine of half its angle, times its distance.
                 const double sine = reach > 0 ? length / (2 * mover.scale * reach) : 1;
                 double turn = sine < 1 ? 2 * std::asin(sine) : std::numbers::pi;
                 if (mover.direction) turn = std::min(turn, angle);
-                track.reduced = Thinned(given, true, turn);
+                track.reduced = Thinned(given, track.straight, true, turn);
             }
         }
     }
@@ -249,9 +250,13 @@ private:
         std::vector<Track> tracks;
         for (const compare::Channel& channel : animation.channels) {
             if (channel.path <= Path::kScale) {
-                tracks.push_back({&channel, channel.curve});
+                tracks.push_back({&channel,
+                                  reduce::Straightened(channel.curve, channel.path == Path::kRotation),
+                                  channel.curve});
             } else {
-                reduced.curves.emplace(channel.index, Thinned(channel.curve, false, tolerance.value));
+                const KeyCurve straight = reduce::Straightened(channel.curve, false);
+                reduced.curves.emplace(channel.index,
+                                       Thinned(channel.curve, straight, false, tolerance.value));
             }
         }
         const Motion motion(m_evaluator, m_watched, tracks);
@@ -318,6 +323,7 @@ private:
             Json sampler = tree.Clone(element().Find("samplers")->Items()[oldSampler]);
             tree.Member(sampler, "input") = tree.MakeIndex(input->second);
             tree.Member(sampler, "output") = tree.MakeIndex(output);
+            if (curve.IsLinear() && !channel.curve.IsLinear()) sampler.EraseMember("interpolation");
             Json& samplers = *element().Find("samplers");
             tree.Append(samplers, sampler);
             tree.Member(element().Find("channels")->Items()[channel.index], "sampler") =

@@ -39,7 +39,8 @@ struct ReduceReport {
 // Takes keys out of a document's animations, and fits those that stay, so that no point of any drawn mesh
 // leaves its true place by more than the length, skins and the hierarchy above a mesh included, and no camera
 // or light turns by more than the angle. Error counts where it is seen: a key of a shoulder has to be truer
-// than one of a finger. First and last keys, curves with steps and cubic curves stay exactly as they are.
+// than one of a finger. First and last keys and curves with steps stay exactly as they are, and so do cubic
+// curves unless straight lines need fewer keys.
 //
 // The error that a node's curves cause is bounded by what they change about the points below it; a point's
 // error is at most the sum over the nodes above it. From this bound, shared out evenly, the nodes' shares
