@@ -16,14 +16,11 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 constexpr std::size_t kLargeObject = 16;  // members; going over fewer costs nothing
+constexpr std::size_t kLongestNumber = 40;
 
-template <typename T>
-std::string_view Shortest(T value, std::span<char, 40> buffer) {
-    if constexpr (std::is_floating_point_v<T>)
-        if (!std::isfinite(value))
-            throw Error(ErrorKind::kNumber, "", "", "a number to be written is not finite");
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), result.ptr};
+void CheckFinite(double value) {
+    if (!std::isfinite(value))
+        throw Error(ErrorKind::kNumber, "", "", "a number to be written is not finite");
 }
 
 }  // namespace
@@ -32,15 +29,17 @@ double Json::Number() const {
     if (!IsNumber()) return 0.0;
     double value = 0.0;
     // Too large never gets past the reader; too small leaves the 0.
-    std::from_chars(m_text, m_text + m_size, value);
+    const std::string_view text = Text();
+    std::from_chars(text.data(), text.data() + text.size(), value);
     return value;
 }
 
 std::optional<std::uint64_t> Json::AnyIndex() const {
     if (!IsNumber()) return std::nullopt;
     std::uint64_t value = 0;
-    const auto [end, error] = std::from_chars(m_text, m_text + m_size, value);
-    if (error == std::errc() && end == m_text + m_size) return value;
+    const std::string_view text = Text();
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc() && end == text.data() + text.size()) return value;
     const double number = Number();
     if (!(number >= 0.0 && number <= 9007199254740992.0) || number != std::floor(number)) return std::nullopt;
     return static_cast<std::uint64_t>(number);
@@ -62,9 +61,9 @@ const Json* Json::Find(std::string_view name) const {
 }
 
 bool Json::EraseMember(std::string_view name) {
-    const std::uint32_t before = m_size;
+    const std::size_t before = Members().size();
     FilterMembers([&](const JsonMember& member) { return member.Name() != name; });
-    return m_size != before;
+    return Members().size() != before;
 }
 
 void* JsonTree::Allocate(std::size_t bytes) {
@@ -84,33 +83,44 @@ void* JsonTree::Allocate(std::size_t bytes) {
     return place;
 }
 
+Json JsonTree::Text(Json::Type type, std::string_view text) {
+    if (text.size() < Json::kLongText) return Json(type, text.data(), text.size());
+    return Json(type, new (Allocate(sizeof text)) std::string_view(text), Json::kLongText);
+}
+
 Json JsonTree::Store(Json::Type type, std::string_view text) {
     char* copy = static_cast<char*>(Allocate(text.size()));
     std::copy(text.begin(), text.end(), copy);
-    Json value;
-    value.m_type = type;
-    value.m_text = copy;
-    value.m_size = static_cast<std::uint32_t>(text.size());
-    return value;
+    return Text(type, {copy, text.size()});
 }
 
 Json JsonTree::MakeString(std::string_view text) {
     return Store(Json::Type::kString, text);
 }
 
+// Written where it is to stand; the room that is left over is free again.
+template <typename T>
+Json JsonTree::Number(T value) {
+    char* const text = static_cast<char*>(Allocate(kLongestNumber));
+    const auto size = static_cast<std::size_t>(std::to_chars(text, text + kLongestNumber, value).ptr - text);
+    const std::size_t left = (kLongestNumber - size) & ~std::size_t{7};
+    m_free -= left;
+    m_left += left;
+    return Text(Json::Type::kNumber, {text, size});
+}
+
 Json JsonTree::MakeNumber(double value) {
-    char buffer[40];
-    return Store(Json::Type::kNumber, Shortest(value, buffer));
+    CheckFinite(value);
+    return Number(value);
 }
 
 Json JsonTree::MakeNumber(float value) {
-    char buffer[40];
-    return Store(Json::Type::kNumber, Shortest(value, buffer));
+    CheckFinite(value);
+    return Number(value);
 }
 
 Json JsonTree::MakeIndex(std::uint64_t value) {
-    char buffer[40];
-    return Store(Json::Type::kNumber, Shortest(value, buffer));
+    return Number(value);
 }
 
 Json JsonTree::MakeNumbers(std::span<const float> values) {
@@ -120,45 +130,47 @@ Json JsonTree::MakeNumbers(std::span<const float> values) {
 }
 
 Json JsonTree::MakeBool(bool value) {
-    Json json;
-    json.m_type = value ? Json::Type::kTrue : Json::Type::kFalse;
-    return json;
+    return Json(value ? Json::Type::kTrue : Json::Type::kFalse);
 }
 
 Json JsonTree::MakeArray() {
-    Json json;
-    json.m_type = Json::Type::kArray;
-    return json;
+    return Json(Json::Type::kArray);
 }
 
 Json JsonTree::MakeObject() {
-    Json json;
-    json.m_type = Json::Type::kObject;
-    return json;
+    return Json(Json::Type::kObject);
 }
 
-// Makes room for one further slot of slotSize bytes and returns where the slots stand now.
-Json* JsonTree::Grow(Json& container, std::size_t slotSize) {
-    const std::size_t size = container.m_size;
-    const std::size_t room = container.m_room == Json::kExact ? size : std::size_t{1} << container.m_room;
-    if (size < room) return container.m_items;
-    const std::size_t wider = std::bit_ceil(std::max<std::size_t>(size + 1, 4));
-    void* slots = Allocate(wider * slotSize);
-    if (size != 0) std::memcpy(slots, container.m_items, size * slotSize);
-    container.m_room = static_cast<std::uint8_t>(std::countr_zero(wider));
-    return static_cast<Json*>(slots);
+Json JsonTree::Container(Json::Type type, const void* slots, std::size_t size, std::size_t room,
+                         std::size_t slotSize) {
+    if (room == 0) return Json(type);
+    auto* header = new (Allocate(sizeof(Json::Header) + room * slotSize))
+        Json::Header{static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(room)};
+    if (size != 0) std::memcpy(header + 1, slots, size * slotSize);
+    return Json(type, header);
+}
+
+template <typename T>
+T& JsonTree::AddSlot(Json& container, const T& slot) {
+    const std::span<T> slots = container.Slots<T>();
+    auto* header = container.Content<Json::Header>();
+    if (header == nullptr || header->size == header->room) {
+        const std::size_t room = std::bit_ceil(std::max<std::size_t>(slots.size() + 1, 4));
+        container = Container(container.GetType(), slots.data(), slots.size(), room, sizeof(T));
+        header = container.Content<Json::Header>();
+    }
+    ++header->size;
+    return *new (&container.Slots<T>().back()) T(slot);
 }
 
 Json& JsonTree::Append(Json& array, Json item) {
-    array.m_items = Grow(array, sizeof(Json));
-    return *new (array.m_items + array.m_size++) Json(item);
+    return AddSlot(array, item);
 }
 
 Json& JsonTree::Member(Json& object, std::string_view name) {
     if (Json* found = object.Find(name)) return *found;
-    m_additions += object.m_size >= kLargeObject;
-    object.m_members = reinterpret_cast<JsonMember*>(Grow(object, sizeof(JsonMember)));
-    return (new (object.m_members + object.m_size++) JsonMember{MakeString(name), Json()})->value;
+    m_additions += object.Members().size() >= kLargeObject;
+    return AddSlot(object, JsonMember{MakeString(name), Json()}).value;
 }
 
 const Json* JsonTree::Find(const Json& object, std::string_view name, const JsonFind& find) const {
@@ -184,21 +196,22 @@ Json* JsonTree::Find(Json& object, std::string_view name, JsonFind& find) {
 }
 
 Json JsonTree::Clone(const Json& source) {
-    Json copy = source;
-    copy.m_room = Json::kExact;
-    if (source.IsNumber() || source.IsString()) return Store(source.m_type, source.Text());
+    if (source.IsNumber() || source.IsString()) return Store(source.GetType(), source.Text());
     if (source.IsArray()) {
-        copy.m_items = static_cast<Json*>(Allocate(source.m_size * sizeof(Json)));
-        for (std::uint32_t i = 0; i < source.m_size; ++i)
-            new (copy.m_items + i) Json(Clone(source.m_items[i]));
-    } else if (source.IsObject()) {
-        copy.m_members = static_cast<JsonMember*>(Allocate(source.m_size * sizeof(JsonMember)));
-        for (std::uint32_t i = 0; i < source.m_size; ++i) {
-            const JsonMember& member = source.m_members[i];
-            new (copy.m_members + i) JsonMember{Clone(member.key), Clone(member.value)};
-        }
+        const auto items = source.Items();
+        const Json copy =
+            Container(Json::Type::kArray, items.data(), items.size(), items.size(), sizeof(Json));
+        for (Json& item : copy.Slots<Json>()) item = Clone(item);
+        return copy;
     }
-    return copy;
+    if (source.IsObject()) {
+        const auto members = source.Members();
+        const Json copy = Container(Json::Type::kObject, members.data(), members.size(), members.size(),
+                                    sizeof(JsonMember));
+        for (JsonMember& member : copy.Slots<JsonMember>()) member = {Clone(member.key), Clone(member.value)};
+        return copy;
+    }
+    return source;
 }
 
 bool EqualJson(const Json& a, const Json& b) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -17,24 +18,24 @@ inline constexpr unsigned kMaxJsonDepth = 128;  // real documents stay below 20;
 
 struct JsonMember;
 
-// A JSON value of 16 bytes whose content lives in the JsonTree it came from. Numbers keep the text they
-// were written with, so that what is not changed goes out as it came. Copying a Json copies the handle, not
-// the content. References to items and members hold until their container gets a further element.
+// A JSON value of 8 bytes whose content lives in the JsonTree it came from. Numbers keep the text they were
+// written with, so that what is not changed goes out as it came. Copying a Json copies the handle, not the
+// content. References to items and members hold until their container gets a further element.
 class Json {
 public:
     enum class Type : std::uint8_t { kNull, kFalse, kTrue, kNumber, kString, kArray, kObject };
 
     Json() = default;
 
-    Type GetType() const { return m_type; }
-    bool IsBool() const { return m_type == Type::kFalse || m_type == Type::kTrue; }
-    bool IsNumber() const { return m_type == Type::kNumber; }
-    bool IsString() const { return m_type == Type::kString; }
-    bool IsArray() const { return m_type == Type::kArray; }
-    bool IsObject() const { return m_type == Type::kObject; }
+    Type GetType() const { return static_cast<Type>(m_word & kTypeMask); }
+    bool IsBool() const { return GetType() == Type::kFalse || GetType() == Type::kTrue; }
+    bool IsNumber() const { return GetType() == Type::kNumber; }
+    bool IsString() const { return GetType() == Type::kString; }
+    bool IsArray() const { return GetType() == Type::kArray; }
+    bool IsObject() const { return GetType() == Type::kObject; }
 
     // The value, or the neutral one (false, 0, empty) when it is of another type.
-    bool Bool() const { return m_type == Type::kTrue; }
+    bool Bool() const { return GetType() == Type::kTrue; }
     double Number() const;
     std::string_view String() const { return IsString() ? Text() : std::string_view(); }
     std::string_view NumberText() const { return IsNumber() ? Text() : std::string_view(); }
@@ -42,11 +43,12 @@ public:
     // A number that is whole and at least 0 (3, also 3.0), else nothing.
     std::optional<std::uint64_t> Index() const {
         // Nearly all are written with a few digits and nothing else.
-        constexpr std::uint32_t kFewDigits = 9;
-        if (m_type != Type::kNumber || m_size > kFewDigits) return AnyIndex();
+        constexpr std::size_t kFewDigits = 9;
+        const std::string_view text = NumberText();
+        if (text.empty() || text.size() > kFewDigits) return AnyIndex();
         std::uint32_t value = 0;
-        for (std::uint32_t i = 0; i < m_size; ++i) {
-            const auto digit = static_cast<std::uint32_t>(m_text[i]) - '0';
+        for (const char c : text) {
+            const auto digit = static_cast<std::uint32_t>(c) - '0';
             if (digit > 9) return AnyIndex();
             value = value * 10 + digit;
         }
@@ -54,8 +56,8 @@ public:
     }
 
     // Items of an array, members of an object; empty for other types.
-    std::span<Json> Items() { return {IsArray() ? m_items : nullptr, IsArray() ? m_size : 0}; }
-    std::span<const Json> Items() const { return {IsArray() ? m_items : nullptr, IsArray() ? m_size : 0}; }
+    std::span<Json> Items() { return IsArray() ? Slots<Json>() : std::span<Json>(); }
+    std::span<const Json> Items() const { return IsArray() ? Slots<Json>() : std::span<Json>(); }
     std::span<JsonMember> Members();
     std::span<const JsonMember> Members() const;
 
@@ -75,19 +77,43 @@ private:
     friend class JsonTree;
     friend class JsonBuilder;
 
-    static constexpr std::uint8_t kExact = 0xFF;  // capacity equals size
+    // Documents have millions of values, and going over them costs what their memory costs. So a value is one
+    // word: the type, the size of a text, and the address of the content, of which programs use 48 bits.
+    static constexpr unsigned kTypeBits = 3, kSizeBits = 13, kAddressShift = kTypeBits + kSizeBits;
+    static constexpr std::uint64_t kTypeMask = (1U << kTypeBits) - 1;
+    static constexpr std::uint64_t kLongText = (1U << kSizeBits) - 1;  // the content is a std::string_view
 
-    std::string_view Text() const { return {m_text, m_size}; }
+    // Stands before the items or members; an empty container may have no content at all.
+    struct Header {
+        std::uint32_t size;
+        std::uint32_t room;
+    };
+
+    explicit Json(Type type, const void* content = nullptr, std::uint64_t textSize = 0)
+        : m_word(std::uint64_t{reinterpret_cast<std::uintptr_t>(content)} << kAddressShift |
+                 textSize << kTypeBits | static_cast<std::uint64_t>(type)) {
+        assert(Content<const void>() == content);
+    }
+
+    template <typename T>
+    T* Content() const {
+        return reinterpret_cast<T*>(static_cast<std::uintptr_t>(m_word >> kAddressShift));
+    }
+    template <typename T>
+    std::span<T> Slots() const {
+        Header* const header = Content<Header>();
+        if (header == nullptr) return {};
+        return {reinterpret_cast<T*>(header + 1), header->size};
+    }
+    // Of a number or a string.
+    std::string_view Text() const {
+        const std::uint64_t size = m_word >> kTypeBits & kLongText;
+        if (size == kLongText) return *Content<const std::string_view>();
+        return {Content<const char>(), static_cast<std::size_t>(size)};
+    }
     std::optional<std::uint64_t> AnyIndex() const;
 
-    union {
-        const char* m_text = nullptr;
-        Json* m_items;
-        JsonMember* m_members;
-    };
-    std::uint32_t m_size = 0;
-    Type m_type = Type::kNull;
-    std::uint8_t m_room = kExact;  // capacity as a power of two, or kExact
+    std::uint64_t m_word = 0;
 };
 
 struct JsonMember {
@@ -150,8 +176,16 @@ private:
     friend class JsonBuilder;
 
     void* Allocate(std::size_t bytes);
+    // A text that lives as long as the tree.
+    Json Text(Json::Type type, std::string_view text);
     Json Store(Json::Type type, std::string_view text);
-    Json* Grow(Json& container, std::size_t slotSize);
+    template <typename T>
+    Json Number(T value);
+    // A container of `size` slots of `slotSize` bytes each, with room for `room`, copied from `slots`.
+    Json Container(Json::Type type, const void* slots, std::size_t size, std::size_t room,
+                   std::size_t slotSize);
+    template <typename T>
+    T& AddSlot(Json& container, const T& slot);
 
     std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     std::byte* m_free = nullptr;
@@ -171,27 +205,29 @@ void WriteJson(const Json& value, bool pretty, const JsonSink& sink, std::size_t
 bool EqualJson(const Json& a, const Json& b);
 
 inline std::span<JsonMember> Json::Members() {
-    return {IsObject() ? m_members : nullptr, IsObject() ? m_size : 0};
+    return IsObject() ? Slots<JsonMember>() : std::span<JsonMember>();
 }
 
 inline std::span<const JsonMember> Json::Members() const {
-    return {IsObject() ? m_members : nullptr, IsObject() ? m_size : 0};
+    return IsObject() ? Slots<JsonMember>() : std::span<JsonMember>();
 }
 
 template <typename Keep>
 void Json::FilterItems(Keep keep) {
     std::uint32_t kept = 0;
-    for (Json& item : Items())
-        if (keep(item)) m_items[kept++] = item;
-    if (IsArray()) m_size = kept;
+    const auto items = Items();
+    for (Json& item : items)
+        if (keep(item)) items[kept++] = item;
+    if (!items.empty()) Content<Header>()->size = kept;
 }
 
 template <typename Keep>
 void Json::FilterMembers(Keep keep) {
     std::uint32_t kept = 0;
-    for (JsonMember& member : Members())
-        if (keep(member)) m_members[kept++] = member;
-    if (IsObject()) m_size = kept;
+    const auto members = Members();
+    for (JsonMember& member : members)
+        if (keep(member)) members[kept++] = member;
+    if (!members.empty()) Content<Header>()->size = kept;
 }
 
 }  // namespace zr::gltf

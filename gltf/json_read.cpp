@@ -3,6 +3,7 @@
 #include <rapidjson/reader.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -27,28 +28,23 @@ public:
     bool Null() { return Push(Json()); }
     bool Bool(bool value) { return Push(JsonTree::MakeBool(value)); }
     bool RawNumber(const char* text, rapidjson::SizeType size, bool) {
-        return Push(Text(Json::Type::kNumber, text, size));
+        return Push(m_tree.Text(Json::Type::kNumber, {text, size}));
     }
     bool String(const char* text, rapidjson::SizeType size, bool) {
-        return Push(Text(Json::Type::kString, text, size));
+        return Push(m_tree.Text(Json::Type::kString, {text, size}));
     }
-    bool Key(const char* text, rapidjson::SizeType size, bool) { return String(text, size, false); }
+    bool Key(const char* text, rapidjson::SizeType size, bool) { return Push(Name({text, size})); }
     bool StartObject() { return Open(); }
     bool StartArray() { return Open(); }
 
     bool EndArray(rapidjson::SizeType count) {
         --m_depth;
-        Json array = JsonTree::MakeArray();
-        array.m_items = static_cast<Json*>(Take(count));
-        array.m_size = count;
-        return Push(array);
+        return Push(Take(Json::Type::kArray, count, 1));
     }
 
     bool EndObject(rapidjson::SizeType count) {
         --m_depth;
-        Json object = JsonTree::MakeObject();
-        object.m_members = static_cast<JsonMember*>(Take(std::size_t{count} * 2));
-        object.m_size = count;
+        const Json object = Take(Json::Type::kObject, count, 2);
         if (Repeats(object)) return Refuse("a member name stands twice in one object");
         return Push(object);
     }
@@ -61,12 +57,14 @@ public:
     bool Double(double) { return false; }
 
 private:
-    static Json Text(Json::Type type, const char* text, rapidjson::SizeType size) {
-        Json value;
-        value.m_type = type;
-        value.m_text = text;
-        value.m_size = size;
-        return value;
+    // Members have few names. Where equal ones share a text, looking for a member reads texts that are in
+    // the cache instead of the whole file.
+    Json Name(std::string_view text) {
+        if (text.empty()) return m_tree.Text(Json::Type::kString, text);
+        const auto byte = [](char c) { return static_cast<unsigned char>(c); };
+        Json& known = m_names[(text.size() + byte(text.front()) * 7U + byte(text.back()) * 31U) % kNames];
+        if (known.String() != text) known = m_tree.Text(Json::Type::kString, text);
+        return known;
     }
 
     bool Push(Json value) {
@@ -81,12 +79,13 @@ private:
         return false;
     }
 
-    void* Take(std::size_t count) {
-        if (count == 0) return nullptr;
-        void* place = m_tree.Allocate(count * sizeof(Json));
-        std::memcpy(place, m_values.data() + m_values.size() - count, count * sizeof(Json));
-        m_values.resize(m_values.size() - count);
-        return place;
+    // The last values, `parts` for each of the container's slots.
+    Json Take(Json::Type type, std::size_t count, std::size_t parts) {
+        const std::size_t left = m_values.size() - count * parts;
+        const Json container =
+            m_tree.Container(type, m_values.data() + left, count, count, parts * sizeof(Json));
+        m_values.resize(left);
+        return container;
     }
 
     static bool Repeats(const Json& object) {
@@ -104,8 +103,11 @@ private:
                            [&](const JsonMember& member) { return !seen.insert(member.Name()).second; });
     }
 
+    static constexpr std::size_t kNames = 256;
+
     JsonTree& m_tree;
     std::vector<Json> m_values;
+    std::array<Json, kNames> m_names;
     unsigned m_depth = 0;
     const char* m_refusal = nullptr;
 };

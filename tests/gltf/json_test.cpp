@@ -65,6 +65,36 @@ TEST(Json, NumbersReadAndWriteExactly) {
     EXPECT_EQ(tree.Build("1e-999").Number(), 0.0);
 }
 
+// A value's word counts up to 8190 characters; longer texts are told apart from them.
+TEST(Json, TextsOfAnyLengthAreKept) {
+    for (const std::size_t size : {8190U, 8191U, 8192U, 100000U}) {
+        const std::string text(size, 'x'), digits = "0." + std::string(size - 2, '7');
+        JsonTree tree, other;
+        Json object = tree.Build("{\"" + text + "\":[\"" + text + "\"," + digits + "]}");
+        ASSERT_NE(object.Find(text), nullptr);
+        EXPECT_EQ(object.Find(text)->Items()[0].String(), text);
+        EXPECT_EQ(object.Find(text)->Items()[1].NumberText(), digits);
+        tree.Member(object, "new") = tree.MakeString(text);
+        EXPECT_EQ(other.Clone(object).Find("new")->String(), text);
+    }
+}
+
+// As far as length, first and last character go, these are one name.
+TEST(Json, NamesThatLookAlikeStayApart) {
+    JsonTree tree;
+    const Json list = tree.Build(R"([{"abc":1,"adc":2},{"adc":3,"abc":4},{"aec":5}])");
+    const auto at = [&](std::size_t item, std::string_view name) {
+        const Json* const found = list.Items()[item].Find(name);
+        return found != nullptr ? *found->Index() : 0;
+    };
+    EXPECT_EQ(at(0, "abc"), 1U);
+    EXPECT_EQ(at(0, "adc"), 2U);
+    EXPECT_EQ(at(1, "adc"), 3U);
+    EXPECT_EQ(at(1, "abc"), 4U);
+    EXPECT_EQ(at(2, "aec"), 5U);
+    EXPECT_EQ(at(2, "abc"), 0U);
+}
+
 TEST(Json, EditsGrowAndFilterInOrder) {
     JsonTree tree;
     Json array = JsonTree::MakeArray(), object = tree.Build(R"({"a":1,"b":2})");
