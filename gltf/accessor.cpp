@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -161,11 +162,17 @@ std::size_t AccessorInfo::ColumnSize() const {
 AccessorInfo Describe(const Document& document, std::size_t accessor) {
     const Json& json = document.Elements(Kind::kAccessor)[accessor];
     AccessorInfo info;
-    info.component = static_cast<Component>(IndexMember(json, "componentType"));
-    info.shape = *ShapeOf(json.Find("type")->String());
-    info.count = IndexMember(json, "count");
-    const Json* normalized = json.Find("normalized");
-    info.normalized = normalized != nullptr && normalized->Bool();
+    for (const JsonMember& member : json.Members()) {
+        const std::string_view name = member.Name();
+        if (name == "componentType")
+            info.component = static_cast<Component>(*member.value.Index());
+        else if (name == "count")
+            info.count = static_cast<std::size_t>(*member.value.Index());
+        else if (name == "type")
+            info.shape = *ShapeOf(member.value.String());
+        else if (name == "normalized")
+            info.normalized = member.value.Bool();
+    }
     return info;
 }
 
@@ -180,6 +187,19 @@ bool HasData(const Document& document, std::size_t accessor) {
     const Json* sparse = json.Find("sparse");
     return stored(&json) &&
            (sparse == nullptr || (stored(sparse->Find("indices")) && stored(sparse->Find("values"))));
+}
+
+std::span<const float> StoredFloats(const Document& document, std::size_t accessor) {
+    const Json& json = document.Elements(Kind::kAccessor)[accessor];
+    const AccessorInfo info = Describe(document, accessor);
+    const bool isPlain = info.component == Component::kFloat && json.Find("bufferView") != nullptr &&
+                         json.Find("sparse") == nullptr && !document.SuppliedBytes(accessor);
+    if (!isPlain || !HasData(document, accessor)) return {};
+    const Source source = Locate(document, accessor, json, info.ElementSize());
+    const std::byte* const first = source.bytes.data() + source.offset;
+    const bool isAligned = reinterpret_cast<std::uintptr_t>(first) % alignof(float) == 0;
+    if (!isAligned || source.stride != info.ElementSize()) return {};
+    return {reinterpret_cast<const float*>(first), info.count * info.shape.Components()};
 }
 
 std::vector<float> ReadFloats(const Document& document, std::size_t accessor) {

@@ -57,6 +57,10 @@ AccessorInfo Describe(const Document& document, std::size_t accessor);
 // zeros (with its sparse values over them).
 bool HasData(const Document& document, std::size_t accessor);
 
+// The components as ReadFloats gives them, where they lie in the document; empty when they are stored in
+// another form, are sparse or have gaps. Held as Document::ViewBytes.
+std::span<const float> StoredFloats(const Document& document, std::size_t accessor);
+
 // All components of all elements, element after element, matrices column by column; normalized integers as
 // the fractions they stand for, other integers as they are. Throws Error (kBounds) without data.
 std::vector<float> ReadFloats(const Document& document, std::size_t accessor);

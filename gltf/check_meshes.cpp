@@ -14,24 +14,33 @@ namespace {
 
 constexpr std::size_t kModes = 7;  // points, lines, line loop, line strip, triangles, strip, fan
 
+// A primitive, or one of its targets; as text only when there is a fault to tell.
+struct Spot {
+    std::size_t mesh;
+    std::size_t primitive;
+    std::optional<std::size_t> target = std::nullopt;
+
+    std::string Place(std::string_view below) const {
+        const std::string place = Join("/meshes/", mesh, "/primitives/", primitive);
+        return target ? Join(place, "/targets/", *target, below) : Join(place, below);
+    }
+};
+
 class Meshes {
 public:
     explicit Meshes(const Document& document)
         : m_document(document), m_highest(document.Elements(Kind::kAccessor).size()) {}
 
     void Mesh(const Json& mesh, std::size_t index) {
-        const std::string place = Join("/meshes/", index);
         const auto primitives = mesh.Find("primitives")->Items();
-        for (std::size_t i = 0; i < primitives.size(); ++i)
-            Primitive(primitives[i], Join(place, "/primitives/", i));
+        for (std::size_t i = 0; i < primitives.size(); ++i) Primitive(primitives[i], {index, i});
         const std::size_t targets = Targets(primitives[0]);
         for (std::size_t i = 1; i < primitives.size(); ++i)
             if (Targets(primitives[i]) != targets)
-                Fail(Join(place, "/primitives/", i, "/targets"),
-                     "are not as many as in the mesh's first primitive");
+                Fail(Spot{index, i}.Place("/targets"), "are not as many as in the mesh's first primitive");
         const Json* weights = mesh.Find("weights");
         if (weights != nullptr && weights->Items().size() != targets)
-            Fail(Join(place, "/weights"), Join("are not one for each of ", targets, " targets"));
+            Fail(Join("/meshes/", index, "/weights"), Join("are not one for each of ", targets, " targets"));
     }
 
     static std::size_t Targets(const Json& primitive) {
@@ -40,45 +49,47 @@ public:
     }
 
 private:
-    void Primitive(const Json& primitive, const std::string& place) {
-        if (IndexMember(primitive, "mode", 4) >= kModes) Fail(Join(place, "/mode"), "is no primitive mode");
+    void Primitive(const Json& primitive, const Spot& spot) {
+        if (IndexMember(primitive, "mode", 4) >= kModes) Fail(spot.Place("/mode"), "is no primitive mode");
         const Json& attributes = *primitive.Find("attributes");
         std::optional<std::size_t> vertices;
-        Attributes(attributes, Join(place, "/attributes"), vertices);
+        Attributes(attributes, spot, vertices);
         if (const Json* targets = primitive.Find("targets")) {
             for (std::size_t i = 0; i < targets->Items().size(); ++i)
-                Attributes(targets->Items()[i], Join(place, "/targets/", i), vertices);
+                Attributes(targets->Items()[i], {spot.mesh, spot.primitive, i}, vertices);
         }
-        if (primitive.Find("indices") != nullptr) Indices(primitive, Join(place, "/indices"), vertices);
+        if (primitive.Find("indices") != nullptr) Indices(primitive, spot, vertices);
     }
 
-    void Attributes(const Json& attributes, const std::string& place, std::optional<std::size_t>& vertices) {
+    void Attributes(const Json& attributes, const Spot& spot, std::optional<std::size_t>& vertices) {
+        const auto place = [&spot](const JsonMember& member) {
+            return spot.Place(Join(spot.target ? "/" : "/attributes/", member.Name()));
+        };
         for (const JsonMember& member : attributes.Members()) {
             const AccessorInfo info = Describe(m_document, *member.value.Index());
-            const std::string attribute = Join(place, "/", member.Name());
             // What is not stored costs the file nothing however often it is used.
             if (m_document.Elements(Kind::kAccessor)[*member.value.Index()].Find("bufferView") == nullptr)
                 m_unstored += info.count * info.shape.Components() * sizeof(float);
             if (m_unstored > m_document.Budget().Total())
-                m_document.Fail(ErrorKind::kLimit, attribute,
+                m_document.Fail(ErrorKind::kLimit, place(member),
                                 "more elements than a file of this size may ask for");
             if (!vertices) vertices = info.count;
             if (info.count != *vertices)
-                Fail(attribute,
+                Fail(place(member),
                      Join(info.count, " elements where the primitive has ", *vertices, " vertices"));
             if ((member.Name() == "POSITION" || member.Name() == "NORMAL") &&
                 (info.shape.rows != 3 || info.shape.columns != 1))
-                Fail(attribute, "is not of type VEC3");
+                Fail(place(member), "is not of type VEC3");
         }
     }
 
-    void Indices(const Json& primitive, const std::string& place, std::optional<std::size_t> vertices) {
+    void Indices(const Json& primitive, const Spot& spot, std::optional<std::size_t> vertices) {
         const std::size_t accessor = IndexMember(primitive, "indices");
         const AccessorInfo info = Describe(m_document, accessor);
         if (info.shape.Components() != 1 ||
             (info.component != Component::kUnsignedByte && info.component != Component::kUnsignedShort &&
              info.component != Component::kUnsignedInt))
-            Fail(place, "are not of unsigned integers");
+            Fail(spot.Place("/indices"), "are not of unsigned integers");
         if (!vertices || info.count == 0 || !HasData(m_document, accessor)) return;
         // What a codec holds and nobody decoded reads as zeros.
         const bool isStored = m_document.Elements(Kind::kAccessor)[accessor].Find("bufferView") != nullptr;
@@ -89,7 +100,7 @@ private:
             m_highest[accessor] = *std::max_element(indices.begin(), indices.end());
         }
         if (*m_highest[accessor] >= *vertices)
-            m_document.Fail(ErrorKind::kMesh, place,
+            m_document.Fail(ErrorKind::kMesh, spot.Place("/indices"),
                             Join("vertex ", *m_highest[accessor], " of ", *vertices));
     }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <utility>
 
 namespace zr::gltf {
@@ -28,21 +29,26 @@ public:
     }
 
     Removal Unreached(const ReferenceTable& references) {
+        // The targets of each element that may itself go, side by side.
+        std::vector<std::uint32_t> ends(m_reached.size() + 1, 0);
         for (const ReferenceTable::Link& link : references.links) {
             if (!m_kinds.Has(link.targetKind)) continue;
-            const std::uint32_t target = Number(link.targetKind, link.target);
-            if (link.ownerKind != Kind::kCount && m_kinds.Has(link.ownerKind))
-                m_edges.emplace_back(Number(link.ownerKind, link.owner), target);
+            if (MayGo(link.ownerKind))
+                ++ends[Number(link.ownerKind, link.owner) + 1];
             else
-                Reach(target);
+                Reach(Number(link.targetKind, link.target));
         }
-        std::sort(m_edges.begin(), m_edges.end());
+        std::partial_sum(ends.begin(), ends.end(), ends.begin());
+        std::vector<std::uint32_t> targets(ends.back());
+        std::vector<std::uint32_t> next = ends;
+        for (const ReferenceTable::Link& link : references.links) {
+            if (m_kinds.Has(link.targetKind) && MayGo(link.ownerKind))
+                targets[next[Number(link.ownerKind, link.owner)]++] = Number(link.targetKind, link.target);
+        }
         while (!m_pending.empty()) {
             const std::uint32_t from = m_pending.back();
             m_pending.pop_back();
-            auto edge = std::lower_bound(m_edges.begin(), m_edges.end(),
-                                         std::pair<std::uint32_t, std::uint32_t>(from, 0));
-            for (; edge != m_edges.end() && edge->first == from; ++edge) Reach(edge->second);
+            for (std::uint32_t i = ends[from]; i < ends[from + 1]; ++i) Reach(targets[i]);
         }
         Removal removal;
         for (std::size_t i = 0; i < kKinds; ++i) {
@@ -54,6 +60,8 @@ public:
     }
 
 private:
+    bool MayGo(Kind kind) const { return kind != Kind::kCount && m_kinds.Has(kind); }
+
     std::uint32_t Number(Kind kind, std::uint32_t index) const { return m_first[Ordinal(kind)] + index; }
 
     void Reach(std::uint32_t element) {
@@ -67,7 +75,6 @@ private:
     std::array<std::uint32_t, kKinds> m_first{};
     std::vector<bool> m_reached;
     std::vector<std::uint32_t> m_pending;
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> m_edges;
 };
 
 // Whether there were any.
@@ -172,14 +179,15 @@ std::size_t CompactBuffers(Document& document, const std::vector<bool>& chosen) 
 Collected Collect(Document& document, KindSet kinds, bool force, const Removal* spared) {
     Collected collected;
     const KindSet asked = kinds;
-    ReferenceTable references = ListReferences(document);
+    ReferenceTable references = ListReferences(document, kinds);
     if (!force) {
         for (OpaqueUse& use : references.opaque.uses) {
             kinds.Remove(use.kinds);
             if (asked.HasAny(use.kinds)) collected.refusals.push_back(std::move(use));
         }
     }
-    if (kinds.Has(Kind::kAccessor) && DropUnusedSamplers(document)) references = ListReferences(document);
+    if (kinds.Has(Kind::kAccessor) && DropUnusedSamplers(document))
+        references = ListReferences(document, kinds);
     Marker marker(document, kinds);
     if (spared != nullptr) marker.Reach(*spared);
     const Removal removal = marker.Unreached(references);
@@ -202,7 +210,7 @@ Collected Collect(Document& document, KindSet kinds, bool force, const Removal* 
 }  // namespace
 
 Removal Unreferenced(Document& document, KindSet kinds) {
-    return Marker(document, kinds).Unreached(ListReferences(document));
+    return Marker(document, kinds).Unreached(ListReferences(document, kinds));
 }
 
 Collected CollectGarbage(Document& document, KindSet kinds, bool force) {

@@ -8,15 +8,18 @@ namespace {
 
 class Collector : public Visitor {
 public:
-    explicit Collector(const std::function<void(const Reference&)>& visit) : m_visit(visit) {}
+    Collector(KindSet kinds, const std::function<void(const Reference&)>& visit)
+        : m_kinds(kinds), m_visit(visit) {}
 
     void Value(const SchemaNode& schema, Json& value, const Place& place) override {
         if (schema.rule == nullptr) return;
-        if (const auto target = TargetOf(*schema.rule, value))
+        const auto target = TargetOf(*schema.rule, value);
+        if (target && m_kinds.Has(target->kind))
             m_visit({*target, place.Owner(), schema.rule->cut, value, place});
     }
 
 private:
+    KindSet m_kinds;
     const std::function<void(const Reference&)>& m_visit;
 };
 
@@ -52,10 +55,12 @@ private:
 
 class TableCollector : public OpaqueCollector {
 public:
+    explicit TableCollector(KindSet kinds) : m_kinds(kinds) {}
+
     void Value(const SchemaNode& schema, Json& value, const Place& place) override {
         if (schema.rule == nullptr) return;
         const auto target = TargetOf(*schema.rule, value);
-        if (!target) return;
+        if (!target || !m_kinds.Has(target->kind)) return;
         const Place::Element owner = place.Owner().value_or(Place::Element{Kind::kCount, 0});
         // A text below 4 GiB has fewer elements than 32 bits count.
         m_links.push_back({static_cast<std::uint32_t>(target->index), static_cast<std::uint32_t>(owner.index),
@@ -65,25 +70,26 @@ public:
     std::vector<ReferenceTable::Link> TakeLinks() { return std::move(m_links); }
 
 private:
+    KindSet m_kinds;
     std::vector<ReferenceTable::Link> m_links;
 };
 
 }  // namespace
 
-void ForEachReference(Document& document, const std::function<void(const Reference&)>& visit) {
-    Collector collector(visit);
-    Walk(document.Root(), collector);
+void ForEachReference(Document& document, KindSet kinds, const std::function<void(const Reference&)>& visit) {
+    Collector collector(kinds, visit);
+    WalkReferences(document.Root(), kinds, collector);
 }
 
 Opaque OpaqueReferences(Document& document) {
     OpaqueCollector collector;
-    Walk(document.Root(), collector);
+    WalkReferences(document.Root(), {}, collector);
     return collector.Take();
 }
 
-ReferenceTable ListReferences(Document& document) {
-    TableCollector collector;
-    Walk(document.Root(), collector);
+ReferenceTable ListReferences(Document& document, KindSet kinds) {
+    TableCollector collector(kinds);
+    WalkReferences(document.Root(), kinds, collector);
     return {collector.TakeLinks(), collector.Take()};
 }
 

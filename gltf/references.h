@@ -22,8 +22,8 @@ struct Reference {
     Json& value;                          // the index or pointer; may get another of the same type
     const Place& place;
 };
-// Calls visit for every reference of the document, in document order.
-void ForEachReference(Document& document, const std::function<void(const Reference&)>& visit);
+// Calls visit for every reference of the document to an element of `kinds`, in document order.
+void ForEachReference(Document& document, KindSet kinds, const std::function<void(const Reference&)>& visit);
 
 // Content that may refer to elements in a way that cannot be followed: unknown extensions, and known ones
 // that compute the index when they run.
@@ -38,7 +38,8 @@ struct Opaque {
 };
 Opaque OpaqueReferences(Document& document);
 
-// All of both in one pass, as a table that holds while the document stays as it is.
+// Both in one pass, as a table that holds while the document stays as it is. The links are those to elements
+// of `kinds`.
 struct ReferenceTable {
     struct Link {
         std::uint32_t target;
@@ -49,7 +50,7 @@ struct ReferenceTable {
     std::vector<Link> links;
     Opaque opaque;
 };
-ReferenceTable ListReferences(Document& document);
+ReferenceTable ListReferences(Document& document, KindSet kinds);
 
 // Elements to take out, by kind and index; vectors may be shorter than the collection.
 using Removal = std::array<std::vector<bool>, kKinds>;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <cstdint>
+#include <deque>
 #include <set>
 #include <unordered_map>
 
@@ -9,7 +11,11 @@
 namespace zr::gltf {
 namespace {
 
-constexpr std::size_t kGone = static_cast<std::size_t>(-1);
+constexpr std::uint32_t kGone = 0xFFFFFFFF;
+
+bool Any(const std::vector<bool>& flags) {
+    return std::find(flags.begin(), flags.end(), true) != flags.end();
+}
 
 bool Goes(const Removal& removal, Kind kind, std::size_t index) {
     const std::vector<bool>& gone = removal[Ordinal(kind)];
@@ -71,38 +77,42 @@ class Remover : public Visitor {
 public:
     Remover(Document& document, const Removal& removal) : m_document(document), m_removal(removal) {
         for (std::size_t i = 0; i < kKinds; ++i) {
+            if (!Any(removal[i])) continue;
+            m_kinds.Add(static_cast<Kind>(i));
             const std::size_t count = document.Elements(static_cast<Kind>(i)).size();
-            std::size_t next = 0;
+            std::uint32_t next = 0;
             m_renumbered[i].resize(count);
             for (std::size_t k = 0; k < count; ++k)
                 m_renumbered[i][k] = Goes(removal, static_cast<Kind>(i), k) ? kGone : next++;
         }
     }
 
+    KindSet Kinds() const { return m_kinds; }
+
     void Value(const SchemaNode& schema, Json& value, const Place& place) override {
         if (schema.rule == nullptr) return;
         const auto target = TargetOf(*schema.rule, value);
-        if (!target) return;
-        const std::size_t index = m_renumbered[Ordinal(target->kind)][target->index];
+        if (!target || !m_kinds.Has(target->kind)) return;
+        const std::uint32_t index = m_renumbered[Ordinal(target->kind)][target->index];
         if (index == target->index) return;
         if (const auto owner = place.Owner(); owner && Goes(m_removal, owner->kind, owner->index)) return;
         if (index == kGone)
             CutAway(schema.rule->cut, *target, place);
         else
-            m_renamed.push_back({&value, schema.rule->shape, *target, index});
+            m_renamed.push_back({&value, index});
     }
 
     void Finish() {
         for (const Renamed& renamed : m_renamed)
-            *renamed.value = renamed.shape == Shape::kPointer
-                                 ? Renumbered(renamed.value->String(), renamed.target, renamed.index)
-                                 : m_document.Tree().MakeIndex(renamed.index);
+            *renamed.value = renamed.value->IsString() ? Renumbered(renamed.value->String(), renamed.index)
+                                                       : m_document.Tree().MakeIndex(renamed.index);
         m_pruner.Run();
         for (std::size_t i = 0; i < kKinds; ++i) Erase(static_cast<Kind>(i));
     }
 
 private:
-    Json Renumbered(std::string_view pointer, const Target& target, std::size_t index) {
+    Json Renumbered(std::string_view pointer, std::size_t index) {
+        const Target target = *PointerTarget(pointer);
         std::string text(pointer);
         text.replace(target.textOffset, target.textSize, std::to_string(index));
         return m_document.Tree().MakeString(text);
@@ -141,15 +151,14 @@ private:
     // A reference to be mended once it is clear that all can be.
     struct Renamed {
         Json* value;
-        Shape shape;
-        Target target;
-        std::size_t index;
+        std::uint32_t index;
     };
 
     Document& m_document;
     const Removal& m_removal;
-    std::array<std::vector<std::size_t>, kKinds> m_renumbered;
-    std::vector<Renamed> m_renamed;
+    KindSet m_kinds;  // of which elements go
+    std::array<std::vector<std::uint32_t>, kKinds> m_renumbered;
+    std::deque<Renamed> m_renamed;
     Pruner m_pruner;
 };
 
@@ -167,7 +176,7 @@ void CollectExtensions(const Json& value, std::set<std::string, std::less<>>& na
 
 void RemoveOnce(Document& document, const Removal& removal) {
     Remover remover(document, removal);
-    Walk(document.Root(), remover);
+    WalkReferences(document.Root(), remover.Kinds(), remover);
     remover.Finish();
 }
 
@@ -191,10 +200,6 @@ std::vector<bool> EmptyAnimations(const Document& document) {
     for (const Json& animation : document.Elements(Kind::kAnimation))
         empty.push_back(animation.Find("channels") == nullptr && animation.Find("samplers") != nullptr);
     return empty;
-}
-
-bool Any(const std::vector<bool>& flags) {
-    return std::find(flags.begin(), flags.end(), true) != flags.end();
 }
 
 }  // namespace

@@ -41,6 +41,20 @@ void Insert(SchemaNode& root, std::string_view path, const Rule& rule) {
     at->rule = &rule;
 }
 
+// Sets SchemaNode::named of a node and all below it.
+void NoteNamed(SchemaNode& node) {
+    const Rule* const rule = node.rule;
+    if (rule != nullptr && rule->shape == Shape::kIndex) node.named.Add(rule->kind);
+    if (rule != nullptr && rule->shape == Shape::kPointer) node.named = KindSet::All();
+    for (SchemaNode::Child& child : node.members) {
+        NoteNamed(*child.node);
+        node.named.Add(child.node->named);
+    }
+    if (!node.item) return;
+    NoteNamed(*node.item);
+    node.named.Add(node.item->element != Kind::kCount ? KindSet::All() : node.item->named);
+}
+
 Trees Build() {
     constexpr std::string_view kAnywhere = "*.extensions.";
     Trees trees;
@@ -59,6 +73,8 @@ Trees Build() {
         if (!at->item) at->item = std::make_unique<SchemaNode>();
         at->item->element = static_cast<Kind>(i);
     }
+    NoteNamed(trees.root);
+    NoteNamed(trees.anywhere);
     return trees;
 }
 

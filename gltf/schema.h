@@ -64,6 +64,7 @@ struct SchemaNode {
         item;  // for every item of an array, or every member of an object used as a map
     bool isMap = false;
     Kind element = Kind::kCount;  // of which each of these is one
+    KindSet named;                // by references that stand here or below; all where elements do
 
     const SchemaNode* Find(std::string_view name) const;
 };

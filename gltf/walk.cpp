@@ -2,7 +2,9 @@
 #include "gltf/walk.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdint>
 
 #include "gltf/interactivity.h"
 
@@ -32,7 +34,9 @@ std::string LowerCase(std::string_view text) {
 
 class Walker {
 public:
-    Walker(Json& root, Visitor& visitor) : m_visitor(visitor), m_place(root) {}
+    // kinds: of the references that are looked for; null: everything is.
+    Walker(Json& root, Visitor& visitor, const KindSet* kinds)
+        : m_visitor(visitor), m_kinds(kinds), m_place(root) {}
 
     // Recurses as deep as the document, which the reader bounds by kMaxJsonDepth.
     void Visit(Json& value, const SchemaNode* schema) {
@@ -49,7 +53,7 @@ private:
             const std::string_view name = member.Name();
             Json& value = member.value;
             if (name == "extras") continue;
-            const SchemaNode* below = schema != nullptr ? schema->Find(name) : nullptr;
+            const SchemaNode* below = schema != nullptr ? Below(*schema, name) : nullptr;
             if (below == nullptr && !value.IsObject() && !value.IsArray()) continue;
             m_place.Push(name, value);
             if (name == "extensions")
@@ -60,6 +64,22 @@ private:
                 Enter(name, value, below);
             m_place.Pop();
         }
+    }
+
+    // What the rules say of a member. Members have few names, and equal ones mostly share a text: nearly
+    // every question was asked before.
+    const SchemaNode* Below(const SchemaNode& schema, std::string_view name) {
+        const auto address = [](const void* at) { return reinterpret_cast<std::uintptr_t>(at); };
+        Answer& answer = m_answers[(address(&schema) / sizeof(SchemaNode) + address(name.data())) % kAnswers];
+        const bool isKnown = answer.schema == &schema && answer.name.data() == name.data() &&
+                             answer.name.size() == name.size();
+        if (!isKnown) answer = {&schema, name, Wanted(schema.Find(name))};
+        return answer.below;
+    }
+
+    const SchemaNode* Wanted(const SchemaNode* schema) const {
+        const bool leadsNowhere = m_kinds != nullptr && schema != nullptr && !schema->named.HasAny(*m_kinds);
+        return leadsNowhere ? nullptr : schema;
     }
 
     void Enter(std::string_view name, Json& value, const SchemaNode* schema) {
@@ -99,8 +119,8 @@ private:
         for (JsonMember& member : extensions.Members()) {
             const std::string_view name = member.Name();
             m_place.Push(name, member.value);
-            const SchemaNode* below = schema != nullptr ? schema->Find(name) : nullptr;
-            if (below == nullptr) below = AnywhereSchema(name);
+            const SchemaNode* below = schema != nullptr ? Below(*schema, name) : nullptr;
+            if (below == nullptr) below = Wanted(AnywhereSchema(name));
             Visit(member.value, below);
             if (!IsKnownExtension(name))
                 m_visitor.Unknown(name, member.value, m_place);
@@ -110,8 +130,17 @@ private:
         }
     }
 
+    struct Answer {
+        const SchemaNode* schema = nullptr;
+        std::string_view name;
+        const SchemaNode* below = nullptr;
+    };
+    static constexpr std::size_t kAnswers = 512;
+
     Visitor& m_visitor;
+    const KindSet* m_kinds;
     Place m_place;
+    std::array<Answer, kAnswers> m_answers;
     const SchemaNode* m_materialsSchema = Schema().Find("materials");
     int m_materials = 0;
 };
@@ -206,7 +235,11 @@ std::optional<Target> TargetOf(const Rule& rule, const Json& value) {
 }
 
 void Walk(Json& root, Visitor& visitor) {
-    Walker(root, visitor).Visit(root, &Schema());
+    Walker(root, visitor, nullptr).Visit(root, &Schema());
+}
+
+void WalkReferences(Json& root, KindSet kinds, Visitor& visitor) {
+    Walker(root, visitor, &kinds).Visit(root, &Schema());
 }
 
 KindSet PossibleReferences(const Json& value) {

@@ -74,6 +74,9 @@ public:
 
 // Visits, in document order, everything the rules speak of. Extras are not looked into.
 void Walk(Json& root, Visitor& visitor);
+// The same for what may refer to elements of `kinds`, and for extensions: other values may be left out, and
+// what leads to no such reference is passed by.
+void WalkReferences(Json& root, KindSet kinds, Visitor& visitor);
 
 // The kinds an unknown extension's content could refer to by an index or a pointer. A whole number under a
 // name that tells a kind ("meshIndex") counts for that kind, under any other name for all kinds.

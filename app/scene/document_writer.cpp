@@ -72,11 +72,9 @@ private:
     void MergeMaterials() {
         const auto& becomes = m_changes.mergedMaterials;
         if (becomes.empty()) return;
-        gltf::ForEachReference(m_document, [&](const gltf::Reference& reference) {
+        gltf::ForEachReference(m_document, {Kind::kMaterial}, [&](const gltf::Reference& reference) {
             const gltf::Target& target = reference.target;
-            if (target.kind != Kind::kMaterial || target.textSize != 0 ||
-                becomes[target.index] == target.index)
-                return;
+            if (target.textSize != 0 || becomes[target.index] == target.index) return;
             reference.value = m_tree.MakeIndex(becomes[target.index]);
         });
     }

@@ -44,9 +44,9 @@ bool HasObject(const gltf::Json& node) {
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
                    const std::unordered_map<std::size_t, std::size_t>& moved) {
     if (moved.empty()) return;
-    gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
+    gltf::ForEachReference(document, {gltf::Kind::kNode}, [&](const gltf::Reference& reference) {
         const gltf::Target& target = reference.target;
-        const auto found = target.kind == gltf::Kind::kNode ? moved.find(target.index) : moved.end();
+        const auto found = moved.find(target.index);
         if (found == moved.end()) return;
         const std::string_view path = PathBelowNode(reference);
         if (std::none_of(members.begin(), members.end(),

@@ -117,9 +117,10 @@ void SceneBuilder::MarkReferences() {
         if (json.Find("mesh") != nullptr) meshInScene[IndexMember(json, "mesh")] = true;
     }
     const auto keep = [](Mark& mark, const gltf::Place& place) {
-        if (!mark.reason) mark.reason = place.Pointer();
+        if (!mark.reason) mark.reason = std::make_unique<std::string>(place.Pointer());
     };
-    gltf::ForEachReference(m_document, [&](const gltf::Reference& reference) {
+    constexpr gltf::KindSet kKinds{Kind::kNode, Kind::kMaterial, Kind::kAnimation};
+    gltf::ForEachReference(m_document, kKinds, [&](const gltf::Reference& reference) {
         const gltf::Target& target = reference.target;
         m_surroundings.Note(reference);
         const auto steps = reference.place.Steps();
@@ -148,7 +149,8 @@ void SceneBuilder::MarkReferences() {
     for (std::size_t node : m_parts.layout.order) {
         const gltf::JsonMember* content = ContentExtension(m_document.Elements(Kind::kNode)[node]);
         if (content != nullptr && !m_nodeMarks[node].reason)
-            m_nodeMarks[node].reason = Join("/nodes/", node, "/extensions/", content->Name());
+            m_nodeMarks[node].reason =
+                std::make_unique<std::string>(Join("/nodes/", node, "/extensions/", content->Name()));
     }
     MarkKept(Kind::kNode, m_nodeMarks);
     MarkKept(Kind::kMaterial, m_materialMarks);
@@ -160,7 +162,7 @@ void SceneBuilder::MarkKept(Kind kind, std::vector<Mark>& marks) {
     for (std::size_t i = 0; i < elements.size(); ++i) {
         if (!marks[i].reason && m_options.keep) {
             if (std::string reason = m_options.keep(elements[i]); !reason.empty())
-                marks[i].reason = std::move(reason);
+                marks[i].reason = std::make_unique<std::string>(std::move(reason));
         }
         if (marks[i].reason) m_parts.kept.push_back({kind, i, *marks[i].reason});
     }
@@ -169,7 +171,7 @@ void SceneBuilder::MarkKept(Kind kind, std::vector<Mark>& marks) {
 void SceneBuilder::AddMaterials() {
     const auto materials = m_document.Elements(Kind::kMaterial);
     for (std::size_t i = 0; i < materials.size(); ++i) {
-        const bool kept = m_materialMarks[i].reason.has_value();
+        const bool kept = m_materialMarks[i].reason != nullptr;
         if (kept && !UsedInScene(i)) continue;
         const Json* name = materials[i].Find("name");
         std::optional<std::string> text;
@@ -293,7 +295,7 @@ void SceneBuilder::AddAnimations() {
     const auto animations = m_document.Elements(Kind::kAnimation);
     for (std::size_t i = 0; i < animations.size(); ++i) {
         kernix::AnimationModel* model = m_scene.AddAnimation(kernix::ToUtf16(NameOf(animations[i])));
-        model->m_locked = m_animationMarks[i].reason.has_value();
+        model->m_locked = m_animationMarks[i].reason != nullptr;
         m_parts.animations[i] = model;
     }
     m_animations.Build();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,7 +26,7 @@ private:
     // What the document says about an element apart from the scene itself.
     struct Mark {
         bool isJoint = false;
-        std::optional<std::string> reason;  // why it must stay
+        std::unique_ptr<const std::string> reason;  // why it must stay; null where it need not
     };
 
     void MarkReferences();

@@ -138,5 +138,19 @@ TEST(Accessor, CompressedDataIsCarriedButNotRead) {
     EXPECT_EQ(ReadFloats(document, 1), (Values{0, 0}));
 }
 
+// In place or nothing: integers, gaps and sparse values have to be read.
+TEST(Accessor, StoredFloatsAreThoseThatAreRead) {
+    const Document document = test::Sample();
+    std::size_t stored = 0, other = 0;
+    for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
+        const auto floats = StoredFloats(document, i);
+        ++(floats.empty() ? other : stored);
+        if (!floats.empty())
+            EXPECT_EQ(std::vector<float>(floats.begin(), floats.end()), ReadFloats(document, i)) << i;
+    }
+    EXPECT_GT(stored, 0U);
+    EXPECT_GT(other, 0U);
+}
+
 }  // namespace
 }  // namespace zr::gltf

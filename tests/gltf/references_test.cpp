@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 
 #include "gltf/accessor.h"
@@ -16,9 +17,8 @@ using Names = std::vector<std::string>;
 
 std::map<std::string, std::string> Targets(Document& document, Kind kind) {
     std::map<std::string, std::string> found;
-    ForEachReference(document, [&](const Reference& reference) {
-        if (reference.target.kind == kind)
-            found[reference.place.Pointer()] = std::to_string(reference.target.index);
+    ForEachReference(document, {kind}, [&](const Reference& reference) {
+        found[reference.place.Pointer()] = std::to_string(reference.target.index);
     });
     return found;
 }
@@ -61,6 +61,19 @@ TEST(References, EveryPlaceThatNamesANodeIsFound) {
                   {"/materials/1/pbrMetallicRoughness/baseColorTexture/index", "0"},
                   {"/materials/2/extensions/KHR_materials_sheen/sheenColorTexture/index", "1"}}));
     EXPECT_TRUE(OpaqueReferences(document).uses.empty());
+}
+
+// What is passed by leads to none of them.
+TEST(References, ThoseOfAKindAreThatKindsAmongAll) {
+    Document document = test::Sample();
+    std::array<std::map<std::string, std::string>, kKinds> all;
+    ForEachReference(document, KindSet::All(), [&](const Reference& reference) {
+        all[Ordinal(reference.target.kind)][reference.place.Pointer()] =
+            std::to_string(reference.target.index);
+    });
+    for (std::size_t kind = 0; kind < kKinds; ++kind)
+        EXPECT_EQ(Targets(document, static_cast<Kind>(kind)), all[kind]) << kKindInfo[kind].noun;
+    EXPECT_GT(all[Ordinal(Kind::kAccessor)].size(), 5U);
 }
 
 TEST(References, RemovingNodesMendsWhatStays) {

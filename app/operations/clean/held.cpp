@@ -84,8 +84,7 @@ private:
         Document& document = m_loaded.Document();
         std::vector<std::string> variants(document.Elements(Kind::kMaterial).size());
         std::vector<bool> shown(variants.size(), false);
-        gltf::ForEachReference(document, [&](const gltf::Reference& reference) {
-            if (reference.target.kind != Kind::kMaterial) return;
+        gltf::ForEachReference(document, {Kind::kMaterial}, [&](const gltf::Reference& reference) {
             const std::string place = reference.place.Pointer();
             if (place.find("/KHR_materials_variants/") == std::string::npos) {
                 shown[reference.target.index] = true;
@@ -132,7 +131,8 @@ public:
           m_apart(loaded.Document().Elements(Kind::kNode).size(), Surroundings::kNone),
           m_hasMetadata(m_apart.size(), false),
           m_isBlended(loaded.Scene().AllMaterials().size(), false) {
-        gltf::ForEachReference(loaded.Document(), [&](const gltf::Reference& r) { m_surroundings.Note(r); });
+        gltf::ForEachReference(loaded.Document(), {Kind::kNode},
+                               [&](const gltf::Reference& r) { m_surroundings.Note(r); });
         for (const auto& node : loaded.Scene().AllNodes()) {
             const kernix::NodeModel* parent = node->GetParent();
             const std::size_t above = parent != nullptr ? IndexOf(*parent) : Surroundings::kNone;

@@ -179,9 +179,9 @@ private:
 
     // What stays and refers to what goes, other than by keys, layers and the hierarchy.
     void NoteReferences() {
-        gltf::ForEachReference(m_loaded.Document(), [&](const gltf::Reference& reference) {
+        gltf::ForEachReference(m_loaded.Document(), {Kind::kNode}, [&](const gltf::Reference& reference) {
             const gltf::Target& target = reference.target;
-            if (target.kind != Kind::kNode || !Goes(target.index)) return;
+            if (!Goes(target.index)) return;
             const auto steps = reference.place.Steps();
             if (reference.owner) {
                 const Kind kind = reference.owner->kind;

@@ -443,11 +443,9 @@ private:
                 markAccessor(IndexMember(skin, "inverseBindMatrices"), Part::kBinds);
         for (const Json& image : Elements(Kind::kImage))
             mark(IndexMember(image, "bufferView", kNone), Part::kImages);
-        gltf::ForEachReference(const_cast<gltf::Document&>(m_document),
-                               [&](const gltf::Reference& reference) {
-                                   if (reference.target.kind == Kind::kBufferView)
-                                       mark(reference.target.index, Part::kOther);
-                               });
+        gltf::ForEachReference(
+            const_cast<gltf::Document&>(m_document), {Kind::kBufferView},
+            [&](const gltf::Reference& reference) { mark(reference.target.index, Part::kOther); });
 
         std::vector<std::uint64_t> bytes(static_cast<std::size_t>(Part::kCount), 0);
         std::vector<std::uint64_t> counts(bytes.size(), 0);
