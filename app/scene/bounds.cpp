@@ -2,7 +2,9 @@
 #include "app/scene/bounds.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <map>
+#include <span>
+#include <utility>
 
 #include "gltf/accessor.h"
 
@@ -16,7 +18,7 @@ namespace {
 
 using M = vl::Matrix4<double>;
 
-Bounds BoxOf(const kernix::Positions& positions) {
+Bounds BoxOf(std::span<const float> positions) {
     Bounds box;
     for (std::size_t i = 0; i + 2 < positions.size(); i += 3) {
         box.Widen({positions[i], positions[i + 1], positions[i + 2]});
@@ -84,15 +86,16 @@ void Bounds::Widen(const Bounds& box, const M& m) {
 
 Bounds BoundsAtRest(const LoadedScene& loaded) {
     Bounds bounds;
-    std::unordered_map<const kernix::Positions*, Bounds> boxes;
+    std::map<std::pair<const float*, std::size_t>, Bounds> boxes;
     const auto nodes = loaded.Document().Elements(Kind::kNode);
     const std::vector<bool> isShown = loaded.Parts().layout.Shown();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         kernix::NodeModel* node = isShown[i] ? loaded.Node(i) : nullptr;
         auto* mesh = node != nullptr ? dynamic_cast<kernix::MeshModel*>(node->m_pObject) : nullptr;
         if (mesh == nullptr) continue;
-        const auto [known, isNew] = boxes.try_emplace(mesh->GetGeometry()->positions.get());
-        if (isNew) known->second = BoxOf(*mesh->GetGeometry()->positions);
+        const std::span<const float> vertices = mesh->GetGeometry()->Vertices();
+        const auto [known, isNew] = boxes.try_emplace({vertices.data(), vertices.size()});
+        if (isNew) known->second = BoxOf(vertices);
         const Json* skin = nodes[i].Find("skin");
         if (skin != nullptr) {
             WidenBySkin(loaded, loaded.Document().Elements(Kind::kSkin)[*skin->Index()], known->second,

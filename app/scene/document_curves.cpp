@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/document_curves.h"
 
-#include <cstring>
-
 #include "app/scene/curves.h"
 #include "gltf/accessor.h"
 
@@ -10,16 +8,8 @@ namespace zr {
 
 DocumentCurves::Floats DocumentCurves::Locate(std::size_t accessor) const {
     const gltf::AccessorInfo info = gltf::Describe(m_document, accessor);
-    Floats floats{static_cast<std::uint32_t>(accessor), static_cast<std::uint32_t>(info.count), nullptr};
-    const gltf::Json& json = m_document.Elements(gltf::Kind::kAccessor)[accessor];
-    if (info.component != gltf::Component::kFloat || json.Find("sparse") != nullptr ||
-        json.Find("bufferView") == nullptr)
-        return floats;
-    const std::size_t view = gltf::IndexMember(json, "bufferView");
-    const gltf::Json& stored = m_document.Elements(gltf::Kind::kBufferView)[view];
-    const bool isTight = gltf::IndexMember(stored, "byteStride", info.ElementSize()) == info.ElementSize();
-    if (isTight) floats.packed = m_document.ViewBytes(view)->data() + gltf::IndexMember(json, "byteOffset");
-    return floats;
+    return {static_cast<std::uint32_t>(accessor), static_cast<std::uint32_t>(info.count),
+            gltf::StoredFloats(m_document, accessor).data()};
 }
 
 kernix::StoredCurve DocumentCurves::Add(const gltf::Json& sampler) {
@@ -35,10 +25,8 @@ std::size_t DocumentCurves::KeyCount(std::uint32_t id) const {
 }
 
 std::vector<float> DocumentCurves::Read(const Floats& floats, std::size_t width) const {
-    if (floats.packed == nullptr) return gltf::ReadFloats(m_document, floats.accessor);
-    std::vector<float> values(floats.count * width);
-    std::memcpy(values.data(), floats.packed, values.size() * sizeof(float));
-    return values;
+    if (floats.stored == nullptr) return gltf::ReadFloats(m_document, floats.accessor);
+    return {floats.stored, floats.stored + floats.count * width};
 }
 
 kernix::Curve DocumentCurves::Read(std::uint32_t id) const {

@@ -25,8 +25,8 @@ public:
 private:
     struct Floats {
         std::uint32_t accessor;
-        std::uint32_t count;      // elements
-        const std::byte* packed;  // the floats as they lie in the document; null where they have another form
+        std::uint32_t count;  // elements
+        const float* stored;  // in the document; null where they have another form
     };
     struct Sampler {
         Floats input;

@@ -113,7 +113,9 @@ MeshBuilder::MeshBuilder(const gltf::Document& document, const std::vector<kerni
       m_materials(materials),
       m_ids(ids),
       m_shapes(document.Elements(Kind::kMesh).size()),
-      m_skins(document.Elements(Kind::kSkin).size(), kNone) {}
+      m_skins(document.Elements(Kind::kSkin).size(), kNone) {
+    m_lists.reserve(m_shapes.size());
+}
 
 void MeshBuilder::AddFormat(const Part& part, Words& format) {
     const auto addVertexData = [&](const Json& accessors, std::string_view but) {
@@ -208,8 +210,20 @@ void MeshBuilder::DropRepeated(std::vector<Part>& parts, Words& format) {
     });
 }
 
+// Empty for a part whose positions have to be made.
+std::span<const float> MeshBuilder::StoredPositions(const Part& part) const {
+    if (part.positions == kNone || part.isCompressed) return {};
+    return gltf::StoredFloats(m_document, part.positionsId);
+}
+
 // Vertices that several parts share stand once; `sources` tells for each part which of them it has.
-const MeshBuilder::Vertices& MeshBuilder::VerticesOf(const std::vector<Part>& parts, Words& sources) {
+MeshBuilder::Vertices MeshBuilder::VerticesOf(const std::vector<Part>& parts, Words& sources) {
+    // Most meshes have one part, whose vertices can stay where they are.
+    const auto stored = parts.size() == 1 ? StoredPositions(parts.front()) : std::span<const float>();
+    if (!stored.empty()) {
+        sources = {0};
+        return {nullptr, stored, {0, static_cast<std::uint32_t>(stored.size() / 3)}};
+    }
     Interner seen;
     Words key;
     std::vector<const Part*> distinct;
@@ -254,7 +268,11 @@ void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t co
         order.resize(count);
         std::iota(order.begin(), order.end(), 0U);
     }
-    AddInOrder(part.mode, order, first, geometry);
+    const bool isAll = part.mode == kTriangles && first == 0 && geometry.faceIndices.empty();
+    if (isAll && order.size() % 3 == 0)
+        geometry.faceIndices = std::move(order);
+    else
+        AddInOrder(part.mode, order, first, geometry);
 }
 
 std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
@@ -264,16 +282,17 @@ std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
     const auto [number, isNew] = m_listsKeys.Intern(key);
     if (!isNew) return number;
     Words sources;
-    const Vertices& vertices = VerticesOf(parts, sources);
+    const Vertices vertices = VerticesOf(parts, sources);
     Lists lists;
     lists.geometry = std::make_shared<kernix::MeshGeometry>();
     lists.geometry->positions = vertices.positions;
+    lists.geometry->outerPositions = vertices.outerPositions;
     const std::vector<std::uint32_t>& indices = lists.geometry->faceIndices;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         const std::uint32_t first = vertices.ends[sources[i]];
         const std::size_t before = indices.size();
         AddLists(parts[i], first, vertices.ends[sources[i] + 1] - first, *lists.geometry);
-        lists.faces.push_back((indices.size() - before) / 3);
+        lists.faces.push_back(static_cast<std::uint32_t>((indices.size() - before) / 3));
     }
     lists.geometry->Index();
     m_lists.push_back(std::move(lists));
@@ -282,14 +301,15 @@ std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
 
 std::shared_ptr<kernix::FaceAttributes> MeshBuilder::AttributesOf(const std::vector<Part>& parts,
                                                                   std::uint32_t lists) {
-    Words key{lists};
-    for (const Part& part : parts) key.push_back(part.attribute);
+    const Words& faces = m_lists[lists].faces;
+    Words key;
+    for (std::size_t i = 0; i < parts.size(); ++i) key.insert(key.end(), {faces[i], parts[i].attribute});
     const auto [number, isNew] = m_attributesKeys.Intern(key);
     if (!isNew) return m_attributes[number];
     auto attributes = std::make_shared<kernix::FaceAttributes>();
     attributes->reserve(m_lists[lists].geometry->faces.size());
     for (std::size_t i = 0; i < parts.size(); ++i)
-        attributes->insert(attributes->end(), m_lists[lists].faces[i], parts[i].attribute);
+        attributes->insert(attributes->end(), faces[i], parts[i].attribute);
     m_attributes.push_back(attributes);
     return attributes;
 }

@@ -68,19 +68,21 @@ private:
 
     struct Vertices {
         std::shared_ptr<const kernix::Positions> positions;
+        std::span<const float> outerPositions;  // see kernix::MeshGeometry
         Words ends;  // where those of each source begin, and the end of the last one
     };
 
     struct Lists {
         std::shared_ptr<kernix::MeshGeometry> geometry;
-        std::vector<std::size_t> faces;  // how many each part has
+        Words faces;  // how many each part has
     };
 
     const Shape& ShapeOf(std::size_t mesh);
     Part PartOf(const gltf::Json& primitive);
     static void DropRepeated(std::vector<Part>& parts, Words& format);
     std::uint32_t ListsOf(const std::vector<Part>& parts);
-    const Vertices& VerticesOf(const std::vector<Part>& parts, Words& sources);
+    std::span<const float> StoredPositions(const Part& part) const;
+    Vertices VerticesOf(const std::vector<Part>& parts, Words& sources);
     std::vector<float> PositionsOf(const Part& part) const;
     void AddLists(const Part& part, std::uint32_t first, std::size_t count,
                   kernix::MeshGeometry& geometry) const;

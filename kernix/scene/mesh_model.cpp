@@ -54,8 +54,8 @@ MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<Fac
     const MeshGeometry& g = *m_geometry;
     const auto dataOrNull = [](const auto& list) { return list.empty() ? nullptr : list.data(); };
     m_nFormat = format;
-    m_pPositions = g.positions ? dataOrNull(*g.positions) : nullptr;
-    m_nVertices = g.positions ? static_cast<std::uint32_t>(g.positions->size() / 3) : 0;
+    m_pPositions = dataOrNull(g.Vertices());
+    m_nVertices = static_cast<std::uint32_t>(g.Vertices().size() / 3);
     m_nFaces = static_cast<std::uint32_t>(g.faces.size());
     m_pFaceCounts = dataOrNull(g.faceCounts);
     if (m_attributes) m_pFaceAttributes = dataOrNull(*m_attributes);

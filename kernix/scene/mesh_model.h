@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -19,7 +20,8 @@ using Positions = std::vector<float>;  // x, y, z a vertex
 // The geometry of a mesh, shared by all meshes that show it. Either count list may be empty: faces are then
 // triangles and secondary lists pairs.
 struct MeshGeometry {
-    std::shared_ptr<const Positions> positions;  // null: none
+    std::shared_ptr<const Positions> positions;  // null: none, or those that lie elsewhere
+    std::span<const float> outerPositions;       // the same in memory that outlives the geometry
     std::vector<std::uint32_t> faceIndices;      // of all faces, one after another
     std::vector<std::uint16_t> faceCounts;
     std::vector<std::uint32_t> secondaryIndices;
@@ -32,6 +34,8 @@ struct MeshGeometry {
     // Where each list begins; made by Index once the lists above are filled.
     std::vector<const std::uint32_t*> faces;
     std::vector<const std::uint32_t*> secondary;
+
+    std::span<const float> Vertices() const { return positions ? std::span(*positions) : outerPositions; }
 
     // Also gives back the room that filling left over.
     KERNIX_API void Index();
