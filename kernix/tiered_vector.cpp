@@ -1,7 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "kernix/tiered_vector.h"
 
+#include <algorithm>
+
 namespace kernix {
+
+void TieredVector::Ring::Close(std::size_t i, std::size_t end) {
+    const auto at = [this](std::size_t k) {
+        return words.begin() + static_cast<std::ptrdiff_t>((head + k) & Mask());
+    };
+    const auto from = at(i), to = at(end);
+    if (from <= to) {
+        std::copy(from + 1, to + 1, from);
+        return;
+    }
+    std::copy(from + 1, words.end(), from);
+    words.back() = words.front();
+    std::copy(words.begin() + 1, to + 1, words.begin());
+}
 
 void TieredVector::Clear() {
     m_rings.clear();
@@ -48,7 +64,7 @@ void TieredVector::Erase(std::size_t index) {
     const std::size_t last = (m_size - 1) / kRing;
     Ring& target = m_rings[ring];
     const std::size_t end = last > ring ? kRing - 1 : m_size - 1 - ring * kRing;
-    for (std::size_t i = index % kRing; i < end; ++i) target.At(i) = target.At(i + 1);
+    target.Close(index % kRing, end);
     for (std::size_t r = ring + 1; r <= last; ++r) {
         m_rings[r - 1].At(kRing - 1) = m_rings[r].At(0);
         m_rings[r].head = (m_rings[r].head + 1) & m_rings[r].Mask();

@@ -9,7 +9,7 @@
 namespace kernix {
 
 // A sequence of words with access by index in constant time, and insertion and removal anywhere at a cost
-// of about the square root of its length: rings of 512 words, all but the last full, so that a change moves
+// of about the square root of its length: rings of 4096 words, all but the last full, so that a change moves
 // words inside one ring and one word across each later ring (M. T. Goodrich, J. G. Kloss, "Tiered vectors",
 // 1999). Indices are the caller's to check.
 class TieredVector {
@@ -23,7 +23,9 @@ public:
     void Erase(std::size_t index);
 
 private:
-    static constexpr std::size_t kRing = 512;
+    // Moving words inside a ring is a copy, crossing to another ring is a cache miss: lists of a million
+    // change fastest with rings of this size.
+    static constexpr std::size_t kRing = 4096;
 
     // Words of a power of two, the first one at head. A short sequence is one ring that grows up to kRing.
     struct Ring {
@@ -33,6 +35,8 @@ private:
         std::size_t Mask() const { return words.size() - 1; }
         vl::Word& At(std::size_t i) { return words[(head + i) & Mask()]; }
         vl::Word At(std::size_t i) const { return words[(head + i) & Mask()]; }
+        // Moves the words behind i, up to the one at end, one place down.
+        void Close(std::size_t i, std::size_t end);
     };
 
     void Reserve();

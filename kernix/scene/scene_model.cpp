@@ -4,13 +4,21 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "kernix/array.h"
 #include "kernix/keep_if.h"
 #include "kernix/scene/change_record_model.h"
 
 namespace kernix {
+namespace {
+
+template <typename T>
+void KeepDistinct(std::vector<T*>& list) {
+    std::sort(list.begin(), list.end());
+    list.erase(std::unique(list.begin(), list.end()), list.end());
+}
+
+}  // namespace
 
 SceneModel::SceneModel()
     : m_nodeWords(vl::Ref<vl::Array>::AdoptNew(CreateArray())),
@@ -129,14 +137,16 @@ int SceneModel::MergeEqualMaterials() {
     std::vector<MaterialModel*> into = m_mergedInto;
     const int merged = FindEqualMaterials(into);
     if (merged == 0) return 0;
-    std::unordered_set<MaterialUses*> useLists;
-    std::unordered_set<FaceAttributes*> attributeLists;
+    std::vector<MaterialUses*> useLists;
+    std::vector<FaceAttributes*> attributeLists;
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(m_pNodes)) {
         auto* mesh = dynamic_cast<MeshModel*>(node->m_pObject);
         if (mesh == nullptr) continue;
-        if (mesh->GetUses()) useLists.insert(mesh->GetUses().get());
-        if (mesh->GetFaceAttributes()) attributeLists.insert(mesh->GetFaceAttributes().get());
+        if (mesh->GetUses()) useLists.push_back(mesh->GetUses().get());
+        if (mesh->GetFaceAttributes()) attributeLists.push_back(mesh->GetFaceAttributes().get());
     }
+    KeepDistinct(useLists);
+    KeepDistinct(attributeLists);
 
     m_mergedInto.swap(into);
     for (MaterialUses* uses : useLists) {

@@ -23,8 +23,8 @@ TEST(Array, DoesWhatAVectorDoesAtAnySize) {
     std::mt19937 engine(3);
     const auto array = Ref<vl::Array>::Adopt(kernix::CreateArray());
     std::vector<vl::Word> expected;
-    for (vl::Word step = 0; step < 20000; ++step) {
-        const bool shrink = step % 4000 > 2500;
+    for (vl::Word step = 0; step < 60000; ++step) {
+        const bool shrink = step % 12000 > 7500;
         const std::size_t size = expected.size();
         const std::size_t index = engine() % (size + 1);
         if (shrink && index < size) {
