@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <cstddef>
+#include <functional>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "host/node.h"
@@ -37,43 +36,47 @@ bool IsEmpty(Node* node) {
     return node->m_pObject == nullptr && node->m_pFirstChild == nullptr && !IsNodeTargetOfCameraOrLight(node);
 }
 
-// Of each node that could become empty: its parent that could, and its place in the scene's list.
-class NodeOrder {
+// The parents of the nodes that could become empty, themselves such nodes.
+class Parents {
 public:
-    explicit NodeOrder(vl::Array* nodes) {
+    explicit Parents(vl::Array* nodes) {
         int position = 0;
         for (Node* node : vl::ArrayOf<Node*>(nodes)) {
             ++position;
             if (node->m_pObject != nullptr) continue;
-            m_places[node].position = position;
             for (Node* child = node->m_pFirstChild; child != nullptr; child = child->m_pNextSibling) {
-                if (child->m_pObject == nullptr) m_places[child].parent = node;
+                if (child->m_pObject == nullptr) m_links.push_back({child, node, position});
             }
         }
+        std::sort(m_links.begin(), m_links.end(),
+                  [](const Link& a, const Link& b) { return std::less<>()(a.child, b.child); });
     }
 
-    // The nodes' parents, each once, in the order of the scene's list.
-    std::vector<Node*> ParentsOf(vl::ArrayOf<Node*> nodes) const {
-        std::vector<Place> parents;
+    // Each once, in the order of the scene's list.
+    std::vector<Node*> Of(vl::ArrayOf<Node*> nodes) const {
+        std::vector<Link> found;
         for (Node* node : nodes) {
-            Node* parent = m_places.at(node).parent;
-            if (parent != nullptr) parents.push_back({parent, m_places.at(parent).position});
+            const auto link =
+                std::lower_bound(m_links.begin(), m_links.end(), node,
+                                 [](const Link& a, Node* child) { return std::less<>()(a.child, child); });
+            if (link != m_links.end() && link->child == node) found.push_back(*link);
         }
-        const auto before = [](const Place& a, const Place& b) { return a.position < b.position; };
-        std::sort(parents.begin(), parents.end(), before);
-        std::vector<Node*> result;
-        for (const Place& place : parents) {
-            if (result.empty() || result.back() != place.parent) result.push_back(place.parent);
+        std::sort(found.begin(), found.end(),
+                  [](const Link& a, const Link& b) { return a.position < b.position; });
+        std::vector<Node*> parents;
+        for (const Link& link : found) {
+            if (parents.empty() || parents.back() != link.parent) parents.push_back(link.parent);
         }
-        return result;
+        return parents;
     }
 
 private:
-    struct Place {
-        Node* parent = nullptr;
-        int position = 0;
+    struct Link {
+        Node* child;
+        Node* parent;
+        int position;  // of the parent in the scene's list
     };
-    std::unordered_map<Node*, Place> m_places;
+    std::vector<Link> m_links;  // by child
 };
 
 }  // namespace
@@ -96,8 +99,8 @@ int CCleanerImpl::RemoveEmptyNodes(vl::zr::Scene* scene, vl::Context* context, C
         };
 
         collect(nodes);
-        std::optional<NodeOrder> order;
-        if (!candidates.IsEmpty()) order.emplace(scene->m_pNodes);
+        std::optional<Parents> parents;
+        if (!candidates.IsEmpty()) parents.emplace(scene->m_pNodes);
         while (!candidates.IsEmpty()) {
             const int before = nodes.Count();
             const int totalBefore = total;
@@ -106,7 +109,7 @@ int CCleanerImpl::RemoveEmptyNodes(vl::zr::Scene* scene, vl::Context* context, C
             // A host that keeps every node it was told to delete would keep the passes going for ever.
             if (zrt::IsBreak(context) || gone == 0) break;
             if (gone == total - totalBefore) {
-                collect(order->ParentsOf(candidates));
+                collect(parents->Of(candidates));
             } else {
                 collect(nodes);
             }
