@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -51,8 +52,8 @@ using NodeTransform = std::variant<TransformParts, std::array<float, 16>>;
 
 struct ChangedNode {
     std::size_t index;
-    std::optional<NodeTransform> transform;  // none: as it is
-    std::optional<std::string> name;         // empty: no name
+    std::unique_ptr<const NodeTransform> transform;  // null: as it is
+    std::optional<std::string> name;                 // empty: no name
     std::vector<std::size_t> children;
     std::optional<std::size_t> target;  // what its camera or light aims at
     bool dropsPivots = false;           // and its object's offset

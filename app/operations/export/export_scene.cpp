@@ -214,30 +214,16 @@ Tool RunForRecords(Host& host, LoadedScene& loaded, kernix::AnimationModel* anim
     return runs.records;
 }
 
-}  // namespace
-
-SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole) {
-    SceneOptions sceneOptions;
-    sceneOptions.whole = whole;
-    if (!options.Has(vl::tk::kAllRenderables))
-        sceneOptions.meshes = options.Has(vl::tk::kNoSecondary) ? Meshes::kFaces : Meshes::kFacesOrLines;
-    return sceneOptions;
-}
-
-Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions& given,
-                     const ExportProgress& progress, std::string* renameMap) {
-    LoadedScene loaded = std::move(loadedScene);
+// What becomes of the document; nothing where an empty scene stays one.
+std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const ExportOptions& options,
+                                         const ExportProgress& progress, MotionReport& report,
+                                         std::vector<SourceTime>& times, std::string* renameMap) {
     kernix::SceneModel& scene = loaded.Scene();
-    ExportOptions options = WithChoicesMade(loaded, given);
-    // What turns with its aim has keys of its own.
-    options.keepsCurves = given.keepsCurves && !HasAims(scene);
-    MotionReport report;
     ChosenNodes chosen = ChooseNodes(loaded, options.nodes);
     report.nodeNotes = std::move(chosen.notes);
     std::optional<ViewCamera> camera;
     if (options.Has(vl::tk::kExportSystemCamera)) camera.emplace(loaded);
-    if (scene.m_pNodes->m_nCount == 0)
-        return {std::move(loaded.Document()), std::move(report), {}, {}};  // an empty scene stays one
+    if (scene.m_pNodes->m_nCount == 0) return std::nullopt;
     if (options.Has(vl::tk::kIgnoreAnimation)) {
         for (kernix::AnimationModel* animation : AnimationsOf(scene)) scene.DeleteAnimation(animation);
     }
@@ -254,14 +240,39 @@ Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions&
     progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
     if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
-    std::vector<SourceTime> times = TimesOf(runs, clips);
+    times = TimesOf(runs, clips);
     DocumentChanges changes = Changes(loaded, options, std::move(runs), camera);
     auto& removedSkins = changes.removal[gltf::Ordinal(gltf::Kind::kSkin)];
     removedSkins.resize(loaded.Document().Elements(gltf::Kind::kSkin).size(), false);
     for (const std::size_t skin : chosen.skins) removedSkins[skin] = true;
-    std::vector<gltf::OpaqueUse> refusals = WriteDocument(loaded.Document(), changes);
+    return changes;
+}
+
+}  // namespace
+
+SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole) {
+    SceneOptions sceneOptions;
+    sceneOptions.whole = whole;
+    if (!options.Has(vl::tk::kAllRenderables))
+        sceneOptions.meshes = options.Has(vl::tk::kNoSecondary) ? Meshes::kFaces : Meshes::kFacesOrLines;
+    return sceneOptions;
+}
+
+Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions& given,
+                     const ExportProgress& progress, std::string* renameMap) {
+    std::optional<LoadedScene> loaded(std::move(loadedScene));
+    ExportOptions options = WithChoicesMade(*loaded, given);
+    // What turns with its aim has keys of its own.
+    options.keepsCurves = given.keepsCurves && !HasAims(loaded->Scene());
+    MotionReport report;
+    std::vector<SourceTime> times;
+    const auto changes = RunExport(host, *loaded, options, progress, report, times, renameMap);
+    gltf::Document document = std::move(loaded->Document());
+    loaded.reset();  // the document grows where the scene was
+    std::vector<gltf::OpaqueUse> refusals;
+    if (changes) refusals = WriteDocument(document, *changes);
     progress(1);
-    return {std::move(loaded.Document()), std::move(report), std::move(refusals), std::move(times)};
+    return {std::move(document), std::move(report), std::move(refusals), std::move(times)};
 }
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& given,

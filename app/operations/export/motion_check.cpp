@@ -141,6 +141,7 @@ private:
     };
 
     void AddNodes() {
+        m_nodePoses.resize(m_scene.AllNodes().size(), PoseTree::kNone);
         for (vl::zr::Node* plain : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes)) {
             auto* node = static_cast<kernix::NodeModel*>(plain);
             const kernix::NodeModel* parent = node->GetParent();
@@ -148,7 +149,6 @@ private:
             node->GetLocalMatrix(&local, 1);
             const std::uint32_t pose = m_before.Add(
                 parent != nullptr ? m_nodePoses[parent->GetNumber()] : m_sceneRoot, Affine::From(local));
-            m_nodePoses.resize(std::max(m_nodePoses.size(), node->GetNumber() + 1), PoseTree::kNone);
             m_nodePoses[node->GetNumber()] = pose;
             if (auto* controller = node->GetController(vl::zr::kControllerTransform))
                 m_moved[&static_cast<kernix::TransformControllerModel*>(controller)->Tracks()] = {node, pose};
@@ -158,6 +158,7 @@ private:
     // Parents first, which the list of all records does not promise.
     void AddRecords(const Tool& tool) {
         std::unordered_map<const ExportNode*, std::size_t> place;
+        m_records.reserve(static_cast<std::size_t>(AllRecords(tool).Count()));
         for (const ExportNode* record : AllRecords(tool)) {
             place[record] = m_records.size();
             m_records.push_back({record});
@@ -189,15 +190,21 @@ private:
 
     // The last record of each node that stands for it is compared.
     void AddPairs() {
-        std::unordered_map<const vl::zr::Node*, const Record*> last;
+        std::vector<const Record*> last(m_scene.AllNodes().size());  // by the node's number
+        const auto lastOf = [&last](const ExportNode& record) -> const Record*& {
+            return last[static_cast<const kernix::NodeModel*>(record.pNode)->GetNumber()];
+        };
+        std::size_t count = 0;
         for (const Record& own : m_records) {
             const ExportNode& record = *own.record;
             const bool stands = record.pSourceNode != nullptr || StandsBelowPivot(record);
-            if (own.pose != PoseTree::kNone && record.pNode != nullptr && stands) last[record.pNode] = &own;
+            if (own.pose == PoseTree::kNone || record.pNode == nullptr || !stands) continue;
+            count += lastOf(record) == nullptr;
+            lastOf(record) = &own;
         }
+        m_pairs.reserve(count);
         for (const Record& own : m_records) {
-            const auto found = last.find(own.record->pNode);
-            if (found == last.end() || found->second != &own) continue;
+            if (own.record->pNode == nullptr || lastOf(*own.record) != &own) continue;
             const auto* model = static_cast<const kernix::NodeModel*>(own.record->pNode);
             m_pairs.push_back({model, m_nodePoses[model->GetNumber()], own.pose, AimOf(*own.record)});
         }

@@ -22,6 +22,13 @@ vl::Matrix4<double> Affine::ToMatrix() const {
     return m;
 }
 
+bool Affine::IsIdentity() const {
+    for (int row = 0; row < 4; ++row)
+        for (int i = 0; i < 3; ++i)
+            if (rows[row][i] != (row == i ? 1 : 0)) return false;
+    return true;
+}
+
 Affine Affine::Then(const Affine& next) const {
     Affine product;
     for (int row = 0; row < 4; ++row) {
@@ -55,7 +62,9 @@ double DistanceBetween(const Affine& a, const Affine& b) {
 }
 
 std::uint32_t PoseTree::Add(std::uint32_t parent, const Affine& local) {
-    m_nodes.push_back({local, parent, kNone});
+    const bool isApart = parent == kNone || !local.IsIdentity();
+    m_nodes.push_back({parent, isApart ? static_cast<std::uint32_t>(m_locals.size()) : kNone, kNone});
+    if (isApart) m_locals.push_back(local);
     return static_cast<std::uint32_t>(m_nodes.size() - 1);
 }
 
@@ -72,7 +81,7 @@ void PoseTree::StopAll() {
 }
 
 Affine PoseTree::LocalAt(const Node& node, float time) const {
-    if (node.motion == kNone) return node.local;
+    if (node.motion == kNone) return m_locals[node.local];
     const Motion& motion = m_motions[node.motion];
     const auto vector = [&](std::size_t kind, const vl::Vector3<float>& rest, double(&out)[3]) {
         if (motion.curves[kind] != nullptr) return kernix::EvaluateNumbers(*motion.curves[kind], time, out);
@@ -95,20 +104,25 @@ Affine PoseTree::LocalAt(const Node& node, float time) const {
 void PoseTree::Walk::Go(float time) {
     m_time = time;
     ++m_visit;
+    m_worlds.clear();
 }
 
 const Affine& PoseTree::Walk::World(std::uint32_t node) {
-    for (std::uint32_t at = node; at != kNone && m_worlds[at].visit != m_visit;
-         at = m_tree.m_nodes[at].parent)
+    for (std::uint32_t at = node; at != kNone && m_known[at].visit != m_visit; at = m_tree.m_nodes[at].parent)
         m_open.push_back(at);
     for (; !m_open.empty(); m_open.pop_back()) {
         const Node& open = m_tree.m_nodes[m_open.back()];
-        Known& known = m_worlds[m_open.back()];
-        const Affine local = m_tree.LocalAt(open, m_time);
-        known.world = open.parent != kNone ? local.Then(m_worlds[open.parent].world) : local;
+        Known& known = m_known[m_open.back()];
         known.visit = m_visit;
+        if (open.local == kNone && open.motion == kNone) {
+            known.world = m_known[open.parent].world;
+            continue;
+        }
+        const Affine local = m_tree.LocalAt(open, m_time);
+        known.world = static_cast<std::uint32_t>(m_worlds.size());
+        m_worlds.push_back(open.parent != kNone ? local.Then(m_worlds[m_known[open.parent].world]) : local);
     }
-    return m_worlds[node].world;
+    return m_worlds[m_known[node].world];
 }
 
 }  // namespace zr

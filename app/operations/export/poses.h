@@ -16,6 +16,7 @@ struct Affine {
 
     static Affine From(const vl::Matrix4<double>& m);
     vl::Matrix4<double> ToMatrix() const;
+    bool IsIdentity() const;
     Affine Then(const Affine& next) const;  // first this, then next
     void Exchange();                        // Y and Z, on both sides
 };
@@ -50,33 +51,37 @@ public:
     // The transforms of one time after another.
     class Walk {
     public:
-        explicit Walk(const PoseTree& tree) : m_tree(tree), m_worlds(tree.Count()) {}
+        explicit Walk(const PoseTree& tree) : m_tree(tree), m_known(tree.Count()) {}
         void Go(float time);
+        // Held until the next call.
         const Affine& World(std::uint32_t node);
 
     private:
         struct Known {
-            Affine world;
             std::uint32_t visit = 0;
+            std::uint32_t world;
         };
 
         const PoseTree& m_tree;
         float m_time = 0;
         std::uint32_t m_visit = 0;
-        std::vector<Known> m_worlds;
+        std::vector<Known> m_known;    // by node
+        std::vector<Affine> m_worlds;  // of the nodes that were asked for at this time, and of those above
         std::vector<std::uint32_t> m_open;
     };
 
 private:
     struct Node {
-        Affine local;
         std::uint32_t parent;
+        std::uint32_t local;   // kNone: stands where its parent does
         std::uint32_t motion;  // kNone: stands still
     };
 
+    // Of a node that moves or stands elsewhere than its parent.
     Affine LocalAt(const Node& node, float time) const;
 
     std::vector<Node> m_nodes;
+    std::vector<Affine> m_locals;
     std::vector<Motion> m_motions;
     std::vector<std::uint32_t> m_moving;
 };

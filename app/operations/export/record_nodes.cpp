@@ -37,6 +37,7 @@ public:
     RecordNodes Run() && {
         PlaceRecords();
         for (const auto& node : m_loaded.Scene().AllNodes()) MoveObject(*node);
+        m_nodes.changes.nodes.reserve(m_nodes.indices.size());
         std::size_t at = 0;
         for (const ExportNode* record : AllRecords(m_tool)) AddNode(*record, m_nodes.indices[at++]);
         ListRoots();
@@ -50,15 +51,19 @@ private:
     // Source nodes keep their place; what the host added itself (its view camera) has none.
     void PlaceRecords() {
         std::size_t next = m_loaded.Document().Elements(gltf::Kind::kNode).size();
+        m_isExported.resize(next, false);
+        m_carriers.resize(next, kNone);
+        m_nodes.indices.reserve(next);
         for (const ExportNode* record : AllRecords(m_tool)) {
             const auto source = m_loaded.IndexOf(record->pSourceNode);
             const std::size_t index = source ? *source : next++;
             m_nodes.indices.push_back(index);
             m_index[record] = index;
-            if (source) m_exported.insert({record->pSourceNode, record});
-            if ((record->dwFlags & NF_GEOMETRY) != 0) m_carrier.insert({record->pNode, index});
-            if (!source && record->pNode != nullptr && StandsBelowPivot(*record))
-                m_belowPivot.insert({record->pNode, index});
+            if (source) m_isExported[*source] = true;
+            const auto shown = m_loaded.IndexOf(record->pNode);
+            if (!shown) continue;
+            if ((record->dwFlags & NF_GEOMETRY) != 0 && m_carriers[*shown] == kNone) m_carriers[*shown] = index;
+            if (!source && StandsBelowPivot(*record)) m_belowPivot.insert({*shown, index});
         }
     }
 
@@ -66,10 +71,9 @@ private:
     // the options leave out goes.
     void MoveObject(const kernix::NodeModel& node) {
         const auto from = m_loaded.IndexOf(&node);
-        if (!from || m_exported.count(&node) == 0) return;
+        if (!from || !m_isExported[*from]) return;
         if (!HasObject(m_loaded.Document().Elements(gltf::Kind::kNode)[*from])) return;
-        const auto carrier = m_carrier.find(&node);
-        const bool isCarried = carrier != m_carrier.end();
+        const bool isCarried = m_carriers[*from] != kNone;
         const bool isBare = !isCarried && m_options.Has(vl::tk::kSkeletonOnly) &&
                             (node.m_dwFlags & vl::zr::kNodeSkeleton) != 0;
         const auto shows = [&](int kind, bool besideOthers) {
@@ -79,8 +83,8 @@ private:
         Keep(*from, kMeshMembers, shows(vl::zr::kKindRenderable, false));
         Keep(*from, kCameraMembers, shows(vl::zr::kKindCamera, m_options.Has(vl::tk::kExportCameras)));
         Keep(*from, kLightMembers, shows(vl::zr::kKindLight, m_options.Has(vl::tk::kExportLights)));
-        const auto below = m_belowPivot.find(&node);
-        const std::size_t to = isCarried                     ? carrier->second
+        const auto below = m_belowPivot.find(*from);
+        const std::size_t to = isCarried                     ? m_carriers[*from]
                                : below != m_belowPivot.end() ? below->second
                                                              : *from;
         if (to != *from) m_nodes.changes.movedObjects.push_back({*from, to});
@@ -109,7 +113,7 @@ private:
         node.index = index;
         // A transform that the records did not change stays as it is written.
         if (!m_loaded.IndexOf(record.pSourceNode) || !StandsAsItsNode(record, m_options))
-            node.transform = TransformOf(record, m_options);
+            node.transform = std::make_unique<const NodeTransform>(TransformOf(record, m_options));
         if (record.szName != nullptr || record.wszName != nullptr) node.name = NameOf(record);
         node.dropsPivots = record.vPivot == vl::Vector3<float>();
         if (record.pTarget != nullptr) node.target = m_index[record.pTarget];
@@ -123,10 +127,10 @@ private:
         const NodeLayout& layout = m_loaded.Parts().layout;
         std::vector<bool> stays(layout.parents.size(), false);
         for (const std::size_t node : layout.order) {
-            if (m_exported.count(m_loaded.Node(node)) != 0) continue;
+            if (m_isExported[node]) continue;
             const std::size_t parent = layout.parents[node];
             stays[node] = layout.standsFor[node] != NodeLayout::kNone
-                              ? m_exported.count(m_loaded.Node(layout.BaseOf(node))) != 0
+                              ? m_isExported[layout.BaseOf(node)]
                               : parent != NodeLayout::kNone && stays[parent];
             if (!stays[node]) m_nodes.rejected.push_back(node);
         }
@@ -134,10 +138,10 @@ private:
 
     // A skin follows the record that stands where its joint stood: below a pivot that was split off.
     void MoveJoints() {
-        for (const auto& [node, index] : m_belowPivot)
-            if (const auto from = m_loaded.IndexOf(node))
-                m_nodes.changes.movedJoints.push_back({*from, index});
+        for (const auto& [node, index] : m_belowPivot) m_nodes.changes.movedJoints.push_back({node, index});
     }
+
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     const LoadedScene& m_loaded;
     const Tool& m_tool;
@@ -145,9 +149,9 @@ private:
     const RecordScenes m_scenes;
     RecordNodes m_nodes;
     std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
-    std::unordered_map<const vl::zr::Node*, const ExportNode*> m_exported;
-    std::unordered_map<const vl::zr::Node*, std::size_t> m_carrier;     // of each node's object
-    std::unordered_map<const vl::zr::Node*, std::size_t> m_belowPivot;  // that stands where the node stood
+    std::vector<bool> m_isExported;       // by node of the document: a record stands for it
+    std::vector<std::size_t> m_carriers;  // the same: the node of the first record that carries its object
+    std::unordered_map<std::size_t, std::size_t> m_belowPivot;  // by node: the one that stands where it stood
 };
 
 }  // namespace
