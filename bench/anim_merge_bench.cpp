@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "kernix/array.h"
@@ -44,9 +42,7 @@ void Fill(kernix::SceneModel& scene, const Size& size) {
 constexpr std::uint32_t kAllKeys = ANIM_MERGE_POSITION | ANIM_MERGE_ROTATION | ANIM_MERGE_SCALE;
 
 void Merge(benchmark::State& state, const Size& size) {
-    // The heap keeps its pages, and a first pass brings them in: a page fault costs more than a key.
-    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-    mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
+    // A first pass brings the heap's pages in: a page fault costs more than a key.
     kernix::HostAppBase host;
     g_pHost = &host;
     const auto manager = vl::Ref<zr_ANIM_MANAGER>::Adopt(new CAnimManagerImpl);
