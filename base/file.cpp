@@ -7,12 +7,11 @@
 #include <cstring>
 
 #include "base/error.h"
+#include "base/filesystem.h"
 #include "base/text.h"
 
 namespace zr {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -31,7 +30,9 @@ using File = std::unique_ptr<std::FILE, Closer>;
 
 std::string PathToUtf8(const fs::path& path) {
     const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
+    std::string utf8(text.begin(), text.end());
+    if constexpr (fs::path::preferred_separator != '/') std::replace(utf8.begin(), utf8.end(), '\\', '/');
+    return utf8;
 }
 
 fs::path PathFromUtf8(std::string_view text) {
@@ -39,13 +40,13 @@ fs::path PathFromUtf8(std::string_view text) {
 }
 
 void FailWith(const fs::path& path, std::string_view what, std::error_code failure) {
-    throw Error(PathToUtf8(path), "", Join(what, ": ", failure.message()));
+    throw Error(PathToUtf8(path), "", Join(what, ": ", failure.default_error_condition().message()));
 }
 
 FileContent ReadFile(const fs::path& path, std::uint64_t limit) {
     std::error_code status;
     if (fs::is_directory(path, status)) Fail(path, "cannot be read", EISDIR);
-    const File file(std::fopen(path.c_str(), "rb"));
+    const File file(fs::OpenToRead(path));
     if (!file) Fail(path, "cannot be opened", errno);
     const std::uintmax_t stated = fs::file_size(path, status);
     if (!status && stated > limit) FailTooLarge(path, limit);

@@ -34,7 +34,7 @@ inline Bytes BytesOf(std::string_view text) {
     return std::as_bytes(std::span(text.data(), text.size()));
 }
 
-// UTF-8 text of a path, and a path of UTF-8 text.
+// UTF-8 text of a path, with / between names on every system, and a path of UTF-8 text.
 std::string PathToUtf8(const std::filesystem::path& path);
 std::filesystem::path PathFromUtf8(std::string_view text);
 

@@ -5,11 +5,10 @@
 
 #include "base/error.h"
 #include "base/fatal_signals.h"
+#include "base/filesystem.h"
 
 namespace zr {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kBuffer = std::size_t{256} << 10;
 constexpr const char* kCannotWrite = "cannot be written";
@@ -80,12 +79,13 @@ void OutputFile::Finish() {
 }
 
 bool FileTransaction::Has(const fs::path& target) const {
-    return m_names.contains(Identity(Followed(target)));
+    return m_names.contains(fs::Folded(Identity(Followed(target))));
 }
 
 OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
     const fs::path name = Identity(isNew ? target : Followed(target));
-    if (m_names.contains(name)) throw Error(PathToUtf8(target), "", "cannot be two files at once");
+    if (m_names.contains(fs::Folded(name)))
+        throw Error(PathToUtf8(target), "", "cannot be two files at once");
     std::error_code none;
     const fs::file_status status = fs::status(name, none);
     if (fs::is_directory(status))
@@ -95,7 +95,8 @@ OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
 
     fs::path folder = FolderOf(name);
     std::vector<fs::path> missing;
-    for (; !fs::exists(folder, none); folder = FolderOf(folder)) missing.push_back(folder);
+    for (; folder.has_relative_path() && !fs::exists(folder, none); folder = FolderOf(folder))
+        missing.push_back(folder);
     m_missing.insert(m_missing.end(), missing.rbegin(), missing.rend());
 
     OutputFile& file = m_files.emplace_back();
@@ -106,7 +107,7 @@ OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
         m_files.pop_back();
         FailWith(target, kCannotWrite, failure);
     }
-    m_names.insert(name);
+    m_names.insert(fs::Folded(name));
     return file;
 }
 

@@ -80,7 +80,7 @@ private:
     void TidyUp() noexcept;
 
     std::deque<OutputFile> m_files;
-    std::set<std::filesystem::path> m_names;
+    std::set<std::filesystem::path> m_names;       // folded
     std::vector<std::filesystem::path> m_missing;  // folders, outer ones first
     std::vector<std::filesystem::path> m_made;
     std::vector<std::filesystem::path> m_superseded;

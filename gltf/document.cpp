@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/document.h"
+#include "base/filesystem.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ Document Document::FromBytes(Bytes content, const std::filesystem::path& file, c
 
 FileContent Document::ReadInput(const std::filesystem::path& file) {
     std::error_code none;
-    const bool isFile = std::filesystem::is_regular_file(file, none);
+    const bool isFile = fs::is_regular_file(file, none);
     // Only what tells its size before it is read makes the default budget grow.
     FileContent content = ReadFile(file, isFile && m_options.maxMemory == 0 ? kNoLimit : m_budget.Left());
     if (!m_budget.AddInput(content.size)) FailOverBudget("");

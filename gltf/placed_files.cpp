@@ -4,13 +4,12 @@
 #include <algorithm>
 #include <cctype>
 
+#include "base/filesystem.h"
 #include "base/text.h"
 #include "gltf/uri.h"
 
 namespace zr::gltf {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestName = 255;                        // bytes, on every file system of today
 constexpr std::uint64_t kMaxSiblings = std::uint64_t{64} << 20;  // bytes of other scenes that are looked at
@@ -116,20 +115,22 @@ bool PlacedFiles::IsUsedBySibling(const fs::path& name) const {
     const std::string plain = PathToUtf8(name), encoded = EncodePath(name);
     std::uint64_t read = 0;
     try {
-        for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-            const std::string file = PathToUtf8(entry.path());
-            if (!entry.is_regular_file() || (!HasEnding(file, ".gltf") && !HasEnding(file, ".glb"))) continue;
-            if (IsScene(entry.path().filename())) continue;
-            if ((read += entry.file_size()) > kMaxSiblings) return true;
-            const FileContent content = ReadFile(entry.path());
+        std::error_code failure, none;
+        for (const fs::path& sibling : fs::NamesIn(m_folder, failure)) {
+            const std::string siblingName = PathToUtf8(sibling);
+            if (!HasEnding(siblingName, ".gltf") && !HasEnding(siblingName, ".glb")) continue;
+            const fs::path file = At(sibling);
+            if (!fs::is_regular_file(file, none) || IsScene(sibling)) continue;
+            if ((read += fs::file_size(file, none)) > kMaxSiblings) return true;
+            const FileContent content = ReadFile(file);
             const std::string_view text(reinterpret_cast<const char*>(content.data.get()), content.size);
             if (text.find(plain) != std::string_view::npos || text.find(encoded) != std::string_view::npos)
                 return true;
         }
+        return static_cast<bool>(failure);
     } catch (const std::exception&) {
         return true;
     }
-    return false;
 }
 
 }  // namespace zr::gltf

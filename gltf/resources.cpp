@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <set>
 
+#include "base/filesystem.h"
 #include "base/text.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
@@ -9,8 +10,6 @@
 
 namespace zr::gltf {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct List {
     std::string_view extension;  // of the document
@@ -55,7 +54,7 @@ std::optional<fs::path> Document::FileOf(std::string_view uri, std::string_view 
     if (!path) return std::nullopt;
     const auto refuse = [&](std::string_view why) { Fail(ErrorKind::kUri, place, Join(Quoted(uri), why)); };
     constexpr std::string_view kOutside = " leads out of the scene's folder";
-    if (!m_options.allowOutside && (path->is_absolute() || *path->begin() == "..")) refuse(kOutside);
+    if (!m_options.allowOutside && (path->has_root_path() || *path->begin() == "..")) refuse(kOutside);
     const fs::path file = Folder() / *path;
     std::error_code failure;
     const fs::file_status status = fs::status(file, failure);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 
+#include "base/filesystem.h"
 #include "base/text.h"
 #include "gltf/document.h"
 #include "gltf/glb.h"
@@ -14,8 +15,6 @@
 
 namespace zr::gltf {
 namespace {
-
-namespace fs = std::filesystem;
 
 bool SameFolder(const fs::path& a, const fs::path& b) {
     const auto folder = [](const fs::path& file) {

@@ -127,7 +127,7 @@ std::string EncodePath(const std::filesystem::path& path) {
     constexpr std::string_view kPlain = "-._~/!$&'()*+,;=@";
     constexpr std::string_view kHex = "0123456789ABCDEF";
     std::string uri;
-    for (char c : PathToUtf8(path.generic_string())) {
+    for (char c : PathToUtf8(path)) {
         if (IsLetterOrDigit(c) || kPlain.find(c) != std::string_view::npos ||
             static_cast<signed char>(c) < 0) {
             uri += c;

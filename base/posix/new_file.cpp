@@ -7,15 +7,13 @@
 
 #include <atomic>
 #include <cerrno>
-#include <random>
 
+#include "base/filesystem.h"
 #include "base/posix/temporary_path.h"
 #include "base/text.h"
 
 namespace zr {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kTries = 16;
 constexpr mode_t kMode = 0666;
@@ -155,14 +153,6 @@ std::error_code NewFile::Replace(const fs::path& name) {
     if (rename(m_state->temporary.Get(), name.c_str()) != 0) return LastError();
     m_state->temporary.Forget();
     return {};
-}
-
-fs::path TemporaryName(const fs::path& folder) {
-    constexpr char kHex[] = "0123456789abcdef";
-    std::random_device random;
-    std::string name = ".zr-";
-    for (int i = 0; i < 16; ++i) name += kHex[random() & 15];
-    return folder / (name + ".tmp");
 }
 
 void SyncFolder(const fs::path& folder) noexcept {

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tests/base/temporary_folder.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <fstream>
+#include <random>
 #include <sstream>
 
 namespace zr::test {
 
 TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "zr-gltf-XXXXXX").string();
-    m_path = mkdtemp(pattern.data());
+    m_path = std::filesystem::temp_directory_path() / ("zr-test-" + std::to_string(std::random_device{}()));
+    std::filesystem::create_directory(m_path);
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -22,8 +21,15 @@ TemporaryFolder::~TemporaryFolder() {
 std::vector<std::string> TemporaryFolder::Files() const {
     std::vector<std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(m_path))
-        if (entry.is_regular_file()) files.push_back(entry.path().lexically_relative(m_path).string());
+        if (entry.is_regular_file())
+            files.push_back(entry.path().lexically_relative(m_path).generic_string());
     std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<std::string> TemporaryFolder::NamedFiles() const {
+    std::vector<std::string> files = Files();
+    std::erase_if(files, [](const std::string& name) { return name.starts_with(".zr-"); });
     return files;
 }
 

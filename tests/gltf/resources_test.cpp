@@ -1,71 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "gltf/document.h"
-#include "tests/gltf/sample.h"
+#include "tests/gltf/outside.h"
 
 namespace zr::gltf {
 namespace {
 
-namespace fs = std::filesystem;
-using test::TemporaryFolder;
-
-// A scene folder with files outside it, and links, a pipe and a folder in it.
-struct Outside {
-    TemporaryFolder folder;
-
-    Outside() {
-        folder.Write("secret.bin", "data");
-        folder.Write("other/x.bin", "data");
-        folder.Write("scene/x.bin", "data");
-        fs::create_symlink("../secret.bin", folder / "scene/link.bin");
-        fs::create_directory_symlink("../other", folder / "scene/linked");
-        fs::create_symlink("x.bin", folder / "scene/inner.bin");
-        mkfifo((folder / "scene/pipe.bin").c_str(), 0600);
-        fs::create_directory(folder / "scene/folder.bin");
-    }
-
-    Document Load(const std::string& lists, bool allowOutside = false) const {
-        folder.Write("scene/s.gltf", R"({"asset":{"version":"2.0"},)" + lists + "}");
-        return Document::Load(folder / "scene/s.gltf", {.allowOutside = allowOutside});
-    }
-
-    // The place of the fault met; "": it loads.
-    std::string Fault(const std::string& lists, bool allowOutside = false) const {
-        try {
-            Load(lists, allowOutside);
-            return "";
-        } catch (const Error& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::kUri) << error.what();
-            return error.Place();
-        }
-    }
-};
-
-std::string Buffer(const std::string& uri) {
-    return R"("buffers":[{"byteLength":4,"uri":")" + uri + R"("}])";
-}
-
-std::string Image(const std::string& uri) {
-    return R"("images":[{"uri":")" + uri + R"("}])";
-}
+using test::Buffer;
+using test::Image;
+using test::Outside;
 
 TEST(Resources, StayInTheFolderOfTheScene) {
     const Outside outside;
-    const std::string absolute = (outside.folder / "secret.bin").string();
-    for (const std::string& uri : {std::string("../secret.bin"), std::string("%2e%2e/secret.bin"),
-                                   std::string("..%2fsecret.bin"), std::string("a/../../secret.bin"),
-                                   std::string("link.bin"), std::string("linked/x.bin"), absolute}) {
+    for (const char* uri : {"../secret.bin", "%2e%2e/secret.bin", "..%2fsecret.bin", "a/../../secret.bin"}) {
         EXPECT_EQ(outside.Fault(Buffer(uri)), "/buffers/0/uri") << uri;
         EXPECT_EQ(outside.Fault(Image(uri)), "/images/0/uri") << uri;
         EXPECT_EQ(outside.Fault(Buffer(uri), true), "") << uri;
         EXPECT_EQ(outside.Fault(Image(uri), true), "") << uri;
     }
-    for (const char* uri : {"x.bin", "inner.bin", "a/../x.bin", "../scene/x.bin/../x.bin"})
+    EXPECT_EQ(outside.Fault(Image("/secret.bin")), "/images/0/uri");
+    for (const char* uri : {"x.bin", "a/../x.bin", "../scene/x.bin/../x.bin"})
         EXPECT_EQ(outside.Fault(Buffer(uri)), std::string(uri).starts_with("..") ? "/buffers/0/uri" : "")
             << uri;
-    for (const char* uri : {"pipe.bin", "folder.bin", "."})
+    for (const char* uri : {"folder.bin", "."})
         for (bool allowed : {false, true}) {
             EXPECT_EQ(outside.Fault(Buffer(uri), allowed), "/buffers/0/uri") << uri;
             EXPECT_EQ(outside.Fault(Image(uri), allowed), "/images/0/uri") << uri;

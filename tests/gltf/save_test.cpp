@@ -152,7 +152,7 @@ TEST(Save, FurtherFilesBelongToIt) {
     FileTransaction files;
     files.Add(folder / "out.bin", BytesOf("a report"));
     test::Sample().Save(folder / "out.gltf", files);
-    EXPECT_TRUE(folder.Files().empty());
+    EXPECT_TRUE(folder.NamedFiles().empty());
     files.Commit();
     EXPECT_EQ(folder.Files(), (Names{"out-1.bin", "out.bin", "out.gltf"}));
 

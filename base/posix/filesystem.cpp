@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "base/filesystem.h"
+
+#include <stdlib.h>
+
+#include <cerrno>
+#include <string>
+
+namespace zr::fs {
+
+path Folded(const path& file) {
+    return file;
+}
+
+std::vector<path> NamesIn(const path& folder, std::error_code& failure) {
+    std::vector<path> names;
+    for (directory_iterator at(folder, failure); !failure && at != directory_iterator();
+         at.increment(failure))
+        names.push_back(at->path().filename());
+    return names;
+}
+
+std::vector<path> Expanded(const path& file) {
+    return {file};
+}
+
+std::FILE* OpenToRead(const path& file) {
+    return std::fopen(file.c_str(), "rb");
+}
+
+path NewTemporaryFolder(std::error_code& failure) {
+    std::string pattern = (temp_directory_path(failure) / "zr-XXXXXX").string();
+    if (!failure && mkdtemp(pattern.data()) == nullptr) failure = {errno, std::generic_category()};
+    return pattern;
+}
+
+}  // namespace zr::fs

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "base/fatal_signals.h"
+
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <shared_mutex>
+
+#include "base/process.h"
+#include "base/windows/handle.h"
+
+namespace zr {
+namespace {
+
+constexpr UINT kEndedByUser = 130;
+
+// Held by each HoldFatalSignals, and for a moment by whatever is about to end the process.
+std::shared_mutex g_hold;
+
+// Time to report what is done, and to end in order where nothing lasts.
+constexpr DWORD kPatience = 30;  // milliseconds
+
+std::atomic<bool> g_isWorkDone{false};
+
+void WriteError(const char* text) {
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
+}
+
+void WaitForHolds() {
+    const std::unique_lock lock(g_hold);
+}
+
+// Runs on a thread of its own for Ctrl-C, Ctrl-Break, a closed window and the end of the session.
+BOOL WINAPI OnConsoleEvent(DWORD) {
+    WaitForHolds();
+    return FALSE;  // on to the next handler, the last of which ends the process
+}
+
+void InstallHandler() {
+    static const bool installed = SetConsoleCtrlHandler(OnConsoleEvent, TRUE) != 0;
+    static_cast<void>(installed);
+}
+
+}  // namespace
+
+HoldFatalSignals::HoldFatalSignals() {
+    InstallHandler();
+    g_hold.lock_shared();
+}
+
+HoldFatalSignals::~HoldFatalSignals() {
+    g_hold.unlock_shared();
+}
+
+// Temporary files go with their handles. This runs beside the other threads, which must not see the program's
+// objects destroyed.
+extern "C" void EndBySignal(int) {
+    WaitForHolds();
+    TerminateProcess(GetCurrentProcess(), kEndedByUser);
+}
+
+// The handler that calls this runs beside the work.
+void EndSoon(int status, const char* line) {
+    if (g_isWorkDone) return;
+    Sleep(kPatience);
+    const std::unique_lock lock(g_hold);
+    if (g_isWorkDone) return;
+    if (IsStandardErrorTerminal()) WriteError("\r\033[K");
+    WriteError(line);
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+}
+
+void BeginWork() {
+    g_isWorkDone = false;
+}
+
+void EndWork() {
+    g_isWorkDone = true;
+}
+
+}  // namespace zr
