@@ -18,7 +18,6 @@ namespace zr {
 class TerminalTree final : public platform::HostControl {
 public:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    LONG_PTR GetValue(int) override { return 0; }
 
     struct Item {
         std::string text;

@@ -22,10 +22,13 @@ bool RunUntilWindowsClosed() {
 }
 
 HWND HostControl::Handle() {
-    return reinterpret_cast<HWND>(reinterpret_cast<std::uintptr_t>(this) | kControlMark);
+    m_window = reinterpret_cast<HWND>(reinterpret_cast<std::uintptr_t>(this) | kControlMark);
+    return m_window;
 }
 
-HostControl* HostControl::FromHandle(HWND window) {
+HostControl::~HostControl() = default;
+
+HostControl* ControlFromHandle(HWND window) {
     const auto value = reinterpret_cast<std::uintptr_t>(window);
     return value & kControlMark ? reinterpret_cast<HostControl*>(value & ~kControlMark) : nullptr;
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/windows/ui.h"
+#include "platform/windows.h"
 
 // What a host does with windows that a plug-in has no call for.
 namespace platform {
@@ -16,26 +16,28 @@ bool StartUserInterface(std::string& error);
 bool RunUntilWindowsClosed();
 
 // A control of the host's own: something that answers the messages sent to its handle without being a
-// window on the screen. It needs no user-interface library. It is called on the sender's thread.
+// window on the screen. It needs no user-interface library. It lives and is sent messages on one thread.
 class HostControl {
 public:
-    HostControl() = default;
+    // value: the answer of GetWindowLongPtrA for index 0.
+    explicit HostControl(LONG_PTR value = 0) : m_value(value) {}
     HostControl(const HostControl&) = delete;
     HostControl& operator=(const HostControl&) = delete;
 
     // Valid as long as the control lives.
     HWND Handle();
 
-    // The control of such a handle; null for any other.
-    static HostControl* FromHandle(HWND window);
-
+    // What messages from WM_USER on are answered with.
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
 
-    // The answer of GetWindowLongPtrA.
-    virtual LONG_PTR GetValue(int index) = 0;
+    LONG_PTR Value() const { return m_value; }
 
 protected:
-    ~HostControl() = default;
+    ~HostControl();
+
+private:
+    LONG_PTR m_value;
+    HWND m_window = nullptr;  // once it was asked for
 };
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "platform/ui/host_windows.h"
 #include "platform/ui/user_interface.h"
 
 namespace platform {
@@ -10,5 +11,8 @@ namespace platform {
 // The user interface, its library loaded at the first call; null, with one line that says why in `error`
 // if it is given, when the library cannot be loaded. Any thread.
 UserInterface* LoadUserInterface(std::string* error = nullptr);
+
+// The control of such a handle; null for any other.
+HostControl* ControlFromHandle(HWND window);
 
 }  // namespace platform

@@ -17,7 +17,7 @@ constexpr WORD kDialogResource = 5;
 // A handle other than null and a host's control can only come from the loaded library, so asking for the
 // library here never loads it for nothing.
 UserInterface* InterfaceOf(HWND window) {
-    return window && !HostControl::FromHandle(window) ? platform::LoadUserInterface() : nullptr;
+    return window && !platform::ControlFromHandle(window) ? platform::LoadUserInterface() : nullptr;
 }
 
 // For the calls that open a window.
@@ -50,7 +50,7 @@ BOOL EndDialog(HWND dialog, INT_PTR result) {
 }
 
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (HostControl* control = HostControl::FromHandle(window)) {
+    if (HostControl* control = platform::ControlFromHandle(window)) {
         return control->OnMessage(message, wParam, lParam);
     }
     UserInterface* ui = InterfaceOf(window);
@@ -147,6 +147,6 @@ HANDLE RemovePropA(HWND window, LPCSTR name) {
 }
 
 LONG_PTR GetWindowLongPtrA(HWND window, int index) {
-    HostControl* control = HostControl::FromHandle(window);
-    return control ? control->GetValue(index) : 0;
+    HostControl* control = platform::ControlFromHandle(window);
+    return control && index == 0 ? control->Value() : 0;
 }

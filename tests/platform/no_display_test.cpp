@@ -27,10 +27,11 @@ INT_PTR CALLBACK NeverCalled(HWND, UINT, WPARAM, LPARAM) {
 
 class Echo final : public platform::HostControl {
 public:
+    Echo() : HostControl(17) {}
+
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
         return static_cast<LRESULT>(message + wParam) + lParam;
     }
-    LONG_PTR GetValue(int index) override { return index == 0 ? 17 : 0; }
 };
 
 TEST_F(NoDisplayTest, ControlsOfTheHostNeedNoWindows) {

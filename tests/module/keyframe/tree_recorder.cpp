@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
-LRESULT TreeRecorder::Insert(const TVINSERTSTRUCTA& insert) {
+LRESULT TreeRecorder::OnMessage(UINT message, WPARAM, LPARAM lParam) {
+    EXPECT_EQ(message, static_cast<UINT>(TVM_INSERTITEMA));
+    const auto& insert = *reinterpret_cast<const TVINSERTSTRUCTA*>(lParam);
     EXPECT_EQ(insert.hInsertAfter, TVI_LAST);
     EXPECT_EQ(insert.item.mask, 0x27u);
     const bool isRoot = insert.hParent == TVI_ROOT;
