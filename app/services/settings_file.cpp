@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "app/services/settings_file.h"
 
-#include <ini.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <limits>
-#include <stdexcept>
 #include <string_view>
 
+#include "base/error.h"
+#include "base/file.h"
+#include "base/text.h"
 #include "host/text.h"
 
 namespace zr {
@@ -25,18 +24,6 @@ std::string Folded(std::string text) {
     return text;
 }
 
-std::string Read(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::string text(kMaxSize + 1, '\0');
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (in.gcount() > static_cast<std::streamsize>(kMaxSize)) {
-        throw std::runtime_error(file.string() + ": too large for settings");
-    }
-    if (in.bad() || !in.eof()) throw std::runtime_error(file.string() + ": cannot be read");
-    text.resize(static_cast<std::size_t>(in.gcount()));
-    return text;
-}
-
 std::optional<double> ParseNumber(std::string_view text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -44,31 +31,46 @@ std::optional<double> ParseNumber(std::string_view text) {
     return value;
 }
 
-struct Parsing {
-    std::map<std::string, double>* values;
-    std::string wrong;  // the first value that is not a number
-};
+std::string_view Stripped(std::string_view text) {
+    constexpr std::string_view kBlank = " \t\r";
+    const std::size_t first = text.find_first_not_of(kBlank);
+    return first == text.npos ? "" : text.substr(first, text.find_last_not_of(kBlank) - first + 1);
+}
 
-int KeepValue(void* context, const char* section, const char* name, const char* value) {
-    auto& parsing = *static_cast<Parsing*>(context);
-    const std::optional<double> number = ParseNumber(value);
-    if (number) {
-        (*parsing.values)[Folded(std::string(section) + '\\' + name)] = *number;
-    } else if (parsing.wrong.empty()) {
-        parsing.wrong = std::string(": [") + section + "] " + name + " is not a number: " + value;
-    }
-    return 1;
+// A semicolon behind a blank begins a comment.
+std::string_view WithoutComment(std::string_view text) {
+    for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1))
+        if (at == 0 || text[at - 1] == ' ' || text[at - 1] == '\t') return text.substr(0, at);
+    return text;
 }
 
 }  // namespace
 
 SettingsFile::SettingsFile(const std::filesystem::path& file) {
-    const std::string text = Read(file);
-    Parsing parsing{&m_values, {}};
-    if (const int line = ini_parse_string(text.c_str(), KeepValue, &parsing); line != 0) {
-        throw std::runtime_error(file.string() + ": line " + std::to_string(line) + " is not a setting");
+    const FileContent content = ReadFile(file, kMaxSize);
+    std::string_view text(reinterpret_cast<const char*>(content.data.get()), content.size);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+
+    const std::string name = PathToUtf8(file);
+    std::string section;
+    for (int number = 1; !text.empty(); ++number) {
+        const std::size_t size = text.find('\n');
+        const std::string_view line = Stripped(WithoutComment(text.substr(0, size)));
+        text.remove_prefix(std::min(size, text.size() - 1) + 1);
+        if (line.empty() || line[0] == '#') continue;
+        if (line[0] == '[' && line.find(']') != line.npos) {
+            section = line.substr(1, line.find(']') - 1);
+            continue;
+        }
+        const std::size_t equals = line.find_first_of("=:");
+        if (equals == line.npos) throw Error(name, "", Join("line ", number, " is not a setting"));
+        const std::string_view key = Stripped(line.substr(0, equals)),
+                               value = Stripped(line.substr(equals + 1));
+        const std::optional<double> wanted = ParseNumber(value);
+        if (!wanted) throw Error(name, "", Join("[", section, "] ", key, " is not a number: ", value));
+        m_values[Folded(Join(section, "\\", key))] = *wanted;
     }
-    if (!parsing.wrong.empty()) throw std::runtime_error(file.string() + parsing.wrong);
 }
 
 std::optional<double> SettingsFile::Find(const char* section, const char* key) const {

@@ -14,7 +14,7 @@ namespace zr {
 // whatever the case. Sections below a section stand in its name ("user\anim"). Every value is a number.
 class SettingsFile final : public SettingsStore {
 public:
-    // Throws std::runtime_error that names the file and line when the file cannot be read, is not an INI file
+    // Throws Error that names the file and line when the file cannot be read, is not an INI file
     // or contains a value that is not a number.
     explicit SettingsFile(const std::filesystem::path& file);
 
