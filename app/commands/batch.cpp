@@ -19,12 +19,11 @@
 #include "app/commands/session.h"
 #include "base/fatal_signals.h"
 #include "base/file.h"
+#include "base/filesystem.h"
 #include "base/text.h"
 
 namespace zr {
 namespace {
-
-namespace fs = std::filesystem;
 
 enum class State { kWaiting, kDone, kFailed };
 
@@ -189,20 +188,22 @@ bool IsWanted(const fs::path& file, const BatchFiles& files) {
 
 // The files below the folder, sorted by name; the output folder is passed over.
 std::vector<fs::path> FilesBelow(const fs::path& folder, const fs::path& outDir, const BatchFiles& files) {
-    std::vector<fs::path> found;
-    std::error_code failure;
-    const auto fail = [&] { throw Error(PathToUtf8(folder), "", "cannot be read: " + failure.message()); };
-    fs::recursive_directory_iterator at(folder, failure);
-    if (failure) fail();
-    for (; at != fs::recursive_directory_iterator(); at.increment(failure)) {
-        std::error_code ignored;
-        if (at->is_directory(ignored) && fs::equivalent(at->path(), outDir, ignored)) {
-            at.disable_recursion_pending();
-        } else if (at->is_regular_file(ignored) && IsWanted(at->path(), files)) {
-            found.push_back(at->path());
+    std::vector<fs::path> found, left{folder};
+    while (!left.empty()) {
+        const fs::path inner = std::move(left.back());
+        left.pop_back();
+        std::error_code failure, ignored;
+        for (const fs::path& name : fs::NamesIn(inner, failure)) {
+            fs::path file = inner / name;
+            if (fs::is_directory(file, ignored)) {
+                const bool isLink = fs::is_symlink(fs::symlink_status(file, ignored));
+                if (!isLink && !fs::equivalent(file, outDir, ignored)) left.push_back(std::move(file));
+            } else if (fs::is_regular_file(file, ignored) && IsWanted(file, files)) {
+                found.push_back(std::move(file));
+            }
         }
+        if (failure) FailWith(inner, "cannot be read", failure);
     }
-    if (failure) fail();
     std::sort(found.begin(), found.end());
     return found;
 }
@@ -217,14 +218,15 @@ public:
 
     std::vector<Task> Make() {
         for (const std::string& file : m_arguments.files) {
-            const fs::path path = PathFromUtf8(file);
-            std::error_code ignored;
-            if (!fs::is_directory(path, ignored)) {
-                Add(path, path.filename());
-                continue;
+            for (const fs::path& path : fs::Expanded(PathFromUtf8(file))) {
+                std::error_code ignored;
+                if (!fs::is_directory(path, ignored)) {
+                    Add(path, path.filename());
+                    continue;
+                }
+                for (const fs::path& each : FilesBelow(path, m_outDir, m_files))
+                    Add(each, each.lexically_relative(path));
             }
-            for (const fs::path& each : FilesBelow(path, m_outDir, m_files))
-                Add(each, each.lexically_relative(path));
         }
         if (m_tasks.empty()) throw UsageError("the folders hold no file to read");
         return std::move(m_tasks);
@@ -240,7 +242,7 @@ private:
             if (!m_arguments.format.empty()) place.replace_extension(m_arguments.format);
             const fs::path output = (m_outDir / place).lexically_normal();
             task.output = PathToUtf8(output);
-            const auto [first, isNew] = m_inputs.emplace(output, task.input);
+            const auto [first, isNew] = m_inputs.emplace(fs::Folded(output), task.input);
             if (!isNew)
                 throw UsageError(
                     Join(first->second, " and ", task.input, " would both be written to ", task.output));

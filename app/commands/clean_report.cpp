@@ -22,8 +22,8 @@ JsonArray JsonOf(const std::vector<gltf::OpaqueUse>& uses) {
 }  // namespace
 
 std::string CleanReportText(const CleanReport& report, bool withNames, bool explain) {
-    std::string text = Printable(report.scene.string());
-    if (!report.output.empty()) text += " -> " + Printable(report.output.string());
+    std::string text = Printable(report.scene);
+    if (!report.output.empty()) text += " -> " + Printable(report.output);
     text += "\n";
     const std::size_t start = text.size();
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
@@ -88,7 +88,7 @@ std::vector<std::string> CleanRefusals(const CleanReport& report) {
     std::vector<std::string> lines;
     const auto add = [&](std::string_view what, const std::vector<gltf::OpaqueUse>& uses) {
         for (const std::string& line : RefusalLines(what, uses))
-            lines.push_back(Join(report.scene.string(), ": ", line));
+            lines.push_back(Join(report.scene, ": ", line));
     };
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         add(kCleanStepInfo[step].name, report.result.steps[step].refusals);

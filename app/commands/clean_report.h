@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,8 +11,8 @@ namespace zr {
 
 // What happened to one scene.
 struct CleanReport {
-    std::filesystem::path scene;
-    std::filesystem::path output;  // empty: nothing was written
+    std::string scene;
+    std::string output;  // empty: nothing was written
     std::uintmax_t bytesBefore = 0;
     std::uintmax_t bytesAfter = 0;  // 0: nothing was written
     CleanResult result;

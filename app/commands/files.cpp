@@ -4,8 +4,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <iterator>
 #include <system_error>
 #include <vector>
 
@@ -15,22 +13,10 @@
 #include "base/error.h"
 #include "base/fatal_signals.h"
 #include "base/file.h"
+#include "base/filesystem.h"
 #include "base/text.h"
 
 namespace zr {
-namespace {
-
-namespace fs = std::filesystem;
-
-fs::path NewFolder() {
-    std::string pattern = (fs::temp_directory_path() / "zr-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw Error(pattern, "", "cannot be made: " + std::generic_category().message(errno));
-    }
-    return pattern;
-}
-
-}  // namespace
 
 std::string EndingOf(const std::string& format) {
     return "." + (format.empty() ? "glb" : format);
@@ -87,7 +73,9 @@ OutputTarget::~OutputTarget() {
 
 const fs::path& OutputTarget::Path() {
     if (m_path.empty()) {
-        m_folder = NewFolder();
+        std::error_code failure;
+        m_folder = fs::NewTemporaryFolder(failure);
+        if (failure) FailWith(m_folder, "cannot be made", failure);
         m_path = m_folder / ("out" + m_ending);
     }
     return m_path;
@@ -95,7 +83,8 @@ const fs::path& OutputTarget::Path() {
 
 void OutputTarget::Finish() {
     if (m_folder.empty()) return;
-    if (std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()) > 1) {
+    std::error_code ignored;
+    if (fs::NamesIn(m_folder, ignored).size() > 1) {
         throw Error("standard output", "", "the result needs files beside it and must be written to a file");
     }
     const FileContent content = ReadFile(m_path);

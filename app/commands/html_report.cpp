@@ -8,6 +8,7 @@
 #include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "base/error.h"
+#include "base/filesystem.h"
 
 namespace zr {
 
@@ -20,14 +21,14 @@ void CheckPageFile(const Session& session, const std::string& file,
     if (file.empty()) return;
     std::error_code ignored;
     const auto place = [&](const std::string& name) {
-        return std::filesystem::weakly_canonical(std::filesystem::absolute(PathFromUtf8(name)), ignored);
+        return fs::weakly_canonical(std::filesystem::absolute(PathFromUtf8(name)), ignored);
     };
     for (const std::string& other : others) {
         if (other.empty()) continue;
         if (other == kStandardStream) throw UsageError("--report shows what stands in files");
         if (place(file) == place(other)) throw UsageError("--report would take the place of " + other);
     }
-    if (session.Options().noClobber && std::filesystem::exists(PathFromUtf8(file), ignored))
+    if (session.Options().noClobber && fs::exists(PathFromUtf8(file), ignored))
         throw Error(file, "", "exists, and --no-clobber keeps it");
 }
 

@@ -9,6 +9,7 @@
 #include "app/operations/export/tool_run.h"
 #include "app/services/settings_file.h"
 #include "base/error.h"
+#include "base/file.h"
 #include "base/text.h"
 
 namespace zr {
@@ -107,7 +108,7 @@ void PassOptions::ApplyTo(Host& host, ExportOptions& options) {
 
 // Only the tool itself can interpret the settings.
 void PassOptions::ApplySettings(Host& host, ExportOptions& options) const {
-    SettingsFile settings(m_settings);
+    SettingsFile settings(PathFromUtf8(m_settings));
     const Tool tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_dwExportFlags = options.exportFlags;
     tool->LoadSettings(&settings, "");

@@ -150,6 +150,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Session& session) {
     app->set_version_flag(
         "-V,--version", [&session] { return VersionText(session); },
         "Print the versions of the program, the module and the host interface");
+    app->allow_windows_style_options(false);  // a name may begin with a slash
     app->require_subcommand(1);
     app->fallthrough();
     AddGlobalOptions(*app, session);

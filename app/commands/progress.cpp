@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/progress.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <utility>
+
+#include "base/process.h"
 
 namespace zr {
 namespace {
@@ -19,7 +19,7 @@ constexpr auto kBetweenUpdates = 100ms;
 }  // namespace
 
 Progress::Progress(std::string title) : m_title(std::move(title)), m_start(std::chrono::steady_clock::now()) {
-    if (m_title.empty() || isatty(STDERR_FILENO) != 1) return;
+    if (m_title.empty() || !IsStandardErrorTerminal()) return;
     m_thread = std::jthread([this](const std::stop_token& stop) { Run(stop); });
 }
 

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene/name_patterns.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
+
+#include "base/pattern.h"
 
 namespace zr {
 
 bool MatchesAny(const std::vector<std::string>& patterns, std::string_view name) {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
-        return fnmatch(pattern.c_str(), std::string(name).c_str(), 0) == 0;
-    });
+    return std::any_of(patterns.begin(), patterns.end(),
+                       [&](const std::string& pattern) { return FitsPattern(name, pattern); });
 }
 
 }  // namespace zr

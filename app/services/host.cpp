@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "app/services/host.h"
 
-#include <dlfcn.h>
-
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
 #include "app/services/help.h"
+#include "app/services/module_library.h"
 #include "app/services/poly_boolean.h"
 #include "app/services/strings.h"
+#include "base/file.h"
+#include "base/process.h"
 #include "base/text.h"
 #include "platform/ui/host_windows.h"
 #include "platform/windows.h"
@@ -21,37 +22,37 @@ namespace {
 
 constexpr int kViewWindow = 4;
 constexpr std::size_t kLongestText = 1024;
-constexpr const char* kModuleFile = "zrtools.so";
+constexpr const char* kModuleFile = ZR_MODULE_FILE;
 
 // The module reports errors on the thread that called it.
 thread_local std::string t_reportedError;
 
-// The 3D view window of a host without one on the screen: its value 0 holds the view.
+// The 3D view window of a host without one on the screen: its value holds the view.
 class ViewWindow final : public platform::HostControl {
 public:
-    LRESULT OnMessage(UINT, WPARAM, LPARAM) override { return 0; }
-    LONG_PTR GetValue(int index) override { return index == 0 ? reinterpret_cast<LONG_PTR>(m_view) : 0; }
+    explicit ViewWindow(ViewObject* view) : HostControl(reinterpret_cast<LONG_PTR>(view)) {}
 
-    ViewObject* m_view = nullptr;
+    LRESULT OnMessage(UINT, WPARAM, LPARAM) override { return 0; }
 };
 
 // The file that ZR_MODULE names; else the module stands beside the program or, where libraries have a folder
 // of their own, there.
 std::filesystem::path FindModule() {
-    if (const char* chosen = std::getenv("ZR_MODULE")) return chosen;
-    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    if (const auto chosen = EnvironmentVariable("ZR_MODULE")) return PathFromUtf8(*chosen);
+    const std::filesystem::path folder = ProgramFile().parent_path();
     const std::filesystem::path libraries = (folder / ZR_LIBRARIES_FROM_PROGRAM).lexically_normal();
     for (const auto& candidate : {folder / kModuleFile, libraries / kModuleFile}) {
         if (std::filesystem::exists(candidate)) return candidate;
     }
     throw std::runtime_error(std::string("the module ") + kModuleFile + " was found neither in " +
-                             folder.string() + " nor in " + libraries.string() + "; ZR_MODULE can name it");
+                             PathToUtf8(folder) + " nor in " + PathToUtf8(libraries) +
+                             "; ZR_MODULE can name it");
 }
 
 }  // namespace
 
 struct Host::Parts {
-    ViewWindow viewWindow;
+    std::optional<ViewWindow> viewWindow;
     ModuleEntry entry = nullptr;
 };
 
@@ -62,15 +63,9 @@ Host::Host(const std::string& language) : HostAppBase(language), m_parts(std::ma
 Host::~Host() = default;
 
 void Host::LoadModule() {
-    const std::filesystem::path file = FindModule();
-    // Never unloaded: objects of the module may live as long as the process.
-    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr)
-        throw std::runtime_error(std::string("the module cannot be loaded: ") + dlerror());
-    m_parts->entry = reinterpret_cast<ModuleEntry>(dlsym(library, "ZRDLLFunc"));
-    if (m_parts->entry == nullptr)
-        throw std::runtime_error(file.string() + " is not a module: it lacks ZRDLLFunc");
-    StartModule(static_cast<HINSTANCE>(library), m_parts->entry);
+    const ModuleLibrary module = LoadModuleLibrary(FindModule());
+    m_parts->entry = module.entry;
+    StartModule(module.instance, module.entry);
 }
 
 std::u16string Host::ModuleVersion() const {
@@ -99,7 +94,8 @@ void Host::ShowLog(bool on) {
 }
 
 void Host::SetView(ViewObject* view) {
-    m_parts->viewWindow.m_view = view;
+    m_parts->viewWindow.reset();
+    if (view != nullptr) m_parts->viewWindow.emplace(view);
 }
 
 std::string Host::TakeReportedError() {
@@ -107,12 +103,13 @@ std::string Host::TakeReportedError() {
 }
 
 HWND Host::GetMainWindow(int which) {
-    return which == kViewWindow ? m_parts->viewWindow.Handle() : nullptr;
+    const bool hasWindow = which == kViewWindow && m_parts->viewWindow;
+    return hasWindow ? m_parts->viewWindow->Handle() : nullptr;
 }
 
 void Host::ShowHelpTopic(const char* page, int) {
     const std::filesystem::path file = HelpPage(page);
-    if (!OpenInBrowser(file)) std::fprintf(stderr, "zr: help: %s\n", file.c_str());
+    if (!OpenInBrowser(file)) std::fprintf(stderr, "zr: help: %s\n", PathToUtf8(file).c_str());
 }
 
 void Host::LocalizeDialog(void* table, HWND dialog) {

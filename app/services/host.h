@@ -34,7 +34,7 @@ public:
         return vl::Ref<T>::Share(wanted);
     }
 
-    // The view that the module reaches through the 3D view window; not owned, null for none.
+    // The view that the module reaches through the 3D view window, on this thread; not owned, null for none.
     void SetView(ViewObject* view);
 
     // Whether the module's log lines go to standard error. Call before using the module.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/services/poly_boolean_tessellator.h"
 
+#include "platform/windows.h"
+// glu.h needs windows.h before it.
 #include <GL/glu.h>
 
 #include <algorithm>
@@ -13,7 +15,7 @@ namespace zr {
 struct Tessellator::Callbacks {
     static Tessellator& Self(void* user) { return *static_cast<Tessellator*>(user); }
 
-    static void Vertex(void* point, void* user) noexcept {
+    static void CALLBACK Vertex(void* point, void* user) noexcept {
         Tessellator& self = Self(user);
         try {
             self.m_corners.push_back(static_cast<TessPoint*>(point));
@@ -23,7 +25,8 @@ struct Tessellator::Callbacks {
     }
 
     // Points that fall together keep the first one's place; edges that cross get a new point.
-    static void Combine(GLdouble at[3], void* points[4], GLfloat[4], void** out, void* user) noexcept {
+    static void CALLBACK Combine(GLdouble at[3], void* points[4], GLfloat[4], void** out,
+                                 void* user) noexcept {
         Tessellator& self = Self(user);
         *out = points[0];
         if (!points[3]) return;
@@ -35,9 +38,9 @@ struct Tessellator::Callbacks {
     }
 
     // Asking for edge flags makes the library report single triangles, never strips or fans.
-    static void EdgeFlag(GLboolean, void*) noexcept {}
+    static void CALLBACK EdgeFlag(GLboolean, void*) noexcept {}
 
-    static void Error(GLenum, void* user) noexcept { Self(user).m_failed = true; }
+    static void CALLBACK Error(GLenum, void* user) noexcept { Self(user).m_failed = true; }
 };
 
 void Tessellator::Deleter::operator()(GLUtesselator* tess) const {
@@ -47,7 +50,7 @@ void Tessellator::Deleter::operator()(GLUtesselator* tess) const {
 Tessellator::Tessellator() : m_tess(gluNewTess()) {
     if (!m_tess) throw std::bad_alloc();
     const auto set = [&](GLenum which, auto* callback) {
-        gluTessCallback(m_tess.get(), which, reinterpret_cast<_GLUfuncptr>(callback));
+        gluTessCallback(m_tess.get(), which, reinterpret_cast<void(CALLBACK*)()>(callback));
     };
     set(GLU_TESS_VERTEX_DATA, &Callbacks::Vertex);
     set(GLU_TESS_COMBINE_DATA, &Callbacks::Combine);

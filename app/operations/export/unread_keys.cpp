@@ -7,12 +7,13 @@
 
 #include "app/operations/export/record_rest.h"
 #include "app/scene/world_lengths.h"
+#include "base/file.h"
 
 namespace zr {
 namespace {
 
 [[noreturn]] void Refuse(const LoadedScene& loaded, const SkippedChannel& channel) {
-    throw std::runtime_error(loaded.Document().File().string() + ": " + channel.Place() +
+    throw std::runtime_error(PathToUtf8(loaded.Document().File()) + ": " + channel.Place() +
                              ": its keys are stored in a form that cannot be read, and the export would have "
                              "to change them; --no-animation exports the scene without them");
 }

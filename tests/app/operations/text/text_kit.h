@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "app/operations/text/text_drawing.h"
+#include "tests/base/temporary_folder.h"
 
 namespace zr {
 
@@ -36,27 +32,6 @@ inline std::u16string PrintableCharacters() {
     return text;
 }
 
-// A folder that ends with the test.
-class Folder {
-public:
-    Folder() : m_path(std::filesystem::temp_directory_path() / ("zr_text_" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(m_path);
-    }
-    ~Folder() { std::filesystem::remove_all(m_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::filesystem::path operator/(const char* name) const { return m_path / name; }
-
-    std::string Read(const char* name) const {
-        std::ifstream file(m_path / name, std::ios::binary);
-        std::ostringstream content;
-        content << file.rdbuf();
-        return content.str();
-    }
-
-private:
-    std::filesystem::path m_path;
-};
+using Folder = test::TemporaryFolder;
 
 }  // namespace zr

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/commands/large_heap.h"
+#include "app/commands/posix/large_heap.h"
 #include "app/commands/program.h"
 
 int main(int argc, char** argv) {

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "app/operations/text/text_check.h"
+#include "app/services/font_file.h"
+#include "tests/app/operations/text/text_kit.h"
+
+namespace zr {
+namespace {
+
+TEST(FontFile, GoesBeforeTheInstalledFontsOfItsFamily) {
+    const auto width = [](const TextFont& font) {
+        return BoxOf(Draw(u"H", TextStyle::kOutline, {}, font).geometry.points).high.x;
+    };
+    const float regular = width({u"Liberation Sans Narrow"});
+    const float bold = width({u"Liberation Sans Narrow", -12, 700});
+    ASSERT_NE(regular, bold);
+    EXPECT_EQ(AddFontFile("/usr/share/fonts/truetype/liberation/LiberationSansNarrow-Bold.ttf").weight, 700);
+    EXPECT_EQ(width({u"Liberation Sans Narrow"}), bold);
+}
+
+TEST(TextCheck, RefusesHeightsThatHaveNoOutline) {
+    EXPECT_THROW(CheckFontText(u"A", {u"DejaVu Sans", -20000}), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace zr
