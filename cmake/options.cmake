@@ -30,6 +30,19 @@ if(WIN32)
   endif()
 endif()
 
+# zr_find_headers(VARIABLE HEADER): the folder of a library that is headers alone, which serves every system. For
+# another system's program the library's folder is taken out of the machine's own headers, which that compiler must
+# not see.
+function(zr_find_headers variable header)
+  find_path(found ${header} NO_CACHE REQUIRED)
+  if(CMAKE_CROSSCOMPILING)
+    get_filename_component(folder ${header} DIRECTORY)
+    file(COPY ${found}/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
+    set(found ${CMAKE_BINARY_DIR}/headers)
+  endif()
+  set(${variable} ${found} CACHE PATH "Folder of ${header}")
+endfunction()
+
 # zr_precompile(TARGET): the standard headers that most files include are read once for the target.
 function(zr_precompile target)
   target_precompile_headers(${target} PRIVATE

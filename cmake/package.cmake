@@ -27,7 +27,10 @@ set(CPACK_COMPONENT_DEV_DESCRIPTION
   "Headers, CMake package and examples for hosts of the module and for modules of one's own.")
 
 set(CPACK_GENERATOR TGZ)
-string(TOLOWER linux-${CMAKE_SYSTEM_PROCESSOR} system)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+endif()
+string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} system)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_PACKAGE_FILE_NAME zrtools-${PROJECT_VERSION}-${system})
@@ -35,8 +38,8 @@ set(CPACK_ARCHIVE_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_SOURCE_DIR}/cmake/package_generator.cmake)
 
 # An archive brings the libraries that not every system has, all but those of the compiler and of C. A package names
-# those it needs, and Qt is the system's own.
-if(TARGET zr)
+# those it needs, and Qt is the system's own. On Windows the program holds them.
+if(TARGET zr AND NOT WIN32)
   install(CODE "
     file(GET_RUNTIME_DEPENDENCIES EXECUTABLES \"$<TARGET_FILE:zr>\" MODULES \"$<TARGET_FILE:zrtools>\"
       RESOLVED_DEPENDENCIES_VAR libraries
