@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/text.h"
-#include "tests/gltf/sample.h"
+#include "tests/app/commands/command_kit.h"
 
 namespace zr {
 namespace {
@@ -21,7 +21,7 @@ protected:
         for (std::size_t at; (at = arguments.find('%')) != std::string::npos;)
             arguments.replace(at, 1, folder);
         const int status = std::system(
-            (ZR_PROGRAM " clean " + arguments + " >" + folder + "out 2>" + folder + "err").c_str());
+            (test::Program() + " clean " + arguments + " >" + folder + "out 2>" + folder + "err").c_str());
         return WEXITSTATUS(status);
     }
 

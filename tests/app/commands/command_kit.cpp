@@ -8,6 +8,11 @@
 
 namespace zr::test {
 
+std::string Program() {
+    const char* const other = std::getenv("ZR_TEST_PROGRAM");
+    return other != nullptr ? other : ZR_PROGRAM;
+}
+
 bool IsOneLine(const std::string& text) {
     return text.ends_with('\n') && std::count(text.begin(), text.end(), '\n') == 1;
 }
@@ -21,7 +26,7 @@ Outcome CommandFolder::Shell(const std::string& line) const {
     const std::string folder = (*this / "").string();
     // What the run itself leaves is counted, so its streams stand elsewhere.
     const TemporaryFolder streams;
-    const std::string command = "cd " + folder + " && zr() { " ZR_PROGRAM " \"$@\"; } && { " + line +
+    const std::string command = "cd " + folder + " && zr() { " + Program() + " \"$@\"; } && { " + line +
                                 "; } >" + (streams / "out").string() + " 2>" + (streams / "err").string();
     const int status = std::system(command.c_str());
     std::error_code ignored;

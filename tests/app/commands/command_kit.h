@@ -7,6 +7,9 @@
 
 namespace zr::test {
 
+// The program that is tested, as a shell calls it: what ZR_TEST_PROGRAM says, else the one of this build.
+std::string Program();
+
 // What a run of the program gave.
 struct Outcome {
     int status;  // -1: ended by a signal

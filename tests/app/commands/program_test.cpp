@@ -104,7 +104,7 @@ TEST(Program, StopsAtCtrlC) {
                                 "split - b.glb --animation walk --each"}) {
         SCOPED_TRACE(command);
         const Outcome run =
-            folder.Shell(std::string("mkfifo scene && { " ZR_PROGRAM " ") + command +
+            folder.Shell("mkfifo scene && { " + Program() + " " + command +
                          " <scene & program=$!; exec 3>scene; head -c 20 a.glb >&3; "
                          "while ! grep -q zr /proc/$program/comm; do :; done; "
                          "while ! grep -q '^SigCgt:.*[2367abef]$' /proc/$program/status; do :; done; "
