@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
 .PHONY: all install demo test test-release test-asan test-tsan test-report bench bench-peers bench-reduction check tidy coverage package \
-	package-test dist windows windows-packages windows-test clean
+	package-test dist dist-linux dist-windows windows windows-packages windows-test clean
 
 all:
 	@$(call packages,qt)
@@ -91,24 +91,35 @@ package: all
 	@$(call packages,qt package)
 	@cpack --config build/release/CPackConfig.cmake -G DEB >/dev/null
 
-# An archive that runs from where it is unpacked.
-dist: all
+# Archives that run from where they are unpacked; they go to build/PRESET/packages.
+dist: dist-linux dist-windows
+
+dist-linux: all
 	@cpack --config build/release/CPackConfig.cmake -G TGZ >/dev/null
 
-# Both in a bare system. Needs root.
-package-test: package dist
+dist-windows: windows
+	@cpack --config build/windows-x64/CPackConfig.cmake >/dev/null
+
+# Packages and archive in a bare system. Needs root.
+package-test: package dist-linux
 	@tools/test-packages build/release/packages
 
-# The module and its core library for Windows, 32 and 64 bit. The 64-bit tests run under Wine.
+# The program for 64-bit Windows, and the module and its core library for 32 and 64 bit.
 windows-packages:
 	@$(call packages,windows)
+	@tools/debian-source build/debian-sources libpolyclipping re2 meshoptimizer draco
 
 windows: windows-packages
 	@$(call build,windows-x86,,all)
-	@$(call build,windows-x64,,all)
+	@$(call build,windows-x64,-DZR_BUILD_TESTS=OFF,all)
 
-windows-test: windows
-	@ctest --preset windows-x86
+# The 64-bit tests, under Wine; those of the commands are this system's, and call the program for Windows.
+windows-test: windows-packages
+	@$(call packages,qt test)
+	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_BUILD_BENCH=OFF,command_tests)
+	@$(call build,windows-x86,,all)
+	@$(call build,windows-x64,-DZR_BUILD_TESTS=ON,all)
+	@sh tests/module/resources/check_dll.sh i686-w64-mingw32-objdump build/windows-x86/bin/zrtools.dll .
 	@tools/with-wine ctest --preset windows-x64
 
 clean:
