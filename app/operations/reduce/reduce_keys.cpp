@@ -73,6 +73,7 @@ public:
 
 private:
     static constexpr int kEvenRounds = 16;
+    static constexpr int kGreatestRounds = 64;  // while nothing is within the tolerance
     static constexpr int kAdaptingRounds = 40;
     static constexpr int kIdleRounds = 8;  // without a gain, after which the search ends
     // Transforms that the search for the last keys may evaluate.
@@ -110,7 +111,7 @@ private:
     // were reduced above other nodes.
     void ThinEvenly() {
         double low = 0, high = kGreatestShare;
-        for (int round = 0; round < kEvenRounds || m_best.empty(); ++round) {
+        for (int round = 0; round < (m_best.empty() ? kGreatestRounds : kEvenRounds); ++round) {
             const double share = low > 0 ? std::sqrt(low * high) : std::min(1.0, high / 2);
             std::fill(m_shares.begin(), m_shares.end(), share);
             ThinAll();
@@ -118,6 +119,19 @@ private:
             Keep(strays);
             (IsWithin(strays) ? low : high) = share;
         }
+        if (m_best.empty()) KeepAll();
+    }
+
+    // Where even the least change strays too far, or farther than can be told: the curves as they are.
+    void KeepAll() {
+        std::fill(m_shares.begin(), m_shares.end(), 0);
+        for (Track& track : m_tracks) {
+            track.reduced = track.channel->curve;
+            m_bestKeys += KeyCount(track.reduced);
+            m_best.push_back(track.reduced);
+        }
+        m_bestShares = m_shares;
+        m_bestStrays = m_motion.Measure();
     }
 
     // Movers that something strays too far by give some of their share, others get more.
@@ -261,7 +275,7 @@ private:
         }
         const Motion motion(m_evaluator, m_watched, tracks);
         Shares shares(motion, tracks, tolerance);
-        if (tolerance.length > 0 || tolerance.angle > 0) {
+        if (!tracks.empty() && (tolerance.length > 0 || tolerance.angle > 0)) {
             reduced.isBound = motion.Cost() > kGreatestCost;
             if (reduced.isBound) {
                 shares.SettleUnplayed();

@@ -18,13 +18,14 @@ namespace {
 
 using compare::Aspect;
 
-// An arm of four joints, each a unit long, with a triangle at its end; and a camera beside it.
+// An arm of four joints, each a unit long, with a triangle at its end; a camera and a face beside it.
 constexpr const char* kNodes = R"(
   {"name": "shoulder", "children": [1]},
   {"name": "elbow", "translation": [1, 0, 0], "children": [2]},
   {"name": "wrist", "translation": [1, 0, 0], "children": [3]},
   {"name": "finger", "translation": [1, 0, 0], "mesh": 0},
-  {"name": "eye", "camera": 0})";
+  {"name": "eye", "camera": 0},
+  {"name": "face", "mesh": 1})";
 
 class Scene {
 public:
@@ -65,13 +66,15 @@ public:
     }
 
     gltf::Document Load() const {
-        const std::string json = Join(
-            R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0, 4]}], "nodes": [)", kNodes,
-            R"(], "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]}],
+        const std::string json =
+            Join(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0, 4, 5]}], "nodes": [)",
+                 kNodes,
+                 R"(], "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]},
+            {"primitives": [{"attributes": {"POSITION": 0}, "targets": [{"POSITION": 0}]}]}],
             "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}],
             "animations": [{"name": "wave", "samplers": [)",
-            m_samplers, R"(], "channels": [)", m_channels, R"(]}], "accessors": [)", m_accessors,
-            R"(], "bufferViews": [)", m_views, R"(], "buffers": [{"byteLength": )", m_bin.size(), "}]}");
+                 m_samplers, R"(], "channels": [)", m_channels, R"(]}], "accessors": [)", m_accessors,
+                 R"(], "bufferViews": [)", m_views, R"(], "buffers": [{"byteLength": )", m_bin.size(), "}]}");
         return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, m_bin)), "arm.glb");
     }
 
@@ -159,6 +162,23 @@ TEST(ReduceKeys, CamerasKeepTheirDirectionAndValuesTheirTolerance) {
     EXPECT_LE(report.angle, angle);
     EXPECT_TRUE(Compared(given, reduced, 1e-3, angle).IsSame());
     EXPECT_GT(report.angle, angle / 4);
+}
+
+TEST(ReduceKeys, AnimationsThatMoveNoNodeEndToo) {
+    Scene scene;
+    scene.Animate(5, "weights", [](float time) { return std::vector<float>{time}; });
+    gltf::Document reduced = scene.Load();
+    EXPECT_EQ(ReduceKeys(reduced, {.tolerance = {1e-2, 1e-3, 0.1}}).keysAfter, 2U);
+}
+
+TEST(ReduceKeys, WhatIsTooGreatToBeToldApartStaysAsItIs) {
+    Scene scene;
+    scene.Animate(0, "scale", [](float) { return std::vector<float>{3e38F, 3e38F, 3e38F}; });
+    for (std::size_t joint = 1; joint < 4; ++joint)
+        scene.Animate(joint, "translation", [](float time) { return std::vector<float>{3e38F, time, 0}; });
+    gltf::Document reduced = scene.Load();
+    const ReduceReport report = ReduceKeys(reduced, {.tolerance = {1e-3, 1e-3, 0}});
+    EXPECT_LE(report.keysAfter, report.keysBefore);
 }
 
 TEST(ReduceKeys, StepsAndWhatMayNotChangeStayAsTheyAre) {
