@@ -34,13 +34,7 @@ std::size_t Width(std::string_view utf8) {
 // A cell stays on its line and is not taken for a border.
 std::string Escaped(const std::string& text, std::string_view special) {
     std::string escaped;
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned char>(c));
-            escaped += code;
-            continue;
-        }
+    for (const char c : Printable(text)) {
         if (special.find(c) != std::string_view::npos) escaped += '\\';
         escaped += c;
     }

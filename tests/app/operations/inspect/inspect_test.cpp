@@ -110,7 +110,7 @@ TEST(Inspect, WritesTables) {
     EXPECT_EQ(inspect::AsText(tables, 1), "things\n  name  count  size\n  a|b      12   1.5\n  and 1 more\n");
     EXPECT_EQ(inspect::AsMarkdown(tables),
               "## things\n\n| name | count | size |\n|---|---:|---:|\n| a\\|b | 12 | 1.5 |\n"
-              "| comma, \"quote\"\\x0A | 3 |  |\n");
+              "| comma, \"quote\"\\\\n | 3 |  |\n");
     EXPECT_EQ(inspect::AsCsv(tables),
               "things,name,count,size\nthings,a|b,12,1.5\nthings,\"comma, \"\"quote\"\"\n\",3,\n");
 }
