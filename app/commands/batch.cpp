@@ -20,6 +20,7 @@
 #include "base/fatal_signals.h"
 #include "base/file.h"
 #include "base/filesystem.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 
 namespace zr {
@@ -53,7 +54,11 @@ public:
         {
             std::vector<std::jthread> others;
             const std::size_t workers = std::min<std::size_t>(m_arguments.jobs, m_tasks.size());
-            for (std::size_t i = 1; i < workers; ++i) others.emplace_back([this] { DoTasks(); });
+            try {
+                for (std::size_t i = 1; i < workers; ++i) others.emplace_back([this] { DoTasks(); });
+            } catch (const std::exception&) {
+                // The system has no room for another thread.
+            }
             DoTasks();
         }
         if (m_fatal) std::rethrow_exception(m_fatal);
@@ -95,6 +100,7 @@ private:
     Outcome Do(const Task& task) {
         Outcome outcome;
         ++m_running;
+        ForgetMissingMemory();
         try {
             outcome.report = m_work(task, [this](double done) {
                 m_session.ThrowIfStopped();
@@ -104,6 +110,7 @@ private:
                                     static_cast<double>(m_tasks.size()));
                 }
             });
+            if (outcome.report.isAnswer) RequireMemory();
             outcome.state = State::kDone;
         } catch (const Stopped&) {
             // The task counts as not started.
@@ -114,7 +121,8 @@ private:
             outcome.error = Join(task.input, ": out of memory");
         } catch (const std::exception& error) {
             outcome.state = State::kFailed;
-            outcome.error = WithFile(task, error.what());
+            outcome.error =
+                MissesMemory() ? Join(task.input, ": out of memory") : WithFile(task, error.what());
         }
         if (--m_running > 0) BeginWork();  // of the others, which can still be stopped
         return outcome;
@@ -139,7 +147,7 @@ private:
         }
     }
 
-    void PrintJson(std::size_t done, std::size_t failed) const {
+    void PrintJson(std::size_t done, std::size_t failed) const try {
         JsonArray results;
         for (std::size_t i = 0; i < m_tasks.size(); ++i) {
             const Outcome& outcome = m_outcomes[i];
@@ -156,6 +164,9 @@ private:
         json.Set("schema", kJsonSchemaVersion).Set("command", m_command).Set("results", results);
         json.Set("done", done).Set("failed", failed).Set("left", m_tasks.size() - done - failed);
         std::fputs(json.PrettyText().c_str(), stdout);
+    } catch (const std::bad_alloc&) {
+        if (failed != 0) throw;
+        throw ReportLost();
     }
 
     std::size_t Count(State state) const {

@@ -90,17 +90,20 @@ public:
             CleanDocument(document, *cleaner, m_environment, m_session.GetContext(), m_options, onProgress);
         m_session.ThrowIfStopped();
         if (out) {
-            cleaned.bytesAfter = SaveDocument(m_session, document, *out);
+            cleaned.bytesAfter = SaveDocument(document, *out);
             cleaned.output = task.output;
         }
         report.Note("left alone", CleanRefusals(cleaned));
         report.text = CleanReportText(cleaned, m_arguments.dryRun, m_arguments.explain);
         report.json = CleanReportJson(cleaned, m_arguments.explain);
         report.isAnswer = m_arguments.dryRun;
+        if (out) out->Commit(m_session);
         if (!m_arguments.page.empty()) {
-            report::Page page = PageOf(m_session, "clean", task.input, task.output);
-            page.result = CleanReportJson(cleaned, true).Text();
-            WritePage(m_arguments.page, std::move(page));
+            WritePage(m_arguments.page, task.output, [&] {
+                report::Page page = PageOf(m_session, "clean", task.input, task.output);
+                page.result = CleanReportJson(cleaned, true).Text();
+                return page;
+            });
         }
         return report;
     }

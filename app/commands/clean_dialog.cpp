@@ -8,6 +8,7 @@
 #include "app/scene/loaded_scene.h"
 #include "app/scene/refuse_opaque.h"
 #include "app/services/host.h"
+#include "base/memory_watch.h"
 
 namespace zr {
 namespace {
@@ -38,6 +39,7 @@ bool CleanInDialog(gltf::Document document, const std::filesystem::path& output,
         gltf::CollectGarbage(cleaned, kShownKinds, options.force);
         gltf::CollectGarbage(cleaned, gltf::kDataKinds, options.force);
     }
+    RequireMemory();
     cleaned.Save(output);
     return true;
 }

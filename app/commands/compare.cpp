@@ -53,9 +53,11 @@ int RunCompare(Session& session, const CompareArguments& arguments) {
     report.json.Set("first", arguments.first).Set("second", arguments.second);
     report.json.Append(CompareReportJson(result));
     if (!arguments.page.empty()) {
-        report::Page page = PageOf(session, "compare", arguments.first, arguments.second);
-        page.result = report.json.Text();
-        WritePage(arguments.page, std::move(page));
+        WritePage(arguments.page, "", [&] {
+            report::Page page = PageOf(session, "compare", arguments.first, arguments.second);
+            page.result = report.json.Text();
+            return page;
+        });
     }
     PrintReport(session, "compare", report);
     return result.IsSame() ? 0 : 1;

@@ -16,7 +16,6 @@
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/keep_scene.h"
-#include "base/file_transaction.h"
 #include "base/text.h"
 
 namespace zr {
@@ -81,15 +80,14 @@ public:
         // Paths grow with the depth of the scene, so the map is built only on request.
         std::string map;
         std::string* const wantedMap = mapTarget ? &map : nullptr;
-        FileTransaction files;
-        OutputFile* const mapFile = mapTarget ? &files.Create(mapTarget->Path()) : nullptr;
+        OutputFile* const mapFile = mapTarget ? &out.Files().Create(mapTarget->Path()) : nullptr;
         MotionReport motion;
         std::vector<report::ClipTime> times;
         std::optional<ReduceReport> reduced;
         const auto onProgress = [&](double done) { advance(kSceneMade + (kExported - kSceneMade) * done); };
         if (wantsRecords) {
             motion = ExportRecords(m_session.GetHost(), loaded, m_options, onProgress,
-                                   files.Create(out.Path()), wantedMap);
+                                   out.Files().Create(out.Path()), wantedMap);
         } else {
             Exported exported =
                 ExportScene(m_session.GetHost(), std::move(loaded), m_options, onProgress, wantedMap);
@@ -99,18 +97,13 @@ public:
                 reduceOptions.progress = [&](double) { m_session.ThrowIfStopped(); };
                 reduced = ReduceKeys(exported.document, reduceOptions);
             }
-            exported.document.Save(out.Path(), files);
+            SaveDocument(exported.document, out);
             motion = std::move(exported.report);
             report.Note(task.input, RefusalLines("unused content", exported.refusals));
             for (const SourceTime& time : exported.times)
                 times.push_back({time.animation, time.scale, time.offset, time.from, time.to});
         }
         if (mapFile != nullptr) mapFile->Write(map);
-        m_session.ThrowIfStopped();
-        files.Commit();
-        out.Finish();
-        if (mapTarget) mapTarget->Finish();
-        if (!m_arguments.PageFile().empty()) WritePageOf(task, motion, std::move(times));
         report.Note(task.input, motion.nodeNotes);
         if (!motion.unreadKeys.empty()) report.Note(task.input, {motion.unreadKeys});
         report.Line(m_arguments.Files().IsSingle() ? Describe(motion)
@@ -120,12 +113,17 @@ public:
             report.Line("reduced: " + Describe(*reduced));
             report.json.Set("reduced", JsonOf(*reduced));
         }
+        out.Commit(m_session);
+        if (mapTarget) mapTarget->Finish();
+        if (!m_arguments.PageFile().empty())
+            WritePage(m_arguments.PageFile(), task.output,
+                      [&] { return PageWith(task, motion, std::move(times)); });
         return report;
     }
 
 private:
-    void WritePageOf(const Task& task, const MotionReport& motion,
-                     std::vector<report::ClipTime> times) const {
+    report::Page PageWith(const Task& task, const MotionReport& motion,
+                          std::vector<report::ClipTime> times) const {
         report::Page page = PageOf(m_session, "export", task.input, task.output);
         // From the scene's space to that of the result.
         std::array<double, 16> matrix;
@@ -136,7 +134,7 @@ private:
         page.scenes.front().matrix = matrix;
         page.times = std::move(times);
         page.summary.emplace_back("keys and motion", Describe(motion));
-        WritePage(m_arguments.PageFile(), std::move(page));
+        return page;
     }
 
     Session& m_session;

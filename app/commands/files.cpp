@@ -14,6 +14,7 @@
 #include "base/fatal_signals.h"
 #include "base/file.h"
 #include "base/filesystem.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 
 namespace zr {
@@ -81,6 +82,13 @@ const fs::path& OutputTarget::Path() {
     return m_path;
 }
 
+void OutputTarget::Commit(const Session& session) {
+    session.ThrowIfStopped();
+    RequireMemory();
+    m_files.Commit();
+    Finish();
+}
+
 void OutputTarget::Finish() {
     if (m_folder.empty()) return;
     std::error_code ignored;
@@ -91,10 +99,8 @@ void OutputTarget::Finish() {
     std::fwrite(content.data.get(), 1, content.size, stdout);
 }
 
-std::uint64_t SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out) {
-    const std::uint64_t size = document.Save(out.Path(), [&session] { session.ThrowIfStopped(); });
-    out.Finish();
-    return size;
+std::uint64_t SaveDocument(gltf::Document& document, OutputTarget& out) {
+    return document.Save(out.Path(), out.Files());
 }
 
 }  // namespace zr

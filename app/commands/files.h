@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/file_transaction.h"
 #include "gltf/document.h"
 
 namespace zr {
@@ -26,8 +27,9 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit);
 // Error.
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report);
 
-// Where a command writes its result: the named file or, for "-", a temporary file that Finish copies to
-// standard output.
+// Where a command writes its result: the named file or, for "-", a temporary file that then goes to standard
+// output. A command commits as the last thing that can fail, with its report made, so that a failure means
+// that nothing has changed.
 class OutputTarget {
 public:
     // ending: of the temporary file, ".glb". Throws Error when the file exists and --no-clobber was given,
@@ -39,17 +41,21 @@ public:
 
     // The path to write to; call when about to write. Throws Error.
     const std::filesystem::path& Path();
-    // Call once the file is complete. Throws Error.
+    // What the command writes, all of which appears with Commit.
+    FileTransaction& Files() { return m_files; }
+    // Throws Error, and Stopped when the user stopped it before.
+    void Commit(const Session& session);
+    // For a target whose file stands in another one's transaction, once that is committed. Throws Error.
     void Finish();
 
 private:
+    FileTransaction m_files;
     std::string m_ending;
     std::filesystem::path m_path;    // empty: not yet known
     std::filesystem::path m_folder;  // temporary; empty: none
 };
 
-// Writes the document: the bytes of all its files. When the user stops it before all is written, nothing has
-// changed. Throws Error and Stopped.
-std::uint64_t SaveDocument(const Session& session, gltf::Document& document, OutputTarget& out);
+// Writes the document, which is spent, for the target's Commit: the bytes of all its files. Throws Error.
+std::uint64_t SaveDocument(gltf::Document& document, OutputTarget& out);
 
 }  // namespace zr

@@ -7,6 +7,7 @@
 #include "app/commands/commands.h"
 #include "app/commands/session.h"
 #include "app/commands/suggestion.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 
 namespace zr {
@@ -32,6 +33,8 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     command->callback([name, &app, &session] {
         session.SetCommand([name, &app] {
             const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
+            // What makes the text ends the process without memory, or leaves a part of the text out.
+            EndWithoutMemory();
             // App::help would describe the command that was parsed, which is this one.
             const std::string text =
                 chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);

@@ -9,6 +9,7 @@
 #include "app/commands/session.h"
 #include "base/error.h"
 #include "base/filesystem.h"
+#include "base/text.h"
 
 namespace zr {
 
@@ -46,11 +47,16 @@ report::Page PageOf(const Session& session, const std::string& kind, const std::
     return page;
 }
 
-void WritePage(const std::string& file, report::Page page) {
-    const std::string text = report::PageText(std::move(page));
-    FileTransaction files;
-    files.Create(PathFromUtf8(file)).Write(text);
-    files.Commit();
+void WritePage(const std::string& file, const std::string& output,
+               const std::function<report::Page()>& make) {
+    try {
+        FileTransaction files;
+        files.Create(PathFromUtf8(file)).Write(report::PageText(make()));
+        files.Commit();
+    } catch (const std::exception& error) {
+        if (output.empty()) throw;
+        throw std::runtime_error(Join(output, " was written; the page was not: ", error.what()));
+    }
 }
 
 }  // namespace zr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 
@@ -26,7 +27,8 @@ void CheckPageFile(const Session& session, const std::string& file,
 // The page of a command that made one scene from another: both are read again. Throws gltf::Error.
 report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,
                     const std::string& after);
-// Throws Error.
-void WritePage(const std::string& file, report::Page page);
+// Writes the page to the file. `output` was written before, or is empty, which a failure tells: throws
+// std::runtime_error.
+void WritePage(const std::string& file, const std::string& output, const std::function<report::Page()>& make);
 
 }  // namespace zr

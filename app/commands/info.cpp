@@ -25,7 +25,7 @@ struct Count {
 
 std::vector<Count> CountsOf(kernix::SceneModel& scene) {
     const auto ofKind = [&scene](int kind) {
-        return static_cast<std::size_t>(vl::Ref<vl::Array>::Adopt(scene.GetObjectsOfKind(kind))->m_nCount);
+        return static_cast<std::size_t>(vl::Ref<vl::Array>::AdoptNew(scene.GetObjectsOfKind(kind))->m_nCount);
     };
     return {{"nodes", static_cast<std::size_t>(scene.m_pNodes->m_nCount)},
             {"meshes", ofKind(vl::zr::kKindRenderable)},

@@ -71,9 +71,12 @@ public:
             Tell(loaded, "brought", chosen, report);
         }
         gltf::Document document = std::move(loaded).WriteBack();
-        SaveDocument(m_session, document, out);
-        if (!m_arguments.page.empty())
-            WritePage(m_arguments.page, PageOf(m_session, "merge", task.input, task.output));
+        SaveDocument(document, out);
+        out.Commit(m_session);
+        if (!m_arguments.page.empty()) {
+            WritePage(m_arguments.page, task.output,
+                      [&] { return PageOf(m_session, "merge", task.input, task.output); });
+        }
         return report;
     }
 

@@ -13,10 +13,12 @@
 #include "app/commands/dashed_text.h"
 #include "app/commands/help.h"
 #include "app/commands/options.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/commands/suggestion.h"
 #include "app/services/strings.h"
 #include "base/fatal_signals.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 #include "host/version.h"
 #include "kernix/utf.h"
@@ -109,8 +111,10 @@ std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
     return Join("something is missing; usage: ", UsagesOf(LastCommand(app)).front());
 }
 
-void PrintError(std::string_view text) {
+void PrintError(std::string_view text) try {
     std::fprintf(stderr, "zr: %s\n", Printable(text).c_str());
+} catch (const std::bad_alloc&) {
+    std::fputs("zr: out of memory\n", stderr);
 }
 
 int Run(int argc, const char* const* argv) {
@@ -129,6 +133,7 @@ int Run(int argc, const char* const* argv) {
         PrintError(UsageText(*app, error));
         return kUsage;
     }
+    NoteMissingMemory();
     return session.Run();
 }
 
@@ -164,6 +169,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Session& session) {
 
 int RunProgram(int argc, const char* const* argv) {
     int status = kFailed;
+    EndWithoutMemory();
     try {
         status = Run(argc, argv);
     } catch (const Stopped&) {
@@ -173,10 +179,12 @@ int RunProgram(int argc, const char* const* argv) {
     } catch (const UsageError& error) {
         PrintError(error.what());
         status = kUsage;
+    } catch (const ReportLost&) {
+        std::fputs("zr: what was asked for was done; there was no memory left to tell of it\n", stderr);
     } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "zr: out of memory\n");
+        std::fputs("zr: out of memory\n", stderr);
     } catch (const std::exception& error) {
-        PrintError(error.what());
+        PrintError(MissesMemory() ? "out of memory" : error.what());
     }
     return Flushed(status);
 }

@@ -39,9 +39,10 @@ Report Reduce(Session& session, const ReduceTolerance& tolerance, const ReduceAr
     options.progress = [&](double done) { advance(kMerged + (1 - kMerged) * done); };
     ReduceReport reduced = ReduceKeys(exported.document, options);
     reduced.keysBefore += exported.report.keysBefore - exported.report.keysAfter;
-    SaveDocument(session, exported.document, out);
+    SaveDocument(exported.document, out);
     report.Line(arguments.files.IsSingle() ? Describe(reduced) : task.output + ": " + Describe(reduced));
     report.json = JsonOf(reduced);
+    out.Commit(session);
     return report;
 }
 

@@ -47,11 +47,12 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
     const auto held = RemoveAnimations(host, loaded, chosen);
     if (!held.empty() && !arguments.unused) throw std::runtime_error("cannot remove " + held.front());
     gltf::Document document = std::move(loaded).WriteBack();
-    SaveDocument(session, document, out);
+    SaveDocument(document, out);
     report.Note("kept", held);
     report.Line("removed " + Counted(chosen.size() - held.size(), "animation"));
     report.json.Set("input", arguments.scene).Set("output", arguments.out);
     report.json.Set("removed", chosen.size() - held.size());
+    out.Commit(session);
     PrintReport(session, "remove-animations", report);
     return 0;
 }

@@ -2,8 +2,10 @@
 #include "app/commands/report.h"
 
 #include <cstdio>
+#include <new>
 
 #include "app/commands/session.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 
 namespace zr {
@@ -16,7 +18,8 @@ void Report::Note(std::string_view label, const std::vector<std::string>& lines)
     for (const std::string& line : lines) notes.push_back(Join(label, ": ", line));
 }
 
-void PrintReport(const Session& session, std::string_view command, const Report& report) {
+void PrintReport(const Session& session, std::string_view command, const Report& report) try {
+    if (report.isAnswer) RequireMemory();
     if (session.Options().json) {
         JsonObject json;
         json.Set("schema", kJsonSchemaVersion).Set("command", command).Append(report.json);
@@ -25,9 +28,12 @@ void PrintReport(const Session& session, std::string_view command, const Report&
         return;
     }
     PrintForPeople(session, report);
+} catch (const std::bad_alloc&) {
+    if (report.isAnswer) throw;
+    throw ReportLost();
 }
 
-void PrintForPeople(const Session& session, const Report& report) {
+void PrintForPeople(const Session& session, const Report& report) try {
     const bool isQuiet = session.Options().quiet;
     if (!isQuiet) {
         for (const std::string& note : report.notes)
@@ -36,6 +42,9 @@ void PrintForPeople(const Session& session, const Report& report) {
     if (report.isAnswer || !isQuiet) {
         std::fputs(report.text.c_str(), session.IsStandardOutputTaken() ? stderr : stdout);
     }
+} catch (const std::bad_alloc&) {
+    if (report.isAnswer) throw;
+    throw ReportLost();
 }
 
 }  // namespace zr

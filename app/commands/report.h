@@ -24,8 +24,12 @@ struct Report {
     void Note(std::string_view label, const std::vector<std::string>& lines);
 };
 
+// The work was done and is there; there was no memory left to tell of it.
+struct ReportLost {};
+
 // Prints a command's report as the session's options ask: the text to standard output and the notes to
-// standard error. When standard output carries the result itself, the text goes to standard error too.
+// standard error. When standard output carries the result itself, the text goes to standard error too. Throws
+// ReportLost, or std::bad_alloc for a report that is itself what was asked for.
 void PrintReport(const Session& session, std::string_view command, const Report& report);
 
 // Prints notes and text as above, whatever the wish for JSON.

@@ -22,7 +22,7 @@ extern "C" void OnInterrupt(int) {
 
 }  // namespace
 
-Session::Session() : m_context(vl::Ref<vl::Context>::Adopt(kernix::CreateContext())) {
+Session::Session() : m_context(vl::Ref<vl::Context>::AdoptNew(kernix::CreateContext())) {
     g_interrupted = m_context.Get();
     std::signal(SIGINT, OnInterrupt);
 }

@@ -95,10 +95,13 @@ Report SplitInPlace(Session& session, const SplitArguments& arguments) {
         list.Append(summary.Json());
     }
     gltf::Document document = std::move(loaded).WriteBack();
-    SaveDocument(session, document, out);
-    if (!arguments.page.empty())
-        WritePage(arguments.page, PageOf(session, "split", arguments.scene, arguments.out));
+    SaveDocument(document, out);
     report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
+    out.Commit(session);
+    if (!arguments.page.empty()) {
+        WritePage(arguments.page, arguments.out,
+                  [&] { return PageOf(session, "split", arguments.scene, arguments.out); });
+    }
     return report;
 }
 
@@ -137,7 +140,8 @@ Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
         constexpr gltf::KindSet kData{gltf::Kind::kAccessor, gltf::Kind::kBufferView, gltf::Kind::kBuffer};
         gltf::CollectGarbage(document, kData, false);
         OutputTarget out(session, file, "");
-        SaveDocument(session, document, out);
+        SaveDocument(document, out);
+        out.Commit(session);
     }
     report.json.Set("input", arguments.scene).Set("output", arguments.outDir).Set("animations", list);
     return report;

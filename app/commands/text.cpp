@@ -19,6 +19,7 @@
 #include "app/services/font_file.h"
 #include "base/budget.h"
 #include "base/file.h"
+#include "base/memory_watch.h"
 #include "base/text.h"
 #include "kernix/utf.h"
 
@@ -118,12 +119,6 @@ public:
         const bool isDrawing =
             m_arguments.isDrawing || m_arguments.wantsMetrics || format == TextFormat::kDxf;
         const TextDrawing drawing = Draw(text, isDrawing, m_arguments.drawing);
-        m_session.ThrowIfStopped();
-        if (out) {
-            WriteText(drawing.geometry, format, out->Path());
-            out->Finish();
-        }
-        if (!m_arguments.page.empty()) WritePageOf(text, isDrawing, drawing);
         report.json.Set("points", drawing.geometry.points.size());
         report.json.Set("contours", drawing.geometry.contours.size());
         report.json.Set("triangles", drawing.geometry.triangles.size());
@@ -133,6 +128,14 @@ public:
             report.text = metrics.PrettyText();
             report.isAnswer = true;
         }
+        m_session.ThrowIfStopped();
+        RequireMemory();
+        if (out) {
+            WriteText(drawing.geometry, format, out->Path());
+            out->Finish();
+        }
+        if (!m_arguments.page.empty())
+            WritePage(m_arguments.page, target, [&] { return PageOf(text, isDrawing, drawing); });
         return report;
     }
 
@@ -144,7 +147,7 @@ private:
     }
 
     // A solid is shown as a scene, and its front as the drawing.
-    void WritePageOf(const std::u16string& text, bool isDrawing, const TextDrawing& drawing) const {
+    report::Page PageOf(const std::u16string& text, bool isDrawing, const TextDrawing& drawing) const {
         report::Page page;
         page.kind = "text";
         page.title = "text: " + kernix::ToUtf8(text);
@@ -157,7 +160,7 @@ private:
         } else {
             page.drawing = TextPicture(drawing.geometry);
         }
-        WritePage(m_arguments.page, std::move(page));
+        return page;
     }
 
     Session& m_session;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 #include "base/text.h"
 #include "gltf/references.h"
@@ -82,7 +83,7 @@ vl::Var VarOf(const Json& value) {
 SceneBuilder::SceneBuilder(gltf::Document& document, DocumentCurves& curves, const SceneOptions& options)
     : m_document(document),
       m_options(options),
-      m_parts{vl::Ref<kernix::SceneModel>::Adopt(new kernix::SceneModel)},
+      m_parts{vl::Ref<kernix::SceneModel>::AdoptNew(new kernix::SceneModel)},
       m_scene(*m_parts.scene),
       m_ids(document),
       m_meshes(document, m_parts.materials, m_ids),
@@ -265,6 +266,7 @@ void SceneBuilder::SetTransform(kernix::NodeModel& model, const NodeParts& parts
 void SceneBuilder::SetMetadata(std::size_t index, const Json& extras) {
     if (extras.IsObject() && extras.Members().empty()) return;
     vl::VarMap* map = m_parts.nodes[index]->GetMetadata(true);
+    if (map == nullptr) throw std::bad_alloc();
     if (!extras.IsObject()) map->Set(u"", VarOf(extras));
     for (const gltf::JsonMember& member : extras.Members())
         map->Set(kernix::ToUtf16(member.Name()), VarOf(member.value));

@@ -78,12 +78,15 @@ private:
     EnvironmentService& m_service;
 };
 
-EnvironmentService::EnvironmentService(Host& host) : m_host(host) {
-    host.AddExtension(kTypeHdrHelper, [this] { return m_document != nullptr ? new Helper(*this) : nullptr; });
+EnvironmentService::EnvironmentService(Host& host)
+    : m_host(host), m_self(std::make_shared<EnvironmentService*>(this)) {
+    host.AddExtension(kTypeHdrHelper, [self = m_self]() -> vl::Extension* {
+        return *self != nullptr && (*self)->m_document != nullptr ? new Helper(**self) : nullptr;
+    });
 }
 
 EnvironmentService::~EnvironmentService() {
-    m_host.AddExtension(kTypeHdrHelper, [] { return nullptr; });
+    *m_self = nullptr;
 }
 
 std::vector<std::string> EnvironmentService::Run(Document& document, const std::function<void()>& work) {

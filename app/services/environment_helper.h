@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -32,6 +33,7 @@ private:
     std::mutex m_mutex;
     gltf::Document* m_document = nullptr;  // while work runs
     std::vector<std::string> m_removed;
+    std::shared_ptr<EnvironmentService*> m_self;  // what the host keeps of it; null once this is gone
 };
 
 }  // namespace zr

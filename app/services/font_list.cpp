@@ -6,6 +6,7 @@
 #include <map>
 #include <tuple>
 
+#include "app/services/device_context.h"
 #include "platform/windows.h"
 
 namespace zr {
@@ -41,7 +42,7 @@ void Enumerate(HDC dc, const WCHAR* family, Tell&& tell) {
 }  // namespace
 
 std::vector<FontFamily> ListFonts() {
-    const HDC dc = GetDC(nullptr);
+    const DeviceContext dc;
     // The system may tell of a font once for each script that it has.
     std::map<std::u16string, std::map<std::tuple<int, bool, std::u16string>, FontStyle>> found;
     Enumerate(dc, nullptr, [&](const ENUMLOGFONTEXW& family) {
@@ -54,7 +55,6 @@ std::vector<FontFamily> ListFonts() {
             styles.try_emplace({style.weight, style.isItalic, style.name}, style);
         });
     });
-    ReleaseDC(nullptr, dc);
     std::vector<FontFamily> families;
     for (const auto& [name, styles] : found) {
         FontFamily& family = families.emplace_back(FontFamily{name, {}});

@@ -32,13 +32,11 @@ SystemFont::SystemFont(const TextFont& font) {
     record.lfHeight *= kEnlargement;
     m_font = CreateFontIndirectW(&record);
     if (!m_font) throw std::runtime_error("the system has no outline font");
-    m_dc = GetDC(nullptr);
     m_previous = SelectObject(m_dc, m_font);
 }
 
 SystemFont::~SystemFont() {
     SelectObject(m_dc, m_previous);
-    ReleaseDC(nullptr, m_dc);
     DeleteObject(m_font);
 }
 

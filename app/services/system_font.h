@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "app/services/device_context.h"
 #include "platform/windows.h"
 
 namespace zr {
@@ -40,7 +41,7 @@ public:
     int Advance(char16_t c) const;
 
 private:
-    HDC m_dc;
+    DeviceContext m_dc;
     HFONT m_font;
     HGDIOBJ m_previous;
 };

@@ -120,9 +120,9 @@ FontFace* FontFace::Find(const LOGFONTW& font) {
         library.requests.clear();
         library.added = added;
     }
-    auto [request, isNew] = library.requests.try_emplace(
-        {std::u16string(font.lfFaceName), font.lfWeight, font.lfItalic != 0}, nullptr);
-    if (!isNew) return request->second;
+    const std::tuple wished(std::u16string(font.lfFaceName), font.lfWeight, font.lfItalic != 0);
+    if (const auto known = library.requests.find(wished); known != library.requests.end())
+        return known->second;
 
     const Match match = BestMatch(font);
     if (match.file.empty()) return nullptr;
@@ -134,9 +134,11 @@ FontFace* FontFace::Find(const LOGFONTW& font) {
             FT_Done_Face(opened);
             return nullptr;
         }
+        const std::unique_ptr<FT_FaceRec, decltype(&FT_Done_Face)> held(opened, FT_Done_Face);
         face.reset(new FontFace(opened, match));
+        FT_Reference_Face(opened);  // the object's own
     }
-    return request->second = face.get();
+    return library.requests.emplace(wished, face.get()).first->second;
 }
 
 int FontFace::AddFile(const std::u16string& file) {

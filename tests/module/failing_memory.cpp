@@ -19,15 +19,9 @@ bool Fails() {
     return true;
 }
 
-void* Allocate(std::size_t size) {
-    void* block = Fails() ? nullptr : std::malloc(size);
+void* Counted(void* block) {
     if (block != nullptr) ++g_live;
     return block;
-}
-
-void Free(void* block) {
-    if (block != nullptr) --g_live;
-    std::free(block);
 }
 
 }  // namespace
@@ -50,40 +44,68 @@ long LiveBlocks() {
 
 }  // namespace failing_memory
 
+// The linker puts these in the place of every call of the C functions in the program, those below among them.
+extern "C" {
+
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* block, std::size_t size);
+void __real_free(void* block);
+
+void* __wrap_malloc(std::size_t size) {
+    return Fails() ? nullptr : Counted(__real_malloc(size));
+}
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return Fails() ? nullptr : Counted(__real_calloc(count, size));
+}
+void* __wrap_realloc(void* block, std::size_t size) {
+    if (block == nullptr) return __wrap_malloc(size);
+    return Fails() ? nullptr : __real_realloc(block, size);
+}
+void __wrap_free(void* block) {
+    if (block != nullptr) --g_live;
+    __real_free(block);
+}
+
+}  // extern "C"
+
 // These take the place of the standard library's and the core library's for the whole process.
 void* operator new(std::size_t size) {
-    if (void* block = Allocate(size)) return block;
+    if (void* block = std::malloc(size)) return block;
+    if (const std::new_handler handler = std::get_new_handler()) handler();
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) {
     return operator new(size);
 }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept try {
+    return operator new(size);
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
+    return operator new(size, std::nothrow);
 }
 void operator delete(void* block) noexcept {
-    Free(block);
+    std::free(block);
 }
 void operator delete[](void* block) noexcept {
-    Free(block);
+    std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
-    Free(block);
+    std::free(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
-    Free(block);
+    std::free(block);
 }
 
 namespace vl::mem {
 
 void* allocate(std::size_t size) noexcept {
-    return Allocate(size);
+    return operator new(size, std::nothrow);
 }
 void free(void* storage) noexcept {
-    Free(storage);
+    std::free(storage);
 }
 
 }  // namespace vl::mem

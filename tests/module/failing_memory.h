@@ -2,7 +2,8 @@
 #pragma once
 
 // Lets allocations of this program fail: those of operator new and of vl::mem, in the module, in the core
-// library and in the test alike. The system's libraries below them keep theirs.
+// library and in the test alike, and those of malloc in what is linked into the program itself. The system's
+// libraries below them keep theirs. Comes with the CMake library zr_failing_memory.
 namespace failing_memory {
 
 // The n-th allocation from now on fails, counted from 1; only this one.

@@ -32,7 +32,7 @@ void ForEachController(
 
 void CopyTrack(vl::zr::Controller& source, vl::zr::Track* track, vl::zr::Controller& target,
                kernix::AnimationModel* animation) {
-    const auto stream = vl::Ref<vl::Stream>::Adopt(vl::Stream::CreateInMemory());
+    const auto stream = vl::Ref<vl::Stream>::AdoptNew(vl::Stream::CreateInMemory());
     source.SaveTrack(stream.Get(), track, 0);
     stream->Seek(0, 0);
     target.LoadTrack(stream.Get(), 0, target.AddTrack(animation));
@@ -49,7 +49,7 @@ bool HasKeys(const kernix::AnimationModel& animation) {
 }
 
 std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations) {
-    const auto words = vl::Ref<vl::Array>::Adopt(host.CreateArray());
+    const auto words = vl::Ref<vl::Array>::AdoptNew(host.CreateArray());
     vl::ArrayOf<vl::zr::Animation*> list(words.Get());
     for (kernix::AnimationModel* animation : animations) list.Add(animation);
     host.Create<zr_ANIM_MANAGER>(kTypeAnimManager)->RemoveAnimations(nullptr, words.Get());

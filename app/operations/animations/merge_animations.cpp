@@ -77,7 +77,7 @@ private:
         for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes))
             PrepareNode(static_cast<kernix::NodeModel&>(*node));
 
-        const auto words = vl::Ref<vl::Array>::Adopt(m_host.CreateArray());
+        const auto words = vl::Ref<vl::Array>::AdoptNew(m_host.CreateArray());
         vl::ArrayOf<vl::zr::Animation*> list(words.Get());
         for (const Source& source : m_copies) list.Add(source.copy);
         const auto manager = m_host.Create<zr_ANIM_MANAGER>(kTypeAnimManager);

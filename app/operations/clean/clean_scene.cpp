@@ -84,7 +84,7 @@ public:
         result.ran = true;
         if (const Operation operation = kOperations[step]) {
             if (static_cast<CleanStep>(step) == CleanStep::kMetadata) NameMetadata(result.names);
-            const auto record = vl::Ref<ChangeRecord>::Adopt(m_scene.CreateChangeRecord(1));
+            const auto record = vl::Ref<ChangeRecord>::AdoptNew(m_scene.CreateChangeRecord(1));
             record->Begin();
             const int count = (m_cleaner.*operation)(&m_scene, m_context, record.Get());
             record->End(u"");

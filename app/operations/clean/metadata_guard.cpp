@@ -18,7 +18,7 @@ MetadataGuard::MetadataGuard(LoadedScene& loaded) : m_scene(loaded.Scene()) {
     for (const std::size_t index : loaded.ExtrasNodes()) {
         kernix::NodeModel* node = loaded.Node(index);
         if (node->m_pObject != nullptr) continue;
-        node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(kernix::CreateDummy()));
+        node->SetObject(vl::Ref<vl::zr::Object3D>::AdoptNew(kernix::CreateDummy()));
         m_placeholders.push_back(node);
     }
     m_scene.m_mayDelete = [this](kernix::NodeModel& node) { return MayDelete(node); };

@@ -39,7 +39,7 @@ ViewCamera::ViewCamera(LoadedScene& loaded) {
     m_distance = ball.radius / std::sin(kFieldOfView / 2);
     m_node = loaded.Scene().AddNode(nullptr, "view camera");
     m_node->m_dwFlags |= vl::zr::kNodeSystem;
-    m_node->SetObject(vl::Ref<vl::zr::Object3D>::Adopt(new kernix::CameraModel));
+    m_node->SetObject(vl::Ref<vl::zr::Object3D>::AdoptNew(new kernix::CameraModel));
     loaded.Scene().SetDefaultCameraNode(m_node);
 
     vl::Matrix4<double> place;
