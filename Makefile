@@ -10,8 +10,8 @@ build = cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(
 # $(call packages,LISTS): what the program needs, and the lists named.
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
-.PHONY: all install demo test test-release test-asan test-tsan test-report bench bench-peers bench-reduction check tidy coverage package \
-	package-test dist dist-linux dist-windows windows windows-packages windows-test clean
+.PHONY: all install demo test test-release test-asan test-tsan test-report fuzz mutations bench bench-peers bench-reduction check tidy coverage \
+	package package-test dist dist-linux dist-windows windows windows-packages windows-test clean
 
 all:
 	@$(call packages,qt)
@@ -49,6 +49,21 @@ test-report:
 	@$(call packages,qt test report)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_WITH_REPORT=ON,zr)
 	@ctest --preset release -R report_page
+
+# Random and damaged input, each fuzzer for FUZZ_SECONDS; more finds more: make fuzz FUZZ_SECONDS=600
+FUZZ_SECONDS ?= 30
+fuzz:
+	@$(call packages,fuzz)
+	@$(call build,fuzz,,fuzzers)
+	@FUZZ_SECONDS=$(FUZZ_SECONDS) tools/fuzz build/fuzz
+
+# Scenes with a few things changed, through every command, under the sanitizers.
+MUTATIONS ?= 10000
+mutations:
+	@$(call packages,qt test)
+	@$(call build,asan,,app_mutations_test)
+	@ZR_MUTATIONS=$(MUTATIONS) LSAN_OPTIONS=suppressions=tests/lsan.supp:print_suppressions=0 \
+		build/asan/bin/app_mutations_test
 
 bench:
 	@$(call packages,qt bench)

@@ -25,29 +25,6 @@ std::array<float, 4> Rotation(Random& random) {
     return q;
 }
 
-ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t material) {
-    ScenePlan::Mesh mesh{Join("mesh ", number), {}, {}, material};
-    for (int i = 0; i < 12; ++i) {
-        ScenePlan::Vertex vertex;
-        for (float& part : vertex.position) part = Uniform(random, -1, 1);
-        const std::array<float, 4> direction = Rotation(random);
-        const float length = std::hypot(direction[0], direction[1], direction[2]);
-        for (std::size_t k = 0; k < 3; ++k) vertex.normal[k] = direction[k] / length;
-        for (float& part : vertex.texture) part = Uniform(random, 0, 1);
-        for (float& part : vertex.target) part = Uniform(random, -0.2F, 0.2F);
-        const float weight = Uniform(random, 0.2F, 0.8F);
-        vertex.joints = {static_cast<unsigned>(random() % 4), static_cast<unsigned>(random() % 4), 0, 0};
-        vertex.weights = {weight, 1 - weight, 0, 0};
-        mesh.vertices.push_back(vertex);
-    }
-    // Every vertex is in a face: what is in none is not drawn.
-    for (unsigned i = 0; i < 12; ++i) {
-        const unsigned other = (i + 1 + random() % 5U) % 12, third = (i + 6 + random() % 5U) % 12;
-        mesh.indices.insert(mesh.indices.end(), {i, other, third});
-    }
-    return mesh;
-}
-
 ScenePlan::Track MakeTrack(Random& random, std::size_t node, const std::string& path, const char* way) {
     ScenePlan::Track track{node, path, way, {}, {}};
     const int parts = std::string_view(way) == "CUBICSPLINE" ? 3 : 1;
@@ -102,7 +79,8 @@ public:
           m_animations(plan.animations.size(), random) {}
 
     gltf::Document Run() {
-        std::string json = R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_lights_punctual"],)";
+        std::string json = R"({"asset":{"version":"2.0"},"extensionsUsed":)"
+                           R"(["KHR_lights_punctual","KHR_animation_pointer","ZR_scene"],)";
         json += List("nodes", m_nodes, [&](std::size_t i) { return Node(i); });
         json += List("meshes", m_meshes, [&](std::size_t i) { return Mesh(m_plan.meshes[i]); });
         json += List("materials", m_materials, [&](std::size_t i) { return Material(m_plan.materials[i]); });
@@ -116,7 +94,7 @@ public:
                     return R"({"type":"point","intensity":)" + Number(m_plan.lights[i]) + "}";
                 });
         json.back() = '}';
-        json += "}," + Skins() + Scenes();
+        json += HostScene() + "}," + Skins() + Scenes();
         json += Join("\"accessors\":[", m_accessors, "],\"bufferViews\":[", m_views, "],");
         json +=
             Join("\"buffers\":[{\"name\":\"", m_random() % 1000U, "\",\"byteLength\":", m_bin.size(), "}]}");
@@ -131,6 +109,7 @@ private:
 
     template <typename Element>
     static std::string List(const char* name, const Order& order, Element element) {
+        if (order.elements.empty()) return "";
         std::string text = Join("\"", name, "\":[");
         for (const std::size_t i : order.elements) text += (text.back() == '[' ? "" : ",") + element(i);
         return text + "],";
@@ -229,15 +208,13 @@ private:
         std::size_t sampler = 0;
         for (const std::size_t i : order.elements) {
             const ScenePlan::Track& track = animation.tracks[i];
-            const char* type = track.path == "rotation"  ? "VEC4"
-                               : track.path == "weights" ? "SCALAR"
-                                                         : "VEC3";
-            const std::size_t width = track.path == "rotation" ? 4 : track.path == "weights" ? 1 : 3;
+            const bool isScalar = track.path == "weights" || track.path == "roughness";
+            const char* type = track.path == "rotation" ? "VEC4" : isScalar ? "SCALAR" : "VEC3";
+            const std::size_t width = track.path == "rotation" ? 4 : isScalar ? 1 : 3;
             const std::string input = Accessor(Bytes(track.times), 5126, track.times.size(), "SCALAR");
             const std::string output = Accessor(Bytes(track.values), 5126, track.values.size() / width, type);
-            channels +=
-                Join(channels.empty() ? "" : ",", "{\"sampler\":", sampler++,
-                     ",\"target\":{\"node\":", m_nodes.place[track.node], ",\"path\":\"", track.path, "\"}}");
+            channels += Join(channels.empty() ? "" : ",", "{\"sampler\":", sampler++, ",\"target\":{",
+                             Target(track), "}}");
             samplers += Join(samplers.empty() ? "" : ",", "{\"input\":", input, ",\"output\":", output,
                              ",\"interpolation\":\"", track.interpolation, "\"}");
         }
@@ -245,11 +222,41 @@ private:
                     samplers, "]}");
     }
 
+    std::string Target(const ScenePlan::Track& track) const {
+        if (track.path == "roughness")
+            return Join(R"("path":"pointer","extensions":{"KHR_animation_pointer":{"pointer":"/materials/)",
+                        m_materials.place[track.material], R"(/pbrMetallicRoughness/roughnessFactor"}})");
+        return Join("\"node\":", m_nodes.place[track.node], ",\"path\":\"", track.path, "\"");
+    }
+
+    static std::string Places(const Order& order, const std::vector<std::size_t>& elements) {
+        std::string list;
+        for (const std::size_t i : elements) list += Join(list.empty() ? "" : ",", order.place[i]);
+        return list;
+    }
+
+    static std::string Member(const char* name, const Order& order,
+                              const std::vector<std::size_t>& elements) {
+        return elements.empty() ? "" : Join(",\"", name, "\":[", Places(order, elements), "]");
+    }
+
+    // What the host keeps of layers and viewports; nothing without them.
+    std::string HostScene() const {
+        if (m_plan.layers.empty() && m_plan.viewports.empty()) return "";
+        std::string layers, viewports;
+        for (const ScenePlan::Layer& layer : m_plan.layers)
+            layers += Join(layers.empty() ? "" : ",", "{\"name\":\"", layer.name, "\"",
+                           Member("nodes", m_nodes, layer.nodes), "}");
+        for (const ScenePlan::Viewport& viewport : m_plan.viewports)
+            viewports += Join(viewports.empty() ? "" : ",", "{\"name\":\"", viewport.name,
+                              "\",\"kind\":", viewport.kind,
+                              Member("animations", m_animations, viewport.animations), "}");
+        return Join(R"(,"ZR_scene":{"layers":[)", layers, R"(],"viewports":[)", viewports, "]}");
+    }
+
     std::string Skins() {
-        std::string joints;
-        for (const std::size_t joint : m_plan.joints)
-            joints += Join(joints.empty() ? "" : ",", m_nodes.place[joint]);
-        return Join("\"skins\":[{\"joints\":[", joints, "]}],");
+        if (m_plan.joints.empty()) return "";
+        return Join("\"skins\":[{\"joints\":[", Places(m_nodes, m_plan.joints), "]}],");
     }
 
     std::string Scenes() {
@@ -288,6 +295,29 @@ private:
 };
 
 }  // namespace
+
+ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t material) {
+    ScenePlan::Mesh mesh{Join("mesh ", number), {}, {}, material};
+    for (int i = 0; i < 12; ++i) {
+        ScenePlan::Vertex vertex;
+        for (float& part : vertex.position) part = Uniform(random, -1, 1);
+        const std::array<float, 4> direction = Rotation(random);
+        const float length = std::hypot(direction[0], direction[1], direction[2]);
+        for (std::size_t k = 0; k < 3; ++k) vertex.normal[k] = direction[k] / length;
+        for (float& part : vertex.texture) part = Uniform(random, 0, 1);
+        for (float& part : vertex.target) part = Uniform(random, -0.2F, 0.2F);
+        const float weight = Uniform(random, 0.2F, 0.8F);
+        vertex.joints = {static_cast<unsigned>(random() % 4), static_cast<unsigned>(random() % 4), 0, 0};
+        vertex.weights = {weight, 1 - weight, 0, 0};
+        mesh.vertices.push_back(vertex);
+    }
+    // Every vertex is in a face: what is in none is not drawn.
+    for (unsigned i = 0; i < 12; ++i) {
+        const unsigned other = (i + 1 + random() % 5U) % 12, third = (i + 6 + random() % 5U) % 12;
+        mesh.indices.insert(mesh.indices.end(), {i, other, third});
+    }
+    return mesh;
+}
 
 ScenePlan MakePlan(Random& random) {
     ScenePlan plan;

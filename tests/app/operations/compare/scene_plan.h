@@ -2,11 +2,11 @@
 #pragma once
 
 #include <array>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "gltf/document.h"
+#include "tests/base/random.h"
 
 namespace zr::test {
 
@@ -44,12 +44,23 @@ struct ScenePlan {
     };
     struct Track {
         std::size_t node;
-        std::string path, interpolation;
+        std::string path, interpolation;  // path "roughness": of a material, by pointer
         std::vector<float> times, values;
+        std::size_t material = 0;
     };
     struct Animation {
         std::string name;
         std::vector<Track> tracks;
+    };
+
+    struct Layer {
+        std::string name;
+        std::vector<std::size_t> nodes;
+    };
+    struct Viewport {
+        std::string name;
+        unsigned kind;  // 2 plays animations
+        std::vector<std::size_t> animations;
     };
 
     std::vector<Material> materials;
@@ -59,13 +70,16 @@ struct ScenePlan {
     std::vector<float> cameras;       // fields of view
     std::vector<float> lights;        // intensities
     std::vector<Animation> animations;
+    std::vector<Layer> layers;
+    std::vector<Viewport> viewports;
     unsigned shownScene = 0;
 };
 
-using Random = std::mt19937;
-
-// Forty nodes with all of it.
+// Forty nodes with all of it but layers, viewports and pointers.
 ScenePlan MakePlan(Random& random);
+
+// A mesh of twelve vertices for four joints, every one of them in a face.
+ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t material);
 
 // The plan as a document: elements, children, vertices and faces in an order of its own, buffers named at
 // random, transforms of nodes that nothing moves as matrices or in parts.

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "app/operations/export/export_scene.h"
+#include "fuzz/export_choices.h"
+#include "fuzz/scenes.h"
+
+// Exports random scenes under random option words. What comes out is a scene again.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zr;
+    test::Random choices = fuzz::ChoicesOf(data, size);
+    const ExportOptions options = fuzz::MakeExportOptions(choices);
+    std::string map;
+    try {
+        Exported exported = ExportScene(
+            fuzz::TheHost(), LoadedScene(fuzz::MakeDocument(choices)), options, [](double) {},
+            choices.Chance() ? &map : nullptr);
+        LoadedScene(std::move(exported.document));
+    } catch (const std::runtime_error&) {
+    }
+    return 0;
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "app/services/font_file.h"
+#include "base/error.h"
+
+// The names that a font file says of itself.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    try {
+        zr::ReadFontNames(std::as_bytes(std::span(data, size)), "fuzz.ttf");
+    } catch (const zr::Error&) {
+    }
+    return 0;
+}
