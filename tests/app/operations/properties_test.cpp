@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// What holds for every scene, on random ones.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "app/operations/clean/clean_scene.h"
+#include "app/operations/compare/compare_scenes.h"
+#include "app/operations/export/export_scene.h"
+#include "app/operations/export/tool_run.h"
+#include "app/scene/animations_of.h"
+#include "kernix/host_app_base.h"
+#include "tests/app/operations/wild_plan.h"
+#include "tests/gltf/sample.h"
+
+namespace zr::test {
+namespace {
+
+Host& TheHost() {
+    static Host& host = *[] {
+        auto* made = new Host("en");
+        made->LoadModule();
+        return made;
+    }();
+    return host;
+}
+
+// Gives each seed's scene to `check`, made by `make` as often as it is asked for.
+void ForEachScene(ScenePlan (*make)(Random&), unsigned count,
+                  const std::function<void(const std::function<gltf::Document()>& scene)>& check) {
+    for (unsigned seed = 0; seed < count; ++seed) {
+        SCOPED_TRACE(seed);
+        check([&] {
+            Random random(seed);
+            const ScenePlan plan = make(random);
+            return Write(plan, random);
+        });
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+void ExpectSame(const gltf::Document& before, const gltf::Document& after,
+                const compare::CompareOptions& options) {
+    const compare::CompareResult result = compare::CompareScenes(before, after, options);
+    for (std::size_t i = 0; i < compare::kAspects; ++i)
+        EXPECT_TRUE(result.same[i]) << compare::kAspectNames[i] << ": points " << result.movedPoint.amount
+                                    << " at " << result.movedPoint.where << ", nodes " << result.node.amount
+                                    << " at " << result.node.where << ", values " << result.value.amount
+                                    << " at " << result.value.where
+                                    << (result.drawn.empty() ? "" : result.drawn[0])
+                                    << (result.structure.empty() ? "" : result.structure[0]);
+}
+
+TEST(Properties, ASceneThatIsSavedIsTheOneThatWasLoaded) {
+    const TemporaryFolder folder;
+    ForEachScene(MakeWildPlan, 60, [&](const auto& scene) {
+        const std::string before = gltf::WriteJson(scene().Root(), false);
+        EXPECT_EQ(gltf::WriteJson(LoadedScene(scene()).WriteBack().Root(), false), before);
+        for (const char* name : {"out.glb", "out.gltf"}) {
+            scene().Save(folder / name);
+            compare::CompareOptions exact;
+            exact.tolerance = {1e-30, 0, 0};
+            ExpectSame(scene(), gltf::Document::Load(folder / name), exact);
+        }
+    });
+}
+
+TEST(Properties, EveryRecordStandsOnceBelowARoot) {
+    ForEachScene(MakeWildPlan, 60, [](const auto& scene) {
+        for (const std::uint32_t splits : {0U, std::uint32_t{vl::tk::kGeometrySplit | vl::tk::kGroupSplit}}) {
+            LoadedScene loaded(scene());
+            ExportOptions options;
+            options.exportFlags |= splits;
+            const auto animations = AnimationsOf(loaded.Scene());
+            const Tool tool = RunTool(TheHost(), loaded.Scene(),
+                                      animations.empty() ? nullptr : animations.front(), options);
+            std::set<const ExportNode*> met;
+            std::vector<const ExportNode*> open;
+            for (const ExportNode* root : vl::ArrayOf<ExportNode*>(tool->m_pRoots)) open.push_back(root);
+            while (!open.empty()) {
+                const ExportNode* record = open.back();
+                open.pop_back();
+                ASSERT_TRUE(met.insert(record).second) << "a record stands twice";
+                for (const ExportNode* child : vl::ArrayOf<ExportNode*>(record->pChildren)) {
+                    EXPECT_EQ(child->pParent, record);
+                    open.push_back(child);
+                }
+            }
+            std::set<const ExportNode*> all;
+            for (const ExportNode* record : AllRecords(tool)) {
+                EXPECT_TRUE(all.insert(record).second) << "a record is listed twice";
+                EXPECT_TRUE(record->pParent == nullptr || all.contains(record->pParent))
+                    << "a parent comes later";
+            }
+            EXPECT_EQ(all, met);
+        }
+    });
+}
+
+// Transforms, weights and what pointers drive.
+TEST(Properties, AnExportPlaysAsItsSource) {
+    const TemporaryFolder folder;
+    ForEachScene(MakeLivelyPlan, 25, [&](const auto& scene) {
+        ExportOptions options;
+        options.exportFlags |= vl::tk::kMergeKeys;
+        ExportScene(TheHost(), LoadedScene(scene()), options, [](double) {
+        }).document.Save(folder / "out.glb");
+        compare::CompareOptions comparison;
+        // Turned curves are straightened to a hundred thousandth of their range, along the whole hierarchy.
+        comparison.tolerance = {2e-3, 1e-3, 1e-3};
+        comparison.aspects[static_cast<std::size_t>(compare::Aspect::kStructure)] = false;
+        ExpectSame(scene(), gltf::Document::Load(folder / "out.glb"), comparison);
+    });
+}
+
+TEST(Properties, ACleaningChangesNothingThatIsSeen) {
+    const TemporaryFolder folder;
+    EnvironmentService environment(TheHost());
+    const auto context = vl::Ref<vl::Context>::AdoptNew(kernix::CreateContext());
+    const auto cleaner = TheHost().Create<zr_CLEANER>(kTypeCleaner);
+    CleanOptions options;
+    for (std::size_t i = 0; i < kCleanSteps; ++i) options.steps[i] = kCleanStepInfo[i].unseen;
+    // A comparison tells materials by their names too.
+    options.steps[static_cast<std::size_t>(CleanStep::kEqualMaterials)] = false;
+    ForEachScene(MakeLivelyPlan, 25, [&](const auto& scene) {
+        gltf::Document document = scene();
+        CleanDocument(document, *cleaner, environment, context.Get(), options, [](double) {});
+        document.Save(folder / "out.glb");
+        compare::CompareOptions comparison;
+        // Where materials went, others have their numbers, by which values are compared.
+        for (const compare::Aspect aspect :
+             {compare::Aspect::kStructure, compare::Aspect::kNodes, compare::Aspect::kValues})
+            comparison.aspects[static_cast<std::size_t>(aspect)] = false;
+        ExpectSame(scene(), gltf::Document::Load(folder / "out.glb"), comparison);
+    });
+}
+
+}  // namespace
+}  // namespace zr::test
