@@ -6,8 +6,8 @@
 
 namespace zr {
 
-// How much memory may be taken for what is made of an input, so that it is bounded by what the input holds
-// and not by what it claims. Either a stated total, or a multiple of the input with a floor.
+// How much memory may be used for what an input describes, bounded by what the input holds and not by what it
+// claims: either a stated total, or a multiple of the input's size with a floor.
 class Budget {
 public:
     static constexpr std::uint64_t kFloor = std::uint64_t{256} << 20;
@@ -21,8 +21,8 @@ public:
     }
     std::uint64_t Left() const { return Total() - std::min(m_taken, Total()); }
 
-    // Input that was read takes its own size. False, here and below: there is not as much left, and nothing
-    // is taken.
+    // Counts input that was read, at its own size. False, here and below: not enough is left, and nothing is
+    // taken.
     bool AddInput(std::uint64_t bytes) {
         m_input += bytes;
         return Take(bytes);

@@ -3,8 +3,8 @@
 
 namespace zr {
 
-// While one lives, a signal that would end the process waits; it ends it when the last one goes. For steps
-// that belong together and take no time.
+// While an object of this class exists, signals that would end the process wait until the last one is
+// destroyed. For short sequences of steps that must not be separated.
 class HoldFatalSignals {
 public:
     HoldFatalSignals();
@@ -13,9 +13,9 @@ public:
     HoldFatalSignals& operator=(const HoldFatalSignals&) = delete;
 };
 
-// A signal handler: removes the temporary files of this process and ends it as the signal does. Installed by
-// the first temporary file for every signal that has no other handler; a program that handles one itself may
-// hand it on here.
+// A signal handler: removes this process's temporary files and ends the process as the signal would. The
+// first temporary file installs it for every signal without a handler; a program that handles a signal itself
+// may pass it on here.
 extern "C" void EndBySignal(int signal);
 
 // For the handler of a user's wish to stop: leaves the process a moment to end by itself, then removes its

@@ -23,7 +23,7 @@ using File = std::unique_ptr<std::FILE, Closer>;
 }
 
 [[noreturn]] void FailTooLarge(const fs::path& path, std::uint64_t limit) {
-    throw Error(PathToUtf8(path), "", Join("has more than the ", limit, " bytes that may be read of it"));
+    throw Error(PathToUtf8(path), "", Join("is larger than the ", limit, " bytes that may be read"));
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ FileContent ReadFile(const fs::path& path, std::uint64_t limit) {
     std::size_t room = status ? std::size_t{1} << 16 : static_cast<std::size_t>(stated);
     FileContent content{std::make_unique_for_overwrite<std::byte[]>(room + 1), 0};
     for (;;) {
-        // One byte more than fits tells the end of the file from a file that grew.
+        // Asking for one byte more than fits tells the end of the file from a file that grew.
         const std::size_t got =
             std::fread(content.data.get() + content.size, 1, room + 1 - content.size, file.get());
         content.size += got;

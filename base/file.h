@@ -26,8 +26,8 @@ struct FileContent {
 
 inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-// Reads a whole file; memory grows with what is really there, also from a device without an end. Throws
-// Error, also when there are more than `limit` bytes.
+// Reads a whole file. Memory grows with what is actually read, even from an endless device. Throws Error,
+// also for more than `limit` bytes.
 FileContent ReadFile(const std::filesystem::path& path, std::uint64_t limit = kNoLimit);
 
 inline Bytes BytesOf(std::string_view text) {

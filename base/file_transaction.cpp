@@ -18,7 +18,7 @@ fs::path FolderOf(const fs::path& file) {
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-// Where links lead, also to a file that is not there yet.
+// Follows links, even to a file that does not exist yet.
 fs::path Followed(fs::path file) {
     constexpr int kMaxLinks = 40;
     const fs::path first = file;
@@ -33,7 +33,7 @@ fs::path Followed(fs::path file) {
     return file;
 }
 
-// One form of a name, so that two ways to one file are seen.
+// A canonical form of a name, so that two paths to one file are recognised.
 fs::path Identity(const fs::path& file) {
     std::error_code failure;
     const fs::path canonical = fs::weakly_canonical(fs::absolute(FolderOf(file), failure), failure);
@@ -91,7 +91,7 @@ OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
     if (fs::is_directory(status))
         FailWith(target, kCannotReplace, std::make_error_code(std::errc::is_a_directory));
     if (!isNew && fs::exists(status) && !fs::is_regular_file(status))
-        throw Error(PathToUtf8(target), "", "cannot be replaced: it is no regular file");
+        throw Error(PathToUtf8(target), "", "cannot be replaced: it is not a regular file");
 
     fs::path folder = FolderOf(name);
     std::vector<fs::path> missing;
@@ -132,7 +132,7 @@ void FileTransaction::MakeFolders() {
     }
 }
 
-// Gives the file its name. A file that another one follows can still be put back.
+// Gives the file its name. Unless it is the last one, the file it replaces can still be put back.
 void FileTransaction::Name(OutputFile& file, bool isLast) {
     std::error_code failure;
     if (file.m_isNew) {
@@ -157,14 +157,14 @@ void FileTransaction::Commit() {
     for (OutputFile& file : m_files) order.push_back(&file);
     std::stable_partition(order.begin(), order.end(), [](const OutputFile* file) { return file->m_isNew; });
 
-    // Once all have their names nothing may fail any more.
+    // Once all files have their names nothing may fail.
     const fs::path folder = m_files.empty() ? fs::path() : FolderOf(m_files.back().m_name);
     const HoldFatalSignals hold;
     try {
         MakeFolders();
         for (OutputFile* file : order) {
             const bool isLast = file == order.back();
-            // What the last file may refer to is on the disk before it.
+            // What the last file may refer to must reach the disk before it.
             if (isLast && order.size() > 1) SyncFolder(FolderOf(file->m_name));
             Name(*file, isLast);
         }
@@ -182,7 +182,7 @@ void FileTransaction::Undo() noexcept {
     for (OutputFile& file : m_files) {
         if (!file.m_backup.empty()) {
             fs::rename(file.m_backup, file.m_name, ignored);
-            // Renaming a name of the same file does nothing.
+            // Renaming one name of a file to another name of the same file does nothing.
             fs::remove(file.m_backup, ignored);
         } else if (file.m_isNamed) {
             fs::remove(file.m_name, ignored);

@@ -19,7 +19,7 @@ class OutputFile {
 public:
     void Write(Bytes bytes);
     void Write(std::string_view text) { Write(BytesOf(text)); }
-    // Writes over bytes that were written before.
+    // Overwrites bytes that were written earlier.
     void Overwrite(std::uint64_t offset, Bytes bytes);
     std::uint64_t Size() const { return m_flushed + m_buffer.size(); }
 
@@ -31,33 +31,32 @@ private:
     void Check(std::error_code failure) const;
 
     std::filesystem::path m_target;  // as it was asked for, for messages
-    std::filesystem::path m_name;    // where links lead
-    std::filesystem::path m_backup;  // another name of what was replaced
+    std::filesystem::path m_name;    // with links followed
+    std::filesystem::path m_backup;  // a second name of the file that was replaced
     NewFile m_file;
     std::vector<std::byte> m_buffer;
     std::uint64_t m_flushed = 0;
-    bool m_isNew = false;       // the name must not be in use
+    bool m_isNew = false;       // the name must be unused
     bool m_isFinished = false;  // on the disk
     bool m_isNamed = false;
 };
 
-// Files that appear together or not at all. They are written out of sight; Commit puts them on the disk and
-// then gives them their names: first those under names nobody uses, then, in the order they were begun, those
-// that take the place of others. Of a transaction with one such file its replacement is the commit, in one
-// step. Without Commit, or when a signal ends the process before it, nothing has changed.
+// Files that appear together or not at all. They are written out of sight; Commit flushes them to the disk
+// and then gives them their names: first the new ones, then, in the order they were begun, those that replace
+// existing files. When only one file replaces another, that replacement is the commit, in one step. Without
+// Commit, or when a signal ends the process before it, nothing changes.
 //
-// A file that is replaced keeps its permissions. Where the target is a link, the file it leads to is
-// replaced.
+// The permissions of a replaced file are kept. Where the target is a link, the file it points to is replaced.
 class FileTransaction {
 public:
     FileTransaction() = default;
     FileTransaction(const FileTransaction&) = delete;
     FileTransaction& operator=(const FileTransaction&) = delete;
 
-    // Begins a file. Folders that are missing are made by Commit. The reference holds as long as the
-    // transaction. Throws Error, also when the transaction has a file of that name already.
+    // Begins a file. Commit creates missing folders. The reference is valid as long as the transaction.
+    // Throws Error, also when the transaction already has a file of that name.
     OutputFile& Create(const std::filesystem::path& target) { return Begin(target, false); }
-    // The same for a name that nothing has, also when Commit comes to it.
+    // The same for a name that must be unused, now and when Commit reaches it.
     OutputFile& CreateNew(const std::filesystem::path& target) { return Begin(target, true); }
     // The same with the whole content.
     void Add(const std::filesystem::path& target, Bytes content);
@@ -66,10 +65,10 @@ public:
     // Whether it has a file of that name.
     bool Has(const std::filesystem::path& target) const;
 
-    // Takes away a file once all others are in their places. That it cannot be is no failure.
+    // Deletes a file once all others are in place. Not being able to is not a failure.
     void RemoveAfterwards(const std::filesystem::path& file) { m_superseded.push_back(file); }
 
-    // Throws Error, with everything as it was, when a file cannot take its place.
+    // Throws Error and restores everything when a file cannot be put in place.
     void Commit();
 
 private:

@@ -10,8 +10,8 @@
 
 namespace zr {
 
-// A file on its way to its name: under no name at all where the system can do that, else under a temporary
-// one, which goes with the object, or with the process when a signal ends that. What fails is returned.
+// A file that does not have its name yet: it has none at all where the system allows that, else a temporary
+// one, which is removed with the object, or when a signal ends the process. Failures are returned.
 class NewFile {
 public:
     NewFile();
@@ -19,16 +19,16 @@ public:
     NewFile(NewFile&&) noexcept;
     NewFile& operator=(NewFile&&) noexcept;
 
-    // In the folder, which is there.
+    // Creates it in an existing folder.
     std::error_code Open(const std::filesystem::path& folder);
     std::error_code Write(std::uint64_t offset, Bytes bytes);
     // Takes on the permissions of another file.
     std::error_code SetModeOf(const std::filesystem::path& other);
-    // All is on the disk when this returns; no more may be written.
+    // Flushes everything to the disk; nothing may be written afterwards.
     std::error_code Finish();
 
     // Gives the finished file a name on the file system of the folder. LinkTo fails (errc::file_exists) where
-    // something has the name already, Replace takes its place in one step.
+    // the name is in use, Replace replaces what has it in one step.
     std::error_code LinkTo(const std::filesystem::path& name);
     std::error_code Replace(const std::filesystem::path& name);
 
@@ -37,11 +37,10 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// A name in the folder that nothing has.
+// An unused name in the folder.
 std::filesystem::path TemporaryName(const std::filesystem::path& folder);
 
-// The names that were given or taken in the folder are on the disk when this returns, where the system can do
-// that.
+// Flushes names that were given or removed in the folder to the disk, where the system can do that.
 void SyncFolder(const std::filesystem::path& folder) noexcept;
 
 }  // namespace zr

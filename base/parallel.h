@@ -11,14 +11,14 @@
 
 namespace zr {
 
-// How many threads a wish for `jobs` means: 0 stands for one a core.
+// The number of threads that `jobs` asks for; 0 stands for one per core.
 inline unsigned Jobs(unsigned jobs) {
     return jobs != 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
 }
 
-// Calls work(i) for every i below count, each once, on at most `jobs` threads (0: one a core), the caller's
-// among them. Calls on different i must not touch the same data. When one throws, no further one begins, and
-// the first exception is thrown on. Without threads to be had the caller does all.
+// Calls work(i) once for every i below count, on at most `jobs` threads (0: one per core), the caller's among
+// them. Calls for different i must not touch the same data. When one throws, no further call starts and the
+// first exception is rethrown. When no thread can be started the caller does all the work.
 template <typename Work>
 void ParallelFor(std::size_t count, unsigned jobs, Work work) {
     std::atomic<std::size_t> next{0};

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kHex[] = "0123456789ABCDEF";
 
-// Characters that move the cursor, end the line or change the order in which others are shown.
+// Characters that move the cursor, end the line or change the display order of others.
 bool Steers(std::uint32_t code) {
     const auto within = [code](std::uint32_t first, std::uint32_t last) {
         return code >= first && code <= last;

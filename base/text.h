@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// One text of several, whole numbers as decimals: Join("/nodes/", 3, "/mesh").
+// Concatenates the parts, integers in decimal: Join("/nodes/", 3, "/mesh").
 template <typename... Parts>
 std::string Join(const Parts&... parts) {
     std::string joined;
@@ -35,9 +35,9 @@ FirstCharacter FirstCharacterOf(std::string_view text);
 // Whether a file's name has the ending (".glb"), in upper or lower case.
 bool HasEnding(std::string_view name, std::string_view ending);
 
-// The text as one line that a terminal shows and does not obey: control characters, separators of lines,
-// characters that turn the direction of writing, and bytes that are not UTF-8 become escapes ("\n", "\x1B",
-// "\u202E"). What it returned once it returns unchanged.
+// The text as one line that is safe to show on a terminal: control characters, line separators, characters
+// that change the writing direction and bytes that are not UTF-8 become escapes ("\n", "\x1B", "\u202E").
+// Applying it twice changes nothing more.
 std::string Printable(std::string_view text);
 
 }  // namespace zr

@@ -12,7 +12,7 @@
 namespace zr::gltf {
 namespace {
 
-// Where the elements of an accessor (or of the values of its sparse part) stand.
+// Where the elements of an accessor (or the values of its sparse part) are stored.
 struct Source {
     Bytes bytes;
     std::size_t offset = 0;
@@ -77,7 +77,7 @@ void Copy(const AccessorInfo& info, const Source& source, std::size_t from, std:
         case Component::kUnsignedInt:
             return CopyElements<std::uint32_t>(info, source, from, count, out);
         case Component::kFloat:
-            // Integers of a float accessor are never asked for.
+            // Nobody asks for the integers of a float accessor.
             if constexpr (std::is_same_v<Out, float>) CopyElements<float>(info, source, from, count, out);
     }
 }

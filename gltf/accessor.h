@@ -21,7 +21,7 @@ enum class Component : std::uint32_t {
     kFloat = 5126,
 };
 
-// Bytes of a component, or 0 for a number that names none.
+// Bytes per component, or 0 for an unknown component type.
 std::size_t SizeOf(std::uint64_t component);
 
 // The shape of an accessor type ("VEC3": 3 rows, 1 column; "MAT4": 4 and 4), or nothing for an unknown name.
@@ -33,7 +33,7 @@ struct ElementShape {
 };
 std::optional<ElementShape> ShapeOf(std::string_view type);
 
-// What an accessor's elements are.
+// The layout of an accessor's elements.
 struct AccessorInfo {
     Component component = Component::kFloat;
     ElementShape shape;
@@ -41,7 +41,7 @@ struct AccessorInfo {
     bool normalized = false;
 
     std::size_t ComponentSize() const { return SizeOf(static_cast<std::uint64_t>(component)); }
-    // Bytes from column to column (matrix columns start at multiples of 4) and of a whole element.
+    // Bytes from one column to the next (matrix columns start at multiples of 4), and of a whole element.
     std::size_t ColumnSize() const;
     std::size_t ElementSize() const { return ColumnSize() * shape.columns; }
     // Bytes of the last element, which needs no padding behind its last column.
@@ -50,19 +50,19 @@ struct AccessorInfo {
     }
 };
 
-// Of a checked document; `accessor` is an index in range.
+// For a checked document; `accessor` must be in range.
 AccessorInfo Describe(const Document& document, std::size_t accessor);
 
-// Whether the elements can be read: stored, and not in compressed form. An accessor without a view reads as
-// zeros (with its sparse values over them).
+// Whether the elements can be read: they are stored, and not compressed. An accessor without a view reads as
+// zeros (overlaid by its sparse values).
 bool HasData(const Document& document, std::size_t accessor);
 
 // The components as ReadFloats gives them, where they lie in the document; empty when they are stored in
 // another form, are sparse or have gaps. Held as Document::ViewBytes.
 std::span<const float> StoredFloats(const Document& document, std::size_t accessor);
 
-// All components of all elements, element after element, matrices column by column; normalized integers as
-// the fractions they stand for, other integers as they are. Throws Error (kBounds) without data.
+// All components, element by element, matrices column by column; normalized integers as the fractions they
+// represent, other integers as they are. Throws Error (kBounds) when there is no data.
 std::vector<float> ReadFloats(const Document& document, std::size_t accessor);
 // The same for integer components (negative ones wrap); for vertex indices and joints.
 std::vector<std::uint32_t> ReadIntegers(const Document& document, std::size_t accessor);

@@ -5,16 +5,16 @@ namespace zr::gltf {
 
 class Document;
 
-// The checks of a document just read, in the order in which each may rely on those before it. Each throws the
-// Error of the first fault it meets.
+// The checks of a newly read document, in order: each may rely on those before it. Each throws an Error for
+// the first fault it finds.
 
 // Version, types of properties, required properties, indices within their collections.
 void CheckStructure(Document& document);
-// Files that URIs name stand where they may be read; those that are missing are warned of.
+// Files named by URIs lie where reading is allowed; missing ones cause a warning.
 void CheckResources(Document& document);
 // Byte ranges of views and accessors, strides, sparse indices. Buffers are loaded.
 void CheckAccessors(const Document& document);
-// Floats are finite; a document whose are not is warned of.
+// Floats are finite; those that are not cause a warning.
 void CheckNumbers(Document& document);
 // Nodes form trees, scenes list roots, joints of a skin share a root.
 void CheckHierarchy(const Document& document);

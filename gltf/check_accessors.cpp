@@ -11,12 +11,11 @@
 namespace zr::gltf {
 namespace {
 
-// Elements that no stored data backs cost the file nothing: what is made of them weighs as much again as what
-// is read.
+// Elements without stored data cost the file nothing, so the memory they would take is bounded separately.
 constexpr std::uint64_t kUnstoredWeight = 4;
-constexpr std::uint64_t kMaxCount = std::uint64_t{1} << 40;  // keeps every product below 2^64
+constexpr std::uint64_t kMaxCount = std::uint64_t{1} << 40;  // keeps all products below 2^64
 
-// A place in an element; as text only when there is a fault to tell.
+// A place in an element, turned into text only when there is a fault to report.
 struct Spot {
     std::string_view collection;
     std::size_t index;
@@ -49,21 +48,21 @@ public:
             const std::uint64_t stride = IndexMember(views[i], "byteStride");
             if (stride < 4 || stride > 252 || stride % 4 != 0)
                 m_document.Fail(ErrorKind::kBounds, view.Place("/byteStride"),
-                                Join(stride, " is no multiple of 4 from 4 to 252"));
+                                Join(stride, " is not a multiple of 4 from 4 to 252"));
         }
     }
 
     void Accessor(const Json& accessor, std::size_t index) {
         const Spot spot{"accessors", index};
         const std::size_t size = SizeOf(IndexMember(accessor, "componentType"));
-        if (size == 0) Fail(spot.Place("/componentType"), "is no component type");
-        if (!ShapeOf(accessor.Find("type")->String())) Fail(spot.Place("/type"), "is no accessor type");
+        if (size == 0) Fail(spot.Place("/componentType"), "is not a component type");
+        if (!ShapeOf(accessor.Find("type")->String())) Fail(spot.Place("/type"), "is not an accessor type");
         const AccessorInfo info = Describe(m_document, index);
         if (info.count > kMaxCount) Limit(spot.Place("/count"));
         const Json* sparse = accessor.Find("sparse");
         const bool isStored = accessor.Find("bufferView") != nullptr;
         if (isStored) InView(accessor, info, info.count, spot);
-        // However often its bytes are named, everything can be read once.
+        // Each accessor is read at most once, however often its bytes are referred to.
         m_decoded += info.count * info.shape.Components() * sizeof(float) * (isStored ? 1 : kUnstoredWeight);
         if (m_decoded > m_document.Budget().Total()) Limit(spot.Place("/count"));
         for (std::string_view bound : {"min", "max"}) {
@@ -85,7 +84,7 @@ private:
                             Join(Range(offset, length, available), " in its buffer"));
     }
 
-    // `count` elements as `info` tells of them, at the view and offset that `part` names.
+    // Checks that `count` elements of the layout `info` fit at the view and offset that `part` names.
     void InView(const Json& part, const AccessorInfo& info, std::uint64_t count, const Spot& spot) {
         const std::uint64_t size = info.ElementSize();
         const Json& view = m_document.Elements(Kind::kBufferView)[IndexMember(part, "bufferView")];
@@ -110,7 +109,7 @@ private:
         const Json& indices = *sparse.Find("indices");
         const std::uint64_t component = IndexMember(indices, "componentType");
         if (component != 5121 && component != 5123 && component != 5125)
-            Fail(spot.Place("/indices/componentType"), "is no unsigned component type");
+            Fail(spot.Place("/indices/componentType"), "is not an unsigned component type");
         const std::size_t size = SizeOf(component);
         const AccessorInfo places{static_cast<Component>(component), {}, count, false};
         InView(indices, places, count, {spot.collection, spot.index, "/sparse/indices"});
@@ -138,7 +137,7 @@ private:
         m_document.Fail(ErrorKind::kStructure, place, text);
     }
     [[noreturn]] void Limit(const std::string& place) {
-        m_document.Fail(ErrorKind::kLimit, place, "more elements than a file of this size may ask for");
+        m_document.Fail(ErrorKind::kLimit, place, "more elements than a file of this size may claim");
     }
 
     const Document& m_document;

@@ -19,7 +19,7 @@ struct Path {
 };
 constexpr Path kPaths[] = {{"translation", 3}, {"rotation", 4}, {"scale", 3}};
 
-// A sampler or channel; as text only when there is a fault to tell.
+// A sampler or channel, turned into text only when there is a fault to report.
 struct Part {
     std::size_t animation;
     std::string_view list;
@@ -61,7 +61,7 @@ public:
         const auto twice = std::adjacent_find(driven.begin(), driven.end(), Driven::SameGoal);
         if (twice != driven.end())
             Fail({index, "channels", (twice + 1)->channel}, "/target",
-                 "another channel of the animation drives the same");
+                 "another channel of the animation drives the same property");
     }
 
 private:
@@ -80,13 +80,14 @@ private:
         const Json* interpolation = sampler.Find("interpolation");
         if (interpolation != nullptr && interpolation->String() != "LINEAR" &&
             interpolation->String() != "STEP" && !IsCubic(sampler))
-            Fail(part, "/interpolation", "is none of LINEAR, STEP and CUBICSPLINE");
+            Fail(part, "/interpolation", "is not LINEAR, STEP or CUBICSPLINE");
         const std::size_t input = IndexMember(sampler, "input");
         const AccessorInfo times = Describe(m_document, input);
         if (times.component != Component::kFloat || times.shape.Components() != 1)
             Fail(part, "/input", "key times are not floats");
         if (times.count < (IsCubic(sampler) ? 2U : 1U))
-            Fail(part, "/input", Join(times.count, " keys make no curve"));
+            Fail(part, "/input",
+                 IsCubic(sampler) ? "a cubic sampler needs two keys" : "a sampler needs a key");
         Times(input, part);
     }
 

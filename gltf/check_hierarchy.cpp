@@ -36,7 +36,7 @@ std::vector<std::size_t> Parents(const Document& document) {
     return parents;
 }
 
-// The root above each node. A node whose chain of parents comes back to it is a fault.
+// The root above each node. A node that is its own ancestor is a fault.
 std::vector<std::size_t> Roots(const Document& document, const std::vector<std::size_t>& parents) {
     std::vector<std::size_t> roots(parents.size(), kNone);
     std::vector<bool> onPath(parents.size(), false);
@@ -72,9 +72,9 @@ void CheckScenes(const Document& document, const std::vector<std::size_t>& paren
             const std::size_t node = *item.Index();
             const std::string place = Join("/scenes/", i, "/nodes");
             if (parents[node] != kNone)
-                document.Fail(ErrorKind::kHierarchy, place, Join("node ", node, " is no root"));
+                document.Fail(ErrorKind::kHierarchy, place, Join("node ", node, " is not a root"));
             if (listedIn[node] == i)
-                document.Fail(ErrorKind::kHierarchy, place, Join("node ", node, " stands there twice"));
+                document.Fail(ErrorKind::kHierarchy, place, Join("node ", node, " is listed twice"));
             listedIn[node] = i;
         }
     }
@@ -104,7 +104,7 @@ void CheckSkins(const Document& document, const std::vector<std::size_t>& roots)
         if (info.component != Component::kFloat || info.shape.Components() != 16 ||
             info.count < joints.size())
             document.Fail(ErrorKind::kHierarchy, Join(place, "/inverseBindMatrices"),
-                          Join("are not one matrix of floats for each of ", joints.size(), " joints"));
+                          Join("must hold one matrix of floats for each of the ", joints.size(), " joints"));
     }
 }
 

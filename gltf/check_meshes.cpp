@@ -37,10 +37,12 @@ public:
         const std::size_t targets = Targets(primitives[0]);
         for (std::size_t i = 1; i < primitives.size(); ++i)
             if (Targets(primitives[i]) != targets)
-                Fail(Spot{index, i}.Place("/targets"), "are not as many as in the mesh's first primitive");
+                Fail(Spot{index, i}.Place("/targets"),
+                     "differ in number from those of the mesh's first primitive");
         const Json* weights = mesh.Find("weights");
         if (weights != nullptr && weights->Items().size() != targets)
-            Fail(Join("/meshes/", index, "/weights"), Join("are not one for each of ", targets, " targets"));
+            Fail(Join("/meshes/", index, "/weights"),
+                 Join("must hold one weight for each of the ", targets, " targets"));
     }
 
     static std::size_t Targets(const Json& primitive) {
@@ -50,7 +52,7 @@ public:
 
 private:
     void Primitive(const Json& primitive, const Spot& spot) {
-        if (IndexMember(primitive, "mode", 4) >= kModes) Fail(spot.Place("/mode"), "is no primitive mode");
+        if (IndexMember(primitive, "mode", 4) >= kModes) Fail(spot.Place("/mode"), "is not a primitive mode");
         const Json& attributes = *primitive.Find("attributes");
         std::optional<std::size_t> vertices;
         Attributes(attributes, spot, vertices);
@@ -67,12 +69,12 @@ private:
         };
         for (const JsonMember& member : attributes.Members()) {
             const AccessorInfo info = Describe(m_document, *member.value.Index());
-            // What is not stored costs the file nothing however often it is used.
+            // Data that is not stored costs the file nothing, however often it is used.
             if (m_document.Elements(Kind::kAccessor)[*member.value.Index()].Find("bufferView") == nullptr)
                 m_unstored += info.count * info.shape.Components() * sizeof(float);
             if (m_unstored > m_document.Budget().Total())
                 m_document.Fail(ErrorKind::kLimit, place(member),
-                                "more elements than a file of this size may ask for");
+                                "more elements than a file of this size may claim");
             if (!vertices) vertices = info.count;
             if (info.count != *vertices)
                 Fail(place(member),
@@ -89,12 +91,12 @@ private:
         if (info.shape.Components() != 1 ||
             (info.component != Component::kUnsignedByte && info.component != Component::kUnsignedShort &&
              info.component != Component::kUnsignedInt))
-            Fail(spot.Place("/indices"), "are not of unsigned integers");
+            Fail(spot.Place("/indices"), "are not unsigned integers");
         if (!vertices || info.count == 0 || !HasData(m_document, accessor)) return;
-        // What a codec holds and nobody decoded reads as zeros.
+        // Compressed data that nobody decoded reads as zeros.
         const bool isStored = m_document.Elements(Kind::kAccessor)[accessor].Find("bufferView") != nullptr;
         if (IsCompressed(primitive) && !isStored && !m_document.SuppliedBytes(accessor)) return;
-        // An accessor that many primitives share is read once.
+        // An accessor shared by many primitives is read once.
         if (!m_highest[accessor]) {
             const std::vector<std::uint32_t> indices = ReadIntegers(m_document, accessor);
             m_highest[accessor] = *std::max_element(indices.begin(), indices.end());
@@ -133,7 +135,7 @@ void CheckMeshes(const Document& document) {
             mesh < meshes.size() ? Meshes::Targets(meshes[mesh].Find("primitives")->Items()[0]) : 0;
         if (weights->Items().size() != targets)
             document.Fail(ErrorKind::kMesh, Join("/nodes/", i, "/weights"),
-                          Join("are not one for each of ", targets, " targets"));
+                          Join("must hold one weight for each of the ", targets, " targets"));
     }
 }
 

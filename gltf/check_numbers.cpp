@@ -35,7 +35,7 @@ bool IsFinite(const Document& document, const Json& accessor, std::size_t index)
     const std::byte* first = bytes->data() + IndexMember(accessor, "byteOffset");
     const std::size_t width = info.shape.Components(), size = info.ElementSize();
     const std::size_t stride = IndexMember(document.Elements(Kind::kBufferView)[view], "byteStride", size);
-    // Without gaps all elements are one row.
+    // Without gaps, all elements form one row.
     return stride == size ? AreFinite(first, 1, width * info.count, 0)
                           : AreFinite(first, info.count, width, stride);
 }

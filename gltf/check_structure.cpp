@@ -19,7 +19,7 @@ std::string_view Wanted(Shape shape) {
             return "an index";
         case Shape::kPointer:
         case Shape::kString:
-            return "a text";
+            return "a string";
         case Shape::kBool:
             return "true or false";
         case Shape::kNumber:
@@ -122,7 +122,7 @@ Version VersionAt(const Document& document, const Json& asset, std::string_view 
         good = minor.ec == std::errc() && minor.ptr == end;
     }
     if (!good)
-        document.Fail(ErrorKind::kVersion, Join("/asset/", name), Join("\"", text, "\" is no version"));
+        document.Fail(ErrorKind::kVersion, Join("/asset/", name), Join("\"", text, "\" is not a version"));
     return version;
 }
 
@@ -132,19 +132,19 @@ void CheckVersion(const Document& document) {
     const Version version = VersionAt(document, *asset, "version");
     if (version.major != 2)
         document.Fail(ErrorKind::kVersion, "/asset/version",
-                      Join("version ", version.major, ".x is not understood, only 2.x"));
+                      Join("version ", version.major, ".x is not supported, only 2.x"));
     const Json* minimum = asset->Find("minVersion");
     if (minimum == nullptr || !minimum->IsString()) return;
     const Version least = VersionAt(document, *asset, "minVersion");
     if (least.major != 2 || least.minor != 0)
         document.Fail(ErrorKind::kVersion, "/asset/minVersion",
-                      Join("version ", minimum->String(), " is needed, 2.0 is understood"));
+                      Join("version ", minimum->String(), " is needed, but only 2.0 is supported"));
 }
 
 }  // namespace
 
 void CheckStructure(Document& document) {
-    // A wrong version explains every other fault, so it comes first.
+    // A wrong version explains all other faults, so it comes first.
     CheckVersion(document);
     StructureCheck check(document);
     Walk(document.Root(), check);

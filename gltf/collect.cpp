@@ -9,7 +9,7 @@
 namespace zr::gltf {
 namespace {
 
-// Marks what can be reached from what is not up for collection.
+// Marks everything that is reachable from elements that are not subject to collection.
 class Marker {
 public:
     Marker(Document& document, KindSet kinds) : m_document(document), m_kinds(kinds) {
@@ -101,14 +101,14 @@ bool DropUnusedSamplers(Document& document) {
     return dropped;
 }
 
-// Bytes [begin, end) that ranges hold.
+// The bytes [begin, end) covered by ranges.
 struct Block {
     std::size_t begin;
     std::size_t end;
 };
 
-// Moves the bytes of a buffer that ranges hold together. Every block keeps its offset modulo 4, so that
-// elements stay aligned and a second run finds nothing to do. Returns how many bytes went.
+// Packs the bytes of a buffer that ranges cover. Every block keeps its offset modulo 4, so that elements stay
+// aligned and a second run finds nothing to do. Returns the number of bytes removed.
 std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& ranges) {
     const auto bytes = document.BufferBytes(buffer);
     if (!bytes) return 0;

@@ -14,7 +14,7 @@
 namespace zr::gltf {
 namespace {
 
-// Whether a text goes over lines; its first ones tell.
+// Whether a text is indented over several lines; its first lines tell.
 bool IsIndented(std::string_view text) {
     constexpr std::size_t kLooked = 4096;
     const std::size_t last = text.find_last_not_of(" \r\n");
@@ -63,7 +63,7 @@ Document Document::FromBytes(Bytes content, const std::filesystem::path& file, c
 FileContent Document::ReadInput(const std::filesystem::path& file) {
     std::error_code none;
     const bool isFile = fs::is_regular_file(file, none);
-    // Only what tells its size before it is read makes the default budget grow.
+    // Only input whose size is known before it is read raises the default budget.
     FileContent content = ReadFile(file, isFile && m_options.maxMemory == 0 ? kNoLimit : m_budget.Left());
     if (!m_budget.AddInput(content.size)) FailOverBudget("");
     m_sourceSize += content.size;
@@ -105,8 +105,7 @@ void Document::Read(FileContent content) {
         m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
         if (layout.size != m_content.size)
             Warn(ErrorKind::kContainer, Join("byte ", layout.size),
-                 Join("is not part of the container, nor what follows: ", m_content.size - layout.size,
-                      " in all"));
+                 Join(m_content.size - layout.size, " bytes follow the end of the container"));
     }
     m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);
@@ -153,7 +152,7 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
     Buffer buffer;
     if (IsDataUri(uri)) {
         auto decoded = DecodeDataUri(uri);
-        if (!decoded) Fail(ErrorKind::kUri, place, "a data URI that is malformed");
+        if (!decoded) Fail(ErrorKind::kUri, place, "a malformed data URI");
         buffer.origin = Origin::kText;
         buffer.owned = std::move(*decoded);
         buffer.bytes = buffer.owned;
@@ -302,7 +301,7 @@ void Document::PackBuffer(std::size_t index, std::span<const BlockMove> blocks) 
         buffer.owned.resize(end);
         buffer.bytes = buffer.owned;
     }
-    // A data URI is written anew as one, a container's chunk stays in its container.
+    // A data URI is rewritten as one, a container's chunk stays in its container.
     if (buffer.origin == Origin::kFile) buffer.origin = Origin::kNew;
     Json& json = Elements(Kind::kBuffer)[index];
     m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.bytes.size());

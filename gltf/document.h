@@ -25,17 +25,17 @@ namespace zr::gltf {
 struct LoadOptions {
     bool allowOutside = false;         // files that URIs name may stand outside the document's folder
     std::uint64_t maxMemory = 0;       // bytes, a stated Budget; 0: the default one
-    const Decoder* decoder = nullptr;  // used while loading; null: compressed content stays unread
+    const Decoder* decoder = nullptr;  // used while loading; null leaves compressed content unread
 };
 
-// A glTF 2.0 document: its JSON tree, edited in place, and its buffers. What the program does not know goes
-// out as it came in. After Load all that the accessors and the scene rely on has been checked: types, index
+// A glTF 2.0 document: its JSON tree, edited in place, and its buffers. Content that the program does not
+// know is written as it was read. Load checks everything that accessors and scene rely on: types, index
 // ranges, byte ranges, the node tree, meshes, skins and animations.
 class Document {
 public:
     // Throws Error.
     static Document Load(const std::filesystem::path& file, const LoadOptions& options = {});
-    // The same from memory; buffers of their own are looked for beside `file`, which need not exist.
+    // The same from memory; external buffers are looked for beside `file`, which need not exist.
     static Document FromBytes(Bytes content, const std::filesystem::path& file,
                               const LoadOptions& options = {});
 
@@ -45,77 +45,76 @@ public:
     const std::filesystem::path& File() const { return m_file; }
     [[noreturn]] void Fail(ErrorKind kind, std::string_view place, std::string_view text) const;
 
-    // Takes memory that the document's content asks for, beyond what it takes itself, from its budget. Throws
-    // Error (kLimit, at `place`) when there is not as much left. One thread at a time.
+    // Takes memory that the content requires beyond the document itself from the document's budget. Throws
+    // Error (kLimit, at `place`) when not enough is left. One thread at a time.
     void Claim(std::uint64_t bytes, std::string_view place);
     const zr::Budget& Budget() const { return m_budget; }
 
-    // Bytes of all files the document came in: its own, its buffers, images and the like.
+    // Bytes of all files of the document as read: its own, buffers, images and the like.
     std::uint64_t SourceSize() const { return m_sourceSize; }
 
-    // Faults that do not keep the document from being used: files that it names and that are not there.
+    // Faults that do not prevent use of the document, such as missing files.
     std::span<const Error> Warnings() const { return m_warnings; }
     void Warn(ErrorKind kind, std::string_view place, std::string_view text);
 
     // The file that a URI at `place` names, relative to the document's folder; it may be missing. Nothing for
-    // data URIs and for what names no file here (another scheme, malformed). Throws Error (kUri) unless it
-    // stands in that folder, also after following links, and for anything but a regular file.
+    // data URIs and for URIs that name no local file (another scheme, malformed). Throws Error (kUri) when
+    // the file lies outside that folder, links followed, or is not a regular file.
     std::optional<std::filesystem::path> FileOf(std::string_view uri, std::string_view place) const;
     std::filesystem::path Folder() const;
 
-    // The elements of a kind; empty when the document has none. Held until one of the kind is added.
+    // The elements of a kind; empty when the document has none. Valid until one of the kind is added.
     std::span<Json> Elements(Kind kind);
     std::span<const Json> Elements(Kind kind) const;
-    // Adds an element, with its collection where that is missing; its index.
+    // Adds an element, creating its collection if needed; returns its index.
     std::size_t Append(Kind kind, Json element);
     // Adds the name to extensionsUsed (and extensionsRequired).
     void UseExtension(std::string_view name, bool required);
 
-    // The bytes of a buffer or view; nothing when they are not stored (what compressed views stand for is
-    // stored only where the document brings an uncompressed fallback). Held until the buffer is replaced or
-    // appended to.
+    // The bytes of a buffer or view; nothing when they are not stored (compressed views are stored only where
+    // the document has an uncompressed fallback). Valid until the buffer is replaced or appended to.
     std::optional<Bytes> BufferBytes(std::size_t buffer) const;
     std::optional<Bytes> ViewBytes(std::size_t view) const;
 
-    // Content that the document holds in compressed form, as the decoder found it. It can be read like any
-    // other and is never written. A view's bytes are as many as its byteLength, an accessor's elements stand
-    // one after the other without gaps; of another size, they are not taken and the result is false.
+    // Decoded content of what the document holds in compressed form. It can be read like any other content
+    // and is never written. A view must get byteLength bytes, an accessor its elements without gaps; content
+    // of another size is rejected and the result is false.
     bool SupplyView(std::size_t view, std::vector<std::byte> bytes);
     bool SupplyAccessor(std::size_t accessor, std::vector<std::byte> bytes);
-    // The accessor's content could not be made known, though no view says so.
+    // Marks an accessor whose content cannot be decoded although its view does not tell.
     void WithholdAccessor(std::size_t accessor) { m_suppliedAccessors[accessor].reset(); }
-    // Of an accessor that was supplied: its content. Nothing for others.
+    // The content that was supplied for an accessor; nothing for other accessors.
     std::optional<Bytes> SuppliedBytes(std::size_t accessor) const;
     bool IsSuppliedView(std::size_t view) const { return m_suppliedViews.contains(view); }
     bool IsWithheld(std::size_t accessor) const;
-    // Elements of a kind went: those for which keep is false. Called by who removes them.
+    // Tells that the elements of a kind for which keep is false were removed. Called by whoever removes them.
     void RenumberSupplied(Kind kind, const std::vector<bool>& keep);
-    // Supplied content is not known any more, since the document itself has it now.
+    // Drops supplied content, since the document itself now has it.
     void ForgetSupplied();
 
-    // Stores bytes that the document did not have, 4-byte aligned, in a buffer that Save places: the view's
-    // index. `target` 0: none stated. `stride` 0: none stated.
+    // Appends bytes, 4-byte aligned, to a new buffer that Save will place; returns the index of the new view.
+    // `target` and `stride`: 0 for none.
     std::size_t AppendView(Bytes bytes, unsigned target, unsigned stride);
-    // Moves blocks of a buffer's bytes down in place: what lies between them becomes zeros, what lies behind
-    // the last one goes, and byteLength follows. In order; a block moves down or stays, none meets another.
+    // Moves blocks of a buffer down in place: bytes between them become zeros, bytes behind the last one are
+    // dropped, and byteLength follows. Blocks are in order, move down or stay, and do not overlap.
     struct BlockMove {
         std::size_t from;
         std::size_t size;
         std::size_t to;
     };
     void PackBuffer(std::size_t buffer, std::span<const BlockMove> blocks);
-    // Takes out the buffers for which keep is false. The caller mends the references.
+    // Removes the buffers for which keep is false. The caller updates the references.
     void EraseBuffers(const std::vector<bool>& keep);
 
     // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
-    // needs beside it under names that nothing has; the files appear when `files` is committed. Files of its
-    // own that the document came with are found from there too: kept in the same folder, copied into another
-    // one, taken into a container made from text. Buffers that an earlier save placed beside the target and
-    // that nothing uses any more go with the commit. The document is spent afterwards. Returns the bytes of
-    // all its files, as SourceSize counts them. Throws Error.
+    // needs beside it under names that nothing has; the files appear when `files` is committed. Files that
+    // the document came with stay reachable: left in place in the same folder, copied to another folder,
+    // embedded in a container made from text. Buffers that an earlier save placed beside the target and that
+    // nothing uses any more are deleted by the commit. The document must not be used afterwards. Returns the
+    // bytes of all its files, as SourceSize counts them. Throws Error.
     std::uint64_t Save(const std::filesystem::path& target, FileTransaction& files);
-    // The same, committed. beforeCommit is called when all is written and no file has appeared yet; what it
-    // throws leaves everything as it was.
+    // The same, committed. beforeCommit is called when everything is written and no file has appeared yet; if
+    // it throws, everything is left as it was.
     std::uint64_t Save(
         const std::filesystem::path& target, const std::function<void()>& beforeCommit = [] {});
 
@@ -140,7 +139,7 @@ private:
     Document(const std::filesystem::path& file, const LoadOptions& options);
 
     void Read(FileContent content);
-    // A file, as far as the budget goes.
+    // Reads a file within the budget.
     FileContent ReadInput(const std::filesystem::path& file);
     [[noreturn]] void FailOverBudget(std::string_view place) const;
     void LoadBuffers(std::span<std::byte> bin, bool hasBin);
@@ -159,7 +158,7 @@ private:
     std::optional<std::size_t> m_newBuffer;
     std::map<std::size_t, std::vector<std::byte>> m_suppliedViews;
     std::map<std::size_t, std::optional<std::vector<std::byte>>> m_suppliedAccessors;
-    Bytes m_rest;  // chunks of a container that are not known
+    Bytes m_rest;  // unknown chunks of a container
     bool m_isGlb = false;
     bool m_isIndented = true;  // the text
 };

@@ -16,11 +16,11 @@ enum class ErrorKind {
     kStructure,  // a property that is missing or has the wrong type or value
     kReference,  // an index that names no element
     kBounds,     // a range outside its view, buffer or file
-    kHierarchy,  // nodes that form no tree, joints without a common root
-    kAnimation,  // key times or values that make no curve
+    kHierarchy,  // nodes that do not form trees, joints without a common root
+    kAnimation,  // key times or values that do not form a curve
     kMesh,       // vertex data that does not fit together
     kNumber,     // a number that is not finite
-    kLimit,      // more than a file of its size may ask for
+    kLimit,      // more than a file of its size may claim
 };
 
 // A fault of a document.

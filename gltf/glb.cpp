@@ -45,7 +45,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
     GlbLayout layout;
     layout.size = Word(file, 8);
     if (layout.size > file.size() || layout.size < kHeader)
-        fail(8, Join("the header tells ", layout.size, " bytes, the file has ", file.size()));
+        fail(8, Join("the header says ", layout.size, " bytes, the file has ", file.size()));
     file = file.first(layout.size);
     std::size_t offset = kHeader;
     for (int chunk = 0; offset < file.size(); ++chunk) {
@@ -55,7 +55,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
         if (size > file.size() - content)
             fail(offset, Join("a chunk of ", size, " bytes, of which ", file.size() - content, " are there"));
         if ((chunk == 0) != (type == kJson))
-            fail(offset, "the first chunk, and no other, holds the JSON text");
+            fail(offset, "the first chunk must hold the JSON text, and no other");
         if (chunk == 0) {
             layout.jsonOffset = content;
             layout.jsonSize = size;
@@ -64,7 +64,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
             layout.binOffset = content;
             layout.binSize = size;
         } else if (type == kBin) {
-            fail(offset, "the binary data is not the second chunk");
+            fail(offset, "the binary data must be the second chunk");
         } else if (layout.restSize == 0) {
             layout.restOffset = offset;
         }
@@ -79,7 +79,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
 
 namespace {
 
-// Numbers of 32 bits as they stand in the file.
+// 32-bit numbers as stored in the file.
 template <std::size_t Size>
 struct Words {
     std::array<std::byte, Size> bytes{};

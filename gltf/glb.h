@@ -10,7 +10,7 @@
 
 namespace zr::gltf {
 
-// Where the chunks of a binary container stand in its file.
+// Where the chunks of a binary container lie in its file.
 struct GlbLayout {
     std::size_t jsonOffset = 0;
     std::size_t jsonSize = 0;
@@ -19,12 +19,12 @@ struct GlbLayout {
     bool hasBin = false;
     std::size_t restOffset = 0;  // chunks of other types after these two, with their headers
     std::size_t restSize = 0;
-    std::size_t size = 0;  // of the container; bytes behind it are none of its content
+    std::size_t size = 0;  // of the container; bytes behind it do not belong to it
 };
 
 bool IsGlb(Bytes file);
 
-// Throws Error (kContainer or kVersion) when header, chunks and file do not fit together.
+// Throws Error (kContainer or kVersion) when header, chunks and file are inconsistent.
 GlbLayout ReadGlbLayout(Bytes file, std::string_view name);
 
 // Writes a container: the text that writeJson writes, then the chunk of binary data (none when `bin` is

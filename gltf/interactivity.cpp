@@ -41,7 +41,7 @@ struct Parameter {
     Kind kind;
 };
 
-// The parameters of a pointer template that stand where an index of an element belongs.
+// The parameters of a pointer template that stand for the index of an element.
 std::vector<Parameter> Parameters(std::string_view pointer) {
     std::vector<Parameter> parameters;
     for (std::size_t i = 0; i < kKinds; ++i) {
@@ -52,7 +52,7 @@ std::vector<Parameter> Parameters(std::string_view pointer) {
         const std::string_view rest = pointer.substr(prefix.size());
         parameters.push_back({rest.substr(0, rest.find('}')), static_cast<Kind>(i)});
     }
-    // "children/{c}" and the like pick from lists of references; which node they reach is open.
+    // "children/{c}" and the like pick from lists of references; which node they reach is unknown.
     return parameters;
 }
 

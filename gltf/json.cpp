@@ -28,7 +28,7 @@ void CheckFinite(double value) {
 double Json::Number() const {
     if (!IsNumber()) return 0.0;
     double value = 0.0;
-    // Too large never gets past the reader; too small leaves the 0.
+    // The reader rejects numbers that are too large; those too small stay 0.
     const std::string_view text = Text();
     std::from_chars(text.data(), text.data() + text.size(), value);
     return value;
@@ -51,7 +51,7 @@ Json* Json::Find(std::string_view name) {
 
 const Json* Json::Find(std::string_view name) const {
     if (!IsObject()) return nullptr;
-    // The ends tell most names apart without a call.
+    // First and last characters tell most names apart without a call.
     for (const JsonMember& member : Members()) {
         const std::string_view other = member.Name();
         if (other.size() != name.size()) continue;

@@ -19,8 +19,8 @@ inline constexpr unsigned kMaxJsonDepth = 128;  // real documents stay below 20;
 struct JsonMember;
 
 // A JSON value of 8 bytes whose content lives in the JsonTree it came from. Numbers keep the text they were
-// written with, so that what is not changed goes out as it came. Copying a Json copies the handle, not the
-// content. References to items and members hold until their container gets a further element.
+// written with, so that unchanged content is written as it was read. Copying a Json copies the handle, not
+// the content. References to items and members are valid until their container gets another element.
 class Json {
 public:
     enum class Type : std::uint8_t { kNull, kFalse, kTrue, kNumber, kString, kArray, kObject };
@@ -42,7 +42,7 @@ public:
 
     // A number that is whole and at least 0 (3, also 3.0), else nothing.
     std::optional<std::uint64_t> Index() const {
-        // Nearly all are written with a few digits and nothing else.
+        // Nearly all of them are just a few digits.
         constexpr std::size_t kFewDigits = 9;
         const std::string_view text = NumberText();
         if (text.empty() || text.size() > kFewDigits) return AnyIndex();
@@ -65,7 +65,7 @@ public:
     Json* Find(std::string_view name);
     const Json* Find(std::string_view name) const;
 
-    // Takes out the member of that name; says whether there was one.
+    // Removes the member of that name; returns whether there was one.
     bool EraseMember(std::string_view name);
     // Keeps the items or members for which `keep` holds, in order.
     template <typename Keep>
@@ -123,8 +123,7 @@ struct JsonMember {
     std::string_view Name() const { return key.String(); }
 };
 
-// What an earlier look for a member of an object found, so that looking again need not go over a large
-// object.
+// The result of an earlier search for a member, so that searching again need not scan a large object.
 struct JsonFind {
     std::uint32_t position = 0;
     // The members that held none of the name, and how many had been added to large objects by then.
@@ -133,7 +132,7 @@ struct JsonFind {
     std::size_t additions = 0;
 };
 
-// Owns the storage of a document's values. Storage that an edit leaves unused goes with the tree.
+// Owns the storage of a document's values. Storage that edits leave unused is freed with the tree.
 class JsonTree {
 public:
     JsonTree() = default;
@@ -142,8 +141,8 @@ public:
 
     Json root;
 
-    // Reads `text`, size bytes with one more byte behind them that may be written; the text is changed in
-    // place and must live as long as the tree. Throws Error (kSyntax, `file`, "byte N").
+    // Parses `text`: size bytes, followed by one more writable byte. The text is changed in place and must
+    // outlive the tree. Throws Error (kSyntax, `file`, "byte N").
     void Parse(char* text, std::size_t size, std::string_view file);
     // Reads a value from text that is copied; for building content from literals.
     Json Build(std::string_view text);
@@ -196,8 +195,8 @@ private:
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.
 std::string WriteJson(const Json& value, bool pretty);
-// The same, piece by piece: the text never stands in memory as a whole. level: how deep in a greater text the
-// value stands.
+// The same in pieces; the text is never in memory as a whole. level: how deep in a greater text the value
+// stands.
 using JsonSink = std::function<void(std::string_view piece)>;
 void WriteJson(const Json& value, bool pretty, const JsonSink& sink, std::size_t level = 0);
 

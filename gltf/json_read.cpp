@@ -45,11 +45,11 @@ public:
     bool EndObject(rapidjson::SizeType count) {
         --m_depth;
         const Json object = Take(Json::Type::kObject, count, 2);
-        if (Repeats(object)) return Refuse("a member name stands twice in one object");
+        if (Repeats(object)) return Refuse("an object has two members of one name");
         return Push(object);
     }
 
-    // Numbers arrive as text; the reader never calls these.
+    // Numbers arrive as text, so these are never called.
     bool Int(int) { return false; }
     bool Uint(unsigned) { return false; }
     bool Int64(std::int64_t) { return false; }
@@ -90,7 +90,7 @@ private:
 
     static bool Repeats(const Json& object) {
         const auto members = object.Members();
-        constexpr std::size_t kFew = 16;  // below this comparing pairs is faster than a set
+        constexpr std::size_t kFew = 16;  // below this, comparing pairs is faster than a set
         if (members.size() <= kFew) {
             for (std::size_t i = 1; i < members.size(); ++i)
                 for (std::size_t j = 0; j < i; ++j)
@@ -114,7 +114,7 @@ private:
 
 namespace {
 
-// The reader does not look whether its memory was there.
+// The reader does not check whether an allocation succeeded.
 class CheckedAllocator {
 public:
     static constexpr bool kNeedFree = true;
@@ -129,7 +129,8 @@ public:
     static void Free(void* place) { ::operator delete(place); }
 };
 
-// The reader takes as many bytes as the first one of a character announces, also beyond the end of the text.
+// The reader consumes as many bytes as the first byte of a character announces, even beyond the end of the
+// text.
 bool EndsInsideCharacter(std::string_view text) {
     for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
         const auto byte = static_cast<unsigned char>(text[text.size() - back]);

@@ -26,7 +26,7 @@ bool HoldsSame(const fs::path& file, Bytes content) {
     return std::equal(content.begin(), content.end(), there.View().begin(), there.View().end());
 }
 
-// At most `size` bytes of a text, whole characters.
+// A text cut to at most `size` bytes, at a character boundary.
 std::string_view Cut(std::string_view text, std::size_t size) {
     if (text.size() <= size) return text;
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
@@ -109,8 +109,8 @@ void PlacedFiles::Supersede(std::span<const fs::path> oldBuffers) {
     }
 }
 
-// Another scene of the folder that holds the name in one of the forms a URI can have. A folder with too much
-// to read counts as one that uses it.
+// Whether another scene in the folder contains the name in any form that a URI can have. A folder with too
+// much to read counts as using it.
 bool PlacedFiles::IsUsedBySibling(const fs::path& name) const {
     const std::string plain = PathToUtf8(name), encoded = EncodePath(name);
     std::uint64_t read = 0;

@@ -15,23 +15,23 @@
 
 namespace zr::gltf {
 
-// The names of the files beside a scene that is written, settled together: none is that of the scene, of a
-// file the scene keeps, or of somebody else's file. Paths are relative to the scene's folder.
+// Chooses the names of the files written beside a scene, so that none collides with the scene, a file that
+// the scene keeps, or somebody else's file. Paths are relative to the scene's folder.
 class PlacedFiles {
 public:
     PlacedFiles(const std::filesystem::path& scene, FileTransaction& files);
 
-    // A name that new files must not take: of a file that stays, or that is wished for one.
+    // Reserves a name that new files must not take: of a file that stays, or one that a file prefers.
     void Keep(const std::filesystem::path& name) { m_kept.insert(name); }
 
-    // Puts content beside the scene: the name. `wished` is taken where nothing else has it; a file that holds
-    // the same stays as it is.
+    // Puts content beside the scene and returns its name: `wished` if that is free. A file that already holds
+    // the same content is left as it is.
     std::filesystem::path Place(const std::filesystem::path& wished, Bytes content);
-    // The same under a name made from the scene's, with the extension (".bin").
+    // The same under a name derived from the scene's, with the extension (".bin").
     std::filesystem::path PlaceNew(std::string_view extension, Bytes content);
 
-    // Of the buffers of the scene that is replaced, those go with it that were placed for it, are not used
-    // any more and have no other user in the folder.
+    // Deletes those buffers of the replaced scene that were placed for it, are no longer used and have no
+    // other user in the folder.
     void Supersede(std::span<const std::filesystem::path> oldBuffers);
 
     // Bytes of all files that were placed.

@@ -17,16 +17,17 @@ namespace zr::gltf {
 // One index (or pointer) that names an element.
 struct Reference {
     Target target;
-    std::optional<Place::Element> owner;  // the element the reference stands in; none: the document itself
-    Cut cut;                              // what goes when the target goes
-    Json& value;                          // the index or pointer; may get another of the same type
+    std::optional<Place::Element>
+        owner;    // the element that contains the reference; none: the document itself
+    Cut cut;      // what is removed with the target
+    Json& value;  // the index or pointer; may be replaced by another of the same type
     const Place& place;
 };
 // Calls visit for every reference of the document to an element of `kinds`, in document order.
 void ForEachReference(Document& document, KindSet kinds, const std::function<void(const Reference&)>& visit);
 
-// Content that may refer to elements in a way that cannot be followed: unknown extensions, and known ones
-// that compute the index when they run.
+// Content that may refer to elements in ways that cannot be followed: unknown extensions, and known ones that
+// compute indices at run time.
 struct OpaqueUse {
     std::string extension;
     std::string place;
@@ -52,13 +53,13 @@ struct ReferenceTable {
 };
 ReferenceTable ListReferences(Document& document, KindSet kinds);
 
-// Elements to take out, by kind and index; vectors may be shorter than the collection.
+// Elements to remove, by kind and index; vectors may be shorter than the collection.
 using Removal = std::array<std::vector<bool>, kKinds>;
 
-// Takes the elements out and mends every reference. References to them from what stays are cut away as the
-// rules say; containers this empties go too (a list of children, an extension's object), an animation without
-// channels goes as a whole, and names leave extensionsUsed when nothing of theirs is left. Throws Error
-// (kReference), nothing changed, when a reference must not lose its element (a joint, an attribute).
+// Removes the elements and updates every reference. References to them from what stays are removed as the
+// rules say; so are containers that become empty (a list of children, an extension's object), animations
+// without channels, and names in extensionsUsed of which nothing is left. Throws Error (kReference), with
+// nothing changed, when a reference must not lose its element (a joint, an attribute).
 void RemoveElements(Document& document, const Removal& removal);
 
 }  // namespace zr::gltf

@@ -22,8 +22,8 @@ bool Goes(const Removal& removal, Kind kind, std::size_t index) {
     return index < gone.size() && gone[index];
 }
 
-// Takes marked values out of their containers, the deepest containers first, so that no handle moves while
-// something below it is still to be done.
+// Removes marked values from their containers, the deepest containers first, so that no handle moves while
+// something below it is still pending.
 class Pruner {
 public:
     // Marks the value at steps[at] for removal.
@@ -59,7 +59,7 @@ private:
     void Prune(Json& json, Container& container) {
         if (container.victims.empty()) return;
         std::sort(container.victims.begin(), container.victims.end());
-        // Handles that move forward are asked for at their old place, ahead of where they go.
+        // Handles that move forward are read from their old place, ahead of where they go.
         const auto stays = [&](const Json* at) {
             return !std::binary_search(container.victims.begin(), container.victims.end(), at);
         };
@@ -148,7 +148,7 @@ private:
         }
     }
 
-    // A reference to be mended once it is clear that all can be.
+    // A reference to update once it is known that all can be.
     struct Renamed {
         Json* value;
         std::uint32_t index;
@@ -162,7 +162,7 @@ private:
     Pruner m_pruner;
 };
 
-// Names under which extension content stands anywhere in a value.
+// Names of all extensions that occur anywhere in a value.
 void CollectExtensions(const Json& value, std::set<std::string, std::less<>>& names) {
     for (const Json& item : value.Items())
         if (item.IsObject() || item.IsArray()) CollectExtensions(item, names);
@@ -194,7 +194,7 @@ void ForgetExtensions(Document& document, const std::set<std::string, std::less<
     }
 }
 
-// Animations whose last channel went.
+// Animations that lost their last channel.
 std::vector<bool> EmptyAnimations(const Document& document) {
     std::vector<bool> empty;
     for (const Json& animation : document.Elements(Kind::kAnimation))

@@ -63,7 +63,7 @@ std::optional<fs::path> Document::FileOf(std::string_view uri, std::string_view 
         const fs::path folder = fs::canonical(Folder(), failure);
         if (failure || !IsInside(fs::canonical(file, failure), folder)) refuse(kOutside);
     }
-    // A pipe could keep the reader waiting, a device need not end.
+    // A pipe could block the reader, a device may be endless.
     if (!fs::is_regular_file(status)) refuse(" is not a regular file");
     return path;
 }

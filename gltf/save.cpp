@@ -24,7 +24,7 @@ bool SameFolder(const fs::path& a, const fs::path& b) {
     return fs::equivalent(folder(a), folder(b), missing);
 }
 
-// The media type of an image by its first bytes; empty when they are none that a view may hold.
+// The media type of an image from its first bytes; empty for types that a view must not hold.
 std::string_view ImageType(Bytes image) {
     struct Magic {
         std::string_view bytes;
@@ -92,7 +92,7 @@ private:
     // The files of the buffers of the scene that is replaced, if it is text.
     std::vector<fs::path> BuffersOfTarget() const {
         std::error_code none;
-        // A document from memory need not be what its file holds.
+        // A document from memory need not match its file.
         const std::vector<fs::path>& known = m_document.m_bufferFiles;
         if (!known.empty() && fs::equivalent(m_target, m_document.m_file, none)) return known;
         if (m_toGlb || !fs::is_regular_file(m_target, none)) return {};
@@ -153,7 +153,7 @@ private:
             Copy(*uri, *path, content.View());
     }
 
-    // Brings a file beside the target; `content`: where it was read already.
+    // Brings a file beside the target; `content`: its bytes, if already read.
     void Copy(Json& uri, const fs::path& path, std::optional<Bytes> content) {
         auto known = m_copied.find(path);
         if (known == m_copied.end()) {
@@ -173,14 +173,13 @@ private:
         return true;
     }
 
-    // Brings what a container can hold into its one chunk, which is the first buffer.
+    // Moves what a container can hold into its one chunk, which is the first buffer.
     void MergeBuffers() {
         auto& buffers = m_document.m_buffers;
         const auto isOwn = [](const Buffer& b) {
             return b.origin == Origin::kContainer || b.origin == Origin::kNew;
         };
-        // A container keeps the files of its own that it came with, unless one stands where the chunk
-        // belongs.
+        // A container keeps its external buffers, unless one is where the chunk belongs.
         const bool all = !m_document.m_isGlb || (!buffers.empty() && buffers[0].origin != Origin::kContainer);
         std::vector<std::size_t> merged;
         for (std::size_t i = 0; i < buffers.size(); ++i)
@@ -192,7 +191,7 @@ private:
             std::none_of(merged.begin(), merged.end(), [&](std::size_t i) { return isOwn(buffers[i]); });
         if (merged.empty() || (m_document.m_isGlb && noneOwn)) return;
         if (merged != std::vector<std::size_t>{0} && OpaqueReferences(m_document).kinds.Has(Kind::kBuffer)) {
-            // An unknown extension may count the buffers: only the first can become the chunk.
+            // An unknown extension may refer to buffers by index: only the first can become the chunk.
             if (merged[0] != 0) return;
             merged.resize(1);
         }
@@ -224,7 +223,7 @@ private:
         Json& json = jsons[merged[0]];
         json.EraseMember("uri");
         if (merged.size() > 1) m_tree.Member(json, "byteLength") = m_tree.MakeIndex(size);
-        // The pieces of the chunk are views into the buffers, whose storage must outlive the renumbering.
+        // The pieces of the chunk point into the buffers, whose storage must outlive the renumbering.
         m_keptAlive.reserve(merged.size());
         for (std::size_t i : merged) m_keptAlive.push_back(std::move(buffers[i]));
         buffers[merged[0]] = {};
@@ -268,7 +267,7 @@ private:
         m_tree.Member(json, "uri") = m_tree.MakeString(EncodePath(name));
     }
 
-    // A text document that came with all its buffers in it goes out so.
+    // A text document that was read with all buffers embedded is written the same way.
     bool IsSelfContained() const {
         bool found = false;
         for (const Buffer& buffer : m_document.m_buffers) {

@@ -26,12 +26,12 @@ enum class Shape : std::uint8_t {
     kArray,  // with at least one item
 };
 
-// What goes when the element that a reference names goes.
+// What is removed when the target of a reference is removed.
 enum class Cut : std::uint8_t {
     kNothing,  // the reference must not lose its element
     kValue,    // the value itself: a member, or an item of an array
     kHolder,   // the object or array that holds the value
-    kChannel,  // the animation channel the value stands in
+    kChannel,  // the animation channel that contains the value
 };
 
 // One line of the table of a document's properties.
@@ -50,7 +50,7 @@ std::span<const Rule> ExtensionRules();
 // Extensions that hold no index of a core element beyond what the rules say. Sorted.
 std::span<const std::string_view> KnownExtensions();
 
-// The rules as a tree that is walked along with a document.
+// The rules as a tree that is walked in step with a document.
 struct SchemaNode {
     struct Child {
         std::string_view name;
@@ -71,7 +71,7 @@ struct SchemaNode {
 
 // The tree of all rules; built once, lives as long as the program.
 const SchemaNode& Schema();
-// What stands in `extension` at places no rule names ("*"), or null.
+// The rules for `extension` at places that no rule names ("*"), or null.
 const SchemaNode* AnywhereSchema(std::string_view extension);
 bool IsKnownExtension(std::string_view extension);
 

@@ -13,7 +13,8 @@ using enum Cut;
 #define ZR_VIEW "bufferViews[].extensions."
 #define ZR_BODY ZR_NODE "KHR_physics_rigid_bodies."
 
-// Texture infos of materials ("...Texture": {"index": n}) need no rule: the walk finds them by their form.
+// Texture infos of materials ("...Texture": {"index": n}) need no rule: the walk recognises them by their
+// form.
 constexpr Rule kRules[] = {
     {"extensions.KHR_lights_punctual.lights", Shape::kArray},
     {"extensions.KHR_lights_punctual.lights[].name", kString},

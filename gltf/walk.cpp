@@ -145,7 +145,7 @@ private:
     int m_materials = 0;
 };
 
-// The kind a member's name tells of, by the noun it contains.
+// The kind that a member's name suggests, by the noun it contains.
 std::optional<Kind> KindByName(std::string_view name) {
     const std::string lower = LowerCase(name);
     if (lower.find("joint") != std::string::npos || lower.find("bone") != std::string::npos)

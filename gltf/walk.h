@@ -13,14 +13,14 @@
 
 namespace zr::gltf {
 
-// The way from the root to a value, as the walk keeps it. Texts belong to the document.
+// The path from the root to a value. Texts belong to the document.
 class Place {
 public:
     struct Step {
         std::string_view member;  // or, when isItem, the number of an item
         std::size_t item;
         bool isItem;
-        Json* value;  // what stands there
+        Json* value;  // the value there
     };
 
     explicit Place(Json& root) { m_steps.push_back({{}, 0, false, &root}); }
@@ -33,7 +33,7 @@ public:
     std::span<const Step> Steps() const { return m_steps; }
 
     std::string Pointer() const;
-    // The element whose content the place stands in, if it stands in one.
+    // The element that contains the place, if any.
     struct Element {
         Kind kind;
         std::size_t index;
@@ -46,7 +46,7 @@ private:
     std::optional<Element> m_owner;
 };
 
-// What a reference names: an element and, for pointers, where the index stands in the pointer's text.
+// The target of a reference: an element and, for pointers, the position of the index in the pointer's text.
 struct Target {
     Kind kind;
     std::size_t index;
@@ -54,32 +54,32 @@ struct Target {
     std::size_t textSize = 0;
 };
 
-// The element that a pointer text leads into ("/nodes/3/translation": node 3), if it leads into one.
+// The element that a pointer leads into ("/nodes/3/translation": node 3), if any.
 std::optional<Target> PointerTarget(std::string_view pointer);
-// The target of a value under a rule of shape kIndex or kPointer; nothing when it holds no index.
+// The target of a value under a rule of shape kIndex or kPointer; nothing when it is not an index.
 std::optional<Target> TargetOf(const Rule& rule, const Json& value);
 
 class Visitor {
 public:
     virtual ~Visitor() = default;
 
-    // A value at a place that rules speak of. `schema.rule` may be null (a step on the way to rules). The
+    // A value at a place covered by rules. `schema.rule` may be null (a step on the way to rules). The
     // visitor may replace the value by another of the same type.
     virtual void Value(const SchemaNode& schema, Json& value, const Place& place) = 0;
-    // An extension that is not known. Its texture infos (in materials) were visited as values.
+    // An unknown extension. Its texture infos (in materials) were visited as values.
     virtual void Unknown(std::string_view extension, Json& value, const Place& place);
-    // A known extension picks elements of the kind by indices that are computed when it runs.
+    // A known extension that picks elements of the kind by indices computed at run time.
     virtual void Dynamic(std::string_view extension, Kind kind, const Place& place);
 };
 
-// Visits, in document order, everything the rules speak of. Extras are not looked into.
+// Visits, in document order, everything that the rules cover. Extras are skipped.
 void Walk(Json& root, Visitor& visitor);
 // The same for what may refer to elements of `kinds`, and for extensions: other values may be left out, and
 // what leads to no such reference is passed by.
 void WalkReferences(Json& root, KindSet kinds, Visitor& visitor);
 
-// The kinds an unknown extension's content could refer to by an index or a pointer. A whole number under a
-// name that tells a kind ("meshIndex") counts for that kind, under any other name for all kinds.
+// The kinds that an unknown extension's content could refer to by index or pointer. An integer under a name
+// that suggests a kind ("meshIndex") counts for that kind, under any other name for all kinds.
 KindSet PossibleReferences(const Json& value);
 
 }  // namespace zr::gltf

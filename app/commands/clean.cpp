@@ -147,7 +147,7 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     command->footer(steps);
     AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
     CLI::Option* dialog =
-        command->add_flag("--dialog", arguments->dialog, "Choose in a window what goes, and watch it go");
+        command->add_flag("--dialog", arguments->dialog, "Choose what to remove in a window and watch it go");
     command->add_flag("--all", arguments->all, "Also metadata, model views, notes and the environment");
     AddList(*command, "--only", arguments->only, "Only these operations, separated by commas");
     AddList(*command, "--skip", arguments->skip, "All but these operations, separated by commas");
@@ -161,22 +161,22 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     command->add_flag("--blended", arguments->options.blended,
                       "Also remove repeated meshes with blended materials, which changes what is seen");
     command->add_flag("--keep-data", arguments->options.keepData,
-                      "Leave in the file what nothing refers to: meshes, skins, textures, binary data ...");
+                      "Keep data that nothing refers to: meshes, skins, textures, binary data ...");
     command->add_flag("--force", arguments->options.force, kForceHelp);
-    command->add_flag("--dry-run", arguments->dryRun, "Write nothing; list what would go");
+    command->add_flag("--dry-run", arguments->dryRun, "Write nothing; list what would be removed");
     command->add_flag("--explain", arguments->explain, "List what stays only because something refers to it");
     AddPageOption(*command, arguments->page);
     for (const char* other :
          {"--out-dir", "--all", "--only", "--skip", "--dry-run", "--explain", "--jobs", "--report"}) {
         dialog->excludes(command->get_option(other));
     }
-    AddExamples(*command,
-                {{"clean scene.glb out.glb", "Remove what is neither seen nor used."},
-                 {"clean --dry-run --explain scene.glb", "List what would go, and why the rest stays."},
-                 {"clean scene.glb out.glb --keep-named --keep-extras",
-                  "Only what carries neither a name nor extras."},
-                 {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
-                  "Clean every scene below a folder, whatever fails."}});
+    AddExamples(*command, {{"clean scene.glb out.glb", "Remove what is neither seen nor used."},
+                           {"clean --dry-run --explain scene.glb",
+                            "List what would be removed, and why the rest stays."},
+                           {"clean scene.glb out.glb --keep-named --keep-extras",
+                            "Only what carries neither a name nor extras."},
+                           {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
+                            "Clean every scene below a folder, whatever fails."}});
     command->callback([&session, arguments] {
         session.SetCommand([&session, arguments] {
             return arguments->dialog ? RunDialog(session, *arguments) : RunClean(session, *arguments);

@@ -8,8 +8,7 @@ class App;
 namespace zr {
 
 // Of the option --force, which several commands have.
-inline constexpr const char* kForceHelp =
-    "Remove also where an extension that is not known could refer to what goes";
+inline constexpr const char* kForceHelp = "Remove even what an unknown extension could refer to";
 
 class Session;
 

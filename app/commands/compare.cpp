@@ -67,12 +67,12 @@ int RunCompare(Session& session, const CompareArguments& arguments) {
 
 void AddCompareCommand(CLI::App& app, Session& session) {
     auto* command =
-        app.add_subcommand("compare", "Tell whether two scenes are the same, and where they differ most");
+        app.add_subcommand("compare", "Check whether two scenes are the same and where they differ most");
     auto arguments = std::make_shared<CompareArguments>();
     command->add_option("first", arguments->first, "A scene: .gltf, .glb, or - for standard input")
         ->type_name(kSceneType)
         ->required();
-    command->add_option("second", arguments->second, "The scene to hold against it")
+    command->add_option("second", arguments->second, "The scene to compare it with")
         ->type_name(kSceneType)
         ->required();
     command
@@ -84,11 +84,11 @@ void AddCompareCommand(CLI::App& app, Session& session) {
                std::vector<std::string>(compare::kAspectNames.begin(), compare::kAspectNames.end()),
                "Compare only these, separated by commas");
     AddPageOption(*command, arguments->page);
-    AddExamples(
-        *command,
-        {{"compare scene.glb exported.glb", "Ends with 0 when they are the same, else with 1."},
-         {"compare scene.glb smaller.glb --tolerance 0.1mm,0.05deg", "The same within bounds."},
-         {"compare scene.glb clean.glb --only drawn,points", "Whether a cleaning changed a picture."}});
+    AddExamples(*command,
+                {{"compare scene.glb exported.glb", "Ends with 0 when they are the same, else with 1."},
+                 {"compare scene.glb smaller.glb --tolerance 0.1mm,0.05deg", "The same within bounds."},
+                 {"compare scene.glb clean.glb --only drawn,points",
+                  "Check that a cleaning changed nothing that is seen."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunCompare(session, *arguments); });
     });

@@ -35,8 +35,7 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
         if (std::ferror(stdin) != 0)
             throw Error("standard input", "", "cannot be read: " + std::generic_category().message(errno));
         if (size > limit)
-            throw Error("standard input", "",
-                        Join("has more than the ", limit, " bytes that may be read of it"));
+            throw Error("standard input", "", Join("is larger than the ", limit, " bytes that may be read"));
         if (got < kStep) return content;
     }
 }

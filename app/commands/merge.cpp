@@ -164,8 +164,8 @@ void AddMergeCommand(CLI::App& app, Session& session) {
     command
         ->add_option(
             "--match", arguments->match,
-            "The nodes that what is brought moves: those of the same path; of the same name; or those that "
-            "a JSON file tells, {\"from\": \"to\"}, by name or path")
+            "How nodes of the other scene are matched with the scene's: by path, by name, or by a JSON file "
+            "{\"from\": \"to\"} of names or paths")
         ->type_name("path|name|FILE")
         ->capture_default_str()
         ->needs(from);

@@ -53,7 +53,7 @@ void PassOptions::AddTo(CLI::App& command) {
         ->group(kKeysGroup);
     AddChoices(command, "--targets", m_targets, WordsOf(kTargets),
                "What cameras and lights aim at: nodes of their own (records), or further keys of the camera "
-               "or light (keys); camera-records and the like for one kind alone; several with commas")
+               "or light (keys); camera-records and so on for one kind only; separated by commas")
         ->group(kTargetGroup);
     command.add_flag("--flip", m_flip, "Exchange the Y and Z axes")->group(kTargetGroup);
     command
@@ -66,12 +66,12 @@ void PassOptions::AddTo(CLI::App& command) {
                   "Name nodes by the tools' rules (implied by --names, --max-name and --rename)")
         ->group(kNamesGroup);
     AddChoices(command, "--names", m_names, WordsOf(kNames),
-               "Name nodes by these rules; digits: a digit may come first; several with commas")
+               "Name nodes by these rules, separated by commas; digits: a digit may come first")
         ->group(kNamesGroup);
     AddNumber(command, "--max-name", m_maxName, {4, 512}, "N", "Greatest length of node names, else 32")
         ->group(kNamesGroup);
     AddNumber(command, "--max-material-name", m_maxMaterialName, {3, 511}, "N",
-              "Name materials, with at most so many characters")
+              "Name materials, with at most this many characters")
         ->group(kNamesGroup);
     AddRepeated(command, "--rename", m_renames, "Change names by a regular expression; may be repeated")
         ->type_name("PATTERN=REPLACEMENT")

@@ -39,7 +39,7 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
     app.add_flag("-v,--verbose", options.verbose, "Also print the module's log")->group(kGroup);
     app.add_flag("--no-clobber", options.noClobber, "Replace no file")->group(kGroup);
     app.add_flag("--allow-outside", options.load.allowOutside,
-                 "Also read files of a scene that stand outside its folder")
+                 "Also read files of a scene that lie outside its folder")
         ->group(kGroup);
     app.add_option_function<double>(
            "--max-memory",
@@ -52,7 +52,7 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
         ->check(CLI::Range(1.0, 1e6))
         ->group(kGroup);
     app.add_flag("--decode", options.compressedData.makePlain,
-                 "Write what meshopt, Draco or quantization have compressed plain")
+                 "Write data compressed by meshopt, Draco or quantization uncompressed")
         ->group(kGroup);
     app.add_flag("--strict", options.strict, "Content that cannot be read is an error")->group(kGroup);
     app.add_option("--language", options.language,

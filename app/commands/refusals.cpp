@@ -13,7 +13,7 @@ std::vector<std::string> RefusalLines(std::string_view what, const std::vector<g
     for (const gltf::OpaqueUse& use : uses) {
         if (!told.insert(use.extension).second) continue;
         lines.push_back(Join(what, ": the extension ", use.extension, " at ", use.place,
-                             " could refer to it (--force takes it all the same)"));
+                             " could refer to it (--force removes it anyway)"));
     }
     return lines;
 }

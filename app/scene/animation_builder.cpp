@@ -65,7 +65,7 @@ std::string AnimationBuilder::Motion(std::size_t node, std::size_t parent) {
     const auto own = m_motions.find(node);
     if (own != m_motions.end()) {
         m_movingAbove[node] = node;
-        // Equal curves lead to equal places only below the same parent.
+        // Equal curves mean equal motion only below the same parent.
         return Join("below ", parent, ";", own->second);
     }
     if (moving == kNone) return {};

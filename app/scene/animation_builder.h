@@ -19,9 +19,9 @@ public:
                      ContentIds& ids)
         : m_document(document), m_curves(curves), m_parts(parts), m_ids(ids) {}
 
-    // Reads which node each channel moves, before the nodes are there.
+    // Reads which node each channel moves, before the nodes exist.
     void NoteMotions();
-    // How a node moves: equal for two nodes that show at the same place at rest only when they do so at any
+    // How a node moves. For two nodes at the same place at rest, equal only when they stay together at any
     // time of any animation. parent: the node's parent, or kNone.
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
     std::string Motion(std::size_t node, std::size_t parent);

@@ -32,7 +32,7 @@ M World(kernix::NodeModel& node) {
     return world;
 }
 
-// Where the node's object stands: a pivot that moves the object alone leaves it that far behind.
+// The transform of the node's object: a pivot of the object alone offsets it.
 M ObjectWorld(kernix::NodeModel& node) {
     M world;
     world.IdentityMatrix();
@@ -47,7 +47,7 @@ M ObjectWorld(kernix::NodeModel& node) {
     return world;
 }
 
-// A skinned vertex lies between the places to which its joints take it.
+// A skinned vertex lies between the positions that its joints give it.
 void WidenBySkin(const LoadedScene& loaded, const Json& skin, const Bounds& box, Bounds& bounds) {
     const gltf::Document& document = loaded.Document();
     const std::size_t none = document.Elements(Kind::kAccessor).size();

@@ -7,7 +7,7 @@
 
 namespace zr {
 
-// A box along the axes; empty until it is widened.
+// An axis-aligned box; empty until it is widened.
 struct Bounds {
     static constexpr double kFar = std::numeric_limits<double>::infinity();
     vl::Vector3<double> low{kFar, kFar, kFar};
@@ -19,9 +19,8 @@ struct Bounds {
     void Widen(const Bounds& box, const vl::Matrix4<double>& m);
 };
 
-// Holds every vertex of the scene's meshes where they stand at rest, skinned ones where their joints put
-// them. May be larger than what is shown: corners stand for vertices. Morph targets and instances do not
-// count.
+// Contains every vertex of the scene's meshes at rest, skinned ones as their joints place them. May be too
+// large, since corners of boxes stand in for vertices. Ignores morph targets and instances.
 Bounds BoundsAtRest(const LoadedScene& loaded);
 
 }  // namespace zr

@@ -14,7 +14,7 @@ using gltf::Kind;
 
 namespace {
 
-// The stored bytes of a value: blocks of one size at equal distances, and what tells how to read them.
+// The stored bytes of a value: blocks of one size at equal distances, and how to read them.
 struct Blocks {
     const std::byte* first = nullptr;
     std::size_t size = 0;
@@ -51,7 +51,7 @@ struct Blocks {
                 if (fine.Block(i) != coarse.Block(i)) return false;
             return true;
         }
-        // The same form has blocks of the same size, or is one block of them all.
+        // Equal content has blocks of equal size, or is one block of them all.
         const std::string_view all = coarse.Block(0);
         for (std::size_t i = 0; i < fine.count; ++i)
             if (fine.Block(i) != all.substr(i * fine.size, fine.size)) return false;
@@ -66,7 +66,7 @@ std::optional<Blocks> AccessorBlocks(const gltf::Document& document, std::size_t
     const bool isStored = accessor.Find("sparse") == nullptr && accessor.Find("bufferView") != nullptr;
     if (!supplied && !isStored) return std::nullopt;
     const gltf::AccessorInfo info = gltf::Describe(document, index);
-    // What lies between the columns of a matrix of small components says nothing.
+    // Padding between the columns of a matrix of small components is ignored.
     const bool hasGaps = info.ElementSize() != info.ComponentSize() * info.shape.Components();
     if (hasGaps) return std::nullopt;
     const auto form = static_cast<std::uint32_t>(info.component) << 8 | info.shape.rows << 4 |
@@ -90,7 +90,7 @@ ContentIds::ContentIds(const gltf::Document& document)
     m_views.numbers.resize(document.Elements(Kind::kBufferView).size(), HashIndex::kNone);
 }
 
-// contentOf(index): the blocks, or nothing for what cannot be read and equals only itself.
+// contentOf(index): the blocks, or nothing for content that cannot be read and equals only itself.
 template <typename ContentOf>
 std::uint32_t ContentIds::Number(Numbered& elements, std::size_t index, ContentOf contentOf) {
     std::uint32_t& number = elements.numbers[index];

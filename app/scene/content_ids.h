@@ -19,18 +19,18 @@ class ContentIds {
 public:
     explicit ContentIds(const gltf::Document& document);
 
-    // Sparse elements, and those that cannot be read, equal only themselves.
+    // Sparse accessors and unreadable content equal only themselves.
     std::uint32_t Accessor(std::size_t index);
     std::uint32_t Texture(std::size_t index);
     std::uint32_t Text(std::string_view text) { return m_texts.Intern(text).number; }
 
     // A JSON value as text: members sorted by name, without `name` of the outermost object. References to
-    // textures in texture infos stand as the numbers of their content.
+    // textures in texture infos are replaced by the numbers of their content.
     std::string Canonical(const gltf::Json& value);
 
 private:
-    // The numbers of elements of one kind. Content is found by a hash and compared where it stands, so that
-    // no copy of the document's data is kept.
+    // The numbers of elements of one kind. Content is found by a hash and compared in place, so that no copy
+    // of the document's data is kept.
     struct Numbered {
         std::vector<std::uint32_t> numbers;  // by element; the index of the first one of equal content
         HashIndex firsts;

@@ -35,7 +35,7 @@ struct KeyView {
     float value[4];
     const float* slopeIn;
     const float* slopeOut;
-    bool isStep = false;  // a rotation that leads from the key before
+    bool isStep = false;  // a rotation relative to the key before
 };
 
 KeyView View(const Curve& curve, std::size_t index) {
@@ -166,8 +166,8 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
     }
 }
 
-// Turns a rotation about half a turn on from another one by less than a millionth of a turn, so that neither
-// its rounding nor that of a reader makes the way to it lead round the other side.
+// Adjusts a rotation that is about a half turn away from another one by less than a millionth of a turn, so
+// that no rounding, here or in a reader, makes interpolation go the other way round.
 void KeepWay(const float (&from)[4], float (&to)[4]) {
     constexpr double kMargin = 0x1p-22;
     constexpr double kNearHalfTurn = 1e-6;  // beyond, a step of more than half a turn is meant
@@ -181,8 +181,8 @@ void KeepWay(const float (&from)[4], float (&to)[4]) {
     for (std::size_t i = 0; i < 4; ++i) to[i] = static_cast<float>(to[i] + (2 * kMargin - dot) * from[i]);
 }
 
-// The keys with times that ascend. Keys that share a time make a jump: the curve comes in to the first and
-// goes on from the last, so the first moves to the time before, where there is one that is not negative.
+// The keys with strictly ascending times. Keys that share a time form a jump: the curve ends at the first and
+// continues from the last, so the first moves to the next smaller time, unless that is negative.
 std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) {
     std::vector<KeyView> keys;
     for (KeyView& key : Views(track, keyType)) {

@@ -19,7 +19,7 @@ std::size_t WidthOf(int keyType);
 
 // Whether the sampler's data can be read.
 bool IsReadable(const gltf::Document& document, const gltf::Json& sampler);
-// How the keys of the sampler pass.
+// The interpolation of the sampler.
 vl::zr::KeyInterpolation InterpolationOf(const gltf::Json& sampler);
 Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
 
@@ -28,8 +28,8 @@ class CurveWriter {
 public:
     explicit CurveWriter(gltf::Document& document) : m_document(document) {}
 
-    // Adds the data and a sampler to the animation: the sampler's index. `type` is the accessor type of a
-    // value. The curve must outlive the writer.
+    // Adds the data and a sampler to the animation; returns the sampler's index. `type` is the accessor type
+    // of a value. The curve must outlive the writer.
     std::size_t Append(std::size_t animation, const Curve& curve, std::string_view type);
 
 private:
@@ -43,14 +43,14 @@ void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
 // Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
 void MakeAscending(Curve& curve);
 
-// A track's keys as a curve. Keys that pass in different ways are baked.
+// A track's keys as a curve. Keys of different interpolations are baked.
 Curve KeysOf(const kernix::TransformTrack& track, int keyType);
 
-// Lays keys that somebody made as objects side by side again.
+// Packs keys that exist as separate objects again.
 void PackKeys(kernix::TransformTrack& track);
 
-// The keys as a linear curve, whatever way they pass: steps become two keys next to each other, cubic pieces
-// are sampled so that no sample between differs by more than a hundred thousandth of the values' range.
+// The keys as a linear curve, whatever their interpolation: a step becomes two adjacent keys; cubic pieces
+// are sampled to within a hundred thousandth of the values' range.
 Curve BakedKeys(const kernix::TransformTrack& track, int keyType);
 
 }  // namespace zr

@@ -23,7 +23,7 @@ struct NodeGoal {
 };
 using Goal = std::variant<NodeGoal, std::string>;  // or a pointer
 
-// A channel of the document that gets another curve; without keys it goes.
+// A channel of the document that gets another curve; a curve without keys removes it.
 struct ChangedChannel {
     std::size_t animation;
     std::size_t channel;
@@ -42,7 +42,7 @@ struct ChangedViewport {
     std::vector<std::size_t> animations;  // that it plays
 };
 
-// A transform in parts where they tell it, else as a matrix, column by column.
+// A transform in parts where these can express it, else as a matrix, column by column.
 struct TransformParts {
     std::array<float, 3> translation;
     std::array<float, 4> rotation;
@@ -73,8 +73,8 @@ struct MovedObject {
 
 struct NewCamera {
     std::size_t node;
-    std::string nodeName;  // where the node has none
-    double fieldOfView;    // radians, from the picture's top to its bottom
+    std::string nodeName;  // used if the node has none
+    double fieldOfView;    // vertical, radians
     double near;
     double far;
 };
@@ -96,8 +96,8 @@ struct ChangedNodes {
         false;  // Y and Z of what the nodes show, as the nodes' transforms have them exchanged
 };
 
-// All that becomes of a document. Indices are those of the document as it is; what is new follows behind its
-// kind's elements, in the order in which it stands here.
+// All changes to a document. Indices refer to the document before the changes; new elements follow the
+// existing ones of their kind, in the order listed here.
 struct DocumentChanges {
     std::vector<std::pair<std::size_t, std::string>> materialNames;
     std::optional<ChangedNodes> nodes;
@@ -110,7 +110,7 @@ struct DocumentChanges {
     std::vector<bool> keptLayers;            // empty: all
     std::vector<ChangedViewport> viewports;  // empty: as they are
     gltf::Removal removal;
-    bool force = false;  // takes elements also where something that cannot be followed could refer to them
+    bool force = false;  // removes elements even where something that cannot be followed could refer to them
     bool takesWhatItLeaves = false;  // what nothing refers to any more after the changes goes too
 };
 

@@ -10,8 +10,8 @@
 
 namespace zr {
 
-// The curves of a document's samplers, read when somebody asks for them. The document outlives them, and
-// keeps the accessors and buffers that it has now where they are.
+// The curves of a document's samplers, read on demand. The document must outlive them and keep its present
+// accessors and buffers unchanged.
 class DocumentCurves final : public kernix::CurveSource {
 public:
     explicit DocumentCurves(const gltf::Document& document) : m_document(document) {}

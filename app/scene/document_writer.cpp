@@ -88,7 +88,7 @@ private:
             changed[added.animation] = true;
             AddChannel(added);
         }
-        // What lost its last channel goes.
+        // Animations that lost their last channel are removed.
         const auto animations = m_document.Elements(Kind::kAnimation);
         auto& gone = m_removal[gltf::Ordinal(Kind::kAnimation)];
         gone.resize(animations.size(), false);

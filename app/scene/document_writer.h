@@ -5,9 +5,9 @@
 
 namespace zr {
 
-// Applies the changes to their document. Throws gltf::Error and, for a skin that cannot be read where axes
-// are exchanged, std::runtime_error; the document is of no use then. What kept elements that the changes left
-// unreferenced in the document.
+// Applies the changes to their document. Throws gltf::Error and, when axes are exchanged and a skin cannot be
+// read, std::runtime_error; the document must not be used afterwards. What kept elements that the changes
+// left unreferenced in the document.
 std::vector<gltf::OpaqueUse> WriteDocument(gltf::Document& document, const DocumentChanges& changes);
 
 }  // namespace zr

@@ -46,7 +46,7 @@ public:
             const auto aimed = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
             if (!aimed) continue;
             m_aimNodes[node] = *aimed;
-            // What a camera or light aims at goes with it.
+            // The target of a camera or light moves with it.
             MoveExtension(node, Element(Kind::kNode, *aimed), "ZR_scene", "target");
         }
         for (const std::size_t skin : m_skins) FlipSkin(skin);

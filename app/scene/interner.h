@@ -15,7 +15,7 @@ inline std::uint64_t HashOf(std::string_view bytes) {
     return std::hash<std::string_view>()(bytes);
 }
 
-// Numbers by a hash of what they stand for, which the caller keeps and compares.
+// Numbers found by a hash of the content they stand for, which the caller keeps and compares.
 class HashIndex {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;

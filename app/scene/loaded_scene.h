@@ -18,11 +18,11 @@
 
 namespace zr {
 
-// Which of the meshes that look alike at one place repeat another, so that one of them will do.
+// Which of the meshes that look alike at one place count as duplicates, so that one is enough.
 enum class Repeats {
     kUnseen,   // those without which the scene looks and behaves the same
     kBlended,  // also blended ones: every further one covers more of what lies behind
-    kAlike,    // also those that something above them sets apart: what hides, moves or replaces them
+    kAlike,    // also those distinguished by a node above that hides, moves or replaces them
 };
 
 // What a mesh has that a node shows; without it the node shows its camera or light, if it has one.
@@ -36,9 +36,9 @@ struct SceneOptions {
     std::function<std::string(const gltf::Json& element)> keep;
     Repeats repeats = Repeats::kUnseen;
     Meshes meshes = Meshes::kAll;
-    // Elements may go also where something that cannot be followed could refer to them.
+    // Elements may be removed even where something that cannot be followed could refer to them.
     bool force = false;
-    // Told now and then how much of the scene is made, 0 to 1; may throw.
+    // Called periodically with progress from 0 to 1; may throw.
     std::function<void(double done)> progress = [](double) {};
 };
 
@@ -72,8 +72,8 @@ struct KeptElement {
     std::string reason;  // the place in the document that refers to it, or what SceneOptions::keep says
 };
 
-// What is made from a document. By index in the document, where not said otherwise; null for what is not in
-// the scene.
+// What is made from a document. By index in the document unless stated otherwise; null for what is not in the
+// scene.
 struct SceneParts {
     vl::Ref<kernix::SceneModel> scene;
     NodeLayout layout;
@@ -81,19 +81,19 @@ struct SceneParts {
     std::vector<kernix::MaterialModel*> materials;
     std::vector<kernix::AnimationModel*> animations;
     std::vector<LoadedChannel> channels;            // in document order
-    std::vector<kernix::LayerModel*> layers;        // as ZR_scene lists them
+    std::vector<kernix::LayerModel*> layers;        // in the order of ZR_scene
     std::vector<kernix::ViewportModel*> viewports;  // the same; empty when the host gave its own
     std::vector<std::size_t> extrasNodes;           // nodes whose metadata came from extras
     std::vector<KeptElement> kept;
     std::vector<SkippedChannel> skipped;
-    bool sharesTracks = false;               // some channels move the same
+    bool sharesTracks = false;               // some channels drive the same property
     bool force = false;                      // SceneOptions::force
     std::vector<std::uint32_t> nodeIndices;  // of the scene's nodes by their number: in the document
 };
 
 // A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
 // scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys
-// are read from the document when somebody first asks for them.
+// are read from the document on first use.
 //
 // A node that something in the document refers to gets a dummy when it shows nothing. A mesh of such a node
 // has a format value of its own: nothing else equals it. Materials that something else than the scene's
@@ -116,7 +116,7 @@ public:
 
     // A node's index in the document; nothing for null and for one that the document does not have.
     std::optional<std::size_t> IndexOf(const vl::zr::Node* node) const;
-    // How people find a node: its name, or "#4".
+    // How messages name a node: by its name, or "#4".
     std::string NameOf(const vl::zr::Node& node) const;
 
     const SceneParts& Parts() const { return m_parts; }
@@ -131,7 +131,7 @@ public:
     gltf::Document WriteBack() &&;
 
 private:
-    std::unique_ptr<gltf::Document> m_document;  // stays where it is when the scene moves
+    std::unique_ptr<gltf::Document> m_document;  // keeps its address when the scene is moved
     std::unique_ptr<DocumentCurves> m_curves;    // the same
     SceneParts m_parts;
 };

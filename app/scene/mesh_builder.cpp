@@ -44,7 +44,7 @@ void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std
             for (std::size_t i = 0; i + 2 < count; i += 3) triangle(i, i + 1, i + 2);
             break;
         case kTriangleStrip:
-            // Every other triangle of a strip is turned over.
+            // Every other triangle of a strip is reversed.
             for (std::size_t i = 0; i + 2 < count; ++i) triangle(i, i + 1 + i % 2, i + 2 - i % 2);
             break;
         case kTriangleFan:
@@ -90,8 +90,8 @@ bool IsBlended(const Json& material) {
     return mode != nullptr && mode->String() == "BLEND";
 }
 
-// A mesh that is stored in compressed form only shows the two corners of its bounds: it holds data, and where
-// its data is kept decides what it equals.
+// A mesh stored only in compressed form shows the two corners of its bounds: it has data, and the place of
+// that data decides what it equals.
 std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
     if (part.positions == kNone) return {};
     const gltf::Document& document = m_document;
@@ -196,8 +196,8 @@ MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
     return part;
 }
 
-// A mesh that shows the same part several times, as hostile ones do by the thousand, holds it once. Which
-// part stands again is of the format.
+// A mesh that shows the same part several times, as hostile ones do by the thousand, holds it once; the
+// repetition becomes part of the format value.
 void MeshBuilder::DropRepeated(std::vector<Part>& parts, Words& format) {
     if (parts.size() < 2) return;
     Interner seen;

@@ -15,7 +15,7 @@
 
 namespace zr {
 
-// Whether what lies behind a material shows through it.
+// Whether a material lets what lies behind it show through.
 bool IsBlended(const gltf::Json& material);
 
 // Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their

@@ -10,7 +10,7 @@
 
 namespace zr {
 
-// Members of a node that belong to what it shows, as pointers into the node name them.
+// Members of a node that belong to what it shows, as named in pointers into the node.
 inline constexpr std::string_view kObjectMembers[] = {
     "mesh",    "skin",
     "weights", "extensions/EXT_mesh_gpu_instancing",
@@ -28,8 +28,8 @@ const gltf::Json* FindMember(const gltf::Json& node, std::string_view member);
 // Whether the node has any of them.
 bool HasObject(const gltf::Json& node);
 
-// Mends what refers to members that went from a node to another one: pointers of animation channels and of
-// behaviour graphs, and channels of morph weights. moved: from node to node.
+// Updates what refers to members that moved to another node: pointers of animation channels and of behaviour
+// graphs, and channels of morph weights. moved: from node to node.
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
                    const std::unordered_map<std::size_t, std::size_t>& moved);
 

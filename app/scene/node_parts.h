@@ -7,7 +7,7 @@
 
 namespace zr {
 
-// The members of a node of a document, found in one pass; null for those that it has not.
+// The members of a node of a document, found in one pass; null for those that it lacks.
 struct NodeParts {
     explicit NodeParts(const gltf::Json& node) {
         for (const gltf::JsonMember& member : node.Members()) {

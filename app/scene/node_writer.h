@@ -5,8 +5,8 @@
 
 namespace zr {
 
-// Writes the nodes of the document's scene. Where an object moves to another node, what refers to it as the
-// node's follows; skins follow their joints. Nodes that go stay until they are removed.
+// Writes the nodes of the document's scene. Where an object moves to another node, references to it follow;
+// skins follow their joints. Obsolete nodes stay until they are removed.
 void WriteNodes(gltf::Document& document, const ChangedNodes& changes);
 
 }  // namespace zr

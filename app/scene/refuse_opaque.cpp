@@ -15,7 +15,7 @@ void RefuseOpaque(gltf::Document& document, gltf::KindSet kinds) {
             if (!kinds.Has(removed) || !use.kinds.Has(removed)) continue;
             document.Fail(gltf::ErrorKind::kReference, use.place,
                           Join("the extension ", use.extension, " could refer to a removed or renumbered ",
-                               gltf::Info(removed).noun, " (--force goes on all the same)"));
+                               gltf::Info(removed).noun, " (--force continues anyway)"));
         }
     }
 }

@@ -5,11 +5,11 @@
 
 namespace zr {
 
-// Throws gltf::Error (kReference) when the document holds an index that cannot be followed and could name an
-// element of `kinds`, so that to remove any of these, which renumbers the others, could break it.
+// Throws gltf::Error (kReference) when the document contains an index that cannot be followed and could name
+// an element of `kinds`, since removing one of these renumbers the others and could break it.
 void RefuseOpaque(gltf::Document& document, gltf::KindSet kinds);
 
-// The kinds of which `removal` takes an element.
+// The kinds of which `removal` removes an element.
 gltf::KindSet KindsOf(const gltf::Removal& removal);
 
 }  // namespace zr

@@ -38,8 +38,8 @@ constexpr std::string_view kBareExtensions[] = {
     "KHR_xmp_json_ld",         "ZR_scene",
 };
 
-// The extension that makes a node without a mesh more than an empty place (a sound, a body of physics,
-// something that is not known), or null.
+// The extension that makes a node without a mesh more than a bare transform (a sound, a physics body,
+// something unknown), or null.
 const gltf::JsonMember* ContentExtension(const Json& node) {
     const Json* extensions = node.Find("extensions");
     if (extensions == nullptr || node.Find("mesh") != nullptr) return nullptr;
@@ -178,7 +178,7 @@ void SceneBuilder::AddMaterials() {
         std::optional<std::string> text;
         if (name != nullptr) text = std::string(name->String());
         std::string content = m_ids.Canonical(materials[i]);
-        // Something refers to this one, so it is equal to none.
+        // Something refers to this one, so it equals no other.
         if (kept) content += Join(" #", i);
         m_parts.materials[i] = m_scene.AddMaterial(std::move(text), std::move(content));
     }
@@ -192,7 +192,7 @@ void SceneBuilder::AddNodes() {
             m_options.progress(static_cast<double>(i) / static_cast<double>(order.size()));
         AddNode(order[i], m_parts.layout.parents[order[i]]);
     }
-    // What refers to other nodes waits until all are there.
+    // References to other nodes wait until all nodes exist.
     for (std::size_t node : m_extended) ApplyExtension(node);
 }
 
@@ -218,7 +218,7 @@ vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent
     const std::size_t apart = m_surroundings.Enter(index, parent, parts.extensions);
     if (parts.mesh != nullptr && m_meshes.Shows(parts, m_options.meshes)) {
         if (m_options.repeats != Repeats::kAlike && apart != kNone) motion += Join("apart ", apart, ";");
-        // Nothing repeats what something refers to, nor what is seen through.
+        // Nodes that something refers to, and translucent ones, repeat no other.
         const bool isUnique =
             mark.reason || (m_options.repeats == Repeats::kUnseen && m_meshes.ShowsBlended(parts));
         if (isUnique) motion += Join("node ", index, ";");
@@ -329,7 +329,7 @@ void SceneBuilder::AddLayersAndViewports() {
     }
 }
 
-// A document without viewports plays all it has.
+// A document without viewports plays all its animations.
 void SceneBuilder::AddDefaultViewport() {
     kernix::ViewportModel* viewport = m_scene.AddViewport(vl::zr::kViewportView, "");
     const auto animations = m_document.Elements(Kind::kAnimation);

@@ -23,7 +23,7 @@ public:
     SceneParts Build() &&;
 
 private:
-    // What the document says about an element apart from the scene itself.
+    // What the document outside the scene says about an element.
     struct Mark {
         bool isJoint = false;
         std::unique_ptr<const std::string> reason;  // why it must stay; null where it need not

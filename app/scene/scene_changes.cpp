@@ -115,7 +115,7 @@ private:
         }
     }
 
-    // The document's animation for a model, made when it is new; nothing for one the scene does not hold.
+    // The document's animation for a model, created if new; nothing for one that the scene does not contain.
     std::optional<std::size_t> AnimationFor(const kernix::AnimationModel* model) {
         const auto known = m_indices.find(model);
         if (known != m_indices.end()) return known->second;
@@ -133,7 +133,7 @@ private:
         return curve ? &*curve : nullptr;
     }
 
-    // The keys that the track has in the end.
+    // The final keys of the track.
     Curve CurveOf(vl::zr::Track& track, int keyType) {
         if (Curve* replacement = Replacement(track, keyType))
             return m_parts.sharesTracks ? *replacement : std::move(*replacement);
@@ -141,7 +141,7 @@ private:
         return KeysOf(static_cast<kernix::TransformTrack&>(track), keyType);
     }
 
-    // Whether the track's keys are the document's for sure, without a look at them.
+    // Whether the track's keys are known to be the document's without looking at them.
     bool IsAsLoaded(vl::zr::Track* track, int keyType) {
         if (track == nullptr || m_parts.sharesTracks || Replacement(*track, keyType) != nullptr) return false;
         const kernix::StoredCurve* packed =
@@ -150,7 +150,7 @@ private:
         return packed != nullptr && packed->IsAsStored();
     }
 
-    // Channels the document has: left alone where their keys are as they were.
+    // Existing channels of the document: left alone where their keys are unchanged.
     void Channels() {
         const auto animations = m_document.Elements(Kind::kAnimation);
         for (const LoadedChannel& loaded : m_parts.channels) {

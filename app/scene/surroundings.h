@@ -10,24 +10,24 @@
 
 namespace zr {
 
-// What nodes do to those below them beyond placing them: hide them, replace them by others, move them as
-// bodies, keep them from being picked. Whatever an extension of a node could do that is not known to leave
-// the nodes below alone, and whatever something else in the document could do by referring to the node, sets
-// these apart from others that look alike.
+// What nodes do to their descendants beyond placing them: hide them, replace them by others, move them as
+// physics bodies, exclude them from picking. A node sets its descendants apart from others that look alike
+// when it has an extension not known to leave them alone, or when something else in the document refers to
+// it.
 class Surroundings {
 public:
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     explicit Surroundings(const gltf::Document& document);
 
-    // Takes every reference of the document, before the first Enter.
+    // To be called for every reference of the document before the first Enter.
     void Note(const gltf::Reference& reference);
 
     // Nodes of the scene, parents first; parent: kNone at the top; extensions: the node's, or null. The
     // nearest node that sets this one apart, or kNone. Children of a selector are set apart from each other.
     std::size_t Enter(std::size_t node, std::size_t parent, const gltf::Json* extensions);
 
-    // Where in the document it is said that the node sets others apart.
+    // The place in the document that makes the node set others apart.
     std::string PlaceOf(std::size_t node) const;
 
 private:

@@ -101,7 +101,7 @@ FontFileNames AddFontFile(const std::filesystem::path& file) {
     const FontFileNames names = ReadFontNames(ReadFile(file).View(), name);
     const std::u16string path = std::filesystem::absolute(file).u16string();
     if (AddFontResourceExW(platform::Wide(path.c_str()), FR_PRIVATE, nullptr) == 0)
-        throw Error(name, "", "the system does not take this font");
+        throw Error(name, "", "the system does not accept this font");
     return names;
 }
 

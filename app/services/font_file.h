@@ -8,18 +8,18 @@
 
 namespace zr {
 
-// What a font file says of its font, of the first one in a collection.
+// What a font file says about its font, or the first font of a collection.
 struct FontFileNames {
     std::u16string family;
     int weight;
     bool isItalic;
 };
 
-// Throws Error when the bytes are no TrueType or OpenType font.
+// Throws Error when the bytes are not a TrueType or OpenType font.
 FontFileNames ReadFontNames(Bytes font, const std::string& name);
 
-// Makes the fonts of a file known to this process, where they go before the system's of the same family.
-// Throws Error.
+// Makes the fonts of a file known to this process, where they take precedence over the system's of the same
+// family. Throws Error.
 FontFileNames AddFontFile(const std::filesystem::path& file);
 
 }  // namespace zr

@@ -17,7 +17,7 @@ std::u16string TextOf(const WCHAR (&buffer)[size]) {
     return std::u16string(buffer, std::find(buffer, buffer + size, WCHAR{0}));
 }
 
-// Of what the system calls a family of its own because it is turned for vertical writing.
+// Prefix of families that the system lists separately because they are rotated for vertical writing.
 bool IsTurned(const std::u16string& family) {
     return family.starts_with(u'@');
 }
@@ -29,7 +29,7 @@ void Enumerate(HDC dc, const WCHAR* family, Tell&& tell) {
     if (family) std::copy_n(family, std::size(record.lfFaceName), record.lfFaceName);
     const FONTENUMPROCW forward = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type,
                                      LPARAM user) -> int {
-        // Fonts of lines or pixels have no outlines; those of cubic outlines have no type.
+        // Vector and bitmap fonts have no outlines; fonts of cubic outlines have no type.
         constexpr DWORD kRasterOrDevice = 3;
         if ((type & kRasterOrDevice) == 0)
             (*reinterpret_cast<std::remove_reference_t<Tell>*>(user))(
@@ -43,7 +43,7 @@ void Enumerate(HDC dc, const WCHAR* family, Tell&& tell) {
 
 std::vector<FontFamily> ListFonts() {
     const DeviceContext dc;
-    // The system may tell of a font once for each script that it has.
+    // The system may list a font once for each script that it supports.
     std::map<std::u16string, std::map<std::tuple<int, bool, std::u16string>, FontStyle>> found;
     Enumerate(dc, nullptr, [&](const ENUMLOGFONTEXW& family) {
         const std::u16string name = TextOf(family.elfLogFont.lfFaceName);

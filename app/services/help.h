@@ -6,7 +6,7 @@
 
 namespace zr {
 
-// The file of a page of the help, which stands in share/zrtools/help beside the bin/ of the program.
+// The file of a help page, in share/zrtools/help beside the program's bin/.
 std::filesystem::path HelpPage(std::string_view page);
 
 // Opens a file in the user's browser. False when the system has no way to open files.

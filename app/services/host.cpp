@@ -27,7 +27,7 @@ constexpr const char* kModuleFile = ZR_MODULE_FILE;
 // The module reports errors on the thread that called it.
 thread_local std::string t_reportedError;
 
-// The 3D view window of a host without one on the screen: its value holds the view.
+// Stands in for the 3D view window, which this host does not show: its value holds the view.
 class ViewWindow final : public platform::HostControl {
 public:
     explicit ViewWindow(ViewObject* view) : HostControl(reinterpret_cast<LONG_PTR>(view)) {}
@@ -35,8 +35,7 @@ public:
     LRESULT OnMessage(UINT, WPARAM, LPARAM) override { return 0; }
 };
 
-// The file that ZR_MODULE names; else the module stands beside the program or, where libraries have a folder
-// of their own, there.
+// The file that ZR_MODULE names, else the module beside the program or in the libraries' own folder.
 std::filesystem::path FindModule() {
     if (const auto chosen = EnvironmentVariable("ZR_MODULE")) return PathFromUtf8(*chosen);
     const std::filesystem::path folder = ProgramFile().parent_path();

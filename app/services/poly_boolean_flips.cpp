@@ -94,7 +94,7 @@ private:
         m_owners.erase({c, a});
         Set(t, b, c, d);
         Set(u, b, d, a);
-        // What was stuck behind these two may go on now.
+        // Flips that these two blocked may be possible now.
         for (const DirectedEdge& outer : {DirectedEdge{c, b}, {d, c}, {b, a}, {a, d}}) {
             const auto beside = m_owners.find(outer);
             if (beside != m_owners.end()) m_flat.push_back(beside->second);

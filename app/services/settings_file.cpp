@@ -16,7 +16,7 @@ namespace zr {
 
 namespace {
 
-// Far larger than any settings file; beyond it is the wrong file or an endless device.
+// Far larger than any settings file; anything beyond is the wrong file or an endless device.
 constexpr std::size_t kMaxSize = 1 << 20;
 
 std::string Folded(std::string text) {

@@ -18,8 +18,8 @@ public:
     // or contains a value that is not a number.
     explicit SettingsFile(const std::filesystem::path& file);
 
-    // section: null or empty for the whole file. A number outside the type's range gives fallback, an int
-    // loses its fraction.
+    // section: null or empty for the whole file. A number outside the type's range yields fallback; an int is
+    // truncated.
     int GetInt(const char* section, const char* key, int fallback) override;
     float GetFloat(const char* section, const char* key, float fallback) override;
 

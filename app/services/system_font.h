@@ -34,7 +34,7 @@ public:
 
     bool Has(char16_t c) const;
 
-    // False when the system has no outline, not even an empty one, to give at this height.
+    // False when the system has no outline at this height, not even an empty one.
     bool CanDraw(char16_t c) const;
 
     // In device units; 0 for what cannot be drawn.

@@ -31,8 +31,7 @@ public:
     const Item& At(std::size_t number) const { return m_items[number - 1]; }
 
     // One line per item, in tree order. For an item deeper than kMaxGuides only the innermost levels are
-    // drawn, after
-    // "..." and the depth, so that the text stays linear in the number of items.
+    // drawn, after "..." and the depth, so that the text stays linear in the number of items.
     std::string Draw() const;
     static constexpr std::size_t kMaxGuides = 32;
 

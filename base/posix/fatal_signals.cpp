@@ -13,7 +13,7 @@
 
 namespace zr {
 
-// Slots are used again and never freed: a signal may come while any of them is read.
+// Slots are reused and never freed: a signal may arrive while any of them is being read.
 struct TemporarySlot {
     std::atomic<bool> isTaken{true};
     std::atomic<bool> isSet{false};  // the path names a file to remove
@@ -79,7 +79,7 @@ void InstallHandlers() {
             now.sa_flags = SA_RESTART;
             sigaction(number, &now, nullptr);
         }
-        // Writing beyond the limit of a file's size then fails as on a full disk.
+        // Writing beyond the file size limit then fails as on a full disk.
         struct sigaction now {};
         if (sigaction(SIGXFSZ, nullptr, &now) == 0 && now.sa_handler == SIG_DFL) signal(SIGXFSZ, SIG_IGN);
         return true;

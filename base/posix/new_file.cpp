@@ -18,7 +18,7 @@ namespace {
 constexpr int kTries = 16;
 constexpr mode_t kMode = 0666;
 
-// A file without a name stays open until it gets one; beyond this many in the process files get temporary
+// A file without a name stays open until it gets one; beyond this many in the process, files get temporary
 // names.
 constexpr int kMaxUnnamed = 128;
 std::atomic<int> g_unnamed{0};
@@ -57,7 +57,7 @@ struct NewFile::State {
         if (descriptor < 0) return false;
         isUnnamed = true;
         ++g_unnamed;
-        // The way to its name leads through there.
+        // Its name is given through this path.
         if (access(DescriptorPath(descriptor).c_str(), F_OK) == 0) return true;
         Close();
         return false;
@@ -65,7 +65,7 @@ struct NewFile::State {
 
     std::error_code OpenTemporary() {
         for (int i = 0; i < kTries; ++i) {
-            // Known to the signal handler before it is there.
+            // The signal handler must know it before it exists.
             TemporaryPath path(TemporaryName(folder));
             descriptor = open(path.Get(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kMode);
             if (descriptor >= 0) {
@@ -131,7 +131,7 @@ std::error_code NewFile::LinkTo(const fs::path& name) {
     }
     const std::error_code failure = LastError();
     if (failure == std::errc::file_exists) return failure;
-    // A file system that knows one name a file.
+    // A file system that allows only one name per file.
     std::error_code missing;
     if (fs::exists(fs::symlink_status(name, missing))) return std::make_error_code(std::errc::file_exists);
     return Replace(name);

@@ -8,8 +8,8 @@ namespace zr {
 
 struct TemporarySlot;
 
-// Lets EndBySignal handle what would end the process, and writing beyond the limit of a file's size fail as
-// on a full disk. Once.
+// Makes EndBySignal handle the signals that would end the process, and makes writing beyond the file size
+// limit fail as on a full disk. Only the first call has an effect.
 void InstallHandlers();
 
 // The name of a temporary file, which is removed with the object, and by EndBySignal.

@@ -12,8 +12,8 @@ namespace zr {
 
 using Animations = std::vector<kernix::AnimationModel*>;
 
-// Every controller of the scene's nodes and then of its materials; holder: which node or material it moves,
-// for people.
+// Every controller of the scene's nodes and then of its materials; holder: the node or material it moves, as
+// text for people.
 void ForEachController(
     LoadedScene& loaded,
     const std::function<void(vl::zr::Controller& controller, const std::string& holder)>& visit);
@@ -30,15 +30,15 @@ std::string Quoted(const kernix::AnimationModel& animation);
 // Whether the animation moves anything.
 bool HasKeys(const kernix::AnimationModel& animation);
 
-// Removes animations through the module's manager. Those that something in the document refers to stay; for
-// each of them one line that says why.
+// Removes animations through the module's manager. Those that something in the document refers to stay;
+// returns one line for each of these that says why.
 std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations);
 
 // A viewport that refers to any of the old animations refers to all the new ones too.
 void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const Animations& added);
 
-// The channels of animations that the document has and the scene does not play, and why: what is made of the
-// scene's tracks goes without them.
+// The channels that the document has but the scene does not play, and why: results made from the scene's
+// tracks lack them.
 std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animations& animations);
 
 }  // namespace zr

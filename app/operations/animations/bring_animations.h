@@ -11,7 +11,7 @@ namespace zr {
 
 struct BroughtAnimations {
     Animations animations;                    // new ones of the receiving scene, in the other's order
-    std::vector<std::string> withoutPartner;  // what moves in the other scene and has no place here
+    std::vector<std::string> withoutPartner;  // what moves in the other scene and has no partner here
 };
 
 // Gives `to` the animations of `from`, on the partners of the nodes that they move. Transforms come along,

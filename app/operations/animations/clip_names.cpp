@@ -21,7 +21,7 @@ std::string Cleaned(const std::string& name) {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F || kRefused.find(c) != kRefused.npos) c = '_';
     }
-    // Neither a hidden file nor a folder; and some systems drop what ends a name.
+    // Neither a hidden file nor a folder; and some systems drop dots and spaces at the end of a name.
     if (cleaned.starts_with('.')) cleaned[0] = '_';
     while (cleaned.ends_with('.') || cleaned.ends_with(' ')) cleaned.pop_back();
     return cleaned;

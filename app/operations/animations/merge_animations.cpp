@@ -108,7 +108,7 @@ private:
         });
     }
 
-    // Each copy to begin where the one before it ends.
+    // Moves each copy to begin where the one before it ends.
     void ShiftCopies() {
         float next = 0;
         for (std::size_t i = 0; i < m_copies.size(); ++i) {
@@ -133,7 +133,7 @@ private:
         }
     }
 
-    // Far from 0 times are coarse, and keys fall together.
+    // Far from 0, times are coarse and keys may coincide.
     void RequireDistinctTimes(std::size_t i) const {
         bool isDistinct = std::isfinite(m_copies[i].end);
         ForEachController(m_loaded, [&](vl::zr::Controller& controller, const std::string&) {
@@ -145,7 +145,7 @@ private:
         if (!isDistinct) {
             throw std::runtime_error(
                 Join("animation ", Quoted(*m_copies[i].copy),
-                     " would lose keys: so late in the sequence their times fall together"));
+                     " would lose keys: this late in the sequence, their times coincide"));
         }
     }
 
@@ -173,7 +173,7 @@ private:
         });
     }
 
-    // A key that rounding brings before the last one of the source before would be played before it.
+    // A key that rounding moves before the last key of the preceding source would be played before it.
     static float OffsetTo(float from, float to) {
         float offset = to - from;
         for (float goal = to; from + offset < to; offset = goal - from)
@@ -237,7 +237,7 @@ private:
             } else if (holders > 1) {
                 overlaps = overlaps || Overlap(tracks, keyType);
             }
-            // The merge takes orientations through matrices, which do not tell which way half a turn goes.
+            // The merge takes orientations through matrices, which lose the direction of a half turn.
             if (keyType == vl::zr::kKeyRotation && (m_options.inSequence || holders > 1)) {
                 for (TransformTrack* track : tracks)
                     if (track != nullptr) controller->NormalizeRotationKeys(track, 0);
@@ -276,8 +276,8 @@ private:
         return false;
     }
 
-    // Keys that hold the node's pose where its own keys begin late or end early, or where there are none, so
-    // that it does not move towards the pose of the neighbour.
+    // Adds keys that hold the node's pose where its own keys begin late, end early or are missing, so that it
+    // does not drift towards the pose of the neighbouring source.
     void FillStretches(kernix::TransformControllerModel& controller, std::vector<TransformTrack*>& tracks,
                        int keyType, const kernix::Pose& rest) const {
         const std::size_t count = tracks.size();

@@ -31,9 +31,9 @@ struct MergeReport {
 };
 
 // Merges two or more animations of the scene into a new one. The sources themselves are not changed. In
-// sequence each source begins where the one before it ends, and every node holds there the pose that it has
-// in the source, also where that source has no keys for it. Throws std::runtime_error when a source in
-// sequence has no keys, and when the result would have none.
+// sequence, each source begins where the one before it ends, and every node then takes the pose it has in
+// that source, even where the source has no keys for it. Throws std::runtime_error when a source in sequence
+// has no keys, and when the result would have none.
 MergeReport MergeAnimations(Host& host, LoadedScene& loaded, const Animations& sources,
                             const MergeOptions& options);
 

@@ -95,7 +95,7 @@ NodePartners MatchByName(kernix::SceneModel& from, kernix::SceneModel& to) {
 NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, const NodePairs& pairs) {
     const auto lookup = [&pairs](kernix::SceneModel& scene, const char* name, auto wanted) {
         const Named names = NodesByName(scene);
-        // Paths grow with the depth of the scene: only asked for, are they made.
+        // Paths grow with the depth of the scene, so they are made only on demand.
         Named paths;
         if (std::any_of(pairs.begin(), pairs.end(),
                         [&](const auto& pair) { return wanted(pair).starts_with('/'); }))

@@ -10,13 +10,13 @@
 
 namespace zr {
 
-// Which node of one scene stands for which of another.
+// How nodes of one scene are matched with those of another.
 using NodePartners = std::unordered_map<const kernix::NodeModel*, kernix::NodeModel*>;
 
-// By the names from the root on, and among siblings of one name by their order.
+// By the names from the root down, and siblings of the same name by their order.
 NodePartners MatchByPath(kernix::SceneModel& from, kernix::SceneModel& to);
 
-// By name, wherever the nodes stand. A name that several nodes of either scene have matches nothing.
+// By name, regardless of the hierarchy. A name that is not unique in both scenes matches nothing.
 NodePartners MatchByName(kernix::SceneModel& from, kernix::SceneModel& to);
 
 // A node of one scene and its partner in the other, each by name, or by path ("/root/arm").

@@ -105,7 +105,7 @@ const std::vector<float>* KnownDefault(std::string_view pointer) {
     return nullptr;
 }
 
-// Keys that are put around a curve's own; they pass level.
+// Keys added around a curve's own, with slope 0.
 class Framed {
 public:
     explicit Framed(const Curve& curve)
@@ -121,7 +121,7 @@ public:
         return std::vector<float>(at, at + static_cast<std::ptrdiff_t>(m_width));
     }
 
-    // Shows the value from one time until just before the other.
+    // Adds keys that show the value from one time until just before the other.
     void Hold(float from, float to, const std::vector<float>& value) {
         const float before = std::nextafter(to, -std::numeric_limits<float>::infinity());
         Add(from, value);

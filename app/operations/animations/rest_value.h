@@ -10,8 +10,8 @@
 
 namespace zr {
 
-// What the document says of the property that a JSON pointer names, as `width` numbers: its value where
-// nothing moves it. For a property that is left out, its default. Nothing when neither is known.
+// The rest value of the property that a JSON pointer names, as `width` numbers: its value in the document or,
+// if omitted, its default. Nothing when neither is known.
 std::optional<std::vector<float>> RestValue(const gltf::Document& document, std::string_view pointer,
                                             std::size_t width);
 

@@ -15,8 +15,8 @@ namespace zr {
 //   linear 0@0, 4@4   from 1 to 3   ->   1@0, 3@2
 Curve Sliced(const Curve& curve, float from, float to, bool isRotation);
 
-// New animations that are the stretches of one between its start, the cuts and its end; each begins at 0.
-// cuts: seconds, ascending, between start and end. Named "NAME 1", "NAME 2" and so on.
+// New animations, one for each interval between the start, the cuts and the end of an animation; each begins
+// at 0. cuts: seconds, ascending, between start and end. Named "NAME 1", "NAME 2" and so on.
 Animations CutAnimation(LoadedScene& loaded, kernix::AnimationModel& animation,
                         const std::vector<float>& cuts);
 

@@ -37,7 +37,7 @@ namespace {
 
 using Operation = int (zr_CLEANER::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
-// Null for the steps that are no operation of the cleaner's own.
+// Null for the steps that are not operations of the cleaner itself.
 constexpr std::array<Operation, kCleanSteps> kOperations = {
     &zr_CLEANER::RemoveMetadata,         nullptr,
     &zr_CLEANER::RemoveMeshDupes,        &zr_CLEANER::RemoveEmptyNodes,
@@ -51,7 +51,7 @@ constexpr std::array<Operation, kCleanSteps> kOperations = {
 SceneOptions SceneOptionsOf(const CleanOptions& options) {
     SceneOptions sceneOptions;
     sceneOptions.repeats = options.blended ? Repeats::kBlended : Repeats::kUnseen;
-    sceneOptions.force = true;  // what could be referred to is settled for each step
+    sceneOptions.force = true;  // each step decides for itself about what could be referred to
     if (!options.keep.empty() || options.keepNamed || options.keepExtras) {
         sceneOptions.keep = [&options](const gltf::Json& element) -> std::string {
             const gltf::Json* member = element.Find("name");
@@ -100,7 +100,7 @@ public:
         }
     }
 
-    // A repeated mesh, or a node that holds nothing else, goes once all its children are gone.
+    // A repeated mesh, or a node that holds nothing else, is removed once all its children are.
     void RunFreed(const std::array<bool, kCleanSteps>& allowed) {
         while (std::exchange(m_freed, false) && !m_context->IsBreak()) {
             for (const CleanStep step : {CleanStep::kMeshDupes, CleanStep::kEmptyNodes})
@@ -108,7 +108,7 @@ public:
         }
     }
 
-    // What the steps left only because something holds it.
+    // What the steps left only because something refers to it.
     void Explain() { m_result.held = HeldElements(m_loaded, RanSteps()); }
 
     Document Finish() { return std::move(m_loaded).WriteBack(); }
@@ -155,7 +155,7 @@ private:
         }
     }
 
-    // The scripted way reaches this operation, which the cleaner's own interface does not list.
+    // Only the scripted interface reaches this operation; the cleaner's own interface does not list it.
     void RemoveEnvironment(StepResult& result) {
         const CleanMethod method(m_cleaner);
         const auto params = method.Only(&m_scene, "Remove_EnvMaps_And_Backplates");
@@ -186,7 +186,7 @@ void Add(gltf::Collected& total, gltf::Collected more) {
     }
 }
 
-// Notes the steps that could take an element that something refers to in a way that cannot be followed.
+// Records the steps that could remove an element that something refers to in a way that cannot be followed.
 std::array<bool, kCleanSteps> AllowedSteps(const gltf::Opaque& opaque, const CleanOptions& options,
                                            CleanResult& result) {
     std::array<bool, kCleanSteps> allowed = options.steps;
@@ -203,15 +203,15 @@ std::array<bool, kCleanSteps> AllowedSteps(const gltf::Opaque& opaque, const Cle
 
 }  // namespace
 
-// An animation that goes frees the nodes it moved, and a skin its joints: as long as a round sets something
-// free, another one follows. Places in the explanation are those of the document before the last round.
+// Removing an animation frees the nodes it moved, and removing a skin its joints: rounds are repeated as long
+// as one frees something. Places in the explanation refer to the document before the last round.
 CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress) {
     CleanResult result;
     const gltf::Opaque opaque = options.force ? gltf::Opaque() : gltf::OpaqueReferences(document);
     const std::array<bool, kCleanSteps> allowed = AllowedSteps(opaque, options, result);
-    // Nothing that cannot be followed comes in by what goes.
+    // Removals add nothing that cannot be followed.
     const bool followsAll = options.force || opaque.uses.empty();
     const auto collectShown = [&] {
         if (options.keepData) return false;
@@ -220,7 +220,7 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
         Add(result.collected, std::move(collected));
         return freesJoints;
     };
-    // The parts of the time, roughly: making the scene, the steps, collecting.
+    // Rough shares of the time: building the scene, the steps, collecting.
     constexpr double kSceneMade = 0.5, kStepsDone = 0.75;
     SceneOptions sceneOptions = SceneOptionsOf(options);
     sceneOptions.progress = [&](double done) { progress(kSceneMade * done); };

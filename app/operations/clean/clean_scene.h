@@ -17,7 +17,7 @@
 
 namespace zr {
 
-// What the cleaner can take out of a scene, in the order in which it does.
+// What the cleaner can remove from a scene, in the order in which it does.
 enum class CleanStep : std::size_t {
     kMetadata,
     kEqualMaterials,
@@ -36,7 +36,7 @@ inline constexpr std::size_t kCleanSteps = 10;
 struct CleanStepInfo {
     std::string_view name;
     std::string_view what;              // for people
-    bool unseen;                        // takes only what nobody sees: done unless told otherwise
+    bool unseen;                        // removes only what nobody sees: on by default
     std::optional<gltf::Kind> removes;  // elements that others may refer to by index
 };
 
@@ -47,32 +47,33 @@ struct CleanOptions {
     std::vector<std::string> keep;  // shell patterns of names of nodes, materials and animations that stay
     bool keepNamed = false;         // every node, material and animation with a name stays
     bool keepExtras = false;        // the same for those with extras
-    bool force = false;             // also where an extension that is not known could refer to what goes
-    bool keepData = false;          // what nothing refers to any more stays in the file
+    bool force = false;             // also where an unknown extension could refer to what is removed
+    bool keepData = false;          // keep data that nothing refers to any more in the file
     bool blended = false;           // also repeated meshes that are blended, though more of them shows more
     bool explain = false;           // fill CleanResult::held
-    // Takes over what the work needed, to be taken apart later or never; null: it is taken apart at once.
+    // Receives the data the work needed, so that it can be destroyed later or never; null: it is destroyed at
+    // once.
     std::function<void(std::shared_ptr<void>)> retire;
 };
 
-// How a scene is loaded for these options, which must outlive it.
+// How to load a scene for these options, which must outlive it.
 struct SceneOptions;
 SceneOptions SceneOptionsOf(const CleanOptions& options);
 
-// Elements that go with the last node which shows them.
+// Elements that are removed with the last node that shows them.
 inline constexpr gltf::KindSet kShownKinds{gltf::Kind::kMesh, gltf::Kind::kSkin, gltf::Kind::kCamera,
                                            gltf::Kind::kLight};
 
 struct StepResult {
     bool ran = false;
     std::size_t count = 0;
-    std::vector<std::string> names;         // of what went; "#4" for the element 4 without a name
+    std::vector<std::string> names;         // of what was removed; "#4" for element 4 when it has no name
     std::vector<gltf::OpaqueUse> refusals;  // what kept the step from running
 };
 
-// An element that the steps which ran would have taken if nothing held it, or a mesh that looks like another
-// one at its place and still stays. Indices in the holder's place are those of the scene as it was, unless
-// what went first set more free.
+// An element that the steps would have removed if nothing held it, or a mesh that looks like another one at
+// its place but stays. Indices in the holder's place are those of the original scene, unless earlier removals
+// freed more.
 struct HeldElement {
     gltf::Kind kind;
     std::string name;
@@ -82,12 +83,12 @@ struct HeldElement {
 struct CleanResult {
     std::array<StepResult, kCleanSteps> steps;
     std::vector<HeldElement> held;  // with CleanOptions::explain
-    gltf::Collected collected;      // elements without a reference
+    gltf::Collected collected;      // elements that nothing refers to
 };
 
-// Cleans the document in place with the module's cleaner, until nothing more goes: a second cleaning of the
-// result changes nothing. progress: 0 to 1. A break ends it between two removals; the document is then of
-// no use. Throws gltf::Error, and what progress throws.
+// Cleans the document in place with the module's cleaner until nothing more can be removed, so that cleaning
+// the result again changes nothing. progress: 0 to 1. If it throws, cleaning ends between two removals and
+// the document must not be used. Throws gltf::Error, and what progress throws.
 CleanResult CleanDocument(gltf::Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress);

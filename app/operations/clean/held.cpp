@@ -100,7 +100,7 @@ private:
         }
     }
 
-    // Nodes that stay empty but for their metadata; what else holds a node is told with the others.
+    // Nodes that are empty but for their metadata; other holders of nodes are reported with the rest.
     void Metadata() {
         std::vector<bool> known(m_loaded.Document().Elements(Kind::kNode).size(), false);
         for (const KeptElement& kept : m_loaded.Kept())
@@ -122,7 +122,7 @@ private:
     std::vector<HeldElement> m_held;
 };
 
-// Tells for a mesh that repeats another one what kept it.
+// Finds for a mesh that repeats another one what kept it.
 class TwinReasons {
 public:
     explicit TwinReasons(LoadedScene& loaded)

@@ -10,10 +10,10 @@
 
 namespace zr {
 
-// "#4" for the element 4 without a name.
+// "#4" for element 4 when it has no name.
 std::string NameOr(std::string name, std::size_t index);
 
-// What the steps that ran left in the scene only because something holds it.
+// What the steps left in the scene only because something refers to it.
 std::vector<HeldElement> HeldElements(LoadedScene& loaded, const std::array<bool, kCleanSteps>& ran);
 
 // Nodes whose mesh looks like another one at its place, and what kept them. The document is only read.

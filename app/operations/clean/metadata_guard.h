@@ -9,8 +9,8 @@
 
 namespace zr {
 
-// Keeps nodes in a scene, as long as they have metadata, that would go because they show nothing or repeat
-// another mesh: what the metadata says of them would be lost. Watches the scene while it lives.
+// While an object of this class exists, nodes with metadata stay in the scene even when they show nothing or
+// repeat another mesh, since their metadata would be lost.
 class MetadataGuard {
 public:
     explicit MetadataGuard(LoadedScene& loaded);
@@ -19,7 +19,7 @@ public:
     MetadataGuard(const MetadataGuard&) = delete;
     MetadataGuard& operator=(const MetadataGuard&) = delete;
 
-    // How many repeated meshes were not deleted since the last call.
+    // The number of repeated meshes that were kept since the last call.
     std::size_t TakeSpared() { return std::exchange(m_spared, 0); }
 
 private:

@@ -90,7 +90,7 @@ public:
     }
 
     CompareResult Run() {
-        // Also tells which elements pointers lead to, which the comparison of values needs.
+        // Also finds the elements that pointers lead to, which the comparison of values needs.
         CompareStructure();
         m_options.progress(0.1);
         if (Wants(Aspect::kDrawn)) CompareShapes();
@@ -106,7 +106,7 @@ private:
     bool Wants(Aspect aspect) const { return m_options.aspects[static_cast<std::size_t>(aspect)]; }
     void Structure(std::string line) { m_result.structure.push_back(std::move(line)); }
 
-    // Pairs first, so that what both draw comes in the same order.
+    // Pairs first, so that what both scenes draw is in the same order.
     std::vector<std::size_t> InOrder(bool isA) const {
         std::vector<std::size_t> nodes;
         for (const auto& [a, b] : m_nodes.pairs) nodes.push_back(isA ? a : b);
@@ -153,7 +153,7 @@ private:
                 widen({vertices[i], vertices[i + 1], vertices[i + 2]});
         }
         if (!(low.x <= high.x)) return 0;
-        // Far from the origin, coordinates are as exact as their size lets them be.
+        // Far from the origin, coordinates are only as exact as their magnitude allows.
         const double size = std::max({Length(high - low), Length(high), Length(low)});
         return std::isfinite(size) ? size : 0;
     }
@@ -194,7 +194,7 @@ private:
     void CompareMeshes(std::size_t a, std::size_t b) {
         if (!m_meshes.emplace(a, b).second) return;
         m_content.Elements(Kind::kMesh, a, b);
-        // What primitives carry beyond what they draw, where it can be told which belong together.
+        // What primitives hold beyond what they draw, where it is known which belong together.
         const auto primitives = [](const Document& document, std::size_t mesh,
                                    const std::vector<std::size_t>& classes) {
             std::vector<const Json*> list;
@@ -442,7 +442,7 @@ private:
             return fromA ? m_content.PartnerInB(kind, index) : m_content.PartnerInA(kind, index);
         const std::vector<std::size_t>& from = fromA ? m_materials.classes.ofA : m_materials.classes.ofB;
         const std::vector<std::size_t>& to = fromA ? m_materials.classes.ofB : m_materials.classes.ofA;
-        // Of several, the one in the same place among its like.
+        // Of several, the one at the same position among them.
         std::size_t before = 0;
         for (std::size_t i = 0; i < index; ++i) before += from[i] == from[index];
         for (std::size_t i = 0; i < to.size(); ++i)

@@ -32,7 +32,7 @@ struct CompareOptions {
     // Length 0: a millionth of the scene's size.
     Tolerance tolerance{0, 1e-5, 1e-5};
     std::array<bool, kAspects> aspects{true, true, true, true, true, true};
-    // Told now and then how much is done, 0 to 1; may throw.
+    // Called periodically with progress from 0 to 1; may throw.
     std::function<void(double done)> progress = [](double) {};
 };
 
@@ -67,7 +67,7 @@ struct CompareResult {
     bool IsSame() const;
 };
 
-// Compares two documents. Order of elements, names of buffers, storage and layout make no difference. Throws
+// Compares two documents. The order of elements, names of buffers, storage and layout do not matter. Throws
 // gltf::Error.
 CompareResult CompareScenes(const gltf::Document& a, const gltf::Document& b, const CompareOptions& options);
 

@@ -21,7 +21,7 @@ using gltf::SchemaNode;
 
 namespace {
 
-// What the format says a member holds where it is missing. Names that stand for several have several lines.
+// Default values of missing members in the format. Names with several meanings have several lines.
 struct Default {
     std::string_view name;
     std::string_view text;
@@ -90,9 +90,8 @@ bool IsPlainDefault(std::string_view name, const Json& json) {
 
 constexpr gltf::Rule kTexture{"", gltf::Shape::kIndex, Kind::kTexture};
 
-// The rule for a member of an object that stands under `name`. Textures of materials need no line of their
-// own: any
-// "...Texture" with an index is one.
+// The rule for a member of an object that is the value of `name`. Textures of materials need no line of their
+// own: any "...Texture" with an index is one.
 const gltf::Rule* RuleOf(const SchemaNode* below, std::string_view name, const JsonMember& member) {
     if (below != nullptr && below->rule != nullptr) return below->rule;
     return name.ends_with("Texture") && member.Name() == "index" && member.value.IsNumber() ? &kTexture
@@ -121,7 +120,7 @@ std::string PlaceOf(Kind kind, std::size_t index) {
     return Join(place, "/", index);
 }
 
-// Members that other parts of the comparison look after, or that tell only how data is stored.
+// Members that other parts of the comparison handle, or that only describe storage.
 bool IsDrawnOrLayout(Kind kind, std::string_view name) {
     switch (kind) {
         case Kind::kNode:

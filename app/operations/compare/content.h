@@ -41,8 +41,7 @@ private:
 // Finds where the content of two elements of two documents differs.
 class ContentComparison {
 public:
-    // What the comparison cannot know by itself: whether references to these (nodes, meshes, materials ...)
-    // mean the same.
+    // Decides whether two references (to nodes, meshes, materials and so on) mean the same element.
     using SameElement = std::function<bool(gltf::Kind kind, std::size_t a, std::size_t b)>;
     // where: place in the first document; what: both values in words; amount: of numbers, relative to 1 or to
     // their size where that is greater.

@@ -15,7 +15,7 @@ using gltf::Kind;
 
 namespace {
 
-// Corners that instances may multiply to; a document of a few bytes can ask for any number.
+// The number of corners that instances may add up to; a document of a few bytes can ask for any number.
 constexpr std::size_t kMostVertices = std::size_t{1} << 26;
 constexpr std::size_t kMostInstances = std::size_t{1} << 20;
 
@@ -296,7 +296,7 @@ std::vector<double> Drawn::Vertices(const Part& part) const {
             for (std::size_t target = 0; target < attribute.targets.size() && target < morph.size();
                  ++target) {
                 const std::vector<float>& moved = attribute.targets[target];
-                // Tangents are moved by three numbers: which way the third axis points is not morphed.
+                // Tangents are morphed by three numbers: their handedness is not morphed.
                 const std::size_t moves = moved.size() / shape.vertices;
                 if (morph[target] == 0) continue;
                 for (std::size_t i = 0; i < std::min(width, moves); ++i)

@@ -13,7 +13,7 @@
 
 namespace zr::compare {
 
-// What an attribute's numbers are, which decides how they move and are compared.
+// What an attribute's numbers mean, which decides how they are transformed and compared.
 enum class Role { kPosition, kNormal, kTangent, kValue };
 
 struct Attribute {
@@ -49,7 +49,7 @@ struct Part {
     std::shared_ptr<const Primitive> shape;
 };
 
-// What a document draws. Reads each primitive once, whoever shares it.
+// What a document draws. Each primitive is read once, however often it is used.
 class Drawn {
 public:
     // Lists the parts of all shown nodes, in the order of `nodes`. The evaluator outlives it. Throws
@@ -62,8 +62,8 @@ public:
     // Faces of all parts.
     std::size_t Faces() const;
 
-    // The vertices of a part in world space as the evaluator stands now, Stride() numbers each, in the order
-    // of the attributes. Normals and tangents have unit length.
+    // The vertices of a part in world space in the evaluator's current pose, Stride() numbers each, in the
+    // order of the attributes. Normals and tangents have unit length.
     std::vector<double> Vertices(const Part& part) const;
 
 private:

@@ -44,7 +44,7 @@ struct Gap {
     }
 };
 
-// A number that is not finite on one side alone is as far away as can be.
+// A number that is not finite on one side only counts as infinitely different.
 double Finite(double difference) {
     return std::isnan(difference) ? HUGE_VAL : difference;
 }
@@ -70,7 +70,8 @@ Gap CornerGap(const Primitive& shape, const double* a, const double* b) {
     return gap;
 }
 
-// Of two faces, in the turn of the corners that fits best; lines and triangles may begin at any corner.
+// The distance of two faces with their corners rotated to fit best; lines and triangles may begin at any
+// corner.
 Gap FaceGap(const Faces& a, const Faces::Face& x, const Faces& b, const Faces::Face& y,
             const Tolerance& tolerance) {
     const Primitive& shape = a.Shape(x);
@@ -92,7 +93,7 @@ public:
 
     void Add(Vec3 middle, std::uint32_t face) { m_cells[Key(Cell(middle))].push_back(face); }
 
-    // Calls take(face) for the faces around until it says that the face is taken.
+    // Calls take(face) for nearby faces until it returns true.
     template <typename Take>
     bool Find(Vec3 middle, Take take) {
         const std::array<double, 3> cell = Cell(middle);

@@ -21,7 +21,7 @@ void ReadNumbers(const Json* json, std::array<double, N>& out) {
     for (std::size_t i = 0; i < N; ++i) out[i] = json->Items()[i].Number();
 }
 
-// What stands at a pointer in the document as written.
+// The value at a pointer in the document as written.
 const Json* Resolve(const Json& root, std::string_view pointer) {
     const Json* at = &root;
     while (at != nullptr && pointer.starts_with('/')) {

@@ -36,9 +36,9 @@ struct Animation {
     std::vector<std::string> unread;  // places of channels whose keys cannot be read
 };
 
-// Plays a document: where its nodes stand, how its meshes are morphed and what its pointers hold, at rest and
-// at any time of any animation. Works on the document's accessors alone and in doubles; nothing here is
-// shared with what the host evaluates or an export writes. The document outlives it.
+// Plays a document: node transforms, morph weights and values of pointers, at rest and at any time of any
+// animation. Works only on the document's accessors, in double precision; it shares no code with the host's
+// evaluation or the export. The document must outlive it.
 class Evaluator {
 public:
     // Throws gltf::Error.
@@ -56,9 +56,9 @@ public:
 
     void SetRest();
     void SetTime(std::size_t animation, double seconds);
-    // Follows SetRest or SetTime: each node's transform relative to its parent through change.
+    // After SetRest or SetTime: passes each node's transform relative to its parent through `change`.
     void ChangeLocals(const std::function<Affine(std::size_t node, const Affine& local)>& change);
-    // Until the next SetRest or SetTime.
+    // Valid until the next SetRest or SetTime.
     void SetWeights(std::size_t node, std::vector<double> weights) { m_weights[node] = std::move(weights); }
 
     const Affine& World(std::size_t node) const { return m_worlds[node]; }
@@ -67,7 +67,8 @@ public:
     Affine RestLocal(std::size_t node) const;
     // One for each morph target of the node's mesh.
     std::vector<double> Weights(std::size_t node) const;
-    // What stands at a pointer now: the animated value, else that of the document; nothing where it has none.
+    // The current value at a pointer: the animated value, else that of the document; nothing if there is
+    // none.
     std::optional<std::vector<double>> Value(std::string_view pointer) const;
 
 private:

@@ -24,8 +24,8 @@ Digest Mixed(Digest a, Digest b) {
     return (a ^ (b + 0x9e3779b97f4a7c15 + (a << 6) + (a >> 2))) * 0xff51afd7ed558ccd;
 }
 
-// Tells nodes of one name apart. Equal for equal content whatever the order of elements, vertices and
-// children; different content may now and then be equal.
+// Tells nodes of one name apart. Equal for equal content, whatever the order of elements, vertices and
+// children; different content may rarely have equal digests.
 class Digests {
 public:
     explicit Digests(const Evaluator& evaluator)

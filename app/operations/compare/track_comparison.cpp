@@ -17,8 +17,8 @@ std::vector<double> At(const Channel& channel, double time) {
     return value;
 }
 
-// A little behind a time: at a key itself a step and a ramp that is as steep as floats allow differ for an
-// instant that nobody sees.
+// Slightly after a time: exactly at a key, a step and the steepest possible ramp differ for an instant that
+// nobody sees.
 double JustAfter(double time) {
     return time + 1e-6 * std::max(1.0, std::abs(time));
 }

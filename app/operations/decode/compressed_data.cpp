@@ -8,7 +8,7 @@ void CompressedData::Decode(gltf::Document& document) const {
     const std::vector<std::string> primitives = DecodeDraco(document);
     unread.insert(unread.end(), primitives.begin(), primitives.end());
     for (const std::string& place : unread)
-        document.Warn(gltf::ErrorKind::kBounds, place, "compressed data that cannot be read");
+        document.Warn(gltf::ErrorKind::kBounds, place, "the compressed data cannot be read");
     if (makePlain) MakePlain(document);
 }
 

@@ -127,7 +127,7 @@ private:
         return m_document.SupplyAccessor(accessor, IndexBytes(*mesh, info)) || Withhold(accessor);
     }
 
-    // Uncompressed data that comes along for readers without the codec is as good.
+    // Uncompressed data for readers without the codec is just as good.
     bool Withhold(std::size_t accessor) {
         if (m_document.Elements(Kind::kAccessor)[accessor].Find("bufferView") != nullptr) return true;
         m_document.WithholdAccessor(accessor);

@@ -124,7 +124,7 @@ private:
                (primitive.Find("indices") == nullptr || isKnown(IndexMember(primitive, "indices")));
     }
 
-    // Vertex data stands at multiples of 4 bytes.
+    // Vertex data is aligned to 4 bytes.
     void Store(std::size_t accessor, unsigned target) {
         const auto bytes = m_document.SuppliedBytes(accessor);
         if (!bytes || !m_stored.try_emplace(accessor, true).second) return;

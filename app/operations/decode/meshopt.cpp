@@ -14,7 +14,7 @@ using gltf::Kind;
 
 namespace {
 
-// The codec cannot shrink anything further: what claims more is broken, and would cost memory for nothing.
+// The codec cannot compress further than this: anything that claims more is broken and would waste memory.
 constexpr std::size_t kMostRatio = 512;
 constexpr std::size_t kSmall = 65536;
 
@@ -74,7 +74,7 @@ std::vector<std::string> DecodeMeshopt(gltf::Document& document) {
     const auto views = document.Elements(Kind::kBufferView);
     for (std::size_t i = 0; i < views.size(); ++i) {
         const Json* extensions = views[i].Find("extensions");
-        if (extensions == nullptr || document.ViewBytes(i)) continue;  // a fallback is as good
+        if (extensions == nullptr || document.ViewBytes(i)) continue;  // a fallback is just as good
         for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"}) {
             const Json* packed = extensions->Find(name);
             if (packed == nullptr) continue;

@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// The forms of curve that an export can hold.
+// The interpolations that an export can contain.
 enum class Curves { kAny, kLinear };
 
 // Whether some camera or light turns with what it aims at: the tools then give it further keys.
@@ -22,7 +22,7 @@ bool HasAims(kernix::SceneModel& scene);
 //
 // With ExportOptions::keepsCurves only straight curves are touched.
 //
-// The scene's curves are baked for the life of this object and then what they were.
+// The scene's curves are baked while this object exists and restored afterwards.
 class BakedCurves {
 public:
     BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,

@@ -11,11 +11,11 @@
 
 namespace zr {
 
-// How closely an export's motion is compared with the scene's: at as many places as matter; at some, for at
-// most a tenth of the export's time; not at all.
+// How closely an export's motion is compared with the scene's: at every relevant place; at some, within a
+// tenth of the export's time; not at all.
 enum class MotionCheck { kThorough, kQuick, kOff };
 
-// What an export asks of the keyframe tools. As it stands, everything is exported.
+// What an export asks of the keyframe tools. By default everything is exported.
 struct ExportOptions {
     std::uint32_t exportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
                                 vl::tk::kExportBones | vl::tk::kExportNotes | vl::tk::kAllRenderables |

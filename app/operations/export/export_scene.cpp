@@ -21,8 +21,8 @@
 namespace zr {
 namespace {
 
-// Which nodes are split may depend on what moves them. An animation with the fullest track of every node asks
-// for the records that fit all the others; it goes with this object.
+// Which nodes are split may depend on what moves them. An animation with the fullest track of every node
+// yields records that fit all other animations; it is removed with this object.
 class FullestTracks {
 public:
     explicit FullestTracks(kernix::SceneModel& scene) : m_scene(scene), m_animation(scene.AddAnimation(u"")) {
@@ -53,7 +53,7 @@ private:
     kernix::AnimationModel* m_animation;
 };
 
-// A run with the animation's curves as the tools need them; they are what they were afterwards.
+// A run with the animation's curves as the tools need them; they are restored afterwards.
 Tool RunBaked(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation,
               const ExportOptions& options, Curves curves) {
     const BakedCurves baked(loaded.Scene(), animation, options, curves);
@@ -109,8 +109,8 @@ void RunAnew(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation,
     }
 }
 
-// The tools run once for all animations; each then has its keys run on the records that stand, where these
-// allow that.
+// The tools run once for all animations; the keys of each are then processed on the existing records, where
+// these allow it.
 Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress) {
     kernix::SceneModel& scene = loaded.Scene();
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);

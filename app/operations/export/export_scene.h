@@ -17,7 +17,7 @@ namespace zr {
 // How a document is loaded for an export: its default scene, as records hold it, or the whole document.
 SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole);
 
-// Told now and then how much is done, 0 to 1; may throw to stop the export.
+// Called periodically with progress from 0 to 1; may throw to stop the export.
 using ExportProgress = std::function<void(double)>;
 
 // Where the time of an exported animation stands in that of the source: time * scale + offset, seconds, no

@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kFewestTimes = 16;
 constexpr std::size_t kMostTimes = 400;
 
-// Below so many comparisons one thread is done before another one has begun.
+// Below this many comparisons, one thread is done before another one has started.
 constexpr std::size_t kWorthAThread = 20000;
 constexpr std::size_t kMostThreads = 4;  // each has the transforms of a whole scene
 
@@ -72,8 +72,8 @@ struct Worst {
     std::size_t pair;
 };
 
-// What one thread finds. The result is the same however many there are: of equal deviations the first one
-// counts.
+// The findings of one thread. The result does not depend on the number of threads: of equal deviations the
+// first counts.
 struct Part {
     double deviation = -1;  // nothing compared
     std::size_t time = 0;
@@ -90,7 +90,7 @@ struct Part {
     }
 };
 
-// The pivot that stays on the record and everything on its node hangs from.
+// The pivot that stays on the record and carries everything on its node.
 vl::Vector3<float> HungPivot(const ExportNode& record) {
     const bool hangs =
         record.pController != nullptr && (record.pController->m_dwFlags & vl::zr::kControllerPivotGroup) != 0;
@@ -155,7 +155,7 @@ private:
         }
     }
 
-    // Parents first, which the list of all records does not promise.
+    // Parents first, which the list of all records does not guarantee.
     void AddRecords(const Tool& tool) {
         std::unordered_map<const ExportNode*, std::size_t> place;
         m_records.reserve(static_cast<std::size_t>(AllRecords(tool).Count()));
@@ -281,7 +281,7 @@ private:
         m_after.Move(own.pose, motion);
     }
 
-    // Times at even distances, and those of the keys, which are the ones that dropping keys moves most.
+    // Evenly spaced times, and those of the keys, where dropping keys shows most.
     static std::vector<float> Times(const Clip& clip, std::vector<float> keys, std::size_t most) {
         std::erase_if(keys, [&](float time) { return time < clip.from || time > clip.to; });
         std::sort(keys.begin(), keys.end());

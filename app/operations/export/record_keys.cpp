@@ -72,8 +72,7 @@ bool IsUnchanged(const Curve& exported, const Curve& source, std::size_t width, 
     return true;
 }
 
-// A motion that the tools do not extract (one rotation key alone) is a pose: it stays, where the record
-// stands.
+// A motion that the tools do not extract (a single rotation key) is a pose: it stays where the record is.
 Curve PoseCurve(int keyType, const vl::Matrix4<double>& local, float time) {
     vl::AffineParts parts;
     local.AffineDecompose(parts);

@@ -11,7 +11,7 @@
 namespace zr {
 namespace {
 
-// Angle of turned scale axes above which a transform needs a matrix, radians.
+// Angle of rotated scale axes above which a transform needs a matrix, radians.
 constexpr float kTurned = 1e-4f;
 
 NodeTransform TransformOf(const ExportNode& record, const ExportOptions& options) {
@@ -136,7 +136,7 @@ private:
         }
     }
 
-    // A skin follows the record that stands where its joint stood: below a pivot that was split off.
+    // A skin follows the record that is where its joint was: below a pivot that was split off.
     void MoveJoints() {
         for (const auto& [node, index] : m_belowPivot) m_nodes.changes.movedJoints.push_back({node, index});
     }

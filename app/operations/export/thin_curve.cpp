@@ -13,8 +13,8 @@ namespace {
 // off it, by up to three steps together.
 constexpr double kTolerance = 4 * double{std::numeric_limits<float>::epsilon()};
 
-// Least cosine of half the angle between two kept orientations. Near half a turn, rounding decides which way
-// is the shorter one.
+// Least cosine of half the angle between two kept orientations. Near a half turn, rounding decides which way
+// is shorter.
 constexpr double kLeastCosine = 0.1;
 
 // The way from a kept key to a later one, in coordinates in which what passes between two keys is straight.

@@ -18,8 +18,8 @@ using Tool = vl::Ref<vl::tk::Serializer>;
 Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
              const ExportOptions& options);
 
-// Runs the keys of another animation on the records of a finished run. False, with the records as they were,
-// where it needs others.
+// Processes the keys of another animation on the records of a finished run. False, with the records
+// unchanged, when it needs other records.
 bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation);
 
 // Whether the animation's time is mapped to another range.
@@ -36,7 +36,7 @@ inline bool ReportsKeys(const ExportNode& record, const ExportOptions& options) 
     return !options.Has(vl::tk::kGroupKeysOnly) || (record.dwFlags & NF_GROUP) != 0;
 }
 
-// Whether the record stands where its node's object stood, below a pivot that was split off.
+// Whether the record is where its node's object was, below a pivot that was split off.
 inline bool StandsBelowPivot(const ExportNode& record) {
     const bool belowStaticPivot = record.pSplit != nullptr && (record.pSplit->dwFlags & NF_STATICPIVOT) != 0;
     const bool belowPivotGroup = (record.dwFlags & NF_PIVOT) != 0 && (record.dwFlags & NF_SPLIT) == 0;

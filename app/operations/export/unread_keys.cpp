@@ -50,7 +50,7 @@ std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const E
     }
     if (first == nullptr) return {};
     return first->Place() + (count > 1 ? " and " + std::to_string(count - 1) + " more" : "") +
-           ": keys that cannot be read go out as they are";
+           ": keys that cannot be read are exported unchanged";
 }
 
 void CheckUnreadRecordKeys(const LoadedScene& loaded, const kernix::AnimationModel* animation,

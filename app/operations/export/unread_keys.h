@@ -9,8 +9,8 @@
 namespace zr {
 
 // Throws std::runtime_error that names the channel when the export would have to change keys that cannot be
-// read: bring them to another time or place, or leave them out. Otherwise a line that tells which keys go out
-// as they are; empty when all could be read. tool: a finished run on the scene.
+// read: move them in time or space, or leave them out. Otherwise a line that names the keys that are exported
+// unchanged; empty when all could be read. tool: a finished run on the scene.
 std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options);
 
 // The same for the records of an animation, which cannot hold such keys.

@@ -9,12 +9,12 @@ namespace zr {
 namespace {
 
 constexpr double kDegree = 0.017453292519943295;
-constexpr double kFieldOfView = 45 * kDegree;  // from the picture's top to its bottom
+constexpr double kFieldOfView = 45 * kDegree;  // vertical
 constexpr double kToTheRight = 30 * kDegree;
 constexpr double kFromAbove = 20 * kDegree;
 
-// Of the distance to the middle. The scene itself lies between 0.6 and 1.4; what moves may come nearer or go
-// on.
+// Relative to the distance to the centre. The scene itself lies between 0.6 and 1.4; what moves may come
+// nearer or go farther.
 constexpr double kNear = 0.01;
 constexpr double kFar = 10;
 
@@ -27,7 +27,7 @@ Ball BallAround(const Bounds& bounds) {
     const vl::Vector3<double> size{bounds.high.x - bounds.low.x, bounds.high.y - bounds.low.y,
                                    bounds.high.z - bounds.low.z};
     const double diagonal = std::hypot(size.x, size.y, size.z);
-    if (!std::isfinite(diagonal)) return {};  // nothing there, or nothing that can be seen
+    if (!std::isfinite(diagonal)) return {};  // nothing there, or nothing visible
     return {{bounds.low.x + size.x / 2, bounds.low.y + size.y / 2, bounds.low.z + size.z / 2},
             diagonal > 0 ? diagonal / 2 : 1};
 }

@@ -33,7 +33,7 @@ private:
     Bytes m_bytes;
 };
 
-// The size stands in the start-of-frame segment; which of them comes depends on the way of coding.
+// The size is in the start-of-frame segment, whose marker depends on the coding process.
 ImageInfo Jpeg(const Reader& file) {
     ImageInfo info{"JPEG"};
     for (std::size_t at = 2; at + 9 < file.Size() && file.Byte(at) == 0xFF;) {

@@ -131,7 +131,7 @@ private:
         m_warnings.emplace_back(std::move(place), std::move(text));
     }
 
-    // Where everything stands at rest.
+    // The bounds of everything at rest.
     void Measure() {
         m_meshBoxes.resize(Elements(Kind::kMesh).size());
         for (const compare::Part& part : m_drawn.Parts()) {
@@ -311,7 +311,7 @@ private:
                                   info.width > 0 ? Count(info.width) : Cell(),
                                   info.height > 0 ? Count(info.height) : Cell(), Count(bytes.size()),
                                   isFile ? Cell(std::string(uri->String())) : Cell()});
-            if (bytes.empty()) Warn(Join("/images/", image), "the picture is not there");
+            if (bytes.empty()) Warn(Join("/images/", image), "the image data is missing");
         }
     }
 
@@ -411,9 +411,9 @@ private:
                                   isKnown ? Cell(std::string("yes")) : Cell(), use.first});
             if (!used.contains(name)) Warn(use.first, "the extension is not listed in extensionsUsed");
             if (use.count == 0 && name != "KHR_mesh_quantization")
-                Warn("/extensionsUsed", Join(name, " is listed and stands nowhere"));
+                Warn("/extensionsUsed", Join(name, " is listed but not used"));
             if (!isKnown && use.count > 0)
-                Warn(use.first, "is not known: what it refers to cannot be followed");
+                Warn(use.first, "is unknown: what it refers to cannot be followed");
         }
     }
 

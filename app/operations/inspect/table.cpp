@@ -25,13 +25,13 @@ bool IsNumber(const Cell& cell) {
     return std::holds_alternative<std::uint64_t>(cell) || std::holds_alternative<double>(cell);
 }
 
-// Characters, as far as every one is as wide as the next.
+// The number of characters, assuming that all are equally wide.
 std::size_t Width(std::string_view utf8) {
     return static_cast<std::size_t>(
         std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-// A cell stays on its line and is not taken for a border.
+// Keeps a cell on its line and its text apart from borders.
 std::string Escaped(const std::string& text, std::string_view special) {
     std::string escaped;
     for (const char c : Printable(text)) {

@@ -19,7 +19,7 @@ struct Table {
     std::vector<std::vector<Cell>> rows;
 };
 
-// For people: columns in line. At most `most` rows of a table; how many more there are is told.
+// For people: aligned columns. At most `most` rows of a table, then the number of further rows.
 std::string AsText(std::span<const Table> tables, std::size_t most);
 std::string AsMarkdown(std::span<const Table> tables);
 // Lines of comma-separated values; each begins with the name of its table, as does the line of its columns'

@@ -16,7 +16,7 @@ struct Track {
     compare::KeyCurve reduced;
 };
 
-// How far a watched node strays: at the worst time of an animation.
+// How far a watched node strays at the worst time of an animation.
 struct Stray {
     double length = 0;      // of a watched point, scene units
     double lengthTime = 0;  // seconds
@@ -24,8 +24,8 @@ struct Stray {
     double angleTime = 0;
 };
 
-// One animation as it was and as it has become, side by side. Plays only nodes on the way from a moving node
-// to a watched one.
+// The original and the reduced animation side by side. Plays only nodes between a moving node and a watched
+// one.
 class Motion {
 public:
     // All must outlive it; reduced curves may change between measurements.

@@ -30,8 +30,8 @@ using reduce::Motion;
 using reduce::Stray;
 using reduce::Track;
 
-// What is measured stays this far below what is allowed: between the times that are played something may
-// stray a little farther.
+// Measured errors stay this far below the tolerance: between the measured times something may stray a little
+// farther.
 constexpr double kMargin = 0.995;
 // A measurement that plays more transforms than this is not worth its time.
 constexpr std::size_t kGreatestCost = 40'000'000;
@@ -44,7 +44,8 @@ std::size_t KeyCount(const KeyCurve& curve) {
     return curve.Times().size();
 }
 
-// The same curve within a tolerance; as it is where nothing can go. straight: the curve without cubic pieces.
+// The same curve within a tolerance; unchanged where no key can be dropped. straight: the curve without cubic
+// pieces.
 KeyCurve Thinned(const KeyCurve& curve, const KeyCurve& straight, bool isRotation, double tolerance) {
     if (!straight.IsLinear() || !(tolerance > 0)) return curve;
     Keys thin = isRotation ? ThinnedRotations(KeysOf(straight), tolerance)
@@ -134,7 +135,7 @@ private:
         m_bestStrays = m_motion.Measure();
     }
 
-    // Movers that something strays too far by give some of their share, others get more.
+    // Movers that make something stray too far give up some of their share; others get more.
     void Adapt() {
         Restore();
         for (int round = 0, idle = 0; round < kAdaptingRounds && idle < kIdleRounds; ++round) {

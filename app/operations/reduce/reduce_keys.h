@@ -19,7 +19,7 @@ struct ReduceTolerance {
 
 struct ReduceOptions {
     ReduceTolerance tolerance;
-    unsigned jobs = 0;  // threads at the most; 0: one a core. The result is the same with any number.
+    unsigned jobs = 0;  // at most this many threads; 0: one per core. The result is the same with any number.
     std::function<void(double done)> progress = [](double) {
     };  // 0 to 1, on any thread, one at a time; may throw
 };

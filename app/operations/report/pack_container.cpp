@@ -12,7 +12,7 @@ using gltf::Kind;
 
 namespace {
 
-// Pictures in files of their own come into the document.
+// Embeds images from files of their own into the document.
 void TakeImagesIn(gltf::Document& document) {
     const std::size_t count = document.Elements(Kind::kImage).size();
     for (std::size_t i = 0; i < count; ++i) {

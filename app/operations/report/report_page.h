@@ -11,7 +11,7 @@
 
 namespace zr::report {
 
-// A scene that the page shows. The document is spent.
+// A scene that the page shows. The document is used up.
 struct Scene {
     std::string label;
     gltf::Document document;
@@ -37,12 +37,11 @@ struct Page {
     std::vector<std::pair<std::string, std::string>> measures;  // of the drawing
 };
 
-// One page of everything, that loads nothing from elsewhere. Throws std::runtime_error in a program that was
-// built without the page, and gltf::Error.
+// One self-contained page. Throws std::runtime_error in a program that was built without report pages, and
+// gltf::Error.
 std::string PageText(Page page);
 
-// The document as a container without anything beside it, all plain. The document is spent. Throws
-// gltf::Error.
+// The document as one self-contained, uncompressed container. The document is used up. Throws gltf::Error.
 std::vector<std::byte> PackContainer(gltf::Document& document);
 
 }  // namespace zr::report

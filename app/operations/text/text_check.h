@@ -9,7 +9,7 @@
 
 namespace zr {
 
-// Something that the module draws otherwise than the text or the font's name says.
+// Something that the module draws differently from what the text or the font's name says.
 struct TextShortcoming {
     std::string what;     // "the font "X" has no character U+4E00"
     std::string instead;  // what is drawn instead
@@ -18,7 +18,7 @@ struct TextShortcoming {
 // Each character once, in the text's order. With strokes.
 std::vector<TextShortcoming> CheckStrokeText(std::u16string_view text);
 
-// The same with a font, which may also be another than asked for. Throws std::runtime_error for a character
+// The same with a font, which may differ from the one asked for. Throws std::runtime_error for a character
 // that cannot be drawn at all.
 std::vector<TextShortcoming> CheckFontText(std::u16string_view text, const TextFont& font);
 

@@ -68,7 +68,7 @@ private:
         return MakeText(m_host, request);
     }
 
-    // The module tells where strokes stand, not how far they advance: the next character shows it.
+    // The module tells where strokes are, not how far they advance: the next character shows that.
     double StrokeAdvance(char16_t c) {
         const auto left = [&](std::u16string text) {
             const TextGeometry geometry = Make(std::move(text), TextStyle::kStroke);
@@ -88,8 +88,8 @@ struct Line {
     std::u16string_view text;
 };
 
-// A line feed, a carriage return, or both in this order: a carriage return and a line feed end a line. What
-// ends the text begins no further line.
+// A line ends with a line feed, a carriage return, or a carriage return and a line feed. A line break at the
+// end of the text does not begin another line.
 std::vector<Line> LinesOf(std::u16string_view text) {
     std::vector<Line> lines;
     for (std::size_t first = 0; first < text.size();) {

@@ -42,9 +42,9 @@ struct TextDrawing {
     TextMetrics metrics;
 };
 
-// The text laid out in lines that go downwards, the last one's baseline at y = 0. Lines start at x = 0, have
-// their middle there, or end there. Letters stand at their advance and share no points. Throws
-// std::runtime_error when the text cannot be made, or the font has no H to measure.
+// The text laid out in lines from top to bottom, the last baseline at y = 0. Lines start, are centred, or end
+// at x = 0. Letters are placed by their advance widths and share no points. Throws std::runtime_error when
+// the text cannot be made, or the font has no H to measure.
 TextDrawing MakeDrawing(Host& host, const TextRequest& request, const DrawingOptions& options);
 
 }  // namespace zr

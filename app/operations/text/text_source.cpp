@@ -25,7 +25,7 @@ std::u16string DecodeText(std::string_view utf8, std::string_view name) {
     for (std::size_t at = 0; at < utf8.size();) {
         const auto [code, size] = FirstCharacterOf(utf8.substr(at));
         if (size == 0) throw Error(name, Join("byte ", at), "the text is not UTF-8");
-        if (code == 0) throw Error(name, Join("byte ", at), "the text has a zero character in it");
+        if (code == 0) throw Error(name, Join("byte ", at), "the text contains a zero character");
         Append(text, code);
         at += size;
     }

@@ -237,7 +237,7 @@ TEST_F(AnimationCommandTest, AMergeThatLosesKeysFailsAndLeavesTheSceneAsItWas) {
     for (const double gap : {1e7, 1e39}) {
         sequence.gap = gap;
         EXPECT_EQ(fails({"rest", "walk"}, sequence),
-                  "animation \"walk\" would lose keys: so late in the sequence their times fall together");
+                  "animation \"walk\" would lose keys: this late in the sequence, their times coincide");
     }
 }
 

@@ -194,7 +194,7 @@ TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
     LoadedScene loaded = load();
     Exported exported = Export(loaded, ExportOptions());
     EXPECT_EQ(exported.report.unreadKeys,
-              "/animations/0/channels/0: keys that cannot be read go out as they are");
+              "/animations/0/channels/0: keys that cannot be read are exported unchanged");
     EXPECT_EQ(Reloaded(exported).Skipped().size(), 1u);
 
     LoadedScene still = load();

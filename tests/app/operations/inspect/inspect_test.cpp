@@ -94,7 +94,7 @@ TEST(Inspect, WarnsWithPlaces) {
     };
     EXPECT_TRUE(warns("/nodes/0", "is in no scene"));
     EXPECT_TRUE(warns("/meshes/1", "no node shows it"));
-    EXPECT_TRUE(warns("/images/0", "the picture is not there"));
+    EXPECT_TRUE(warns("/images/0", "the image data is missing"));
     // What no scene shows is not looked at.
     EXPECT_FALSE(warns("/meshes/0/primitives/0", "1 triangle uses a vertex twice"));
     document.Root().EraseMember("scenes");

@@ -33,7 +33,7 @@ TEST(TextSource, NamesTheByteThatIsNotUtf8) {
                             "\xE2\x82", "\xC3(", "\xF0\x9F\x98(", "\xE9t\xE9"}) {
         EXPECT_EQ(ErrorOf("\xC3\xA9x"s + bad), "TEXT: byte 3: the text is not UTF-8");
     }
-    EXPECT_EQ(ErrorOf("ab\0c"s), "TEXT: byte 2: the text has a zero character in it");
+    EXPECT_EQ(ErrorOf("ab\0c"s), "TEXT: byte 2: the text contains a zero character");
 }
 
 TEST(TextSource, GivesTheLinesOfAFileBothLineEnds) {
