@@ -11,19 +11,13 @@
 #include "app/operations/export/export_scene.h"
 #include "base/text.h"
 #include "tests/app/operations/compare/scene_plan.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr::test {
 namespace {
 
 using compare::Evaluator;
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
 
 // Steps, lines and cubic curves of transforms and weights, that begin and end at times of their own.
 gltf::Document RandomScene(unsigned seed) {

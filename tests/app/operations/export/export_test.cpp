@@ -9,21 +9,17 @@
 
 #include "app/operations/export/export_scene.h"
 #include "tests/app/operations/export/comparison.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
 
+using test::TheHost;
+
 using M = vl::Matrix4<double>;
 
 constexpr int kSamples = 200;
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
 
 struct Variant {
     const char* name;

@@ -5,21 +5,17 @@
 #include "app/operations/compare/evaluator.h"
 #include "app/operations/export/export_scene.h"
 #include "base/text.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
 
+using test::TheHost;
+
 using compare::Evaluator;
 using gltf::Json;
 using gltf::Kind;
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
 
 ExportOptions Without(std::uint32_t exportFlags) {
     ExportOptions options;

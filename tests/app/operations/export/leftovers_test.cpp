@@ -5,6 +5,7 @@
 #include "app/operations/export/export_scene.h"
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -36,9 +37,7 @@ Document Scene(const std::string& extensions) {
 }
 
 Exported Export(Document document, const ExportOptions& options, bool force = false) {
-    static Host host("en");
-    static const bool hasModule = (host.LoadModule(), true);
-    EXPECT_TRUE(hasModule);
+    Host& host = test::TheHost();
     SceneOptions sceneOptions;
     sceneOptions.force = force;
     return ExportScene(host, LoadedScene(std::move(document), sceneOptions), options, [](double) {});

@@ -8,10 +8,13 @@
 
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/thin_curve.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
+
+using test::TheHost;
 
 using Values = std::vector<float>;
 
@@ -159,13 +162,6 @@ TEST(Thinned, KeepsTheWayAround) {
     // Keys further than half a turn apart stay, also where each goes on the way of the one before.
     const Curve far{vl::zr::kInterpolationLinear, {0, 1, 2}, {0, 0, 0, 1, 0, 1, 0, 0.02f, 0, 0, 0, 1}};
     EXPECT_EQ(Thinned(far), far);
-}
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
 }
 
 TEST(MergedExport, HoldsAtEveryKeyOfTheScene) {

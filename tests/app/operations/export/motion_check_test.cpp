@@ -6,17 +6,13 @@
 #include <cmath>
 
 #include "app/operations/export/export_scene.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
 
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
+using test::TheHost;
 
 // An arm that turns, with a hand ten units along it.
 LoadedScene Arm(const Curve& turn) {

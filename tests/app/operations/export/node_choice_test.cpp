@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "app/operations/export/export_scene.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -49,9 +50,7 @@ struct Chosen {
 };
 
 Chosen Choose(const NodeChoice& choice) {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
+    Host& host = test::TheHost();
     ExportOptions options;
     options.nodes = choice;
     Exported exported = ExportScene(host, LoadedScene(House()), options, [](double) {});

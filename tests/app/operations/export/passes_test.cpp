@@ -8,20 +8,16 @@
 #include "app/scene/flip_objects.h"
 #include "app/services/rename_rules.h"
 #include "gltf/accessor.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
 
+using test::TheHost;
+
 using M = vl::Matrix4<double>;
 using gltf::Kind;
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
 
 Exported Export(LoadedScene& loaded, const ExportOptions& options, std::string* renameMap = nullptr) {
     return ExportScene(

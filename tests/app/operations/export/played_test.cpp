@@ -6,17 +6,11 @@
 #include "app/operations/compare/compare_scenes.h"
 #include "app/operations/export/export_scene.h"
 #include "tests/app/operations/compare/scene_plan.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr::test {
 namespace {
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
-}
 
 constexpr struct {
     const char* what;

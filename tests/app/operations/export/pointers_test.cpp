@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/operations/export/export_scene.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -65,9 +66,7 @@ std::vector<std::string> Goals(const gltf::Document& document) {
 }
 
 std::vector<std::string> GoalsAfter(const std::string& scene, std::uint32_t with, std::uint32_t without) {
-    static Host host("en");
-    static const bool hasModule = (host.LoadModule(), true);
-    EXPECT_TRUE(hasModule);
+    Host& host = test::TheHost();
     LoadedScene loaded(gltf::test::FromText(scene));
     ExportOptions options;
     options.exportFlags |= with;

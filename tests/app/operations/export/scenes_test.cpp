@@ -10,10 +10,13 @@
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/keep_scene.h"
 #include "base/text.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
 namespace {
+
+using test::TheHost;
 
 using compare::Affine;
 using compare::Evaluator;
@@ -67,13 +70,6 @@ gltf::Document TwoScenes() {
         {"buffer": 0, "byteOffset": 132, "byteLength": 12}],
     "buffers": [{"byteLength": 144}]})");
     return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, bin)), "scenes.glb");
-}
-
-Host& TheHost() {
-    static Host host("en");
-    static const bool loaded = (host.LoadModule(), true);
-    EXPECT_TRUE(loaded);
-    return host;
 }
 
 gltf::Document Export(gltf::Document document, const ExportOptions& options, MotionReport* report = nullptr) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "app/operations/export/export_scene.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -16,9 +17,7 @@ using gltf::Kind;
 constexpr double kQuarterTurn = 1.5707963267948966;
 
 LoadedScene AfterExport(LoadedScene loaded, const ExportOptions& options) {
-    static Host host("en");
-    static const bool hasModule = (host.LoadModule(), true);
-    EXPECT_TRUE(hasModule);
+    Host& host = test::TheHost();
     gltf::Document document = ExportScene(host, std::move(loaded), options, [](double) {}).document;
     const gltf::test::TemporaryFolder folder;
     document.Save(folder / "out.glb");

@@ -18,8 +18,8 @@ TEST(TextDrawing, ScalesCapitalsToTheHeightAskedFor) {
     }
     // Without it the units are those of the module's own layout.
     TextRequest request{u"gH", TextStyle::kOutline, {u"DejaVu Serif", -20}, 7};
-    const TextGeometry module = MakeText(LoadedHost(), request);
-    const TextGeometry drawing = MakeDrawing(LoadedHost(), request, {}).geometry;
+    const TextGeometry module = MakeText(test::TheHost(), request);
+    const TextGeometry drawing = MakeDrawing(test::TheHost(), request, {}).geometry;
     ASSERT_EQ(drawing.points.size(), module.points.size());
     for (std::size_t i = 0; i < module.points.size(); ++i) {
         EXPECT_NEAR(drawing.points[i].x, module.points[i].x, 1e-4);

@@ -4,18 +4,10 @@
 #include <string>
 
 #include "app/operations/text/text_drawing.h"
+#include "tests/app/services/the_host.h"
 #include "tests/base/temporary_folder.h"
 
 namespace zr {
-
-inline Host& LoadedHost() {
-    static Host& host = *[] {
-        auto* made = new Host("en");
-        made->LoadModule();
-        return made;
-    }();
-    return host;
-}
 
 inline TextDrawing Draw(std::u16string text, TextStyle style, const DrawingOptions& options = {},
                         const TextFont& font = {u"DejaVu Sans"}) {
@@ -23,7 +15,7 @@ inline TextDrawing Draw(std::u16string text, TextStyle style, const DrawingOptio
     request.text = std::move(text);
     request.style = style;
     request.font = font;
-    return MakeDrawing(LoadedHost(), request, options);
+    return MakeDrawing(test::TheHost(), request, options);
 }
 
 inline std::u16string PrintableCharacters() {
