@@ -125,7 +125,7 @@ private:
 
     static Json* FirstValue(Json& socket) {
         Json* value = socket.Find("value");
-        return value != nullptr && !value->Items().empty() ? &value->Items()[0] : nullptr;
+        return value != nullptr && !value->Items().empty() ? value->Items().data() : nullptr;
     }
 
     Json& m_graph;

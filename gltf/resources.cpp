@@ -50,7 +50,7 @@ fs::path Document::Folder() const {
 
 std::optional<fs::path> Document::FileOf(std::string_view uri, std::string_view place) const {
     if (IsDataUri(uri)) return std::nullopt;
-    const auto path = PathOfUri(uri);
+    auto path = PathOfUri(uri);
     if (!path) return std::nullopt;
     const auto refuse = [&](std::string_view why) { Fail(ErrorKind::kUri, place, Join(Quoted(uri), why)); };
     constexpr std::string_view kOutside = " leads out of the scene's folder";

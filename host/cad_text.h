@@ -91,8 +91,7 @@ public:
 
     const char* GetTypeName() override { return "zr_cadtext"; }
     bool IsTypeOf(const char* name) override {
-        return EqualNoCase(name, "zr_cadtext") || EqualNoCase(name, "zr_extension") ||
-               Interface::IsTypeOf(name);
+        return EqualNoCase(name, "zr_cadtext") || Extension::IsTypeOf(name);
     }
     ResultEnum CopyFrom(Interface* source, unsigned flags) override {
         return dynamic_cast<CadText*>(source) != nullptr ? CloneFrom(source, flags) : kWrongClass;

@@ -111,7 +111,7 @@ public:
 
     const char* GetTypeName() override { return "tksave"; }
     bool IsTypeOf(const char* name) override {
-        return EqualNoCase(name, "tksave") || EqualNoCase(name, "zr_extension") || Interface::IsTypeOf(name);
+        return EqualNoCase(name, "tksave") || Extension::IsTypeOf(name);
     }
     ResultEnum CopyFrom(Interface* source, unsigned flags) override {
         return dynamic_cast<Serializer*>(source) != nullptr ? CloneFrom(source, flags) : kWrongClass;

@@ -48,7 +48,8 @@ gltf::Document LoadDocument(const Session& session, const std::string& name, Rep
             ? gltf::Document::FromBytes(ReadStandardInput(Budget(options.maxMemory).Total()),
                                         "standard input", options)
             : gltf::Document::Load(PathFromUtf8(name), options);
-    if (session.Options().strict && !document.Warnings().empty()) throw document.Warnings().front();
+    if (session.Options().strict && !document.Warnings().empty())
+        throw gltf::Error(document.Warnings().front());
     for (const gltf::Error& warning : document.Warnings()) report.notes.emplace_back(warning.what());
     return document;
 }

@@ -20,7 +20,7 @@ const CLI::App& Program(const CLI::App& command) {
 }
 
 std::string FullName(const CLI::App& command) {
-    const std::string name = command.get_name();
+    const std::string& name = command.get_name();
     return command.get_parent() != nullptr ? FullName(*command.get_parent()) + " " + name : name;
 }
 

@@ -69,11 +69,10 @@ Animations Split(Session& session, LoadedScene& loaded, const SplitArguments& ar
                                            : Animations{ChooseAnimation(scene, arguments.animation)};
     }
     kernix::AnimationModel& animation = AnimationToSplit(scene, arguments.animation);
-    const Animations parts = arguments.each
-                                 ? SeparateAnimation(loaded, animation)
-                                 : CutAnimation(loaded, animation,
-                                                Ascending(arguments.cuts, scene.GetStartTime(&animation),
-                                                          scene.GetEndTime(&animation)));
+    Animations parts = arguments.each ? SeparateAnimation(loaded, animation)
+                                      : CutAnimation(loaded, animation,
+                                                     Ascending(arguments.cuts, scene.GetStartTime(&animation),
+                                                               scene.GetEndTime(&animation)));
     if (parts.empty()) throw std::runtime_error("animation " + Quoted(animation) + " moves nothing");
     FollowInViewports(scene, {&animation}, parts);
     report.Note("dropped", SkippedChannels(loaded, {&animation}));

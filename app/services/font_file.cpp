@@ -98,7 +98,7 @@ FontFileNames ReadFontNames(Bytes bytes, const std::string& name) {
 
 FontFileNames AddFontFile(const std::filesystem::path& file) {
     const std::string name = PathToUtf8(file);
-    const FontFileNames names = ReadFontNames(ReadFile(file).View(), name);
+    FontFileNames names = ReadFontNames(ReadFile(file).View(), name);
     const std::u16string path = std::filesystem::absolute(file).u16string();
     if (AddFontResourceExW(platform::Wide(path.c_str()), FR_PRIVATE, nullptr) == 0)
         throw Error(name, "", "the system does not accept this font");

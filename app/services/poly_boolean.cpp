@@ -142,7 +142,7 @@ PolyBoolean::Polygon* PolyBooleanExtension::CreatePolygon(int count, const doubl
     auto polygon = std::make_unique<Polygon>();
     ContourPoints& contour = polygon->contours.emplace_back();
     contour.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) contour.push_back({xy[2 * i], xy[2 * i + 1]});
+    for (int i = 0; i < count; ++i, xy += 2) contour.push_back({xy[0], xy[1]});
     return polygon.release();
 }
 

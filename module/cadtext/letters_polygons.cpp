@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 #include "module/cadtext/extent.h"
 
@@ -12,7 +13,7 @@ constexpr std::int32_t kNoVertex = -1;
 constexpr std::size_t kSmallestIndex = 64;
 
 bool IsNumber(const vl::Vector3<float>& v) {
-    return v == v;
+    return !std::isnan(v.x) && !std::isnan(v.y) && !std::isnan(v.z);
 }
 
 // Equal vertices have equal hashes: adding 0 makes 0 of -0.

@@ -122,8 +122,7 @@ void CleanerDialog::StartRun() {
         options.Set(operation.option, IsDlgButtonChecked(m_hDlg, operation.option) != 0);
     }
     ShowRunning();
-    m_worker.emplace(
-        CleanerWorker::Run{m_cleaner, m_scene, m_context, std::move(options), m_hDlg, m_log, m_callLimit});
+    m_worker.emplace(CleanerWorker::Run{m_cleaner, m_scene, m_context, options, m_hDlg, m_log, m_callLimit});
     if (m_worker->Start()) return;
     m_worker.reset();
     ShowFinished();

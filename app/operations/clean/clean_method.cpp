@@ -39,7 +39,7 @@ vl::Ref<vl::Params> CleanMethod::Only(vl::zr::Scene* scene, std::string_view par
     if (std::find(m_switches.begin(), m_switches.end(), parameter) == m_switches.end()) {
         throw std::runtime_error("the method Clean_Scene has no parameter " + std::string(parameter));
     }
-    const auto params = vl::Ref<vl::Params>::AdoptNew(vl::Params::Create());
+    auto params = vl::Ref<vl::Params>::AdoptNew(vl::Params::Create());
     params->Add(vl::ToWord(scene), ZR_VALUE_SCENE);
     for (const std::string& name : m_switches) params->Add(name == parameter, ZR_VALUE_BOOL);
     return params;

@@ -101,8 +101,8 @@ public:
         for (int i = 0; i < 27; ++i) {
             // The cell itself first.
             const int k = (i + 13) % 27;
-            const auto found =
-                m_cells.find(Key({cell[0] + k % 3 - 1, cell[1] + k / 3 % 3 - 1, cell[2] + k / 9 - 1}));
+            const int x = k % 3 - 1, y = k / 3 % 3 - 1, z = k / 9 - 1;
+            const auto found = m_cells.find(Key({cell[0] + x, cell[1] + y, cell[2] + z}));
             if (found == m_cells.end()) continue;
             std::vector<std::uint32_t>& faces = found->second;
             for (std::size_t at = faces.size(); at-- > 0 && tried < kMostCandidates; ++tried) {

@@ -70,7 +70,7 @@ std::vector<std::byte> AttributeBytes(const draco::Mesh& mesh, const draco::Poin
 template <typename Number>
 std::vector<std::byte> IndexBytes(const draco::Mesh& mesh) {
     std::vector<std::byte> out;
-    out.reserve(mesh.num_faces() * 3 * sizeof(Number));
+    out.reserve(std::size_t{mesh.num_faces()} * 3 * sizeof(Number));
     for (std::uint32_t face = 0; face < mesh.num_faces(); ++face)
         for (const draco::PointIndex& corner : mesh.face(draco::FaceIndex(face))) {
             const auto number = static_cast<Number>(corner.value());

@@ -147,7 +147,8 @@ private:
                     use[mover] = std::max(use[mover], Use(strays[watch]));
             }
             // Steps that shrink from round to round let the shares come to rest.
-            const double pace = 1.0 / (1 + round / 6);
+            const int slowness = 1 + round / 6;
+            const double pace = 1.0 / slowness;
             for (std::size_t mover = 0; mover < m_shares.size(); ++mover) {
                 const double wanted = use[mover] > 0 ? std::clamp(0.99 / use[mover], 0.25, 4.0) : 4.0;
                 m_shares[mover] = std::min(m_shares[mover] * std::pow(wanted, pace), kGreatestShare);

@@ -45,7 +45,7 @@ bool StartApplication(std::string& error) {
         return false;
     }
     QApplication::setQuitOnLastWindowClosed(false);
-    application.release();  // lives as long as the process
+    static_cast<void>(application.release());  // lives as long as the process
     return true;
 }
 
