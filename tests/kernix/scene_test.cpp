@@ -59,6 +59,22 @@ TEST(Scene, WorldFollowsParentsTimeAndSceneMatrix) {
     EXPECT_TRUE(stored.Equal(up, 0));
 }
 
+TEST(Scene, TheLastRestTransformCounts) {
+    const auto scene = NewScene();
+    NodeModel* node = scene->AddNode(nullptr, "node");
+    M sheared;
+    sheared.IdentityMatrix();
+    sheared.m[0][1] = 0.5;
+    sheared.m[3][0] = 7;
+    node->SetRestMatrix(sheared);
+    EXPECT_TRUE(World(node, 1).Equal(sheared, 0));
+    node->SetRestPose({{1, 2, 3}, {}, {1, 1, 1}});
+    M moved;
+    moved.IdentityMatrix();
+    moved.Offset(V3f{1, 2, 3});
+    EXPECT_TRUE(World(node, 1).Equal(moved, 1e-12));
+}
+
 TEST(Scene, DeletesSubtreesAndLeavesNoReference) {
     const auto scene = NewScene();
     NodeModel* a = scene->AddNode(nullptr, "a");
@@ -113,10 +129,17 @@ TEST(Scene, AimedObjectsLookAtTheirTargetAtEveryTime) {
     auto* camera = new kernix::CameraModel;
     eye->SetObject(Ref<vl::zr::Object3D>::Adopt(camera));
     camera->SetTarget(target);
+    NodeModel* lamp = scene->AddNode(nullptr, "lamp");
+    lamp->SetRestPose(eye->GetRestPose());
+    auto* light = new kernix::LightModel(vl::zr::kLightSpot);
+    lamp->SetObject(Ref<vl::zr::Object3D>::Adopt(light));
+    light->SetTarget(target);
     for (const float time : {0.0f, 0.4f, 1.0f}) {
         scene->SetCurrentTime(time, 1);
-        M shown;
+        M shown, lit;
         camera->GetObjectMatrix(eye, &shown);
+        light->GetObjectMatrix(lamp, &lit);
+        EXPECT_TRUE(lit.Equal(shown, 1e-12));
         shown.Invert();
         shown.Transform(World(eye, 0));
         const auto place = shown.PointTransform(vl::Vector3<double>{0, 0, 0});

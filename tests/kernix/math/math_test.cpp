@@ -211,6 +211,7 @@ TEST(Math, SmallResultsAreExact) {
         none.SetM2(orientation, orientation);
         EXPECT_EQ(AngleAxis(none), AngleAxis());
     }
+    EXPECT_EQ(AngleAxis(V3f()), AngleAxis());
     // Angles near pi and near 0 keep their digits.
     for (const float angle : {1e-4f, 1e-3f, 3.1415f, 3.14159f}) {
         EXPECT_NEAR(AngleAxis(Rotation({0.6f, 0, 0.8f, angle})).angle, angle, 1e-6f);
