@@ -6,12 +6,20 @@ target_include_directories(zr_options INTERFACE ${CMAKE_SOURCE_DIR})
 # The passes state their results to the bit: no fused multiply-add anywhere.
 target_compile_options(zr_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual
-    -Woverloaded-virtual -Wno-missing-field-initializers -ffp-contract=off>)
+    -Woverloaded-virtual -Wno-missing-field-initializers -ffp-contract=off>
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${ZR_WARNINGS_AS_ERRORS}>>:-Werror>)
+
+if(CMAKE_UNITY_BUILD)
+  # Where several files are compiled as one, each sees the others' unnamed namespaces.
+  target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-shadow -Wno-subobject-linkage>)
+endif()
 
 if(ZR_SANITIZE)
   target_compile_options(zr_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=${ZR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1>)
-  target_link_options(zr_options INTERFACE -fsanitize=${ZR_SANITIZE})
+  # Each test program holds all that it tests: compressed, they take a third of the room.
+  target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-gz>)
+  target_link_options(zr_options INTERFACE -fsanitize=${ZR_SANITIZE} -gz -Wl,-z,pack-relative-relocs)
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WIN32)
   target_compile_options(zr_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-D_FORTIFY_SOURCE=2 -fstack-protector-strong>)

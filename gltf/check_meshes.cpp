@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kModes = 7;  // points, lines, line loop, line strip, triangles, strip, fan
 
 // A primitive, or one of its targets; as text only when there is a fault to tell.
-struct Spot {
+struct MeshSpot {
     std::size_t mesh;
     std::size_t primitive;
     std::optional<std::size_t> target = std::nullopt;
@@ -37,7 +37,7 @@ public:
         const std::size_t targets = Targets(primitives[0]);
         for (std::size_t i = 1; i < primitives.size(); ++i)
             if (Targets(primitives[i]) != targets)
-                Fail(Spot{index, i}.Place("/targets"),
+                Fail(MeshSpot{index, i}.Place("/targets"),
                      "differ in number from those of the mesh's first primitive");
         const Json* weights = mesh.Find("weights");
         if (weights != nullptr && weights->Items().size() != targets)
@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    void Primitive(const Json& primitive, const Spot& spot) {
+    void Primitive(const Json& primitive, const MeshSpot& spot) {
         if (IndexMember(primitive, "mode", 4) >= kModes) Fail(spot.Place("/mode"), "is not a primitive mode");
         const Json& attributes = *primitive.Find("attributes");
         std::optional<std::size_t> vertices;
@@ -63,7 +63,7 @@ private:
         if (primitive.Find("indices") != nullptr) Indices(primitive, spot, vertices);
     }
 
-    void Attributes(const Json& attributes, const Spot& spot, std::optional<std::size_t>& vertices) {
+    void Attributes(const Json& attributes, const MeshSpot& spot, std::optional<std::size_t>& vertices) {
         const auto place = [&spot](const JsonMember& member) {
             return spot.Place(Join(spot.target ? "/" : "/attributes/", member.Name()));
         };
@@ -85,7 +85,7 @@ private:
         }
     }
 
-    void Indices(const Json& primitive, const Spot& spot, std::optional<std::size_t> vertices) {
+    void Indices(const Json& primitive, const MeshSpot& spot, std::optional<std::size_t> vertices) {
         const std::size_t accessor = IndexMember(primitive, "indices");
         const AccessorInfo info = Describe(m_document, accessor);
         if (info.shape.Components() != 1 ||

@@ -27,7 +27,7 @@ bool HoldsSame(const fs::path& file, Bytes content) {
 }
 
 // A text cut to at most `size` bytes, at a character boundary.
-std::string_view Cut(std::string_view text, std::size_t size) {
+std::string_view Shortened(std::string_view text, std::size_t size) {
     if (text.size() <= size) return text;
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
     return text.substr(0, size);
@@ -66,7 +66,7 @@ fs::path PlacedFiles::Place(const fs::path& wished, Bytes content) {
 fs::path PlacedFiles::PlaceNew(std::string_view extension, Bytes content) {
     unsigned& next = m_next[std::string(extension)];
     for (;;) {
-        const fs::path name = NumberedName(next++, extension);
+        fs::path name = NumberedName(next++, extension);
         if (m_kept.contains(name) || m_placed.contains(name)) continue;
         if (IsFree(name))
             m_files.AddNew(At(name), content);
@@ -84,9 +84,9 @@ std::uint64_t PlacedFiles::PlacedSize() const {
 }
 
 fs::path PlacedFiles::NumberedName(unsigned number, std::string_view extension) const {
-    std::string end(Cut(extension, kLongestName / 2));
+    std::string end(Shortened(extension, kLongestName / 2));
     if (number != 0) end = Join("-", number, end);
-    return PathFromUtf8(Join(Cut(PathToUtf8(m_scene.stem()), kLongestName - end.size()), end));
+    return PathFromUtf8(Join(Shortened(PathToUtf8(m_scene.stem()), kLongestName - end.size()), end));
 }
 
 bool PlacedFiles::IsNumberedName(const fs::path& name) const {

@@ -7,7 +7,7 @@ namespace {
 using enum Shape;
 using enum Cut;
 
-constexpr Rule kRules[] = {
+constexpr Rule kCoreRules[] = {
     {"asset!", kObject},
     {"asset.version!", kString},
     {"asset.minVersion", kString},
@@ -114,7 +114,7 @@ constexpr Rule kRules[] = {
 }  // namespace
 
 std::span<const Rule> CoreRules() {
-    return kRules;
+    return kCoreRules;
 }
 
 }  // namespace zr::gltf

@@ -15,7 +15,7 @@ using enum Cut;
 
 // Texture infos of materials ("...Texture": {"index": n}) need no rule: the walk recognises them by their
 // form.
-constexpr Rule kRules[] = {
+constexpr Rule kExtensionRules[] = {
     {"extensions.KHR_lights_punctual.lights", Shape::kArray},
     {"extensions.KHR_lights_punctual.lights[].name", kString},
     {"extensions.KHR_lights_punctual.lights[].type!", kString},
@@ -137,7 +137,7 @@ constexpr std::string_view kKnown[] = {
 }  // namespace
 
 std::span<const Rule> ExtensionRules() {
-    return kRules;
+    return kExtensionRules;
 }
 
 std::span<const std::string_view> KnownExtensions() {

@@ -16,9 +16,9 @@ struct Unit {
     std::string_view name;
     double factor;
 };
-constexpr Unit kLengths[] = {{"", 1}, {"m", 1}, {"cm", 0.01}, {"mm", 0.001}};
-constexpr Unit kAngles[] = {{"", 1}, {"rad", 1}, {"deg", std::numbers::pi / 180}};
-constexpr Unit kValues[] = {{"", 1}};
+constexpr Unit kLengthUnits[] = {{"", 1}, {"m", 1}, {"cm", 0.01}, {"mm", 0.001}};
+constexpr Unit kAngleUnits[] = {{"", 1}, {"rad", 1}, {"deg", std::numbers::pi / 180}};
+constexpr Unit kValueUnits[] = {{"", 1}};
 
 double ReadPart(std::string_view part, std::span<const Unit> units) {
     double number = 0;
@@ -34,7 +34,7 @@ double ReadPart(std::string_view part, std::span<const Unit> units) {
 }  // namespace
 
 void ReadTolerance(const std::string& text, compare::Tolerance& tolerance) {
-    const std::span<const Unit> units[] = {kLengths, kAngles, kValues};
+    const std::span<const Unit> units[] = {kLengthUnits, kAngleUnits, kValueUnits};
     double* const parts[] = {&tolerance.length, &tolerance.angle, &tolerance.value};
     std::string_view rest = text;
     for (std::size_t i = 0; !rest.empty(); ++i) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-vl::Array* Track(ExportNode* record, int track) {
+vl::Array* KeysOf(ExportNode* record, int track) {
     switch (track) {
         case vl::zr::kKeyPosition:
             return record->pPosKeys;
@@ -54,7 +54,7 @@ int ZR_TK::GetKeyCount(ExportNode* record, int track) {
     if (record == nullptr) return -1;
     if ((record->dwFlags & NF_GROUP) == 0 && (m_dwAnimFlags & vl::tk::kGroupKeysOnly) != 0) return 0;
     if (track < vl::zr::kKeyPosition || track > vl::zr::kKeyScale) return 0;
-    vl::Array* keys = Track(record, track);
+    vl::Array* keys = KeysOf(record, track);
     if (HasSeveral(keys)) return keys->m_nCount;
     return (m_dwAnimFlags & vl::tk::kAtLeastOneKey) != 0 ? 1 : 0;
 }

@@ -30,6 +30,10 @@ inline Document Sample() {
     return Document::FromBytes(BytesOf(Glb(SampleJson(), SampleBin())), "sample.glb");
 }
 
+inline std::string TextOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 using zr::test::TemporaryFolder;
 
 }  // namespace zr::gltf::test

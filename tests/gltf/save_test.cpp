@@ -9,10 +9,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 using test::TemporaryFolder;
-
-std::string TextOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
+using test::TextOf;
 
 TEST(Save, FilesOfOthersAreNotOverwritten) {
     const TemporaryFolder folder;

@@ -16,7 +16,7 @@ namespace {
 
 using kernix::NodeModel;
 
-using Place =
+using NodePlace =
     std::tuple<const NodeModel*, std::string, int>;  // parent, name, rank among siblings of that name
 
 // Calls visit(node) for every node, parents first.
@@ -63,7 +63,7 @@ NodeModel* Lookup(const Named& names, const Named& paths, const std::string& wan
 }  // namespace
 
 NodePartners MatchByPath(kernix::SceneModel& from, kernix::SceneModel& to) {
-    std::map<Place, NodeModel*> places;
+    std::map<NodePlace, NodeModel*> places;
     ForEachPlace(to, [&](NodeModel* node, int rank) {
         places[{node->GetParent(), node->GetNameText(), rank}] = node;
     });

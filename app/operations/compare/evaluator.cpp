@@ -49,17 +49,17 @@ std::optional<Path> PathNamed(std::string_view name) {
 }
 
 // What a channel drives; path and node alone, or a pointer.
-struct Goal {
+struct Driven {
     Path path = Path::kPointer;
     std::size_t node = kNone;
     std::string pointer;
 };
 
-std::optional<Goal> GoalOf(const Json& target) {
+std::optional<Driven> DrivenBy(const Json& target) {
     if (target.Find("path")->String() != "pointer") {
         const auto path = PathNamed(target.Find("path")->String());
         if (!path || target.Find("node") == nullptr) return std::nullopt;
-        return Goal{*path, IndexMember(target, "node"), {}};
+        return Driven{*path, IndexMember(target, "node"), {}};
     }
     const Json* extensions = target.Find("extensions");
     const Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
@@ -69,9 +69,9 @@ std::optional<Goal> GoalOf(const Json& target) {
     if (element && element->kind == Kind::kNode) {
         const std::string_view rest = pointer.substr(element->textOffset + element->textSize);
         if (const auto path = rest.empty() ? std::nullopt : PathNamed(rest.substr(1)))
-            return Goal{*path, element->index, {}};
+            return Driven{*path, element->index, {}};
     }
-    return Goal{Path::kPointer, kNone, std::string(pointer)};
+    return Driven{Path::kPointer, kNone, std::string(pointer)};
 }
 
 std::vector<double> Numbers(const Json& json) {
@@ -140,15 +140,15 @@ void Evaluator::ReadAnimation(const Json& json, std::size_t index) {
     const auto items = channels != nullptr ? channels->Items() : std::span<const Json>();
     bool isFirst = true;
     for (std::size_t i = 0; i < items.size(); ++i) {
-        auto goal = GoalOf(*items[i].Find("target"));
-        if (!goal) continue;
+        auto driven = DrivenBy(*items[i].Find("target"));
+        if (!driven) continue;
         const Json& sampler = json.Find("samplers")->Items()[IndexMember(items[i], "sampler")];
         if (!HasKeys(m_document, sampler)) {
             animation.unread.push_back(Join("/animations/", index, "/channels/", i));
             continue;
         }
         animation.channels.push_back(
-            {i, goal->path, goal->node, std::move(goal->pointer), KeyCurve(m_document, sampler)});
+            {i, driven->path, driven->node, std::move(driven->pointer), KeyCurve(m_document, sampler)});
         const auto times = animation.channels.back().curve.Times();
         const double start = static_cast<double>(times.front()), end = static_cast<double>(times.back());
         animation.start = isFirst ? start : std::min(animation.start, start);

@@ -20,9 +20,9 @@ std::string NameOf(const Document& document, std::size_t material) {
     return name != nullptr ? std::string(name->String()) : std::string();
 }
 
-class Matcher {
+class MaterialMatcher {
 public:
-    Matcher(const Document& a, const Document& b)
+    MaterialMatcher(const Document& a, const Document& b)
         : m_a(a),
           m_b(b),
           m_plainA(a, Names::kIgnore),
@@ -120,7 +120,7 @@ private:
 }  // namespace
 
 MaterialMatching MatchMaterials(const Document& a, const Document& b) {
-    return Matcher(a, b).Run();
+    return MaterialMatcher(a, b).Run();
 }
 
 }  // namespace zr::compare

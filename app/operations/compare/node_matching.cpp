@@ -132,9 +132,9 @@ private:
 
 using Nodes = std::vector<std::size_t>;
 
-class Matcher {
+class NodeMatcher {
 public:
-    Matcher(const Evaluator& a, const Evaluator& b) : m_a(a), m_b(b), m_digestsA(a), m_digestsB(b) {
+    NodeMatcher(const Evaluator& a, const Evaluator& b) : m_a(a), m_b(b), m_digestsA(a), m_digestsB(b) {
         m_result.ofA.assign(a.Nodes(), kNone);
         m_result.ofB.assign(b.Nodes(), kNone);
     }
@@ -226,7 +226,7 @@ private:
 }  // namespace
 
 NodeMatching MatchNodes(const Evaluator& a, const Evaluator& b) {
-    return Matcher(a, b).Run();
+    return NodeMatcher(a, b).Run();
 }
 
 }  // namespace zr::compare

@@ -16,7 +16,7 @@ void AddPoints(TextBuilder& json, std::span<const TextGeometry::Point> points, b
     }
 }
 
-void AddMesh(TextBuilder& json, const TextGeometry& geometry) {
+void AddTriangles(TextBuilder& json, const TextGeometry& geometry) {
     json << "{\"vertices\": [";
     AddPoints(json, geometry.points, geometry.isSolid);
     json << "],\n\"triangles\": [";
@@ -44,7 +44,7 @@ void AddContours(TextBuilder& json, const TextGeometry& geometry) {
 void WriteJson(const TextGeometry& geometry, const std::filesystem::path& target) {
     TextFile json(target);
     if (geometry.isMesh) {
-        AddMesh(json, geometry);
+        AddTriangles(json, geometry);
     } else {
         AddContours(json, geometry);
     }

@@ -20,7 +20,7 @@ double Cubic(double a, double slopeA, double b, double slopeB, double s, double 
     return points[0];
 }
 
-class TransformTrack : public testing::Test {
+class TransformTrackTest : public testing::Test {
 protected:
     template <typename Key>
     static void SetCubic(Key* key, const std::array<float, 4>& in, const std::array<float, 4>& out) {
@@ -34,7 +34,7 @@ protected:
         m_node->AddTransformController()->AddTransformTrack(m_scene->AddAnimation(u"a"));
 };
 
-TEST_F(TransformTrack, CubicKeysPassThroughTheirTangents) {
+TEST_F(TransformTrackTest, CubicKeysPassThroughTheirTangents) {
     kernix::PositionKeyModel* first = m_track->AddPosition(1);
     kernix::PositionKeyModel* second = m_track->AddPosition(3);
     first->SetValue({1, -2, 3});
@@ -49,7 +49,7 @@ TEST_F(TransformTrack, CubicKeysPassThroughTheirTangents) {
     }
 }
 
-TEST_F(TransformTrack, CubicRotationsAreOfUnitLength) {
+TEST_F(TransformTrackTest, CubicRotationsAreOfUnitLength) {
     kernix::RotationKeyModel* first = m_track->AddRotation(0);
     kernix::RotationKeyModel* second = m_track->AddRotation(2);
     first->SetQuaternion({0, 0, 0, 1});
@@ -71,7 +71,7 @@ TEST_F(TransformTrack, CubicRotationsAreOfUnitLength) {
 }
 
 // Outside of its keys a track holds, and a part without keys is the one at rest.
-TEST_F(TransformTrack, HoldsItsEndsAndTheRestPose) {
+TEST_F(TransformTrackTest, HoldsItsEndsAndTheRestPose) {
     m_track->AddPosition(1)->SetValue({1, 0, 0});
     m_track->AddPosition(2)->SetValue({3, 0, 0});
     const kernix::Pose rest{{7, 7, 7}, {0, 0, 1, 0}, {2, 3, 4}};

@@ -57,19 +57,19 @@ std::vector<std::u16string> EnterAll(const std::vector<std::u16string>& names, b
     return entered;
 }
 
-using Names = std::vector<std::u16string>;
+using WideNames = std::vector<std::u16string>;
 
 TEST(UniqueNames, NumbersFromTheCountOfNames) {
     EXPECT_EQ(EnterAll({u"box", u"box", u"ball", u"box", u"box4", u"box"}, false, 32),
-              (Names{u"box", u"box1", u"ball", u"box3", u"box4", u"box5"}));
+              (WideNames{u"box", u"box1", u"ball", u"box3", u"box4", u"box5"}));
     EXPECT_EQ(EnterAll({u"box5", u"a", u"b", u"box", u"c", u"BOX"}, false, 32),
-              (Names{u"box5", u"a", u"b", u"box", u"c", u"BOX6"}));
-    EXPECT_EQ(EnterAll({u"Box", u"box", u"Box"}, true, 32), (Names{u"Box", u"box", u"Box2"}));
-    EXPECT_EQ(EnterAll({u"x", u"y", u"z", u"w", u"x"}, true, 4), (Names{u"x", u"y", u"z", u"w", u"x4"}));
+              (WideNames{u"box5", u"a", u"b", u"box", u"c", u"BOX6"}));
+    EXPECT_EQ(EnterAll({u"Box", u"box", u"Box"}, true, 32), (WideNames{u"Box", u"box", u"Box2"}));
+    EXPECT_EQ(EnterAll({u"x", u"y", u"z", u"w", u"x"}, true, 4), (WideNames{u"x", u"y", u"z", u"w", u"x4"}));
 }
 
 TEST(UniqueNames, NumberTakesTheEndOfALongName) {
-    Names names{u"abcd"};
+    WideNames names{u"abcd"};
     for (char16_t c = u'a'; c < u'a' + 11; ++c) names.push_back(std::u16string(1, c));
     names.push_back(u"abcd");
     EXPECT_EQ(EnterAll(names, false, 4).back(), u"ab12");
@@ -112,11 +112,11 @@ TEST(UniqueNames, EqualsThePlainRuleWhereNumbersRunOut) {
 
 TEST(NumberedNames, AppendToTheNameThatWasFound) {
     zrt::NumberedNames names;
-    Names entered;
+    WideNames entered;
     for (const char16_t* name : {u"Wood", u"Wood1", u"Wood", u"Stone", u"stone", u"wood", u"WOOD"}) {
         entered.push_back(names.Enter(name));
     }
-    EXPECT_EQ(entered, (Names{u"Wood", u"Wood1", u"Wood11", u"Stone", u"stone1", u"wood2", u"WOOD3"}));
+    EXPECT_EQ(entered, (WideNames{u"Wood", u"Wood1", u"Wood11", u"Stone", u"stone1", u"wood2", u"WOOD3"}));
 }
 
 // A name that fills every buffer it came through must still end up different from its equals.

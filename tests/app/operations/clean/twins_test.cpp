@@ -16,8 +16,8 @@ using gltf::Document;
 using gltf::Kind;
 
 // `nodes` with their scene; every node may show mesh 0, a triangle of material 0.
-Document Scene(const std::string& roots, const std::string& nodes, const std::string& more = "",
-               const std::string& material = "{}") {
+Document TwinScene(const std::string& roots, const std::string& nodes, const std::string& more = "",
+                   const std::string& material = "{}") {
     return gltf::test::FromText(Join(R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[)", roots,
                                      R"(]}],"nodes":[)", nodes,
                                      R"(],"meshes":[{"primitives":[{"attributes":{},"material":0}]}],
@@ -56,11 +56,11 @@ TEST_F(TwinsTest, WhatAncestorsCarrySetsApart) {
     for (const Case& c : cases) {
         const std::string extensions =
             *c.extensions != '\0' ? Join(R"(,"extensions":{)", c.extensions, "}") : std::string();
-        Document document = Scene("0,2,3",
-                                  Join(R"({"children":[1])", extensions,
-                                       R"(},{"name":"below","mesh":0},{"name":"alone","mesh":0},
+        Document document = TwinScene("0,2,3",
+                                      Join(R"({"children":[1])", extensions,
+                                           R"(},{"name":"below","mesh":0},{"name":"alone","mesh":0},
                                                 {"name":"also alone","mesh":0},{"mesh":0,"name":"far"})"),
-                                  c.more);
+                                      c.more);
         const CleanResult result = Clean(document, Unseen());
         const Strings expected = c.repeats ? Strings{"alone", "also alone"} : Strings{"also alone"};
         EXPECT_EQ(NamesOf(result, CleanStep::kMeshDupes), expected) << c.what;
@@ -73,7 +73,7 @@ TEST_F(TwinsTest, WhatAncestorsCarrySetsApart) {
 
 TEST_F(TwinsTest, BelowOneNodeAllAreAlike) {
     Document document =
-        Scene("0", R"({"children":[1,2],"extensions":{"KHR_node_visibility":{"visible":false}}},
+        TwinScene("0", R"({"children":[1,2],"extensions":{"KHR_node_visibility":{"visible":false}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
     EXPECT_EQ(NamesOf(Clean(document, Unseen()), CleanStep::kMeshDupes), Strings{"second"});
 }
@@ -81,14 +81,14 @@ TEST_F(TwinsTest, BelowOneNodeAllAreAlike) {
 // One child of a selector is shown, the others are not.
 TEST_F(TwinsTest, ChildrenOfASelectorAreChoices) {
     Document document =
-        Scene("0", R"({"children":[1,2],"extensions":{"ZR_scene":{"selector":true,"selected":2}}},
+        TwinScene("0", R"({"children":[1,2],"extensions":{"ZR_scene":{"selector":true,"selected":2}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
     EXPECT_EQ(NamesOf(Clean(document, Unseen()), CleanStep::kMeshDupes), Strings{});
 }
 
 TEST_F(TwinsTest, MetadataHoldsNodesUntilItGoes) {
     const auto scene = [] {
-        return Scene("0,1,2,3,4", R"({"name":"first","mesh":0,"extras":{"part":1}},
+        return TwinScene("0,1,2,3,4", R"({"name":"first","mesh":0,"extras":{"part":1}},
             {"name":"second","mesh":0,"extras":{"part":2}},{"name":"third","mesh":0},
             {"name":"marked","extras":{"note":"door"}},{"name":"empty","extras":{}})");
     };
@@ -109,8 +109,8 @@ TEST_F(TwinsTest, MetadataHoldsNodesUntilItGoes) {
 // Two panes of glass at one place are darker than one.
 TEST_F(TwinsTest, BlendedOnesGoOnlyWhenAskedFor) {
     const auto scene = [] {
-        return Scene("0,1", R"({"name":"pane","mesh":0},{"name":"other pane","mesh":0})", "",
-                     R"({"alphaMode":"BLEND"})");
+        return TwinScene("0,1", R"({"name":"pane","mesh":0},{"name":"other pane","mesh":0})", "",
+                         R"({"alphaMode":"BLEND"})");
     };
     Document document = scene();
     const CleanResult result = Clean(document, Unseen());
