@@ -27,7 +27,8 @@ public:
         : m_nodes(document.Elements(Kind::kNode).size()),
           m_links(m_nodes + document.Elements(Kind::kSkin).size()),
           m_reached(m_links.size(), false) {
-        gltf::ForEachReference(document, [this](const gltf::Reference& reference) { Note(reference); });
+        gltf::ForEachReference(document, gltf::KindSet::All(),
+                               [this](const gltf::Reference& reference) { Note(reference); });
     }
 
     void Enter(Kind kind, std::size_t index) {
