@@ -280,6 +280,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     const ExportOptions options = WithChoicesMade(loaded, given);
     MotionReport report;
     report.nodeNotes = ChooseNodes(loaded, options.nodes).notes;
+    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     kernix::SceneModel& scene = loaded.Scene();
     gltf::JsonStream out([&file](std::string_view piece) { file.Write(piece); });
     if (scene.m_pNodes->m_nCount == 0) {
@@ -294,7 +295,6 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
         animations = {scene.GetActiveAnimation()};
     for (const kernix::AnimationModel* animation : animations)
         CheckUnreadRecordKeys(loaded, animation, options);
-    if (options.Has(vl::tk::kExportSystemCamera)) ViewCamera{loaded};
     PackAll(scene);
     std::vector<std::size_t> keys;
     for (const kernix::AnimationModel* animation : animations)

@@ -170,10 +170,16 @@ TEST(LeftOut, RecordsHoldTheKeysThatTheToolsCount) {
                 moving += Join(node.Find("name")->String(), " ");
         EXPECT_EQ(moving, options.animFlags != 0 ? "mover other " : "eye mover other lamp ");
     }
-    const std::string empty =
-        Records(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{}]})"), ExportOptions());
-    gltf::JsonTree tree;
-    EXPECT_TRUE(tree.Build(empty).Find("nodes")->Items().empty()) << empty;
+    ExportOptions withCamera;
+    withCamera.exportFlags |= vl::tk::kExportSystemCamera;
+    for (const ExportOptions& options : {ExportOptions(), withCamera}) {
+        const std::string empty =
+            Records(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{}]})"), options);
+        gltf::JsonTree tree;
+        EXPECT_EQ(tree.Build(empty).Find("nodes")->Items().size(),
+                  options.Has(vl::tk::kExportSystemCamera) ? 1u : 0u)
+            << empty;
+    }
 }
 
 }  // namespace
