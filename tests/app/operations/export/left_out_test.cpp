@@ -153,7 +153,8 @@ std::string Records(gltf::Document document, const ExportOptions& options) {
     LoadedScene loaded(std::move(document), SceneOptionsOf(options, false));
     const gltf::test::TemporaryFolder folder;
     FileTransaction files;
-    ExportRecords(TheHost(), loaded, options, files.Create(folder / "out.json"));
+    ExportRecords(
+        TheHost(), loaded, options, [](double) {}, files.Create(folder / "out.json"));
     files.Commit();
     return folder.Read("out.json");
 }
