@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/commands/large_heap.h"
+#include "app/commands/posix/large_heap.h"
 
 namespace {
 

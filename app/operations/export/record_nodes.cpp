@@ -62,7 +62,8 @@ private:
             if (source) m_isExported[*source] = true;
             const auto shown = m_loaded.IndexOf(record->pNode);
             if (!shown) continue;
-            if ((record->dwFlags & NF_GEOMETRY) != 0 && m_carriers[*shown] == kNone) m_carriers[*shown] = index;
+            if ((record->dwFlags & NF_GEOMETRY) != 0 && m_carriers[*shown] == kNone)
+                m_carriers[*shown] = index;
             if (!source && StandsBelowPivot(*record)) m_belowPivot.insert({*shown, index});
         }
     }

@@ -30,10 +30,10 @@ struct Page {
     std::string kind;  // the command: "clean", "export", "merge", "split", "compare", "text"
     std::string title, subtitle;
     std::vector<std::pair<std::string, std::string>> summary;
-    std::vector<Scene> scenes;  // at most two: before, then after
-    std::vector<ClipTime> times;  // empty: both play from end to end at once
-    std::string result;           // of the command, JSON; empty: none
-    std::string drawing;          // SVG; empty: none
+    std::vector<Scene> scenes;                                  // at most two: before, then after
+    std::vector<ClipTime> times;                                // empty: both play from end to end at once
+    std::string result;                                         // of the command, JSON; empty: none
+    std::string drawing;                                        // SVG; empty: none
     std::vector<std::pair<std::string, std::string>> measures;  // of the drawing
 };
 
