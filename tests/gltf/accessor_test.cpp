@@ -145,8 +145,8 @@ TEST(Accessor, StoredFloatsAreThoseThatAreRead) {
     for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
         const auto floats = StoredFloats(document, i);
         ++(floats.empty() ? other : stored);
-        if (!floats.empty())
-            EXPECT_EQ(std::vector<float>(floats.begin(), floats.end()), ReadFloats(document, i)) << i;
+        if (floats.empty()) continue;
+        EXPECT_EQ(std::vector<float>(floats.begin(), floats.end()), ReadFloats(document, i)) << i;
     }
     EXPECT_GT(stored, 0U);
     EXPECT_GT(other, 0U);

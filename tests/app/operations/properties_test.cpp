@@ -72,8 +72,8 @@ TEST(Properties, EveryRecordStandsOnceBelowARoot) {
             ExportOptions options;
             options.exportFlags |= splits;
             const auto animations = AnimationsOf(loaded.Scene());
-            const Tool tool = RunTool(TheHost(), loaded.Scene(),
-                                      animations.empty() ? nullptr : animations.front(), options);
+            const Tool tool =
+                RunTool(TheHost(), loaded, animations.empty() ? nullptr : animations.front(), options);
             std::set<const ExportNode*> met;
             std::vector<const ExportNode*> open;
             for (const ExportNode* root : vl::ArrayOf<ExportNode*>(tool->m_pRoots)) open.push_back(root);

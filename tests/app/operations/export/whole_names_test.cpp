@@ -57,7 +57,9 @@ TEST(WholeNames, DifferWithinTheLimit) {
             const Names exported = Exported(names, Naming(vl::tk::kNamesUnique | wide, 4), kind);
             std::set<std::string> folded;
             for (const std::string& name : exported) {
-                if (wide == 0 && kind == gltf::Kind::kNode) EXPECT_LE(name.size(), 4U) << name;
+                if (wide == 0 && kind == gltf::Kind::kNode) {
+                    EXPECT_LE(name.size(), 4U) << name;
+                }
                 EXPECT_EQ(name.find("\uFFFD"), std::string::npos) << name;
                 std::string lower = name;
                 std::transform(lower.begin(), lower.end(), lower.begin(),
