@@ -17,9 +17,11 @@ LRESULT TerminalTree::OnMessage(UINT message, WPARAM, LPARAM lParam) {
         if (item.parent > m_items.size()) return 0;
         item.depth = m_items[item.parent - 1].depth + 1;
     }
-    const std::size_t number = m_items.size() + 1;
-    (item.parent == 0 ? m_topLevel : m_items[item.parent - 1].children).push_back(number);
+    // In this order: where memory is missing, no list leads to an item that is not there.
+    const std::size_t parent = item.parent;
     m_items.push_back(std::move(item));
+    const std::size_t number = m_items.size();
+    (parent == 0 ? m_topLevel : m_items[parent - 1].children).push_back(number);
     return static_cast<LRESULT>(number);
 }
 
