@@ -223,6 +223,17 @@ Curve Baked(const kernix::TransformTrack& track, int keyType, const std::vector<
 
 }  // namespace
 
+void KeepWays(Curve& rotations) {
+    if (rotations.IsCubic()) return;
+    for (std::size_t at = 4; at < rotations.values.size(); at += 4) {
+        float from[4], to[4];
+        std::copy_n(rotations.values.data() + at - 4, 4, from);
+        std::copy_n(rotations.values.data() + at, 4, to);
+        KeepWay(from, to);
+        std::copy_n(to, 4, rotations.values.data() + at);
+    }
+}
+
 std::size_t WidthOf(int keyType) {
     return keyType == vl::zr::kKeyRotation ? 4 : 3;
 }

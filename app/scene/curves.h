@@ -22,6 +22,9 @@ bool IsReadable(const gltf::Document& document, const gltf::Json& sampler);
 // The interpolation of the sampler.
 vl::zr::KeyInterpolation InterpolationOf(const gltf::Json& sampler);
 Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
+// Moves orientations that are half a turn on from the one before by less than a millionth of a turn, so that
+// no rounding makes the way to them lead round the other side.
+void KeepWays(Curve& rotations);
 
 // Adds curves to a document. Equal key times are stored once.
 class CurveWriter {

@@ -33,6 +33,44 @@ bool CanFold(vl::zr::TransformController* controller, const vl::Matrix4<double>&
     return true;
 }
 
+double Dot(const vl::Quaternion& a, const vl::Quaternion& b) {
+    return double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z + double{a.w} * b.w;
+}
+
+// Orientations out of matrices have lost the sign that, half a turn apart, alone tells which way they turn.
+class Ways {
+public:
+    explicit Ways(const vl::Matrix4<double>& scene) {
+        vl::Matrix4<double> m = scene;
+        vl::AffineParts parts;
+        m.AffineDecompose(parts);
+        m_turn = parts.q;
+    }
+
+    // The folded orientation of the next key, which was `source`, with the sign that keeps the way.
+    vl::Quaternion Next(const vl::Quaternion& source, vl::Quaternion folded) {
+        constexpr double kNearHalfTurn = 1e-6;
+        const double step = Dot(m_source, source);
+        const bool isHalfTurn = !m_isFirst && std::abs(step) < kNearHalfTurn;
+        bool isTurnedRound = Dot(folded, source * m_turn) < 0;
+        const bool wanted = m_isTurnedRound != (step < 0);
+        if (isHalfTurn && isTurnedRound != wanted) {
+            folded = vl::Quaternion(-folded.x, -folded.y, -folded.z, -folded.w);
+            isTurnedRound = wanted;
+        }
+        m_source = source;
+        m_isTurnedRound = isTurnedRound;
+        m_isFirst = false;
+        return folded;
+    }
+
+private:
+    vl::Quaternion m_turn;
+    vl::Quaternion m_source;
+    bool m_isTurnedRound = false;  // the folded orientation has the other sign
+    bool m_isFirst = true;
+};
+
 void Fold(ExportNode* record, const vl::Matrix4<double>& scene) {
     vl::zr::TransformController* controller = record->pController;
     for (auto* key : vl::ArrayOf<ExportScaleKey*>(record->pScaleKeys)) {
@@ -41,8 +79,9 @@ void Fold(ExportNode* record, const vl::Matrix4<double>& scene) {
     for (auto* key : vl::ArrayOf<ExportPositionKey*>(record->pPosKeys)) {
         key->vValue = PartsAt(controller, key->fTime, scene).t;
     }
+    Ways ways(scene);
     for (auto* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) {
-        key->qValue = PartsAt(controller, key->fTime, scene).q;
+        key->qValue = ways.Next(key->qValue, PartsAt(controller, key->fTime, scene).q);
     }
 }
 

@@ -45,6 +45,8 @@ long LiveBlocks() {
 }  // namespace failing_memory
 
 // The linker puts these in the place of every call of the C functions in the program, those below among them.
+// It refuses hidden ones where a shared library calls the functions, too.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void* __real_malloc(std::size_t size);
@@ -68,6 +70,7 @@ void __wrap_free(void* block) {
 }
 
 }  // extern "C"
+#pragma GCC visibility pop
 
 // These take the place of the standard library's and the core library's for the whole process.
 void* operator new(std::size_t size) {

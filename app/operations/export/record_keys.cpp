@@ -123,6 +123,8 @@ std::optional<TrackCurves> Replaced(const ExportNode& record, const TransformTra
         if (unchanged[i] && !MapsTime(tool)) continue;
         if (options.keepsCurves && sources[i]->interpolation != vl::zr::kInterpolationLinear) continue;
         if (curves[i].IsCubic()) curves[i].interpolation = vl::zr::kInterpolationLinear;
+        const bool isFolded = record.pParent == nullptr && !tool.m_mScene.IsIdentity(0);
+        if (isFolded && kKeyTypes[i] == vl::zr::kKeyRotation) KeepWays(curves[i]);
         MakeAscending(curves[i]);
         replaced[i] = std::move(curves[i]);
     }

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "app/operations/export/export_scene.h"
+#include "app/scene/curves.h"
 #include "app/scene/flip_objects.h"
 #include "app/services/rename_rules.h"
 #include "gltf/accessor.h"
@@ -121,6 +123,43 @@ TEST(ExportedAim, TargetWithoutNodeMovesToo) {
     auto* controller = static_cast<kernix::TransformControllerModel*>(after.Node(2)->GetController(99));
     ASSERT_NE(controller, nullptr);
     EXPECT_EQ(controller->GetTrackKeyCount(vl::zr::kKeyPosition, nullptr), 2);
+}
+
+// Turns of exactly a half, of which the signs of the keys alone say which way they go.
+TEST(ExportedTurns, GoTheSameWayBelowASceneMatrix) {
+    std::mt19937 random(3);
+    std::normal_distribution<double> number;
+    const auto unit = [&](double w) {
+        const double x = number(random), y = number(random), z = number(random);
+        const double length = std::sqrt(x * x + y * y + z * z + w * w);
+        return vl::Quaternion(static_cast<float>(x / length), static_cast<float>(y / length),
+                              static_cast<float>(z / length), static_cast<float>(w / length));
+    };
+    for (int round = 0; round < 40; ++round) {
+        SCOPED_TRACE(round);
+        Curve turns{
+            vl::zr::kInterpolationLinear, {0, 1, 2, 3}, {0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, -1, 0, 1, 0, 0}};
+        if (round > 0) {
+            vl::Quaternion q = unit(number(random));
+            turns.values.clear();
+            for (std::size_t i = 0; i < turns.times.size(); ++i) {
+                const float sign = random() % 2 == 0 ? 1 : -1;
+                turns.values.insert(turns.values.end(), {sign * q.x, sign * q.y, sign * q.z, sign * q.w});
+                q = q * unit(0);
+            }
+        }
+        LoadedScene loaded(gltf::test::FromText(
+            R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [{"name": "box"}]})"));
+        auto* track =
+            loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"a"));
+        PutKeys(*track, vl::zr::kKeyRotation, turns);
+        ExportOptions options;
+        options.sceneMatrix.Scale(vl::Vector3<double>{2, 2, 2});
+        options.sceneMatrix.RotateX(round % 2 == 0 ? 1.5707963267948966 : 0.7);
+        if (round % 3 == 0) options.animFlags |= vl::tk::kResampleKeys;
+        const Exported exported = ExportScene(TheHost(), std::move(loaded), options, [](double) {});
+        EXPECT_LT(exported.report.deviation, 1e-4);
+    }
 }
 
 TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
