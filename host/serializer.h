@@ -106,7 +106,7 @@ public:
     // merged, resampled, flipped and mapped as Process does it, and the moved records their mLocal and rest
     // values; names, structure and mWorld stay. 0, with nothing changed, where the records themselves depend
     // on the animation (placed cameras and lights, a scene matrix above a record), or where a module has no
-    // such operation: a new object then has to process it.
+    // such operation: a new object then has to process it. 0 without any records where memory ran out.
     virtual int ProcessKeys() { return 0; }
 
     const char* GetTypeName() override { return "tksave"; }

@@ -45,6 +45,10 @@ int ZR_TK::Process(int) {
     return OrDropRecords([this] { return RunProcess(); });
 }
 
+int ZR_TK::ProcessKeys() {
+    return OrDropRecords([this] { return RunProcessKeys(); });
+}
+
 int ZR_TK::BuildHierarchy() {
     return OrDropRecords([this] { return RunBuildHierarchy(); });
 }

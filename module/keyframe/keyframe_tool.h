@@ -109,6 +109,7 @@ private:
     void DropRecords();
 
     int RunProcess();
+    int RunProcessKeys();
     int RunBuildHierarchy();
     int RunExtractKeys();
     int RunAssignNames();

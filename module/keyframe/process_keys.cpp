@@ -59,7 +59,7 @@ void Reset(ZR_TK& tool, ExportNode& record) {
 
 }  // namespace
 
-int ZR_TK::ProcessKeys() {
+int ZR_TK::RunProcessKeys() {
     using namespace vl::tk;
     if (!m_bAnimated || m_pAllNodes == nullptr || (m_dwExportFlags & kExtractKeys) == 0) return 0;
     if (m_pScene->IsAnimated() == 0) return 0;
@@ -71,7 +71,7 @@ int ZR_TK::ProcessKeys() {
     if (!CanFoldSceneMatrix()) return 0;
 
     for (ExportNode* record : moved) Reset(*this, *record);
-    ExtractKeys();
+    RunExtractKeys();
     for (ExportNode* record : moved) DecomposeRest(record, nullptr);
     if ((m_dwExportFlags & kMergeKeys) != 0) MergeKeys();
     if ((m_dwAnimFlags & kResampleKeys) != 0) ResampleKeys();

@@ -5,6 +5,7 @@
 
 #include "app/operations/export/record_scenes.h"
 #include "app/operations/export/whole_names.h"
+#include "base/memory_watch.h"
 
 namespace zr {
 
@@ -39,7 +40,9 @@ Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
 
 bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation) {
     scene.SetActiveAnimation(&animation);
-    return tool->ProcessKeys() != 0;
+    if (tool->ProcessKeys() != 0) return true;
+    RequireMemory();
+    return false;
 }
 
 }  // namespace zr

@@ -22,7 +22,7 @@ using Names = std::vector<std::string>;
 using test::TemporaryFolder;
 
 // More than a process keeps without a name.
-constexpr int kManyFiles = 132;
+constexpr int kNamedFiles = 132;
 
 // How a process ended that did this: a signal's number, or 0.
 template <typename Do>
@@ -79,7 +79,7 @@ TEST(FileTransaction, PermissionsAndLinksStay) {
 TEST(FileTransaction, ASignalLeavesNothing) {
     const TemporaryFolder folder;
     for (const auto& [number, count] :
-         {std::pair(SIGTERM, kManyFiles), std::pair(SIGHUP, 2), std::pair(SIGINT, kManyFiles)}) {
+         {std::pair(SIGTERM, kNamedFiles), std::pair(SIGHUP, 2), std::pair(SIGINT, kNamedFiles)}) {
         const int ended = SignalThatEnds([&] {
             FileTransaction files;
             for (int i = 0; i < count; ++i) files.Create(folder / std::to_string(i)).Write("x");

@@ -23,7 +23,7 @@ ExportOptions Without(std::uint32_t exportFlags) {
     return options;
 }
 
-gltf::Document Export(gltf::Document document, const ExportOptions& options) {
+gltf::Document ExportedWith(gltf::Document document, const ExportOptions& options) {
     LoadedScene loaded(std::move(document), SceneOptionsOf(options, true));
     return ExportScene(TheHost(), std::move(loaded), options, [](double) {}).document;
 }
@@ -66,7 +66,7 @@ TEST(LeftOut, MeshesGoWithoutTheirNodesCamerasAndLights) {
     const auto shown = [](std::uint32_t without, std::uint32_t with = 0) {
         ExportOptions options = Without(without);
         options.exportFlags |= with;
-        return Shown(Export(gltf::test::FromText(kMeshes), options));
+        return Shown(ExportedWith(gltf::test::FromText(kMeshes), options));
     };
     EXPECT_EQ(shown(0), "points:m eye:mc lamp:ml packed:m lines:mc");
     EXPECT_EQ(shown(kEmpty), "points: eye:c lamp:ml packed:m lines:mc");
@@ -111,12 +111,12 @@ std::size_t Named(const gltf::Document& document, std::string_view name) {
 }
 
 TEST(LeftOut, AimsFollowTargetsThatGo) {
-    const gltf::Document all = Export(Aiming(), ExportOptions());
+    const gltf::Document all = ExportedWith(Aiming(), ExportOptions());
     Evaluator expected(all);
     for (const std::uint32_t without :
          {std::uint32_t{vl::tk::kAllChoices}, std::uint32_t{vl::tk::kKeepAllNodes},
           std::uint32_t{vl::tk::kAllChoices | vl::tk::kKeepAllNodes}}) {
-        const gltf::Document document = Export(Aiming(), Without(without));
+        const gltf::Document document = ExportedWith(Aiming(), Without(without));
         const bool choosesOne = (without & vl::tk::kAllChoices) != 0;
         EXPECT_EQ(document.Elements(Kind::kSkin).size(), choosesOne ? 0u : 1u);
         EXPECT_EQ(Named(document, "other") == document.Elements(Kind::kNode).size(), choosesOne);
@@ -139,9 +139,9 @@ TEST(LeftOut, JointsOfSkinsThatStayAreMissed) {
         "nodes": [{"mesh": 0, "skin": 0}, {}], "skins": [{"joints": [1]}],
         "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]}],
         "accessors": [{"componentType": 5126, "count": 3, "type": "VEC3", "min": [0, 0, 0], "max": [0, 0, 0]}]})";
-    EXPECT_NO_THROW(Export(gltf::test::FromText(kSkinned), Without(vl::tk::kKeepAllNodes)));
+    EXPECT_NO_THROW(ExportedWith(gltf::test::FromText(kSkinned), Without(vl::tk::kKeepAllNodes)));
     try {
-        Export(gltf::test::FromText(kSkinned), Without(vl::tk::kKeepAllNodes | vl::tk::kExportBones));
+        ExportedWith(gltf::test::FromText(kSkinned), Without(vl::tk::kKeepAllNodes | vl::tk::kExportBones));
         ADD_FAILURE() << "no error";
     } catch (const gltf::Error& error) {
         EXPECT_NE(std::string_view(error.what()).find("--no-bones with --drop-empty"), std::string_view::npos)
