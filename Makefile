@@ -87,8 +87,8 @@ check:
 	@$(call packages,qt test bench check)
 	@tools/check-layers
 	@tools/check-format
-	@cmake --preset tidy >/dev/null
-	@tools/check-code build/tidy
+	@cmake --preset check >/dev/null
+	@tools/check-code build/check
 
 # clang-tidy, the slow part of it: about three minutes of CPU.
 tidy:
