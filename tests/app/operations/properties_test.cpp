@@ -11,19 +11,11 @@
 #include "app/scene/animations_of.h"
 #include "kernix/host_app_base.h"
 #include "tests/app/operations/wild_plan.h"
+#include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
 
 namespace zr::test {
 namespace {
-
-Host& TheHost() {
-    static Host& host = *[] {
-        auto* made = new Host("en");
-        made->LoadModule();
-        return made;
-    }();
-    return host;
-}
 
 // Gives each seed's scene to `check`, made by `make` as often as it is asked for.
 void ForEachScene(ScenePlan (*make)(Random&), unsigned count,
