@@ -11,7 +11,7 @@ export class Browser {
     const browser = new Browser();
     browser.size = { width, height };
     browser.folder = await mkdtemp(join(tmpdir(), "zr-browser-"));
-    browser.process = spawn(program, ["--headless=new", "--no-sandbox", "--disable-gpu", "--use-angle=swiftshader",
+    browser.process = spawn(program, ["--headless=new", "--no-sandbox", "--allow-pre-commit-input", "--disable-gpu", "--use-angle=swiftshader",
       "--enable-unsafe-swiftshader", "--disable-dev-shm-usage", "--hide-scrollbars", "--remote-debugging-pipe",
       `--user-data-dir=${browser.folder}`, `--window-size=${width},${height}`], { stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"] });
     browser.waiting = new Map();
@@ -71,13 +71,19 @@ export class Browser {
     throw new Error(`never true: ${expression}`);
   }
 
-  // A click with the mouse in the middle of the element.
-  async click(selector) {
-    const box = await this.evaluate(`(() => { const e = document.querySelector(${JSON.stringify(selector)});
-      e.scrollIntoView({ block: "nearest" }); const b = e.getBoundingClientRect();
-      return { x: b.x + b.width / 2, y: b.y + b.height / 2 }; })()`);
-    for (const type of ["mousePressed", "mouseReleased"])
-      await this.send("Input.dispatchMouseEvent", { type, ...box, button: "left", clickCount: 1 });
+  // A click with the mouse in the middle of the element, once it has come to rest; the expression is
+  // evaluated while the button is down.
+  async click(selector, meanwhile = "") {
+    const box = await this.evaluate(`new Promise((resolve) => {
+      const at = () => { const b = document.querySelector(${JSON.stringify(selector)}).getBoundingClientRect();
+        return { x: b.x + b.width / 2, y: b.y + b.height / 2 }; };
+      document.querySelector(${JSON.stringify(selector)}).scrollIntoView({ block: "nearest" });
+      const settle = (before) => requestAnimationFrame(() => requestAnimationFrame(() => { const now = at();
+        now.x === before.x && now.y === before.y ? resolve(now) : settle(now); }));
+      settle(at()); })`);
+    await this.send("Input.dispatchMouseEvent", { type: "mousePressed", ...box, button: "left", clickCount: 1 });
+    await this.evaluate(meanwhile);
+    await this.send("Input.dispatchMouseEvent", { type: "mouseReleased", ...box, button: "left", clickCount: 1 });
   }
 
   async press(key, text = key.length === 1 ? key : undefined) {

@@ -17,9 +17,9 @@ export class Rows {
     host.setAttribute("aria-label", label);
     this.space = host.appendChild(document.createElement("div"));
     this.space.setAttribute("role", "presentation");
-    host.addEventListener("scroll", () => this.render());
+    host.addEventListener("scroll", () => this.follow());
     host.addEventListener("keydown", (event) => this.key(event));
-    new ResizeObserver(() => this.render()).observe(host);
+    new ResizeObserver(() => this.follow()).observe(host);
   }
 
   set(items) {
@@ -60,13 +60,26 @@ export class Rows {
   }
 
   render() {
+    this.space.replaceChildren();
+    this.first = this.last = 0;
+    this.follow();
+  }
+
+  // Scrolling and resizing keep the rows that stay in sight: one that is replaced while the
+  // button is down gets no click.
+  follow() {
     if (!this.shown) return;
     const first = Math.max(0, Math.floor(this.host.scrollTop / height) - 4);
     const last = Math.min(this.shown.length, first + Math.ceil(this.host.clientHeight / height) + 8);
-    const rows = [];
-    for (let at = first; at < last; ++at) rows.push(this.row(at));
-    this.space.replaceChildren(...rows);
-    const current = rows.find((row) => row.classList.contains("current"));
+    if (last <= this.first || first >= this.last) {
+      this.space.replaceChildren();
+      this.first = this.last = first;
+    }
+    for (; this.first < first; ++this.first) this.space.firstChild.remove();
+    for (; this.last > last; --this.last) this.space.lastChild.remove();
+    while (this.first > first) this.space.prepend(this.row(--this.first));
+    while (this.last < last) this.space.append(this.row(this.last++));
+    const current = this.space.querySelector(".current");
     if (current) this.host.setAttribute("aria-activedescendant", current.id);
     else this.host.removeAttribute("aria-activedescendant");
   }
