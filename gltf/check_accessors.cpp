@@ -7,6 +7,7 @@
 #include "gltf/accessor.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
+#include "gltf/members.h"
 
 namespace zr::gltf {
 namespace {
@@ -39,11 +40,9 @@ public:
         for (std::size_t i = 0; i < views.size(); ++i) {
             const Spot view{"bufferViews", i};
             InBuffer(views[i], view);
-            if (const Json* extensions = views[i].Find("extensions")) {
-                for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"})
-                    if (const Json* compressed = extensions->Find(name))
-                        InBuffer(*compressed, {"bufferViews", i, Join("/extensions/", name)});
-            }
+            for (const std::string_view name : kMeshopt)
+                if (const Json* compressed = FindExtension(views[i], name))
+                    InBuffer(*compressed, {"bufferViews", i, Join("/extensions/", name)});
             if (views[i].Find("byteStride") == nullptr) continue;
             const std::uint64_t stride = IndexMember(views[i], "byteStride");
             if (stride < 4 || stride > 252 || stride % 4 != 0)

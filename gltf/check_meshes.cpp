@@ -8,6 +8,7 @@
 #include "gltf/accessor.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
+#include "gltf/members.h"
 
 namespace zr::gltf {
 namespace {
@@ -107,8 +108,7 @@ private:
     }
 
     static bool IsCompressed(const Json& primitive) {
-        const Json* extensions = primitive.Find("extensions");
-        return extensions != nullptr && extensions->Find("KHR_draco_mesh_compression") != nullptr;
+        return FindExtension(primitive, "KHR_draco_mesh_compression") != nullptr;
     }
 
     [[noreturn]] void Fail(const std::string& place, std::string_view text) {

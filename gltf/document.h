@@ -19,6 +19,7 @@
 #include "gltf/error.h"
 #include "gltf/json.h"
 #include "gltf/kinds.h"
+#include "gltf/members.h"
 
 namespace zr::gltf {
 
@@ -169,10 +170,8 @@ template <typename Visit>
 void ForEachBufferRange(Document& document, Visit visit) {
     for (Json& view : document.Elements(Kind::kBufferView)) {
         visit(view);
-        Json* extensions = view.Find("extensions");
-        if (extensions == nullptr) continue;
-        for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"})
-            if (Json* compressed = extensions->Find(name)) visit(*compressed);
+        for (const std::string_view name : kMeshopt)
+            if (Json* compressed = FindExtension(view, name)) visit(*compressed);
     }
 }
 

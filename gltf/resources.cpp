@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "gltf/check.h"
 #include "gltf/document.h"
+#include "gltf/members.h"
 #include "gltf/uri.h"
 
 namespace zr::gltf {
@@ -33,10 +34,8 @@ void ForEachResource(Document& document,
                      const std::function<void(Json& element, const std::string& place)>& visit) {
     const auto images = document.Elements(Kind::kImage);
     for (std::size_t i = 0; i < images.size(); ++i) visit(images[i], Join("/images/", i));
-    Json* extensions = document.Root().Find("extensions");
-    if (extensions == nullptr) return;
     for (const List& list : kLists) {
-        Json* holder = extensions->Find(list.extension);
+        Json* holder = FindExtension(document.Root(), list.extension);
         Json* items = holder != nullptr ? holder->Find(list.member) : nullptr;
         if (items == nullptr) continue;
         for (std::size_t i = 0; i < items->Items().size(); ++i)

@@ -3,6 +3,7 @@
 
 #include "app/scene/curves.h"
 #include "base/text.h"
+#include "gltf/members.h"
 #include "gltf/walk.h"
 
 namespace zr {
@@ -28,8 +29,7 @@ AnimationBuilder::Goal AnimationBuilder::GoalOf(const Json& target) {
         const std::size_t node = IndexMember(target, "node", kNone);
         return node != kNone ? Goal{node, path} : Goal{};
     }
-    const Json* extensions = target.Find("extensions");
-    const Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
+    const Json* extension = gltf::FindExtension(target, "KHR_animation_pointer");
     if (extension == nullptr) return {};
     const std::string_view pointer = extension->Find("pointer")->String();
     const auto named = gltf::PointerTarget(pointer);
@@ -154,8 +154,7 @@ kernix::NodeModel* AnimationBuilder::FirstShowing(Kind kind, std::size_t index) 
             };
             note(Kind::kCamera, nodes[i], "camera");
             note(Kind::kMesh, nodes[i], "mesh");
-            const Json* extensions = nodes[i].Find("extensions");
-            const Json* light = extensions != nullptr ? extensions->Find("KHR_lights_punctual") : nullptr;
+            const Json* light = gltf::FindExtension(nodes[i], "KHR_lights_punctual");
             if (light != nullptr) note(Kind::kLight, *light, "light");
         }
     }

@@ -13,6 +13,7 @@
 #include "app/scene/moved_members.h"
 #include "app/scene/node_layout.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 
 namespace zr {
 namespace {
@@ -72,8 +73,7 @@ private:
     // Exchanges the axes of a node's pivot. Where the object of the node stands: a pivot of the object alone
     // has no object left at the node and is taken away.
     std::array<float, 3> FlipPivot(std::size_t node) {
-        Json* extensions = Element(Kind::kNode, node).Find("extensions");
-        Json* own = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        Json* own = gltf::FindExtension(Element(Kind::kNode, node), "ZR_scene");
         Json* pivot = own != nullptr ? own->Find("pivot") : nullptr;
         if (pivot == nullptr) return {};
         std::swap(pivot->Items()[1], pivot->Items()[2]);
@@ -114,13 +114,12 @@ private:
 
     // member: of the extension; empty for all of it.
     void MoveExtension(std::size_t node, Json& content, std::string_view name, std::string_view member) {
-        Json* from = Element(Kind::kNode, node).Find("extensions");
-        Json* extension = from != nullptr ? from->Find(name) : nullptr;
+        Json* extension = gltf::FindExtension(Element(Kind::kNode, node), name);
         if (extension == nullptr || (!member.empty() && extension->Find(member) == nullptr)) return;
         Json& to = m_tree.Member(content, "extensions");
         if (!to.IsObject()) to = JsonTree::MakeObject();
         if (member.empty()) {
-            Move(*from, to, name);
+            Move(*Element(Kind::kNode, node).Find("extensions"), to, name);
         } else {
             Json& part = m_tree.Member(to, name);
             part = JsonTree::MakeObject();
@@ -131,10 +130,12 @@ private:
 
     // Erases an extension that is left without members, and then the list of extensions.
     void EraseEmpty(std::size_t node, std::string_view name) {
-        Json& extensions = *Element(Kind::kNode, node).Find("extensions");
-        const Json* extension = extensions.Find(name);
-        if (extension != nullptr && extension->Members().empty()) extensions.EraseMember(name);
-        if (extensions.Members().empty()) Element(Kind::kNode, node).EraseMember("extensions");
+        Json& json = Element(Kind::kNode, node);
+        const Json* extension = gltf::FindExtension(json, name);
+        if (extension != nullptr && extension->Members().empty())
+            gltf::EraseExtension(json, name);
+        else if (json.Find("extensions")->Members().empty())
+            json.EraseMember("extensions");
     }
 
     void FlipSkin(std::size_t index) {

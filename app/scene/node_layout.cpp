@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "gltf/members.h"
+
 namespace zr {
 
 using gltf::IndexMember;
@@ -22,8 +24,7 @@ std::span<const Json> ItemsOf(const Json& holder, std::string_view name) {
 }
 
 std::span<const Json> LevelsOf(const Json& node) {
-    const Json* extensions = node.Find("extensions");
-    const Json* levels = extensions != nullptr ? extensions->Find("MSFT_lod") : nullptr;
+    const Json* levels = gltf::FindExtension(node, "MSFT_lod");
     return levels != nullptr ? ItemsOf(*levels, "ids") : std::span<const Json>();
 }
 

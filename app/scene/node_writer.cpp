@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "app/scene/moved_members.h"
+#include "gltf/members.h"
 
 namespace zr {
 
@@ -56,9 +57,7 @@ private:
             NodeAt(index).EraseMember(name);
             return value;
         }
-        Json& extensions = *NodeAt(index).Find("extensions");
-        extensions.EraseMember(name.substr(kInExtensions.size()));
-        if (extensions.Members().empty()) NodeAt(index).EraseMember("extensions");
+        gltf::EraseExtension(NodeAt(index), name.substr(kInExtensions.size()));
         return value;
     }
 
@@ -110,12 +109,10 @@ private:
     }
 
     static void DropPivots(Json& node) {
-        Json* extensions = node.Find("extensions");
-        Json* own = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        Json* own = gltf::FindExtension(node, "ZR_scene");
         if (own == nullptr) return;
         for (const std::string_view name : {"pivot", "pivotGroup", "objectOffset"}) own->EraseMember(name);
-        if (own->Members().empty()) extensions->EraseMember("ZR_scene");
-        if (extensions->Members().empty()) node.EraseMember("extensions");
+        if (own->Members().empty()) gltf::EraseExtension(node, "ZR_scene");
     }
 
     Json Indices(const std::vector<std::size_t>& indices) {

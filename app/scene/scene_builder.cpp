@@ -6,6 +6,7 @@
 #include <new>
 
 #include "base/text.h"
+#include "gltf/members.h"
 #include "gltf/references.h"
 #include "host/kinds.h"
 #include "host/var.h"
@@ -19,16 +20,6 @@ using gltf::Json;
 using gltf::Kind;
 
 namespace {
-
-const Json* Extension(const Json& element, std::string_view name) {
-    const Json* extensions = element.Find("extensions");
-    return extensions != nullptr ? extensions->Find(name) : nullptr;
-}
-
-std::string_view NameOf(const Json& element) {
-    const Json* name = element.Find("name");
-    return name != nullptr ? name->String() : std::string_view();
-}
 
 // Extensions of a node that show nothing when the node has no object of its own.
 constexpr std::string_view kBareExtensions[] = {
@@ -274,7 +265,7 @@ void SceneBuilder::SetMetadata(std::size_t index, const Json& extras) {
 }
 
 void SceneBuilder::ApplyExtension(std::size_t index) {
-    const Json* extension = Extension(m_document.Elements(Kind::kNode)[index], "ZR_scene");
+    const Json* extension = gltf::FindExtension(m_document.Elements(Kind::kNode)[index], "ZR_scene");
     kernix::NodeModel* node = m_parts.nodes[index];
     const auto named = [&](std::string_view name) {
         return extension->Find(name) != nullptr ? m_parts.nodes[IndexMember(*extension, name)] : nullptr;
@@ -296,7 +287,7 @@ void SceneBuilder::ApplyExtension(std::size_t index) {
 void SceneBuilder::AddAnimations() {
     const auto animations = m_document.Elements(Kind::kAnimation);
     for (std::size_t i = 0; i < animations.size(); ++i) {
-        kernix::AnimationModel* model = m_scene.AddAnimation(kernix::ToUtf16(NameOf(animations[i])));
+        kernix::AnimationModel* model = m_scene.AddAnimation(kernix::ToUtf16(gltf::NameOf(animations[i])));
         model->m_locked = m_animationMarks[i].reason != nullptr;
         m_parts.animations[i] = model;
     }
@@ -304,12 +295,12 @@ void SceneBuilder::AddAnimations() {
 }
 
 void SceneBuilder::AddLayersAndViewports() {
-    const Json* extension = Extension(m_document.Root(), "ZR_scene");
+    const Json* extension = gltf::FindExtension(m_document.Root(), "ZR_scene");
     const Json* layers = extension != nullptr ? extension->Find("layers") : nullptr;
     const Json* viewports = extension != nullptr ? extension->Find("viewports") : nullptr;
     if (layers != nullptr) {
         for (const Json& json : layers->Items()) {
-            kernix::LayerModel* layer = m_scene.AddLayer(std::string(NameOf(json)));
+            kernix::LayerModel* layer = m_scene.AddLayer(std::string(gltf::NameOf(json)));
             m_parts.layers.push_back(layer);
             if (const Json* members = json.Find("nodes"))
                 for (const Json& member : members->Items())
@@ -319,7 +310,7 @@ void SceneBuilder::AddLayersAndViewports() {
     if (viewports == nullptr) return AddDefaultViewport();
     for (const Json& json : viewports->Items()) {
         kernix::ViewportModel* viewport =
-            m_scene.AddViewport(static_cast<int>(IndexMember(json, "kind")), std::string(NameOf(json)));
+            m_scene.AddViewport(static_cast<int>(IndexMember(json, "kind")), std::string(gltf::NameOf(json)));
         m_parts.viewports.push_back(viewport);
         const std::size_t layer = IndexMember(json, "layer", m_parts.layers.size());
         if (layer < m_parts.layers.size()) viewport->m_pLayer = m_parts.layers[layer];

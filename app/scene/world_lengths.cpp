@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/text.h"
+#include "gltf/members.h"
 #include "gltf/walk.h"
 
 namespace zr {
@@ -87,8 +88,7 @@ double LengthFactor(const gltf::Document& document, std::string_view pointer, do
 }
 
 double LengthFactor(const gltf::Document& document, const Json& channel, double scale) {
-    const Json* extensions = channel.Find("target")->Find("extensions");
-    const Json* driven = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
+    const Json* driven = gltf::FindExtension(*channel.Find("target"), "KHR_animation_pointer");
     return driven != nullptr ? LengthFactor(document, driven->Find("pointer")->String(), scale) : 1;
 }
 

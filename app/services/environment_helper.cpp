@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "gltf/members.h"
 #include "host/hdr_helper.h"
 
 namespace zr {
@@ -16,12 +17,6 @@ namespace {
 
 constexpr std::string_view kImageBasedLights = "EXT_lights_image_based";
 
-void EraseExtension(Json& holder, std::string_view name) {
-    Json* extensions = holder.Find("extensions");
-    if (extensions == nullptr || !extensions->EraseMember(name)) return;
-    if (extensions->Members().empty()) holder.EraseMember("extensions");
-}
-
 void EraseName(Json& root, std::string_view list, std::string_view name) {
     Json* names = root.Find(list);
     if (names == nullptr) return;
@@ -30,8 +25,7 @@ void EraseName(Json& root, std::string_view list, std::string_view name) {
 }
 
 void RemoveLights(Document& document, std::vector<std::string>& removed) {
-    Json* extensions = document.Root().Find("extensions");
-    const Json* content = extensions != nullptr ? extensions->Find(kImageBasedLights) : nullptr;
+    const Json* content = gltf::FindExtension(document.Root(), kImageBasedLights);
     if (content == nullptr) return;
     if (const Json* lights = content->Find("lights")) {
         for (const Json& light : lights->Items()) {
@@ -39,8 +33,8 @@ void RemoveLights(Document& document, std::vector<std::string>& removed) {
             removed.emplace_back(name != nullptr ? name->String() : "environment light");
         }
     }
-    EraseExtension(document.Root(), kImageBasedLights);
-    for (Json& scene : document.Elements(Kind::kScene)) EraseExtension(scene, kImageBasedLights);
+    gltf::EraseExtension(document.Root(), kImageBasedLights);
+    for (Json& scene : document.Elements(Kind::kScene)) gltf::EraseExtension(scene, kImageBasedLights);
     EraseName(document.Root(), "extensionsUsed", kImageBasedLights);
     EraseName(document.Root(), "extensionsRequired", kImageBasedLights);
 }
@@ -69,8 +63,7 @@ public:
     explicit View(EnvironmentService& service) : m_service(service) {}
 
     void ClearBackdrop(ChangeRecord*) override {
-        Json* extensions = m_service.m_document->Root().Find("extensions");
-        Json* scene = extensions != nullptr ? extensions->Find("ZR_scene") : nullptr;
+        Json* scene = gltf::FindExtension(m_service.m_document->Root(), "ZR_scene");
         if (scene != nullptr && scene->EraseMember("backdrop")) m_service.m_removed.emplace_back("backdrop");
     }
 

@@ -10,6 +10,7 @@
 #include "app/scene/loaded_scene.h"
 #include "app/scene/name_patterns.h"
 #include "base/text.h"
+#include "gltf/members.h"
 #include "kernix/scene/change_record_model.h"
 #include "kernix/utf.h"
 
@@ -54,8 +55,7 @@ SceneOptions SceneOptionsOf(const CleanOptions& options) {
     sceneOptions.force = true;  // each step decides for itself about what could be referred to
     if (!options.keep.empty() || options.keepNamed || options.keepExtras) {
         sceneOptions.keep = [&options](const gltf::Json& element) -> std::string {
-            const gltf::Json* member = element.Find("name");
-            const std::string_view name = member != nullptr ? member->String() : std::string_view();
+            const std::string_view name = gltf::NameOf(element);
             if (MatchesAny(options.keep, name)) return "kept by name";
             if (options.keepNamed && !name.empty()) return "kept for having a name";
             return options.keepExtras && element.Find("extras") != nullptr ? "kept for its extras" : "";

@@ -7,6 +7,7 @@
 #include "app/scene/mesh_builder.h"
 #include "app/scene/surroundings.h"
 #include "base/text.h"
+#include "gltf/members.h"
 #include "kernix/scene/change_record_model.h"
 
 namespace zr {
@@ -17,8 +18,7 @@ using gltf::Kind;
 namespace {
 
 std::string ElementName(const Document& document, Kind kind, std::size_t index) {
-    const gltf::Json* name = document.Elements(kind)[index].Find("name");
-    return NameOr(name != nullptr ? std::string(name->String()) : std::string(), index);
+    return NameOr(std::string(gltf::NameOf(document.Elements(kind)[index])), index);
 }
 
 std::string WordsFor(const std::string& place) {

@@ -11,6 +11,7 @@
 #include "app/operations/compare/node_matching.h"
 #include "app/operations/compare/track_comparison.h"
 #include "base/text.h"
+#include "gltf/members.h"
 #include "gltf/walk.h"
 
 namespace zr::compare {
@@ -29,25 +30,19 @@ constexpr std::size_t kFewTimes = 64;  // of an animation, where its keys are to
 // The default tolerance, of the scene's size: what rounding to floats leaves along a hierarchy.
 constexpr double kRelativeTolerance = 1e-6;
 
-std::string_view NameOf(const Json& json) {
-    const Json* name = json.Find("name");
-    return name != nullptr ? name->String() : std::string_view();
-}
-
 bool Carries(const Json& node, std::string_view what) {
     if (what != "light") return node.Find(what) != nullptr;
-    const Json* extensions = node.Find("extensions");
-    return extensions != nullptr && extensions->Find("KHR_lights_punctual") != nullptr;
+    return gltf::FindExtension(node, "KHR_lights_punctual") != nullptr;
 }
 
 // Elements of a kind by name, equal names in order; kNone for those without a partner.
 std::vector<std::size_t> PairByName(const Document& a, const Document& b, Kind kind) {
     std::map<std::string_view, std::vector<std::size_t>> byName;
     const auto left = a.Elements(kind), right = b.Elements(kind);
-    for (std::size_t j = right.size(); j-- > 0;) byName[NameOf(right[j])].push_back(j);
+    for (std::size_t j = right.size(); j-- > 0;) byName[gltf::NameOf(right[j])].push_back(j);
     std::vector<std::size_t> partners;
     for (const Json& element : left) {
-        const auto found = byName.find(NameOf(element));
+        const auto found = byName.find(gltf::NameOf(element));
         const bool isThere = found != byName.end() && !found->second.empty();
         partners.push_back(isThere ? found->second.back() : kNone);
         if (isThere) found->second.pop_back();
@@ -126,14 +121,14 @@ private:
             case Kind::kScene:
                 return m_scenes[a] == b;
             case Kind::kVariant:
-                return NameOf(m_a.Elements(kind)[a]) == NameOf(m_b.Elements(kind)[b]);
+                return gltf::NameOf(m_a.Elements(kind)[a]) == gltf::NameOf(m_b.Elements(kind)[b]);
             default:
                 return true;
         }
     }
 
     std::string NodeText(const Document& document, std::size_t node) const {
-        const std::string_view name = NameOf(document.Elements(Kind::kNode)[node]);
+        const std::string_view name = gltf::NameOf(document.Elements(Kind::kNode)[node]);
         return name.empty() ? Join("node ", node) : Join("node \"", name, "\" (/nodes/", node, ")");
     }
     std::string NodeText(std::size_t node) const { return NodeText(m_a, node); }
@@ -216,8 +211,7 @@ private:
             const std::string place = Join("/meshes/", a, "/primitives/", i);
             m_content.Values(left[i]->Find("extras"), right[i]->Find("extras"), nullptr, place + "/extras");
             const auto variants = [](const Json& primitive) {
-                const Json* extensions = primitive.Find("extensions");
-                return extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
+                return gltf::FindExtension(primitive, "KHR_materials_variants");
             };
             const gltf::SchemaNode* schema =
                 gltf::Schema().Find("meshes")->item->Find("primitives")->item.get();
@@ -231,7 +225,8 @@ private:
         std::vector<bool> taken(m_b.Elements(kind).size(), false);
         for (std::size_t i = 0; i < partners.size(); ++i) {
             if (partners[i] == kNone) {
-                Structure(Join(noun, " \"", NameOf(m_a.Elements(kind)[i]), "\" is only in the first scene"));
+                Structure(
+                    Join(noun, " \"", gltf::NameOf(m_a.Elements(kind)[i]), "\" is only in the first scene"));
                 continue;
             }
             taken[partners[i]] = true;
@@ -239,7 +234,8 @@ private:
         }
         for (std::size_t j = 0; j < taken.size(); ++j)
             if (!taken[j])
-                Structure(Join(noun, " \"", NameOf(m_b.Elements(kind)[j]), "\" is only in the second scene"));
+                Structure(
+                    Join(noun, " \"", gltf::NameOf(m_b.Elements(kind)[j]), "\" is only in the second scene"));
     }
 
     void CompareRanges(std::size_t a, std::size_t b) {

@@ -8,6 +8,7 @@
 
 #include "base/text.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 #include "gltf/uri.h"
 #include "gltf/walk.h"
 
@@ -204,8 +205,7 @@ const std::string& Canonical::Of(Kind kind, std::size_t index) {
 
 std::string Canonical::NameOf(const gltf::Target& target) const {
     const auto elements = m_document.Elements(target.kind);
-    const Json* name = target.index < elements.size() ? elements[target.index].Find("name") : nullptr;
-    return name != nullptr ? std::string(name->String()) : std::string();
+    return target.index < elements.size() ? std::string(gltf::NameOf(elements[target.index])) : std::string();
 }
 
 void Canonical::Write(const Json& json, const SchemaNode* schema, std::string_view name, std::string& text) {

@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 
 namespace zr::compare {
 
@@ -117,9 +118,8 @@ std::string KeyOf(const Json& primitive) {
     add(*primitive.Find("attributes"));
     if (const Json* targets = primitive.Find("targets"))
         for (const Json& target : targets->Items()) add(target);
-    if (const Json* extensions = primitive.Find("extensions"))
-        if (const Json* packed = extensions->Find("KHR_draco_mesh_compression"))
-            key += Join(" packed ", IndexMember(*packed, "bufferView"));
+    if (const Json* packed = gltf::FindExtension(primitive, "KHR_draco_mesh_compression"))
+        key += Join(" packed ", IndexMember(*packed, "bufferView"));
     return key;
 }
 
@@ -199,8 +199,7 @@ std::shared_ptr<const Primitive> Drawn::ReadPrimitive(std::size_t mesh, std::siz
 }
 
 void Drawn::AddInstances(const Json& node, Part part) {
-    const Json* extensions = node.Find("extensions");
-    const Json* instancing = extensions != nullptr ? extensions->Find("EXT_mesh_gpu_instancing") : nullptr;
+    const Json* instancing = gltf::FindExtension(node, "EXT_mesh_gpu_instancing");
     const Json* attributes = instancing != nullptr ? instancing->Find("attributes") : nullptr;
     if (attributes == nullptr || attributes->Members().empty()) {
         m_parts.push_back(std::move(part));

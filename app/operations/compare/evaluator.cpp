@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "base/text.h"
+#include "gltf/members.h"
 #include "gltf/walk.h"
 
 namespace zr::compare {
@@ -61,8 +62,7 @@ std::optional<Driven> DrivenBy(const Json& target) {
         if (!path || target.Find("node") == nullptr) return std::nullopt;
         return Driven{*path, IndexMember(target, "node"), {}};
     }
-    const Json* extensions = target.Find("extensions");
-    const Json* extension = extensions != nullptr ? extensions->Find("KHR_animation_pointer") : nullptr;
+    const Json* extension = gltf::FindExtension(target, "KHR_animation_pointer");
     if (extension == nullptr) return std::nullopt;
     const std::string_view pointer = extension->Find("pointer")->String();
     const auto element = gltf::PointerTarget(pointer);
@@ -135,7 +135,7 @@ void Evaluator::ReadOrder() {
 
 void Evaluator::ReadAnimation(const Json& json, std::size_t index) {
     Animation animation;
-    if (const Json* name = json.Find("name")) animation.name = name->String();
+    animation.name = gltf::NameOf(json);
     const Json* channels = json.Find("channels");
     const auto items = channels != nullptr ? channels->Items() : std::span<const Json>();
     bool isFirst = true;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/operations/compare/content.h"
+#include "gltf/members.h"
 
 namespace zr::compare {
 
@@ -16,8 +17,7 @@ using gltf::Kind;
 namespace {
 
 std::string NameOf(const Document& document, std::size_t material) {
-    const Json* name = document.Elements(Kind::kMaterial)[material].Find("name");
-    return name != nullptr ? std::string(name->String()) : std::string();
+    return std::string(gltf::NameOf(document.Elements(Kind::kMaterial)[material]));
 }
 
 class MaterialMatcher {

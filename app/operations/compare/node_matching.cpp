@@ -9,6 +9,7 @@
 
 #include "app/operations/compare/content.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 
 namespace zr::compare {
 
@@ -51,8 +52,7 @@ public:
     }
 
     std::string_view Name(std::size_t node) const {
-        const Json* name = m_document.Elements(Kind::kNode)[node].Find("name");
-        return name != nullptr ? name->String() : std::string_view();
+        return gltf::NameOf(m_document.Elements(Kind::kNode)[node]);
     }
     const std::vector<std::size_t>& Children(std::size_t node) const { return m_children[node]; }
     Digest Own(std::size_t node) const { return m_own[node]; }      // names left out

@@ -7,6 +7,7 @@
 #include "app/operations/decode/compressed_data.h"
 #include "base/text.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 
 namespace zr {
 
@@ -147,9 +148,7 @@ std::vector<std::string> DecodeDraco(gltf::Document& document) {
     for (std::size_t i = 0; i < meshes.size(); ++i) {
         const auto primitives = meshes[i].Find("primitives")->Items();
         for (std::size_t k = 0; k < primitives.size(); ++k) {
-            const Json* extensions = primitives[k].Find("extensions");
-            const Json* packed =
-                extensions != nullptr ? extensions->Find("KHR_draco_mesh_compression") : nullptr;
+            const Json* packed = gltf::FindExtension(primitives[k], "KHR_draco_mesh_compression");
             if (packed != nullptr && !decoder.Decode(primitives[k], *packed))
                 unread.push_back(
                     Join("/meshes/", i, "/primitives/", k, "/extensions/KHR_draco_mesh_compression"));

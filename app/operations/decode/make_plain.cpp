@@ -6,6 +6,7 @@
 #include "app/operations/decode/compressed_data.h"
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
+#include "gltf/members.h"
 
 namespace zr {
 
@@ -21,14 +22,6 @@ namespace {
 
 constexpr unsigned kVertexTarget = 34962;
 constexpr unsigned kIndexTarget = 34963;
-
-// Takes an extension out of an element, with the object that this empties.
-bool EraseExtension(Json& element, std::string_view name) {
-    Json* extensions = element.Find("extensions");
-    if (extensions == nullptr || !extensions->EraseMember(name)) return false;
-    if (extensions->Members().empty()) element.EraseMember("extensions");
-    return true;
-}
 
 class PlainWriter {
 public:
@@ -52,7 +45,6 @@ public:
     }
 
 private:
-    static constexpr std::string_view kMeshopt[] = {"EXT_meshopt_compression", "KHR_meshopt_compression"};
     static constexpr std::string_view kDraco = "KHR_draco_mesh_compression";
     static constexpr std::string_view kQuantization = "KHR_mesh_quantization";
 
@@ -60,18 +52,14 @@ private:
     bool Goes(std::string_view name) const {
         if (name == kQuantization) return true;
         if (name == kDraco) return !m_dracoLeft;
-        return !m_meshoptLeft &&
-               std::find(std::begin(kMeshopt), std::end(kMeshopt), name) != std::end(kMeshopt);
+        return !m_meshoptLeft && std::find(std::begin(gltf::kMeshopt), std::end(gltf::kMeshopt), name) !=
+                                     std::end(gltf::kMeshopt);
     }
 
     void Views() {
         const std::size_t count = m_document.Elements(Kind::kBufferView).size();
         for (std::size_t i = 0; i < count; ++i) {
-            const Json* extensions = m_document.Elements(Kind::kBufferView)[i].Find("extensions");
-            if (extensions == nullptr ||
-                std::none_of(std::begin(kMeshopt), std::end(kMeshopt),
-                             [&](auto name) { return extensions->Find(name) != nullptr; }))
-                continue;
+            if (gltf::FindMeshopt(m_document.Elements(Kind::kBufferView)[i]) == nullptr) continue;
             if (!m_document.ViewBytes(i)) {
                 m_meshoptLeft = true;
                 continue;
@@ -79,8 +67,8 @@ private:
             m_changed = true;
             if (m_document.IsSuppliedView(i))
                 TakePlace(Kind::kBufferView, i, m_document.AppendView(*m_document.ViewBytes(i), 0, 0));
-            for (std::string_view name : kMeshopt)
-                EraseExtension(m_document.Elements(Kind::kBufferView)[i], name);
+            for (const std::string_view name : gltf::kMeshopt)
+                gltf::EraseExtension(m_document.Elements(Kind::kBufferView)[i], name);
         }
     }
 
@@ -95,9 +83,7 @@ private:
     }
 
     void Primitive(Json& primitive) {
-        const Json* extensions = primitive.Find("extensions");
-        const bool isPacked = extensions != nullptr && extensions->Find(kDraco) != nullptr;
-        if (isPacked) {
+        if (gltf::FindExtension(primitive, kDraco) != nullptr) {
             if (!Supplied(primitive)) {
                 m_dracoLeft = true;
                 return;
@@ -106,7 +92,7 @@ private:
             for (const JsonMember& member : primitive.Find("attributes")->Members())
                 Store(*member.value.Index(), kVertexTarget);
             if (primitive.Find("indices") != nullptr) Store(IndexMember(primitive, "indices"), kIndexTarget);
-            EraseExtension(primitive, kDraco);
+            gltf::EraseExtension(primitive, kDraco);
         }
         for (const JsonMember& member : primitive.Find("attributes")->Members())
             Dequantize(member.Name(), *member.value.Index());

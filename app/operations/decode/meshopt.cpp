@@ -5,6 +5,7 @@
 
 #include "app/operations/decode/compressed_data.h"
 #include "base/text.h"
+#include "gltf/members.h"
 
 namespace zr {
 
@@ -73,10 +74,9 @@ std::vector<std::string> DecodeMeshopt(gltf::Document& document) {
     std::vector<std::string> unread;
     const auto views = document.Elements(Kind::kBufferView);
     for (std::size_t i = 0; i < views.size(); ++i) {
-        const Json* extensions = views[i].Find("extensions");
-        if (extensions == nullptr || document.ViewBytes(i)) continue;  // a fallback is just as good
-        for (std::string_view name : {"EXT_meshopt_compression", "KHR_meshopt_compression"}) {
-            const Json* packed = extensions->Find(name);
+        if (document.ViewBytes(i)) continue;  // a fallback is just as good
+        for (const std::string_view name : gltf::kMeshopt) {
+            const Json* packed = gltf::FindExtension(views[i], name);
             if (packed == nullptr) continue;
             View view{IndexMember(*packed, "count"),
                       IndexMember(*packed, "byteStride"),

@@ -11,6 +11,7 @@
 
 #include "base/text.h"
 #include "gltf/accessor.h"
+#include "gltf/members.h"
 
 namespace zr::reduce {
 namespace {
@@ -45,11 +46,6 @@ Vec3 Vector(std::span<const float> numbers, std::size_t index) {
 
 Vec3 Sizes(Vec3 v) {
     return {std::abs(v.x), std::abs(v.y), std::abs(v.z)};
-}
-
-const Json* Extension(const Json& element, std::string_view name) {
-    const Json* extensions = element.Find("extensions");
-    return extensions != nullptr ? extensions->Find(name) : nullptr;
 }
 
 class PointFinder {
@@ -100,7 +96,8 @@ private:
 
     void AddNode(std::size_t node) {
         const Json& json = m_document.Elements(Kind::kNode)[node];
-        if (json.Find("camera") != nullptr || Extension(json, "KHR_lights_punctual") != nullptr) Watch(node);
+        if (json.Find("camera") != nullptr || gltf::FindExtension(json, "KHR_lights_punctual") != nullptr)
+            Watch(node);
         const Json* mesh = json.Find("mesh");
         if (mesh == nullptr) return;
         for (const Json& primitive :
@@ -223,7 +220,7 @@ private:
 
     // Where a node's mesh is drawn in the node's space.
     std::vector<Affine> Instances(const Json& node) const {
-        const Json* instancing = Extension(node, "EXT_mesh_gpu_instancing");
+        const Json* instancing = gltf::FindExtension(node, "EXT_mesh_gpu_instancing");
         const Json* attributes = instancing != nullptr ? instancing->Find("attributes") : nullptr;
         if (attributes == nullptr) return {Affine()};
         const auto read = [&](std::string_view name) {
