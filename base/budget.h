@@ -2,12 +2,15 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace zr {
 
 // How much memory may be used for what an input describes, bounded by what the input holds and not by what it
-// claims: either a stated total, or a multiple of the input's size with a floor.
+// claims: either a stated total, or a multiple of the input's size with a floor; never more than a process
+// can hold.
 class Budget {
 public:
     static constexpr std::uint64_t kFloor = std::uint64_t{256} << 20;
@@ -17,7 +20,8 @@ public:
     explicit Budget(std::uint64_t stated = 0) : m_stated(stated) {}
 
     std::uint64_t Total() const {
-        return m_stated != 0 ? m_stated : std::max(kFloor, kForEachByte * m_input);
+        constexpr std::uint64_t kMost = std::numeric_limits<std::ptrdiff_t>::max();
+        return std::min(m_stated != 0 ? m_stated : std::max(kFloor, kForEachByte * m_input), kMost);
     }
     std::uint64_t Left() const { return Total() - std::min(m_taken, Total()); }
 

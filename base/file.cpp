@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "base/error.h"
 #include "base/filesystem.h"
@@ -48,6 +49,7 @@ FileContent ReadFile(const fs::path& path, std::uint64_t limit) {
     if (fs::is_directory(path, status)) Fail(path, "cannot be read", EISDIR);
     const File file(fs::OpenToRead(path));
     if (!file) Fail(path, "cannot be opened", errno);
+    limit = std::min<std::uint64_t>(limit, std::numeric_limits<std::ptrdiff_t>::max());
     const std::uintmax_t stated = fs::file_size(path, status);
     if (!status && stated > limit) FailTooLarge(path, limit);
     std::size_t room = status ? std::size_t{1} << 16 : static_cast<std::size_t>(stated);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -14,7 +15,10 @@ namespace {
 
 // Elements without stored data cost the file nothing, so the memory they would take is bounded separately.
 constexpr std::uint64_t kUnstoredWeight = 4;
-constexpr std::uint64_t kMaxCount = std::uint64_t{1} << 40;  // keeps all products below 2^64
+// Keeps all products below 2^64, and is below the largest number of a 32-bit program, which stands for all
+// beyond.
+constexpr std::uint64_t kMaxCount =
+    std::min<std::uint64_t>(std::uint64_t{1} << 40, std::numeric_limits<std::size_t>::max() - 1);
 
 // A place in an element, turned into text only when there is a fault to report.
 struct Spot {
@@ -62,7 +66,8 @@ public:
         const bool isStored = accessor.Find("bufferView") != nullptr;
         if (isStored) InView(accessor, info, info.count, spot);
         // Each accessor is read at most once, however often its bytes are referred to.
-        m_decoded += info.count * info.shape.Components() * sizeof(float) * (isStored ? 1 : kUnstoredWeight);
+        m_decoded += std::uint64_t{info.count} * info.shape.Components() * sizeof(float) *
+                     (isStored ? 1 : kUnstoredWeight);
         if (m_decoded > m_document.Budget().Total()) Limit(spot.Place("/count"));
         for (std::string_view bound : {"min", "max"}) {
             const Json* values = accessor.Find(bound);

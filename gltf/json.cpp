@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -36,13 +37,14 @@ double Json::Number() const {
 
 std::optional<std::uint64_t> Json::AnyIndex() const {
     if (!IsNumber()) return std::nullopt;
+    constexpr std::uint64_t kMost = std::numeric_limits<std::size_t>::max();
     std::uint64_t value = 0;
     const std::string_view text = Text();
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc() && end == text.data() + text.size()) return value;
+    if (error == std::errc() && end == text.data() + text.size()) return std::min(value, kMost);
     const double number = Number();
     if (!(number >= 0.0 && number <= 9007199254740992.0) || number != std::floor(number)) return std::nullopt;
-    return static_cast<std::uint64_t>(number);
+    return std::min(static_cast<std::uint64_t>(number), kMost);
 }
 
 Json* Json::Find(std::string_view name) {

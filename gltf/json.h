@@ -40,7 +40,7 @@ public:
     std::string_view String() const { return IsString() ? Text() : std::string_view(); }
     std::string_view NumberText() const { return IsNumber() ? Text() : std::string_view(); }
 
-    // A number that is whole and at least 0 (3, also 3.0), else nothing.
+    // A number that is whole and at least 0 (3, also 3.0), as far as std::size_t goes; else nothing.
     std::optional<std::uint64_t> Index() const {
         // Nearly all of them are just a few digits.
         constexpr std::size_t kFewDigits = 9;
