@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/report/page_source.h"
 
+// The names are those of the assembler, which some systems' compilers would put a prefix before.
 extern "C" {
-extern const char zr_report_page[];
-extern const char zr_report_page_end[];
+extern const char zr_report_page[] __asm__("zr_report_page");
+extern const char zr_report_page_end[] __asm__("zr_report_page_end");
 }
 
 namespace zr::report {
