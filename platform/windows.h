@@ -13,6 +13,8 @@
 #include <windows.h>
 // commctrl.h needs windows.h before it.
 #include <commctrl.h>
+// Of old systems; the host has functions of that name.
+#undef GetCurrentTime
 #else
 #include "platform/windows/base.h"
 #include "platform/windows/gdi.h"

@@ -23,20 +23,20 @@ bool IsTurned(const std::u16string& family) {
 }
 
 template <class Tell>
-void Enumerate(HDC dc, const WCHAR* family, Tell&& tell) {
+int CALLBACK Forward(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM tell) {
+    // Vector and bitmap fonts have no outlines; fonts of cubic outlines have no type.
+    constexpr DWORD kRasterOrDevice = 3;
+    if ((type & kRasterOrDevice) == 0)
+        (*reinterpret_cast<const Tell*>(tell))(*reinterpret_cast<const ENUMLOGFONTEXW*>(font));
+    return 1;
+}
+
+template <class Tell>
+void Enumerate(HDC dc, const WCHAR* family, const Tell& tell) {
     LOGFONTW record{};
     record.lfCharSet = DEFAULT_CHARSET;
     if (family) std::copy_n(family, std::size(record.lfFaceName), record.lfFaceName);
-    const FONTENUMPROCW forward = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type,
-                                     LPARAM user) -> int {
-        // Vector and bitmap fonts have no outlines; fonts of cubic outlines have no type.
-        constexpr DWORD kRasterOrDevice = 3;
-        if ((type & kRasterOrDevice) == 0)
-            (*reinterpret_cast<std::remove_reference_t<Tell>*>(user))(
-                *reinterpret_cast<const ENUMLOGFONTEXW*>(font));
-        return 1;
-    };
-    EnumFontFamiliesExW(dc, &record, forward, reinterpret_cast<LPARAM>(&tell), 0);
+    EnumFontFamiliesExW(dc, &record, Forward<Tell>, reinterpret_cast<LPARAM>(&tell), 0);
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 namespace zr {
 namespace {
 
-namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 using test::TemporaryFolder;
 
@@ -26,7 +25,7 @@ TEST(FileTransaction, FilesAppearTogetherOrNotAtAll) {
         files.Add(folder / "old", BytesOf("new"));
         files.AddNew(folder / "a/b/new", BytesOf("new"));
         EXPECT_EQ(folder.NamedFiles(), (Names{"old"}));
-        EXPECT_FALSE(fs::exists(folder / "a"));
+        EXPECT_FALSE(std::filesystem::exists(folder / "a"));
     }
     EXPECT_EQ(folder.Files(), (Names{"old"}));
     EXPECT_EQ(folder.Read("old"), "old");
@@ -57,14 +56,15 @@ TEST(FileTransaction, AFailedCommitLeavesEverythingAsItWas) {
         files.AddNew(folder / "sub/third", BytesOf("new"));
         files.Add(folder / "last", BytesOf("new"));
         // Somebody else is faster.
-        fs::create_directories(folder / taken / "inside");
+        std::filesystem::create_directories(folder / taken / "inside");
         EXPECT_THROW(files.Commit(), Error);
         EXPECT_EQ(folder.Read("first"), "old");
         EXPECT_EQ(folder.Files(), (Names{"first"}));
-        fs::remove_all(folder / taken);
-        EXPECT_EQ(std::distance(fs::directory_iterator(folder / "."), fs::directory_iterator()),
-                  1 + fs::exists(folder / "sub"));
-        fs::remove_all(folder / "sub");
+        std::filesystem::remove_all(folder / taken);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "."),
+                                std::filesystem::directory_iterator()),
+                  1 + std::filesystem::exists(folder / "sub"));
+        std::filesystem::remove_all(folder / "sub");
     };
     for (const char* taken : {"second", "sub/third", "last"}) attempt(taken);
 }

@@ -316,9 +316,9 @@ TEST_F(CleanerDialogTest, LateCallIsDropped) {
 // The call begins in time and outlasts the limit: it counts 0, and the record stays open until it is over.
 TEST_F(CleanerDialogTest, SlowCallCountsNothingAndKeepsTheRecordOpen) {
     bool wasOpen = false;
-    m_cleaner->SetCallLimit(30);
+    m_cleaner->SetCallLimit(200);
     m_cleaner->m_work = [&](int, ChangeRecord* record) {
-        std::this_thread::sleep_for(150ms);
+        std::this_thread::sleep_for(400ms);
         wasOpen = static_cast<kernix::ChangeRecordModel*>(record)->IsOpen();
         return 5;
     };
