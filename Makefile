@@ -115,7 +115,7 @@ dist-linux: all
 	@cpack --config build/release/CPackConfig.cmake -G TGZ >/dev/null
 
 dist-windows: windows
-	@cpack --config build/windows-x64/CPackConfig.cmake >/dev/null
+	@for preset in windows-x64 windows-x86; do cpack --config build/$$preset/CPackConfig.cmake >/dev/null || exit 1; done
 
 # Packages and archive in a bare system. Needs root.
 package-test: package dist-linux
@@ -126,22 +126,23 @@ bare-test:
 	@$(call packages,package)
 	@tools/test-bare demo test
 
-# The program for 64-bit Windows, and the module and its core library for 32 and 64 bit.
+# The program, the module and its core library for Windows, 32 and 64 bit.
 windows-packages:
 	@$(call packages,windows)
 	@tools/debian-source build/debian-sources libpolyclipping re2 meshoptimizer draco
 
 windows: windows-packages
-	@$(call build,windows-x86,,all)
+	@$(call build,windows-x86,-DZR_BUILD_TESTS=OFF,all)
 	@$(call build,windows-x64,-DZR_BUILD_TESTS=OFF,all)
 
-# The 64-bit tests, under Wine; those of the commands are this system's, and call the program for Windows.
+# Their tests, under Wine; those of the commands are this system's, and call the program for Windows. Needs root.
 windows-test: windows-packages
 	@$(call packages,qt test)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_BUILD_BENCH=OFF,command_tests)
-	@$(call build,windows-x86,,all)
+	@$(call build,windows-x86,-DZR_BUILD_TESTS=ON,all)
 	@$(call build,windows-x64,-DZR_BUILD_TESTS=ON,all)
-	@sh tests/module/resources/check_dll.sh i686-w64-mingw32-objdump build/windows-x86/bin/zrtools.dll .
+	@tools/wine32-root build/wine32
+	@ZR_WINE32=$(CURDIR)/build/wine32 tools/with-wine ctest --preset windows-x86
 	@tools/with-wine ctest --preset windows-x64
 
 clean:
