@@ -41,14 +41,14 @@ public:
                 std::copy(place.begin(), place.end(), transform.begin() + 12);
                 return transform;
             };
-            const auto mesh =
-                Split(node, {"mesh", "skin", "weights"}, {"EXT_mesh_gpu_instancing"}, placed(kExchange));
+            const auto mesh = Split(node, kMeshMembers, placed(kExchange));
             if (mesh) m_meshNodes[node] = *mesh;
-            const auto aimed = Split(node, {"camera"}, {"KHR_lights_punctual"}, placed(kTurn));
+            const auto aimed = Split(node, kAimMembers, placed(kTurn));
             if (!aimed) continue;
             m_aimNodes[node] = *aimed;
             // The target of a camera or light moves with it.
-            MoveExtension(node, Element(Kind::kNode, *aimed), "ZR_scene", "target");
+            if (const auto target = TakeMember(Element(Kind::kNode, node), kTargetMember))
+                PutMember(m_tree, Element(Kind::kNode, *aimed), kTargetMember, *target);
         }
         for (const std::size_t skin : m_skins) FlipSkin(skin);
         FollowMembers(m_document, kMeshMembers, m_meshNodes);
@@ -73,7 +73,8 @@ private:
     // Exchanges the axes of a node's pivot. Where the object of the node stands: a pivot of the object alone
     // has no object left at the node and is taken away.
     std::array<float, 3> FlipPivot(std::size_t node) {
-        Json* own = gltf::FindExtension(Element(Kind::kNode, node), "ZR_scene");
+        Json& json = Element(Kind::kNode, node);
+        Json* own = gltf::FindExtension(json, "ZR_scene");
         Json* pivot = own != nullptr ? own->Find("pivot") : nullptr;
         if (pivot == nullptr) return {};
         std::swap(pivot->Items()[1], pivot->Items()[2]);
@@ -81,61 +82,23 @@ private:
         if (group != nullptr && group->Bool()) return {};
         std::array<float, 3> place;
         for (std::size_t i = 0; i < 3; ++i) place[i] = 0 - static_cast<float>(pivot->Items()[i].Number());
-        own->EraseMember("pivot");
-        own->EraseMember("pivotGroup");
-        EraseEmpty(node, "ZR_scene");
+        TakeMember(json, kPivotMember);
+        TakeMember(json, kPivotGroupMember);
         return place;
     }
 
-    // Moves members and extensions of a node, if it has any of them, to a new child with the transform.
-    std::optional<std::size_t> Split(std::size_t node, std::initializer_list<std::string_view> members,
-                                     std::initializer_list<std::string_view> extensions,
+    // Moves members of a node, if it has any of them, to a new child with the transform.
+    std::optional<std::size_t> Split(std::size_t node, std::span<const std::string_view> members,
                                      const Transform& transform) {
-        Json content = JsonTree::MakeObject();
-        for (const std::string_view name : members) Move(Element(Kind::kNode, node), content, name);
-        for (const std::string_view name : extensions) MoveExtension(node, content, name, {});
-        if (content.Members().empty()) return std::nullopt;
+        const auto child = SplitMembers(m_document, node, members);
+        if (!child) return std::nullopt;
+        Json& content = Element(Kind::kNode, *child);
         if (const Json* skin = content.Find("skin")) m_skins.insert(static_cast<std::size_t>(*skin->Index()));
         m_tree.Member(content, "matrix") = m_tree.MakeNumbers(transform);
-        const std::size_t child = m_document.Append(Kind::kNode, content);
         Json& list = m_tree.Member(Element(Kind::kNode, node), "children");
         if (!list.IsArray()) list = JsonTree::MakeArray();
-        m_tree.Append(list, m_tree.MakeIndex(child));
+        m_tree.Append(list, m_tree.MakeIndex(*child));
         return child;
-    }
-
-    void Move(Json& from, Json& to, std::string_view name) {
-        const Json* member = from.Find(name);
-        if (member == nullptr) return;
-        const Json value = *member;
-        from.EraseMember(name);
-        m_tree.Member(to, name) = value;
-    }
-
-    // member: of the extension; empty for all of it.
-    void MoveExtension(std::size_t node, Json& content, std::string_view name, std::string_view member) {
-        Json* extension = gltf::FindExtension(Element(Kind::kNode, node), name);
-        if (extension == nullptr || (!member.empty() && extension->Find(member) == nullptr)) return;
-        Json& to = m_tree.Member(content, "extensions");
-        if (!to.IsObject()) to = JsonTree::MakeObject();
-        if (member.empty()) {
-            Move(*Element(Kind::kNode, node).Find("extensions"), to, name);
-        } else {
-            Json& part = m_tree.Member(to, name);
-            part = JsonTree::MakeObject();
-            Move(*extension, part, member);
-        }
-        EraseEmpty(node, name);
-    }
-
-    // Erases an extension that is left without members, and then the list of extensions.
-    void EraseEmpty(std::size_t node, std::string_view name) {
-        Json& json = Element(Kind::kNode, node);
-        const Json* extension = gltf::FindExtension(json, name);
-        if (extension != nullptr && extension->Members().empty())
-            gltf::EraseExtension(json, name);
-        else if (json.Find("extensions")->Members().empty())
-            json.EraseMember("extensions");
     }
 
     void FlipSkin(std::size_t index) {

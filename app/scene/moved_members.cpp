@@ -33,12 +33,50 @@ const gltf::Json* FindMember(const gltf::Json& node, std::string_view member) {
     const std::size_t slash = member.find('/');
     if (slash == std::string_view::npos) return node.Find(member);
     const gltf::Json* holder = node.Find(member.substr(0, slash));
-    return holder != nullptr ? holder->Find(member.substr(slash + 1)) : nullptr;
+    return holder != nullptr ? FindMember(*holder, member.substr(slash + 1)) : nullptr;
 }
 
 bool HasObject(const gltf::Json& node) {
     return std::any_of(std::begin(kObjectMembers), std::end(kObjectMembers),
                        [&](std::string_view member) { return FindMember(node, member) != nullptr; });
+}
+
+std::optional<gltf::Json> TakeMember(gltf::Json& node, std::string_view member) {
+    const std::size_t slash = member.find('/');
+    const std::string_view name = member.substr(0, slash);
+    gltf::Json* found = node.Find(name);
+    if (found == nullptr) return std::nullopt;
+    std::optional<gltf::Json> taken;
+    if (slash == std::string_view::npos) {
+        taken = *found;
+    } else {
+        taken = TakeMember(*found, member.substr(slash + 1));
+        if (!taken || !found->Members().empty()) return taken;
+    }
+    node.EraseMember(name);
+    return taken;
+}
+
+void PutMember(gltf::JsonTree& tree, gltf::Json& node, std::string_view member, const gltf::Json& value) {
+    const std::size_t slash = member.find('/');
+    gltf::Json& found = tree.Member(node, member.substr(0, slash));
+    if (slash == std::string_view::npos) {
+        found = value;
+        return;
+    }
+    if (!found.IsObject()) found = gltf::JsonTree::MakeObject();
+    PutMember(tree, found, member.substr(slash + 1), value);
+}
+
+std::optional<std::size_t> SplitMembers(gltf::Document& document, std::size_t node,
+                                        std::span<const std::string_view> members) {
+    gltf::Json content = gltf::JsonTree::MakeObject();
+    for (const std::string_view member : members) {
+        if (const auto value = TakeMember(document.Elements(gltf::Kind::kNode)[node], member))
+            PutMember(document.Tree(), content, member, *value);
+    }
+    if (content.Members().empty()) return std::nullopt;
+    return document.Append(gltf::Kind::kNode, content);
 }
 
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,

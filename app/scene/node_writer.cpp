@@ -2,12 +2,10 @@
 #include "app/scene/node_writer.h"
 
 #include <algorithm>
-#include <optional>
 #include <span>
 #include <unordered_map>
 
 #include "app/scene/moved_members.h"
-#include "gltf/members.h"
 
 namespace zr {
 
@@ -28,7 +26,7 @@ public:
         while (m_document.Elements(Kind::kNode).size() < count)
             m_document.Append(Kind::kNode, JsonTree::MakeObject());
         for (const DroppedMembers& dropped : m_changes.dropped)
-            for (const std::string_view name : dropped.members) Take(dropped.node, name);
+            for (const std::string_view name : dropped.members) TakeMember(NodeAt(dropped.node), name);
         for (const MovedObject& moved : m_changes.movedObjects) MoveObject(moved);
         for (const ChangedNode& node : m_changes.nodes) Write(node);
         WriteRoots();
@@ -42,36 +40,10 @@ public:
 private:
     Json& NodeAt(std::size_t index) { return m_document.Elements(Kind::kNode)[index]; }
 
-    Json& ObjectMember(Json& json, std::string_view name) {
-        Json& member = m_tree.Member(json, name);
-        if (!member.IsObject()) member = JsonTree::MakeObject();
-        return member;
-    }
-
-    // Takes the member out of the node; nothing where it has none.
-    std::optional<Json> Take(std::size_t index, std::string_view name) {
-        const Json* member = FindMember(NodeAt(index), name);
-        if (member == nullptr) return std::nullopt;
-        const Json value = *member;
-        if (!name.starts_with(kInExtensions)) {
-            NodeAt(index).EraseMember(name);
-            return value;
-        }
-        gltf::EraseExtension(NodeAt(index), name.substr(kInExtensions.size()));
-        return value;
-    }
-
     void MoveObject(const MovedObject& moved) {
-        for (std::string_view name : kObjectMembers) {
-            const auto value = Take(moved.from, name);
-            if (!value) continue;
-            Json& target = NodeAt(moved.to);
-            if (!name.starts_with(kInExtensions)) {
-                m_tree.Member(target, name) = *value;
-                continue;
-            }
-            name.remove_prefix(kInExtensions.size());
-            m_tree.Member(ObjectMember(target, "extensions"), name) = *value;
+        for (const std::string_view name : kObjectMembers) {
+            if (const auto value = TakeMember(NodeAt(moved.from), name))
+                PutMember(m_tree, NodeAt(moved.to), name, *value);
         }
     }
 
@@ -82,8 +54,7 @@ private:
             m_tree.Member(NodeAt(node.index), "name") = m_tree.MakeString(*node.name);
         if (node.dropsPivots) DropPivots(NodeAt(node.index));
         if (node.target) {
-            Json& own = ObjectMember(ObjectMember(NodeAt(node.index), "extensions"), "ZR_scene");
-            m_tree.Member(own, "target") = m_tree.MakeIndex(*node.target);
+            PutMember(m_tree, NodeAt(node.index), kTargetMember, m_tree.MakeIndex(*node.target));
             m_document.UseExtension("ZR_scene", false);
         }
         NodeAt(node.index).EraseMember("children");
@@ -109,10 +80,8 @@ private:
     }
 
     static void DropPivots(Json& node) {
-        Json* own = gltf::FindExtension(node, "ZR_scene");
-        if (own == nullptr) return;
-        for (const std::string_view name : {"pivot", "pivotGroup", "objectOffset"}) own->EraseMember(name);
-        if (own->Members().empty()) gltf::EraseExtension(node, "ZR_scene");
+        for (const std::string_view member : {kPivotMember, kPivotGroupMember, kObjectOffsetMember})
+            TakeMember(node, member);
     }
 
     Json Indices(const std::vector<std::size_t>& indices) {
