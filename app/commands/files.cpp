@@ -7,8 +7,10 @@
 #include <system_error>
 #include <vector>
 
+#include "app/commands/refusals.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
+#include "app/scene/loaded_scene.h"
 #include "base/budget.h"
 #include "base/error.h"
 #include "base/fatal_signals.h"
@@ -101,6 +103,13 @@ void OutputTarget::Finish() {
 
 std::uint64_t SaveDocument(gltf::Document& document, OutputTarget& out) {
     return document.Save(out.Path(), out.Files());
+}
+
+void SaveScene(LoadedScene&& scene, OutputTarget& out, Report& report) {
+    WrittenBack written = std::move(scene).WriteBackAndCollect();
+    for (const std::string& line : RefusalLines("unused content", written.refusals))
+        report.notes.push_back(line);
+    SaveDocument(written.document, out);
 }
 
 }  // namespace zr

@@ -12,6 +12,7 @@
 
 namespace zr {
 
+class LoadedScene;
 class Session;
 struct Report;
 
@@ -57,5 +58,9 @@ private:
 
 // Writes the document, which is spent, for the target's Commit: the bytes of all its files. Throws Error.
 std::uint64_t SaveDocument(gltf::Document& document, OutputTarget& out);
+
+// The same for the document of a scene, without the data that only what went from it had used. What keeps
+// such data is added to the report's notes. Throws Error.
+void SaveScene(LoadedScene&& scene, OutputTarget& out, Report& report);
 
 }  // namespace zr

@@ -70,8 +70,7 @@ public:
         } else {
             Tell(loaded, "brought", chosen, report);
         }
-        gltf::Document document = std::move(loaded).WriteBack();
-        SaveDocument(document, out);
+        SaveScene(std::move(loaded), out, report);
         out.Commit(m_session);
         if (!m_arguments.page.empty()) {
             WritePage(m_arguments.page, task.output,

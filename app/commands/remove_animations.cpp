@@ -46,8 +46,7 @@ int RunRemove(Session& session, const RemoveArguments& arguments) {
         arguments.unused ? UnusedAnimations(host, loaded.Scene()) : ChooseAnimations(loaded.Scene(), names);
     const auto held = RemoveAnimations(host, loaded, chosen);
     if (!held.empty() && !arguments.unused) throw std::runtime_error("cannot remove " + held.front());
-    gltf::Document document = std::move(loaded).WriteBack();
-    SaveDocument(document, out);
+    SaveScene(std::move(loaded), out, report);
     report.Note("kept", held);
     report.Line("removed " + Counted(chosen.size() - held.size(), "animation"));
     report.json.Set("input", arguments.scene).Set("output", arguments.out);

@@ -17,7 +17,6 @@
 #include "app/operations/animations/split_animation.h"
 #include "base/file.h"
 #include "base/text.h"
-#include "gltf/collect.h"
 #include "kernix/utf.h"
 
 namespace zr {
@@ -93,8 +92,7 @@ Report SplitInPlace(Session& session, const SplitArguments& arguments) {
         report.Line(summary.Text());
         list.Append(summary.Json());
     }
-    gltf::Document document = std::move(loaded).WriteBack();
-    SaveDocument(document, out);
+    SaveScene(std::move(loaded), out, report);
     report.json.Set("input", arguments.scene).Set("output", arguments.out).Set("animations", list);
     out.Commit(session);
     if (!arguments.page.empty()) {
@@ -134,13 +132,10 @@ Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
         Animations others = AnimationsOf(loaded.Scene());
         std::erase(others, parts[i]);
         own.Note("kept", RemoveAnimations(session.GetHost(), loaded, others));
-        if (i == 0) report.notes = own.notes;
-        gltf::Document document = std::move(loaded).WriteBack();
-        constexpr gltf::KindSet kData{gltf::Kind::kAccessor, gltf::Kind::kBufferView, gltf::Kind::kBuffer};
-        gltf::CollectGarbage(document, kData, false);
         OutputTarget out(session, file, "");
-        SaveDocument(document, out);
+        SaveScene(std::move(loaded), out, own);
         out.Commit(session);
+        if (i == 0) report.notes = own.notes;
     }
     report.json.Set("input", arguments.scene).Set("output", arguments.outDir).Set("animations", list);
     return report;

@@ -36,4 +36,11 @@ gltf::Document LoadedScene::WriteBack() && {
     return std::move(*m_document);
 }
 
+WrittenBack LoadedScene::WriteBackAndCollect() && {
+    DocumentChanges changes = ChangesOf(*this);
+    changes.takesWhatItLeaves = true;
+    std::vector<gltf::OpaqueUse> refusals = WriteDocument(*m_document, changes);
+    return {std::move(*m_document), std::move(refusals)};
+}
+
 }  // namespace zr

@@ -13,6 +13,7 @@
 #include "app/scene/document_curves.h"
 #include "app/scene/node_layout.h"
 #include "gltf/document.h"
+#include "gltf/references.h"
 #include "host/ref.h"
 #include "kernix/scene/scene_model.h"
 
@@ -91,6 +92,12 @@ struct SceneParts {
     std::vector<std::uint32_t> nodeIndices;  // of the scene's nodes by their number: in the document
 };
 
+// A document that its scene was written back into.
+struct WrittenBack {
+    gltf::Document document;
+    std::vector<gltf::OpaqueUse> refusals;  // why what the changes left unused stays in it
+};
+
 // A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
 // scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys
 // are read from the document on first use.
@@ -129,6 +136,8 @@ public:
     // Throws gltf::Error, also (unless SceneOptions::force) when an element goes that something which cannot
     // be followed could refer to.
     gltf::Document WriteBack() &&;
+    // The same without the data that only what went had used.
+    WrittenBack WriteBackAndCollect() &&;
 
 private:
     std::unique_ptr<gltf::Document> m_document;  // keeps its address when the scene is moved

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An export writes nothing that it made useless, and keeps what was useless before.
+// A command writes nothing that it made useless, and keeps what was useless before.
 #include <gtest/gtest.h>
 
 #include "app/operations/export/export_scene.h"
@@ -92,6 +92,22 @@ TEST(Leftovers, WhatWasUselessBeforeStays) {
     std::size_t bytes = 0;
     for (const Json& buffer : again.Elements(Kind::kBuffer)) bytes += gltf::IndexMember(buffer, "byteLength");
     EXPECT_EQ(bytes, 8U + 24 + 24 + 8);
+}
+
+TEST(Leftovers, RemovedAnimationsTakeTheirKeysAlong) {
+    const auto removeFrom = [](Document document) {
+        LoadedScene loaded(std::move(document));
+        loaded.Scene().DeleteAnimation(loaded.Animation(0));
+        return std::move(loaded).WriteBackAndCollect();
+    };
+    WrittenBack written = removeFrom(Scene(""));
+    EXPECT_TRUE(written.refusals.empty());
+    EXPECT_EQ(written.document.Elements(Kind::kAccessor).size(), 1U) << "useless before, it stays";
+    EXPECT_EQ(written.document.Elements(Kind::kBuffer).size(), 1U);
+
+    written = removeFrom(Scene(R"("extensionsUsed": ["ODD_x"], "extensions": {"ODD_x": {"accessor": 0}},)"));
+    EXPECT_EQ(written.refusals.size(), 1U);
+    EXPECT_EQ(written.document.Elements(Kind::kAccessor).size(), 4U);
 }
 
 TEST(Leftovers, AnUnknownExtensionThatMayReferToThemKeepsThem) {
