@@ -16,6 +16,7 @@
 #include "app/operations/animations/animation_choice.h"
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/keep_scene.h"
+#include "app/operations/export/split_aims.h"
 #include "base/text.h"
 
 namespace zr {
@@ -70,6 +71,7 @@ public:
                 report.Note(task.input, {Join("scene ", *scene, " alone is exported, ",
                                               Counted(count - 1, "other scene"), " left out")});
         }
+        SplitAims(document, m_options);
         SceneOptions sceneOptions = SceneOptionsOf(m_options, !wantsRecords);
         sceneOptions.force = m_arguments.Force();
         sceneOptions.progress = [&](double done) { advance(kLoaded + (kSceneMade - kLoaded) * done); };

@@ -10,6 +10,7 @@
 #include "app/commands/reduction.h"
 #include "app/commands/session.h"
 #include "app/operations/export/export_scene.h"
+#include "app/operations/export/split_aims.h"
 
 namespace zr {
 namespace {
@@ -24,6 +25,7 @@ Exported WithoutRedundantKeys(Session& session, gltf::Document document, const A
     ExportOptions options;
     options.exportFlags |= vl::tk::kMergeKeys;
     options.keepsCurves = true;
+    SplitAims(document, options);
     return ExportScene(session.GetHost(), LoadedScene(std::move(document), SceneOptionsOf(options, true)),
                        options, advance);
 }

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "app/operations/export/export_scene.h"
+#include "app/operations/export/split_aims.h"
 #include "app/scene/curves.h"
 #include "app/scene/flip_objects.h"
 #include "app/services/rename_rules.h"
@@ -104,6 +105,39 @@ TEST(ExportedAim, FollowsTheTarget) {
                 EXPECT_NEAR(-camera.m[2][i], to[i] / distance, 0.003) << "step " << step;
         }
     }
+}
+
+// What stands below a camera or light that aims, or shares its node, does not turn with it.
+TEST(ExportedAim, TurnsNothingElse) {
+    gltf::Document document =
+        gltf::test::FromText(R"({"asset": {"version": "2.0"}, "extensionsUsed": ["ZR_scene"],
+            "scenes": [{"nodes": [0, 1, 2, 5]}], "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}],
+            "extensions": {"KHR_lights_punctual": {"lights": [{"type": "spot"}]}},
+            "skins": [{"joints": [5]}], "meshes": [{"primitives": [{"attributes": {}}]}],
+            "nodes": [{"translation": [0, 0, -9]},
+                {"camera": 0, "children": [3], "extensions": {"ZR_scene": {"target": 0}}},
+                {"camera": 0, "extensions": {"KHR_lights_punctual": {"light": 0}, "ZR_scene": {"target": 0}}},
+                {"name": "held", "translation": [1, 2, 3], "children": [4]}, {"mesh": 0, "skin": 0},
+                {"extensions": {"KHR_lights_punctual": {"light": 0},
+                                "ZR_scene": {"target": 0, "pivot": [1, 0, 0], "pivotGroup": true}}}]})");
+    ExportOptions options;
+    SplitAims(document, options);
+    ASSERT_EQ(document.Elements(Kind::kNode).size(), 9u);
+    LoadedScene loaded(std::move(document));
+    auto* track =
+        loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"pass"));
+    track->AddPosition(0)->m_value = {-3, 0, -9};
+    track->AddPosition(2)->m_value = {3, 1, -9};
+    Exported exported = Export(loaded, options);
+    EXPECT_LT(exported.report.deviation, 1e-3);
+    LoadedScene after = Reloaded(exported);
+    after.Scene().SetCurrentTime(1.5F, 1);
+    EXPECT_EQ(World(after.Node(3)).m[3][0], 1);
+    for (const std::size_t aimed : {6U, 7U, 8U}) {
+        EXPECT_LT(World(after.Node(aimed)).m[0][0], 0.999) << "node " << aimed << " turns";
+    }
+    EXPECT_TRUE(World(after.Node(1)).IsIdentity(1e-6));
+    EXPECT_TRUE(World(after.Node(2)).IsIdentity(1e-6));
 }
 
 // A target record that has no node of its own becomes a node with the motion that was sampled for it.
