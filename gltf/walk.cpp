@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/walk.h"
 
+#include "gltf/kind_by_name.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -20,13 +22,6 @@ const SchemaNode& TextureInfo() {
         return built;
     }();
     return node;
-}
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return lower;
 }
 
 class Walker {
@@ -141,23 +136,6 @@ private:
     const SchemaNode* m_materialsSchema = Schema().Find("materials");
     int m_materials = 0;
 };
-
-// The kind that a member's name suggests, by the noun it contains.
-std::optional<Kind> KindByName(std::string_view name) {
-    const std::string lower = LowerCase(name);
-    if (lower.find("joint") != std::string::npos || lower.find("bone") != std::string::npos)
-        return Kind::kNode;
-    // The longest noun wins: "bufferView" holds "buffer".
-    std::optional<Kind> found;
-    std::size_t length = 0;
-    for (std::size_t i = 0; i < kKinds; ++i) {
-        const std::string noun = LowerCase(kKindInfo[i].noun);
-        if (noun.size() <= length || lower.find(noun) == std::string::npos) continue;
-        found = static_cast<Kind>(i);
-        length = noun.size();
-    }
-    return found;
-}
 
 void CollectPossible(const Json& value, std::string_view name, KindSet& kinds) {
     if (value.IsNumber() && value.Index()) {

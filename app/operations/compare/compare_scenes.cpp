@@ -8,6 +8,7 @@
 
 #include "app/operations/compare/content.h"
 #include "app/operations/compare/material_classes.h"
+#include "app/operations/compare/material_pairs.h"
 #include "app/operations/compare/node_matching.h"
 #include "app/operations/compare/track_comparison.h"
 #include "base/text.h"
@@ -71,6 +72,7 @@ public:
           m_scenes(PairByName(a, b, Kind::kScene)),
           m_drawnA(m_evaluatorA, InOrder(true)),
           m_drawnB(m_evaluatorB, InOrder(false)),
+          m_materialPairs(PairMaterials(m_materials.classes, UsesOf(m_drawnA), UsesOf(m_drawnB))),
           m_content(
               a, b, options.tolerance.value,
               [this](Kind kind, std::size_t i, std::size_t j) { return AreSame(kind, i, j); },
@@ -108,6 +110,19 @@ private:
         const std::vector<std::size_t>& rest = isA ? m_nodes.onlyA : m_nodes.onlyB;
         nodes.insert(nodes.end(), rest.begin(), rest.end());
         return nodes;
+    }
+
+    // By material, where pairs of nodes draw it; nodes are told by their numbers in the first document.
+    std::vector<Uses> UsesOf(const Drawn& drawn) const {
+        const bool isA = &drawn == &m_drawnA;
+        std::vector<Uses> uses((isA ? m_a : m_b).Elements(Kind::kMaterial).size());
+        for (const Part& part : drawn.Parts()) {
+            const std::size_t node = isA ? part.node : m_nodes.ofB[part.node];
+            if (part.material != kNone && node != kNone)
+                uses[part.material].emplace_back(node, part.primitive);
+        }
+        for (Uses& each : uses) std::sort(each.begin(), each.end());
+        return uses;
     }
 
     bool AreSame(Kind kind, std::size_t a, std::size_t b) const {
@@ -436,14 +451,7 @@ private:
         if (kind == Kind::kNode) return fromA ? m_nodes.ofA[index] : m_nodes.ofB[index];
         if (kind != Kind::kMaterial)
             return fromA ? m_content.PartnerInB(kind, index) : m_content.PartnerInA(kind, index);
-        const std::vector<std::size_t>& from = fromA ? m_materials.classes.ofA : m_materials.classes.ofB;
-        const std::vector<std::size_t>& to = fromA ? m_materials.classes.ofB : m_materials.classes.ofA;
-        // Of several, the one at the same position among them.
-        std::size_t before = 0;
-        for (std::size_t i = 0; i < index; ++i) before += from[i] == from[index];
-        for (std::size_t i = 0; i < to.size(); ++i)
-            if (to[i] == from[index] && before-- == 0) return i;
-        return kNone;
+        return (fromA ? m_materialPairs.ofA : m_materialPairs.ofB)[index];
     }
 
     void ComparePlaces(std::string_view animation, double time) {
@@ -500,6 +508,7 @@ private:
     const MaterialMatching m_materials;
     const std::vector<std::size_t> m_animations, m_scenes;
     const Drawn m_drawnA, m_drawnB;
+    const MaterialPairs m_materialPairs;
     ContentComparison m_content;
     std::set<std::pair<std::size_t, std::size_t>> m_meshes;
     CompareResult m_result;

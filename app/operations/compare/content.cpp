@@ -8,6 +8,7 @@
 
 #include "base/text.h"
 #include "gltf/accessor.h"
+#include "gltf/kind_by_name.h"
 #include "gltf/members.h"
 #include "gltf/uri.h"
 #include "gltf/walk.h"
@@ -310,7 +311,7 @@ void ContentComparison::Values(const Json* a, const Json* b, const SchemaNode* s
     } else if (a->IsNumber() && b->IsNumber()) {
         if (schema != nullptr && schema->rule != nullptr && schema->rule->shape == gltf::Shape::kIndex)
             References(*schema->rule, *a, *b, place);
-        else
+        else if (!MayNameTheSame(*a, *b, place))
             Numbers(a->Number(), b->Number(), place);
     } else if (schema != nullptr && schema->rule != nullptr && gltf::TargetOf(*schema->rule, *a) &&
                gltf::TargetOf(*schema->rule, *b)) {
@@ -318,6 +319,18 @@ void ContentComparison::Values(const Json* a, const Json* b, const SchemaNode* s
     } else if (a->GetType() != b->GetType() || a->String() != b->String()) {
         m_onDifference(place, Join(Shown(a), " and ", Shown(b)), 1);
     }
+}
+
+// Numbers of an unknown extension that by their name could be indices of elements that are the same.
+bool ContentComparison::MayNameTheSame(const Json& a, const Json& b, const std::string& place) const {
+    if (place.find("/extensions/") == std::string::npos) return false;
+    std::string_view name = place;
+    while (name.find_last_not_of("0123456789") == name.rfind('/')) name = name.substr(0, name.rfind('/'));
+    const auto kind = gltf::KindByName(name.substr(name.rfind('/') + 1));
+    if (kind != Kind::kNode && kind != Kind::kMaterial && kind != Kind::kAnimation) return false;
+    const auto i = a.Index(), j = b.Index();
+    return i && j && *i < m_a.Elements(*kind).size() && *j < m_b.Elements(*kind).size() &&
+           m_same(*kind, *i, *j);
 }
 
 void ContentComparison::Members(const Json& a, const Json& b, const SchemaNode* schema,

@@ -70,6 +70,7 @@ private:
                     const std::string& place);
     std::size_t Partner(std::size_t side, gltf::Kind kind, std::size_t index) const;
     void Accessors(std::size_t a, std::size_t b, const std::string& place);
+    bool MayNameTheSame(const gltf::Json& a, const gltf::Json& b, const std::string& place) const;
     void Numbers(double a, double b, const std::string& place);
 
     const gltf::Document& m_a;

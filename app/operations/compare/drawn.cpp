@@ -167,7 +167,7 @@ Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) 
     std::size_t vertices = 0;
     for (const std::size_t node : nodes) {
         const Json& json = document.Elements(Kind::kNode)[node];
-        if (!evaluator.Shown()[node] || json.Find("mesh") == nullptr) continue;
+        if (json.Find("mesh") == nullptr) continue;
         Part part;
         part.node = node;
         part.mesh = IndexMember(json, "mesh");

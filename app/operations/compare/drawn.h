@@ -52,7 +52,7 @@ struct Part {
 // What a document draws. Each primitive is read once, however often it is used.
 class Drawn {
 public:
-    // Lists the parts of all shown nodes, in the order of `nodes`. The evaluator outlives it. Throws
+    // Lists the parts of the nodes, in their order. The evaluator outlives it. Throws
     // gltf::Error.
     Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes);
 

@@ -140,9 +140,9 @@ public:
     }
 
     NodeMatching Run() {
-        Match(Roots(m_a), Roots(m_b));
-        MatchBelow(0);
+        MatchRoots(true);
         MatchMoved();
+        MatchRoots(false);
         for (std::size_t node = 0; node < m_a.Nodes(); ++node)
             if (m_a.Shown()[node] && m_result.ofA[node] == kNone) m_result.onlyA.push_back(node);
         for (std::size_t node = 0; node < m_b.Nodes(); ++node)
@@ -151,11 +151,17 @@ public:
     }
 
 private:
-    static Nodes Roots(const Evaluator& evaluator) {
-        Nodes roots;
-        for (std::size_t node = 0; node < evaluator.Nodes(); ++node)
-            if (evaluator.Parent(node) == kNone && evaluator.Shown()[node]) roots.push_back(node);
-        return roots;
+    void MatchRoots(bool shown) {
+        const auto roots = [shown](const Evaluator& evaluator) {
+            Nodes nodes;
+            for (std::size_t node = 0; node < evaluator.Nodes(); ++node)
+                if (evaluator.Parent(node) == kNone && evaluator.Shown()[node] == shown)
+                    nodes.push_back(node);
+            return nodes;
+        };
+        const std::size_t from = m_result.pairs.size();
+        Match(roots(m_a), roots(m_b));
+        MatchBelow(from);
     }
 
     void MatchBelow(std::size_t from) {

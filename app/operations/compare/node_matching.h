@@ -21,7 +21,8 @@ struct NodeMatching {
 
 // Matches the shown nodes from the roots down: children of a matched pair by name; of one name, those of
 // equal content first, then by their order. What remains without a partner is matched by names that are
-// unique among the remaining nodes of both documents. Linear but for sorting.
+// unique among the remaining nodes of both documents. Nodes outside of the scenes, to which something may
+// refer (levels of detail, joints), are matched as well. Linear but for sorting.
 NodeMatching MatchNodes(const Evaluator& a, const Evaluator& b);
 
 }  // namespace zr::compare

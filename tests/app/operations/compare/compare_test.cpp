@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/operations/compare/compare_scenes.h"
+#include "app/operations/compare/material_pairs.h"
 #include "base/text.h"
 #include "tests/app/operations/compare/scene_plan.h"
 #include "tests/gltf/sample.h"
@@ -214,6 +215,51 @@ TEST(Compare, FindsOneKeyOfThousands) {
     const CompareResult result = compare::CompareScenes(before, Write(plan, random), options);
     EXPECT_FALSE(result.IsSame());
     EXPECT_NEAR(result.node.time, 637.0 / 30, 1e-4);
+}
+
+// Nodes outside of the scenes are known by what refers to them, in known extensions and in others.
+TEST(Compare, ReferencesAreToTheSameWhateverTheirNumbers) {
+    const auto scene = [](const char* nodes, const char* roots) {
+        return gltf::test::FromText(Join(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [)", roots,
+                                         R"(]}], "nodes": [)", nodes, "]}"));
+    };
+    const gltf::Document a = scene(
+        R"({"name": "a", "extensions": {"MSFT_lod": {"ids": [1, 2]}, "X_rig": {"bones": [2], "level": 3}}},
+           {"name": "near", "scale": [2, 2, 2]}, {"name": "far"})",
+        "0");
+    const gltf::Document b = scene(
+        R"({"name": "far"},
+           {"name": "a", "extensions": {"X_rig": {"bones": [0], "level": 3}, "MSFT_lod": {"ids": [2, 0]}}},
+           {"name": "near", "scale": [2, 2, 2]})",
+        "1");
+    EXPECT_TRUE(Compare(a, b).IsSame()) << Differences(Compare(a, b));
+    const auto expectOther = [&](const char* what, const char* nodes) {
+        EXPECT_FALSE(Compare(a, scene(nodes, "1")).IsSame()) << what;
+    };
+    expectOther("levels in another order",
+                R"({"name": "far"},
+           {"name": "a", "extensions": {"X_rig": {"bones": [0], "level": 3}, "MSFT_lod": {"ids": [0, 2]}}},
+           {"name": "near", "scale": [2, 2, 2]})");
+    expectOther("another bone",
+                R"({"name": "far"},
+           {"name": "a", "extensions": {"X_rig": {"bones": [1], "level": 3}, "MSFT_lod": {"ids": [2, 0]}}},
+           {"name": "near", "scale": [2, 2, 2]})");
+    expectOther("a number that is no index",
+                R"({"name": "far"},
+           {"name": "a", "extensions": {"X_rig": {"bones": [0], "level": 2}, "MSFT_lod": {"ids": [2, 0]}}},
+           {"name": "near", "scale": [2, 2, 2]})");
+    expectOther("a level of another size",
+                R"({"name": "far"},
+           {"name": "a", "extensions": {"X_rig": {"bones": [0], "level": 3}, "MSFT_lod": {"ids": [2, 0]}}},
+           {"name": "near", "scale": [2, 2, 3]})");
+}
+
+TEST(MaterialPairs, GoByWhereTheyAreDrawnThenByOrder) {
+    const compare::MaterialPairs pairs =
+        compare::PairMaterials({{0, 0, 2, 0, 0}, {2, 0, 0, 0, 7}}, {{{4, 0}}, {{5, 0}}, {}, {{6, 1}}, {}},
+                               {{}, {{6, 2}}, {{5, 0}}, {{9, 0}}, {{4, 0}}});
+    EXPECT_EQ(pairs.ofA, (std::vector<std::size_t>{3, 2, 0, 1, compare::kNone}));
+    EXPECT_EQ(pairs.ofB, (std::vector<std::size_t>{2, 3, 1, 0, compare::kNone}));
 }
 
 TEST(Compare, TheSampleIsItself) {
