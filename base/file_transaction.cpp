@@ -78,6 +78,16 @@ void OutputFile::Finish() {
     m_isFinished = true;
 }
 
+void OutputFile::CopyTo(std::FILE* stream) {
+    m_buffer.resize(kBuffer);
+    for (std::uint64_t at = 0; at < m_flushed;) {
+        const auto piece = std::span(m_buffer).first(std::min<std::uint64_t>(kBuffer, m_flushed - at));
+        Check(m_file.Read(at, piece));
+        std::fwrite(piece.data(), 1, piece.size(), stream);
+        at += piece.size();
+    }
+}
+
 bool FileTransaction::Has(const fs::path& target) const {
     return m_names.contains(fs::Folded(Identity(Followed(target))));
 }
@@ -175,6 +185,23 @@ void FileTransaction::Commit() {
     EndWork();
     TidyUp();
     if (!folder.empty()) SyncFolder(folder);
+}
+
+void FileTransaction::CommitTo(std::FILE* stream, const fs::path& target) {
+    const auto found = std::find_if(m_files.begin(), m_files.end(),
+                                    [&](const OutputFile& file) { return file.m_target == target; });
+    OutputFile sent = std::move(*found);
+    m_files.erase(found);
+    const fs::path folder = FolderOf(sent.m_name);
+    const bool isAlone = std::none_of(m_files.begin(), m_files.end(), [&](const OutputFile& file) {
+        return FolderOf(file.m_name) == folder;
+    });
+    if (!isAlone)
+        throw Error("standard output", "", "the result needs files beside it and must be written to a file");
+    std::erase(m_missing, folder);
+    sent.Flush();
+    Commit();
+    sent.CopyTo(stream);
 }
 
 void FileTransaction::Undo() noexcept {

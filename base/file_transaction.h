@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <set>
@@ -28,6 +29,7 @@ private:
 
     void Flush();
     void Finish();
+    void CopyTo(std::FILE* stream);
     void Check(std::error_code failure) const;
 
     std::filesystem::path m_target;  // as it was asked for, for messages
@@ -70,6 +72,10 @@ public:
 
     // Throws Error and restores everything when a file cannot be put in place.
     void Commit();
+    // The same, but the content of the file of that name goes to the stream, whose failures are its own, and
+    // no file or folder is made for it. Throws Error, with nothing changed, when others would stand beside
+    // it.
+    void CommitTo(std::FILE* stream, const std::filesystem::path& target);
 
 private:
     OutputFile& Begin(const std::filesystem::path& target, bool isNew);

@@ -27,7 +27,4 @@ std::vector<path> Expanded(const path& file);
 // For reading bytes; null with `errno` where that cannot be done.
 std::FILE* OpenToRead(const path& file);
 
-// A new folder of the user's own where temporary files belong.
-path NewTemporaryFolder(std::error_code& failure);
-
 }  // namespace zr::fs

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <system_error>
 
 #include "base/file.h"
@@ -22,6 +23,8 @@ public:
     // Creates it in an existing folder.
     std::error_code Open(const std::filesystem::path& folder);
     std::error_code Write(std::uint64_t offset, Bytes bytes);
+    // Reads what was written there: all of `bytes`. Not after Finish.
+    std::error_code Read(std::uint64_t offset, std::span<std::byte> bytes);
     // Takes on the permissions of another file.
     std::error_code SetModeOf(const std::filesystem::path& other);
     // Flushes everything to the disk; nothing may be written afterwards.

@@ -59,6 +59,7 @@ public:
         std::optional<OutputTarget> mapTarget;
         if (!m_arguments.RenameMapFile().empty())
             mapTarget.emplace(m_session, m_arguments.RenameMapFile(), ".json");
+        const bool printsMap = m_arguments.RenameMapFile() == kStandardStream;
 
         // Approximate shares of the time.
         constexpr double kLoaded = 0.25, kSceneMade = 0.5, kExported = 0.85;
@@ -82,7 +83,8 @@ public:
         // Paths grow with the depth of the scene, so the map is built only on request.
         std::string map;
         std::string* const wantedMap = mapTarget ? &map : nullptr;
-        OutputFile* const mapFile = mapTarget ? &out.Files().Create(mapTarget->Path()) : nullptr;
+        OutputFile* const mapFile =
+            mapTarget && !printsMap ? &out.Files().Create(mapTarget->Path()) : nullptr;
         MotionReport motion;
         std::vector<report::ClipTime> times;
         std::optional<ReduceReport> reduced;
@@ -116,7 +118,7 @@ public:
             report.json.Set("reduced", JsonOf(*reduced));
         }
         out.Commit(m_session);
-        if (mapTarget) mapTarget->Finish();
+        if (printsMap) std::fwrite(map.data(), 1, map.size(), stdout);
         if (!m_arguments.PageFile().empty())
             WritePage(m_arguments.PageFile(), task.output,
                       [&] { return PageWith(task, motion, std::move(times)); });

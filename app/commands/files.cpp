@@ -56,10 +56,13 @@ gltf::Document LoadDocument(const Session& session, const std::string& name, Rep
     return document;
 }
 
-OutputTarget::OutputTarget(Session& session, const std::string& name, std::string_view ending)
-    : m_ending(ending) {
+OutputTarget::OutputTarget(Session& session, const std::string& name, std::string_view ending) {
     if (name == kStandardStream) {
         session.TakeStandardOutput();
+        m_isStream = true;
+        // Of a folder that nobody has and that is never made: what stands beside the result counts as
+        // missing.
+        m_path = TemporaryName(fs::temp_directory_path()) / Join("out", ending);
         return;
     }
     m_path = PathFromUtf8(name);
@@ -69,36 +72,13 @@ OutputTarget::OutputTarget(Session& session, const std::string& name, std::strin
     }
 }
 
-OutputTarget::~OutputTarget() {
-    std::error_code ignored;
-    if (!m_folder.empty()) fs::remove_all(m_folder, ignored);
-}
-
-const fs::path& OutputTarget::Path() {
-    if (m_path.empty()) {
-        std::error_code failure;
-        m_folder = fs::NewTemporaryFolder(failure);
-        if (failure) FailWith(m_folder, "cannot be made", failure);
-        m_path = m_folder / ("out" + m_ending);
-    }
-    return m_path;
-}
-
 void OutputTarget::Commit(const Session& session) {
     session.ThrowIfStopped();
     RequireMemory();
-    m_files.Commit();
-    Finish();
-}
-
-void OutputTarget::Finish() {
-    if (m_folder.empty()) return;
-    std::error_code ignored;
-    if (fs::NamesIn(m_folder, ignored).size() > 1) {
-        throw Error("standard output", "", "the result needs files beside it and must be written to a file");
-    }
-    const FileContent content = ReadFile(m_path);
-    std::fwrite(content.data.get(), 1, content.size, stdout);
+    if (m_isStream)
+        m_files.CommitTo(stdout, m_path);
+    else
+        m_files.Commit();
 }
 
 std::uint64_t SaveDocument(gltf::Document& document, OutputTarget& out) {

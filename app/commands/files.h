@@ -28,32 +28,27 @@ std::vector<std::byte> ReadStandardInput(std::uint64_t limit);
 // Error.
 gltf::Document LoadDocument(const Session& session, const std::string& name, Report& report);
 
-// Where a command writes its result: the named file or, for "-", a temporary file that then goes to standard
-// output. A command commits as the last thing that can fail, with its report made, so that a failure means
-// that nothing has changed.
+// Where a command writes its result: the named file or, for "-", a file without a name whose content then
+// goes to standard output. A command commits as the last thing that can fail, with its report made, so that a
+// failure means that nothing has changed.
 class OutputTarget {
 public:
-    // ending: of the temporary file, ".glb". Throws Error when the file exists and --no-clobber was given,
-    // and UsageError when standard output is taken.
+    // ending: that the result would have as a file, ".glb". Throws Error when the file exists and
+    // --no-clobber was given, and UsageError when standard output is taken.
     OutputTarget(Session& session, const std::string& name, std::string_view ending);
-    ~OutputTarget();
     OutputTarget(const OutputTarget&) = delete;
     OutputTarget& operator=(const OutputTarget&) = delete;
 
-    // The path to write to; call when about to write. Throws Error.
-    const std::filesystem::path& Path();
+    const std::filesystem::path& Path() const { return m_path; }
     // What the command writes, all of which appears with Commit.
     FileTransaction& Files() { return m_files; }
     // Throws Error, and Stopped when the user stopped it before.
     void Commit(const Session& session);
-    // For a target whose file stands in another one's transaction, once that is committed. Throws Error.
-    void Finish();
 
 private:
     FileTransaction m_files;
-    std::string m_ending;
-    std::filesystem::path m_path;    // empty: not yet known
-    std::filesystem::path m_folder;  // temporary; empty: none
+    std::filesystem::path m_path;
+    bool m_isStream = false;
 };
 
 // Writes the document, which is spent, for the target's Commit: the bytes of all its files. Throws Error.

@@ -131,8 +131,8 @@ public:
         m_session.ThrowIfStopped();
         RequireMemory();
         if (out) {
-            WriteText(drawing.geometry, format, out->Path());
-            out->Finish();
+            WriteText(drawing.geometry, format, out->Path(), out->Files());
+            out->Commit(m_session);
         }
         if (!m_arguments.page.empty())
             WritePage(m_arguments.page, target, [&] { return PageOf(text, isDrawing, drawing); });

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/filesystem.h"
 
-#include <stdlib.h>
-
-#include <cerrno>
-#include <string>
-
 namespace zr::fs {
 
 path Folded(const path& file) {
@@ -26,12 +21,6 @@ std::vector<path> Expanded(const path& file) {
 
 std::FILE* OpenToRead(const path& file) {
     return std::fopen(file.c_str(), "rb");
-}
-
-path NewTemporaryFolder(std::error_code& failure) {
-    std::string pattern = (temp_directory_path(failure) / "zr-XXXXXX").string();
-    if (!failure && mkdtemp(pattern.data()) == nullptr) failure = {errno, std::generic_category()};
-    return pattern;
 }
 
 }  // namespace zr::fs

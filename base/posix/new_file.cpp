@@ -53,7 +53,7 @@ struct NewFile::State {
 
     bool OpenUnnamed() {
         if (g_unnamed >= kMaxUnnamed) return false;
-        descriptor = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode);
+        descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kMode);
         if (descriptor < 0) return false;
         isUnnamed = true;
         ++g_unnamed;
@@ -67,7 +67,7 @@ struct NewFile::State {
         for (int i = 0; i < kTries; ++i) {
             // The signal handler must know it before it exists.
             TemporaryPath path(TemporaryName(folder));
-            descriptor = open(path.Get(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kMode);
+            descriptor = open(path.Get(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kMode);
             if (descriptor >= 0) {
                 temporary = std::move(path);
                 return {};
@@ -105,6 +105,19 @@ std::error_code NewFile::Write(std::uint64_t offset, Bytes bytes) {
         if (written < 0) return LastError();
         bytes = bytes.subspan(static_cast<std::size_t>(written));
         offset += static_cast<std::uint64_t>(written);
+    }
+    return {};
+}
+
+std::error_code NewFile::Read(std::uint64_t offset, std::span<std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t got =
+            pread(m_state->descriptor, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return LastError();
+        if (got == 0) return std::make_error_code(std::errc::io_error);
+        bytes = bytes.subspan(static_cast<std::size_t>(got));
+        offset += static_cast<std::uint64_t>(got);
     }
     return {};
 }

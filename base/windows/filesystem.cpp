@@ -10,7 +10,6 @@
 #include <string>
 #include <utility>
 
-#include "base/new_file.h"
 #include "base/windows/handle.h"
 
 namespace zr::fs {
@@ -241,12 +240,6 @@ std::FILE* OpenToRead(const path& file) {
     std::FILE* const opened = _fdopen(descriptor, "rb");
     if (opened == nullptr) _close(descriptor);
     return opened;
-}
-
-path NewTemporaryFolder(std::error_code& failure) {
-    const path folder = TemporaryName(std::filesystem::temp_directory_path(failure));
-    if (!failure) fs::create_directory(folder, failure);
-    return folder;
 }
 
 }  // namespace zr::fs

@@ -12,7 +12,14 @@ namespace zr {
 namespace {
 
 constexpr int kTries = 16;
-constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 30;
+
+OVERLAPPED PlaceAt(std::uint64_t offset) {
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(offset);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return place;
+}
 
 // The system deletes the file when its handle is closed, also that of a process which ends.
 std::error_code SetGoesWithHandle(HANDLE file, bool goes) {
@@ -49,8 +56,8 @@ std::error_code NewFile::Open(const fs::path& folder) {
     for (int i = 0; i < kTries; ++i) {
         m_state->name = fs::Reachable(TemporaryName(folder));
         m_state->handle =
-            Handle(CreateFileW(m_state->name.c_str(), GENERIC_WRITE | DELETE | WRITE_DAC, FILE_SHARE_DELETE,
-                               nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+            Handle(CreateFileW(m_state->name.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC,
+                               FILE_SHARE_DELETE, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (m_state->handle) return SetGoesWithHandle(m_state->handle.Get(), true);
         failure = LastError();
         if (failure != std::errc::file_exists) break;
@@ -60,14 +67,25 @@ std::error_code NewFile::Open(const fs::path& folder) {
 
 std::error_code NewFile::Write(std::uint64_t offset, Bytes bytes) {
     while (!bytes.empty()) {
-        OVERLAPPED place{};
-        place.Offset = static_cast<DWORD>(offset);
-        place.OffsetHigh = static_cast<DWORD>(offset >> 32);
-        const auto size = static_cast<DWORD>(std::min(bytes.size(), kLargestWrite));
+        OVERLAPPED place = PlaceAt(offset);
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), kLargestPiece));
         DWORD written = 0;
         if (!WriteFile(m_state->handle.Get(), bytes.data(), size, &written, &place)) return LastError();
         bytes = bytes.subspan(written);
         offset += written;
+    }
+    return {};
+}
+
+std::error_code NewFile::Read(std::uint64_t offset, std::span<std::byte> bytes) {
+    while (!bytes.empty()) {
+        OVERLAPPED place = PlaceAt(offset);
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), kLargestPiece));
+        DWORD got = 0;
+        if (!ReadFile(m_state->handle.Get(), bytes.data(), size, &got, &place)) return LastError();
+        if (got == 0) return std::make_error_code(std::errc::io_error);
+        bytes = bytes.subspan(got);
+        offset += got;
     }
     return {};
 }

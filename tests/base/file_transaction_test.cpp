@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
+#include <memory>
 
 #include "base/error.h"
 #include "tests/base/temporary_folder.h"
@@ -67,6 +69,27 @@ TEST(FileTransaction, AFailedCommitLeavesEverythingAsItWas) {
         std::filesystem::remove_all(folder / "sub");
     };
     for (const char* taken : {"second", "sub/third", "last"}) attempt(taken);
+}
+
+TEST(FileTransaction, OneFileGoesToAStreamAndOthersToTheirNames) {
+    const TemporaryFolder folder;
+    const std::string content(1000000, 'x');
+    const auto send = [&](const char* other) {
+        FileTransaction files;
+        files.Add(folder / other, BytesOf("other"));
+        files.Create(folder / "nowhere/out").Write(content);
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::tmpfile(), std::fclose);
+        files.CommitTo(stream.get(), folder / "nowhere/out");
+        std::string sent(content.size() + 1, ' ');
+        std::rewind(stream.get());
+        sent.resize(std::fread(sent.data(), 1, sent.size(), stream.get()));
+        return sent;
+    };
+    EXPECT_EQ(send("other"), content);
+    EXPECT_EQ(folder.Files(), (Names{"other"}));
+    EXPECT_FALSE(fs::exists(folder / "nowhere"));
+    EXPECT_THROW(send("nowhere/beside"), Error);
+    EXPECT_FALSE(fs::exists(folder / "nowhere"));
 }
 
 TEST(FileTransaction, NewNamesAreNotTakenFromOthers) {

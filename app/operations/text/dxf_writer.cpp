@@ -22,7 +22,7 @@ constexpr Layer kFaces{"FACES", 7};
 // Release 12 of the format, which every reader knows: pairs of a group code and a value, a line each.
 class Drawing {
 public:
-    explicit Drawing(const std::filesystem::path& target) : m_file(target) {}
+    Drawing(const std::filesystem::path& target, FileTransaction& files) : m_file(target, files) {}
 
     void Text(int code, std::string_view value) {
         m_file << code << "\n" << value << "\n";
@@ -41,7 +41,7 @@ public:
         Real(30 + corner, p.z);
     }
 
-    void Commit() { m_file.Commit(); }
+    void Finish() { m_file.Finish(); }
 
 private:
     TextFile m_file;
@@ -151,8 +151,8 @@ void AddOutlines(Drawing& dxf, const TextGeometry& geometry) {
 
 }  // namespace
 
-void WriteDxf(const TextGeometry& geometry, const std::filesystem::path& target) {
-    Drawing dxf(target);
+void WriteDxf(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
+    Drawing dxf(target, files);
     AddHeader(dxf, geometry);
     if (geometry.isMesh) {
         AddLayers(dxf, std::array{kFaces});
@@ -175,7 +175,7 @@ void WriteDxf(const TextGeometry& geometry, const std::filesystem::path& target)
     }
     dxf.Text(0, "ENDSEC");
     dxf.Text(0, "EOF");
-    dxf.Commit();
+    dxf.Finish();
 }
 
 }  // namespace zr

@@ -66,8 +66,8 @@ gltf::Document TextScene(const TextGeometry& geometry) {
     return document;
 }
 
-void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target) {
-    TextScene(geometry).Save(target);
+void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
+    TextScene(geometry).Save(target, files);
 }
 
 }  // namespace zr

@@ -41,15 +41,15 @@ void AddContours(TextBuilder& json, const TextGeometry& geometry) {
 
 }  // namespace
 
-void WriteJson(const TextGeometry& geometry, const std::filesystem::path& target) {
-    TextFile json(target);
+void WriteJson(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
+    TextFile json(target, files);
     if (geometry.isMesh) {
         AddTriangles(json, geometry);
     } else {
         AddContours(json, geometry);
     }
     json << "\n]}\n";
-    json.Commit();
+    json.Finish();
 }
 
 }  // namespace zr

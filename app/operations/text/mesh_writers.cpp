@@ -32,8 +32,8 @@ void Append(std::string& bytes, const Point& p) {
 
 }  // namespace
 
-void WriteObj(const TextGeometry& geometry, const std::filesystem::path& target) {
-    TextFile obj(target);
+void WriteObj(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
+    TextFile obj(target, files);
     for (const Point& p : geometry.points) {
         obj << "v " << p.x << " " << p.y << " " << p.z << "\n";
         obj.Pass();
@@ -42,13 +42,13 @@ void WriteObj(const TextGeometry& geometry, const std::filesystem::path& target)
         obj << "f " << t.i0 + 1 << " " << t.i1 + 1 << " " << t.i2 + 1 << "\n";
         obj.Pass();
     }
-    obj.Commit();
+    obj.Finish();
 }
 
 // The binary form: a head of 80 bytes, the number of triangles, and 50 bytes for each.
-void WriteStl(const TextGeometry& geometry, const std::filesystem::path& target) {
+void WriteStl(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
     constexpr std::size_t kHeadSize = 80;
-    TextFile stl(target);
+    TextFile stl(target, files);
     std::string bytes = "text";
     bytes.resize(kHeadSize, ' ');
     Append(bytes, static_cast<std::uint32_t>(geometry.triangles.size()));
@@ -63,7 +63,7 @@ void WriteStl(const TextGeometry& geometry, const std::filesystem::path& target)
         stl << bytes;
         stl.Pass();
     }
-    stl.Commit();
+    stl.Finish();
 }
 
 }  // namespace zr

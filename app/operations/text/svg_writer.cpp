@@ -65,10 +65,10 @@ std::string TextPicture(const TextGeometry& geometry) {
     return svg.Take();
 }
 
-void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target) {
-    TextFile svg(target);
+void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
+    TextFile svg(target, files);
     AddSvg(svg, geometry);
-    svg.Commit();
+    svg.Finish();
 }
 
 }  // namespace zr

@@ -14,10 +14,9 @@ void TextFile::Pass() {
     m_text.clear();
 }
 
-void TextFile::Commit() {
+void TextFile::Finish() {
     m_file.Write(m_text);
     m_text.clear();
-    m_files.Commit();
 }
 
 }  // namespace zr

@@ -48,14 +48,13 @@ private:
 // A file of text, of which only the newest is held. What cannot be written is thrown as an Error.
 class TextFile : public TextBuilder {
 public:
-    explicit TextFile(const std::filesystem::path& target) : m_file(m_files.Create(target)) {}
+    TextFile(const std::filesystem::path& target, FileTransaction& files) : m_file(files.Create(target)) {}
 
     void Pass() override;
-    // The file appears whole or not at all.
-    void Commit();
+    // For the transaction's Commit.
+    void Finish();
 
 private:
-    FileTransaction m_files;
     OutputFile& m_file;
 };
 

@@ -10,7 +10,8 @@
 
 namespace zr {
 
-void WriteText(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target) {
+void WriteText(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target,
+               FileTransaction& files) {
     const bool isFinite =
         std::all_of(geometry.points.begin(), geometry.points.end(), [](const TextGeometry::Point& p) {
             return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
@@ -18,17 +19,17 @@ void WriteText(const TextGeometry& geometry, TextFormat format, const std::files
     if (!isFinite) throw Error(PathToUtf8(target), "", "a coordinate is too large for a number of the file");
     switch (format) {
         case TextFormat::kSvg:
-            return WriteSvg(geometry, target);
+            return WriteSvg(geometry, target, files);
         case TextFormat::kDxf:
-            return WriteDxf(geometry, target);
+            return WriteDxf(geometry, target, files);
         case TextFormat::kGltf:
-            return WriteGltf(geometry, target);
+            return WriteGltf(geometry, target, files);
         case TextFormat::kJson:
-            return WriteJson(geometry, target);
+            return WriteJson(geometry, target, files);
         case TextFormat::kObj:
-            return WriteObj(geometry, target);
+            return WriteObj(geometry, target, files);
         case TextFormat::kStl:
-            return WriteStl(geometry, target);
+            return WriteStl(geometry, target, files);
     }
 }
 

@@ -262,6 +262,11 @@ TEST_F(Commands, ScenesPassThroughPipes) {
     const Outcome split = m_folder.Zr("export a.glb - --format gltf");
     EXPECT_EQ(split.status, 1) << "its buffer would be a file of its own";
     EXPECT_EQ(split.out, "");
+    const Outcome mapped =
+        m_folder.Shell("zr export a.glb - --rename-map map.json | zr info - | grep -c nodes");
+    EXPECT_EQ(mapped.out, "1\n") << mapped.err;
+    EXPECT_TRUE(m_folder.Exists("map.json"));
+    EXPECT_EQ(m_folder.Shell("zr export a.glb b.glb -q --rename-map - | head -c 1").out, "[");
     const Outcome broken = m_folder.Zr("info -", "{]");
     EXPECT_EQ(broken.status, 1);
     EXPECT_TRUE(broken.err.starts_with("zr: standard input: byte ")) << broken.err;

@@ -14,6 +14,12 @@
 namespace zr {
 namespace {
 
+void Save(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target) {
+    FileTransaction files;
+    WriteText(geometry, format, target, files);
+    files.Commit();
+}
+
 struct DxfEntity {
     std::string kind;
     std::string layer;
@@ -58,7 +64,7 @@ TEST(TextWriters, DxfTellsStrokesOutlinesAndHolesApart) {
     const Folder folder;
     const auto write = [&](std::u16string text, TextStyle style, double depth = 0) {
         const DrawingOptions options{.capHeight = 21, .depth = depth, .unit = LengthUnit::kMillimetre};
-        WriteText(Draw(text, style, options).geometry, TextFormat::kDxf, folder / "out.dxf");
+        Save(Draw(text, style, options).geometry, TextFormat::kDxf, folder / "out.dxf");
         return ReadDxf(folder.Read("out.dxf"));
     };
     const Dxf strokes = write(u"A", TextStyle::kStroke);
@@ -92,7 +98,7 @@ TEST(TextWriters, PicturesAndScenesHaveTheirRealSize) {
     const Folder folder;
     const DrawingOptions options{.capHeight = 20, .depth = 0, .unit = LengthUnit::kInch};
     const TextDrawing drawing = Draw(u"H", TextStyle::kStroke, options);
-    WriteText(drawing.geometry, TextFormat::kSvg, folder / "h.svg");
+    Save(drawing.geometry, TextFormat::kSvg, folder / "h.svg");
     const std::string svg = folder.Read("h.svg");
     const std::string start = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"";
     ASSERT_TRUE(svg.starts_with(start));
@@ -104,14 +110,14 @@ TEST(TextWriters, PicturesAndScenesHaveTheirRealSize) {
     DrawingOptions solid = options;
     solid.depth = 1.5;
     const TextGeometry geometry = Draw(u"H", TextStyle::kMesh, solid).geometry;
-    WriteText(geometry, TextFormat::kGltf, folder / "h.glb");
+    Save(geometry, TextFormat::kGltf, folder / "h.glb");
     const auto document = gltf::Document::Load(folder / "h.glb");
     const gltf::Json& node = document.Elements(gltf::Kind::kNode)[0];
     EXPECT_FLOAT_EQ(static_cast<float>(node.Find("scale")->Items()[2].Number()), 0.0254F);
     const gltf::Json& positions = document.Elements(gltf::Kind::kAccessor)[0];
     EXPECT_EQ(positions.Find("max")->Items()[2].Number(), 1.5);
 
-    WriteText(geometry, TextFormat::kStl, folder / "h.stl");
+    Save(geometry, TextFormat::kStl, folder / "h.stl");
     const std::string stl = folder.Read("h.stl");
     ASSERT_EQ(stl.size(), 84 + 50 * geometry.triangles.size());
     std::uint32_t count = 0;
@@ -134,7 +140,7 @@ TEST(TextWriters, RefuseWhatIsNotFinite) {
     geometry.points[3].y = std::numeric_limits<float>::infinity();
     for (const TextFormat format : {TextFormat::kSvg, TextFormat::kDxf, TextFormat::kGltf, TextFormat::kJson,
                                     TextFormat::kObj, TextFormat::kStl}) {
-        EXPECT_THROW(WriteText(geometry, format, folder / "out"), Error);
+        EXPECT_THROW(Save(geometry, format, folder / "out"), Error);
         EXPECT_FALSE(std::filesystem::exists(folder / "out"));
     }
 }
