@@ -81,7 +81,11 @@ void AnimationBuilder::Build() {
         for (std::size_t k = 0; k < channels->Items().size(); ++k) {
             const Json& channel = channels->Items()[k];
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
-            const Goal goal = GoalOf(*channel.Find("target"));
+            Goal goal = GoalOf(*channel.Find("target"));
+            // What moves nothing that is known keeps time with the rest where the whole document changes.
+            std::string place;
+            if (goal.path.empty() && m_parts.layout.isWhole)
+                goal = {kNone, place = Join("/animations/", i, "/channels/", k)};
             if (goal.path.empty()) continue;
             const bool isReadable = IsReadable(m_document, sampler);
             if (isReadable && Channel(i, k, sampler, goal)) continue;

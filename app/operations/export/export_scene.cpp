@@ -89,7 +89,7 @@ std::size_t KeysOf(const Tool& tool, const ExportOptions& options) {
 void Gather(const Tool& tool, const kernix::AnimationModel& animation, const ExportOptions& options,
             Runs& runs) {
     CollectKeys(tool, animation, options, runs.replaced, runs.added);
-    runs.played.push_back({&animation, tool->m_fTimeScale, tool->m_fTimeOffset});
+    runs.played.push_back({&animation, tool->m_fTimeScale, tool->m_fTimeOffset, tool->GetStartTime()});
     CollectSampledKeys(runs.played.back(), runs.factors, runs.replaced);
     runs.keys += KeysOf(tool, options);
 }

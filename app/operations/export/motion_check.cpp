@@ -99,8 +99,8 @@ vl::Vector3<float> HungPivot(const ExportNode& record) {
 
 class Checker {
 public:
-    Checker(kernix::SceneModel& scene, const Tool& records, const ExportOptions& options, const Clips& clips)
-        : m_scene(scene), m_options(options), m_clips(clips) {
+    Checker(LoadedScene& loaded, const Tool& records, const ExportOptions& options, const Clips& clips)
+        : m_loaded(loaded), m_scene(loaded.Scene()), m_options(options), m_clips(clips) {
         AddNodes();
         AddRecords(records);
         AddPairs();
@@ -121,7 +121,7 @@ public:
         if (!report.node.empty() && !(worst.deviation > report.deviation)) return;
         report.deviation = std::max(worst.deviation, 0.0);
         report.time = double{worst.time};
-        report.node = m_pairs[worst.pair].model->GetNameText();
+        report.node = m_loaded.NameOf(*m_pairs[worst.pair].model);
         report.animation = kernix::ToUtf8(played.animation->m_name);
     }
 
@@ -351,6 +351,7 @@ private:
         return inverse.PointTransform(vl::Vector3<double>{point[0], point[1], point[2]});
     }
 
+    const LoadedScene& m_loaded;
     kernix::SceneModel& m_scene;
     const ExportOptions& m_options;
     const Clips& m_clips;
@@ -365,7 +366,7 @@ private:
     Box m_box;
 };
 
-// Curves of numbers, halfway between keys, where steps do not jump.
+// Curves of numbers, halfway between keys and halfway to the ends of the clip, where steps do not jump.
 void CheckValues(const PlayedAnimation& played, const Clips& clips, const ValueFactors& factors,
                  const ReplacedKeys& replaced, MotionReport& report) {
     constexpr std::size_t kMostPieces = 100;
@@ -378,16 +379,15 @@ void CheckValues(const PlayedAnimation& played, const Clips& clips, const ValueF
         const Curve& before = clips.Source(*track, 0);
         const Curve& after = isReplaced ? *found->second[0] : sampled->GetCurve();
         if (&after == &before) continue;
-        if (before.times.size() < 2 || after.IsEmpty()) continue;
+        if (before.IsEmpty() || after.IsEmpty()) continue;
         const auto [low, high] = std::minmax_element(before.values.begin(), before.values.end());
         const double factor = factors.Of(*track);
         const double range = factor * (double{*high} - *low);
         if (!(range > 0)) continue;
         std::vector<double> a(before.Width()), b(after.Width());
-        const std::size_t step = before.times.size() / kMostPieces + 1;
-        for (std::size_t i = 1; i < before.times.size(); i += step) {
-            const float time = before.times[i - 1] + (before.times[i] - before.times[i - 1]) / 2;
-            if (time < clip.from || time > clip.to) continue;
+        const auto look = [&](float from, float to) {
+            const float time = from + (to - from) / 2;
+            if (!(from < to) || time < clip.from || time > clip.to) return;
             kernix::EvaluateNumbers(before, time, a.data());
             kernix::EvaluateNumbers(after, clip.Map(time) * played.timeScale + played.timeOffset, b.data());
             for (std::size_t k = 0; k < a.size(); ++k) {
@@ -397,7 +397,12 @@ void CheckValues(const PlayedAnimation& played, const Clips& clips, const ValueF
                 report.valueTime = double{time};
                 report.value = kernix::ToUtf8(played.animation->m_name);
             }
-        }
+        };
+        look(clip.from, before.times.front());
+        look(before.times.back(), clip.to);
+        const std::size_t step = before.times.size() / kMostPieces + 1;
+        for (std::size_t i = 1; i < before.times.size(); i += step)
+            look(before.times[i - 1], before.times[i]);
     }
 }
 
@@ -409,7 +414,7 @@ void CheckMotion(LoadedScene& loaded, const Tool& records, const ExportOptions& 
     report.check = options.check;
     if (options.check == MotionCheck::kOff || animations.empty() || !options.Has(vl::tk::kExtractKeys))
         return;
-    Checker checker(loaded.Scene(), records, options, clips);
+    Checker checker(loaded, records, options, clips);
     const ValueFactors factors(loaded, options);
     const std::size_t budget =
         SampleBudget(options.check, checker.RecordCount(), report.keysBefore, animations.size());

@@ -7,6 +7,24 @@
 
 namespace zr {
 
+namespace {
+
+// A step that was held to the end of the animation beyond its last key is held from the start on where time
+// goes backwards: a key more, since every key gives up its value to the one before it.
+//
+//   backwards, 0 to 4: 5@0, 6@1, 7@2   ->   7@0, 6@2, 5@3, 5@4
+void Retime(Curve& curve, const PlayedAnimation& played) {
+    const bool isHeld = played.timeScale < 0 && curve.interpolation == vl::zr::kInterpolationStep;
+    const std::vector<float> last(curve.values.end() - static_cast<std::ptrdiff_t>(curve.Width()),
+                                  curve.values.end());
+    curve.Retime(played.timeScale, played.timeOffset);
+    if (!isHeld || curve.times.front() <= played.start) return;
+    curve.times.insert(curve.times.begin(), played.start);
+    curve.values.insert(curve.values.begin(), last.begin(), last.end());
+}
+
+}  // namespace
+
 ValueFactors::ValueFactors(const LoadedScene& loaded, const ExportOptions& options) {
     const double scale = options.Scale();
     if (scale == 1) return;
@@ -32,7 +50,7 @@ void CollectSampledKeys(const PlayedAnimation& played, const ValueFactors& facto
         Curve curve = sampled->GetCurve();
         if (factor != 1)
             for (float& value : curve.values) value = static_cast<float>(value * factor);
-        if (played.MapsTime()) curve.Retime(played.timeScale, played.timeOffset);
+        if (played.MapsTime() && !curve.IsEmpty()) Retime(curve, played);
         replaced[track][0] = std::move(curve);
     }
 }

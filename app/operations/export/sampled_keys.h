@@ -14,6 +14,7 @@ struct PlayedAnimation {
     const kernix::AnimationModel* animation;
     float timeScale;
     float timeOffset;
+    float start;  // of what the export makes of it
 
     bool MapsTime() const { return timeScale != 1 || timeOffset != 0; }
 };

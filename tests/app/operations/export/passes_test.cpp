@@ -140,6 +140,40 @@ TEST(ExportedAim, TurnsNothingElse) {
     EXPECT_TRUE(World(after.Node(2)).IsIdentity(1e-6));
 }
 
+// A step that ends before the animation is held to its end, and backwards from the start; a channel that
+// moves nothing known keeps time.
+TEST(ExportedSteps, AreHeldBackwardsToo) {
+    ExportOptions options;
+    options.animFlags |= vl::tk::kReverseTime;
+    LoadedScene loaded(
+        gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [{}],
+        "extensionsUsed": ["KHR_animation_pointer"], "materials": [{}],
+        "buffers": [{"byteLength": 56, "uri": "data:;base64,AAAAAAAAgD8AAABAAACgQAAAwEAAAOBAAAAAAAAAgEAAAAAAAAAAAAAAAAAAAIA/AACAPwAAgD8="}],
+        "bufferViews": [{"buffer": 0, "byteLength": 56}],
+        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "SCALAR", "min": [0], "max": [2]},
+            {"bufferView": 0, "byteOffset": 12, "componentType": 5126, "count": 3, "type": "SCALAR"},
+            {"bufferView": 0, "byteOffset": 24, "componentType": 5126, "count": 2, "type": "SCALAR", "min": [0], "max": [4]},
+            {"bufferView": 0, "byteOffset": 32, "componentType": 5126, "count": 2, "type": "VEC3"}],
+        "animations": [{"samplers": [{"input": 0, "output": 1, "interpolation": "STEP"}, {"input": 2, "output": 3}],
+            "channels": [{"sampler": 1, "target": {"node": 0, "path": "translation"}},
+                {"sampler": 0, "target": {"path": "pointer",
+                    "extensions": {"KHR_animation_pointer": {"pointer": "/materials/0/alphaCutoff"}}}},
+                {"sampler": 0, "target": {"path": "weights"}}]}]})"),
+        SceneOptionsOf(options, true));
+    Exported exported = Export(loaded, options);
+    EXPECT_EQ(exported.report.valueDeviation, 0);
+    const gltf::Json& animation = exported.document.Elements(Kind::kAnimation)[0];
+    for (const std::size_t channel : {1U, 2U}) {
+        const gltf::Json& sampler =
+            animation.Find("samplers")
+                ->Items()[gltf::IndexMember(animation.Find("channels")->Items()[channel], "sampler")];
+        EXPECT_EQ(gltf::ReadFloats(exported.document, gltf::IndexMember(sampler, "input")),
+                  (std::vector<float>{0, 2, 3, 4}));
+        EXPECT_EQ(gltf::ReadFloats(exported.document, gltf::IndexMember(sampler, "output")),
+                  (std::vector<float>{7, 6, 5, 5}));
+    }
+}
+
 // A target record that has no node of its own becomes a node with the motion that was sampled for it.
 TEST(ExportedAim, TargetWithoutNodeMovesToo) {
     LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
