@@ -46,6 +46,7 @@ struct Source {
     kernix::AnimationModel* copy;
     float start = 0;
     float end = 0;
+    bool givesWay = false;  // without length, to the next source at once
 };
 
 class Merge {
@@ -127,8 +128,8 @@ private:
             }
             source.end = m_scene.GetEndTime(source.copy);
             RequireDistinctTimes(i);
-            const bool givesWay = m_options.gap == 0 && i + 1 < m_copies.size();
-            if (givesWay && source.end == source.start) m_report.unseen.push_back(Quoted(*source.copy));
+            source.givesWay = m_options.gap == 0 && i + 1 < m_copies.size() && source.end == source.start;
+            if (source.givesWay) m_report.unseen.push_back(Quoted(*source.copy));
             next = static_cast<float>(double{source.end} + m_options.gap);
         }
     }
@@ -218,8 +219,13 @@ private:
             static_cast<kernix::TransformControllerModel*>(node.GetController(vl::zr::kControllerTransform));
         if (controller == nullptr) return;
         std::vector<TransformTrack*> tracks;
-        for (const Source& source : m_copies)
-            tracks.push_back(static_cast<TransformTrack*>(controller->GetTrack(source.copy)));
+        for (const Source& source : m_copies) {
+            auto* track = static_cast<TransformTrack*>(controller->GetTrack(source.copy));
+            // The merge would move its keys behind those of its neighbours, with which they coincide.
+            if (source.givesWay && track != nullptr)
+                for (const auto& kind : kKinds) track->Clear(kind.keyType);
+            tracks.push_back(track);
+        }
         bool overlaps = false;
         for (const auto& [keyType, flag] : kKinds) {
             if ((m_options.keyFlags & flag) == 0) continue;
@@ -280,25 +286,29 @@ private:
     // does not drift towards the pose of the neighbouring source.
     void FillStretches(kernix::TransformControllerModel& controller, std::vector<TransformTrack*>& tracks,
                        int keyType, const kernix::Pose& rest) const {
-        const std::size_t count = tracks.size();
-        std::vector<Value> first(count), last(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            if (tracks[i] == nullptr) tracks[i] = controller.AddTransformTrack(m_copies[i].copy);
+        // Of the source before.
+        TransformTrack* ended = nullptr;
+        Value last;
+        float end = 0;
+        for (std::size_t i = 0; i < tracks.size(); ++i) {
+            const Source& source = m_copies[i];
+            if (source.givesWay) continue;
+            if (tracks[i] == nullptr) tracks[i] = controller.AddTransformTrack(source.copy);
             TransformTrack& track = *tracks[i];
             if (track.Count(keyType) == 0)
-                AddKey(track, keyType, m_copies[i].start, ValueAt(track, keyType, 0, rest));
-            first[i] = ValueAt(track, keyType, TimeOf(track, keyType, 0), rest);
-            last[i] = ValueAt(track, keyType, TimeOf(track, keyType, track.Count(keyType) - 1), rest);
-        }
-        for (std::size_t i = 1; i < count; ++i) {
-            if (last[i - 1] == first[i]) continue;
-            // The merge itself holds vectors through a pause, but turns rotations all the way.
-            TransformTrack& before = *tracks[i - 1];
-            const float hold = keyType == vl::zr::kKeyRotation ? m_copies[i].start : m_copies[i - 1].end;
-            if (TimeOf(before, keyType, before.Count(keyType) - 1) < hold)
-                AddKey(before, keyType, hold, last[i - 1]);
-            if (TimeOf(*tracks[i], keyType, 0) > m_copies[i].start)
-                AddKey(*tracks[i], keyType, m_copies[i].start, first[i]);
+                AddKey(track, keyType, source.start, ValueAt(track, keyType, 0, rest));
+            const Value first = ValueAt(track, keyType, TimeOf(track, keyType, 0), rest);
+            Value own = ValueAt(track, keyType, TimeOf(track, keyType, track.Count(keyType) - 1), rest);
+            if (ended != nullptr && last != first) {
+                // The merge itself holds vectors through a pause, but turns rotations all the way.
+                const float hold = keyType == vl::zr::kKeyRotation ? source.start : end;
+                if (TimeOf(*ended, keyType, ended->Count(keyType) - 1) < hold)
+                    AddKey(*ended, keyType, hold, last);
+                if (TimeOf(track, keyType, 0) > source.start) AddKey(track, keyType, source.start, first);
+            }
+            ended = &track;
+            last = std::move(own);
+            end = source.end;
         }
     }
 

@@ -4,12 +4,14 @@
 
 #include <set>
 
+#include "app/operations/animations/merge_animations.h"
 #include "app/operations/clean/clean_scene.h"
 #include "app/operations/compare/compare_scenes.h"
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/tool_run.h"
 #include "app/scene/animations_of.h"
 #include "kernix/host_app_base.h"
+#include "tests/app/operations/animations/animation_kit.h"
 #include "tests/app/operations/wild_plan.h"
 #include "tests/app/services/the_host.h"
 #include "tests/gltf/sample.h"
@@ -103,6 +105,70 @@ TEST(Properties, AnExportPlaysAsItsSource) {
         comparison.aspects[static_cast<std::size_t>(compare::Aspect::kStructure)] = false;
         ExpectSame(scene(), gltf::Document::Load(folder / "out.glb"), comparison);
     });
+}
+
+// The animations that move nodes, by number.
+Names MovingAnimations(LoadedScene& loaded) {
+    Names names;
+    const Animations animations = AnimationsOf(loaded.Scene());
+    for (std::size_t i = 0; i < animations.size(); ++i)
+        if (!KeyTimes(*animations[i]).empty()) names.push_back(std::to_string(i));
+    return names;
+}
+
+TEST(Properties, AMergeInSequencePlaysAsItsSources) {
+    unsigned merged = 0;
+    for (const double gap : {0.0, 0.5}) {
+        ForEachScene(MakeLivelyPlan, 60, [&](const auto& scene) {
+            LoadedScene before(scene()), loaded(scene());
+            const Names names = MovingAnimations(before);
+            if (names.size() < 2) return;
+            MergeOptions options;
+            options.inSequence = true;
+            options.gap = gap;
+            MergeAnimations(TheHost(), loaded, ChooseAnimations(loaded.Scene(), names), options);
+            LoadedScene after(std::move(loaded).WriteBack());
+            ExpectPlaysInSequence(before, names, after, "Merge Result", gap);
+            ++merged;
+        });
+    }
+    EXPECT_GT(merged, 30U);
+}
+
+// Each source at its own times: what one of them alone moves plays as there.
+TEST(Properties, AMergePlaysAsItsSourcesWhereTheyDoNotMeet) {
+    unsigned nodes = 0;
+    ForEachScene(MakeLivelyPlan, 60, [&](const auto& scene) {
+        LoadedScene before(scene()), loaded(scene());
+        const Names names = MovingAnimations(before);
+        if (names.size() < 2) return;
+        MergeAnimations(TheHost(), loaded, ChooseAnimations(loaded.Scene(), names), {});
+        LoadedScene after(std::move(loaded).WriteBack());
+        kernix::AnimationModel* result = ChooseAnimation(after.Scene(), "Merge Result");
+        for (std::size_t node = 0; node < before.Document().Elements(gltf::Kind::kNode).size(); ++node) {
+            if (before.Node(node) == nullptr) continue;
+            auto* controller = before.Node(node)->GetController(vl::zr::kControllerTransform);
+            if (controller == nullptr) continue;
+            Animations movers;
+            for (const std::string& name : names) {
+                kernix::AnimationModel* source = ChooseAnimation(before.Scene(), name);
+                if (controller->GetTrack(source) != nullptr) movers.push_back(source);
+            }
+            if (movers.size() != 1) continue;
+            ++nodes;
+            const std::vector<float> times = KeyTimes(*movers[0]);
+            for (std::size_t i = 0; i + 1 < 2 * times.size(); ++i) {
+                const float time = i % 2 == 0 ? times[i / 2] : (times[i / 2] + times[i / 2 + 1]) / 2;
+                SCOPED_TRACE(testing::Message() << "node " << node << " at " << time);
+                const auto wanted = Pose(before, node, movers[0], time);
+                const auto got = Pose(after, node, result, time);
+                EXPECT_LT(Difference(wanted.translation, got.translation), 1e-5);
+                EXPECT_LT(Difference(wanted.rotation, got.rotation), 1e-5);
+                EXPECT_LT(Difference(wanted.scale, got.scale), 1e-5);
+            }
+        }
+    });
+    EXPECT_GT(nodes, 30U);
 }
 
 TEST(Properties, ACleaningChangesNothingThatIsSeen) {

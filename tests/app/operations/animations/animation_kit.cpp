@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "base/text.h"
 #include "kernix/utf.h"
 
 namespace zr::test {
@@ -21,6 +23,14 @@ namespace {
 constexpr const char* kNodes = R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
   "nodes": [{"name": "body", "children": [1, 2], "translation": [0, 1, 0]},
             {"name": "arm", "rotation": [0, 0.6, 0, 0.8]}, {"name": "arm", "scale": [2, 2, 2]}]})";
+
+// A source's key is shifted to a time that is rounded to a float.
+float Nearest(const std::vector<float>& times, float time) {
+    const auto after = std::lower_bound(times.begin(), times.end(), time);
+    if (after == times.begin()) return times.front();
+    if (after == times.end() || time - *(after - 1) < *after - time) return *(after - 1);
+    return *after;
+}
 
 }  // namespace
 
@@ -102,6 +112,50 @@ double Difference(const kernix::Rotation& a, const kernix::Rotation& b) {
                          std::fabs(a.z - sign * b.z), std::fabs(a.w - sign * b.w)});
     };
     return std::min(to(1), to(-1));
+}
+
+void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
+                           const std::string& merged, double gap) {
+    // Times are rounded to floats: what moves by a hundred a second is a little beside its place.
+    constexpr double kNear = 5e-5;
+    kernix::AnimationModel* result = ChooseAnimation(after.Scene(), merged);
+    const std::vector<float> resultTimes = KeyTimes(*result);
+    double next = 0;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        kernix::AnimationModel* source = ChooseAnimation(before.Scene(), names[i]);
+        const std::vector<float> times = KeyTimes(*source);
+        const double offset = i == 0 ? 0 : next - before.Scene().GetStartTime(source);
+        const double length = double{before.Scene().GetEndTime(source)} - before.Scene().GetStartTime(source);
+        const bool givesWay = length == 0 && gap == 0 && i + 1 < names.size();
+        for (const float time : givesWay ? std::vector<float>() : times) {
+            const float there = Nearest(resultTimes, static_cast<float>(time + offset));
+            // A jump may be rounded to a neighbour of its time. Where two sources meet, a first vector gives
+            // way to the last one.
+            std::vector<float> moments{there};
+            constexpr float kInfinity = std::numeric_limits<float>::infinity();
+            for (float down = there, up = there; moments.size() < 7;) {
+                moments.push_back(down = std::nextafter(down, -kInfinity));
+                moments.push_back(up = std::nextafter(up, kInfinity));
+            }
+            if (time == times.front()) moments.push_back(Nearest(resultTimes, there + 0.001F));
+            for (std::size_t node = 0; node < before.Document().Elements(Kind::kNode).size(); ++node) {
+                if (before.Node(node) == nullptr) continue;
+                SCOPED_TRACE(Join(names[i], " node ", node, " at ", std::to_string(time)));
+                const auto wanted = Pose(before, node, source, time);
+                double translation = 1, rotation = 1, scale = 1;
+                for (const float moment : moments) {
+                    const auto got = Pose(after, node, result, moment);
+                    translation = std::min(translation, Difference(wanted.translation, got.translation));
+                    rotation = std::min(rotation, Difference(wanted.rotation, got.rotation));
+                    scale = std::min(scale, Difference(wanted.scale, got.scale));
+                }
+                EXPECT_LT(translation, kNear);
+                EXPECT_LT(rotation, kNear);
+                EXPECT_LT(scale, kNear);
+            }
+        }
+        next = before.Scene().GetEndTime(source) + offset + gap;
+    }
 }
 
 }  // namespace zr::test

@@ -51,4 +51,9 @@ std::vector<float> KeyTimes(kernix::AnimationModel& animation);
 double Difference(const double (&a)[3], const double (&b)[3]);
 double Difference(const kernix::Rotation& a, const kernix::Rotation& b);
 
+// Every node stands, at each key of each of the animations `names` of `before`, as `merged` of `after` has it
+// when these play one after the other, `gap` seconds apart.
+void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
+                           const std::string& merged, double gap);
+
 }  // namespace zr::test

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <sstream>
 
 #include "app/operations/animations/merge_animations.h"
@@ -22,60 +21,11 @@ using gltf::Kind;
 using test::AnimatedScene;
 using test::AnimationCommandTest;
 using test::Difference;
+using test::ExpectPlaysInSequence;
 using test::KeyTimes;
 using test::Names;
 using test::NamesOf;
 using test::Pose;
-
-// A source's key is shifted to a time that is rounded to a float.
-float Nearest(const std::vector<float>& times, float time) {
-    const auto after = std::lower_bound(times.begin(), times.end(), time);
-    if (after == times.begin()) return times.front();
-    if (after == times.end() || time - *(after - 1) < *after - time) return *(after - 1);
-    return *after;
-}
-
-// Whether, in sequence, every node stands at each key of each source as it does in the source.
-void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
-                           const std::string& merged, double gap) {
-    kernix::AnimationModel* result = ChooseAnimation(after.Scene(), merged);
-    const std::vector<float> resultTimes = KeyTimes(*result);
-    double next = 0;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        kernix::AnimationModel* source = ChooseAnimation(before.Scene(), names[i]);
-        const std::vector<float> times = KeyTimes(*source);
-        const double offset = i == 0 ? 0 : next - before.Scene().GetStartTime(source);
-        const double length = double{before.Scene().GetEndTime(source)} - before.Scene().GetStartTime(source);
-        const bool givesWay = length == 0 && gap == 0 && i + 1 < names.size();
-        for (const float time : givesWay ? std::vector<float>() : times) {
-            const float there = Nearest(resultTimes, static_cast<float>(time + offset));
-            std::vector<float> moments{there};
-            // Where two sources meet, a first vector gives way to the last one, and rotations jump.
-            const float infinity = std::numeric_limits<float>::infinity();
-            if (time == times.front()) {
-                moments.push_back(std::nextafter(there, infinity));
-                moments.push_back(Nearest(resultTimes, there + 0.001F));
-            }
-            if (time == times.back()) moments.push_back(std::nextafter(there, -infinity));
-            for (std::size_t node = 0; node < before.Document().Elements(Kind::kNode).size(); ++node) {
-                if (before.Node(node) == nullptr) continue;
-                SCOPED_TRACE(Join(names[i], " node ", node, " at ", std::to_string(time)));
-                const auto wanted = Pose(before, node, source, time);
-                double translation = 1, rotation = 1, scale = 1;
-                for (const float moment : moments) {
-                    const auto got = Pose(after, node, result, moment);
-                    translation = std::min(translation, Difference(wanted.translation, got.translation));
-                    rotation = std::min(rotation, Difference(wanted.rotation, got.rotation));
-                    scale = std::min(scale, Difference(wanted.scale, got.scale));
-                }
-                EXPECT_LT(translation, 1e-5);
-                EXPECT_LT(rotation, 1e-5);
-                EXPECT_LT(scale, 1e-5);
-            }
-        }
-        next = before.Scene().GetEndTime(source) + offset + gap;
-    }
-}
 
 TEST_F(AnimationCommandTest, SourcesInSequencePlayAsTheyDidAlone) {
     for (const double gap : {0.0, 0.5}) {
