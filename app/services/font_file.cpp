@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/error.h"
+#include "base/filesystem.h"
 #include "platform/windows.h"
 
 namespace zr {
@@ -98,6 +99,10 @@ FontFileNames ReadFontNames(Bytes bytes, const std::string& name) {
 
 FontFileNames AddFontFile(const std::filesystem::path& file) {
     const std::string name = PathToUtf8(file);
+    // The system opens it a second time by its name.
+    std::error_code none;
+    if (fs::exists(file, none) && !fs::is_regular_file(file, none))
+        throw Error(name, "", "is not a regular file, as a font must be");
     FontFileNames names = ReadFontNames(ReadFile(file).View(), name);
     const std::u16string path = std::filesystem::absolute(file).u16string();
     if (AddFontResourceExW(platform::Wide(path.c_str()), FR_PRIVATE, nullptr) == 0)

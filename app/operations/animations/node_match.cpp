@@ -16,6 +16,8 @@ namespace {
 
 using kernix::NodeModel;
 
+constexpr std::uint64_t kMaxPairsSize = 64 << 20;  // bytes of a file, which may be a pipe or a device
+
 using NodePlace =
     std::tuple<const NodeModel*, std::string, int>;  // parent, name, rank among siblings of that name
 
@@ -113,7 +115,7 @@ NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, cons
 
 NodePairs ReadNodePairs(const std::filesystem::path& file) {
     const std::string name = PathToUtf8(file);
-    FileContent content = ReadFile(file);
+    FileContent content = ReadFile(file, kMaxPairsSize);
     gltf::JsonTree tree;
     tree.Parse(reinterpret_cast<char*>(content.data.get()), content.size, name);
     if (!tree.root.IsObject()) throw Error(name, "", "is not a JSON object of names");

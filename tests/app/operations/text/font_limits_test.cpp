@@ -5,6 +5,7 @@
 
 #include "app/operations/text/text_check.h"
 #include "app/services/font_file.h"
+#include "base/error.h"
 #include "tests/app/operations/text/text_kit.h"
 
 namespace zr {
@@ -19,6 +20,10 @@ TEST(FontFile, GoesBeforeTheInstalledFontsOfItsFamily) {
     ASSERT_NE(regular, bold);
     EXPECT_EQ(AddFontFile("/usr/share/fonts/truetype/liberation/LiberationSansNarrow-Bold.ttf").weight, 700);
     EXPECT_EQ(width({u"Liberation Sans Narrow"}), bold);
+}
+
+TEST(FontFile, IsNoDevice) {
+    EXPECT_THROW(AddFontFile("/dev/zero"), Error);
 }
 
 TEST(TextCheck, RefusesHeightsThatHaveNoOutline) {
