@@ -72,7 +72,8 @@ void AddKeys(NodeModel* node, kernix::AnimationModel* animation) {
     }
 }
 
-Ref<SceneModel> MovingScene() {
+// Its records serve either animation: nothing in it is aimed.
+Ref<SceneModel> MovingMeshes() {
     auto scene = Ref<SceneModel>::Adopt(new SceneModel);
     kernix::AnimationModel* first = scene->AddAnimation(u"first");
     kernix::AnimationModel* second = scene->AddAnimation(u"second");
@@ -83,6 +84,16 @@ Ref<SceneModel> MovingScene() {
     mesh->SetObject(cleaner_test::MakeMesh(material, 0));
     NodeModel* below = scene->AddNode(mesh, "mesh");
     below->SetObject(cleaner_test::MakeMesh(material, 1));
+    for (NodeModel* node : {root, mesh, below}) {
+        AddKeys(node, first);
+        AddKeys(node, second);
+    }
+    scene->AddViewport(vl::zr::kViewportView, "a view with a longer name")->AddAnimationReference(first);
+    return scene;
+}
+
+Ref<SceneModel> MovingScene() {
+    Ref<SceneModel> scene = MovingMeshes();
     NodeModel* target = scene->AddNode(nullptr, "target");
     NodeModel* camera = scene->AddNode(nullptr, "camera");
     auto* aimed = new kernix::CameraModel;
@@ -92,12 +103,8 @@ Ref<SceneModel> MovingScene() {
     auto* spot = new kernix::LightModel(vl::zr::kLightSpot);
     light->SetObject(Ref<vl::zr::Object3D>::Adopt(spot));
     spot->SetTarget(target);
-    for (NodeModel* node : {root, mesh, below, target, camera, light}) {
-        AddKeys(node, first);
-        AddKeys(node, second);
-    }
-    kernix::ViewportModel* view = scene->AddViewport(vl::zr::kViewportView, "a view with a longer name");
-    view->AddAnimationReference(first);
+    for (NodeModel* node : {target, camera, light})
+        for (const auto& animation : scene->AllAnimations()) AddKeys(node, animation.Get());
     vl::Matrix4<double> matrix;
     matrix.SetScale({2, 3, 4});
     scene->SetSceneMatrix(matrix);
@@ -139,6 +146,35 @@ TEST_F(OutOfMemory, ProcessDropsItsRecords) {
                 EXPECT_EQ(each.scene->GetCurrentTime(), 0) << "the scene's time stays";
             });
     }
+}
+
+TEST_F(OutOfMemory, KeysOfAFurtherAnimationDropTheRecords) {
+    struct Case {
+        Ref<SceneModel> scene = MovingMeshes();
+        Ref<vl::tk::Serializer> tool;
+        int result = -1;
+    };
+    Step<Case>(
+        [&] {
+            auto each = std::make_unique<Case>();
+            each->tool = Create<vl::tk::Serializer>(kTypeKeyframeTool);
+            vl::tk::Serializer& tool = *each->tool;
+            tool.m_pScene = each->scene.Get();
+            tool.m_dwExportFlags = vl::tk::kKeepAllNodes | vl::tk::kGroupingRoot | vl::tk::kDecomposeRest |
+                                   vl::tk::kMergeKeys | vl::tk::kFlipAxes | vl::tk::kExtractKeys;
+            tool.m_dwAnimFlags = vl::tk::kResampleKeys | vl::tk::kAngleAxisKeys | vl::tk::kReverseTime;
+            tool.Process(0);
+            each->scene->SetActiveAnimation(each->scene->AllAnimations()[1].Get());
+            return each;
+        },
+        [](Case& each) { each.result = each.tool->ProcessKeys(); },
+        [](Case& each, bool failed) {
+            if (!failed) {
+                EXPECT_EQ(each.result, 1);
+            }
+            EXPECT_EQ(each.tool->m_pRoots != nullptr, each.result == 1);
+            EXPECT_EQ(each.tool->m_pAllNodes != nullptr, each.result == 1);
+        });
 }
 
 TEST_F(OutOfMemory, QueriesAndNewNodesLeaveTheRecordsAsTheyWere) {
