@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: MIT
 # One interface target carries what every target of the project is compiled with.
+include(CheckCXXCompilerFlag)
+
 add_library(zr_options INTERFACE)
 target_include_directories(zr_options INTERFACE ${CMAKE_SOURCE_DIR})
 
@@ -11,7 +13,8 @@ target_compile_options(zr_options INTERFACE
 
 if(CMAKE_UNITY_BUILD)
   # Where several files are compiled as one, each sees the others' unnamed namespaces.
-  target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-shadow -Wno-subobject-linkage>)
+  target_compile_options(zr_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-shadow> $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
 endif()
 
 if(ZR_SANITIZE)
@@ -20,10 +23,19 @@ if(ZR_SANITIZE)
   # Each test program holds all that it tests: compressed, they take a third of the room.
   target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-gz>)
   target_link_options(zr_options INTERFACE -fsanitize=${ZR_SANITIZE} -gz -Wl,-z,pack-relative-relocs)
-elseif(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WIN32)
-  target_compile_options(zr_options INTERFACE
-    $<$<COMPILE_LANGUAGE:CXX>:-D_FORTIFY_SOURCE=2 -fstack-protector-strong>)
-  target_link_options(zr_options INTERFACE -Wl,-z,relro,-z,now)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  # An index beyond a container ends the program, on every system.
+  target_compile_definitions(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS>)
+  if(NOT WIN32)
+    target_compile_options(zr_options INTERFACE
+      $<$<COMPILE_LANGUAGE:CXX>:-D_FORTIFY_SOURCE=2 -fstack-protector-strong>)
+    # What some compilers and processors do not have.
+    foreach(flag -fstack-clash-protection -fcf-protection)
+      check_cxx_compiler_flag(${flag} ZR_HAS${flag})
+      target_compile_options(zr_options INTERFACE $<$<AND:$<BOOL:${ZR_HAS${flag}}>,$<COMPILE_LANGUAGE:CXX>>:${flag}>)
+    endforeach()
+    target_link_options(zr_options INTERFACE -Wl,-z,relro,-z,now)
+  endif()
 endif()
 if(NOT WIN32 AND NOT ZR_SANITIZE)
   target_link_options(zr_options INTERFACE -Wl,-z,defs)
