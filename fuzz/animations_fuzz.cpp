@@ -7,6 +7,7 @@
 #include "app/operations/reduce/reduce_keys.h"
 #include "app/scene/animations_of.h"
 #include "fuzz/scenes.h"
+#include "tests/app/services/the_host.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ void Merge(LoadedScene& loaded, test::Random& choices) {
     options.removeSources = choices.Chance();
     options.inSequence = choices.Chance();
     options.gap = choices.Chance() ? 0 : 0.5;
-    MergeAnimations(fuzz::TheHost(), loaded, AnimationsOf(loaded.Scene()), options);
+    MergeAnimations(test::TheHost(), loaded, AnimationsOf(loaded.Scene()), options);
 }
 
 void Split(LoadedScene& loaded, test::Random& choices) {
@@ -74,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (step == 0) Merge(loaded, choices);
             if (step == 1) Split(loaded, choices);
             if (step == 2) Bring(loaded, choices);
-            if (step == 3) RemoveAnimations(fuzz::TheHost(), loaded, AnimationsOf(loaded.Scene()));
+            if (step == 3) RemoveAnimations(test::TheHost(), loaded, AnimationsOf(loaded.Scene()));
             document = std::move(loaded).WriteBack();
         } catch (const std::runtime_error&) {
             return 0;  // the scene went with it

@@ -6,13 +6,14 @@
 
 #include "fuzz/scenes.h"
 #include "kernix/host_app_base.h"
+#include "tests/app/services/the_host.h"
 
 // Cleans random scenes of random things. A second cleaning finds nothing.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zr;
-    static EnvironmentService environment(fuzz::TheHost());
+    static EnvironmentService environment(test::TheHost());
     const auto context = vl::Ref<vl::Context>::Adopt(kernix::CreateContext());
-    const auto cleaner = fuzz::TheHost().Create<zr_CLEANER>(kTypeCleaner);
+    const auto cleaner = test::TheHost().Create<zr_CLEANER>(kTypeCleaner);
 
     test::Random choices = fuzz::ChoicesOf(data, size);
     CleanOptions options;

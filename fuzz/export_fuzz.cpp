@@ -2,6 +2,7 @@
 #include "app/operations/export/export_scene.h"
 #include "fuzz/export_choices.h"
 #include "fuzz/scenes.h"
+#include "tests/app/services/the_host.h"
 
 // Exports random scenes under random option words. What comes out is a scene again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -11,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string map;
     try {
         Exported exported = ExportScene(
-            fuzz::TheHost(), LoadedScene(fuzz::MakeDocument(choices)), options, [](double) {},
+            test::TheHost(), LoadedScene(fuzz::MakeDocument(choices)), options, [](double) {},
             choices.Chance() ? &map : nullptr);
         LoadedScene(std::move(exported.document));
     } catch (const std::runtime_error&) {

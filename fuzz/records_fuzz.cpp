@@ -7,6 +7,7 @@
 #include "fuzz/export_choices.h"
 #include "fuzz/scenes.h"
 #include "gltf/json.h"
+#include "tests/app/services/the_host.h"
 #include "tests/base/temporary_folder.h"
 
 // Writes the records of random scenes under random option words as JSON, which must be well formed.
@@ -20,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         LoadedScene loaded(fuzz::MakeDocument(choices));
         FileTransaction files;
         ExportRecords(
-            fuzz::TheHost(), loaded, options, [](double) {}, files.Create(folder / "records.json"), &map);
+            test::TheHost(), loaded, options, [](double) {}, files.Create(folder / "records.json"), &map);
         files.Commit();
     } catch (const std::runtime_error&) {
         return 0;

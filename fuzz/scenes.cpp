@@ -7,15 +7,6 @@
 
 namespace zr::fuzz {
 
-Host& TheHost() {
-    static Host& host = *[] {
-        auto* made = new Host("en");
-        made->LoadModule();
-        return made;
-    }();
-    return host;
-}
-
 test::Random ChoicesOf(const std::uint8_t* data, std::size_t size) {
     const std::size_t head = std::min<std::size_t>(size, 2);
     unsigned seed = 0;

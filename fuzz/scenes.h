@@ -3,16 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "app/scene/loaded_scene.h"
-#include "app/services/host.h"
 #include "tests/app/operations/wild_plan.h"
 
 namespace zr::fuzz {
-
-// The host with the module, which is made once.
-Host& TheHost();
 
 // The choices of an input. The first two bytes choose those that follow after its end.
 test::Random ChoicesOf(const std::uint8_t* data, std::size_t size);

@@ -117,7 +117,7 @@ namespace {
 // The reader does not check whether an allocation succeeded.
 class CheckedAllocator {
 public:
-    static constexpr bool kNeedFree = true;
+    [[maybe_unused]] static constexpr bool kNeedFree = true;
 
     void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
     void* Realloc(void* old, std::size_t oldSize, std::size_t size) {
