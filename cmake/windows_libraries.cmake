@@ -4,10 +4,10 @@
 set(ZR_SOURCES ${CMAKE_SOURCE_DIR}/build/debian-sources CACHE PATH "Folder of Debian's source packages")
 set(built_headers ${CMAKE_BINARY_DIR}/headers)
 
-# Other people's code, whose warnings are theirs.
+# Other people's code, whose warnings are theirs, optimised as Debian does.
 function(zr_add_foreign name)
   add_library(${name} STATIC ${ARGN})
-  target_compile_options(${name} PRIVATE -w)
+  target_compile_options(${name} PRIVATE -w -O2)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS ON)
 endfunction()
 
