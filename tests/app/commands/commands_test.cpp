@@ -247,6 +247,15 @@ TEST_F(Commands, ReportsReplaceNothing) {
     EXPECT_EQ(m_folder.Files(), (Strings{"a.glb"}));
 }
 
+TEST_F(Commands, ReportsAreWholePages) {
+    const Outcome run = m_folder.Zr("clean a.glb b.glb --report page.html");
+    if (run.err.find("built without report pages") != std::string::npos) GTEST_SKIP() << run.err;
+    EXPECT_EQ(run.status, 0) << run.err;
+    const std::string page = m_folder.Read("page.html");
+    EXPECT_TRUE(page.starts_with("<!doctype html>\n"));
+    EXPECT_TRUE(page.ends_with("</html>\n"));
+}
+
 TEST_F(Commands, CleanAndTextTellPrograms) {
     const gltf::Json clean = Json("clean a.glb b.glb --explain").Find("results")->Items()[0];
     EXPECT_GT(clean.Find("bytesAfter")->Number(), 0);
