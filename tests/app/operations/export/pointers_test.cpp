@@ -13,7 +13,7 @@ using gltf::Json;
 using gltf::Kind;
 
 // A node with a mesh of morph targets and a child, behind a node that carries nothing.
-constexpr const char* kScene = R"({"asset": {"version": "2.0"},
+constexpr const char* kPointingScene = R"({"asset": {"version": "2.0"},
     "extensionsUsed": ["KHR_animation_pointer", "KHR_interactivity", "KHR_lights_punctual", "KHR_node_visibility"],
     "scenes": [{"nodes": [0, 1]}],
     "nodes": [{}, {"mesh": 0, "children": [2, 3]}, {"camera": 0},
@@ -40,7 +40,7 @@ std::string Scene(std::initializer_list<std::pair<int, const char*>> pointers) {
             R"(, "target": {"path": "pointer", "extensions": {"KHR_animation_pointer": {"pointer": ")" +
             pointer + R"("}}}})";
     }
-    std::string text = kScene;
+    std::string text = kPointingScene;
     return text.replace(text.find("CHANNELS"), 8, channels);
 }
 

@@ -72,7 +72,8 @@ gltf::Document TwoScenes() {
     return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, bin)), "scenes.glb");
 }
 
-gltf::Document Export(gltf::Document document, const ExportOptions& options, MotionReport* report = nullptr) {
+gltf::Document ExportAndLoad(gltf::Document document, const ExportOptions& options,
+                             MotionReport* report = nullptr) {
     LoadedScene loaded(std::move(document), SceneOptionsOf(options, true));
     Exported exported = ExportScene(TheHost(), std::move(loaded), options, [](double) {});
     if (report != nullptr) *report = exported.report;
@@ -93,7 +94,7 @@ Affine Place(const Evaluator& evaluator, std::size_t node) {
     return above != compare::kNone ? evaluator.World(above) * evaluator.World(node) : evaluator.World(node);
 }
 
-struct Variant {
+struct SceneVariant {
     const char* name;
     std::uint32_t exportFlags = 0, animFlags = 0;
     float rescale = 1;
@@ -102,7 +103,7 @@ struct Variant {
     double speed = 1;
 };
 
-constexpr Variant kVariants[] = {
+constexpr SceneVariant kSceneVariants[] = {
     {"as it is"},
     {"scaled, Z up", 0, 0, 1, 100, true},
     {"scaled, Z up, below roots", vl::tk::kGroupingRoot, 0, 1, 100, true},
@@ -115,14 +116,14 @@ constexpr Variant kVariants[] = {
     {"twice as fast", 0, 0, 1, 10, false, 2},
 };
 
-double Mapped(const Variant& variant, double time) {
+double Mapped(const SceneVariant& variant, double time) {
     const double factor = variant.animFlags == vl::tk::kSetLength ? 2 : double{variant.rescale};
     if ((variant.animFlags & vl::tk::kReverseTime) != 0) return (2.5 - time) * factor;
     return variant.animFlags != 0 ? (time - 0.5) * factor : time / variant.speed;
 }
 
 // The place in the exported space.
-Affine Exported(const Variant& variant, Affine place) {
+Affine Exported(const SceneVariant& variant, Affine place) {
     const auto point = [&](Vec3 p) {
         p = p * variant.scale;
         if (variant.zUp) p = {p.x, -p.z, p.y};
@@ -140,7 +141,7 @@ double Distance(const Affine& a, const Affine& b) {
 TEST(ExportedScenes, AllMoveTogether) {
     const gltf::Document source = TwoScenes();
     Evaluator before(source);
-    for (const Variant& variant : kVariants) {
+    for (const SceneVariant& variant : kSceneVariants) {
         SCOPED_TRACE(variant.name);
         ExportOptions options;
         options.exportFlags |= variant.exportFlags;
@@ -150,7 +151,7 @@ TEST(ExportedScenes, AllMoveTogether) {
         options.sceneMatrix.Scale(vl::Vector3<double>{variant.scale, variant.scale, variant.scale});
         if (variant.zUp) options.sceneMatrix.RotateX(1.5707963267948966);
         MotionReport report;
-        const gltf::Document document = Export(TwoScenes(), options, &report);
+        const gltf::Document document = ExportAndLoad(TwoScenes(), options, &report);
         EXPECT_LT(report.deviation, 1e-4 * report.size);
         Evaluator after(document);
         ASSERT_EQ(after.Animations().size(), 1u);
@@ -188,11 +189,11 @@ using Roots = std::vector<std::vector<std::size_t>>;
 
 // Nodes that scenes share have a root that the scenes share.
 TEST(ExportedScenes, KeepTheirRoots) {
-    EXPECT_EQ(RootsOf(Export(TwoScenes(), ExportOptions())), (Roots{{0, 3, 4}, {1, 0}}));
+    EXPECT_EQ(RootsOf(ExportAndLoad(TwoScenes(), ExportOptions())), (Roots{{0, 3, 4}, {1, 0}}));
     ExportOptions options;
     options.exportFlags |= vl::tk::kGroupingRoot | vl::tk::kAssignNames | vl::tk::kExportSystemCamera;
     options.nameFlags |= vl::tk::kNamesUnique;
-    const gltf::Document grouped = Export(TwoScenes(), options);
+    const gltf::Document grouped = ExportAndLoad(TwoScenes(), options);
     EXPECT_EQ(RootsOf(grouped), (Roots{{13, 14}, {11, 13}}));
     std::set<std::string_view> names;
     for (const Json& node : grouped.Elements(Kind::kNode))
@@ -213,7 +214,7 @@ TEST(ExportedScenes, ChooseLevelsWithTheirNode) {
     ExportOptions options;
     options.nodes.only = {"top", "inner"};
     options.nodes.exclude = {"inner"};
-    const gltf::Document document = Export(TwoScenes(), options);
+    const gltf::Document document = ExportAndLoad(TwoScenes(), options);
     ASSERT_EQ(document.Elements(Kind::kNode).size(), 2u);
     EXPECT_EQ(document.Elements(Kind::kNode)[1].Find("name")->String(), "low top");
     EXPECT_EQ(RootsOf(document), (Roots{{0}, {}}));
@@ -224,11 +225,11 @@ TEST(ExportedScenes, KeepEmptyLevelsOfWhatStays) {
     ExportOptions options;
     options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
     const gltf::Document document =
-        Export(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
+        ExportAndLoad(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
         "nodes": [{"camera": 0, "extensions": {"MSFT_lod": {"ids": [2]}}}, {"extensions": {"MSFT_lod": {"ids": [3]}}},
                   {"children": [4]}, {}, {}],
         "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}]})"),
-               options);
+                      options);
     EXPECT_EQ(document.Elements(Kind::kNode).size(), 3u);
     EXPECT_EQ(RootsOf(document), (Roots{{0}}));
 }
