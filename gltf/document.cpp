@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/document.h"
 #include "base/filesystem.h"
+#include "base/give_back.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -109,6 +110,11 @@ void Document::Read(FileContent content) {
     }
     m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);
+    // The tree has all of the text.
+    if (m_isGlb)
+        GiveBack(std::as_writable_bytes(std::span(text, size)));
+    else
+        m_content = {};
     for (std::size_t i = 0; i < kKinds; ++i) Elements(static_cast<Kind>(i));
     Claim(m_tree.Size(), "");
     CheckStructure(*this);

@@ -8,7 +8,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -17,7 +16,31 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 constexpr std::size_t kLargeObject = 16;  // members; going over fewer costs nothing
-constexpr std::size_t kLongestNumber = 40;
+
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The first characters of a name, to be compared at once with those of names in a tree, whose storage is a
+// multiple of this size (JsonTree::Allocate).
+class NameHead {
+public:
+    static constexpr std::size_t kSize = 8;
+
+    explicit NameHead(std::string_view name) {
+        const std::size_t size = std::min(name.size(), kSize);
+        name.copy(reinterpret_cast<char*>(&m_bytes), size);
+        std::memset(&m_mask, 0xFF, size);
+    }
+    bool Begins(const char* other) const {
+        std::uint64_t bytes;
+        std::memcpy(&bytes, other, kSize);
+        return ((bytes ^ m_bytes) & m_mask) == 0;
+    }
+
+private:
+    std::uint64_t m_bytes = 0;
+    std::uint64_t m_mask = 0;
+};
 
 void CheckFinite(double value) {
     if (!std::isfinite(value))
@@ -28,6 +51,10 @@ void CheckFinite(double value) {
 
 double Json::Number() const {
     if (!IsNumber()) return 0.0;
+    if (IsDecimal()) {
+        const double size = static_cast<double>(m_word >> kDigitsShift) / kPowersOfTen[Places()];
+        return (m_word & kNegative) != 0 ? -size : size;
+    }
     double value = 0.0;
     // The reader rejects numbers that are too large; those too small stay 0.
     const std::string_view text = Text();
@@ -37,14 +64,57 @@ double Json::Number() const {
 
 std::optional<std::uint64_t> Json::AnyIndex() const {
     if (!IsNumber()) return std::nullopt;
-    constexpr std::uint64_t kMost = std::numeric_limits<std::size_t>::max();
-    std::uint64_t value = 0;
-    const std::string_view text = Text();
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc() && end == text.data() + text.size()) return std::min(value, kMost);
+    if (!IsDecimal()) {
+        std::uint64_t value = 0;
+        const std::string_view text = Text();
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error == std::errc() && end == text.data() + text.size()) return std::min(value, kMostIndex);
+    }
     const double number = Number();
     if (!(number >= 0.0 && number <= 9007199254740992.0) || number != std::floor(number)) return std::nullopt;
-    return std::min(static_cast<std::uint64_t>(number), kMost);
+    return std::min(static_cast<std::uint64_t>(number), kMostIndex);
+}
+
+std::optional<Json> Json::DecimalOf(std::string_view text) {
+    const bool isNegative = text.starts_with('-');
+    if (isNegative) text.remove_prefix(1);
+    std::uint64_t digits = 0;
+    std::size_t point = text.size();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto digit = static_cast<std::uint64_t>(text[i]) - '0';
+        if (text[i] == '.') {
+            point = i + 1;
+        } else if (digit > 9 || (digits = digits * 10 + digit) >= kEndOfDigits) {
+            return std::nullopt;
+        }
+    }
+    const std::size_t places = text.size() - point;
+    if (places > kMostPlaces) return std::nullopt;
+    return Decimal(digits, static_cast<unsigned>(places), isNegative);
+}
+
+std::string_view Json::NumberText(NumberRoom& room) const {
+    if (!IsNumber()) return {};
+    if (!IsDecimal()) return Text();
+    const unsigned places = Places();
+    char* end = room.data();
+    if ((m_word & kNegative) != 0) *end++ = '-';
+    char* const first = end;
+    end = std::to_chars(first, room.data() + room.size(), m_word >> kDigitsShift).ptr;
+    if (places != 0) {
+        // At least one digit stands before the point.
+        const auto count = static_cast<unsigned>(end - first);
+        if (count <= places) {
+            const unsigned missing = places + 1 - count;
+            std::copy_backward(first, end, end + missing);
+            std::fill_n(first, missing, '0');
+            end += missing;
+        }
+        std::copy_backward(end - places, end, end + 1);
+        *(end - places) = '.';
+        ++end;
+    }
+    return {room.data(), static_cast<std::size_t>(end - room.data())};
 }
 
 Json* Json::Find(std::string_view name) {
@@ -53,11 +123,23 @@ Json* Json::Find(std::string_view name) {
 
 const Json* Json::Find(std::string_view name) const {
     if (!IsObject()) return nullptr;
-    // First and last characters tell most names apart without a call.
+    if (name.empty() || name.size() >= kLongText) {
+        for (const JsonMember& member : Members())
+            if (member.Name() == name) return &member.value;
+        return nullptr;
+    }
+    // Sizes and first characters tell most names apart without a call.
+    const NameHead head(name);
+    const std::uint64_t word =
+        std::uint64_t{name.size()} << kTypeBits | static_cast<std::uint64_t>(Type::kString);
+    constexpr std::uint64_t kWord = (std::uint64_t{1} << kAddressShift) - 1;
     for (const JsonMember& member : Members()) {
-        const std::string_view other = member.Name();
-        if (other.size() != name.size()) continue;
-        if (name.empty() || (other.back() == name.back() && other == name)) return &member.value;
+        if ((member.key.m_word & kWord) != word) continue;
+        const char* const other = member.key.Content<const char>();
+        if (head.Begins(other) && (name.size() <= NameHead::kSize ||
+                                   std::memcmp(other + NameHead::kSize, name.data() + NameHead::kSize,
+                                               name.size() - NameHead::kSize) == 0))
+            return &member.value;
     }
     return nullptr;
 }
@@ -85,30 +167,27 @@ void* JsonTree::Allocate(std::size_t bytes) {
     return place;
 }
 
-Json JsonTree::Text(Json::Type type, std::string_view text) {
-    if (text.size() < Json::kLongText) return Json(type, text.data(), text.size());
-    return Json(type, new (Allocate(sizeof text)) std::string_view(text), Json::kLongText);
+Json JsonTree::Store(Json::Type type, std::string_view text) {
+    char* const copy = static_cast<char*>(Allocate(text.size()));
+    std::copy(text.begin(), text.end(), copy);
+    if (text.size() < Json::kLongText) return Json(type, copy, text.size());
+    return Json(type, new (Allocate(sizeof text)) std::string_view(copy, text.size()), Json::kLongText);
 }
 
-Json JsonTree::Store(Json::Type type, std::string_view text) {
-    char* copy = static_cast<char*>(Allocate(text.size()));
-    std::copy(text.begin(), text.end(), copy);
-    return Text(type, {copy, text.size()});
+Json JsonTree::ReadNumber(std::string_view text) {
+    const auto decimal = Json::DecimalOf(text);
+    return decimal ? *decimal : Store(Json::Type::kNumber, text);
 }
 
 Json JsonTree::MakeString(std::string_view text) {
     return Store(Json::Type::kString, text);
 }
 
-// Written where it is to stand; the room that is left over is free again.
 template <typename T>
 Json JsonTree::Number(T value) {
-    char* const text = static_cast<char*>(Allocate(kLongestNumber));
-    const auto size = static_cast<std::size_t>(std::to_chars(text, text + kLongestNumber, value).ptr - text);
-    const std::size_t left = (kLongestNumber - size) & ~std::size_t{7};
-    m_free -= left;
-    m_left += left;
-    return Text(Json::Type::kNumber, {text, size});
+    Json::NumberRoom text;
+    const char* const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    return ReadNumber({text.data(), static_cast<std::size_t>(end - text.data())});
 }
 
 Json JsonTree::MakeNumber(double value) {
@@ -122,7 +201,7 @@ Json JsonTree::MakeNumber(float value) {
 }
 
 Json JsonTree::MakeIndex(std::uint64_t value) {
-    return Number(value);
+    return value < Json::kEndOfDigits ? Json::Decimal(value) : Number(value);
 }
 
 Json JsonTree::MakeNumbers(std::span<const float> values) {
@@ -198,7 +277,8 @@ Json* JsonTree::Find(Json& object, std::string_view name, JsonFind& find) {
 }
 
 Json JsonTree::Clone(const Json& source) {
-    if (source.IsNumber() || source.IsString()) return Store(source.GetType(), source.Text());
+    if (source.HasTag(Json::Type::kNumber) || source.IsString())
+        return Store(source.GetType(), source.Text());
     if (source.IsArray()) {
         const auto items = source.Items();
         const Json copy =
@@ -219,7 +299,7 @@ Json JsonTree::Clone(const Json& source) {
 bool EqualJson(const Json& a, const Json& b) {
     if (a.GetType() != b.GetType()) return false;
     if (a.IsString()) return a.String() == b.String();
-    if (a.IsNumber()) return a.NumberText() == b.NumberText() || a.Number() == b.Number();
+    if (a.IsNumber()) return a.Number() == b.Number();
     if (a.IsArray()) {
         return std::equal(a.Items().begin(), a.Items().end(), b.Items().begin(), b.Items().end(), EqualJson);
     }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <span>
@@ -18,41 +21,35 @@ inline constexpr unsigned kMaxJsonDepth = 128;  // real documents stay below 20;
 
 struct JsonMember;
 
-// A JSON value of 8 bytes whose content lives in the JsonTree it came from. Numbers keep the text they were
-// written with, so that unchanged content is written as it was read. Copying a Json copies the handle, not
-// the content. References to items and members are valid until their container gets another element.
+// A JSON value of 8 bytes whose content lives in the JsonTree it came from. Numbers are written with the text
+// they were read from, so that unchanged content goes out as it came in. Copying a Json copies the handle,
+// not the content. References to items and members are valid until their container gets another element.
 class Json {
 public:
     enum class Type : std::uint8_t { kNull, kFalse, kTrue, kNumber, kString, kArray, kObject };
 
     Json() = default;
 
-    Type GetType() const { return static_cast<Type>(m_word & kTypeMask); }
+    Type GetType() const { return IsNumber() ? Type::kNumber : static_cast<Type>(m_word & kTypeMask); }
     bool IsBool() const { return GetType() == Type::kFalse || GetType() == Type::kTrue; }
-    bool IsNumber() const { return GetType() == Type::kNumber; }
-    bool IsString() const { return GetType() == Type::kString; }
-    bool IsArray() const { return GetType() == Type::kArray; }
-    bool IsObject() const { return GetType() == Type::kObject; }
+    bool IsNumber() const { return HasTag(Type::kNumber) || IsDecimal(); }
+    bool IsString() const { return HasTag(Type::kString); }
+    bool IsArray() const { return HasTag(Type::kArray); }
+    bool IsObject() const { return HasTag(Type::kObject); }
 
     // The value, or the neutral one (false, 0, empty) when it is of another type.
-    bool Bool() const { return GetType() == Type::kTrue; }
+    bool Bool() const { return HasTag(Type::kTrue); }
     double Number() const;
     std::string_view String() const { return IsString() ? Text() : std::string_view(); }
-    std::string_view NumberText() const { return IsNumber() ? Text() : std::string_view(); }
+    // `room` is where the text stands, if nowhere else.
+    using NumberRoom = std::array<char, 32>;
+    std::string_view NumberText(NumberRoom& room) const;
 
     // A number that is whole and at least 0 (3, also 3.0), as far as std::size_t goes; else nothing.
     std::optional<std::uint64_t> Index() const {
-        // Nearly all of them are just a few digits.
-        constexpr std::size_t kFewDigits = 9;
-        const std::string_view text = NumberText();
-        if (text.empty() || text.size() > kFewDigits) return AnyIndex();
-        std::uint32_t value = 0;
-        for (const char c : text) {
-            const auto digit = static_cast<std::uint32_t>(c) - '0';
-            if (digit > 9) return AnyIndex();
-            value = value * 10 + digit;
-        }
-        return value;
+        constexpr std::uint64_t kNotDigits = (std::uint64_t{1} << kDigitsShift) - 1;
+        if ((m_word & kNotDigits) == kDecimal) return std::min(m_word >> kDigitsShift, kMostIndex);
+        return AnyIndex();
     }
 
     // Items of an array, members of an object; empty for other types.
@@ -83,16 +80,41 @@ private:
     static constexpr std::uint64_t kTypeMask = (1U << kTypeBits) - 1;
     static constexpr std::uint64_t kLongText = (1U << kSizeBits) - 1;  // the content is a std::string_view
 
+    // Nearly all numbers are few digits, which the word itself holds as a whole number, with the sign and how
+    // many of them are behind the point: together they tell the text, and looking at one costs no memory. As
+    // long as both fit a double exactly, so does their quotient but for one rounding.
+    static constexpr std::uint64_t kDecimal = kTypeMask;  // in place of a type
+    static constexpr std::uint64_t kNegative = std::uint64_t{1} << kTypeBits;
+    static constexpr unsigned kPlacesShift = kTypeBits + 1, kPlacesBits = 5;
+    static constexpr unsigned kDigitsShift = kPlacesShift + kPlacesBits;
+    static constexpr std::uint64_t kEndOfDigits = std::uint64_t{1} << 53;
+    static constexpr unsigned kMostPlaces = 22;  // the largest power of ten that a double holds
+
     // Stands before the items or members; an empty container may have no content at all.
     struct Header {
         std::uint32_t size;
         std::uint32_t room;
     };
 
+    static Json Decimal(std::uint64_t digits, unsigned places = 0, bool isNegative = false) {
+        Json number;
+        number.m_word = digits << kDigitsShift | std::uint64_t{places} << kPlacesShift |
+                        (isNegative ? kNegative : 0) | kDecimal;
+        return number;
+    }
+    // Nothing for a text that needs more, such as one with an exponent.
+    static std::optional<Json> DecimalOf(std::string_view text);
+
     explicit Json(Type type, const void* content = nullptr, std::uint64_t textSize = 0)
         : m_word(std::uint64_t{reinterpret_cast<std::uintptr_t>(content)} << kAddressShift |
                  textSize << kTypeBits | static_cast<std::uint64_t>(type)) {
         assert(Content<const void>() == content);
+    }
+
+    bool HasTag(Type type) const { return (m_word & kTypeMask) == static_cast<std::uint64_t>(type); }
+    bool IsDecimal() const { return (m_word & kTypeMask) == kDecimal; }
+    unsigned Places() const {
+        return static_cast<unsigned>(m_word >> kPlacesShift & ((1U << kPlacesBits) - 1));
     }
 
     template <typename T>
@@ -105,12 +127,13 @@ private:
         if (header == nullptr) return {};
         return {reinterpret_cast<T*>(header + 1), header->size};
     }
-    // Of a number or a string.
+    // Of a string, or a number that is no decimal.
     std::string_view Text() const {
         const std::uint64_t size = m_word >> kTypeBits & kLongText;
         if (size == kLongText) return *Content<const std::string_view>();
         return {Content<const char>(), static_cast<std::size_t>(size)};
     }
+    static constexpr std::uint64_t kMostIndex = std::numeric_limits<std::size_t>::max();
     std::optional<std::uint64_t> AnyIndex() const;
 
     std::uint64_t m_word = 0;
@@ -141,10 +164,10 @@ public:
 
     Json root;
 
-    // Parses `text`: size bytes, followed by one more writable byte. The text is changed in place and must
-    // outlive the tree. Throws Error (kSyntax, `file`, "byte N").
+    // Parses `text`: size bytes, followed by one more writable byte. The text is changed in place and no
+    // longer needed. Throws Error (kSyntax, `file`, "byte N").
     void Parse(char* text, std::size_t size, std::string_view file);
-    // Reads a value from text that is copied; for building content from literals.
+    // Reads a value; for building content from literals.
     Json Build(std::string_view text);
 
     Json MakeString(std::string_view text);
@@ -175,9 +198,9 @@ private:
     friend class JsonBuilder;
 
     void* Allocate(std::size_t bytes);
-    // A text that lives as long as the tree.
-    Json Text(Json::Type type, std::string_view text);
+    // A copy of the text.
     Json Store(Json::Type type, std::string_view text);
+    Json ReadNumber(std::string_view text);
     template <typename T>
     Json Number(T value);
     // A container of `size` slots of `slotSize` bytes each, with room for `room`, copied from `slots`.

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -28,10 +29,10 @@ public:
     bool Null() { return Push(Json()); }
     bool Bool(bool value) { return Push(JsonTree::MakeBool(value)); }
     bool RawNumber(const char* text, rapidjson::SizeType size, bool) {
-        return Push(m_tree.Text(Json::Type::kNumber, {text, size}));
+        return Push(m_tree.ReadNumber({text, size}));
     }
     bool String(const char* text, rapidjson::SizeType size, bool) {
-        return Push(m_tree.Text(Json::Type::kString, {text, size}));
+        return Push(m_tree.MakeString({text, size}));
     }
     bool Key(const char* text, rapidjson::SizeType size, bool) { return Push(Name({text, size})); }
     bool StartObject() { return Open(); }
@@ -57,13 +58,12 @@ public:
     bool Double(double) { return false; }
 
 private:
-    // Members have few names. Where equal ones share a text, looking for a member reads texts that are in
-    // the cache instead of the whole file.
+    // Members have few names, and equal ones share a text.
     Json Name(std::string_view text) {
-        if (text.empty()) return m_tree.Text(Json::Type::kString, text);
+        if (text.empty()) return m_tree.MakeString(text);
         const auto byte = [](char c) { return static_cast<unsigned char>(c); };
         Json& known = m_names[(text.size() + byte(text.front()) * 7U + byte(text.back()) * 31U) % kNames];
-        if (known.String() != text) known = m_tree.Text(Json::Type::kString, text);
+        if (known.String() != text) known = m_tree.MakeString(text);
         return known;
     }
 
@@ -172,10 +172,10 @@ void JsonTree::Parse(char* text, std::size_t size, std::string_view file) {
 }
 
 Json JsonTree::Build(std::string_view text) {
-    char* copy = static_cast<char*>(Allocate(text.size() + 1));
-    std::copy(text.begin(), text.end(), copy);
+    std::string copy(text);
+    copy.push_back('\0');
     const Json kept = root;
-    Parse(copy, text.size(), "");
+    Parse(copy.data(), text.size(), "");
     return std::exchange(root, kept);
 }
 

@@ -31,7 +31,7 @@ public:
             case Json::Type::kTrue:
                 return Put("true");
             case Json::Type::kNumber:
-                return Put(value.NumberText());
+                return Put(value.NumberText(m_number));
             case Json::Type::kString:
                 return String(value.String());
             case Json::Type::kArray:
@@ -120,6 +120,7 @@ private:
 
     bool m_pretty;
     const JsonSink& m_sink;
+    Json::NumberRoom m_number;
     std::array<char, std::size_t{64} << 10> m_buffer;
     std::size_t m_size = 0;
 };

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <charconv>
+#include <random>
 
 #include "gltf/error.h"
 
@@ -34,6 +36,15 @@ TEST(Json, WhatIsNotChangedGoesOutAsItCame) {
              "18446744073709551616",
              "-9223372036854775809",
              "123456789012345678901234567890.5",
+             "-0",
+             "-0.00",
+             "0.050",
+             "-12.75",
+             "9007199254740991",
+             "9007199254740992",
+             "-900719925474.0991",
+             "0.0000000000000000000001",
+             "0.00000000000000000000001",
              "\"\"",
              "\"a\\\"b\\\\c\\n\\t\\u0001\"",
              "\"\xC3\xA9\xE2\x82\xAC\"",
@@ -60,20 +71,40 @@ TEST(Json, NumbersReadAndWriteExactly) {
     for (double value : {0.1, -0.0, 1e300, 5e-324, 123456789.125})
         EXPECT_EQ(std::bit_cast<std::uint64_t>(tree.MakeNumber(value).Number()),
                   std::bit_cast<std::uint64_t>(value));
-    EXPECT_EQ(tree.MakeNumber(0.1F).NumberText(), "0.1");
+    Json::NumberRoom room;
+    EXPECT_EQ(tree.MakeNumber(0.1F).NumberText(room), "0.1");
     EXPECT_EQ(static_cast<float>(tree.MakeNumber(16777216.0F).Number()), 16777216.0F);
     EXPECT_EQ(tree.Build("1e-999").Number(), 0.0);
 }
 
+TEST(Json, DecimalsReadAsTheNearestDouble) {
+    std::mt19937_64 random(7);
+    JsonTree tree;
+    for (int i = 0; i < 20000; ++i) {
+        std::string text = std::to_string(random() >> random() % 64);
+        const std::size_t places = random() % 25;
+        if (text.size() <= places) text.insert(0, places + 1 - text.size(), '0');
+        if (places != 0) text.insert(text.size() - places, ".");
+        if (random() % 2 == 0) text.insert(0, "-");
+        double wanted = 0;
+        std::from_chars(text.data(), text.data() + text.size(), wanted);
+        const Json number = tree.Build(text);
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(number.Number()), std::bit_cast<std::uint64_t>(wanted))
+            << text;
+        ASSERT_EQ(WriteJson(number, false), text);
+    }
+}
+
 // A value's word counts up to 8190 characters; longer texts are told apart from them.
 TEST(Json, TextsOfAnyLengthAreKept) {
+    Json::NumberRoom room;
     for (const std::size_t size : {8190U, 8191U, 8192U, 100000U}) {
         const std::string text(size, 'x'), digits = "0." + std::string(size - 2, '7');
         JsonTree tree, other;
         Json object = tree.Build("{\"" + text + "\":[\"" + text + "\"," + digits + "]}");
         ASSERT_NE(object.Find(text), nullptr);
         EXPECT_EQ(object.Find(text)->Items()[0].String(), text);
-        EXPECT_EQ(object.Find(text)->Items()[1].NumberText(), digits);
+        EXPECT_EQ(object.Find(text)->Items()[1].NumberText(room), digits);
         tree.Member(object, "new") = tree.MakeString(text);
         EXPECT_EQ(other.Clone(object).Find("new")->String(), text);
     }
