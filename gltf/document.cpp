@@ -123,7 +123,7 @@ void Document::Read(FileContent content) {
     CheckAccessors(*this);
     if (m_options.decoder != nullptr) {
         m_options.decoder->Decode(*this);
-        CheckAccessors(*this);
+        if (!m_suppliedViews.empty() || !m_suppliedAccessors.empty()) CheckAccessors(*this);
     }
     CheckHierarchy(*this);
     CheckMeshes(*this);
