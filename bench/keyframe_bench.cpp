@@ -29,8 +29,7 @@ Ref<SceneModel> MakeScene(int count, int depth, bool isAnimated) {
     auto scene = Ref<SceneModel>::Adopt(new SceneModel);
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions = std::make_shared<kernix::Positions>(9, 0.0f);
-    geometry->faceIndices = {0, 1, 2};
-    geometry->Index();
+    geometry->faces = kernix::MakeFaces({0, 1, 2});
     auto* animation = isAnimated ? scene->AddAnimation(u"move") : nullptr;
     NodeModel* parent = nullptr;
     for (int i = 0; i < count; ++i) {

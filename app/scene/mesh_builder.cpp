@@ -27,55 +27,6 @@ enum Mode : std::uint32_t {
 
 constexpr std::string_view kCompression = "KHR_draco_mesh_compression";
 
-// Turns the vertex order of a primitive into triangles or pairs.
-void AddInOrder(std::uint32_t mode, const std::vector<std::uint32_t>& order, std::uint32_t first,
-                kernix::MeshGeometry& geometry) {
-    const auto at = [&](std::size_t i) { return first + order[i]; };
-    const auto triangle = [&](std::size_t a, std::size_t b, std::size_t c) {
-        geometry.faceIndices.insert(geometry.faceIndices.end(), {at(a), at(b), at(c)});
-    };
-    const auto pair = [&](std::size_t a, std::size_t b) {
-        geometry.secondaryIndices.insert(geometry.secondaryIndices.end(), {at(a), at(b)});
-    };
-    const std::size_t count = order.size();
-    switch (mode) {
-        case kTriangles:
-            geometry.faceIndices.reserve(geometry.faceIndices.size() + count);
-            for (std::size_t i = 0; i + 2 < count; i += 3) triangle(i, i + 1, i + 2);
-            break;
-        case kTriangleStrip:
-            // Every other triangle of a strip is reversed.
-            for (std::size_t i = 0; i + 2 < count; ++i) triangle(i, i + 1 + i % 2, i + 2 - i % 2);
-            break;
-        case kTriangleFan:
-            for (std::size_t i = 1; i + 1 < count; ++i) triangle(i, i + 1, 0);
-            break;
-        case kLines:
-            for (std::size_t i = 0; i + 1 < count; i += 2) pair(i, i + 1);
-            break;
-        case kLineLoop:
-        case kLineStrip:
-            for (std::size_t i = 0; i + 1 < count; ++i) pair(i, i + 1);
-            if (mode == kLineLoop && count > 1) pair(count - 1, 0);
-            break;
-        default:
-            break;
-    }
-}
-
-// The same where the order of the vertices is not known, but how many they are.
-void AddUnread(std::uint32_t mode, std::size_t count, kernix::MeshGeometry& geometry) {
-    const auto add = [](std::uint32_t& total, std::size_t more) {
-        constexpr std::size_t kMost = 0x7FFFFFFF;
-        total = static_cast<std::uint32_t>(std::min(total + std::min(more, kMost), kMost));
-    };
-    if (mode == kLines) add(geometry.unreadSecondary, count / 2);
-    if (mode == kLineLoop && count > 1) add(geometry.unreadSecondary, count);
-    if (mode == kLineStrip && count > 1) add(geometry.unreadSecondary, count - 1);
-    if (mode == kTriangles) add(geometry.unreadFaces, count / 3);
-    if (mode > kTriangles && count > 2) add(geometry.unreadFaces, count - 2);
-}
-
 // Of KHR_materials_variants; extensions: those of a primitive, or null.
 std::span<const Json> Mappings(const Json* extensions) {
     const Json* variants = extensions != nullptr ? extensions->Find("KHR_materials_variants") : nullptr;
@@ -161,7 +112,7 @@ void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
         m_uses.push_back(std::make_shared<kernix::MaterialUses>());
         for (const std::uint32_t material : key) m_uses.back()->Add(m_materials[material]);
     }
-    shape.uses = m_uses[number];
+    shape.uses = number;
 }
 
 MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
@@ -253,26 +204,109 @@ MeshBuilder::Vertices MeshBuilder::VerticesOf(const std::vector<Part>& parts, Wo
     return m_vertices.back();
 }
 
+// Turns the vertex order of a primitive into triangles or pairs.
+void MeshBuilder::AddInOrder(std::uint32_t mode, const Words& indices, std::uint32_t first, Order& order) {
+    const auto at = [&](std::size_t i) { return first + indices[i]; };
+    const auto triangle = [&](std::size_t a, std::size_t b, std::size_t c) {
+        order.faces.insert(order.faces.end(), {at(a), at(b), at(c)});
+    };
+    const auto pair = [&](std::size_t a, std::size_t b) {
+        order.lines.insert(order.lines.end(), {at(a), at(b)});
+    };
+    const std::size_t count = indices.size();
+    switch (mode) {
+        case kTriangles:
+            order.faces.reserve(order.faces.size() + count);
+            for (std::size_t i = 0; i + 2 < count; i += 3) triangle(i, i + 1, i + 2);
+            break;
+        case kTriangleStrip:
+            // Every other triangle of a strip is reversed.
+            for (std::size_t i = 0; i + 2 < count; ++i) triangle(i, i + 1 + i % 2, i + 2 - i % 2);
+            break;
+        case kTriangleFan:
+            for (std::size_t i = 1; i + 1 < count; ++i) triangle(i, i + 1, 0);
+            break;
+        case kLines:
+            for (std::size_t i = 0; i + 1 < count; i += 2) pair(i, i + 1);
+            break;
+        case kLineLoop:
+        case kLineStrip:
+            for (std::size_t i = 0; i + 1 < count; ++i) pair(i, i + 1);
+            if (mode == kLineLoop && count > 1) pair(count - 1, 0);
+            break;
+        default:
+            break;
+    }
+}
+
+// The same where the order of the vertices is not known, but how many they are.
+void MeshBuilder::AddUnread(std::uint32_t mode, std::size_t count, Order& order) {
+    const auto add = [](std::uint32_t& total, std::size_t more) {
+        constexpr std::size_t kMost = 0x7FFFFFFF;
+        total = static_cast<std::uint32_t>(std::min(total + std::min(more, kMost), kMost));
+    };
+    if (mode == kLines) add(order.unreadLines, count / 2);
+    if (mode == kLineLoop && count > 1) add(order.unreadLines, count);
+    if (mode == kLineStrip && count > 1) add(order.unreadLines, count - 1);
+    if (mode == kTriangles) add(order.unreadFaces, count / 3);
+    if (mode > kTriangles && count > 2) add(order.unreadFaces, count - 2);
+}
+
+bool MeshBuilder::IsReadable(const Part& part) const {
+    const std::size_t ordering = part.indices != nullptr ? *part.indices->Index() : part.positions;
+    return !part.isCompressed && gltf::HasData(m_document, part.positions) &&
+           gltf::HasData(m_document, ordering);
+}
+
 // `first`: of the part's `count` vertices in the mesh.
-void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count,
-                           kernix::MeshGeometry& geometry) const {
-    const gltf::Document& document = m_document;
+void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count, Order& order) const {
     if (part.positions == kNone) return;
     const std::size_t ordering = part.indices != nullptr ? *part.indices->Index() : part.positions;
-    if (part.isCompressed || !gltf::HasData(document, part.positions) || !gltf::HasData(document, ordering))
-        return AddUnread(part.mode, gltf::Describe(document, ordering).count, geometry);
-    std::vector<std::uint32_t> order;
+    if (!IsReadable(part)) return AddUnread(part.mode, gltf::Describe(m_document, ordering).count, order);
+    Words indices;
     if (part.indices != nullptr) {
-        order = gltf::ReadIntegers(document, ordering);
+        indices = gltf::ReadIntegers(m_document, ordering);
     } else {
-        order.resize(count);
-        std::iota(order.begin(), order.end(), 0U);
+        indices.resize(count);
+        std::iota(indices.begin(), indices.end(), 0U);
     }
-    const bool isAll = part.mode == kTriangles && first == 0 && geometry.faceIndices.empty();
-    if (isAll && order.size() % 3 == 0)
-        geometry.faceIndices = std::move(order);
+    const bool isAll = part.mode == kTriangles && first == 0 && order.faces.empty();
+    if (isAll && indices.size() % 3 == 0)
+        order.faces = std::move(indices);
     else
-        AddInOrder(part.mode, order, first, geometry);
+        AddInOrder(part.mode, indices, first, order);
+}
+
+// Answers how many faces each part has.
+MeshBuilder::Words MeshBuilder::SetLists(const std::vector<Part>& parts, const Vertices& vertices,
+                                         const Words& sources, kernix::MeshGeometry& geometry) const {
+    Order order;
+    Words faces;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::uint32_t first = vertices.ends[sources[i]];
+        const std::size_t before = order.faces.size();
+        AddLists(parts[i], first, vertices.ends[sources[i] + 1] - first, order);
+        faces.push_back(static_cast<std::uint32_t>((order.faces.size() - before) / 3));
+    }
+    geometry.faces = kernix::MakeFaces(std::move(order.faces));
+    geometry.secondary = kernix::MakeLines(std::move(order.lines));
+    geometry.unreadFaces = order.unreadFaces;
+    geometry.unreadSecondary = order.unreadLines;
+    return faces;
+}
+
+// Copies of a shape at other places, and grids, have other vertices in the same order.
+void MeshBuilder::SetSharedLists(const Part& part, kernix::MeshGeometry& geometry) {
+    const std::uint32_t key[] = {part.indicesId, part.mode};
+    const auto [number, isNew] = m_sharedListsKeys.Intern(key);
+    if (isNew) {
+        Order order;
+        AddLists(part, 0, 0, order);
+        m_sharedLists.push_back(
+            {kernix::MakeFaces(std::move(order.faces)), kernix::MakeLines(std::move(order.lines))});
+    }
+    geometry.faces = m_sharedLists[number].faces;
+    geometry.secondary = m_sharedLists[number].lines;
 }
 
 std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
@@ -283,40 +317,40 @@ std::uint32_t MeshBuilder::ListsOf(const std::vector<Part>& parts) {
     if (!isNew) return number;
     Words sources;
     const Vertices vertices = VerticesOf(parts, sources);
-    Lists lists;
-    lists.geometry = std::make_shared<kernix::MeshGeometry>();
-    lists.geometry->positions = vertices.positions;
-    lists.geometry->outerPositions = vertices.outerPositions;
-    const std::vector<std::uint32_t>& indices = lists.geometry->faceIndices;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        const std::uint32_t first = vertices.ends[sources[i]];
-        const std::size_t before = indices.size();
-        AddLists(parts[i], first, vertices.ends[sources[i] + 1] - first, *lists.geometry);
-        lists.faces.push_back(static_cast<std::uint32_t>((indices.size() - before) / 3));
+    m_lists.push_back(std::make_shared<kernix::MeshGeometry>());
+    kernix::MeshGeometry& geometry = *m_lists.back();
+    geometry.positions = vertices.positions;
+    geometry.outerPositions = vertices.outerPositions;
+    const Part& first = parts.front();
+    if (parts.size() == 1 && first.indices != nullptr && first.positions != kNone && IsReadable(first)) {
+        SetSharedLists(first, geometry);
+    } else {
+        Words faces = SetLists(parts, vertices, sources, geometry);
+        if (parts.size() != 1) m_faces.emplace(number, std::move(faces));
     }
-    lists.geometry->Index();
-    m_lists.push_back(std::move(lists));
     return number;
 }
 
-std::shared_ptr<kernix::FaceAttributes> MeshBuilder::AttributesOf(const std::vector<Part>& parts,
-                                                                  std::uint32_t lists) {
-    const Words& faces = m_lists[lists].faces;
+std::uint32_t MeshBuilder::AttributesOf(const std::vector<Part>& parts, std::uint32_t lists) {
+    const kernix::MeshGeometry& geometry = *m_lists[lists];
+    const auto all = static_cast<std::uint32_t>(geometry.faces ? geometry.faces->Count() : 0);
+    const auto faces = m_faces.find(lists);
+    const auto count = [&](std::size_t part) { return faces == m_faces.end() ? all : faces->second[part]; };
     Words key;
-    for (std::size_t i = 0; i < parts.size(); ++i) key.insert(key.end(), {faces[i], parts[i].attribute});
+    for (std::size_t i = 0; i < parts.size(); ++i) key.insert(key.end(), {count(i), parts[i].attribute});
     const auto [number, isNew] = m_attributesKeys.Intern(key);
-    if (!isNew) return m_attributes[number];
+    if (!isNew) return number;
     auto attributes = std::make_shared<kernix::FaceAttributes>();
-    attributes->reserve(m_lists[lists].geometry->faces.size());
+    attributes->reserve(all);
     for (std::size_t i = 0; i < parts.size(); ++i)
-        attributes->insert(attributes->end(), faces[i], parts[i].attribute);
-    m_attributes.push_back(attributes);
-    return attributes;
+        attributes->insert(attributes->end(), count(i), parts[i].attribute);
+    m_attributes.push_back(std::move(attributes));
+    return number;
 }
 
 const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     Shape& shape = m_shapes[mesh];
-    if (shape.geometry) return shape;
+    if (shape.lists != kNone) return shape;
     const Json& json = m_document.Elements(Kind::kMesh)[mesh];
     std::vector<Part> parts;
     Words format;
@@ -334,14 +368,14 @@ const MeshBuilder::Shape& MeshBuilder::ShapeOf(std::size_t mesh) {
     DropRepeated(parts, format);
     shape.format = m_formats.Intern(format).number;
     const std::uint32_t lists = ListsOf(parts);
-    shape.geometry = m_lists[lists].geometry;
     shape.attributes = AttributesOf(parts, lists);
+    shape.lists = lists;
     return shape;
 }
 
 bool MeshBuilder::Shows(const NodeParts& node, Meshes meshes) {
     if (meshes == Meshes::kAll) return true;
-    const kernix::MeshGeometry& geometry = *ShapeOf(*node.mesh->Index()).geometry;
+    const kernix::MeshGeometry& geometry = *m_lists[ShapeOf(*node.mesh->Index()).lists];
     return geometry.HasFaces() || (meshes == Meshes::kFacesOrLines && geometry.HasSecondary());
 }
 
@@ -368,7 +402,7 @@ vl::zr::Object3D* MeshBuilder::Build(const NodeParts& node, const std::string& m
                                     text(node.weights),
                                     text(node.extensions),
                                     text(node.camera)};
-    return new kernix::MeshModel(shape.geometry, shape.attributes, shape.uses,
+    return new kernix::MeshModel(m_lists[shape.lists], m_attributes[shape.attributes], m_uses[shape.uses],
                                  m_nodeFormats.Intern(format).number);
 }
 

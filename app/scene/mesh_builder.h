@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "app/scene/content_ids.h"
@@ -43,11 +44,12 @@ private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
     static constexpr std::uint32_t kTriangles = 4;
 
+    // By numbers of what meshes share.
     struct Shape {
-        std::shared_ptr<kernix::MeshGeometry> geometry;  // null: not made yet
-        std::shared_ptr<kernix::FaceAttributes> attributes;
-        std::shared_ptr<kernix::MaterialUses> uses;
-        std::uint32_t format = 0;  // number of all that is drawn and is no position, list or material
+        std::uint32_t lists = kNone;  // kNone: not made yet
+        std::uint32_t attributes = kNone;
+        std::uint32_t uses = kNone;
+        std::uint32_t format = 0;  // of all that is drawn and is no position, list or material
         bool isBlended = false;
     };
 
@@ -72,9 +74,16 @@ private:
         Words ends;  // where those of each source begin, and the end of the last one
     };
 
-    struct Lists {
-        std::shared_ptr<kernix::MeshGeometry> geometry;
-        Words faces;  // how many each part has
+    // The indices of the parts of a mesh, in the order of its lists.
+    struct Order {
+        Words faces;
+        Words lines;
+        std::uint32_t unreadFaces = 0;
+        std::uint32_t unreadLines = 0;
+    };
+
+    struct SharedLists {
+        std::shared_ptr<const kernix::IndexLists> faces, lines;
     };
 
     const Shape& ShapeOf(std::size_t mesh);
@@ -84,9 +93,14 @@ private:
     std::span<const float> StoredPositions(const Part& part) const;
     Vertices VerticesOf(const std::vector<Part>& parts, Words& sources);
     std::vector<float> PositionsOf(const Part& part) const;
-    void AddLists(const Part& part, std::uint32_t first, std::size_t count,
-                  kernix::MeshGeometry& geometry) const;
-    std::shared_ptr<kernix::FaceAttributes> AttributesOf(const std::vector<Part>& parts, std::uint32_t lists);
+    static void AddInOrder(std::uint32_t mode, const Words& indices, std::uint32_t first, Order& order);
+    static void AddUnread(std::uint32_t mode, std::size_t count, Order& order);
+    bool IsReadable(const Part& part) const;
+    void AddLists(const Part& part, std::uint32_t first, std::size_t count, Order& order) const;
+    Words SetLists(const std::vector<Part>& parts, const Vertices& vertices, const Words& sources,
+                   kernix::MeshGeometry& geometry) const;
+    void SetSharedLists(const Part& part, kernix::MeshGeometry& geometry);
+    std::uint32_t AttributesOf(const std::vector<Part>& parts, std::uint32_t lists);
     void SetUses(const std::vector<Part>& parts, Shape& shape);
     void AddFormat(const Part& part, Words& format);
     std::uint32_t SkinFormat(std::size_t skin);
@@ -101,7 +115,11 @@ private:
     Interner m_nodeFormats;
     // What meshes share, by the number of its key.
     Interner m_listsKeys;
-    std::vector<Lists> m_lists;
+    std::vector<std::shared_ptr<kernix::MeshGeometry>> m_lists;
+    std::unordered_map<std::uint32_t, Words>
+        m_faces;  // how many each part of lists has, where there are several
+    Interner m_sharedListsKeys;
+    std::vector<SharedLists> m_sharedLists;
     Interner m_verticesKeys;
     std::vector<Vertices> m_vertices;
     Interner m_usesKeys;

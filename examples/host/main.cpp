@@ -47,8 +47,7 @@ Ref<SceneModel> BuildScene() {
     kernix::NodeModel* box = scene->AddNode(nullptr, "box");
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions = std::make_shared<kernix::Positions>(kernix::Positions{0, 0, 0, 1, 0, 0, 0, 1, 0});
-    geometry->faceIndices = {0, 1, 2};
-    geometry->Index();
+    geometry->faces = kernix::MakeFaces({0, 1, 2});
     auto uses = std::make_shared<kernix::MaterialUses>();
     uses->Add(scene->AddMaterial("red", "red"));
     box->SetObject(Ref<vl::zr::Object3D>::AdoptNew(

@@ -8,25 +8,25 @@
 namespace kernix {
 namespace {
 
-void IndexLists(const std::vector<std::uint32_t>& indices, const std::vector<std::uint16_t>& counts,
-                std::size_t uniform, std::vector<const std::uint32_t*>& lists) {
-    const std::size_t count = counts.empty() ? indices.size() / uniform : counts.size();
-    lists.clear();
-    lists.reserve(count);
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        lists.push_back(indices.data() + start);
-        start += counts.empty() ? uniform : counts[i];
-    }
+std::shared_ptr<const IndexLists> Make(std::vector<std::uint32_t> indices, std::size_t size) {
+    if (indices.size() < size) return nullptr;
+    return std::make_shared<const IndexLists>(std::move(indices), size);
 }
 
 }  // namespace
 
-void MeshGeometry::Index() {
-    faceIndices.shrink_to_fit();
-    secondaryIndices.shrink_to_fit();
-    IndexLists(faceIndices, faceCounts, 3, faces);
-    IndexLists(secondaryIndices, secondaryCounts, 2, secondary);
+IndexLists::IndexLists(std::vector<std::uint32_t> indices, std::size_t size) : m_indices(std::move(indices)) {
+    m_indices.shrink_to_fit();
+    m_lists.reserve(m_indices.size() / size);
+    for (std::size_t i = 0; i + size <= m_indices.size(); i += size) m_lists.push_back(m_indices.data() + i);
+}
+
+std::shared_ptr<const IndexLists> MakeFaces(std::vector<std::uint32_t> indices) {
+    return Make(std::move(indices), 3);
+}
+
+std::shared_ptr<const IndexLists> MakeLines(std::vector<std::uint32_t> indices) {
+    return Make(std::move(indices), 2);
 }
 
 int MaterialUses::Count(const vl::zr::Material* material) const {
@@ -56,13 +56,15 @@ MeshModel::MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<Fac
     m_nFormat = format;
     m_pPositions = dataOrNull(g.Vertices());
     m_nVertices = static_cast<std::uint32_t>(g.Vertices().size() / 3);
-    m_nFaces = static_cast<std::uint32_t>(g.faces.size());
-    m_pFaceCounts = dataOrNull(g.faceCounts);
     if (m_attributes) m_pFaceAttributes = dataOrNull(*m_attributes);
-    m_ppFaces = dataOrNull(g.faces);
-    m_nSecondary = static_cast<std::uint32_t>(g.secondary.size());
-    m_pSecondaryCounts = dataOrNull(g.secondaryCounts);
-    m_ppSecondary = dataOrNull(g.secondary);
+    if (g.faces) {
+        m_nFaces = static_cast<std::uint32_t>(g.faces->Count());
+        m_ppFaces = g.faces->Begins();
+    }
+    if (g.secondary) {
+        m_nSecondary = static_cast<std::uint32_t>(g.secondary->Count());
+        m_ppSecondary = g.secondary->Begins();
+    }
 }
 
 vl::Interface* MeshModel::QueryComponent(int kind, int) {

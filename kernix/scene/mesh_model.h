@@ -17,31 +17,41 @@ namespace kernix {
 
 using Positions = std::vector<float>;  // x, y, z a vertex
 
-// The geometry of a mesh, shared by all meshes that show it. Either count list may be empty: faces are then
-// triangles and secondary lists pairs.
+// Lists of vertex indices, all of one size: the faces of a mesh, or its lines.
+class KERNIX_API IndexLists {
+public:
+    // Triangles have 3 indices, lines 2. Of the last indices, those too few for a list are in none.
+    IndexLists(std::vector<std::uint32_t> indices, std::size_t size);
+    IndexLists(const IndexLists&) = delete;
+    IndexLists& operator=(const IndexLists&) = delete;
+
+    std::size_t Count() const { return m_lists.size(); }
+    const std::uint32_t* const* Begins() const { return m_lists.data(); }  // of each list
+
+private:
+    std::vector<std::uint32_t> m_indices;
+    std::vector<const std::uint32_t*> m_lists;
+};
+
+// Null where there are no indices.
+KERNIX_API std::shared_ptr<const IndexLists> MakeFaces(std::vector<std::uint32_t> indices);
+KERNIX_API std::shared_ptr<const IndexLists> MakeLines(std::vector<std::uint32_t> indices);
+
+// The geometry of a mesh, shared by all meshes that show it. Its lists may be those of other geometries, too.
 struct MeshGeometry {
     std::shared_ptr<const Positions> positions;  // null: none, or those that lie elsewhere
     std::span<const float> outerPositions;       // the same in memory that outlives the geometry
-    std::vector<std::uint32_t> faceIndices;      // of all faces, one after another
-    std::vector<std::uint16_t> faceCounts;
-    std::vector<std::uint32_t> secondaryIndices;
-    std::vector<std::uint16_t> secondaryCounts;
+    std::shared_ptr<const IndexLists> faces;     // null: none
+    std::shared_ptr<const IndexLists> secondary;
 
     // Further ones that are drawn though their indices are not known.
     std::uint32_t unreadFaces = 0;
     std::uint32_t unreadSecondary = 0;
 
-    // Where each list begins; made by Index once the lists above are filled.
-    std::vector<const std::uint32_t*> faces;
-    std::vector<const std::uint32_t*> secondary;
-
     std::span<const float> Vertices() const { return positions ? std::span(*positions) : outerPositions; }
 
-    // Also gives back the room that filling left over.
-    KERNIX_API void Index();
-
-    bool HasFaces() const { return !faces.empty() || unreadFaces != 0; }
-    bool HasSecondary() const { return !secondary.empty() || unreadSecondary != 0; }
+    bool HasFaces() const { return faces || unreadFaces != 0; }
+    bool HasSecondary() const { return secondary || unreadSecondary != 0; }
 };
 
 // MaterialModel::GetId of each face. Apart from the geometry, which meshes of other materials share.
@@ -68,7 +78,7 @@ private:
 
 class KERNIX_API MeshModel final : public vl::zr::Mesh {
 public:
-    // geometry is indexed. attributes, uses: null for none.
+    // attributes, uses: null for none.
     MeshModel(std::shared_ptr<MeshGeometry> geometry, std::shared_ptr<FaceAttributes> attributes,
               std::shared_ptr<MaterialUses> uses, std::uint32_t format);
 

@@ -15,8 +15,10 @@ NodeModel::NodeModel(SceneModel& scene, std::string name) : m_scene(scene), m_na
 NodeModel::~NodeModel() = default;
 
 vl::VarMap* NodeModel::GetMetadata(bool create) {
-    if (!m_metadata && create) m_metadata = vl::Ref<vl::VarMap>::Adopt(vl::VarMap::Create());
-    return m_metadata.Get();
+    if (!m_rare && !create) return nullptr;
+    vl::Ref<vl::VarMap>& metadata = More().metadata;
+    if (!metadata && create) metadata = vl::Ref<vl::VarMap>::Adopt(vl::VarMap::Create());
+    return metadata.Get();
 }
 
 void NodeModel::GetName(char* buffer, int size) {
@@ -42,19 +44,20 @@ void NodeModel::GetDescription(char* buffer, int size) {
 }
 
 vl::zr::Controller* NodeModel::GetController(int kind) {
-    return kind == vl::zr::kControllerTransform ? m_transform.Get() : nullptr;
+    return kind == vl::zr::kControllerTransform ? Transform() : nullptr;
 }
 
 void NodeModel::GetLocalMatrix(vl::Matrix4<double>* m, int isStatic) {
-    const bool moves = isStatic == 0 && m_transform && m_transform->Resolve(nullptr) != nullptr;
+    TransformControllerModel* const transform = Transform();
+    const bool moves = isStatic == 0 && transform != nullptr && transform->Resolve(nullptr) != nullptr;
     if (moves) {
-        m_transform->EvaluateMatrix(m_scene.GetCurrentTime(), 0, m, 0);
+        transform->EvaluateMatrix(m_scene.GetCurrentTime(), 0, m, 0);
     } else {
         *m = GetRestMatrix();
     }
-    if (m_transform && (m_transform->m_dwFlags & vl::zr::kControllerPivotGroup) != 0) {
+    if (transform != nullptr && (transform->m_dwFlags & vl::zr::kControllerPivotGroup) != 0) {
         // Everything on the node, its children too, hangs from the pivot.
-        const vl::Vector3<float>& pivot = m_transform->m_offset;
+        const vl::Vector3<float>& pivot = transform->m_offset;
         vl::Matrix4<double> hung;
         hung.SetTranslate({-double{pivot.x}, -double{pivot.y}, -double{pivot.z}});
         hung.Transform(*m);
@@ -130,35 +133,45 @@ void NodeModel::SetObject(vl::Ref<vl::zr::Object3D> object) {
 }
 
 void NodeModel::SetObjectOffset(const vl::Matrix4<double>& offset) {
-    m_objectOffset = std::make_unique<vl::Matrix4<double>>(offset);
-    m_pObjectOffset = m_objectOffset.get();
+    More().objectOffset = std::make_unique<vl::Matrix4<double>>(offset);
+    m_pObjectOffset = m_rare->objectOffset.get();
+}
+
+NodeModel::Rare& NodeModel::More() {
+    if (!m_rare) m_rare = std::make_unique<Rare>();
+    return *m_rare;
 }
 
 void NodeModel::AddControllerWord(vl::zr::Controller* controller) {
-    if (!m_controllerWords) {
-        m_controllerWords = vl::Ref<vl::Array>::AdoptNew(CreateArray());
-        m_pControllers = m_controllerWords.Get();
+    vl::Ref<vl::Array>& words = More().controllerWords;
+    if (!words) {
+        words = vl::Ref<vl::Array>::AdoptNew(CreateArray());
+        m_pControllers = words.Get();
     }
-    m_controllerWords->Add(vl::ToWord(controller));
+    words->Add(vl::ToWord(controller));
 }
 
 TransformControllerModel* NodeModel::AddTransformController() {
-    if (!m_transform) {
-        m_transform = vl::Ref<TransformControllerModel>::AdoptNew(new TransformControllerModel(*this));
-        AddControllerWord(m_transform.Get());
+    vl::Ref<TransformControllerModel>& transform = More().transform;
+    if (!transform) {
+        transform = vl::Ref<TransformControllerModel>::AdoptNew(new TransformControllerModel(*this));
+        AddControllerWord(transform.Get());
     }
-    return m_transform.Get();
+    return transform.Get();
 }
 
 SampledControllerModel* NodeModel::AddController(std::string target) {
-    m_controllers.push_back(
+    auto& controllers = More().controllers;
+    controllers.push_back(
         vl::Ref<SampledControllerModel>::AdoptNew(new SampledControllerModel(m_scene, std::move(target))));
-    AddControllerWord(m_controllers.back().Get());
-    return m_controllers.back().Get();
+    AddControllerWord(controllers.back().Get());
+    return controllers.back().Get();
 }
 
 bool NodeModel::HasGenerator(const char* name) const {
-    return std::find(m_generators.begin(), m_generators.end(), name) != m_generators.end();
+    if (!m_rare) return false;
+    const auto& generators = m_rare->generators;
+    return std::find(generators.begin(), generators.end(), name) != generators.end();
 }
 
 }  // namespace kernix

@@ -51,11 +51,21 @@ public:
     void SetObjectOffset(const vl::Matrix4<double>& offset);
     TransformControllerModel* AddTransformController();  // or the one there is
     SampledControllerModel* AddController(std::string target);
-    void AddGenerator(std::string name) { m_generators.push_back(std::move(name)); }
+    void AddGenerator(std::string name) { More().generators.push_back(std::move(name)); }
     bool HasGenerator(const char* name) const;
 
 private:
     friend class SceneModel;
+
+    // What few nodes have.
+    struct Rare {
+        std::unique_ptr<vl::Matrix4<double>> objectOffset;
+        vl::Ref<vl::VarMap> metadata;
+        vl::Ref<TransformControllerModel> transform;
+        std::vector<vl::Ref<SampledControllerModel>> controllers;
+        vl::Ref<vl::Array> controllerWords;
+        std::vector<std::string> generators;
+    };
 
     // A world transform and the state of the scene that it was made for.
     struct CachedWorld {
@@ -67,6 +77,8 @@ private:
     bool KnowsWorld(std::size_t which, std::uint64_t state) const {
         return m_worlds[which] != nullptr && m_worlds[which]->state == state;
     }
+    TransformControllerModel* Transform() const { return m_rare ? m_rare->transform.Get() : nullptr; }
+    Rare& More();
     void AddControllerWord(vl::zr::Controller* controller);
 
     SceneModel& m_scene;
@@ -74,19 +86,14 @@ private:
     NodeModel* m_parent = nullptr;
     NodeModel* m_previous = nullptr;  // sibling
     NodeModel* m_lastChild = nullptr;
-    std::size_t m_number = 0;  // of all nodes the scene ever had
+    std::uint32_t m_number = 0;  // of all nodes the scene ever had
     bool m_deleted = false;
     Pose m_restPose;
-    // A scene has many nodes and few of them use any of these, so a node holds matrices only on demand.
+    // A scene has many nodes and few of them use any of these, so a node holds them only on demand.
     std::unique_ptr<vl::Matrix4<double>> m_restMatrix;  // null: the one of the pose
     std::unique_ptr<CachedWorld> m_worlds[2];  // at the current time, at rest; null: not asked for yet
-    std::unique_ptr<vl::Matrix4<double>> m_objectOffset;
+    std::unique_ptr<Rare> m_rare;
     vl::Ref<vl::zr::Object3D> m_object;
-    vl::Ref<vl::VarMap> m_metadata;
-    vl::Ref<TransformControllerModel> m_transform;
-    std::vector<vl::Ref<SampledControllerModel>> m_controllers;
-    vl::Ref<vl::Array> m_controllerWords;
-    std::vector<std::string> m_generators;
 };
 
 }  // namespace kernix

@@ -45,7 +45,7 @@ NodeModel* SceneModel::AddNode(NodeModel* parent, std::string name) {
     node->m_previous = last;
     (last != nullptr ? last->m_pNextSibling : first) = node;
     last = node;
-    node->m_number = number;
+    node->m_number = static_cast<std::uint32_t>(number);
     m_removedNodes.Append();
     m_pNodes->Add(vl::ToWord<vl::zr::Node*>(node));
     return node;

@@ -236,10 +236,9 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     auto* red2 = scene->AddMaterial("red again", "r");
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions = std::make_shared<kernix::Positions>(9, 0.0F);
-    geometry->faceIndices = {0, 1, 2, 2, 1, 0};
+    geometry->faces = kernix::MakeFaces({0, 1, 2, 2, 1, 0});
     const auto attributes = std::make_shared<kernix::FaceAttributes>();
     *attributes = {red2->GetId(), blue->GetId()};
-    geometry->Index();
     NodeModel* node = scene->AddNode(nullptr, "n");
     auto* mesh = new kernix::MeshModel(geometry, attributes,
                                        std::make_shared<kernix::MaterialUses>(std::vector{red2, blue}), 0);

@@ -94,9 +94,8 @@ vl::Ref<vl::zr::Object3D> MakeMesh(kernix::MaterialModel* material, float x) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     geometry->positions =
         std::make_shared<kernix::Positions>(kernix::Positions{x, 0, 0, x + 1, 0, 0, x, 1, 0});
-    geometry->faceIndices = {0, 1, 2};
+    geometry->faces = kernix::MakeFaces({0, 1, 2});
     auto attributes = std::make_shared<kernix::FaceAttributes>(1, material->GetId());
-    geometry->Index();
     return vl::Ref<vl::zr::Object3D>::Adopt(
         new kernix::MeshModel(std::move(geometry), std::move(attributes),
                               std::make_shared<kernix::MaterialUses>(std::vector{material}), 0));

@@ -27,10 +27,11 @@ inline Ref<vl::zr::Object3D> Own(vl::zr::Object3D* object) {
 inline Ref<vl::zr::Object3D> Mesh(int faces, int lines = 0, bool hasVertices = true) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     if (hasVertices) geometry->positions = std::make_shared<kernix::Positions>(9, 0.0f);
-    for (int i = 0; i < 3 * faces; ++i) geometry->faceIndices.push_back(static_cast<std::uint32_t>(i % 3));
-    for (int i = 0; i < 2 * lines; ++i)
-        geometry->secondaryIndices.push_back(static_cast<std::uint32_t>(i % 2));
-    geometry->Index();
+    std::vector<std::uint32_t> faceIndices, lineIndices;
+    for (int i = 0; i < 3 * faces; ++i) faceIndices.push_back(static_cast<std::uint32_t>(i % 3));
+    for (int i = 0; i < 2 * lines; ++i) lineIndices.push_back(static_cast<std::uint32_t>(i % 2));
+    geometry->faces = kernix::MakeFaces(std::move(faceIndices));
+    geometry->secondary = kernix::MakeLines(std::move(lineIndices));
     return Own(new kernix::MeshModel(std::move(geometry), nullptr, nullptr, 0));
 }
 
