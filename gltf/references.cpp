@@ -67,11 +67,11 @@ public:
                            target->kind, owner.kind});
     }
 
-    std::vector<ReferenceTable::Link> TakeLinks() { return std::move(m_links); }
+    std::deque<ReferenceTable::Link> TakeLinks() { return std::move(m_links); }
 
 private:
     KindSet m_kinds;
-    std::vector<ReferenceTable::Link> m_links;
+    std::deque<ReferenceTable::Link> m_links;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -48,7 +49,7 @@ struct ReferenceTable {
         Kind targetKind;
         Kind ownerKind;  // kCount: the document itself
     };
-    std::vector<Link> links;
+    std::deque<Link> links;
     Opaque opaque;
 };
 ReferenceTable ListReferences(Document& document, KindSet kinds);

@@ -44,29 +44,46 @@ private:
         for (JsonMember& member : object.Members()) {
             const std::string_view name = member.Name();
             Json& value = member.value;
-            if (name == "extras") continue;
-            const SchemaNode* below = schema != nullptr ? Below(*schema, name) : nullptr;
-            if (below == nullptr && !value.IsObject() && !value.IsArray()) continue;
+            const bool isPlain = !value.IsObject() && !value.IsArray();
+            if (schema == nullptr && isPlain) continue;
+            const Answer answer = Ask(schema, name);
+            if (answer.role == Role::kExtras || (answer.below == nullptr && isPlain)) continue;
             m_place.Push(name, value);
-            if (name == "extensions")
-                Extensions(value, below);
-            else if (const bool inMaterials = m_materials > 0; inMaterials && IsTextureInfo(name, value))
-                Texture(value, below);
+            if (answer.role == Role::kExtensions)
+                Extensions(value, answer.below);
+            else if (answer.role == Role::kTexture && m_materials > 0 && value.Find("index") != nullptr)
+                Texture(value, answer.below);
             else
-                Enter(name, value, below);
+                Enter(name, value, answer.below);
             m_place.Pop();
         }
     }
 
-    // What the rules say of a member. Members have few names, and equal ones mostly share a text: nearly
-    // every question was asked before.
-    const SchemaNode* Below(const SchemaNode& schema, std::string_view name) {
+    enum class Role : std::uint8_t { kOther, kExtras, kExtensions, kTexture };
+
+    // What the rules and the name say of a member.
+    struct Answer {
+        const SchemaNode* schema = nullptr;
+        std::string_view name;
+        const SchemaNode* below = nullptr;
+        Role role = Role::kOther;
+    };
+
+    // Members have few names, and equal ones mostly share a text: nearly every question was asked before.
+    const Answer& Ask(const SchemaNode* schema, std::string_view name) {
         const auto address = [](const void* at) { return reinterpret_cast<std::uintptr_t>(at); };
-        Answer& answer = m_answers[(address(&schema) / sizeof(SchemaNode) + address(name.data())) % kAnswers];
-        const bool isKnown = answer.schema == &schema && answer.name.data() == name.data() &&
-                             answer.name.size() == name.size();
-        if (!isKnown) answer = {&schema, name, Wanted(schema.Find(name))};
-        return answer.below;
+        Answer& answer =
+            m_answers[(address(schema) / sizeof(SchemaNode) + address(name.data()) / 8) % kAnswers];
+        const bool isKnown =
+            answer.schema == schema && answer.name.data() == name.data() && answer.name.size() == name.size();
+        if (!isKnown) {
+            const Role role = name == "extras"            ? Role::kExtras
+                              : name == "extensions"      ? Role::kExtensions
+                              : name.ends_with("Texture") ? Role::kTexture
+                                                          : Role::kOther;
+            answer = {schema, name, schema != nullptr ? Wanted(schema->Find(name)) : nullptr, role};
+        }
+        return answer;
     }
 
     const SchemaNode* Wanted(const SchemaNode* schema) const {
@@ -79,10 +96,6 @@ private:
         m_materials += materials;
         Visit(value, schema);
         m_materials -= materials;
-    }
-
-    static bool IsTextureInfo(std::string_view name, const Json& value) {
-        return name.ends_with("Texture") && value.Find("index") != nullptr;
     }
 
     void Texture(Json& info, const SchemaNode* schema) {
@@ -111,7 +124,7 @@ private:
         for (JsonMember& member : extensions.Members()) {
             const std::string_view name = member.Name();
             m_place.Push(name, member.value);
-            const SchemaNode* below = schema != nullptr ? Below(*schema, name) : nullptr;
+            const SchemaNode* below = Ask(schema, name).below;
             if (below == nullptr) below = Wanted(AnywhereSchema(name));
             Visit(member.value, below);
             if (!IsKnownExtension(name))
@@ -122,11 +135,6 @@ private:
         }
     }
 
-    struct Answer {
-        const SchemaNode* schema = nullptr;
-        std::string_view name;
-        const SchemaNode* below = nullptr;
-    };
     static constexpr std::size_t kAnswers = 512;
 
     Visitor& m_visitor;
