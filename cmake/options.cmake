@@ -42,6 +42,8 @@ if(NOT WIN32 AND NOT ZR_SANITIZE)
 endif()
 
 if(WIN32)
+  # Of windows.h the core alone, and no macros named min and max.
+  target_compile_definitions(zr_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
   # The compiler's own libraries go into each file: beside kernix.dll only the system's are needed.
   target_link_options(zr_options INTERFACE -static)
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "i686")

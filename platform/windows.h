@@ -4,12 +4,6 @@
 // The Windows names that the module uses. On Windows they are the system's; elsewhere the headers of
 // platform/windows/ declare the same names and platform/ implements them.
 #ifdef _WIN32
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
 #include <windows.h>
 // commctrl.h needs windows.h before it.
 #include <commctrl.h>
