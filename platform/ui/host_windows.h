@@ -33,6 +33,7 @@ public:
     LONG_PTR Value() const { return m_value; }
 
 protected:
+    // NOLINTNEXTLINE(performance-trivially-destructible): on Windows it destroys the window.
     ~HostControl();
 
 private:
