@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <meshoptimizer.h>
 
+#include <cmath>
+
 #include "app/operations/compare/compare_scenes.h"
 #include "app/operations/decode/compressed_data.h"
 #include "base/text.h"
@@ -128,6 +130,55 @@ Document Draco(Form form, std::size_t cut = 0) {
         bin, form);
 }
 
+// One accessor over a view that is packed as said; what can be read of it.
+std::vector<float> Unpacked(const std::string& packed, std::size_t stride, const char* mode,
+                            const char* filter, const std::string& accessor) {
+    const std::string json = Join(
+        R"({"asset":{"version":"2.0"},"extensionsUsed":["EXT_meshopt_compression"],"accessors":[{"bufferView":0,"count":4,)",
+        accessor, R"(}],"bufferViews":[{"buffer":1,"byteLength":)", 4 * stride,
+        R"(,"extensions":{"EXT_meshopt_compression":{"buffer":0,"byteLength":)", packed.size(),
+        R"(,"byteStride":)", stride, R"(,"count":4,"mode":")", mode, R"(","filter":")", filter,
+        R"("}}}],"buffers":[{"byteLength":)", packed.size(), R"(},{"byteLength":64}]})");
+    const Document document = Load(json, packed, Form::kDecoded);
+    EXPECT_EQ(document.Warnings().empty(), gltf::HasData(document, 0)) << mode << " " << filter;
+    return gltf::HasData(document, 0) ? gltf::ReadFloats(document, 0) : std::vector<float>();
+}
+
+std::string PackedVertices(const std::string& bytes, std::size_t stride) {
+    std::vector<unsigned char> out(meshopt_encodeVertexBufferBound(bytes.size() / stride, stride));
+    out.resize(
+        meshopt_encodeVertexBuffer(out.data(), out.size(), bytes.data(), bytes.size() / stride, stride));
+    return BytesOf(out);
+}
+
+// One attribute of four vertices, of the type given in the codec and in the document.
+template <typename T>
+std::vector<float> UnpackedAttribute(draco::DataType type, gltf::Component component,
+                                     const std::vector<T>& values) {
+    draco::Mesh mesh;
+    mesh.set_num_points(4);
+    draco::GeometryAttribute attribute;
+    attribute.Init(draco::GeometryAttribute::GENERIC, nullptr, 1, type, false, sizeof(T), 0);
+    const int id = mesh.AddAttribute(attribute, true, 4);
+    for (unsigned i = 0; i < 4; ++i)
+        mesh.attribute(id)->SetAttributeValue(draco::AttributeValueIndex(i), &values[i]);
+    for (unsigned i = 0; i < 2; ++i)
+        mesh.AddFace({draco::PointIndex(i), draco::PointIndex(i + 1), draco::PointIndex(i + 2)});
+    draco::Encoder encoder;
+    encoder.SetEncodingMethod(draco::MESH_SEQUENTIAL_ENCODING);
+    draco::EncoderBuffer buffer;
+    EXPECT_TRUE(encoder.EncodeMeshToBuffer(mesh, &buffer).ok());
+    const std::string json = Join(
+        R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_draco_mesh_compression"],"meshes":[{"primitives":[)"
+        R"({"attributes":{"_WEAR":0},"extensions":{"KHR_draco_mesh_compression":{"bufferView":0,"attributes":{"_WEAR":)",
+        mesh.attribute(id)->unique_id(), R"(}}}}]}],"accessors":[{"componentType":)",
+        static_cast<int>(component),
+        R"(,"count":4,"type":"SCALAR"}],"bufferViews":[{"buffer":0,"byteLength":)", buffer.size(),
+        R"(}],"buffers":[{"byteLength":)", buffer.size(), "}]}");
+    const Document document = Load(json, {buffer.data(), buffer.size()}, Form::kDecoded);
+    return gltf::HasData(document, 0) ? gltf::ReadFloats(document, 0) : std::vector<float>();
+}
+
 bool IsSame(const Document& a, const Document& b) {
     return compare::CompareScenes(a, b, {}).IsSame();
 }
@@ -140,6 +191,69 @@ TEST(Decode, ReadsWhatCodecsHold) {
         EXPECT_TRUE(IsSame(plain, document));
         EXPECT_TRUE(document.Warnings().empty());
     }
+}
+
+TEST(Decode, FiltersAreUndone) {
+    const float half = std::sqrt(0.5F);
+    const std::vector<float> turns{0, 0, 0, 1, half, 0, 0, half, 0, 1, 0, 0, 0.5F, 0.5F, 0.5F, 0.5F};
+    const std::vector<float> normals{0, 0, 1, 0, 1, 0, 0, 0, 0, -1, 0, 0, 0, half, -half, 0};
+    const std::vector<float> numbers{0, 1, -2.5F, 96};
+    const auto expectNear = [](const std::vector<float>& got, const std::vector<float>& wanted,
+                               float tolerance) {
+        ASSERT_EQ(got.size(), wanted.size());
+        for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], wanted[i], tolerance) << i;
+    };
+    std::string packed(32, '\0');
+    meshopt_encodeFilterQuat(packed.data(), 4, 8, 16, turns.data());
+    packed = PackedVertices(packed, 8);
+    const char* const kBytes = R"("componentType":5120,"normalized":true,"type":"VEC4")";
+    const char* const kShorts = R"("componentType":5122,"normalized":true,"type":"VEC4")";
+    expectNear(Unpacked(packed, 8, "ATTRIBUTES", "QUATERNION", kShorts), turns, 1e-3F);
+    EXPECT_TRUE(Unpacked(packed, 8, "ATTRIBUTES", "UNKNOWN", kShorts).empty());
+    // Bytes hold no turns.
+    EXPECT_TRUE(
+        Unpacked(PackedVertices(packed.substr(0, 16), 4), 4, "ATTRIBUTES", "QUATERNION", kBytes).empty());
+
+    for (const std::size_t stride : {4, 8}) {
+        std::string bytes(4 * stride, '\0');
+        meshopt_encodeFilterOct(bytes.data(), 4, stride, stride == 4 ? 8 : 16, normals.data());
+        expectNear(Unpacked(PackedVertices(bytes, stride), stride, "ATTRIBUTES", "OCTAHEDRAL",
+                            stride == 4 ? kBytes : kShorts),
+                   normals, stride == 4 ? 0.02F : 1e-3F);
+    }
+    std::string bytes(16, '\0');
+    meshopt_encodeFilterExp(bytes.data(), 4, 4, 15, numbers.data());
+    expectNear(Unpacked(PackedVertices(bytes, 4), 4, "ATTRIBUTES", "EXPONENTIAL",
+                        R"("componentType":5126,"type":"SCALAR")"),
+               numbers, 1e-2F);
+    const unsigned indices[] = {7, 3, 9, 4};
+    std::vector<unsigned char> sequence(meshopt_encodeIndexSequenceBound(4, 10));
+    sequence.resize(meshopt_encodeIndexSequence(sequence.data(), sequence.size(), indices, 4));
+    EXPECT_EQ(Unpacked(BytesOf(sequence), 4, "INDICES", "NONE", R"("componentType":5125,"type":"SCALAR")"),
+              (std::vector<float>{7, 3, 9, 4}));
+    // Indices have no filter.
+    EXPECT_TRUE(
+        Unpacked(BytesOf(sequence), 4, "INDICES", "EXPONENTIAL", R"("componentType":5125,"type":"SCALAR")")
+            .empty());
+}
+
+TEST(Decode, AttributesKeepTheirType) {
+    using gltf::Component;
+    EXPECT_EQ((UnpackedAttribute<std::int8_t>(draco::DT_INT8, Component::kByte, {-128, -1, 0, 127})),
+              (std::vector<float>{-128, -1, 0, 127}));
+    EXPECT_EQ((UnpackedAttribute<std::uint8_t>(draco::DT_UINT8, Component::kUnsignedByte, {0, 1, 128, 255})),
+              (std::vector<float>{0, 1, 128, 255}));
+    EXPECT_EQ((UnpackedAttribute<std::int16_t>(draco::DT_INT16, Component::kShort, {-32768, -1, 0, 32767})),
+              (std::vector<float>{-32768, -1, 0, 32767}));
+    EXPECT_EQ(
+        (UnpackedAttribute<std::uint16_t>(draco::DT_UINT16, Component::kUnsignedShort, {0, 1, 300, 65535})),
+        (std::vector<float>{0, 1, 300, 65535}));
+    EXPECT_EQ(
+        (UnpackedAttribute<std::uint32_t>(draco::DT_UINT32, Component::kUnsignedInt, {0, 1, 70000, 1 << 24})),
+        (std::vector<float>{0, 1, 70000, 1 << 24}));
+    // What its type cannot hold is not taken for something else.
+    EXPECT_TRUE((UnpackedAttribute<std::uint16_t>(draco::DT_UINT16, Component::kUnsignedByte, {0, 1, 2, 300}))
+                    .empty());
 }
 
 TEST(Decode, WhatIsNotNeededStaysAsItIs) {
@@ -193,6 +307,26 @@ TEST(Decode, QuantizedVerticesBecomeFloats) {
     EXPECT_EQ(after.Elements(Kind::kAccessor).size(), 1U);
     EXPECT_EQ(after.Root().Find("extensionsRequired"), nullptr);
     EXPECT_TRUE(IsSame(before, after));
+}
+
+TEST(Decode, MorphTargetsAndTextureCoordinatesBecomeFloatsToo) {
+    // Fractions of unsigned bytes are texture coordinates as they are; signed and whole ones are quantized.
+    const std::string bin("\x7f\0\x81\0\0\x7f\0\0\0\0\x7f\0", 12);
+    const std::string json =
+        R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_mesh_quantization"],"extensionsRequired":["KHR_mesh_quantization"],)"
+        R"("meshes":[{"primitives":[{"attributes":{"TEXCOORD_0":0,"TEXCOORD_1":1,"TEXCOORD_2":2},"targets":[{"POSITION":3}]}]}],)"
+        R"("accessors":[{"bufferView":0,"componentType":5121,"normalized":true,"count":3,"type":"VEC2"},)"
+        R"({"bufferView":0,"componentType":5121,"count":3,"type":"VEC2"},)"
+        R"({"bufferView":0,"componentType":5120,"normalized":true,"count":3,"type":"VEC2"},)"
+        R"({"bufferView":0,"componentType":5120,"normalized":true,"count":3,"type":"VEC3"}],)"
+        R"("bufferViews":[{"buffer":0,"byteLength":12,"byteStride":4}],"buffers":[{"byteLength":12}]})";
+    const Document after = Load(json, bin, Form::kPlain);
+    EXPECT_EQ(gltf::Describe(after, 0).component, gltf::Component::kUnsignedByte);
+    EXPECT_EQ(gltf::Describe(after, 1).component, gltf::Component::kFloat);
+    EXPECT_EQ(gltf::ReadFloats(after, 1), (std::vector<float>{127, 0, 0, 127, 0, 0}));
+    EXPECT_EQ(gltf::ReadFloats(after, 2), (std::vector<float>{1, 0, 0, 1, 0, 0}));
+    EXPECT_EQ(gltf::Describe(after, 3).component, gltf::Component::kFloat);
+    EXPECT_EQ(gltf::ReadFloats(after, 3), (std::vector<float>{1, 0, -1, 0, 1, 0, 0, 0, 1}));
 }
 
 TEST(Decode, BrokenDataIsLeftUnreadAndWarnedOf) {
