@@ -91,16 +91,40 @@ TEST(Interface, CountsQueriesAndWeakPointers) {
     EXPECT_EQ(map->GetRefCount(), 2);
     EXPECT_EQ(map->QueryInterface("zr_params", found), vl::kWrongClass);
     EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(map->QueryInterface(vl::Interface::kInterfaceId, found), vl::kSuccess);
+    EXPECT_EQ(found, map);
+    EXPECT_EQ(found->Release(), 2u);
+    EXPECT_EQ(map->QueryInterface(vl::Guid{}, found), vl::kWrongClass);
+    EXPECT_EQ(found, nullptr);
     EXPECT_EQ(map->Release(), 1u);
     EXPECT_EQ(weak.Get(), map);
     EXPECT_EQ(map->Release(), 0u);
     EXPECT_EQ(weak.Get(), nullptr);
 }
 
+TEST(InterfaceArray, HoldsItsElements) {
+    const auto list = Ref<vl::InterfaceArray>::Adopt(vl::InterfaceArray::CreateStrong());
+    const auto map = Ref<vl::VarMap>::Adopt(vl::VarMap::Create());
+    EXPECT_STREQ(list->GetTypeName(), "zr_interface_array");
+    list->Add(nullptr);
+    EXPECT_EQ(list->GetCount(), 0U);
+    list->Add(map.Get());
+    list->Add(map.Get());
+    EXPECT_EQ(map->GetRefCount(), 3);
+    EXPECT_EQ(list->GetAt(1), map.Get());
+    EXPECT_EQ(list->GetAt(2), nullptr);
+    list->Remove(map.Get());
+    EXPECT_EQ(list->GetCount(), 1U);
+    EXPECT_EQ(list->GetAt(1), nullptr);
+    list->Remove(list.Get());
+    EXPECT_EQ(map->GetRefCount(), 2);
+}
+
 class TestExtension : public vl::Extension {};
 
 TEST(Extension, ParametersCountByTypeAndAreCopied) {
     const auto list = Ref<vl::Params>::Adopt(vl::Params::Create());
+    EXPECT_STREQ(list->GetTypeName(), "zr_params");
     int scene = 0;
     list->Add(vl::ToWord(&scene), ZR_VALUE_SCENE);
     list->Add(0, ZR_VALUE_BOOL);

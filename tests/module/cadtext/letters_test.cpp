@@ -65,6 +65,8 @@ TEST(LettersPolygonsTest, WeldsTheCornersOfItsTriangles) {
     const auto mesh = Make<LettersPolygons>();
     EXPECT_EQ(mesh->GetVertices(), nullptr);
     EXPECT_EQ(mesh->GetTriangles(), nullptr);
+    EXPECT_TRUE(mesh->IsTypeOf("ZR_CharPoly"));
+    EXPECT_EQ(mesh->CopyFrom(Make<LettersContours>().Get(), 0), vl::kWrongClass);
     const double a[] = {0, 0}, b[] = {1, 0}, c[] = {1, 1}, d[] = {0, 1 + 1e-12}, e[] = {-0.0, 0};
     EXPECT_EQ(LettersPolygons::CollectTriangle(a, b, c, mesh.Get()), 1);
     EXPECT_EQ(LettersPolygons::CollectTriangle(e, c, d, mesh.Get()), 1);

@@ -55,6 +55,20 @@ private:
     vl::zr::Material* m_material;
 };
 
+// Its host does not let it go.
+class KeptNode final : public vl::zr::Node {
+public:
+    vl::VarMap* GetMetadata(bool) override { return nullptr; }
+    void GetName(char*, int) override {}
+    void GetNameW(char16_t*, int) override {}
+    void GetDescription(char*, int) override {}
+    vl::zr::Controller* GetController(int) override { return nullptr; }
+    void GetLocalMatrix(vl::Matrix4<double>* m, int) override { m->IdentityMatrix(); }
+    void GetWorldMatrix(vl::Matrix4<double>* m, int) override { m->IdentityMatrix(); }
+    void Delete(int) override {}
+    vl::zr::Object3D* GetObjectOfKind(int) override { return nullptr; }
+};
+
 // What the lists, the tree and the layers say about the nodes agrees.
 void ExpectConsistent(SceneModel& scene) {
     std::set<vl::zr::Node*> listed, reached;
@@ -216,6 +230,13 @@ TEST_F(CleanerOperations, ABreakWhileCollectingRemovesNothing) {
     EXPECT_TRUE(m_log->m_lines.empty());
     EXPECT_EQ(notifications, 4);
     m_scene->m_onNotify = nullptr;
+}
+
+TEST_F(CleanerOperations, NodesThatTheHostKeepsAreTriedOnce) {
+    const auto kept = vl::Ref<KeptNode>::Adopt(new KeptNode);
+    m_scene->m_pNodes->Add(vl::ToWord<vl::zr::Node*>(kept.Get()));
+    EXPECT_EQ(m_cleaner->RemoveEmptyNodes(m_scene.Get(), m_context.Get(), nullptr), 1);
+    m_scene->m_pNodes->RemoveAll();
 }
 
 TEST_F(CleanerOperations, MetadataIsClearedNotRecorded) {

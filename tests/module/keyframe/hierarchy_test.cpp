@@ -123,6 +123,32 @@ TEST_F(Hierarchy, SelectorsShowOneChild) {
     EXPECT_EQ(Shape(m_tool->m_pRoots), "4(1 1)");
 }
 
+TEST_F(Hierarchy, GroupSplitPartsWhatIsShownFromItsChildren) {
+    const auto addParent = [this](Ref<vl::zr::Object3D> object) {
+        NodeModel* node = m_scene->AddNode(nullptr, "");
+        node->SetObject(std::move(object));
+        AddMesh(*m_scene, node);
+        return node;
+    };
+    NodeModel* plain[] = {addParent(nullptr), addParent(Mesh(0, 0, false)),
+                          addParent(Own(kernix::CreateBone()))};
+    NodeModel* shown[] = {addParent(Mesh(1)), addParent(Own(kernix::CreateDummy()))};
+    NodeModel* alone = AddMesh(*m_scene, nullptr);
+    Build(kKeepAllNodes | kGroupSplit);
+    for (NodeModel* node : plain) {
+        const ExportNode* record = m_tool->FindNodeRecord(node);
+        EXPECT_EQ(record->pSplit, nullptr);
+        EXPECT_EQ(record->pChildren->m_nCount, 1);
+    }
+    for (NodeModel* node : shown) {
+        const ExportNode* record = m_tool->FindNodeRecord(node);
+        ASSERT_EQ(record->pChildren->m_nCount, 2);
+        EXPECT_EQ(vl::ArrayOf<ExportNode*>(record->pChildren)[0], record->pSplit);
+        EXPECT_EQ(record->pSplit->pNode, node);
+    }
+    EXPECT_EQ(m_tool->FindNodeRecord(alone)->pSplit, nullptr);
+}
+
 TEST_F(Hierarchy, TargetsGetRecordsOfTheirOwn) {
     NodeModel* ofCamera = m_scene->AddNode(nullptr, "");
     NodeModel* ofLight = m_scene->AddNode(nullptr, "");

@@ -87,6 +87,13 @@ TEST_F(NamesTest, ShortLimitShortensTheDefault) {
     EXPECT_EQ(Named(), (Names{"obj", "obj1"}));
 }
 
+TEST_F(NamesTest, LimitOfTwelveHoldsTheDefault) {
+    m_tool->m_nMaxNameLength = 12;
+    Add("");
+    Add("", scene_kit::Mesh(1).Detach());
+    EXPECT_EQ(Named(), (Names{"object", "object1"}));
+}
+
 TEST_F(NamesTest, CleansByFlags) {
     Add("3D box");
     Add("a-b_c");

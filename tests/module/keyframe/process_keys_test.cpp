@@ -102,6 +102,24 @@ TEST_F(ProcessKeysTest, AreThoseOfAnObjectOfItsOwn) {
     }
 }
 
+TEST_F(ProcessKeysTest, OneTrackThatMovesGivesTheOthersItsTimes) {
+    kernix::AnimationModel* animation = m_scene->AddAnimation(u"a");
+    kernix::TransformTrack* tracks[3];
+    for (auto*& track : tracks)
+        track = AddMesh(*m_scene, nullptr)->AddTransformController()->AddTransformTrack(animation);
+    for (const float time : {0.0F, 1.0F, 3.0F}) {
+        tracks[0]->AddPosition(time)->SetValue({time, 0, 0});
+        tracks[1]->AddRotation(time)->SetQuaternion(RandomRotation(m_random));
+        tracks[2]->AddScale(time)->SetValue({1, 1 + time, 1});
+    }
+    m_scene->SetActiveAnimation(animation);
+    const auto tool = NewTool(0, kResampleKeys);
+    for (ExportNode* record : AllRecords(*tool)) {
+        for (const int kind : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale})
+            EXPECT_EQ(tool->GetKeyCount(record, kind), 3) << kind;
+    }
+}
+
 TEST_F(ProcessKeysTest, ChangeNothingWhereTheRecordsDependOnTheAnimation) {
     for (const char16_t* name : {u"a", u"b", u"c"}) m_scene->AddAnimation(name);
     kernix::NodeModel* target = AddMoved(nullptr, false);
