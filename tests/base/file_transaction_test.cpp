@@ -87,9 +87,9 @@ TEST(FileTransaction, OneFileGoesToAStreamAndOthersToTheirNames) {
     };
     EXPECT_EQ(send("other"), content);
     EXPECT_EQ(folder.Files(), (Names{"other"}));
-    EXPECT_FALSE(fs::exists(folder / "nowhere"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
     EXPECT_THROW(send("nowhere/beside"), Error);
-    EXPECT_FALSE(fs::exists(folder / "nowhere"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
 }
 
 TEST(FileTransaction, NewNamesAreNotTakenFromOthers) {

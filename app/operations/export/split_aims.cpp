@@ -29,12 +29,14 @@ public:
     }
 
     void Run() {
-        std::unordered_map<std::size_t, std::size_t> moved;
+        std::unordered_map<std::size_t, std::size_t> cameras, lights;
         for (std::size_t node = 0; node < m_isJoint.size(); ++node) {
-            if (Aims(Node(node)) && SharesItsNode(node) && !IsSplitAnyway(Node(node)))
-                moved[node] = Split(node);
+            if (!Aims(Node(node)) || !SharesItsNode(node) || IsSplitAnyway(Node(node))) continue;
+            const bool isCamera = Node(node).Find(kCamera) != nullptr;
+            (isCamera ? cameras : lights)[node] = Split(node, isCamera ? kCamera : kLight);
         }
-        FollowMembers(m_document, kAimMembers, moved);
+        FollowMembers(m_document, kCameraMembers, cameras);
+        FollowMembers(m_document, kLightMembers, lights);
     }
 
 private:
@@ -64,9 +66,8 @@ private:
         return hasOwnPivot || FindMember(node, kObjectOffsetMember) != nullptr;
     }
 
-    std::size_t Split(std::size_t index) {
-        const bool isCamera = Node(index).Find(kCamera) != nullptr;
-        const std::string_view members[] = {isCamera ? kCamera : kLight, kTargetMember};
+    std::size_t Split(std::size_t index, std::string_view object) {
+        const std::string_view members[] = {object, kTargetMember};
         const std::size_t child = *SplitMembers(m_document, index, members);
         JsonTree& tree = m_document.Tree();
         Json list = JsonTree::MakeArray();
