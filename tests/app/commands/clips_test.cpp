@@ -53,7 +53,7 @@ TEST(Clips, RefuseWhatMatchesNothing) {
     const Outcome large = folder.Shell(
         "truncate -s 67108865 map.json; zr merge scene.glb out.glb --from scene.glb --match map.json");
     EXPECT_EQ(large.status, 1);
-    EXPECT_EQ(large.err, "zr: map.json: is larger than the 67108864 bytes that may be read\n");
+    EXPECT_EQ(large.err, "zr: scene.glb: map.json: is larger than the 67108864 bytes that may be read\n");
     EXPECT_EQ(folder.Zr("split scene.glb").status, 2);
     EXPECT_EQ(folder.Zr("split scene.glb out.glb --out-dir clips --each").status, 2);
     EXPECT_EQ(folder.Zr("split - --out-dir clips").status, 2);
