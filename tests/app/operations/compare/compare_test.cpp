@@ -138,7 +138,7 @@ constexpr Plant kPlants[] = {
      [](ScenePlan& p, Random& r) { std::swap(p.joints[0], p.joints[1 + Pick(r, 3)]); }},
 };
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || !defined(__OPTIMIZE__)
 constexpr unsigned kScenes = 5;
 constexpr unsigned kOfEach = 1;
 #else
