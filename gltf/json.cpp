@@ -171,7 +171,8 @@ Json JsonTree::Store(Json::Type type, std::string_view text) {
     char* const copy = static_cast<char*>(Allocate(text.size()));
     std::copy(text.begin(), text.end(), copy);
     if (text.size() < Json::kLongText) return Json(type, copy, text.size());
-    return Json(type, new (Allocate(sizeof text)) std::string_view(copy, text.size()), Json::kLongText);
+    return Json(type, new (Allocate(sizeof(std::string_view))) std::string_view(copy, text.size()),
+                Json::kLongText);
 }
 
 Json JsonTree::ReadNumber(std::string_view text) {
@@ -185,7 +186,7 @@ Json JsonTree::MakeString(std::string_view text) {
 
 template <typename T>
 Json JsonTree::Number(T value) {
-    Json::NumberRoom text;
+    Json::NumberRoom text{};
     const char* const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
     return ReadNumber({text.data(), static_cast<std::size_t>(end - text.data())});
 }

@@ -62,7 +62,9 @@ private:
     Json Name(std::string_view text) {
         if (text.empty()) return m_tree.MakeString(text);
         const auto byte = [](char c) { return static_cast<unsigned char>(c); };
-        Json& known = m_names[(text.size() + byte(text.front()) * 7U + byte(text.back()) * 31U) % kNames];
+        Json& known = m_names[(text.size() + byte(text.front()) * std::size_t{7} +
+                               byte(text.back()) * std::size_t{31}) %
+                              kNames];
         if (known.String() != text) known = m_tree.MakeString(text);
         return known;
     }

@@ -16,10 +16,20 @@ void Box::Widen(compare::Vec3 p) {
     high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
 }
 
+namespace {
+
+std::vector<std::size_t> ShownNodes(const compare::Evaluator& evaluator) {
+    std::vector<std::size_t> nodes = evaluator.ParentsFirst();
+    std::erase_if(nodes, [&](std::size_t node) { return !evaluator.Shown()[node]; });
+    return nodes;
+}
+
+}  // namespace
+
 Inspection::Inspection(gltf::Document& inspected)
     : document(inspected),
       evaluator(inspected),
-      drawn(evaluator, evaluator.ParentsFirst()),
+      drawn(evaluator, ShownNodes(evaluator)),
       meshBoxes(Elements(Kind::kMesh).size()) {
     for (const compare::Part& part : drawn.Parts()) {
         const std::vector<double> vertices = drawn.Vertices(part);
