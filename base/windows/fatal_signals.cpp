@@ -3,8 +3,6 @@
 
 #include <atomic>
 #include <cstring>
-#include <mutex>
-#include <shared_mutex>
 
 #include "base/process.h"
 #include "base/windows/handle.h"
@@ -14,8 +12,9 @@ namespace {
 
 constexpr UINT kEndedByUser = 130;
 
-// Held by each HoldFatalSignals, and for a moment by whatever is about to end the process.
-std::shared_mutex g_hold;
+// Shared by each HoldFatalSignals, and held alone for a moment by whatever is about to end the process. The
+// compiler's std::shared_mutex may fail where two threads are the first to lock it.
+SRWLOCK g_hold = SRWLOCK_INIT;
 
 // Time to report what is done, and to end in order where nothing lasts.
 constexpr DWORD kPatience = 30;  // milliseconds
@@ -28,7 +27,8 @@ void WriteError(const char* text) {
 }
 
 void WaitForHolds() {
-    const std::unique_lock lock(g_hold);
+    AcquireSRWLockExclusive(&g_hold);
+    ReleaseSRWLockExclusive(&g_hold);
 }
 
 // Runs on a thread of its own for Ctrl-C, Ctrl-Break, a closed window and the end of the session.
@@ -46,11 +46,11 @@ void InstallHandler() {
 
 HoldFatalSignals::HoldFatalSignals() {
     InstallHandler();
-    g_hold.lock_shared();
+    AcquireSRWLockShared(&g_hold);
 }
 
 HoldFatalSignals::~HoldFatalSignals() {
-    g_hold.unlock_shared();
+    ReleaseSRWLockShared(&g_hold);
 }
 
 // Temporary files go with their handles. This runs beside the other threads, which must not see the program's
@@ -64,11 +64,13 @@ extern "C" void EndBySignal(int) {
 void EndSoon(int status, const char* line) {
     if (g_isWorkDone) return;
     Sleep(kPatience);
-    const std::unique_lock lock(g_hold);
-    if (g_isWorkDone) return;
-    if (IsStandardErrorTerminal()) WriteError("\r\033[K");
-    WriteError(line);
-    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+    AcquireSRWLockExclusive(&g_hold);
+    if (!g_isWorkDone) {
+        if (IsStandardErrorTerminal()) WriteError("\r\033[K");
+        WriteError(line);
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+    }
+    ReleaseSRWLockExclusive(&g_hold);
 }
 
 void BeginWork() {
