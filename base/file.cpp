@@ -54,12 +54,14 @@ FileContent ReadFile(const fs::path& path, std::uint64_t limit) {
     if (!status && stated > limit) FailTooLarge(path, limit);
     std::size_t room = status ? std::size_t{1} << 16 : static_cast<std::size_t>(stated);
     FileContent content{std::make_unique_for_overwrite<std::byte[]>(room + 1), 0};
+    constexpr std::size_t kPiece = std::size_t{4} << 20;  // a process may end between two of them
     for (;;) {
         // Asking for one byte more than fits tells the end of the file from a file that grew.
-        const std::size_t got =
-            std::fread(content.data.get() + content.size, 1, room + 1 - content.size, file.get());
+        const std::size_t wanted = std::min(kPiece, room + 1 - content.size);
+        const std::size_t got = std::fread(content.data.get() + content.size, 1, wanted, file.get());
         content.size += got;
-        if (content.size <= room) break;
+        if (got < wanted) break;
+        if (content.size <= room) continue;
         if (content.size > limit) FailTooLarge(path, limit);
         room = room * 2 + 1;
         auto wider = std::make_unique_for_overwrite<std::byte[]>(room + 1);
