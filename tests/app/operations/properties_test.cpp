@@ -128,7 +128,8 @@ TEST(Properties, AMergeInSequencePlaysAsItsSources) {
             options.gap = gap;
             MergeAnimations(TheHost(), loaded, ChooseAnimations(loaded.Scene(), names), options);
             LoadedScene after(std::move(loaded).WriteBack());
-            ExpectPlaysInSequence(before, names, after, "Merge Result", gap);
+            // Random scenes move by a hundred a second, and jump at any key.
+            ExpectPlaysInSequence(before, names, after, "Merge Result", gap, {5e-5, 3});
             ++merged;
         });
     }

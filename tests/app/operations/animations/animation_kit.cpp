@@ -115,9 +115,8 @@ double Difference(const kernix::Rotation& a, const kernix::Rotation& b) {
 }
 
 void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
-                           const std::string& merged, double gap) {
-    // Times are rounded to floats: what moves by a hundred a second is a little beside its place.
-    constexpr double kNear = 5e-5;
+                           const std::string& merged, double gap, const Rounding& rounding) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
     kernix::AnimationModel* result = ChooseAnimation(after.Scene(), merged);
     const std::vector<float> resultTimes = KeyTimes(*result);
     double next = 0;
@@ -129,15 +128,18 @@ void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene&
         const bool givesWay = length == 0 && gap == 0 && i + 1 < names.size();
         for (const float time : givesWay ? std::vector<float>() : times) {
             const float there = Nearest(resultTimes, static_cast<float>(time + offset));
-            // A jump may be rounded to a neighbour of its time. Where two sources meet, a first vector gives
-            // way to the last one.
             std::vector<float> moments{there};
-            constexpr float kInfinity = std::numeric_limits<float>::infinity();
-            for (float down = there, up = there; moments.size() < 7;) {
+            // Where two sources meet, a first vector gives way to the last one, and rotations jump.
+            if (time == times.front()) {
+                moments.push_back(std::nextafter(there, kInfinity));
+                moments.push_back(Nearest(resultTimes, there + 0.001F));
+            }
+            if (time == times.back()) moments.push_back(std::nextafter(there, -kInfinity));
+            float down = there, up = there;
+            for (int step = 0; step < rounding.steps; ++step) {
                 moments.push_back(down = std::nextafter(down, -kInfinity));
                 moments.push_back(up = std::nextafter(up, kInfinity));
             }
-            if (time == times.front()) moments.push_back(Nearest(resultTimes, there + 0.001F));
             for (std::size_t node = 0; node < before.Document().Elements(Kind::kNode).size(); ++node) {
                 if (before.Node(node) == nullptr) continue;
                 SCOPED_TRACE(Join(names[i], " node ", node, " at ", std::to_string(time)));
@@ -149,9 +151,9 @@ void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene&
                     rotation = std::min(rotation, Difference(wanted.rotation, got.rotation));
                     scale = std::min(scale, Difference(wanted.scale, got.scale));
                 }
-                EXPECT_LT(translation, kNear);
-                EXPECT_LT(rotation, kNear);
-                EXPECT_LT(scale, kNear);
+                EXPECT_LT(translation, rounding.difference);
+                EXPECT_LT(rotation, rounding.difference);
+                EXPECT_LT(scale, rounding.difference);
             }
         }
         next = before.Scene().GetEndTime(source) + offset + gap;

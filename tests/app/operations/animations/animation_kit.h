@@ -51,9 +51,15 @@ std::vector<float> KeyTimes(kernix::AnimationModel& animation);
 double Difference(const double (&a)[3], const double (&b)[3]);
 double Difference(const kernix::Rotation& a, const kernix::Rotation& b);
 
+// Times are floats: how far a shifted key may be beside its value, and a jump, in floats, beside its time.
+struct Rounding {
+    double difference = 1e-5;
+    int steps = 0;
+};
+
 // Every node stands, at each key of each of the animations `names` of `before`, as `merged` of `after` has it
 // when these play one after the other, `gap` seconds apart.
 void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
-                           const std::string& merged, double gap);
+                           const std::string& merged, double gap, const Rounding& rounding = {});
 
 }  // namespace zr::test
