@@ -11,7 +11,7 @@ export class Browser {
     const browser = new Browser();
     browser.size = { width, height };
     browser.folder = await mkdtemp(join(tmpdir(), "zr-browser-"));
-    browser.process = spawn(program, ["--headless=new", "--no-sandbox", "--allow-pre-commit-input", "--disable-gpu", "--use-angle=swiftshader",
+    browser.process = spawn(program, ["--headless=new", "--no-sandbox", "--disable-gpu", "--use-angle=swiftshader",
       "--enable-unsafe-swiftshader", "--disable-dev-shm-usage", "--hide-scrollbars", "--remote-debugging-pipe",
       `--user-data-dir=${browser.folder}`, `--window-size=${width},${height}`], { stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"] });
     browser.waiting = new Map();

@@ -116,8 +116,7 @@ private:
     // What meshes share, by the number of its key.
     Interner m_listsKeys;
     std::vector<std::shared_ptr<kernix::MeshGeometry>> m_lists;
-    std::unordered_map<std::uint32_t, Words>
-        m_faces;  // how many each part of lists has, where there are several
+    std::unordered_map<std::uint32_t, Words> m_faces;  // how many each of several parts of lists has
     Interner m_sharedListsKeys;
     std::vector<SharedLists> m_sharedLists;
     Interner m_verticesKeys;
