@@ -197,7 +197,7 @@ Measured Hierarchical(const gltf::Document& document, double wished) {
         std::size_t others = 0;
         for (const Channel& channel : animation.channels) {
             if (channel.path <= Path::kScale) {
-                tracks.push_back({&channel, channel.curve, channel.curve});
+                tracks.push_back({&channel, &channel.curve, channel.curve, channel.curve});
             } else {
                 others += channel.curve.Times().size();
             }

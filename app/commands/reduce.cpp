@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <memory>
 
 #include "app/commands/batch.h"
@@ -21,19 +20,12 @@ struct ReduceArguments {
     std::string tolerance;
 };
 
-// The deviation of an export is that of nodes; what hangs on them goes as far and a part of it more.
-constexpr double kReach = 2;
-// Of the tolerance, that rounding may take.
-constexpr double kGreatestPart = 0.1;
-
 // The tools' own pass takes the keys that change nothing but by rounding; the tolerance is left to those that
-// do. Where it is so small that rounding takes much of it, the reduction does all.
-Exported WithoutRedundantKeys(Session& session, gltf::Document document, double tolerance,
-                              const Advance& advance) {
+// do.
+Exported WithoutRedundantKeys(Session& session, gltf::Document document, const Advance& advance) {
     ExportOptions options;
     options.exportFlags |= vl::tk::kMergeKeys;
     options.keepsCurves = true;
-    if (tolerance > 0) options.maxMergeDeviation = kGreatestPart * tolerance / kReach;
     SplitAims(document, options);
     return ExportScene(session.GetHost(), LoadedScene(std::move(document), SceneOptionsOf(options, true)),
                        options, advance);
@@ -44,16 +36,12 @@ Report Reduce(Session& session, const ReduceTolerance& tolerance, const ReduceAr
     constexpr double kMerged = 0.3;  // of the time, roughly
     OutputTarget out(session, task.output, EndingOf(arguments.files.format));
     Report report;
-    Exported exported = WithoutRedundantKeys(session, LoadDocument(session, task.input, report),
-                                             tolerance.length, [&](double done) { advance(kMerged * done); });
-    // Rounding in the pass takes its part of the tolerance.
-    const double rounding = std::min(kReach * exported.report.deviation, kGreatestPart * tolerance.length);
-    ReduceOptions options{tolerance};
-    options.tolerance.length -= rounding;
+    gltf::Document document = LoadDocument(session, task.input, report);
+    ReduceOptions options{tolerance, compare::Evaluator(document).Animations()};
+    Exported exported =
+        WithoutRedundantKeys(session, std::move(document), [&](double done) { advance(kMerged * done); });
     options.progress = [&](double done) { advance(kMerged + (1 - kMerged) * done); };
-    ReduceReport reduced = ReduceKeys(exported.document, options);
-    reduced.length += rounding;
-    reduced.keysBefore += exported.report.keysBefore - exported.report.keysAfter;
+    const ReduceReport reduced = ReduceKeys(exported.document, options);
     SaveDocument(exported.document, out);
     report.Line(arguments.files.IsSingle() ? Describe(reduced) : task.output + ": " + Describe(reduced));
     report.json = JsonOf(reduced);

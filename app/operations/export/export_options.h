@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include "app/operations/export/clip.h"
 #include "app/operations/export/node_choice.h"
@@ -33,8 +32,6 @@ struct ExportOptions {
     MotionCheck check = MotionCheck::kQuick;
     // Merging leaves steps and cubic curves as they are, which it otherwise makes lines with more keys.
     bool keepsCurves = false;
-    // With keepsCurves: the scene stays as it is where merging would put it off by more, in its units.
-    double maxMergeDeviation = std::numeric_limits<double>::infinity();
     NodeChoice nodes;
     ClipOptions clip;
     double maxDeviation = 1e-3;  // of the scene's size, above which the export fails

@@ -214,7 +214,7 @@ Tool RunForRecords(Host& host, LoadedScene& loaded, kernix::AnimationModel* anim
     return runs.records;
 }
 
-// What becomes of the document; nothing where it stays as it is.
+// What becomes of the document; nothing where an empty scene stays one.
 std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const ExportOptions& options,
                                          const ExportProgress& progress, MotionReport& report,
                                          std::vector<SourceTime>& times, std::string* renameMap) {
@@ -236,11 +236,6 @@ std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const 
     progress(kRun);
     report.keysAfter = runs.keys;
     CheckMotion(loaded, runs.records, options, clips, runs.played, runs.replaced, runs.added, report);
-    if (options.keepsCurves && report.deviation > options.maxMergeDeviation) {
-        report.deviation = 0;
-        report.keysAfter = report.keysBefore;
-        return std::nullopt;
-    }
     CheckDeviation(report, options);
     progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);

@@ -79,9 +79,8 @@ double Motion::GreatestScale(const Node& node) const {
     double greatest = GreatestOf(node.local);
     if (node.mover == kNone) return greatest;
     for (const std::size_t track : m_movers[node.mover].tracks) {
-        const compare::Channel& channel = *m_tracks[track].channel;
-        if (channel.path != Path::kScale) continue;
-        for (const float value : channel.curve.Values())
+        if (m_tracks[track].channel->path != Path::kScale) continue;
+        for (const float value : m_tracks[track].original->Values())
             greatest = std::max(greatest, std::abs(static_cast<double>(value)));
     }
     return greatest;
@@ -91,9 +90,8 @@ double Motion::GreatestDistance(const Node& node) const {
     double greatest = Length(node.local.origin);
     if (node.mover == kNone) return greatest;
     for (const std::size_t track : m_movers[node.mover].tracks) {
-        const compare::Channel& channel = *m_tracks[track].channel;
-        if (channel.path != Path::kTranslation) continue;
-        const auto values = channel.curve.Values();
+        if (m_tracks[track].channel->path != Path::kTranslation) continue;
+        const auto values = m_tracks[track].original->Values();
         for (std::size_t i = 0; i + 3 <= values.size(); i += 3)
             greatest =
                 std::max(greatest, static_cast<double>(std::hypot(values[i], values[i + 1], values[i + 2])));
@@ -135,8 +133,8 @@ void Motion::FindTimes() {
     std::vector<double> keys;
     for (const Mover& mover : m_movers) {
         for (const std::size_t track : mover.tracks) {
-            const auto times = m_tracks[track].straight.Times();
-            keys.insert(keys.end(), times.begin(), times.end());
+            for (const KeyCurve* curve : {&m_tracks[track].straight, &m_tracks[track].channel->curve})
+                keys.insert(keys.end(), curve->Times().begin(), curve->Times().end());
         }
     }
     std::sort(keys.begin(), keys.end());
@@ -153,7 +151,7 @@ Affine Motion::Local(const Node& node, double time, bool reduced) const {
     compare::Trs parts = m_evaluator.RestParts(node.node);
     for (const std::size_t place : m_movers[node.mover].tracks) {
         const Track& track = m_tracks[place];
-        const KeyCurve& curve = reduced ? track.reduced : track.channel->curve;
+        const KeyCurve& curve = reduced ? track.reduced : *track.original;
         switch (track.channel->path) {
             case Path::kTranslation:
                 curve.At(time, false, parts.translation);

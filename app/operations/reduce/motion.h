@@ -9,10 +9,11 @@
 
 namespace zr::reduce {
 
-// The curve of a channel that moves a node, and what it has become.
+// The curve of a channel that moves a node, as it was, as the document has it, and what it becomes.
 struct Track {
-    const compare::Channel* channel;  // translation, rotation or scale
-    compare::KeyCurve straight;       // without cubic pieces
+    const compare::Channel* channel;    // translation, rotation or scale
+    const compare::KeyCurve* original;  // what errors count from
+    compare::KeyCurve straight;         // the same without cubic pieces
     compare::KeyCurve reduced;
 };
 

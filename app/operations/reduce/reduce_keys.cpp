@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <numbers>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -44,6 +45,10 @@ std::size_t KeyCount(const KeyCurve& curve) {
     return curve.Times().size();
 }
 
+bool IsSame(const KeyCurve& a, const KeyCurve& b) {
+    return std::ranges::equal(a.Times(), b.Times()) && std::ranges::equal(a.Values(), b.Values());
+}
+
 // The same curve within a tolerance; unchanged where no key can be dropped. straight: the curve without cubic
 // pieces.
 KeyCurve Thinned(const KeyCurve& curve, const KeyCurve& straight, bool isRotation, double tolerance) {
@@ -58,19 +63,35 @@ KeyCurve Thinned(const KeyCurve& curve, const KeyCurve& straight, bool isRotatio
 class Shares {
 public:
     Shares(const Motion& motion, std::vector<Track>& tracks, const ReduceTolerance& tolerance)
-        : m_motion(motion), m_tracks(tracks), m_tolerance(tolerance), m_shares(motion.Movers().size(), 1.0) {}
+        : m_motion(motion), m_tracks(tracks), m_tolerance(tolerance), m_shares(motion.Movers().size(), 1.0) {
+        for (const Track& track : tracks) {
+            const KeyCurve& passed = track.channel->curve;
+            m_passed.emplace_back();
+            if (KeyCount(passed) < KeyCount(*track.original))
+                m_passed.back() = reduce::Straightened(passed, track.channel->path == Path::kRotation);
+        }
+    }
 
     // Thins the tracks as far as the motion, played, allows; the strays of the motion's watches.
     std::vector<Stray> Settle() {
         ThinEvenly();
+        if (m_best.empty()) {
+            // The pass before may have put things off too far.
+            ForgetPassed();
+            ThinEvenly();
+        }
+        if (m_best.empty()) KeepAll();
         Adapt();
         Refine();
         for (std::size_t i = 0; i < m_tracks.size(); ++i) m_tracks[i].reduced = m_best[i];
         return m_bestStrays;
     }
 
-    // Thins the tracks by the bound alone.
-    void SettleUnplayed() { ThinAll(); }
+    // Thins the tracks by the bound alone, which knows of no keys but those that are taken here.
+    void SettleUnplayed() {
+        ForgetPassed();
+        ThinAll();
+    }
 
 private:
     static constexpr int kEvenRounds = 16;
@@ -104,6 +125,8 @@ private:
         return true;
     }
 
+    void ForgetPassed() { std::fill(m_passed.begin(), m_passed.end(), std::nullopt); }
+
     void ThinAll() {
         for (std::size_t mover = 0; mover < m_shares.size(); ++mover) Thin(mover);
     }
@@ -120,14 +143,13 @@ private:
             Keep(strays);
             (IsWithin(strays) ? low : high) = share;
         }
-        if (m_best.empty()) KeepAll();
     }
 
     // Where even the least change strays too far, or farther than can be told: the curves as they are.
     void KeepAll() {
         std::fill(m_shares.begin(), m_shares.end(), 0);
         for (Track& track : m_tracks) {
-            track.reduced = track.channel->curve;
+            track.reduced = *track.original;
             m_bestKeys += KeyCount(track.reduced);
             m_best.push_back(track.reduced);
         }
@@ -198,24 +220,32 @@ private:
         const double angle = m_shares[number] * m_tolerance.angle / parts;
         const double reach = mover.reach;
         for (const std::size_t place : mover.tracks) {
-            Track& track = m_tracks[place];
-            const KeyCurve& given = track.channel->curve;
-            if (track.channel->path == Path::kTranslation) {
-                track.reduced = Thinned(given, track.straight, false, length);
-            } else if (track.channel->path == Path::kScale) {
-                track.reduced = Thinned(given, track.straight, false, reach > 0 ? length / reach : length);
-            } else {
+            const Path path = m_tracks[place].channel->path;
+            double most = length;
+            if (path == Path::kScale && reach > 0) most = length / reach;
+            if (path == Path::kRotation) {
                 // A turn moves a point by twice the sine of half its angle, times its distance.
                 const double sine = reach > 0 ? length / (2 * mover.scale * reach) : 1;
-                double turn = sine < 1 ? 2 * std::asin(sine) : std::numbers::pi;
-                if (mover.direction) turn = std::min(turn, angle);
-                track.reduced = Thinned(given, track.straight, true, turn);
+                most = sine < 1 ? 2 * std::asin(sine) : std::numbers::pi;
+                if (mover.direction) most = std::min(most, angle);
             }
+            ThinTrack(place, most);
         }
+    }
+
+    // From the original, or from what a pass before left of it where that takes fewer keys.
+    void ThinTrack(std::size_t place, double tolerance) {
+        Track& track = m_tracks[place];
+        const bool isRotation = track.channel->path == Path::kRotation;
+        track.reduced = Thinned(*track.original, track.straight, isRotation, tolerance);
+        if (!m_passed[place]) return;
+        KeyCurve passed = Thinned(track.channel->curve, *m_passed[place], isRotation, tolerance);
+        if (KeyCount(passed) < KeyCount(track.reduced)) track.reduced = std::move(passed);
     }
 
     const Motion& m_motion;
     std::vector<Track>& m_tracks;
+    std::vector<std::optional<KeyCurve>> m_passed;  // track by track, without cubic pieces
     const ReduceTolerance& m_tolerance;
     std::vector<double> m_shares;
     std::vector<KeyCurve> m_best;
@@ -238,7 +268,7 @@ public:
         std::mutex mutex;
         std::size_t done = 0;
         ParallelFor(animations.size(), m_options.jobs, [&](std::size_t animation) {
-            reduced[animation] = Reduce(animations[animation]);
+            reduced[animation] = Reduce(animation);
             const std::lock_guard lock(mutex);
             m_options.progress(static_cast<double>(++done) / static_cast<double>(animations.size()));
         });
@@ -253,6 +283,7 @@ public:
 private:
     struct Reduced {
         std::map<std::size_t, KeyCurve> curves;  // by channel
+        std::size_t keysBefore = 0;
         double length = 0;
         double angle = 0;
         std::size_t node = kNone;
@@ -260,47 +291,64 @@ private:
         bool isBound = false;
     };
 
-    Reduced Reduce(const compare::Animation& animation) const {
+    std::vector<Track> TracksOf(std::size_t number) const {
+        std::map<std::pair<std::size_t, Path>, const KeyCurve*> originals;
+        if (number < m_options.originals.size()) {
+            for (const compare::Channel& channel : m_options.originals[number].channels)
+                originals.emplace(std::pair(channel.node, channel.path), &channel.curve);
+        }
+        std::vector<Track> tracks;
+        for (const compare::Channel& channel : m_evaluator.Animations()[number].channels) {
+            if (channel.path > Path::kScale) continue;
+            const auto found = originals.find({channel.node, channel.path});
+            const KeyCurve& original = found != originals.end() ? *found->second : channel.curve;
+            tracks.push_back({&channel, &original,
+                              reduce::Straightened(original, channel.path == Path::kRotation),
+                              channel.curve});
+        }
+        return tracks;
+    }
+
+    Reduced Reduce(std::size_t number) const {
         const ReduceTolerance& tolerance = m_options.tolerance;
         Reduced reduced;
-        std::vector<Track> tracks;
-        for (const compare::Channel& channel : animation.channels) {
-            if (channel.path <= Path::kScale) {
-                tracks.push_back({&channel,
-                                  reduce::Straightened(channel.curve, channel.path == Path::kRotation),
-                                  channel.curve});
-            } else {
-                const KeyCurve straight = reduce::Straightened(channel.curve, false);
-                reduced.curves.emplace(channel.index,
-                                       Thinned(channel.curve, straight, false, tolerance.value));
-            }
+        for (const compare::Channel& channel : m_evaluator.Animations()[number].channels) {
+            if (channel.path <= Path::kScale) continue;
+            reduced.keysBefore += KeyCount(channel.curve);
+            const KeyCurve straight = reduce::Straightened(channel.curve, false);
+            reduced.curves.emplace(channel.index, Thinned(channel.curve, straight, false, tolerance.value));
         }
-        const Motion motion(m_evaluator, m_watched, tracks);
-        Shares shares(motion, tracks, tolerance);
-        if (!tracks.empty() && (tolerance.length > 0 || tolerance.angle > 0)) {
-            reduced.isBound = motion.Cost() > kGreatestCost;
-            if (reduced.isBound) {
-                shares.SettleUnplayed();
-                reduced.length = tolerance.length;
-                reduced.angle = tolerance.angle;
-            } else {
-                const std::vector<Stray> strays = shares.Settle();
-                for (std::size_t watch = 0; watch < strays.size(); ++watch) {
-                    reduced.angle = std::max(reduced.angle, strays[watch].angle);
-                    if (strays[watch].length <= reduced.length) continue;
-                    reduced.length = strays[watch].length;
-                    reduced.node = motion.Watches()[watch].node;
-                    reduced.time = strays[watch].lengthTime;
-                }
-            }
-        }
+        std::vector<Track> tracks = TracksOf(number);
+        for (const Track& track : tracks) reduced.keysBefore += KeyCount(*track.original);
+        if (!tracks.empty()) ReduceTracks(tracks, reduced);
         for (Track& track : tracks) reduced.curves.emplace(track.channel->index, std::move(track.reduced));
         return reduced;
     }
 
+    void ReduceTracks(std::vector<Track>& tracks, Reduced& reduced) const {
+        const ReduceTolerance& tolerance = m_options.tolerance;
+        const bool mayStray = tolerance.length > 0 || tolerance.angle > 0;
+        const Motion motion(m_evaluator, m_watched, tracks);
+        reduced.isBound = mayStray && motion.Cost() > kGreatestCost;
+        Shares shares(motion, tracks, tolerance);
+        if (reduced.isBound) {
+            shares.SettleUnplayed();
+            reduced.length = tolerance.length;
+            reduced.angle = tolerance.angle;
+        } else if (mayStray || motion.Cost() <= kGreatestCost) {
+            const std::vector<Stray> strays = mayStray ? shares.Settle() : motion.Measure();
+            for (std::size_t watch = 0; watch < strays.size(); ++watch) {
+                reduced.angle = std::max(reduced.angle, strays[watch].angle);
+                if (strays[watch].length <= reduced.length) continue;
+                reduced.length = strays[watch].length;
+                reduced.node = motion.Watches()[watch].node;
+                reduced.time = strays[watch].lengthTime;
+            }
+        }
+    }
+
     void Note(const compare::Animation& animation, const Reduced& reduced) {
-        for (const compare::Channel& channel : animation.channels)
-            m_report.keysBefore += KeyCount(channel.curve);
+        m_report.keysBefore += reduced.keysBefore;
         for (const auto& [channel, curve] : reduced.curves) m_report.keysAfter += KeyCount(curve);
         m_report.isBound |= reduced.isBound;
         m_report.angle = std::max(m_report.angle, reduced.angle);
@@ -317,7 +365,7 @@ private:
         std::map<std::vector<float>, std::size_t> inputs;  // accessors of equal times are one
         for (const compare::Channel& channel : m_evaluator.Animations()[animation].channels) {
             const KeyCurve& curve = reduced.at(channel.index);
-            if (KeyCount(curve) == KeyCount(channel.curve)) continue;
+            if (IsSame(curve, channel.curve)) continue;
             gltf::JsonTree& tree = m_document.Tree();
             const auto element = [&]() -> Json& { return m_document.Elements(Kind::kAnimation)[animation]; };
             const std::size_t oldSampler =

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "app/operations/compare/evaluator.h"
 #include "gltf/document.h"
 
 namespace zr {
@@ -19,6 +21,9 @@ struct ReduceTolerance {
 
 struct ReduceOptions {
     ReduceTolerance tolerance;
+    // What errors count from where a pass before has taken keys already: the animations as they were, each
+    // with the number that it has in the document. Empty: the document's own.
+    std::vector<compare::Animation> originals;
     unsigned jobs = 0;  // at most this many threads; 0: one per core. The result is the same with any number.
     std::function<void(double done)> progress = [](double) {
     };  // 0 to 1, on any thread, one at a time; may throw

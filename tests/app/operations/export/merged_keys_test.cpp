@@ -201,25 +201,5 @@ TEST(MergedExport, HoldsAtEveryKeyOfTheScene) {
     }
 }
 
-TEST(MergedExport, LeavesTheSceneWhereItWouldPutOffTooMuch) {
-    Random random;
-    const Curve turn = random.Turn();
-    const auto merged = [&](double limit) {
-        LoadedScene loaded(gltf::test::FromText(
-            R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [{"name": "box"}]})"));
-        PutKeys(
-            *loaded.Node(0)->AddTransformController()->AddTransformTrack(loaded.Scene().AddAnimation(u"a")),
-            vl::zr::kKeyRotation, turn);
-        ExportOptions options;
-        options.exportFlags |= vl::tk::kMergeKeys;
-        options.keepsCurves = true;
-        options.maxMergeDeviation = limit;
-        return ExportScene(TheHost(), std::move(loaded), options, [](double) {}).report;
-    };
-    EXPECT_LT(merged(1).keysAfter, turn.times.size());
-    EXPECT_EQ(merged(1e-12).keysAfter, turn.times.size());
-    EXPECT_EQ(merged(1e-12).deviation, 0);
-}
-
 }  // namespace
 }  // namespace zr

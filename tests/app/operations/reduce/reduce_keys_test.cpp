@@ -83,9 +83,9 @@ private:
     std::size_t m_count = 0, m_channelCount = 0;
 };
 
-std::function<std::vector<float>(float)> Swing(double pace) {
-    return [pace](float time) {
-        const double angle = 0.8 * std::sin(pace * static_cast<double>(time));
+std::function<std::vector<float>(float)> Swing(double pace, double off = 0) {
+    return [pace, off](float time) {
+        const double angle = 0.8 * std::sin(pace * static_cast<double>(time)) + off;
         return std::vector<float>{0, 0, static_cast<float>(std::sin(angle / 2)),
                                   static_cast<float>(std::cos(angle / 2))};
     };
@@ -139,6 +139,27 @@ TEST(ReduceKeys, PointsStayWithinTheLengthHoweverFarDownTheyHang) {
         const compare::CompareResult result = Compared(given, reduced, length, 1e-3);
         EXPECT_TRUE(result.IsSame()) << length << ": " << result.movedPoint.amount;
         EXPECT_NEAR(GreatestStray(given, reduced), report.length, 0.03 * length);
+    }
+}
+
+// A pass before that takes keys also moves things; the length holds for both together.
+TEST(ReduceKeys, ErrorsCountFromTheOriginals) {
+    Scene before, passed;
+    before.Animate(0, "rotation", Swing(1.1));
+    passed.Animate(0, "rotation", Swing(1.1, 1e-3), "LINEAR", 150);
+    const gltf::Document original = before.Load();
+    for (const double length : {0.05, 0.01, 1e-3}) {
+        gltf::Document reduced = passed.Load();
+        const ReduceReport report = ReduceKeys(
+            reduced, {.tolerance = {length, 1, 0}, .originals = compare::Evaluator(original).Animations()});
+        EXPECT_EQ(report.keysBefore, 301U);
+        EXPECT_NEAR(GreatestStray(original, reduced), report.length, 0.03 * length);
+        EXPECT_LE(report.length, length);
+        // The pass moves the finger by more than the last length.
+        if (length > 4e-3)
+            EXPECT_LT(report.keysAfter, 151U);
+        else
+            EXPECT_EQ(Keys(reduced, 0), 301U);
     }
 }
 
