@@ -155,11 +155,11 @@ TEST(ReduceKeys, ErrorsCountFromTheOriginals) {
         EXPECT_EQ(report.keysBefore, 301U);
         EXPECT_NEAR(GreatestStray(original, reduced), report.length, 0.03 * length);
         EXPECT_LE(report.length, length);
-        // The pass moves the finger by more than the last length.
+        // The pass moves the finger by 0.004; what it took comes back where that is too far.
         if (length > 4e-3)
             EXPECT_LT(report.keysAfter, 151U);
         else
-            EXPECT_EQ(Keys(reduced, 0), 301U);
+            EXPECT_GT(report.keysAfter, 151U);
     }
 }
 
