@@ -29,11 +29,9 @@ bool Wants(const InspectArguments& arguments, const std::string& table) {
            std::find(arguments.tables.begin(), arguments.tables.end(), table) != arguments.tables.end();
 }
 
-// What a cleaning would take, found by cleaning a copy that is not written.
-inspect::Table WasteOf(Session& session, const std::string& scene) {
+// What a cleaning would take, found by cleaning the document, which is not written.
+inspect::Table WasteOf(Session& session, gltf::Document& document) {
     inspect::Table table{"waste", {"what", "count", "bytes", "names"}, {}};
-    Report ignored;
-    gltf::Document document = LoadDocument(session, scene, ignored);
     Host& host = session.GetHost();
     const vl::Ref<zr_CLEANER> cleaner = host.Create<zr_CLEANER>(kTypeCleaner);
     EnvironmentService environment(host);
@@ -76,14 +74,10 @@ JsonArray JsonOf(const inspect::Table& table) {
 
 int RunInspect(Session& session, const InspectArguments& arguments) {
     Report report;
-    std::vector<inspect::Table> tables;
-    {
-        gltf::Document document = LoadDocument(session, arguments.scene, report);
-        session.ThrowIfStopped();
-        tables = inspect::InspectDocument(document);
-    }
-    if (Wants(arguments, "waste") && arguments.scene != kStandardStream)
-        tables.push_back(WasteOf(session, arguments.scene));
+    gltf::Document document = LoadDocument(session, arguments.scene, report);
+    session.ThrowIfStopped();
+    std::vector<inspect::Table> tables = inspect::InspectDocument(document);
+    if (Wants(arguments, "waste")) tables.push_back(WasteOf(session, document));
     std::erase_if(tables, [&](const inspect::Table& table) { return !Wants(arguments, table.name); });
     report.isAnswer = true;
     report.text = arguments.format == "csv"  ? inspect::AsCsv(tables)

@@ -21,8 +21,14 @@ std::string TextOf(const Cell& cell) {
     return {};
 }
 
-bool IsNumber(const Cell& cell) {
-    return std::holds_alternative<std::uint64_t>(cell) || std::holds_alternative<double>(cell);
+// Columns of numbers stand at the right, those with any text at the left.
+bool IsOfNumbers(const Table& table, std::size_t column) {
+    bool hasNumber = false;
+    for (const auto& row : table.rows) {
+        if (std::holds_alternative<std::string>(row[column])) return false;
+        hasNumber = hasNumber || !std::holds_alternative<std::monostate>(row[column]);
+    }
+    return hasNumber;
 }
 
 // The number of characters, assuming that all are equally wide.
@@ -51,28 +57,27 @@ std::string CsvField(const std::string& text) {
 void AddTextTable(const Table& table, std::size_t most, std::string& text) {
     const std::size_t shown = std::min(most, table.rows.size());
     std::vector<std::size_t> widths;
+    std::vector<bool> isToTheRight;
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        isToTheRight.push_back(IsOfNumbers(table, column));
         widths.push_back(Width(table.columns[column]));
         for (std::size_t row = 0; row < shown; ++row)
             widths.back() = std::max(widths.back(), Width(Escaped(TextOf(table.rows[row][column]), "")));
     }
-    const auto add = [&](const std::string& field, std::size_t column, bool toTheRight) {
+    const auto add = [&](const std::string& field, std::size_t column) {
         const std::string gap(widths[column] - Width(field), ' ');
-        text += Join("  ", toTheRight ? gap : "", field, toTheRight ? "" : gap);
+        text += Join("  ", isToTheRight[column] ? gap : "", field, isToTheRight[column] ? "" : gap);
     };
     const auto end = [&] {
         text.erase(text.find_last_not_of(' ') + 1);
         text += '\n';
     };
     text += Join(table.name, "\n");
-    for (std::size_t column = 0; column < table.columns.size(); ++column)
-        add(table.columns[column], column, shown > 0 && IsNumber(table.rows[0][column]));
+    for (std::size_t column = 0; column < table.columns.size(); ++column) add(table.columns[column], column);
     end();
     for (std::size_t row = 0; row < shown; ++row) {
-        for (std::size_t column = 0; column < table.columns.size(); ++column) {
-            const Cell& cell = table.rows[row][column];
-            add(Escaped(TextOf(cell), ""), column, IsNumber(cell));
-        }
+        for (std::size_t column = 0; column < table.columns.size(); ++column)
+            add(Escaped(TextOf(table.rows[row][column]), ""), column);
         end();
     }
     if (shown < table.rows.size()) text += Join("  and ", table.rows.size() - shown, " more\n");
@@ -96,7 +101,7 @@ std::string AsMarkdown(std::span<const Table> tables) {
         for (const std::string& column : table.columns) text += Join(" ", column, " |");
         text += "\n|";
         for (std::size_t column = 0; column < table.columns.size(); ++column)
-            text += !table.rows.empty() && IsNumber(table.rows[0][column]) ? "---:|" : "---|";
+            text += IsOfNumbers(table, column) ? "---:|" : "---|";
         for (const auto& row : table.rows) {
             text += "\n|";
             for (const Cell& cell : row) text += Join(" ", Escaped(TextOf(cell), "|\\`*_<"), " |");

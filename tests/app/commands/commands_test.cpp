@@ -230,6 +230,7 @@ TEST_F(Commands, InspectListsTables) {
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_TRUE(text.out.starts_with("animations,animation,name,")) << text.out;
     EXPECT_NE(text.out.find("\"run, fast\""), std::string::npos) << text.out;
+    EXPECT_EQ(m_folder.Shell("zr inspect - <a.glb").out, m_folder.Zr("inspect a.glb").out);
 }
 
 TEST_F(Commands, StrictReadingRefusesWhatIsMissing) {

@@ -108,6 +108,8 @@ TEST(Inspect, WritesTables) {
          {"name", "count", "size"},
          {{Text("a|b"), Whole(12), 1.5}, {Text("comma, \"quote\"\n"), Whole(3), Cell()}}}};
     EXPECT_EQ(inspect::AsText(tables, 1), "things\n  name  count  size\n  a|b      12   1.5\n  and 1 more\n");
+    EXPECT_EQ(inspect::AsText({{{"mixed", {"value"}, {{Whole(1)}, {Text("two")}}}}}, 9),
+              "mixed\n  value\n  1\n  two\n");
     EXPECT_EQ(inspect::AsMarkdown(tables),
               "## things\n\n| name | count | size |\n|---|---:|---:|\n| a\\|b | 12 | 1.5 |\n"
               "| comma, \"quote\"\\\\n | 3 |  |\n");
