@@ -41,16 +41,19 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
     app.add_flag("--allow-outside", options.load.allowOutside,
                  "Also read files of a scene that lie outside its folder")
         ->group(kGroup);
-    app.add_option_function<double>(
-           "--max-memory",
-           [&options](double mebibytes) {
-               constexpr double kMebibyte = 1 << 20;
-               options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
-           },
-           "Memory that the content of a scene may take; else 256, or 32 times the scene's size")
-        ->type_name("MIB")
-        ->check(CLI::Range(1.0, 1e6))
-        ->group(kGroup);
+    constexpr Range kMemory{1, 1e6};
+    auto* memory =
+        app.add_option_function<double>(
+               "--max-memory",
+               [&options](double mebibytes) {
+                   constexpr double kMebibyte = 1 << 20;
+                   options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
+               },
+               Join("Memory that the content of a scene may take; else 256, or 32 times the scene's size (",
+                    Text(kMemory), ")"))
+            ->type_name("MIB")
+            ->group(kGroup);
+    CheckRange(*memory, kMemory);
     app.add_flag("--decode", options.compressedData.makePlain,
                  "Write data compressed by meshopt, Draco or quantization uncompressed")
         ->group(kGroup);

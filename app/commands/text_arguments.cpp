@@ -78,12 +78,12 @@ void AddTextOptions(CLI::App& command, TextArguments& arguments) {
         command, arguments.files, kTextFiles, "TEXT OUT",
         "The text, and the file to write: .svg, .dxf, .glb, .gltf, .json, .obj for a mesh or .stl "
         "for a solid; - is standard output");
-    command.add_option("--file", arguments.file,
-                       "Read the text, UTF-8, from this file (-: standard input); then only OUT is given");
     command
-        .add_option("--style", arguments.style,
-                    "Single strokes, closed outlines (the default) or triangles (with --depth)")
-        ->check(CLI::IsMember({"stroke", "outline", "mesh"}));
+        .add_option("--file", arguments.file,
+                    "Read the text, UTF-8, from this file (-: standard input); then only OUT is given")
+        ->type_name(kFileType);
+    AddChoice(command, "--style", arguments.style, {"stroke", "outline", "mesh"},
+              "Single strokes, closed outlines (the default) or triangles (with --depth)");
     AddFontOptions(command, arguments);
     AddDrawingOptions(command, arguments);
     AddPageOption(command, arguments.page, "Also write a page (.html) that shows the text and its measures");

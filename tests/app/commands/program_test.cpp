@@ -53,6 +53,8 @@ TEST(Program, NamesTheWrongWordInOneLine) {
         {"info a.glb \"$(printf 'b\\nc')\"", "unexpected argument \"b\\nc\""},
         {"--language zz info a.glb", "there are no texts in \"zz\""},
         {"export a.glb", "one to write"},
+        {"info a.glb --max-memory nan", "\"nan\" is not a number from 1 to 1000000"},
+        {"text --style bold A a.svg", "\"bold\" is none of stroke|outline|mesh"},
         {"export a.glb b.glb --rescale nan", "\"nan\" is not a number from 1e-06 to 1000000"},
         {"export a.glb b.glb --rescale 1e39", "--rescale"},
         {"export a.glb b.glb --length -1", "--length"},
