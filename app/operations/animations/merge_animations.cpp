@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 
+#include "app/operations/animations/joined_curve.h"
 #include "app/operations/animations/rest_value.h"
 #include "app/scene/curves.h"
 #include "base/text.h"
@@ -71,9 +73,7 @@ private:
         if (m_options.inSequence) ShiftCopies();
         ForEachController(m_loaded, [this](vl::zr::Controller& controller, const std::string& holder) {
             if (controller.IsTypeOf(vl::zr::kTypeTransformController)) return;
-            NoteDropped(controller, holder);
-            if (m_options.inSequence)
-                HoldRest(static_cast<kernix::SampledControllerModel&>(controller), holder);
+            JoinSampled(static_cast<kernix::SampledControllerModel&>(controller), holder);
         });
         for (vl::zr::Node* node : vl::ArrayOf<vl::zr::Node*>(m_scene.m_pNodes))
             PrepareNode(static_cast<kernix::NodeModel&>(*node));
@@ -182,36 +182,47 @@ private:
         return offset;
     }
 
-    void NoteDropped(vl::zr::Controller& controller, const std::string& holder) {
-        bool first = true;
-        for (std::size_t i = 0; i < m_sources.size(); ++i) {
-            if (controller.GetTrack(m_sources[i]) == nullptr) continue;
-            if (!first) {
-                const auto& sampled = static_cast<kernix::SampledControllerModel&>(controller);
-                m_report.dropped.push_back(
-                    Join(sampled.GetTarget(), " of ", holder, " in ", Quoted(*m_sources[i])));
+    // The merge takes the first track as it is, which therefore gets the keys of all.
+    void JoinSampled(kernix::SampledControllerModel& controller, const std::string& holder) {
+        std::vector<kernix::SampledTrack*> tracks;
+        std::vector<Stretch> stretches;
+        std::vector<const Curve*> curves;
+        for (const Source& source : m_copies) {
+            auto* track = static_cast<kernix::SampledTrack*>(controller.GetTrack(source.copy));
+            if (track != nullptr && (source.givesWay || track->GetKeyCount() == 0)) {
+                track->SetCurve({});
+                track = nullptr;
             }
-            first = false;
+            tracks.push_back(track);
+            const Curve* curve = track != nullptr ? &track->GetCurve() : nullptr;
+            if (!source.givesWay) stretches.push_back({curve, source.start});
+            if (curve != nullptr) curves.push_back(curve);
+        }
+        if (curves.empty()) return;
+        kernix::SampledTrack& first = **std::ranges::find_if(tracks, std::identity());
+        if (m_options.inSequence) {
+            const auto rest =
+                RestValue(m_loaded.Document(), controller.GetTarget(), first.GetCurve().Width());
+            if (!rest && curves.size() < stretches.size())
+                m_report.restless.push_back(Join(controller.GetTarget(), " of ", holder));
+            first.SetCurve(kernix::StoredCurve(InSequence(stretches, rest)));
+        } else if (auto joined = Joined(curves)) {
+            first.SetCurve(kernix::StoredCurve(std::move(*joined)));
+        } else {
+            NoteDropped(controller, holder, tracks);
         }
     }
 
-    // The merge takes the first track as it is; what it moves rests while other sources play.
-    void HoldRest(kernix::SampledControllerModel& controller, const std::string& holder) {
-        std::size_t at = 0;
-        const auto keysOf = [&](std::size_t i) {
-            auto* track = static_cast<kernix::SampledTrack*>(controller.GetTrack(m_copies[i].copy));
-            return track != nullptr && track->GetKeyCount() != 0 ? track : nullptr;
-        };
-        while (at < m_copies.size() && keysOf(at) == nullptr) ++at;
-        if (at == m_copies.size()) return;
-        kernix::SampledTrack& track = *keysOf(at);
-        const Curve& curve = track.GetCurve();
-        const auto rest = RestValue(m_loaded.Document(), controller.GetTarget(), curve.Width());
-        if (!rest) return m_report.restless.push_back(Join(controller.GetTarget(), " of ", holder));
-        std::optional<float> next;
-        if (at + 1 < m_copies.size()) next = m_copies[at + 1].start;
-        track.SetCurve(
-            kernix::StoredCurve(WithRest(curve, *rest, m_copies.front().start, m_copies[at].start, next)));
+    void NoteDropped(const kernix::SampledControllerModel& controller, const std::string& holder,
+                     const std::vector<kernix::SampledTrack*>& tracks) {
+        bool isFirst = true;
+        for (std::size_t i = 0; i < tracks.size(); ++i) {
+            if (tracks[i] == nullptr) continue;
+            if (!isFirst)
+                m_report.dropped.push_back(
+                    Join(controller.GetTarget(), " of ", holder, " in ", Quoted(*m_sources[i])));
+            isFirst = false;
+        }
     }
 
     void PrepareNode(kernix::NodeModel& node) {

@@ -22,8 +22,9 @@ struct MergeReport {
     kernix::AnimationModel* result = nullptr;
     std::vector<std::string>
         overlapping;                    // nodes whose merged keys of several sources share a stretch of time
-    std::vector<std::string> dropped;   // tracks that do not merge: all but the first source's that has one,
-                                        // and channels that the scene does not play
+    std::vector<std::string> dropped;   // channels that the scene does not play, and weights and pointers of
+                                        // other sources than the first that animates them in the same stretch
+                                        // of time
     std::vector<std::string> unseen;    // sources without length that give way to the next one at once
     std::vector<std::string> restless;  // what shows its first value before its source plays, since nothing
                                         // tells where it rests

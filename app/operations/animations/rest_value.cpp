@@ -3,10 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
-#include <limits>
 #include <string>
-#include <utility>
 
 namespace zr {
 namespace {
@@ -105,74 +102,7 @@ const std::vector<float>* KnownDefault(std::string_view pointer) {
     return nullptr;
 }
 
-// Keys added around a curve's own, with slope 0.
-class Framed {
-public:
-    explicit Framed(const Curve& curve)
-        : m_curve(curve),
-          m_width(curve.Width()),
-          m_isCubic(curve.interpolation == vl::zr::kInterpolationCubic) {
-        m_framed.interpolation = curve.interpolation;
-    }
-
-    std::vector<float> ValueOf(std::size_t key) const {
-        const auto at = m_curve.values.begin() +
-                        static_cast<std::ptrdiff_t>(m_isCubic ? (3 * key + 1) * m_width : key * m_width);
-        return std::vector<float>(at, at + static_cast<std::ptrdiff_t>(m_width));
-    }
-
-    // Adds keys that show the value from one time until just before the other.
-    void Hold(float from, float to, const std::vector<float>& value) {
-        const float before = std::nextafter(to, -std::numeric_limits<float>::infinity());
-        Add(from, value);
-        if (m_curve.interpolation != vl::zr::kInterpolationStep && before > from) Add(before, value);
-    }
-
-    void Add(float time, const std::vector<float>& value) {
-        const std::vector<float> slopes(m_isCubic ? m_width : 0, 0.0F);
-        m_framed.times.push_back(time);
-        for (const std::vector<float>* part : {&slopes, &value, &slopes})
-            m_framed.values.insert(m_framed.values.end(), part->begin(), part->end());
-    }
-
-    void AddOwnKeys() {
-        const std::size_t first = m_framed.values.size();
-        m_framed.times.insert(m_framed.times.end(), m_curve.times.begin(), m_curve.times.end());
-        m_framed.values.insert(m_framed.values.end(), m_curve.values.begin(), m_curve.values.end());
-        if (!m_isCubic) return;
-        std::fill_n(m_framed.values.begin() + static_cast<std::ptrdiff_t>(first), m_width, 0.0F);
-        std::fill_n(m_framed.values.end() - static_cast<std::ptrdiff_t>(m_width), m_width, 0.0F);
-    }
-
-    Curve Take() { return std::move(m_framed); }
-
-private:
-    const Curve& m_curve;
-    std::size_t m_width;
-    bool m_isCubic;
-    Curve m_framed;
-};
-
 }  // namespace
-
-Curve WithRest(const Curve& curve, const std::vector<float>& rest, float from, float start,
-               std::optional<float> next) {
-    Framed framed(curve);
-    const std::vector<float> first = framed.ValueOf(0);
-    const std::vector<float> last = framed.ValueOf(curve.times.size() - 1);
-    if (from < start && first != rest) {
-        framed.Hold(from, start, rest);
-        if (start < curve.times.front()) framed.Add(start, first);
-    }
-    framed.AddOwnKeys();
-    if (next && last != rest) {
-        const float end = std::nextafter(curve.times.back(), std::numeric_limits<float>::infinity());
-        const float then = std::max(*next, end);
-        if (end < then) framed.Hold(end, then, last);
-        framed.Add(then, rest);
-    }
-    return framed.Take();
-}
 
 std::optional<std::vector<float>> RestValue(const gltf::Document& document, std::string_view pointer,
                                             std::size_t width) {
