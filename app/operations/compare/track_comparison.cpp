@@ -140,8 +140,8 @@ std::vector<double> TrackComparison::Times(std::size_t affordable, std::size_t f
     };
     spread(even, [&](double part) { return JustAfter(m_start + part * (m_end - m_start)); });
     spread(keys, [&](double part) {
-        return JustAfter(
-            m_keyTimes[static_cast<std::size_t>(part * static_cast<double>(m_keyTimes.size() - 1) + 0.5)]);
+        return JustAfter(m_keyTimes[static_cast<std::size_t>(
+            std::llround(part * static_cast<double>(m_keyTimes.size() - 1)))]);
     });
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());
