@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/operations/export/export_records.h"
 #include "app/operations/export/export_scene.h"
 #include "base/file_transaction.h"
 #include "fuzz/export_choices.h"

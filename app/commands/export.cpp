@@ -14,6 +14,7 @@
 #include "app/commands/refusals.h"
 #include "app/commands/session.h"
 #include "app/operations/animations/animation_choice.h"
+#include "app/operations/export/export_records.h"
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/keep_scene.h"
 #include "app/operations/export/split_aims.h"

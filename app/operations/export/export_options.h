@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <functional>
 
 #include "app/operations/export/clip.h"
 #include "app/operations/export/node_choice.h"
@@ -14,6 +15,9 @@ namespace zr {
 // How closely an export's motion is compared with the scene's: at every relevant place; at some, within a
 // tenth of the export's time; not at all.
 enum class MotionCheck { kThorough, kQuick, kOff };
+
+// Called periodically with progress from 0 to 1; may throw to stop the export.
+using ExportProgress = std::function<void(double)>;
 
 // What an export asks of the keyframe tools. By default everything is exported.
 struct ExportOptions {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -9,16 +8,12 @@
 #include "app/operations/export/motion_report.h"
 #include "app/scene/loaded_scene.h"
 #include "app/services/host.h"
-#include "base/file_transaction.h"
 #include "gltf/references.h"
 
 namespace zr {
 
 // How a document is loaded for an export: its default scene, as records hold it, or the whole document.
 SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole);
-
-// Called periodically with progress from 0 to 1; may throw to stop the export.
-using ExportProgress = std::function<void(double)>;
 
 // Where the time of an exported animation stands in that of the source: time * scale + offset, seconds, no
 // earlier than `from` and no later than `to`.
@@ -42,11 +37,5 @@ struct Exported {
 // map (RenameMap).
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
-
-// The same as the records themselves, written as they come (WriteRecordJson): of one animation or none an
-// object, of several {"animations"}, a list of such objects with names. The map is that of the first.
-MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
-                           const ExportProgress& progress, OutputFile& file,
-                           std::string* renameMap = nullptr);
 
 }  // namespace zr

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/operations/compare/evaluator.h"
+#include "app/operations/export/export_records.h"
 #include "app/operations/export/export_scene.h"
 #include "base/text.h"
 #include "tests/app/services/the_host.h"

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <random>
 
+#include "app/operations/export/export_records.h"
 #include "app/operations/export/export_scene.h"
 #include "app/operations/export/split_aims.h"
 #include "app/scene/curves.h"
