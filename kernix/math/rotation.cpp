@@ -83,6 +83,24 @@ vl::AngleAxis Rotation::ToAngleAxis() const {
             static_cast<float>(sign * z / s), static_cast<float>(2 * std::atan2(s, std::fabs(w)))};
 }
 
+// K. Shoemake, "Animating rotation with quaternion curves", 1985.
+Rotation Slerp(double s, const Rotation& a, const Rotation& b) {
+    const double dot = a.Dot(b);
+    const double cosine = std::min(std::fabs(dot), 1.0);
+    double wa = 1 - s;
+    double wb = s;
+    if (cosine < 1 - 1e-9) {
+        const double angle = std::acos(cosine);
+        const double sine = std::sin(angle);
+        wa = std::sin(wa * angle) / sine;
+        wb = std::sin(wb * angle) / sine;
+    }
+    if (IsLongWay(dot)) wb = -wb;
+    const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
+    const double length = std::sqrt(sum.Dot(sum));
+    return length > 0 ? Rotation{sum.x / length, sum.y / length, sum.z / length, sum.w / length} : a;
+}
+
 }  // namespace kernix
 
 namespace vl {
@@ -105,26 +123,8 @@ Quaternion::Quaternion(const Vector3<float>& r) {
     *this = Rotation::About(r.x, r.y, r.z, angle).ToQuaternion();
 }
 
-// K. Shoemake, "Animating rotation with quaternion curves", 1985.
-Quaternion::Quaternion(float fraction, const Quaternion& qa, const Quaternion& qb, int) {
-    const Rotation a = Rotation::From(qa);
-    const Rotation b = Rotation::From(qb);
-    const double dot = a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
-    const double cosine = std::min(std::fabs(dot), 1.0);
-    double wa = 1.0 - double{fraction};
-    double wb = fraction;
-    if (cosine < 1 - 1e-9) {
-        const double angle = std::acos(cosine);
-        const double sine = std::sin(angle);
-        wa = std::sin(wa * angle) / sine;
-        wb = std::sin(wb * angle) / sine;
-    }
-    if (IsLongWay(dot)) wb = -wb;
-    const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
-    const double length = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z + sum.w * sum.w);
-    *this = length > 0
-                ? Rotation{sum.x / length, sum.y / length, sum.z / length, sum.w / length}.ToQuaternion()
-                : a.ToQuaternion();
+Quaternion::Quaternion(float fraction, const Quaternion& a, const Quaternion& b, int) {
+    *this = kernix::Slerp(double{fraction}, Rotation::From(a), Rotation::From(b)).ToQuaternion();
 }
 
 Quaternion Quaternion::operator*(const Quaternion& other) const {

@@ -34,4 +34,7 @@ inline bool IsLongWay(double dot) {
     return dot < -1e-15;
 }
 
+// The rotation a share s of the shorter way from a to b.
+Rotation Slerp(double s, const Rotation& a, const Rotation& b);
+
 }  // namespace kernix

@@ -66,24 +66,6 @@ void Curve::Retime(float scale, float offset) {
     }
 }
 
-Rotation Slerp(double s, const Rotation& a, const Rotation& b) {
-    double dot = a.Dot(b);
-    const double sign = IsLongWay(dot) ? -1 : 1;
-    dot = std::min(std::fabs(dot), 1.0);
-    double wa = 1 - s;
-    double wb = s;
-    if (dot < 1 - 1e-9) {
-        const double angle = std::acos(dot);
-        const double sine = std::sin(angle);
-        wa = std::sin(wa * angle) / sine;
-        wb = std::sin(wb * angle) / sine;
-    }
-    wb *= sign;
-    const Rotation sum{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb};
-    const double length = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z + sum.w * sum.w);
-    return {sum.x / length, sum.y / length, sum.z / length, sum.w / length};
-}
-
 void EvaluateNumbers(const Curve& curve, float time, double* out) {
     const std::size_t width = curve.Width();
     const Piece piece = PieceAt(curve, time);

@@ -50,9 +50,6 @@ inline double Hermite(double a, double slopeA, double b, double slopeB, double s
            span * (s3 - s2) * slopeB;
 }
 
-// The rotation a share s of the shorter way from a to b.
-Rotation Slerp(double s, const Rotation& a, const Rotation& b);
-
 // Where curves come from when somebody first asks for them. It outlives the curves that refer to it.
 class CurveSource {
 public:
