@@ -63,9 +63,7 @@ Report ListAnimations(Session& session, const std::string& file) {
 void AddAnimationsCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("animations", "List a scene's animations and who plays them");
     auto file = std::make_shared<std::string>();
-    command->add_option("scene", *file, "The scene to read: .gltf, .glb, or - for standard input")
-        ->type_name(kSceneType)
-        ->required();
+    AddScene(*command, *file);
     AddExamples(*command, {{"animations scene.glb", "List the animations with their ranges and users."},
                            {"animations --json scene.glb", "The same for a program."},
                            {"remove-animations scene.glb - --unused | zr animations -",

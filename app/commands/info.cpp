@@ -77,9 +77,7 @@ Report Describe(Session& session, const std::string& file) {
 void AddInfoCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand("info", "Show what the host sees of a scene");
     auto file = std::make_shared<std::string>();
-    command->add_option("scene", *file, "The scene to read: .gltf, .glb, or - for standard input")
-        ->type_name(kSceneType)
-        ->required();
+    AddScene(*command, *file);
     AddExamples(*command, {{"info scene.glb", "Count what the scene holds."},
                            {"info --json scene.glb", "The same for a program."},
                            {"clean scene.glb - | zr info -", "Count what a cleaning leaves."}});

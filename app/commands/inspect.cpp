@@ -96,9 +96,7 @@ void AddInspectCommand(CLI::App& app, Session& session) {
     auto* command =
         app.add_subcommand("inspect", "List what a scene holds, what it costs and what is wrong with it");
     auto arguments = std::make_shared<InspectArguments>();
-    command->add_option("scene", arguments->scene, "The scene to read: .gltf, .glb, or - for standard input")
-        ->type_name(kSceneType)
-        ->required();
+    AddScene(*command, arguments->scene);
     AddChoice(*command, "--format", arguments->format, {"text", "md", "csv", "json"},
               "Form of the tables; else text");
     AddChoices(*command, "--tables", arguments->tables,

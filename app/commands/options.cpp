@@ -119,10 +119,14 @@ CLI::Option* AddRepeated(CLI::App& command, const std::string& name, std::vector
         ->allow_extra_args(false);
 }
 
-void AddSceneAndOut(CLI::App& command, std::string& scene, std::string& out) {
+void AddScene(CLI::App& command, std::string& scene) {
     command.add_option("scene", scene, "The scene to read: .gltf, .glb, or - for standard input")
         ->type_name(kSceneType)
         ->required();
+}
+
+void AddSceneAndOut(CLI::App& command, std::string& scene, std::string& out) {
+    AddScene(command, scene);
     command.add_option("out", out, "The scene to write: .gltf, .glb, or - for standard output")
         ->type_name(kOutType)
         ->required();

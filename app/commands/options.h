@@ -53,6 +53,9 @@ CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std
 CLI::Option* AddRepeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                          const std::string& help);
 
+// The file of a command that reads one scene.
+void AddScene(CLI::App& command, std::string& scene);
+
 // The two files of a command that changes one scene.
 void AddSceneAndOut(CLI::App& command, std::string& scene, std::string& out);
 

@@ -71,9 +71,7 @@ void AddTreeCommand(CLI::App& app, Session& session) {
     auto options = std::make_shared<TreeOptions>();
     CLI::App* command =
         app.add_subcommand("tree", "Show the hierarchy that an export of the default scene would write");
-    command->add_option("scene", options->scene, "The scene to read: .gltf, .glb, or - for standard input")
-        ->type_name(kSceneType)
-        ->required();
+    AddScene(*command, options->scene);
     command->add_flag("--window", options->window, "Open a window instead of printing");
     AddExamples(*command, {{"tree scene.glb", "Draw the hierarchy in the terminal."},
                            {"tree --window scene.glb", "Show it in a window."},
