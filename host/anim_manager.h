@@ -5,6 +5,7 @@
 
 #include "host/array.h"
 #include "host/extension.h"
+#include "host/kinds.h"
 
 class ChangeRecord;
 
@@ -20,6 +21,14 @@ enum AnimMergeFlag : std::uint32_t {
     ANIM_MERGE_ROTATION = 0x2,
     ANIM_MERGE_SCALE = 0x4,
 };
+
+struct AnimMergeKind {
+    vl::zr::KeyType keyType;
+    AnimMergeFlag flag;
+};
+inline constexpr AnimMergeKind kAnimMergeKinds[] = {{vl::zr::kKeyPosition, ANIM_MERGE_POSITION},
+                                                    {vl::zr::kKeyRotation, ANIM_MERGE_ROTATION},
+                                                    {vl::zr::kKeyScale, ANIM_MERGE_SCALE}};
 
 // Operations on a scene's animations. Every animation passed belongs to a scene. A record may be null. One
 // object runs one operation at a time, on the thread that works on the scene. The order of functions and

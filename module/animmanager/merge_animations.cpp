@@ -149,13 +149,7 @@ void CAnimManagerImpl::CopyFirstTrack(vl::Interface* object, Controller* control
 }
 
 void CAnimManagerImpl::StripUnselectedKeys(TransformController* controller, Track* track) {
-    constexpr struct {
-        int keyType;
-        AnimMergeFlag flag;
-    } kKinds[] = {{vl::zr::kKeyPosition, ANIM_MERGE_POSITION},
-                  {vl::zr::kKeyRotation, ANIM_MERGE_ROTATION},
-                  {vl::zr::kKeyScale, ANIM_MERGE_SCALE}};
-    for (const auto& kind : kKinds) {
+    for (const AnimMergeKind& kind : kAnimMergeKinds) {
         if ((m_dwKeyFlags & kind.flag) != 0) continue;
         for (int i = controller->GetTrackKeyCount(kind.keyType, track) - 1; i >= 0; --i) {
             controller->RemoveKey(kind.keyType, i, track);

@@ -21,13 +21,6 @@ namespace {
 using kernix::TransformTrack;
 using Value = std::vector<float>;
 
-constexpr struct {
-    int keyType;
-    AnimMergeFlag flag;
-} kKinds[] = {{vl::zr::kKeyPosition, ANIM_MERGE_POSITION},
-              {vl::zr::kKeyRotation, ANIM_MERGE_ROTATION},
-              {vl::zr::kKeyScale, ANIM_MERGE_SCALE}};
-
 // What the track shows, as the values of a curve.
 Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix::Pose& rest) {
     const TransformTrack::Sample sample = track.Evaluate(time, rest);
@@ -37,10 +30,6 @@ Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix
     }
     const double* v = keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale;
     return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
-}
-
-float TimeOf(const TransformTrack& track, int keyType, int index) {
-    return track.TimeOf(keyType, index);
 }
 
 // A source's copy and the stretch of time that it fills, seconds.
@@ -167,10 +156,10 @@ private:
         }
         const auto& from = static_cast<const TransformTrack&>(source);
         const auto& to = static_cast<const TransformTrack&>(copy);
-        return std::all_of(std::begin(kKinds), std::end(kKinds), [&](const auto& kind) {
+        return std::all_of(std::begin(kKeyTypes), std::end(kKeyTypes), [&](int keyType) {
             return areAsDistinct(
-                from.Count(kind.keyType), [&](int k) { return TimeOf(from, kind.keyType, k); },
-                [&](int k) { return TimeOf(to, kind.keyType, k); });
+                from.Count(keyType), [&](int k) { return from.TimeOf(keyType, k); },
+                [&](int k) { return to.TimeOf(keyType, k); });
         });
     }
 
@@ -234,11 +223,11 @@ private:
             auto* track = static_cast<TransformTrack*>(controller->GetTrack(source.copy));
             // The merge would move its keys behind those of its neighbours, with which they coincide.
             if (source.givesWay && track != nullptr)
-                for (const auto& kind : kKinds) track->Clear(kind.keyType);
+                for (const int keyType : kKeyTypes) track->Clear(keyType);
             tracks.push_back(track);
         }
         bool overlaps = false;
-        for (const auto& [keyType, flag] : kKinds) {
+        for (const auto& [keyType, flag] : kAnimMergeKinds) {
             if ((m_options.keyFlags & flag) == 0) continue;
             const auto hasKeys = [keyType = keyType](const TransformTrack* track) {
                 return track != nullptr && track->Count(keyType) != 0;
@@ -281,8 +270,7 @@ private:
         std::vector<std::pair<float, float>> ranges;
         for (const TransformTrack* track : tracks) {
             const int count = track != nullptr ? track->Count(keyType) : 0;
-            if (count != 0)
-                ranges.emplace_back(TimeOf(*track, keyType, 0), TimeOf(*track, keyType, count - 1));
+            if (count != 0) ranges.emplace_back(track->TimeOf(keyType, 0), track->TimeOf(keyType, count - 1));
         }
         std::sort(ranges.begin(), ranges.end());
         float end = ranges.front().second;
@@ -308,14 +296,14 @@ private:
             TransformTrack& track = *tracks[i];
             if (track.Count(keyType) == 0)
                 AddKey(track, keyType, source.start, ValueAt(track, keyType, 0, rest));
-            const Value first = ValueAt(track, keyType, TimeOf(track, keyType, 0), rest);
-            Value own = ValueAt(track, keyType, TimeOf(track, keyType, track.Count(keyType) - 1), rest);
+            const Value first = ValueAt(track, keyType, track.TimeOf(keyType, 0), rest);
+            Value own = ValueAt(track, keyType, track.TimeOf(keyType, track.Count(keyType) - 1), rest);
             if (ended != nullptr && last != first) {
                 // The merge itself holds vectors through a pause, but turns rotations all the way.
                 const float hold = keyType == vl::zr::kKeyRotation ? source.start : end;
-                if (TimeOf(*ended, keyType, ended->Count(keyType) - 1) < hold)
+                if (ended->TimeOf(keyType, ended->Count(keyType) - 1) < hold)
                     AddKey(*ended, keyType, hold, last);
-                if (TimeOf(track, keyType, 0) > source.start) AddKey(track, keyType, source.start, first);
+                if (track.TimeOf(keyType, 0) > source.start) AddKey(track, keyType, source.start, first);
             }
             ended = &track;
             last = std::move(own);
