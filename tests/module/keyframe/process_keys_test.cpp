@@ -48,11 +48,12 @@ protected:
         return node;
     }
 
-    vl::Ref<ZR_TK> NewTool(std::uint32_t exportFlags, std::uint32_t animFlags) {
+    vl::Ref<ZR_TK> NewTool(std::uint32_t exportFlags, std::uint32_t animFlags, int pivotMode = 0) {
         const auto tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
         tool->m_pScene = m_scene.Get();
         tool->m_dwExportFlags = exportFlags | kExtractKeys | kKeepAllNodes;
         tool->m_dwAnimFlags = animFlags;
+        tool->m_nPivotMode = pivotMode;
         EXPECT_EQ(tool->Process(0), 1);
         return tool;
     }
@@ -66,24 +67,27 @@ TEST_F(ProcessKeysTest, AreThoseOfAnObjectOfItsOwn) {
     for (const char16_t* name : {u"a", u"b", u"c"}) m_scene->AddAnimation(name);
     kernix::NodeModel* top = AddMoved(nullptr, false);
     AddMoved(AddMoved(AddMesh(*m_scene, top), true), false);
-    const std::pair<std::uint32_t, std::uint32_t> kFlags[] = {
-        {0, 0},
-        {kMergeKeys, kResampleKeys},
-        {kFlipAxes | kGroupingRoot, kResampleKeys | kReverseTime},
-        {kGroupSplit | kFlipAxes, kSetLength | kResampleKeys | kAngleAxisKeys},
+    const struct {
+        std::uint32_t exportFlags, animFlags;
+        int pivotMode;
+    } kOptions[] = {
+        {0, 0, 0},
+        {kMergeKeys, kResampleKeys, 0},
+        {kFlipAxes | kGroupingRoot, kResampleKeys | kReverseTime, 2},
+        {kGroupSplit | kFlipAxes, kSetLength | kResampleKeys | kAngleAxisKeys, 0},
     };
     for (const bool turned : {false, true}) {
         Matrix scene = record_tree::Identity();
         if (turned) scene.RotateX(1);
         m_scene->SetSceneMatrix(scene);
-        for (const auto& [exportFlags, animFlags] : kFlags) {
+        for (const auto& [exportFlags, animFlags, pivotMode] : kOptions) {
             m_scene->SetActiveAnimation(m_scene->AllAnimations()[0].Get());
-            const auto standing = NewTool(exportFlags, animFlags);
+            const auto standing = NewTool(exportFlags, animFlags, pivotMode);
             for (const std::size_t next : {1, 2, 0}) {
                 SCOPED_TRACE(testing::Message() << turned << " " << exportFlags << " " << next);
                 m_scene->SetActiveAnimation(m_scene->AllAnimations()[next].Get());
                 ASSERT_EQ(standing->ProcessKeys(), 1);
-                const auto own = NewTool(exportFlags, animFlags);
+                const auto own = NewTool(exportFlags, animFlags, pivotMode);
                 EXPECT_EQ(standing->GetEndTime(), own->GetEndTime());
                 EXPECT_EQ(standing->MapTime(1), own->MapTime(1));
                 const auto records = AllRecords(*standing), expected = AllRecords(*own);

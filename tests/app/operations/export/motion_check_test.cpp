@@ -86,6 +86,32 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     EXPECT_NEAR(report.deviation, 5, 1e-6);
 }
 
+// A tower in a line is lifted, everywhere as far beside its way: enough to compare for several threads.
+TEST(MotionCheck, OfEqualDistancesNamesTheFirst) {
+    std::string nodes = R"({"name": "lift", "children": [1)", levels;
+    for (int i = 2; i <= 300; ++i) nodes += "," + std::to_string(i);
+    for (int i = 1; i <= 300; ++i) levels += R"(, {"translation": [0, 1, 0]})";
+    LoadedScene loaded(
+        gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}], "nodes": [)" +
+                             nodes + "]}" + levels + "]}"));
+    kernix::AnimationModel* animation = loaded.Scene().AddAnimation(u"a");
+    auto* track = loaded.Node(0)->AddTransformController()->AddTransformTrack(animation);
+    track->SetCurve(vl::zr::kKeyPosition, kernix::StoredCurve({{}, {0, 1}, {0, 0, 0, 0, 10, 0}}));
+    ExportOptions options;
+    options.check = MotionCheck::kThorough;
+    const Tool records = RunTool(TheHost(), loaded, animation, options);
+    track->ForgetObjects();
+    ReplacedKeys replaced;
+    replaced[track][0] = Curve{{}, {0, 1}, {0, 0, 5, 0, 10, 5}};
+    MotionReport report;
+    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
+                report);
+    EXPECT_EQ(report.deviation, 5);
+    EXPECT_EQ(report.time, 0);
+    EXPECT_EQ(report.node, "lift");
+    EXPECT_NEAR(report.size, 11, 1e-6);
+}
+
 TEST(MotionCheck, StopsAnExportThatIsTooFarOff) {
     Curve turn;  // at one speed, each key rounded on its own
     for (int i = 0; i <= 100; ++i) {

@@ -68,6 +68,8 @@ TEST(WholeNames, DifferWithinTheLimit) {
             }
         }
     }
+    const std::uint32_t exact = vl::tk::kNamesUnique | vl::tk::kNamesExactCase;
+    EXPECT_EQ(Exported({"aaaé", "AAAé"}, Naming(exact, 4), gltf::Kind::kNode), (Names{"aaa", "AAA"}));
 }
 
 }  // namespace
