@@ -18,13 +18,13 @@ public:
 // may pass it on here.
 extern "C" void EndBySignal(int signal);
 
-// For the handler of a user's wish to stop: leaves the process a moment to end by itself, then removes its
-// temporary files, writes the line to standard error and ends it with the status. That reaches every loop,
-// also one in a library, and no memory is given back piece by piece. Nothing happens once the work is done:
-// when a transaction is committed, until BeginWork.
+// For the handler of a request to stop: gives the process a moment to end by itself, then removes its
+// temporary files, writes the line to standard error and ends it with the status. This also stops loops
+// inside libraries, and memory is not freed piece by piece. Does nothing once the work is done: from the
+// commit of a transaction until BeginWork.
 void EndSoon(int status, const char* line);
 
-// The work begins anew, or is done.
+// Marks the work as begun, or as done.
 void BeginWork();
 void EndWork();
 

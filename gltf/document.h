@@ -88,7 +88,8 @@ public:
     std::optional<Bytes> SuppliedBytes(std::size_t accessor) const;
     bool IsSuppliedView(std::size_t view) const { return m_suppliedViews.contains(view); }
     bool IsWithheld(std::size_t accessor) const;
-    // Tells that the elements of a kind for which keep is false were removed. Called by whoever removes them.
+    // Notifies the document that the elements of a kind for which keep is false were removed. Whatever
+    // removes them calls this.
     void RenumberSupplied(Kind kind, const std::vector<bool>& keep);
     // Drops supplied content, since the document itself now has it.
     void ForgetSupplied();

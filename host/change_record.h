@@ -13,8 +13,8 @@ class Viewport;
 }  // namespace vl::zr
 
 // Collects one set of changes: Begin, the recordings, End with a caption. A removal is recorded before the
-// object goes, a creation after it exists. The record holds a count on what it is told of. A recording that
-// runs out of memory throws std::bad_alloc, and the change is then not to be made. The order of functions and
+// object goes, a creation after it exists. The record holds a reference to each object recorded. A recording
+// that runs out of memory throws std::bad_alloc; the change must then not be made. The order of functions and
 // fields is the binary interface (host/api.h).
 class ChangeRecord : public vl::Interface {
 public:

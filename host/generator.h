@@ -7,7 +7,7 @@ namespace vl::zr {
 
 class Node;
 
-// A generator makes the content of a node anew whenever the host shows it.
+// A generator recreates the content of a node whenever the host shows it.
 class KERNIX_API Generator {
 public:
     // True when a generator of that name is present for the node. A null name is none.

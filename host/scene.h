@@ -41,7 +41,7 @@ public:
     virtual void Notify(int code, int a, int b) = 0;
     virtual Node* GetDefaultCameraNode() = 0;  // or null
 
-    // Shows the scene anew. Called once after the cleaner's dialog: 10, 0.
+    // Redraws the scene. Called once after the cleaner's dialog: 10, 0.
     virtual void Refresh(int code, int mode) = 0;
 
     // Keeps the first of each group of materials that are equal in everything but their names, and lets every

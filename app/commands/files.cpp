@@ -60,8 +60,7 @@ OutputTarget::OutputTarget(Session& session, const std::string& name, std::strin
     if (name == kStandardStream) {
         session.TakeStandardOutput();
         m_isStream = true;
-        // Of a folder that nobody has and that is never made: what stands beside the result counts as
-        // missing.
+        // In a folder that does not exist and is never created: files beside the result count as missing.
         m_path = TemporaryName(fs::temp_directory_path()) / Join("out", ending);
         return;
     }

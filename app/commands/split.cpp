@@ -112,8 +112,8 @@ std::vector<std::string> FilesOf(const Animations& parts, const SplitArguments& 
     return names;
 }
 
-// Each file holds the scene with one part. The scene is made anew for each, as what a part leaves behind of
-// the document's data depends on the part.
+// Each file holds the scene with one part. The scene is loaded again for each, because which of the
+// document's data is left depends on the part.
 Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
     Report report;
     JsonArray list;

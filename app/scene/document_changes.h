@@ -84,7 +84,7 @@ struct SceneRoots {
     std::vector<std::size_t> nodes;
 };
 
-// The nodes of a document, made anew.
+// The new list of nodes of a document.
 struct ChangedNodes {
     std::vector<ChangedNode> nodes;
     std::vector<DroppedMembers> dropped;

@@ -22,7 +22,7 @@ double NotZero(double scale) {
 TransformControllerModel::TransformControllerModel(NodeModel& node)
     : TrackedController(node.GetScene()), m_node(node) {}
 
-// The caller may go on to change keys, so everything that depends on them is made anew from here on.
+// The caller may go on to change keys, so everything that depends on them is recomputed from here on.
 void TransformControllerModel::Changed() {
     m_node.GetScene().TransformsChanged();
 }

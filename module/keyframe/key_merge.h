@@ -10,7 +10,7 @@ namespace zrt {
 // Delete the keys that add nothing to a track; the others keep their order and values. Linear in the keys.
 //
 // A key goes when each component of its value equals, to the bit, the straight line between its neighbours,
-// or when these have the same time; the first such key goes first, and its neighbours are looked at anew. Of
+// or when these have the same time; the first such key goes first, and its neighbours are examined again. Of
 // two keys that are left, the second goes when it equals the first:
 //
 //   0: 0, 10: 1, 20: 2, 30: 5 -> 0: 0, 20: 2, 30: 5        0: 7, 10: 7, 20: 7 -> 0: 7

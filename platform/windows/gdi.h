@@ -121,7 +121,7 @@ DWORD GetGlyphIndicesW(HDC dc, LPCWSTR text, int count, WORD* glyphs, DWORD flag
 // Outline of a character in native form and its metrics, unhinted at the size of the selected font. The
 // character is a UTF-16 code unit; one the font lacks gives the font's replacement glyph. Only GGO_NATIVE
 // under the identity is answered. Without a buffer the result is the byte count; with one of at least that
-// size it is filled. 0: a glyph without outline. GDI_ERROR: no outline to be had, coordinates that a FIXED
+// size it is filled. 0: a glyph without outline. GDI_ERROR: no outline available, coordinates that a FIXED
 // cannot hold, or a buffer too small. The metrics are filled unless the result is GDI_ERROR.
 DWORD GetGlyphOutlineA(HDC dc, UINT character, UINT format, GLYPHMETRICS* metrics, DWORD byteCount,
                        LPVOID buffer, const MAT2* matrix);

@@ -33,11 +33,11 @@ struct Clip {
     float Unmap(double time) const { return static_cast<float>(time * speed + origin); }
 };
 
-// The scene's animations as clips: from here on, the scene's tracks have their keys. The tracks' own are
-// still to be had. Every transform track is packed.
+// The scene's animations as clips: from here on, the scene's tracks have their keys. The tracks' own
+// remain available (Source). Every transform track is packed.
 //
 // Throws std::runtime_error, the scene unchanged, when nothing is left of an animation and when sampling
-// would make more keys than anyone wants.
+// would make too many keys.
 class Clips {
 public:
     Clips(kernix::SceneModel& scene, const ClipOptions& options);

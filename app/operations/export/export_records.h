@@ -11,9 +11,9 @@
 
 namespace zr {
 
-// What ExportScene makes of a scene as the records themselves, written as they come (WriteRecordJson): of one
-// animation or none an object, of several {"animations"}, a list of such objects with names. The map is that
-// of the first.
+// Exports the scene as the records themselves (WriteRecordJson), those of each animation written as soon as
+// they are made: one object for one animation or none; for several {"animations"}, a list of such objects
+// with names. Throws as ExportScene does. renameMap: null, or receives the map of the first (RenameMap).
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
                            const ExportProgress& progress, OutputFile& file,
                            std::string* renameMap = nullptr);

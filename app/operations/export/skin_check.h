@@ -7,8 +7,8 @@
 
 namespace zr {
 
-// Of the skins that would lose a joint with the nodes that go: those that no node needs any more go too.
-// Throws gltf::Error for one that a node still needs.
+// Also removes the skins that lose a joint with the removed nodes. Throws gltf::Error for one that a
+// remaining node still needs.
 void CheckSkins(const gltf::Document& document, const ExportOptions& options, DocumentChanges& changes);
 
 }  // namespace zr
