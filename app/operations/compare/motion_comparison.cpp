@@ -56,8 +56,9 @@ private:
         const Animation& x = m_pair.evaluatorA.Animations()[a];
         TrackComparison tracks(m_pair.evaluatorA, m_pair.evaluatorB, m_result.tolerance);
         tracks.Run(
-            x, m_pair.evaluatorB.Animations()[b], [this](const Channel& channel) { return GoalOfA(channel); },
-            [this](const Channel& channel) { return GoalOfB(channel); },
+            x, m_pair.evaluatorB.Animations()[b],
+            [this](const Channel& channel) { return GoalOf(channel, true); },
+            [this](const Channel& channel) { return GoalOf(channel, false); },
             [&](const Goal& goal, double amount, double time) {
                 m_result.value.Note(
                     amount, [&] { return goal.Place(); }, x.name, time);
@@ -81,26 +82,20 @@ private:
         }
     }
 
-    std::optional<Goal> GoalOfA(const Channel& channel) const {
-        Goal goal{channel.path, channel.node, kNone, channel.pointer, {}};
+    // What a channel of one of the documents drives; nothing where the other one does not have it.
+    std::optional<Goal> GoalOf(const Channel& channel, bool ofA) const {
+        Goal goal;
+        goal.path = channel.path;
         if (channel.path == Path::kPointer) {
-            const auto pointer = Translated(channel.pointer, true);
-            if (!pointer) return std::nullopt;
-            goal.pointerB = *pointer;
-        } else if ((goal.nodeB = m_pair.nodes.ofA[channel.node]) == kNone) {
-            return std::nullopt;
-        }
-        return goal;
-    }
-
-    std::optional<Goal> GoalOfB(const Channel& channel) const {
-        Goal goal{channel.path, kNone, channel.node, {}, channel.pointer};
-        if (channel.path == Path::kPointer) {
-            const auto pointer = Translated(channel.pointer, false);
-            if (!pointer) return std::nullopt;
-            goal.pointerA = *pointer;
-        } else if ((goal.nodeA = m_pair.nodes.ofB[channel.node]) == kNone) {
-            return std::nullopt;
+            const auto other = Translated(channel.pointer, ofA);
+            if (!other) return std::nullopt;
+            goal.pointerA = ofA ? channel.pointer : *other;
+            goal.pointerB = ofA ? *other : channel.pointer;
+        } else {
+            const std::size_t other = Partner(Kind::kNode, channel.node, ofA);
+            if (other == kNone) return std::nullopt;
+            goal.nodeA = ofA ? channel.node : other;
+            goal.nodeB = ofA ? other : channel.node;
         }
         return goal;
     }
