@@ -13,13 +13,11 @@ using kernix::Curve;
 using vl::zr::KeyInterpolation;
 using Values = std::vector<float>;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-
 float After(float time) {
-    return std::nextafter(time, kInfinity);
+    return std::nextafter(time, std::numeric_limits<float>::infinity());
 }
 float Before(float time) {
-    return std::nextafter(time, -kInfinity);
+    return std::nextafter(time, -std::numeric_limits<float>::infinity());
 }
 
 Values ValueOf(const Curve& curve, std::size_t key) {
