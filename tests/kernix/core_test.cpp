@@ -14,6 +14,7 @@
 #include "kernix/array.h"
 #include "kernix/host_app_base.h"
 #include "kernix/utf.h"
+#include "tests/base/rounds.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ TEST(Array, DoesWhatAVectorDoesAtAnySize) {
     std::mt19937 engine(3);
     const auto array = Ref<vl::Array>::Adopt(kernix::CreateArray());
     std::vector<vl::Word> expected;
-    for (vl::Word step = 0; step < 60000; ++step) {
+    for (vl::Word step = 0; step < zr::test::Rounds(60000); ++step) {
         const bool shrink = step % 12000 > 7500;
         const std::size_t size = expected.size();
         const std::size_t index = engine() % (size + 1);

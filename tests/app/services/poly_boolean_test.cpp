@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/services/poly_boolean_contacts.h"
+#include "tests/base/rounds.h"
 
 namespace {
 
@@ -198,7 +199,7 @@ int Cover(const std::vector<Triangle>& triangles, Point p) {
 TEST(PolyBoolean, CoversEveryPointOnceOrNotAtAll) {
     std::mt19937 random(7);
     const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    for (int round = 0; round < 2000; ++round) {
+    for (unsigned round = 0; round < zr::test::Rounds(2000); ++round) {
         SCOPED_TRACE(round);
         std::vector<Contour> contours(static_cast<std::size_t>(1 + pick(4)));
         std::vector<zr::GridLoop> loops;

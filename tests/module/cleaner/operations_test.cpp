@@ -10,6 +10,7 @@
 
 #include "kernix/scene/plain_objects.h"
 #include "module/cleaner/cleaner.h"
+#include "tests/base/rounds.h"
 #include "tests/module/cleaner/plain_operations.h"
 #include "tests/module/cleaner/scenes.h"
 #include "tests/module/test_host.h"
@@ -125,7 +126,7 @@ TEST_F(CleanerOperations, MakeTheCallsOfThePlainForm) {
     };
     for (const auto& c : cases) {
         std::size_t calls = 0;
-        for (unsigned seed = 0; seed < 300; ++seed) {
+        for (unsigned seed = 0; seed < zr::test::Rounds(300); ++seed) {
             const auto expected = cleaner_test::Trace(seed, c.plain);
             const auto actual = cleaner_test::Trace(seed, [&](vl::zr::Scene* scene, ChangeRecord* record) {
                 return ((*m_cleaner).*c.operation)(scene, m_context.Get(), record);
@@ -134,7 +135,7 @@ TEST_F(CleanerOperations, MakeTheCallsOfThePlainForm) {
             calls += static_cast<std::size_t>(std::count_if(
                 actual.begin(), actual.end(), [](const auto& line) { return line.ends_with(" mode 0"); }));
         }
-        EXPECT_GT(calls, 200U) << c.name << ": the scenes give it work";
+        EXPECT_GT(calls, zr::test::Rounds(200)) << c.name << ": the scenes give it work";
     }
 }
 

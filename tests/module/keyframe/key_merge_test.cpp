@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include "tests/base/rounds.h"
+
 namespace {
 
 ExportPositionKey PositionKey(float time, float x, float y, float z) {
@@ -109,7 +111,7 @@ TEST(MergeKeys, EqualsThePlainRuleOnRandomTracks) {
     std::mt19937 random(11);
     const auto pick = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     std::size_t dropped = 0;
-    for (int run = 0; run < 20000; ++run) {
+    for (unsigned run = 0; run < zr::test::Rounds(20000); ++run) {
         std::vector<ExportRotationKey> keys(static_cast<std::size_t>(pick(24)));
         const int values = 1 + pick(3);
         float time = 0;
@@ -136,7 +138,7 @@ TEST(MergeKeys, EqualsThePlainRuleOnRandomTracks) {
         ASSERT_EQ(Times(steps), Times(plain)) << "run " << run;
         for (std::size_t i = 0; i < plain.size(); ++i) ASSERT_EQ(steps[i].aaValue, plain[i].aaValue);
     }
-    EXPECT_GT(dropped, 50000u);
+    EXPECT_GT(dropped, zr::test::Rounds(50000));
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include <random>
 #include <vector>
 
+#include "tests/base/rounds.h"
+
 namespace {
 
 struct Key {
@@ -96,7 +98,7 @@ TEST(ResampleKeys, KeepsTheKeysOfTheTrack) {
 TEST(ResampleKeys, EqualsThePlainRuleOnRandomTracks) {
     std::mt19937 random(5);
     const auto pick = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    for (int run = 0; run < 20000; ++run) {
+    for (unsigned run = 0; run < zr::test::Rounds(20000); ++run) {
         const bool ordered = pick(4) != 0;
         std::vector<Key> keys(static_cast<std::size_t>(pick(12)));
         std::vector<float> times(static_cast<std::size_t>(pick(12)));

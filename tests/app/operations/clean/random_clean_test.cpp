@@ -12,6 +12,7 @@
 
 #include "base/text.h"
 #include "tests/app/operations/clean/clean_kit.h"
+#include "tests/base/rounds.h"
 #include "tests/gltf/sample.h"
 
 namespace zr {
@@ -165,7 +166,7 @@ using RandomCleanTest = CleanTest;
 
 TEST_F(RandomCleanTest, WhatIsDrawnStaysAndNothingIsLeftToDo) {
     std::size_t removed = 0;
-    for (unsigned seed = 1; seed <= 150; ++seed) {
+    for (unsigned seed = 1; seed <= test::Rounds(150); ++seed) {
         const RandomScene scene(seed);
         const auto load = [&] {
             return Document::FromBytes(BytesOf(gltf::test::Glb(scene.json, RandomScene::Bin())),
@@ -184,7 +185,7 @@ TEST_F(RandomCleanTest, WhatIsDrawnStaysAndNothingIsLeftToDo) {
             ASSERT_EQ(second.steps[i].count, 0U) << seed << ": " << kCleanStepInfo[i].name;
         ASSERT_EQ(gltf::WriteJson(document.Root(), false), once) << seed;
     }
-    EXPECT_GT(removed, 1000U);
+    EXPECT_GT(removed, test::Rounds(1000));
 }
 
 }  // namespace

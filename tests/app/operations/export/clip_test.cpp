@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "tests/app/operations/compare/scene_plan.h"
 #include "tests/app/services/the_host.h"
+#include "tests/base/rounds.h"
 #include "tests/gltf/sample.h"
 
 namespace zr::test {
@@ -117,7 +118,7 @@ TEST(Clip, PlaysAsItsStretchOfTheSource) {
          1e-3},
     };
     for (const Case& each : cases) {
-        for (unsigned seed = 0; seed < 4; ++seed) {
+        for (unsigned seed = 0; seed < Rounds(4); ++seed) {
             SCOPED_TRACE(Join(each.what, ", ", seed));
             ExpectPlaysItsStretch(seed, each);
         }
