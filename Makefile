@@ -11,7 +11,7 @@ build = echo "building $(3) in build/$(1)" && cmake --preset $(1) $(2) >/dev/nul
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
 .PHONY: all install demo test test-release test-asan test-tsan test-report fuzz mutations bench bench-peers bench-reduction check tidy coverage \
-	package package-test bare-test dist dist-linux dist-windows windows windows-packages windows-test clean
+	shipped package package-test bare-test dist dist-linux dist-windows windows windows-packages windows-test clean
 
 all:
 	@$(call packages,qt)
@@ -48,7 +48,7 @@ test-tsan:
 
 # The page of reports, used in a browser without a window.
 test-report:
-	@$(call packages,qt test report)
+	@$(call packages,qt test report browser)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_WITH_REPORT=ON,zr)
 	@ctest --preset release -R report_page
 
@@ -104,18 +104,26 @@ coverage:
 	@ctest --preset coverage -j $(JOBS)
 	@tools/coverage build/coverage
 
-# Debian packages of what was built; they go to build/release/packages.
-package: all
-	@$(call packages,qt package)
+# What others get has the page of reports, whether or not it is built here otherwise.
+shipped:
+	@$(call packages,qt report)
+	@$(call build,release,-DZR_BUILD_TESTS=OFF -DZR_BUILD_BENCH=OFF -DZR_WITH_REPORT=ON,all)
+
+# Debian packages; they go to build/release/packages.
+package: shipped
+	@$(call packages,package)
 	@cpack --config build/release/CPackConfig.cmake -G DEB >/dev/null
 
 # Archives that run from where they are unpacked; they go to build/PRESET/packages.
 dist: dist-linux dist-windows
 
-dist-linux: all
+dist-linux: shipped
 	@cpack --config build/release/CPackConfig.cmake -G TGZ >/dev/null
 
-dist-windows: windows
+dist-windows: windows-packages
+	@$(call packages,report)
+	@$(call build,windows-x86,-DZR_BUILD_TESTS=OFF -DZR_WITH_REPORT=ON,all)
+	@$(call build,windows-x64,-DZR_BUILD_TESTS=OFF -DZR_WITH_REPORT=ON,all)
 	@for preset in windows-x64 windows-x86; do cpack --config build/$$preset/CPackConfig.cmake >/dev/null || exit 1; done
 
 # Packages and archive in a bare system. Needs root.

@@ -31,6 +31,8 @@ void CheckPageFile(const Session& session, const std::string& file,
     }
     if (session.Options().noClobber && fs::exists(PathFromUtf8(file), ignored))
         throw Error(file, "", "exists, and --no-clobber keeps it");
+    if (!report::HasPages())
+        throw std::runtime_error("--report: this program was built without report pages, which take npm to build");
 }
 
 report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,

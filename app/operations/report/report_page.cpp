@@ -122,8 +122,12 @@ std::string Escaped(std::string_view text, std::string_view special, const auto&
 
 }  // namespace
 
+bool HasPages() {
+    return !PageSource().empty();
+}
+
 std::string PageText(Page page) {
-    if (PageSource().empty()) throw std::runtime_error("this program was built without report pages");
+    if (!HasPages()) throw std::runtime_error("this program was built without report pages");
     const std::string title = Escaped(page.title, "<>&", [](char c) {
         return c == '<' ? "&lt;" : c == '>' ? "&gt;" : "&amp;";
     });

@@ -37,6 +37,9 @@ struct Page {
     std::vector<std::pair<std::string, std::string>> measures;  // of the drawing
 };
 
+// Whether the program was built with report pages.
+bool HasPages();
+
 // One self-contained page. Throws std::runtime_error in a program that was built without report pages, and
 // gltf::Error.
 std::string PageText(Page page);
