@@ -26,6 +26,7 @@ if(TARGET zr)
   if(NOT WIN32)
     # The program's folders serve also what its libraries need, where an archive brings them.
     target_link_options(zr PRIVATE -Wl,--disable-new-dtags)
+    install(PROGRAMS tools/zr-batch DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zrtools)
   endif()
   install(TARGETS zr RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zrtools)
 endif()

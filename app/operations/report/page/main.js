@@ -46,6 +46,7 @@ class Report {
       const label = $("labels").appendChild(document.createElement("span"));
       label.textContent = scene.label;
     }
+    this.view.control();
     const select = $("animation");
     const names = this.glbs.at(-1).json.animations ?? this.glbs[0].json.animations ?? [];
     names.forEach((animation, i) => select.add(new Option(animation.name || `animation ${i}`, i)));

@@ -209,8 +209,13 @@ function changes(report) {
     for (const operation of operations) group(`went: ${operation.name}`, operation.names.map((text) => ({ text })), "gone");
     group("went: referred to by nothing", Object.entries(unreferenced).map(([kind, count]) => ({ text: `${count} ${kind}` })), "gone");
     const reasons = new Map();
-    for (const { kind, name, by } of kept) reasons.set(by, [...(reasons.get(by) ?? []), { text: `${kind} ${name}` }]);
-    for (const [by, members] of reasons) group(`stayed: ${by}`, members, "ok");
+    for (const { kind, name, by } of kept) {
+      // The place of a reference, which ends it, differs from one to the next.
+      const [, reason, place] = by.match(/^(.*) \((\/.*)\)$/) ?? ["", by];
+      if (!reasons.has(reason)) reasons.set(reason, []);
+      reasons.get(reason).push({ text: `${kind} ${name}`, flags: place ? [place] : [] });
+    }
+    for (const [reason, members] of reasons) group(`stayed: ${reason}`, members, "ok");
     for (const operation of operations)
       group(`left alone: ${operation.name}`, (operation.refusedBy ?? []).map((use) => ({ text: `${use.extension} at ${use.place}` })), "");
     if (!items.length) add(host, "p", { textContent: "Nothing went." });
@@ -265,7 +270,7 @@ function comparison(report) {
     table(host, Object.entries(aspects).map(([aspect, is]) => [aspect, is ? "same" : "different"]));
     add(host, "h2", { textContent: "Largest differences" });
     table(host, Object.entries(largest).map(([what, { amount, where = "", animation = "", time }]) =>
-      [what, amount === null ? "without measure" : Number(amount.toPrecision(4)), where, animation, time === undefined ? "" : `${time.toFixed(3)} s`]),
+      [what.replace(/[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`), amount === null ? "without measure" : Number(amount.toPrecision(4)), where, animation, time === undefined ? "" : `${time.toFixed(3)}\u00a0s`]),
       ["of", "by", "where", "animation", "at"]);
     const items = [["structure", structure], ["drawn", drawn], ["not read", unread]].flatMap(([title, lines]) =>
       lines.length ? [{ text: `${title} (${lines.length})`, hasChildren: true, level: 0 }, ...lines.map((text) => ({ text, title: text, level: 1 }))] : []);

@@ -15,10 +15,9 @@ class Shown {
     for (const [object, of] of gltf.parser.associations)
       if (of?.nodes !== undefined && object.isObject3D && !this.objects[of.nodes]) this.objects[of.nodes] = object;
     this.scene = new THREE.Scene();
-    this.scene.add(this.root, new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5));
-    const sun = new THREE.DirectionalLight(0xffffff, 1.3);
-    sun.position.set(1, 2, 3);
-    this.scene.add(sun);
+    this.lights = [new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5), new THREE.DirectionalLight(0xffffff, 1.3)];
+    this.lights[1].position.set(1, 2, 3);
+    this.scene.add(this.root, ...this.lights);
     this.mixer = new THREE.AnimationMixer(this.root);
     this.lit = new Map();
   }
@@ -74,23 +73,33 @@ export class View {
     this.canvas = canvas;
     this.scenes = [];
     this.camera = new THREE.PerspectiveCamera(40, 1, 0.01, 1000);
+    this.side = new THREE.Vector3(0.45, 0.4, 1);
+    this.turn = new THREE.Matrix4();
     this.renderer = new THREE.WebGLRenderer({ canvas, antialias: true });
     this.renderer.toneMapping = THREE.NeutralToneMapping;
     this.renderer.setScissorTest(true);
-    this.controls = new OrbitControls(this.camera, canvas);
-    this.controls.listenToKeyEvents(canvas);
-    this.controls.addEventListener("change", () => this.draw());
     new ResizeObserver(() => this.draw()).observe(canvas);
   }
 
+  // The matrix leads into the space of the other scene.
   async add(bytes, matrix) {
     const shown = new Shown(await new GLTFLoader().parseAsync(bytes.buffer, ""));
     if (matrix) {
       shown.root.matrixAutoUpdate = false;
       shown.root.matrix.fromArray(matrix);
+      this.turn = shown.root.matrix;
     }
     this.scenes.push(shown);
     return shown;
+  }
+
+  // Once all scenes are there. What was up before the matrix is up in the picture.
+  control() {
+    const lights = this.scenes.flatMap((shown) => shown.lights);
+    for (const direction of [this.camera.up, this.side, ...lights.map((light) => light.position)]) direction.transformDirection(this.turn);
+    this.controls = new OrbitControls(this.camera, this.canvas);
+    this.controls.listenToKeyEvents(this.canvas);
+    this.controls.addEventListener("change", () => this.draw());
   }
 
   fit() {
@@ -106,7 +115,7 @@ export class View {
     const half = (this.camera.fov / 2) * (Math.PI / 180);
     const aspect = this.canvas.clientWidth / Math.max(this.scenes.length, 1) / Math.max(this.canvas.clientHeight, 1);
     const distance = radius / Math.sin(Math.min(half, Math.atan(Math.tan(half) * aspect)));
-    this.camera.position.copy(ball.center).add(new THREE.Vector3(0.45, 0.4, 1).normalize().multiplyScalar(distance));
+    this.camera.position.copy(ball.center).addScaledVector(this.side, distance);
     this.camera.near = distance / 200;
     this.camera.far = distance * 20;
     this.controls.target.copy(ball.center);

@@ -80,6 +80,12 @@ async function testExport() {
   await browser.until(`document.documentElement.dataset.theme !== ${JSON.stringify(theme)}`, 10);
 }
 
+// What is up in the source is up in the picture, whichever axis that is in the result.
+async function testUpAxis() {
+  run("export", windmill, path("up.glb"), "--up", "z", "--report", path("up.html"));
+  await browser.open(path("up.html"));
+  expect(await browser.evaluate("zrReport.view.camera.up.z > 0.999"), "a scene with Z up stands");
+}
 async function testClean() {
   writeFileSync(path("many.gltf"), manyNodes(10000));
   run("clean", path("many.gltf"), path("clean.glb"), "--report", path("clean.html"));
@@ -98,6 +104,15 @@ async function testClean() {
     const start = performance.now(); const step = () => { list.scrollTop += 2000; ++n;
       performance.now() - start < 1000 ? requestAnimationFrame(step) : resolve(n); }; step(); })`);
   expect(frames > 10, `10,000 rows scroll: ${frames} frames a second`);
+  const held = { asset: { version: "2.0" }, nodes: [{ name: "a" }, { name: "b" }], scenes: [{ nodes: [0, 1] }],
+    buffers: [{ byteLength: 32, uri: `data:;base64,${Buffer.from(new Float32Array([0, 1, 0, 0, 0, 1, 0, 0]).buffer).toString("base64")}` }],
+    bufferViews: [{ buffer: 0, byteLength: 32 }], accessors: [{ bufferView: 0, componentType: 5126, count: 2, type: "SCALAR", min: [0], max: [1] },
+      { bufferView: 0, byteOffset: 8, componentType: 5126, count: 2, type: "VEC3" }],
+    animations: [{ samplers: [{ input: 0, output: 1 }], channels: [0, 1].map((node) => ({ sampler: 0, target: { node, path: "translation" } })) }] };
+  writeFileSync(path("held.gltf"), JSON.stringify(held));
+  run("clean", path("held.gltf"), path("held.glb"), "--report", path("held.html"));
+  await browser.open(path("held.html"));
+  expect((await text("#content")).includes("stayed: channel of animation 0 (2)"), "what stayed for one reason is one group");
 }
 
 async function testMerge() {
@@ -133,7 +148,7 @@ function testEscapes() {
   expect(page.split("</script").length === 3, "no content ends the script it stands in");
 }
 
-for (const test of [testExport, testClip, testClean, testMerge, testCompare, testText, testEscapes]) {
+for (const test of [testExport, testClip, testUpAxis, testClean, testMerge, testCompare, testText, testEscapes]) {
   try {
     await test();
   } catch (error) {
