@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 
 #include "app/commands/commands.h"
+#include "app/commands/help.h"
+#include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/commands/suggestion.h"
 #include "base/memory_watch.h"
@@ -24,6 +25,32 @@ const CLI::App& CommandNamed(const CLI::App& app, const std::string& name) {
                           nearest.empty() ? "" : Join("; did you mean \"", nearest, "\"?")));
 }
 
+JsonObject HelpJson(const CLI::App& command) {
+    JsonArray commands, operands, groups;
+    for (const CLI::App* each : command.get_subcommands({}))
+        commands.Append(JsonObject()
+                            .Set("name", each->get_name())
+                            .Set("group", each->get_group())
+                            .Set("text", each->get_description()));
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_positional())
+            operands.Append(JsonObject().Set("name", option->get_type_name()).Set("text", TextOf(*option)));
+    }
+    for (const OptionGroup& group : OptionGroupsOf(command)) {
+        JsonArray options;
+        for (const CLI::Option* option : group.options)
+            options.Append(JsonObject().Set("name", NameAndValue(*option)).Set("text", TextOf(*option)));
+        groups.Append(JsonObject().Set("name", group.name).Set("options", options));
+    }
+    return JsonObject()
+        .Set("text", command.get_description())
+        .Set("usages", UsagesOf(command))
+        .Set("commands", commands)
+        .Set("operands", operands)
+        .Set("groups", groups)
+        .Set("more", command.get_footer());
+}
+
 }  // namespace
 
 void AddHelpCommand(CLI::App& app, Session& session) {
@@ -31,14 +58,16 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     const auto name = std::make_shared<std::string>();
     command->add_option("command", *name, "The command; without one, all are listed")->type_name("[COMMAND]");
     command->callback([name, &app, &session] {
-        session.SetCommand([name, &app] {
+        session.SetCommand([name, &app, &session] {
             const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
             // What makes the text ends the process without memory, or leaves a part of the text out.
             EndWithoutMemory();
             // App::help would describe the command that was parsed, which is this one.
-            const std::string text =
-                chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
-            std::fputs(text.c_str(), stdout);
+            Report report;
+            report.text = chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
+            report.json = HelpJson(chosen);
+            report.isAnswer = true;
+            PrintReport(session, "help", report);
             return 0;
         });
     });

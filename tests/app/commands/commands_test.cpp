@@ -194,6 +194,14 @@ TEST_F(Commands, SplitCutsOrSeparates) {
     ExpectFailure("split a.glb d.glb --animation still --each", "moves nothing");
 }
 
+TEST_F(Commands, FontsAndHelpTellPrograms) {
+    EXPECT_FALSE(Json("fonts dejavu").Find("fonts")->Items().empty());
+    EXPECT_GT(Json("help").Find("commands")->Items().size(), 10U);
+    const gltf::Json help = Json("help export");
+    EXPECT_TRUE(help.Find("usages")->Items()[0].String().starts_with("zr export "));
+    EXPECT_GT(help.Find("groups")->Items().size(), 5U);
+}
+
 TEST_F(Commands, RemoveAnimationsCounts) {
     EXPECT_EQ(m_folder.Zr("remove-animations a.glb b.glb --animations walk,2").out, "removed 2 animations\n");
     EXPECT_EQ(m_folder.Zr("remove-animations a.glb c.glb --animation 'run, fast'").out,
