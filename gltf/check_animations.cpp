@@ -19,6 +19,9 @@ struct Path {
 };
 constexpr Path kPaths[] = {{"translation", 3}, {"rotation", 4}, {"scale", 3}};
 
+// Memory of a key that passes change, for each byte of its floats.
+constexpr std::uint64_t kSharedWeight = 4;
+
 // A sampler or channel, turned into text only when there is a fault to report.
 struct Part {
     std::size_t animation;
@@ -33,7 +36,9 @@ struct Part {
 class Animations {
 public:
     explicit Animations(const Document& document)
-        : m_document(document), m_timesRead(document.Elements(Kind::kAccessor).size(), false) {}
+        : m_document(document),
+          m_timesRead(document.Elements(Kind::kAccessor).size(), false),
+          m_isPlayed(document.Elements(Kind::kAccessor).size(), false) {}
 
     void Animation(const Json& animation, std::size_t index) {
         const Json* samplers = animation.Find("samplers");
@@ -53,6 +58,8 @@ public:
                                 Join("there is no sampler ", sampler));
             const Json& target = *channel.Find("target");
             Channel(target, samplers->Items()[sampler], part);
+            for (std::string_view data : {"input", "output"})
+                Play(IndexMember(samplers->Items()[sampler], data), part);
             if (target.Find("node") == nullptr) continue;
             const std::string_view path = target.Find("path")->String();
             if (path != "pointer") driven.push_back({IndexMember(target, "node"), path, i});
@@ -101,6 +108,19 @@ private:
         }
     }
 
+    // Each channel has keys of its own in memory, whoever shares them in the file.
+    void Play(std::size_t accessor, const Part& part) {
+        if (!m_isPlayed[accessor]) {
+            m_isPlayed[accessor] = true;
+            return;
+        }
+        const AccessorInfo info = Describe(m_document, accessor);
+        m_again += std::uint64_t{info.count} * info.shape.Components() * sizeof(float) * kSharedWeight;
+        if (m_again > m_document.Budget().Total())
+            m_document.Fail(ErrorKind::kLimit, part.Place("/sampler"),
+                            "more keys than a file of this size may claim");
+    }
+
     void Channel(const Json& target, const Json& sampler, const Part& part) {
         const std::string_view path = target.Find("path")->String();
         const std::size_t keys =
@@ -142,6 +162,8 @@ private:
 
     const Document& m_document;
     std::vector<bool> m_timesRead;
+    std::vector<bool> m_isPlayed;
+    std::uint64_t m_again = 0;  // bytes of keys that are played beyond the first time
 };
 
 }  // namespace

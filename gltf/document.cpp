@@ -47,7 +47,7 @@ Document::Document(const std::filesystem::path& file, const LoadOptions& options
 
 Document Document::Load(const std::filesystem::path& file, const LoadOptions& options) {
     Document document(file, options);
-    document.Read(document.ReadInput(file));
+    document.Read(document.ReadInput(file, true));
     return document;
 }
 
@@ -61,13 +61,13 @@ Document Document::FromBytes(Bytes content, const std::filesystem::path& file, c
     return document;
 }
 
-FileContent Document::ReadInput(const std::filesystem::path& file) {
+FileContent Document::ReadInput(const std::filesystem::path& file, bool isNew) {
     std::error_code none;
-    const bool isFile = fs::is_regular_file(file, none);
-    // Only input whose size is known before it is read raises the default budget.
-    FileContent content = ReadFile(file, isFile && m_options.maxMemory == 0 ? kNoLimit : m_budget.Left());
-    if (!m_budget.AddInput(content.size)) FailOverBudget("");
-    m_sourceSize += content.size;
+    // Only input whose size is known before it is read raises the default budget, and only once.
+    const bool raises = isNew && m_options.maxMemory == 0 && fs::is_regular_file(file, none);
+    FileContent content = ReadFile(file, raises ? kNoLimit : m_budget.Left());
+    if (!(isNew ? m_budget.AddInput(content.size) : m_budget.Take(content.size))) FailOverBudget("");
+    if (isNew) m_sourceSize += content.size;
     return content;
 }
 
@@ -171,7 +171,9 @@ Document::Buffer Document::LoadBuffer(const Json& json, std::size_t index) {
     buffer.origin = Origin::kFile;
     buffer.path = *path;
     try {
-        buffer.file = ReadInput(Folder() / *path);
+        const bool isNew =
+            std::find(m_bufferFiles.begin(), m_bufferFiles.end(), *path) == m_bufferFiles.end();
+        buffer.file = ReadInput(Folder() / *path, isNew);
     } catch (const Error&) {
         throw;
     } catch (const zr::Error& error) {

@@ -141,8 +141,8 @@ private:
     Document(const std::filesystem::path& file, const LoadOptions& options);
 
     void Read(FileContent content);
-    // Reads a file within the budget.
-    FileContent ReadInput(const std::filesystem::path& file);
+    // Reads a file within the budget; one that was read before, if not new.
+    FileContent ReadInput(const std::filesystem::path& file, bool isNew);
     [[noreturn]] void FailOverBudget(std::string_view place) const;
     void LoadBuffers(std::span<std::byte> bin, bool hasBin);
     Buffer LoadBuffer(const Json& json, std::size_t index);

@@ -28,6 +28,31 @@ bool IsInside(const fs::path& file, const fs::path& folder) {
     return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
+// Images are read one by one; those that share their bytes are bounded together.
+void CheckImages(const Document& document) {
+    std::set<std::string_view> uris;
+    std::set<std::size_t> views;
+    std::uint64_t again = 0;
+    const auto images = document.Elements(Kind::kImage);
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        const Json* uri = images[i].Find("uri");
+        const std::size_t view = IndexMember(images[i], "bufferView");
+        std::error_code missing;
+        if (images[i].Find("bufferView") != nullptr) {
+            if (!views.insert(view).second)
+                again += IndexMember(document.Elements(Kind::kBufferView)[view], "byteLength");
+        } else if (uri != nullptr && uri->IsString() && !IsDataUri(uri->String()) &&
+                   !uris.insert(uri->String()).second) {
+            const auto path = document.FileOf(uri->String(), "");
+            const std::uintmax_t size = path ? fs::file_size(document.Folder() / *path, missing) : 0;
+            again += missing ? 0 : size;
+        }
+        if (again > document.Budget().Total())
+            document.Fail(ErrorKind::kLimit, Join("/images/", i),
+                          "more image data than a file of this size may claim");
+    }
+}
+
 }  // namespace
 
 void ForEachResource(Document& document,
@@ -83,6 +108,7 @@ void CheckResources(Document& document) {
         else
             document.Warn(ErrorKind::kFile, at, Join(Quoted(uri->String()), " is missing"));
     });
+    CheckImages(document);
 }
 
 }  // namespace zr::gltf

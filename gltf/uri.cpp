@@ -90,7 +90,9 @@ std::optional<std::vector<std::byte>> DecodeDataUri(std::string_view uri) {
     const std::size_t comma = uri.find(',');
     if (comma == std::string_view::npos) return std::nullopt;
     const std::string_view content = uri.substr(comma + 1);
-    if (uri.substr(0, comma).ends_with(";base64")) {
+    constexpr std::string_view kBase64 = ";base64";
+    const std::string_view type = uri.substr(0, comma);
+    if (type.size() >= kBase64.size() && StartsWith(type.substr(type.size() - kBase64.size()), kBase64)) {
         if (content.find('%') == std::string_view::npos) return DecodeBase64(content);
         const auto plain = PercentDecode(content);
         return plain ? DecodeBase64(*plain) : std::nullopt;

@@ -175,6 +175,49 @@ TEST(Document, MemoryHasABudget) {
     EXPECT_THROW(Document::Load("/dev/zero", {.maxMemory = 1 << 20}), zr::Error);
 }
 
+// A few bytes that many elements name would be many in memory.
+TEST(Document, WhatIsSharedIsBounded) {
+    const TemporaryFolder folder;
+    folder.Write("a.bin", std::string(1 << 20, '\0'));
+    const auto times = [](int count, const std::string& element) {
+        std::string list;
+        for (int i = 0; i < count; ++i) list += (i == 0 ? "" : ",") + element;
+        return "[" + list + "]";
+    };
+    const auto fault = [&](const std::string& lists, std::uint64_t bytes) {
+        folder.Write("in.gltf", R"({"asset":{"version":"2.0"},)" + lists + "}");
+        try {
+            Document::Load(folder / "in.gltf", {.maxMemory = bytes});
+        } catch (const Error& error) {
+            return error.Place().substr(0, error.Place().find('/', 1));
+        }
+        return std::string();
+    };
+    const auto buffers = [&](int count) {
+        return "\"buffers\":" + times(count, R"({"byteLength":1048576,"uri":"a.bin"})");
+    };
+    EXPECT_EQ(fault(buffers(200), 0), "");
+    EXPECT_EQ(fault(buffers(300), 0), "/buffers") << "a file does not raise the budget twice";
+    const auto images = [&](int count) { return "\"images\":" + times(count, R"({"uri":"a.bin"})"); };
+    EXPECT_EQ(fault(images(9), 10 << 20), "");
+    EXPECT_EQ(fault(images(20), 10 << 20), "/images");
+    std::string keys;
+    for (int i = 0; i < 1000; ++i) keys += test::Floats({static_cast<float>(i)});
+    folder.Write("keys.bin", keys + std::string(12000, '\0'));
+    const auto animations = [&](int count) {
+        return R"("nodes":[{}],"accessors":[
+          {"bufferView":0,"componentType":5126,"count":1000,"type":"SCALAR","min":[0],"max":[999]},
+          {"bufferView":0,"byteOffset":4000,"componentType":5126,"count":1000,"type":"VEC3"}],
+          "bufferViews":[{"buffer":0,"byteLength":16000}],
+          "buffers":[{"byteLength":16000,"uri":"keys.bin"}],
+          "animations":)" +
+               times(count, R"({"samplers":[{"input":0,"output":1}],
+                 "channels":[{"sampler":0,"target":{"node":0,"path":"translation"}}]})");
+    };
+    EXPECT_EQ(fault(animations(100), 10 << 20), "");
+    EXPECT_EQ(fault(animations(300), 10 << 20), "/animations");
+}
+
 TEST(Document, CollectionsAreFoundAmongManyMembers) {
     std::string json = R"({"asset":{"version":"2.0"})";
     for (int i = 0; i < 40; ++i) json += ",\"odd " + std::to_string(i) + "\":0";

@@ -17,7 +17,7 @@ std::string Decoded(std::string_view uri) {
 TEST(Uri, DataIsDecoded) {
     EXPECT_EQ(Decoded("data:;base64,"), "");
     EXPECT_EQ(Decoded("data:a/b;base64,TWFu"), "Man");
-    EXPECT_EQ(Decoded("DATA:a/b;base64,TWE="), "Ma");
+    EXPECT_EQ(Decoded("DATA:a/b;BASE64,TWE="), "Ma");
     EXPECT_EQ(Decoded("data:a/b;base64,TQ"), "M");
     EXPECT_EQ(Decoded("data:a/b;base64,TWE%3D"), "Ma");
     EXPECT_EQ(Decoded("data:text/plain,a%20b"), "a b");
