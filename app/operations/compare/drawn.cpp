@@ -164,7 +164,7 @@ std::size_t Primitive::Stride() const {
 
 Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) : m_evaluator(evaluator) {
     const gltf::Document& document = evaluator.Document();
-    std::size_t vertices = 0;
+    std::size_t vertices = 0, weights = 0;
     for (const std::size_t node : nodes) {
         const Json& json = document.Elements(Kind::kNode)[node];
         if (json.Find("mesh") == nullptr) continue;
@@ -174,28 +174,36 @@ Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) 
         part.skin = IndexMember(json, "skin", kNone);
         if (part.skin != kNone) ReadSkin(part.skin);
         const auto primitives = document.Elements(Kind::kMesh)[part.mesh].Find("primitives")->Items();
+        const Shapes& shapes = ReadMesh(part.mesh);
+        weights += TargetCount(document.Elements(Kind::kMesh)[part.mesh]);
         for (part.primitive = 0; part.primitive < primitives.size(); ++part.primitive) {
             part.material = IndexMember(primitives[part.primitive], "material", kNone);
-            part.shape = ReadPrimitive(part.mesh, part.primitive);
+            part.shape = shapes[part.primitive];
             const std::size_t before = m_parts.size();
             AddInstances(json, part);
             vertices += (m_parts.size() - before) * std::max<std::size_t>(part.shape->vertices, 1);
-            if (vertices > kMostVertices)
+            if (vertices > kMostVertices ||
+                m_parts.size() * sizeof(Part) + weights * sizeof(double) > document.Budget().Total())
                 document.Fail(gltf::ErrorKind::kLimit, Join("/nodes/", node),
                               "the scene draws too much to compare");
         }
     }
 }
 
-std::shared_ptr<const Primitive> Drawn::ReadPrimitive(std::size_t mesh, std::size_t primitive) {
+const Drawn::Shapes& Drawn::ReadMesh(std::size_t mesh) {
+    const auto [known, isNew] = m_meshes.try_emplace(mesh);
+    if (!isNew) return known->second;
     const gltf::Document& document = m_evaluator.Document();
-    const Json& json = document.Elements(Kind::kMesh)[mesh].Find("primitives")->Items()[primitive];
-    auto& shape = m_shapes[KeyOf(json)];
-    if (!shape) {
-        shape = std::make_shared<const Primitive>(Read(document, json));
-        if (!shape->isRead) m_unread.push_back(Join("/meshes/", mesh, "/primitives/", primitive));
+    const auto primitives = document.Elements(Kind::kMesh)[mesh].Find("primitives")->Items();
+    for (std::size_t i = 0; i < primitives.size(); ++i) {
+        auto& shape = m_shapes[KeyOf(primitives[i])];
+        if (!shape) {
+            shape = std::make_shared<const Primitive>(Read(document, primitives[i]));
+            if (!shape->isRead) m_unread.push_back(Join("/meshes/", mesh, "/primitives/", i));
+        }
+        known->second.push_back(shape);
     }
-    return shape;
+    return known->second;
 }
 
 void Drawn::AddInstances(const Json& node, Part part) {

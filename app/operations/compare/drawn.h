@@ -67,7 +67,9 @@ public:
     std::vector<double> Vertices(const Part& part) const;
 
 private:
-    std::shared_ptr<const Primitive> ReadPrimitive(std::size_t mesh, std::size_t primitive);
+    using Shapes = std::vector<std::shared_ptr<const Primitive>>;  // of a mesh
+
+    const Shapes& ReadMesh(std::size_t mesh);
     void AddInstances(const gltf::Json& node, Part part);
     void ReadSkin(std::size_t skin);
     std::vector<Affine> JointWorlds(const Part& part) const;
@@ -81,6 +83,7 @@ private:
     std::vector<Part> m_parts;
     // Primitives of equal accessors, indices and mode are one.
     std::map<std::string, std::shared_ptr<const Primitive>> m_shapes;
+    std::map<std::size_t, Shapes> m_meshes;
     std::map<std::size_t, Skin> m_skins;
     std::vector<std::string> m_unread;
 };

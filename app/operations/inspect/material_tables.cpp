@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <map>
+#include <utility>
+
 #include "app/operations/compare/content.h"
 #include "app/operations/inspect/image_info.h"
 #include "app/operations/inspect/inspection.h"
@@ -50,6 +53,7 @@ void AddMaterials(Inspection& in) {
 void AddTextures(Inspection& in) {
     Table& table =
         in.Add("textures", {"texture", "name", "image", "type", "width", "height", "bytes", "file"});
+    std::map<std::size_t, std::pair<ImageInfo, std::size_t>> images;  // and their bytes
     for (std::size_t i = 0; i < in.Elements(Kind::kTexture).size(); ++i) {
         const Json& texture = in.Elements(Kind::kTexture)[i];
         std::size_t image = IndexMember(texture, "source", kNone);
@@ -61,15 +65,19 @@ void AddTextures(Inspection& in) {
             continue;
         }
         const Json& json = in.Elements(Kind::kImage)[image];
-        const std::vector<std::byte> bytes = compare::ImageBytes(in.document, json);
-        const ImageInfo info = ReadImageInfo(bytes);
+        const auto [known, isNew] = images.try_emplace(image);
+        if (isNew) {
+            const std::vector<std::byte> bytes = compare::ImageBytes(in.document, json);
+            known->second = {ReadImageInfo(bytes), bytes.size()};
+        }
+        const auto& [info, size] = known->second;
         const Json* uri = json.Find("uri");
         const bool isFile = uri != nullptr && !uri->String().starts_with("data:");
         table.rows.push_back({Count(i), Name(texture), Count(image), std::string(info.type),
                               info.width > 0 ? Count(info.width) : Cell(),
-                              info.height > 0 ? Count(info.height) : Cell(), Count(bytes.size()),
+                              info.height > 0 ? Count(info.height) : Cell(), Count(size),
                               isFile ? Cell(std::string(uri->String())) : Cell()});
-        if (bytes.empty()) in.Warn(Join("/images/", image), "the image data is missing");
+        if (size == 0) in.Warn(Join("/images/", image), "the image data is missing");
     }
 }
 

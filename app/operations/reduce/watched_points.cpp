@@ -86,34 +86,72 @@ private:
         }
     }
 
-    double GreatestWeight(std::size_t node, std::size_t target) const {
-        const std::vector<double> rest = m_evaluator.Weights(node);
-        const double atRest = target < rest.size() ? std::abs(rest[target]) : 0;
-        const auto moving = m_weights.find(node);
-        if (moving == m_weights.end() || target >= moving->second.size()) return atRest;
-        return std::max(atRest, moving->second[target]);
+    std::vector<double> GreatestWeights(std::size_t node) const {
+        std::vector<double> greatest = m_evaluator.Weights(node);
+        for (double& weight : greatest) weight = std::abs(weight);
+        if (const auto moving = m_weights.find(node); moving != m_weights.end()) {
+            greatest.resize(std::max(greatest.size(), moving->second.size()));
+            for (std::size_t i = 0; i < moving->second.size(); ++i)
+                greatest[i] = std::max(greatest[i], moving->second[i]);
+        }
+        return greatest;
     }
 
     void AddNode(std::size_t node) {
         const Json& json = m_document.Elements(Kind::kNode)[node];
         if (json.Find("camera") != nullptr || gltf::FindExtension(json, "KHR_lights_punctual") != nullptr)
             Watch(node);
-        const Json* mesh = json.Find("mesh");
-        if (mesh == nullptr) return;
+        if (json.Find("mesh") == nullptr) return;
+        const Extent& extent = ExtentOf(json, GreatestWeights(node));
+        if (extent.isUnknown) Watch(node);
+        if (extent.box.IsEmpty()) return;
+        m_boxes[node].Widen(extent.box.low);
+        m_boxes[node].Widen(extent.box.high);
+    }
+
+    // What a node's object is made of. Many nodes may share all of it, and it is looked at once.
+    struct Drawing {
+        std::size_t mesh, skin;
+        std::array<std::size_t, 3> instancing;  // accessors
+        std::vector<double> weights;
+        auto operator<=>(const Drawing&) const = default;
+    };
+
+    // Where vertices are that hang on the node itself, in its space.
+    struct Extent {
+        Box box;
+        bool isUnknown = false;  // of some of them
+    };
+
+    // Adds what hangs on joints to them.
+    const Extent& ExtentOf(const Json& node, std::vector<double> weights) {
+        Drawing drawing{
+            IndexMember(node, "mesh"), IndexMember(node, "skin", kNone), {kNone, kNone, kNone}, {}};
+        if (const Json* attributes = Instancing(node))
+            for (std::size_t i = 0; i < drawing.instancing.size(); ++i)
+                drawing.instancing[i] = IndexMember(*attributes, kInstancing[i], kNone);
+        drawing.weights = std::move(weights);
+        const auto [known, isNew] = m_extents.try_emplace(std::move(drawing));
+        Extent& extent = known->second;
+        if (!isNew) return extent;
+        Box all;
         for (const Json& primitive :
-             m_document.Elements(Kind::kMesh)[IndexMember(json, "mesh")].Find("primitives")->Items()) {
+             m_document.Elements(Kind::kMesh)[known->first.mesh].Find("primitives")->Items()) {
             const Json* position = primitive.Find("attributes")->Find("POSITION");
             if (position == nullptr) continue;
-            const Vec3 reach = MorphReach(primitive, node);
-            if (json.Find("skin") != nullptr && AddSkinned(primitive, IndexMember(json, "skin"), reach))
-                continue;
+            const Vec3 reach = MorphReach(primitive, known->first.weights);
+            if (known->first.skin != kNone && AddSkinned(primitive, known->first.skin, reach)) continue;
             const Box box = Widened(BoundsOf(IndexMember(*primitive.Find("attributes"), "POSITION")), reach);
             if (box.IsEmpty()) {
-                Watch(node);
+                extent.isUnknown = true;
             } else {
-                for (const Affine& instance : Instances(json)) AddCorners(box, instance, node);
+                all.Widen(box.low);
+                all.Widen(box.high);
             }
         }
+        if (all.IsEmpty()) return extent;
+        for (const Affine& instance : Instances(node)) AddCorners(all, instance, extent.box);
+        return extent;
     }
 
     void Watch(std::size_t node) {
@@ -122,8 +160,8 @@ private:
         m_watched[node].direction = true;
     }
 
-    void AddCorners(const Box& box, const Affine& place, std::size_t node) {
-        for (const Vec3& corner : box.Corners()) m_boxes[node].Widen(place.Point(corner));
+    static void AddCorners(const Box& box, const Affine& place, Box& to) {
+        for (const Vec3& corner : box.Corners()) to.Widen(place.Point(corner));
     }
 
     static Box Widened(Box box, Vec3 reach) {
@@ -153,18 +191,18 @@ private:
     }
 
     // How far morph targets move a vertex along each axis at the most.
-    Vec3 MorphReach(const Json& primitive, std::size_t node) {
+    Vec3 MorphReach(const Json& primitive, const std::vector<double>& weights) {
         Vec3 reach;
         const Json* targets = primitive.Find("targets");
         if (targets == nullptr) return reach;
-        for (std::size_t i = 0; i < targets->Items().size(); ++i) {
+        for (std::size_t i = 0; i < std::min(targets->Items().size(), weights.size()); ++i) {
             const Json& target = targets->Items()[i];
             if (target.Find("POSITION") == nullptr) continue;
             const Box box = BoundsOf(IndexMember(target, "POSITION"));
             if (box.IsEmpty()) continue;
             const Vec3 low = Sizes(box.low), high = Sizes(box.high);
             reach = reach + Vec3{std::max(low.x, high.x), std::max(low.y, high.y), std::max(low.z, high.z)} *
-                                GreatestWeight(node, i);
+                                weights[i];
         }
         return reach;
     }
@@ -201,7 +239,7 @@ private:
         for (std::size_t joint = 0; joint < boxes.size(); ++joint) {
             if (!boxes[joint].IsEmpty())
                 AddCorners(Widened(boxes[joint], reach), binds[joint],
-                           static_cast<std::size_t>(joints[joint].Number()));
+                           m_boxes[static_cast<std::size_t>(joints[joint].Number())]);
         }
         return true;
     }
@@ -218,10 +256,17 @@ private:
         return binds;
     }
 
+    static constexpr std::array<std::string_view, 3> kInstancing{"TRANSLATION", "ROTATION", "SCALE"};
+
+    // The accessors of a node's instances; null: it has none.
+    static const Json* Instancing(const Json& node) {
+        const Json* instancing = gltf::FindExtension(node, "EXT_mesh_gpu_instancing");
+        return instancing != nullptr ? instancing->Find("attributes") : nullptr;
+    }
+
     // Where a node's mesh is drawn in the node's space.
     std::vector<Affine> Instances(const Json& node) const {
-        const Json* instancing = gltf::FindExtension(node, "EXT_mesh_gpu_instancing");
-        const Json* attributes = instancing != nullptr ? instancing->Find("attributes") : nullptr;
+        const Json* attributes = Instancing(node);
         if (attributes == nullptr) return {Affine()};
         const auto read = [&](std::string_view name) {
             if (attributes->Find(name) == nullptr) return std::vector<float>();
@@ -229,8 +274,8 @@ private:
             return gltf::HasData(m_document, accessor) ? gltf::ReadFloats(m_document, accessor)
                                                        : std::vector<float>();
         };
-        const std::vector<float> places = read("TRANSLATION"), turns = read("ROTATION"),
-                                 scales = read("SCALE");
+        const std::vector<float> places = read(kInstancing[0]), turns = read(kInstancing[1]),
+                                 scales = read(kInstancing[2]);
         std::vector<Affine> instances(std::max({places.size() / 3, turns.size() / 4, scales.size() / 3}));
         for (std::size_t i = 0; i < instances.size(); ++i) {
             compare::Trs parts;
@@ -263,6 +308,7 @@ private:
     const gltf::Document& m_document;
     std::vector<Watched> m_watched;
     std::vector<Box> m_boxes;
+    std::map<Drawing, Extent> m_extents;
     std::map<std::size_t, Box> m_bounds;                   // by accessor
     std::map<std::size_t, std::vector<double>> m_weights;  // by node: the greatest of any animation
 };

@@ -253,6 +253,30 @@ TEST(MaterialPairs, GoByWhereTheyAreDrawnThenByOrder) {
     EXPECT_EQ(pairs.ofB, (std::vector<std::size_t>{2, 3, 1, 0, compare::kNone}));
 }
 
+// Nodes times primitives, or times morph targets, of a small file would be many.
+TEST(Compare, WhatNodesShareIsBounded) {
+    const auto compare = [](const std::string& primitive, int primitives, int nodes) {
+        const auto times = [](int count, const std::string& element) {
+            std::string list = element;
+            for (int i = 1; i < count; ++i) list += "," + element;
+            return list;
+        };
+        const std::string text =
+            Join(R"({"asset": {"version": "2.0"}, "nodes": [)", times(nodes, R"({"mesh": 0})"),
+                 R"(], "meshes": [{"primitives": [)", times(primitives, primitive),
+                 R"(]}], "accessors": [{"componentType": 5126, "count": 3, "type": "VEC3"}]})");
+        const gltf::Document scene =
+            gltf::Document::FromBytes(BytesOf(text), "a.gltf", {.maxMemory = 4 << 20});
+        Compare(scene, scene);
+    };
+    const std::string plain = R"({"attributes": {"POSITION": 0}})";
+    EXPECT_NO_THROW(compare(plain, 100, 100));
+    EXPECT_THROW(compare(plain, 400, 400), gltf::Error);
+    std::string morphed = R"({"attributes": {"POSITION": 0}, "targets": [{})";
+    for (int i = 0; i < 1000; ++i) morphed += ",{}";
+    EXPECT_THROW(compare(morphed + "]}", 1, 1000), gltf::Error);
+}
+
 TEST(Compare, TheSampleIsItself) {
     const gltf::Document sample = gltf::test::Sample();
     EXPECT_TRUE(Compare(sample, gltf::test::Sample()).IsSame());
