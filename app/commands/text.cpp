@@ -188,7 +188,13 @@ int RunSingle(Session& session, const TextArguments& arguments) {
     const Drawer drawer(session, arguments);
     const std::u16string text = arguments.file.empty() ? DecodeText(UnmarkedText(names.front()), "TEXT")
                                                        : ReadText(session, arguments.file);
-    PrintReport(session, "text", drawer.Run(text, target));
+    const Report report = drawer.Run(text, target);
+    try {
+        PrintReport(session, "text", report);
+    } catch (const std::bad_alloc&) {
+        if (target.empty()) throw;
+        throw ReportLost();  // measures that were asked for beside a drawing
+    }
     return 0;
 }
 

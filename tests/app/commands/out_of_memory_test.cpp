@@ -116,38 +116,50 @@ public:
         m_folder.Restore(before);
         const ForkedRun whole = RunForked(m_folder / "", m_words);
         const Contents after = m_folder.Content();
-        for (long n = first;; n += stride) {
-            SCOPED_TRACE(Join(Joined(m_words), ", allocation ", n));
-            m_folder.Restore(before);
-            const ForkedRun run = RunForked(m_folder / "", m_words, [n](const auto& program) {
-                const long live = failing_memory::LiveBlocks();
-                failing_memory::FailAt(n);
-                const int status = program();
-                if (!failing_memory::Stop()) return kNoneFailed;
-                return failing_memory::LiveBlocks() == live ? status : kMemoryLost;
-            });
-            if (run.status == kNoneFailed) {
-                EXPECT_GT(n, first) << "the command line takes fewer allocations than before";
-                break;
-            }
-            const Contents left = m_folder.Content();
-            if (run.status == whole.status && run.err == whole.err) {
-                EXPECT_EQ(run.out, whole.out);
-                EXPECT_EQ(left, after);
-            } else {
-                EXPECT_EQ(run.status, 1) << run.err;
-                EXPECT_TRUE(IsOneLine(run.err) && run.err.starts_with("zr: ")) << run.err;
-                EXPECT_NE(run.err.find("memory"), std::string::npos) << run.err;
-                const bool saysDone = run.err.find("was done") != std::string::npos;
-                if (IsSingle())
-                    EXPECT_EQ(left, saysDone ? after : before) << run.err;
-                else
-                    EXPECT_TRUE(IsBetween(before, left, after)) << run.err;
-            }
+        const auto fails = [&](long n) { return Fails(n, whole, before, after); };
+        long beyond = first;
+        while (fails(beyond)) beyond += stride;
+        ASSERT_GT(beyond, first) << "the command line takes fewer allocations than before";
+        // The last ones come after the files have their names, when the run can no longer be undone.
+        constexpr long kTelling = 12;
+        long last = beyond - stride;
+        while (beyond - last > 1) {
+            const long middle = (last + beyond) / 2;
+            (fails(middle) ? last : beyond) = middle;
         }
+        for (long n = last; n > last - std::min(kTelling, stride); --n) fails(n);
     }
 
 private:
+    // Whether a run takes that many allocations, and what it then left.
+    bool Fails(long n, const ForkedRun& whole, const Contents& before, const Contents& after) const {
+        SCOPED_TRACE(Join(Joined(m_words), ", allocation ", n));
+        m_folder.Restore(before);
+        const ForkedRun run = RunForked(m_folder / "", m_words, [n](const auto& program) {
+            const long live = failing_memory::LiveBlocks();
+            failing_memory::FailAt(n);
+            const int status = program();
+            if (!failing_memory::Stop()) return kNoneFailed;
+            return failing_memory::LiveBlocks() == live ? status : kMemoryLost;
+        });
+        if (run.status == kNoneFailed) return false;
+        const Contents left = m_folder.Content();
+        if (run.status == whole.status && run.err == whole.err) {
+            EXPECT_EQ(run.out, whole.out);
+            EXPECT_EQ(left, after);
+            return true;
+        }
+        EXPECT_EQ(run.status, 1) << run.err;
+        EXPECT_TRUE(IsOneLine(run.err) && run.err.starts_with("zr: ")) << run.err;
+        EXPECT_NE(run.err.find("memory"), std::string::npos) << run.err;
+        const bool saysDone = run.err.find("was done") != std::string::npos;
+        if (IsSingle())
+            EXPECT_EQ(left, saysDone ? after : before) << run.err;
+        else
+            EXPECT_TRUE(IsBetween(before, left, after)) << run.err;
+        return true;
+    }
+
     bool IsSingle() const { return std::find(m_words.begin(), m_words.end(), "--out-dir") == m_words.end(); }
 
     // Of several results, some are there, each of them whole.
