@@ -96,8 +96,9 @@ OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
     const fs::path name = Identity(isNew ? target : Followed(target));
     if (m_names.contains(fs::Folded(name)))
         throw Error(PathToUtf8(target), "", "cannot be two files at once");
-    std::error_code none;
-    const fs::file_status status = fs::status(name, none);
+    std::error_code none, unknown;
+    const fs::file_status status = fs::status(name, unknown);
+    if (status.type() == fs::file_type::none) FailWith(target, kCannotWrite, unknown);
     if (fs::is_directory(status))
         FailWith(target, kCannotReplace, std::make_error_code(std::errc::is_a_directory));
     if (!isNew && fs::exists(status) && !fs::is_regular_file(status))

@@ -31,8 +31,10 @@ void CheckPageFile(const Session& session, const std::string& file,
     }
     if (session.Options().noClobber && fs::exists(PathFromUtf8(file), ignored))
         throw Error(file, "", "exists, and --no-clobber keeps it");
+    FileTransaction().Create(PathFromUtf8(file));  // what cannot be written is better known now
     if (!report::HasPages())
-        throw std::runtime_error("--report: this program was built without report pages, which take npm to build");
+        throw std::runtime_error(
+            "--report: this program was built without report pages, which take npm to build");
 }
 
 report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,

@@ -20,8 +20,8 @@ void AddPageOption(
     CLI::App& command, std::string& file,
     const char* description = "Also write a page (.html) that shows both scenes in motion and what was done");
 // For a command that was asked for a page: throws UsageError when this would take the place of one of the
-// others or when they are no files, Error when it exists and may not be replaced, and std::runtime_error when the
-// program was built without pages.
+// others or when they are no files, Error when it cannot be written, or exists and may not be replaced, and
+// std::runtime_error when the program was built without pages.
 void CheckPageFile(const Session& session, const std::string& file,
                    std::initializer_list<std::string> others);
 

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <new>
@@ -114,6 +115,22 @@ std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
     return Join("something is missing; usage: ", UsagesOf(LastCommand(app)).front());
 }
 
+bool NamesFiles(const CLI::Option& option) {
+    const std::string type = option.get_type_name();
+    return std::ranges::any_of(std::array{kSceneType, kFileType, kFolderType, kOutType},
+                               [&](const char* each) { return type.find(each) != type.npos; });
+}
+
+// A name without a character is most often that of a shell's variable that was never set.
+void RefuseEmptyNames(const CLI::App& command) {
+    for (const CLI::Option* option : command.get_options()) {
+        const std::vector<std::string>& values = option->results();
+        if (NamesFiles(*option) && std::find(values.begin(), values.end(), "") != values.end())
+            throw UsageError(Join(option->get_positional() ? option->get_type_name() : option->get_name(),
+                                  ": a file's name is empty"));
+    }
+}
+
 void PrintError(std::string_view text) try {
     std::fprintf(stderr, "zr: %s\n", Printable(text).c_str());
 } catch (const std::bad_alloc&) {
@@ -136,6 +153,7 @@ int Run(int argc, const char* const* argv) {
         PrintError(UsageText(*app, error));
         return kUsage;
     }
+    RefuseEmptyNames(LastCommand(*app));
     NoteMissingMemory();
     return session.Run();
 }
