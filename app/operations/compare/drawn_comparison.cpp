@@ -44,11 +44,6 @@ struct Gap {
     }
 };
 
-// A number that is not finite on one side only counts as infinitely different.
-double Finite(double difference) {
-    return std::isnan(difference) ? HUGE_VAL : difference;
-}
-
 Gap CornerGap(const Primitive& shape, const double* a, const double* b) {
     Gap gap;
     for (const Attribute& attribute : shape.attributes) {

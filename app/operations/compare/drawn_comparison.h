@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -21,6 +22,11 @@ struct Tolerance {
 struct MaterialClasses {
     std::vector<std::size_t> ofA, ofB;
 };
+
+// A difference; NaN, from numbers that are not finite, counts as infinite.
+inline double Finite(double difference) {
+    return std::isnan(difference) ? HUGE_VAL : difference;
+}
 
 struct DrawnDifference {
     std::size_t faces = 0;                    // compared

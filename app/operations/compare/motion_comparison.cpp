@@ -22,10 +22,6 @@ constexpr std::size_t kMostTransforms = 20'000'000;
 constexpr std::size_t kMostFaces = 6'000'000;
 constexpr std::size_t kFewTimes = 64;  // of an animation, where its keys are too many
 
-double Finite(double difference) {
-    return std::isnan(difference) ? HUGE_VAL : difference;
-}
-
 class MotionComparison {
 public:
     MotionComparison(ScenePair& pair, const ContentComparison& content,
