@@ -117,6 +117,15 @@ TEST(Check, EveryFaultIsNamedWithItsPlace) {
     }
 }
 
+TEST(Check, SaysHowManyNumbersThereShouldBe) {
+    try {
+        test::FromText(R"({"asset":{"version":"2.0"},"nodes":[{"translation":[1,2]}]})");
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_TRUE(std::string_view(error.what()).ends_with("(3)")) << error.what();
+    }
+}
+
 TEST(Check, OddButReadableScenesPass) {
     for (
         const char* json : {

@@ -152,7 +152,7 @@ TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
         return Join(R"({"primitives":[{"attributes":{"POSITION":0,"NORMAL":)", normal, "}}]}");
     };
     std::string nodes, meshes;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 5; ++i) {
         nodes += (i == 0 ? "" : ",") + node(i);
         meshes += (i == 0 ? "" : ",") + meshOf(i);
     }
@@ -162,9 +162,11 @@ TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
         {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"},
         {"bufferView":1,"componentType":5126,"count":3,"type":"VEC3"},
         {"bufferView":2,"componentType":5126,"count":3,"type":"VEC3"},
-        {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],"bufferViews":[
+        {"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"},
+        {"bufferView":3,"byteOffset":80,"componentType":5126,"count":3,"type":"VEC3"}],"bufferViews":[
         {"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":48,"byteStride":16},
-        {"buffer":0,"byteOffset":84,"byteLength":36}],"buffers":[{"byteLength":120}]})"),
+        {"buffer":0,"byteOffset":84,"byteLength":36},{"buffer":0,"byteOffset":4,"byteLength":116}],
+        "buffers":[{"byteLength":120}]})"),
                                 bin)),
         "accessors.glb"));
     const auto format = [&](std::size_t i) {
@@ -173,6 +175,7 @@ TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
     EXPECT_EQ(format(0), format(1)) << "interleaved";
     EXPECT_NE(format(0), format(2));
     EXPECT_EQ(format(0), format(3)) << "another accessor of the same bytes";
+    EXPECT_EQ(format(2), format(4)) << "within a greater view";
 }
 
 TEST(LoadedScene, MotionAndReferencesSetFormatsApart) {

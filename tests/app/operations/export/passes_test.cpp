@@ -266,10 +266,12 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
         if (wanted) options.animFlags |= vl::tk::kAtLeastOneKey;
         const gltf::test::TemporaryFolder folder;
         FileTransaction files;
+        std::string map;
         ExportRecords(
-            TheHost(), loaded, options, [](double) {}, files.Create(folder / "out.json"));
+            TheHost(), loaded, options, [](double) {}, files.Create(folder / "out.json"), &map);
         files.Commit();
         gltf::JsonTree tree;
+        EXPECT_EQ(tree.Build(map).Items().size(), 1u);
         const gltf::Json root = tree.Build(folder.Read("out.json"));
         const gltf::Json& node = root.Find("nodes")->Items()[0];
         EXPECT_EQ(node.Find("scaleKeys")->Items().size(), 2u);

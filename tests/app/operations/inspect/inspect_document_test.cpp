@@ -46,6 +46,10 @@ TEST(Inspect, ListsWhatADocumentHolds) {
     EXPECT_EQ(At(nodes, 5, "channels"), Whole(1)) << "driven by a pointer";
     EXPECT_EQ(At(nodes, 6, "skin"), Whole(0));
 
+    EXPECT_EQ(At(Named(tables, "skins"), 0, "joints"), Whole(2));
+    EXPECT_EQ(At(Named(tables, "materials"), 2, "textures"), Text("sheenColor 1"));
+    EXPECT_EQ(At(Named(tables, "materials"), 2, "extensions"), Text("KHR_materials_sheen"));
+
     const Table& meshes = Named(tables, "meshes");
     EXPECT_EQ(At(meshes, 0, "faces"), Whole(1));
     EXPECT_EQ(At(meshes, 0, "targets"), Whole(1));
