@@ -8,21 +8,20 @@
 
 namespace {
 
-using kernix::Rotation;
-
 // Near half a turn, one part of the quaternion after the other is the one that must not be divided by.
 TEST(Rotation, ComesOutOfItsRowsWhateverTheAxisAndAngle) {
     constexpr double kPi = std::numbers::pi;
     for (const double angle : {0.0, 1e-9, 1.0, 2.5, kPi - 1e-9, kPi, kPi + 1e-9, 5.0}) {
         for (int axis = 1; axis < 27; ++axis) {
-            const Rotation turn = Rotation::About(axis % 3 - 1, axis / 3 % 3 - 1, axis / 9 - 1, angle);
+            const kernix::Rotation turn =
+                kernix::Rotation::About(axis % 3 - 1, axis / 3 % 3 - 1, axis / 9 - 1, angle);
             double m[4][4] = {};
             turn.ToRows(m);
             const double rows[3][3] = {
                 {m[0][0], m[0][1], m[0][2]}, {m[1][0], m[1][1], m[1][2]}, {m[2][0], m[2][1], m[2][2]}};
-            const Rotation found = Rotation::FromRows(rows);
+            const kernix::Rotation found = kernix::Rotation::FromRows(rows);
             EXPECT_GE(found.w, 0);
-            const Rotation expected = found.Dot(turn) < 0 ? turn.Negated() : turn;
+            const kernix::Rotation expected = found.Dot(turn) < 0 ? turn.Negated() : turn;
             for (const double off :
                  {found.x - expected.x, found.y - expected.y, found.z - expected.z, found.w - expected.w})
                 EXPECT_NEAR(off, 0, 1e-12) << axis << " " << angle;
