@@ -31,7 +31,7 @@ TEST_F(HostTest, HalfTurnsKeepTheirWayUnderASceneMatrix) {
     std::mt19937 random(7);
     for (const Quaternion& turn : all) {
         const auto scene = Ref<SceneModel>::Adopt(new SceneModel);
-        auto* track = Track(*scene, AddMesh(*scene, nullptr));
+        auto* track = scene_kit::Track(*scene, AddMesh(*scene, nullptr));
         std::vector<Quaternion> sources{all[random() % all.size()]};
         while (sources.size() < 40) {
             const Quaternion& next = all[random() % all.size()];
