@@ -9,6 +9,18 @@ void TieredVector::Ring::Close(std::size_t i, std::size_t end) {
     const auto at = [this](std::size_t k) {
         return words.begin() + static_cast<std::ptrdiff_t>((head + k) & Mask());
     };
+    if (i < end - i) {
+        const auto first = at(0), gap = at(i);
+        head = (head + 1) & Mask();
+        if (first <= gap) {
+            std::copy_backward(first, gap, gap + 1);
+            return;
+        }
+        std::copy_backward(words.begin(), gap, gap + 1);
+        words.front() = words.back();
+        std::copy_backward(first, words.end() - 1, words.end());
+        return;
+    }
     const auto from = at(i), to = at(end);
     if (from <= to) {
         std::copy(from + 1, to + 1, from);

@@ -35,7 +35,8 @@ private:
         std::size_t Mask() const { return words.size() - 1; }
         vl::Word& At(std::size_t i) { return words[(head + i) & Mask()]; }
         vl::Word At(std::size_t i) const { return words[(head + i) & Mask()]; }
-        // Moves the words behind i, up to the one at end, one place down.
+        // Takes word i out, of those up to the one at end: moves the words before it or those behind it,
+        // whichever are fewer.
         void Close(std::size_t i, std::size_t end);
     };
 
