@@ -32,15 +32,25 @@ std::string LoadedScene::NameOf(const vl::zr::Node& node) const {
 }
 
 gltf::Document LoadedScene::WriteBack() && {
-    static_cast<void>(WriteDocument(*m_document, ChangesOf(*this)));
+    const DocumentChanges changes = ChangesOf(*this);
+    ReleaseTables();
+    static_cast<void>(WriteDocument(*m_document, changes));
     return std::move(*m_document);
 }
 
 WrittenBack LoadedScene::WriteBackAndCollect() && {
     DocumentChanges changes = ChangesOf(*this);
     changes.takesWhatItLeaves = true;
+    ReleaseTables();
     std::vector<gltf::OpaqueUse> refusals = WriteDocument(*m_document, changes);
     return {std::move(*m_document), std::move(refusals)};
+}
+
+// The scene may be kept for its memory's sake, but writing needs room of its own.
+void LoadedScene::ReleaseTables() {
+    m_parts.layout = {};
+    m_parts.nodes = {};
+    m_parts.nodeIndices = {};
 }
 
 }  // namespace zr

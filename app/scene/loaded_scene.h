@@ -140,6 +140,8 @@ public:
     WrittenBack WriteBackAndCollect() &&;
 
 private:
+    void ReleaseTables();
+
     std::unique_ptr<gltf::Document> m_document;  // keeps its address when the scene is moved
     std::unique_ptr<DocumentCurves> m_curves;    // the same
     SceneParts m_parts;

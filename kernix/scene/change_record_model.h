@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "host/change_record.h"
 #include "host/ref.h"
@@ -40,14 +40,14 @@ public:
     void RecordViewportRemoval(vl::zr::Scene* scene, vl::zr::Viewport* viewport, int mode) override;
     void RecordTrackCreation(vl::Interface* object, vl::Interface* trackObject) override;
 
-    const std::vector<Entry>& GetEntries() const { return m_entries; }
+    const std::deque<Entry>& GetEntries() const { return m_entries; }
     const std::u16string& GetCaption() const { return m_caption; }
     bool IsOpen() const { return m_open; }
 
 private:
     void Keep(Change change, vl::Interface* object, std::string name);
 
-    std::vector<Entry> m_entries;
+    std::deque<Entry> m_entries;
     std::u16string m_caption;
     bool m_open = false;
 };
