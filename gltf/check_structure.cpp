@@ -147,7 +147,7 @@ void CheckStructure(Document& document) {
     // A wrong version explains all other faults, so it comes first.
     CheckVersion(document);
     StructureCheck check(document);
-    Walk(document.Root(), check);
+    Walk(document.Tree(), check);
 }
 
 }  // namespace zr::gltf

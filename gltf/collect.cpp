@@ -21,34 +21,35 @@ public:
         m_reached.resize(next, false);
     }
 
-    void Reach(const Removal& elements) {
+    void Reach(const ElementSet& elements) {
         for (std::size_t i = 0; i < kKinds; ++i) {
+            if (!m_kinds.Has(static_cast<Kind>(i))) continue;
             for (std::size_t k = 0; k < elements[i].size(); ++k)
                 if (elements[i][k]) Reach(m_first[i] + static_cast<std::uint32_t>(k));
         }
     }
 
     Removal Unreached(const ReferenceTable& references) {
+        Reach(references.held);
         // The targets of each element that may itself go, side by side.
-        std::vector<std::uint32_t> ends(m_reached.size() + 1, 0);
+        std::vector<std::uint32_t> begins(m_reached.size() + 1, 0);
         for (const ReferenceTable::Link& link : references.links) {
             if (!m_kinds.Has(link.targetKind)) continue;
-            if (MayGo(link.ownerKind))
-                ++ends[Number(link.ownerKind, link.owner) + 1];
+            if (m_kinds.Has(link.ownerKind))
+                ++begins[Number(link.ownerKind, link.owner)];
             else
                 Reach(Number(link.targetKind, link.target));
         }
-        std::partial_sum(ends.begin(), ends.end(), ends.begin());
-        std::vector<std::uint32_t> targets(ends.back());
-        std::vector<std::uint32_t> next = ends;
+        std::partial_sum(begins.begin(), begins.end(), begins.begin());
+        std::vector<std::uint32_t> targets(begins.back());
         for (const ReferenceTable::Link& link : references.links) {
-            if (m_kinds.Has(link.targetKind) && MayGo(link.ownerKind))
-                targets[next[Number(link.ownerKind, link.owner)]++] = Number(link.targetKind, link.target);
+            if (m_kinds.Has(link.targetKind) && m_kinds.Has(link.ownerKind))
+                targets[--begins[Number(link.ownerKind, link.owner)]] = Number(link.targetKind, link.target);
         }
         while (!m_pending.empty()) {
             const std::uint32_t from = m_pending.back();
             m_pending.pop_back();
-            for (std::uint32_t i = ends[from]; i < ends[from + 1]; ++i) Reach(targets[i]);
+            for (std::uint32_t i = begins[from]; i < begins[from + 1]; ++i) Reach(targets[i]);
         }
         Removal removal;
         for (std::size_t i = 0; i < kKinds; ++i) {
@@ -60,8 +61,6 @@ public:
     }
 
 private:
-    bool MayGo(Kind kind) const { return kind != Kind::kCount && m_kinds.Has(kind); }
-
     std::uint32_t Number(Kind kind, std::uint32_t index) const { return m_first[Ordinal(kind)] + index; }
 
     void Reach(std::uint32_t element) {

@@ -2,6 +2,7 @@
 #include "gltf/json.h"
 
 #include "gltf/error.h"
+#include "gltf/same_text.h"
 
 #include <algorithm>
 #include <bit>
@@ -19,28 +20,6 @@ constexpr std::size_t kLargeObject = 16;  // members; going over fewer costs not
 
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
-// The first characters of a name, to be compared at once with those of names in a tree, whose storage is a
-// multiple of this size (JsonTree::Allocate).
-class NameHead {
-public:
-    static constexpr std::size_t kSize = 8;
-
-    explicit NameHead(std::string_view name) {
-        const std::size_t size = std::min(name.size(), kSize);
-        name.copy(reinterpret_cast<char*>(&m_bytes), size);
-        std::memset(&m_mask, 0xFF, size);
-    }
-    bool Begins(const char* other) const {
-        std::uint64_t bytes;
-        std::memcpy(&bytes, other, kSize);
-        return ((bytes ^ m_bytes) & m_mask) == 0;
-    }
-
-private:
-    std::uint64_t m_bytes = 0;
-    std::uint64_t m_mask = 0;
-};
 
 void CheckFinite(double value) {
     if (!std::isfinite(value))
@@ -128,18 +107,14 @@ const Json* Json::Find(std::string_view name) const {
             if (member.Name() == name) return &member.value;
         return nullptr;
     }
-    // Sizes and first characters tell most names apart without a call.
-    const NameHead head(name);
+    // Sizes tell most names apart.
     const std::uint64_t word =
         std::uint64_t{name.size()} << kTypeBits | static_cast<std::uint64_t>(Type::kString);
     constexpr std::uint64_t kWord = (std::uint64_t{1} << kAddressShift) - 1;
     for (const JsonMember& member : Members()) {
         if ((member.key.m_word & kWord) != word) continue;
         const char* const other = member.key.Content<const char>();
-        if (head.Begins(other) && (name.size() <= NameHead::kSize ||
-                                   std::memcmp(other + NameHead::kSize, name.data() + NameHead::kSize,
-                                               name.size() - NameHead::kSize) == 0))
-            return &member.value;
+        if (SameText(other, name.data(), name.size())) return &member.value;
     }
     return nullptr;
 }
@@ -238,7 +213,9 @@ T& JsonTree::AddSlot(Json& container, const T& slot) {
     auto* header = container.Content<Json::Header>();
     if (header == nullptr || header->size == header->room) {
         const std::size_t room = std::bit_ceil(std::max<std::size_t>(slots.size() + 1, 4));
-        container = Container(container.GetType(), slots.data(), slots.size(), room, sizeof(T));
+        const bool holdsExtensions = container.HoldsExtensions();
+        container = Container(container.GetType(), slots.data(), slots.size(), room, sizeof(T))
+                        .Extended(holdsExtensions);
         header = container.Content<Json::Header>();
     }
     ++header->size;
@@ -246,18 +223,23 @@ T& JsonTree::AddSlot(Json& container, const T& slot) {
 }
 
 Json& JsonTree::Append(Json& array, Json item) {
+    if (item.HoldsExtensions() && !array.HoldsExtensions()) m_notesExtensions = false;
     return AddSlot(array, item);
 }
 
 Json& JsonTree::Member(Json& object, std::string_view name) {
     if (Json* found = object.Find(name)) return *found;
     m_additions += object.Members().size() >= kLargeObject;
+    if (name == kExtensions) m_notesExtensions = false;
     return AddSlot(object, JsonMember{MakeString(name), Json()}).value;
 }
 
 const Json* JsonTree::Find(const Json& object, std::string_view name, const JsonFind& find) const {
     const auto members = object.Members();
-    if (find.position < members.size() && members[find.position].Name() == name)
+    const auto isIt = [name](std::string_view other) {
+        return other.size() == name.size() && SameText(other.data(), name.data(), name.size());
+    };
+    if (find.position < members.size() && isIt(members[find.position].Name()))
         return &members[find.position].value;
     const bool isAbsent = find.absentIn == members.data() && find.absentSize == members.size() &&
                           find.additions == m_additions && members.size() >= kLargeObject;
@@ -278,6 +260,7 @@ Json* JsonTree::Find(Json& object, std::string_view name, JsonFind& find) {
 }
 
 Json JsonTree::Clone(const Json& source) {
+    if (source.HoldsExtensions()) m_notesExtensions = false;
     if (source.HasTag(Json::Type::kNumber) || source.IsString())
         return Store(source.GetType(), source.Text());
     if (source.IsArray()) {

@@ -17,6 +17,7 @@
 
 namespace zr::gltf {
 
+inline constexpr std::string_view kExtensions = "extensions";
 inline constexpr unsigned kMaxJsonDepth = 128;  // real documents stay below 20; walks may recurse this deep
 
 struct JsonMember;
@@ -58,6 +59,10 @@ public:
     std::span<JsonMember> Members();
     std::span<const JsonMember> Members() const;
 
+    // Whether a member "extensions" stands in this value or below it, as the reader noted. Holds as long as
+    // JsonTree::NotesExtensions says; what was erased since may still count.
+    bool HoldsExtensions() const { return (IsArray() || IsObject()) && (m_word & kExtended) != 0; }
+
     // The member of that name, or null (also when this is no object).
     Json* Find(std::string_view name);
     const Json* Find(std::string_view name) const;
@@ -79,6 +84,9 @@ private:
     static constexpr unsigned kTypeBits = 3, kSizeBits = 13, kAddressShift = kTypeBits + kSizeBits;
     static constexpr std::uint64_t kTypeMask = (1U << kTypeBits) - 1;
     static constexpr std::uint64_t kLongText = (1U << kSizeBits) - 1;  // the content is a std::string_view
+
+    // Containers have no size of a text.
+    static constexpr std::uint64_t kExtended = std::uint64_t{1} << kTypeBits;
 
     // Nearly all numbers are few digits, which the word itself holds as a whole number, with the sign and how
     // many of them are behind the point: together they tell the text, and looking at one costs no memory. As
@@ -112,6 +120,11 @@ private:
     }
 
     bool HasTag(Type type) const { return (m_word & kTypeMask) == static_cast<std::uint64_t>(type); }
+    Json Extended(bool holdsExtensions) const {
+        Json container = *this;
+        if (holdsExtensions) container.m_word |= kExtended;
+        return container;
+    }
     bool IsDecimal() const { return (m_word & kTypeMask) == kDecimal; }
     unsigned Places() const {
         return static_cast<unsigned>(m_word >> kPlacesShift & ((1U << kPlacesBits) - 1));
@@ -191,6 +204,9 @@ public:
     // A copy of the content, from this or another tree.
     Json Clone(const Json& source);
 
+    // Whether Json::HoldsExtensions holds below `root`: nothing with extensions was added since it was read.
+    bool NotesExtensions() const { return m_notesExtensions; }
+
     // Bytes that the storage takes.
     std::size_t Size() const { return m_size; }
 
@@ -214,6 +230,7 @@ private:
     std::size_t m_left = 0;
     std::size_t m_size = 0;
     std::size_t m_additions = 0;  // of members to large objects
+    bool m_notesExtensions = true;
 };
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.

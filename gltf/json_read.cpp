@@ -14,6 +14,7 @@
 #include "base/text.h"
 #include "gltf/error.h"
 #include "gltf/json.h"
+#include "gltf/same_text.h"
 
 namespace zr::gltf {
 
@@ -34,7 +35,10 @@ public:
     bool String(const char* text, rapidjson::SizeType size, bool) {
         return Push(m_tree.MakeString({text, size}));
     }
-    bool Key(const char* text, rapidjson::SizeType size, bool) { return Push(Name({text, size})); }
+    bool Key(const char* text, rapidjson::SizeType size, bool) {
+        if (std::string_view(text, size) == kExtensions) m_extended.push_back(m_values.size());
+        return Push(Name({text, size}));
+    }
     bool StartObject() { return Open(); }
     bool StartArray() { return Open(); }
 
@@ -65,7 +69,9 @@ private:
         Json& known = m_names[(text.size() + byte(text.front()) * std::size_t{7} +
                                byte(text.back()) * std::size_t{31}) %
                               kNames];
-        if (known.String() != text) known = m_tree.MakeString(text);
+        const bool isKnown =
+            known.String().size() == text.size() && SameText(known.String().data(), text.data(), text.size());
+        if (!isKnown) known = m_tree.MakeString(text);
         return known;
     }
 
@@ -87,7 +93,10 @@ private:
         const Json container =
             m_tree.Container(type, m_values.data() + left, count, count, parts * sizeof(Json));
         m_values.resize(left);
-        return container;
+        if (m_extended.empty() || m_extended.back() < left) return container;
+        while (!m_extended.empty() && m_extended.back() >= left) m_extended.pop_back();
+        m_extended.push_back(left);  // where the container comes to stand
+        return container.Extended(true);
     }
 
     static bool Repeats(const Json& object) {
@@ -109,6 +118,7 @@ private:
 
     JsonTree& m_tree;
     std::vector<Json> m_values;
+    std::vector<std::size_t> m_extended;  // which of them are names of extensions or hold some
     std::array<Json, kNames> m_names;
     unsigned m_depth = 0;
     const char* m_refusal = nullptr;
@@ -171,13 +181,16 @@ void JsonTree::Parse(char* text, std::size_t size, std::string_view file) {
         if (text[i] != '\0' && text[i] != ' ') fail(i - skipped, "text after a zero byte");
     text[size] = behind;
     root = builder.Result();
+    m_notesExtensions = true;
 }
 
 Json JsonTree::Build(std::string_view text) {
     std::string copy(text);
     copy.push_back('\0');
     const Json kept = root;
+    const bool notesExtensions = m_notesExtensions;
     Parse(copy.data(), text.size(), "");
+    m_notesExtensions = notesExtensions && !root.HoldsExtensions();
     return std::exchange(root, kept);
 }
 

@@ -61,36 +61,44 @@ public:
         if (schema.rule == nullptr) return;
         const auto target = TargetOf(*schema.rule, value);
         if (!target || !m_kinds.Has(target->kind)) return;
-        const Place::Element owner = place.Owner().value_or(Place::Element{Kind::kCount, 0});
+        const auto& owner = place.Owner();
+        if (!owner || !m_kinds.Has(owner->kind)) return Hold(*target);
         // A text below 4 GiB has fewer elements than 32 bits count.
-        m_links.push_back({static_cast<std::uint32_t>(target->index), static_cast<std::uint32_t>(owner.index),
-                           target->kind, owner.kind});
+        m_links.push_back({static_cast<std::uint32_t>(target->index),
+                           static_cast<std::uint32_t>(owner->index), target->kind, owner->kind});
     }
 
-    std::deque<ReferenceTable::Link> TakeLinks() { return std::move(m_links); }
+    ReferenceTable TakeTable() { return {std::move(m_links), std::move(m_held), Take()}; }
 
 private:
+    void Hold(const Target& target) {
+        std::vector<bool>& held = m_held[Ordinal(target.kind)];
+        if (held.size() <= target.index) held.resize(target.index + 1, false);
+        held[target.index] = true;
+    }
+
     KindSet m_kinds;
     std::deque<ReferenceTable::Link> m_links;
+    ElementSet m_held;
 };
 
 }  // namespace
 
 void ForEachReference(Document& document, KindSet kinds, const std::function<void(const Reference&)>& visit) {
     Collector collector(kinds, visit);
-    WalkReferences(document.Root(), kinds, collector);
+    WalkReferences(document.Tree(), kinds, collector);
 }
 
 Opaque OpaqueReferences(Document& document) {
     OpaqueCollector collector;
-    WalkReferences(document.Root(), {}, collector);
+    WalkReferences(document.Tree(), {}, collector);
     return collector.Take();
 }
 
 ReferenceTable ListReferences(Document& document, KindSet kinds) {
     TableCollector collector(kinds);
-    WalkReferences(document.Root(), kinds, collector);
-    return {collector.TakeLinks(), collector.Take()};
+    WalkReferences(document.Tree(), kinds, collector);
+    return collector.TakeTable();
 }
 
 }  // namespace zr::gltf

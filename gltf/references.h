@@ -40,22 +40,24 @@ struct Opaque {
 };
 Opaque OpaqueReferences(Document& document);
 
-// Both in one pass, as a table that holds while the document stays as it is. The links are those to elements
-// of `kinds`.
+// Elements by kind and index; vectors may be shorter than the collection.
+using ElementSet = std::array<std::vector<bool>, kKinds>;
+
+// Both in one pass, as a table that holds while the document stays as it is.
 struct ReferenceTable {
     struct Link {
         std::uint32_t target;
         std::uint32_t owner;
         Kind targetKind;
-        Kind ownerKind;  // kCount: the document itself
+        Kind ownerKind;
     };
-    std::deque<Link> links;
+    std::deque<Link> links;  // from elements of `kinds` to others of them
+    ElementSet held;         // those of `kinds` that anything else refers to
     Opaque opaque;
 };
 ReferenceTable ListReferences(Document& document, KindSet kinds);
 
-// Elements to remove, by kind and index; vectors may be shorter than the collection.
-using Removal = std::array<std::vector<bool>, kKinds>;
+using Removal = ElementSet;  // elements to remove
 
 // Removes the elements and updates every reference. References to them from what stays are removed as the
 // rules say; so are containers that become empty (a list of children, an extension's object), animations

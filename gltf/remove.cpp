@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <set>
-#include <unordered_map>
+#include <utility>
 
 #include "base/text.h"
 #include "gltf/references.h"
@@ -26,51 +26,70 @@ bool Goes(const Removal& removal, Kind kind, std::size_t index) {
 // something below it is still pending.
 class Pruner {
 public:
-    // Marks the value at steps[at] for removal.
+    // Marks the value at steps[at] for removal. Calls are in document order.
     void Mark(std::span<const Place::Step> steps, std::size_t at) {
-        for (std::size_t i = at; i-- > 0;) {
-            auto [known, added] = m_containers.try_emplace(steps[i].value);
-            if (added) known->second = {i == 0 ? nullptr : steps[i - 1].value, i, steps[i].isItem, {}};
-            if (!added) break;
+        // The containers of the value before are those of this one as far as they agree.
+        std::size_t known = 0;
+        while (known < std::min(at, m_way.size()) && m_containers[m_way[known]].json == steps[known].value)
+            ++known;
+        m_way.resize(known);
+        for (std::size_t i = known; i < at; ++i) {
+            const std::uint32_t parent = i == 0 ? kNone : m_way.back();
+            m_way.push_back(static_cast<std::uint32_t>(m_containers.size()));
+            m_containers.push_back(
+                {steps[i].value, parent, kNone, static_cast<std::uint16_t>(i), steps[i].isItem});
+            m_depth = std::max(m_depth, i + 1);
         }
-        m_containers[steps[at - 1].value].victims.push_back(steps[at].value);
+        AddVictim(m_way.back(), steps[at].value);
     }
 
     void Run() {
-        std::vector<std::vector<Json*>> levels;
-        for (const auto& [json, container] : m_containers) {
-            if (container.depth >= levels.size()) levels.resize(container.depth + 1);
-            levels[container.depth].push_back(json);
-        }
-        while (!levels.empty()) {
-            for (Json* json : levels.back()) Prune(*json, m_containers[json]);
-            levels.pop_back();
-        }
+        for (std::size_t depth = m_depth; depth-- > 0;)
+            for (const Container& container : m_containers)
+                if (container.depth == depth && container.victims != kNone) Prune(container);
     }
 
 private:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
     struct Container {
-        Json* parent = nullptr;
-        std::size_t depth = 0;
-        bool isItem = false;
-        std::vector<const Json*> victims;
+        Json* json;
+        std::uint32_t parent;   // kNone: the root
+        std::uint32_t victims;  // the last one
+        std::uint16_t depth;
+        bool isItem;
+    };
+    struct Victim {
+        const Json* json;
+        std::uint32_t next;  // of the same container
     };
 
-    void Prune(Json& json, Container& container) {
-        if (container.victims.empty()) return;
-        std::sort(container.victims.begin(), container.victims.end());
+    void AddVictim(std::uint32_t container, const Json* json) {
+        m_victims.push_back({json, std::exchange(m_containers[container].victims,
+                                                 static_cast<std::uint32_t>(m_victims.size()))});
+    }
+
+    void Prune(const Container& container) {
+        std::vector<const Json*> victims;
+        for (std::uint32_t i = container.victims; i != kNone; i = m_victims[i].next)
+            victims.push_back(m_victims[i].json);
+        std::sort(victims.begin(), victims.end());
         // Handles that move forward are read from their old place, ahead of where they go.
         const auto stays = [&](const Json* at) {
-            return !std::binary_search(container.victims.begin(), container.victims.end(), at);
+            return !std::binary_search(victims.begin(), victims.end(), at);
         };
+        Json& json = *container.json;
         json.FilterItems([&](const Json& item) { return stays(&item); });
         json.FilterMembers([&](const JsonMember& member) { return stays(&member.value); });
         const bool isEmpty = json.Items().empty() && json.Members().empty();
-        if (isEmpty && !container.isItem && container.parent != nullptr)
-            m_containers[container.parent].victims.push_back(&json);
+        if (isEmpty && !container.isItem && container.parent != kNone) AddVictim(container.parent, &json);
     }
 
-    std::unordered_map<Json*, Container> m_containers;
+    // Deques grow without a copy of what they hold.
+    std::deque<Container> m_containers;
+    std::deque<Victim> m_victims;
+    std::vector<std::uint32_t> m_way;  // the containers of the last value, from the root
+    std::size_t m_depth = 0;
 };
 
 class Remover : public Visitor {
@@ -99,22 +118,25 @@ public:
         if (index == kGone)
             CutAway(schema.rule->cut, *target, place);
         else
-            m_renamed.push_back({&value, index});
+            m_renamed[Ordinal(target->kind)].push_back(&value);
     }
 
     void Finish() {
-        for (const Renamed& renamed : m_renamed)
-            *renamed.value = renamed.value->IsString() ? Renumbered(renamed.value->String(), renamed.index)
-                                                       : m_document.Tree().MakeIndex(renamed.index);
+        for (std::size_t i = 0; i < kKinds; ++i) {
+            for (Json* value : m_renamed[i])
+                *value = value->IsString() ? Renumbered(value->String(), m_renumbered[i])
+                                           : m_document.Tree().MakeIndex(m_renumbered[i][*value->Index()]);
+            m_renamed[i].clear();
+        }
         m_pruner.Run();
         for (std::size_t i = 0; i < kKinds; ++i) Erase(static_cast<Kind>(i));
     }
 
 private:
-    Json Renumbered(std::string_view pointer, std::size_t index) {
+    Json Renumbered(std::string_view pointer, std::span<const std::uint32_t> renumbered) {
         const Target target = *PointerTarget(pointer);
         std::string text(pointer);
-        text.replace(target.textOffset, target.textSize, std::to_string(index));
+        text.replace(target.textOffset, target.textSize, std::to_string(renumbered[target.index]));
         return m_document.Tree().MakeString(text);
     }
 
@@ -148,17 +170,11 @@ private:
         }
     }
 
-    // A reference to update once it is known that all can be.
-    struct Renamed {
-        Json* value;
-        std::uint32_t index;
-    };
-
     Document& m_document;
     const Removal& m_removal;
     KindSet m_kinds;  // of which elements go
     std::array<std::vector<std::uint32_t>, kKinds> m_renumbered;
-    std::deque<Renamed> m_renamed;
+    std::array<std::deque<Json*>, kKinds> m_renamed;  // to update once it is known that all can be
     Pruner m_pruner;
 };
 
@@ -176,7 +192,7 @@ void CollectExtensions(const Json& value, std::set<std::string, std::less<>>& na
 
 void RemoveOnce(Document& document, const Removal& removal) {
     Remover remover(document, removal);
-    WalkReferences(document.Root(), remover.Kinds(), remover);
+    WalkReferences(document.Tree(), remover.Kinds(), remover);
     remover.Finish();
 }
 

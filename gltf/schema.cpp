@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "gltf/json.h"
+
 namespace zr::gltf {
 namespace {
 
@@ -41,18 +43,21 @@ void Insert(SchemaNode& root, std::string_view path, const Rule& rule) {
     at->rule = &rule;
 }
 
-// Sets SchemaNode::named of a node and all below it.
+// Sets SchemaNode::named and namedPlainly of a node and all below it.
 void NoteNamed(SchemaNode& node) {
     const Rule* const rule = node.rule;
     if (rule != nullptr && rule->shape == Shape::kIndex) node.named.Add(rule->kind);
     if (rule != nullptr && rule->shape == Shape::kPointer) node.named = KindSet::All();
+    node.namedPlainly = node.named;
     for (SchemaNode::Child& child : node.members) {
         NoteNamed(*child.node);
         node.named.Add(child.node->named);
+        if (child.name != kExtensions) node.namedPlainly.Add(child.node->namedPlainly);
     }
     if (!node.item) return;
     NoteNamed(*node.item);
     node.named.Add(node.item->element != Kind::kCount ? KindSet::All() : node.item->named);
+    node.namedPlainly.Add(node.item->namedPlainly);
 }
 
 Trees Build() {
@@ -75,6 +80,8 @@ Trees Build() {
     }
     NoteNamed(trees.root);
     NoteNamed(trees.anywhere);
+    // Materials may hold texture infos under names that no rule knows.
+    Member(trees.root, "materials", false).namedPlainly.Add(Kind::kTexture);
     return trees;
 }
 

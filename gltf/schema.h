@@ -65,6 +65,7 @@ struct SchemaNode {
     bool isMap = false;
     Kind element = Kind::kCount;  // of which each of these is one
     KindSet named;                // by references that stand here or below; all where elements do
+    KindSet namedPlainly;         // by references that stand here or below, but in no extension
 
     const SchemaNode* Find(std::string_view name) const;
 };

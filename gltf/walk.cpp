@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <charconv>
 #include <cstdint>
 
@@ -24,11 +25,24 @@ const SchemaNode& TextureInfo() {
     return node;
 }
 
+[[maybe_unused]] bool HasExtensions(const Json& value) {
+    const auto items = value.Items();
+    const auto members = value.Members();
+    return std::any_of(items.begin(), items.end(), HasExtensions) ||
+           std::any_of(members.begin(), members.end(), [](const JsonMember& member) {
+               return member.Name() == kExtensions || HasExtensions(member.value);
+           });
+}
+
 class Walker {
 public:
     // kinds: of the references that are looked for; null: everything is.
-    Walker(Json& root, Visitor& visitor, const KindSet* kinds)
-        : m_visitor(visitor), m_kinds(kinds), m_place(root) {}
+    Walker(JsonTree& tree, Visitor& visitor, const KindSet* kinds)
+        : m_visitor(visitor),
+          m_kinds(kinds),
+          m_findsTextures(kinds == nullptr || kinds->Has(Kind::kTexture)),
+          m_knowsExtensions(tree.NotesExtensions()),
+          m_place(tree.root) {}
 
     // Recurses as deep as the document, which the reader bounds by kMaxJsonDepth.
     void Visit(Json& value, const SchemaNode* schema) {
@@ -44,19 +58,29 @@ private:
         for (JsonMember& member : object.Members()) {
             const std::string_view name = member.Name();
             Json& value = member.value;
-            const bool isPlain = !value.IsObject() && !value.IsArray();
-            if (schema == nullptr && isPlain) continue;
             const Answer answer = Ask(schema, name);
-            if (answer.role == Role::kExtras || (answer.below == nullptr && isPlain)) continue;
+            const bool isBare = IsBare(value);
+            const SchemaNode* const below = isBare ? answer.belowPlain : answer.below;
+            const bool leadsNowhere = below == nullptr && isBare && answer.role != Role::kExtensions;
+            if (leadsNowhere || answer.role == Role::kExtras) continue;
             m_place.Push(name, value);
             if (answer.role == Role::kExtensions)
                 Extensions(value, answer.below);
             else if (answer.role == Role::kTexture && m_materials > 0 && value.Find("index") != nullptr)
-                Texture(value, answer.below);
+                Texture(value, below);
             else
-                Enter(name, value, answer.below);
+                Enter(name, value, below);
             m_place.Pop();
         }
+    }
+
+    // Whether only the rules could lead from a value to what is looked for: it has no parts, or none that
+    // count wherever they stand.
+    bool IsBare(const Json& value) const {
+        if (!value.IsObject() && !value.IsArray()) return true;
+        if (!m_knowsExtensions || (m_findsTextures && m_materials > 0)) return false;
+        assert(value.HoldsExtensions() || !HasExtensions(value));
+        return !value.HoldsExtensions();
     }
 
     enum class Role : std::uint8_t { kOther, kExtras, kExtensions, kTexture };
@@ -66,6 +90,7 @@ private:
         const SchemaNode* schema = nullptr;
         std::string_view name;
         const SchemaNode* below = nullptr;
+        const SchemaNode* belowPlain = nullptr;  // the same for a value without extensions
         Role role = Role::kOther;
     };
 
@@ -78,16 +103,23 @@ private:
             answer.schema == schema && answer.name.data() == name.data() && answer.name.size() == name.size();
         if (!isKnown) {
             const Role role = name == "extras"            ? Role::kExtras
-                              : name == "extensions"      ? Role::kExtensions
+                              : name == kExtensions       ? Role::kExtensions
                               : name.ends_with("Texture") ? Role::kTexture
                                                           : Role::kOther;
-            answer = {schema, name, schema != nullptr ? Wanted(schema->Find(name)) : nullptr, role};
+            const SchemaNode* const below = schema != nullptr ? schema->Find(name) : nullptr;
+            answer = {schema, name, Wanted(below), WantedPlain(below), role};
         }
         return answer;
     }
 
     const SchemaNode* Wanted(const SchemaNode* schema) const {
         const bool leadsNowhere = m_kinds != nullptr && schema != nullptr && !schema->named.HasAny(*m_kinds);
+        return leadsNowhere ? nullptr : schema;
+    }
+
+    const SchemaNode* WantedPlain(const SchemaNode* schema) const {
+        const bool leadsNowhere =
+            m_kinds != nullptr && schema != nullptr && !schema->namedPlainly.HasAny(*m_kinds);
         return leadsNowhere ? nullptr : schema;
     }
 
@@ -110,11 +142,15 @@ private:
         const SchemaNode* item = schema != nullptr && !schema->isMap ? schema->item.get() : nullptr;
         const bool isCollection = item != nullptr && item->element != Kind::kCount;
         const auto items = array.Items();
+        const SchemaNode* const plainItem = WantedPlain(item);
         if (item == nullptr && !items.empty() && !items[0].IsObject() && !items[0].IsArray()) return;
         for (std::size_t i = 0; i < items.size(); ++i) {
+            const bool isBare = IsBare(items[i]);
+            const SchemaNode* const schemaOfItem = isBare ? plainItem : item;
+            if (isBare && schemaOfItem == nullptr) continue;
             m_place.Push(i, items[i]);
             if (isCollection) m_place.SetOwner(Place::Element{item->element, i});
-            Visit(items[i], item);
+            Visit(items[i], schemaOfItem);
             m_place.Pop();
         }
         if (isCollection) m_place.SetOwner(std::nullopt);
@@ -139,6 +175,8 @@ private:
 
     Visitor& m_visitor;
     const KindSet* m_kinds;
+    bool m_findsTextures;
+    bool m_knowsExtensions;
     Place m_place;
     std::array<Answer, kAnswers> m_answers;
     const SchemaNode* m_materialsSchema = Schema().Find("materials");
@@ -217,12 +255,12 @@ std::optional<Target> TargetOf(const Rule& rule, const Json& value) {
     return Target{rule.kind, static_cast<std::size_t>(*index)};
 }
 
-void Walk(Json& root, Visitor& visitor) {
-    Walker(root, visitor, nullptr).Visit(root, &Schema());
+void Walk(JsonTree& tree, Visitor& visitor) {
+    Walker(tree, visitor, nullptr).Visit(tree.root, &Schema());
 }
 
-void WalkReferences(Json& root, KindSet kinds, Visitor& visitor) {
-    Walker(root, visitor, &kinds).Visit(root, &Schema());
+void WalkReferences(JsonTree& tree, KindSet kinds, Visitor& visitor) {
+    Walker(tree, visitor, &kinds).Visit(tree.root, &Schema());
 }
 
 KindSet PossibleReferences(const Json& value) {

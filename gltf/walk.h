@@ -73,10 +73,10 @@ public:
 };
 
 // Visits, in document order, everything that the rules cover. Extras are skipped.
-void Walk(Json& root, Visitor& visitor);
+void Walk(JsonTree& tree, Visitor& visitor);
 // The same for what may refer to elements of `kinds`, and for extensions: other values may be left out, and
 // what leads to no such reference is passed by.
-void WalkReferences(Json& root, KindSet kinds, Visitor& visitor);
+void WalkReferences(JsonTree& tree, KindSet kinds, Visitor& visitor);
 
 // The kinds that an unknown extension's content could refer to by index or pointer. An integer under a name
 // that suggests a kind ("meshIndex") counts for that kind, under any other name for all kinds.

@@ -127,6 +127,24 @@ TEST(Json, NamesThatLookAlikeStayApart) {
     EXPECT_EQ(at(2, "abc"), 0U);
 }
 
+TEST(Json, NamesThatDifferInOneCharacterStayApart) {
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrst";
+    for (std::size_t size = 1; size <= kLetters.size(); ++size) {
+        const std::string name(kLetters.substr(0, size));
+        JsonTree tree;
+        Json object = JsonTree::MakeObject();
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = name;
+            other[at] = '_';
+            tree.Member(object, other) = tree.MakeIndex(at);
+        }
+        EXPECT_EQ(object.Members().size(), size);
+        EXPECT_EQ(object.Find(name), nullptr) << size;
+        for (std::size_t at = 0; at < size; ++at)
+            EXPECT_EQ(*object.Find(object.Members()[at].Name())->Index(), at) << size;
+    }
+}
+
 TEST(Json, EditsGrowAndFilterInOrder) {
     JsonTree tree;
     Json array = JsonTree::MakeArray(), object = tree.Build(R"({"a":1,"b":2})");

@@ -76,6 +76,41 @@ TEST(References, ThoseOfAKindAreThatKindsAmongAll) {
     EXPECT_GT(all[Ordinal(Kind::kAccessor)].size(), 5U);
 }
 
+// A walk passes by what has no extensions, which edits must not make it miss.
+TEST(References, ExtensionsAddedByEditsAreSeen) {
+    constexpr std::string_view kScene =
+        R"({"asset":{"version":"2.0"},"nodes":[{"name":"plain"},{"name":"other"}],
+        "extensions":{"KHR_lights_punctual":{"lights":[{"type":"point"},{"type":"point"}]}}})";
+    constexpr std::string_view kExtensions = R"({"KHR_lights_punctual":{"light":1},"ODD_x":{"mesh":0}})";
+    const auto expectSeen = [](Document& document, const std::string& node) {
+        EXPECT_EQ(Targets(document, Kind::kLight),
+                  (std::map<std::string, std::string>{
+                      {"/nodes/" + node + "/extensions/KHR_lights_punctual/light", "1"}}));
+        ASSERT_EQ(OpaqueReferences(document).uses.size(), 1U);
+        EXPECT_EQ(OpaqueReferences(document).uses[0].place, "/nodes/" + node + "/extensions/ODD_x");
+    };
+
+    Document changed = test::FromText(kScene);
+    changed.Tree().Member(changed.Elements(Kind::kNode)[1], "extensions") = changed.Tree().Build(kExtensions);
+    expectSeen(changed, "1");
+
+    const std::string node = R"({"extensions":)" + std::string(kExtensions) + "}";
+    Document built = test::FromText(kScene);
+    built.Append(Kind::kNode, built.Tree().Build(node));
+    expectSeen(built, "2");
+
+    Document copied = test::FromText(kScene);
+    JsonTree other;
+    copied.Append(Kind::kNode, copied.Tree().Clone(other.Build(node)));
+    expectSeen(copied, "2");
+
+    // Read again, it is passed by again where it has none.
+    Document read = test::FromText(WriteJson(copied.Root(), false));
+    expectSeen(read, "2");
+    EXPECT_TRUE(read.Tree().NotesExtensions());
+    EXPECT_FALSE(read.Elements(Kind::kNode)[0].HoldsExtensions());
+}
+
 TEST(References, RemovingNodesMendsWhatStays) {
     Document document = test::Sample();
     RemoveElements(document, Only(Kind::kNode, {1, 2, 3}));
