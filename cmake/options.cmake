@@ -20,15 +20,10 @@ endif()
 if(ZR_SANITIZE)
   target_compile_options(zr_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=${ZR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1>)
-  # Some fifty programs are linked, each of all that it tests. Compressed and in a place of their own they take a third
-  # of the room; a fast linker takes a third of the time.
+  # Each test program holds all that it tests: compressed and in a place of its own, it takes a third of the room.
   target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-gz>)
   target_link_options(zr_options INTERFACE
     -fsanitize=${ZR_SANITIZE} -gz $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-no-pie>)
-  find_program(ZR_MOLD mold)
-  if(ZR_MOLD)
-    target_link_options(zr_options INTERFACE -fuse-ld=mold)
-  endif()
   # A library lists its objects, which stay where they are, instead of holding them again.
   set(CMAKE_CXX_ARCHIVE_CREATE "<CMAKE_AR> qc --thin <TARGET> <LINK_FLAGS> <OBJECTS>")
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
