@@ -65,10 +65,18 @@ public:
         ++m_channelCount;
     }
 
+    // The finger's triangle at these places of the finger's space.
+    void DrawFingerAt(const std::vector<float>& places) {
+        m_instances = Join(R"("extensions": {"EXT_mesh_gpu_instancing": {"attributes": {"TRANSLATION": )",
+                           Add("VEC3", places), "}}}, ");
+    }
+
     gltf::Document Load() const {
+        std::string nodes = kNodes;
+        nodes.insert(nodes.find(R"("mesh": 0)"), m_instances);
         const std::string json =
             Join(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0, 4, 5]}], "nodes": [)",
-                 kNodes,
+                 nodes,
                  R"(], "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]},
             {"primitives": [{"attributes": {"POSITION": 0}, "targets": [{"POSITION": 0}]}]}],
             "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 0.1}}],
@@ -79,7 +87,7 @@ public:
     }
 
 private:
-    std::string m_bin, m_accessors, m_views, m_samplers, m_channels;
+    std::string m_bin, m_accessors, m_views, m_samplers, m_channels, m_instances;
     std::size_t m_count = 0, m_channelCount = 0;
 };
 
@@ -169,6 +177,20 @@ TEST(ReduceKeys, KeysNearTheRootStayTruerThanThoseNearTheEnd) {
     gltf::Document reduced = scene.Load();
     ReduceKeys(reduced, {.tolerance = {1e-2, 1e-3, 0}});
     EXPECT_GT(Keys(reduced, 0), Keys(reduced, 3));
+}
+
+TEST(ReduceKeys, InstancesCountWhereTheyAreDrawn) {
+    std::size_t keys[2];
+    for (const bool isFar : {false, true}) {
+        Scene scene;
+        scene.Animate(3, "rotation", Swing(1.5));
+        if (isFar) scene.DrawFingerAt({50, 0, 0, 0, 0, 0});
+        const gltf::Document given = scene.Load();
+        gltf::Document reduced = scene.Load();
+        keys[isFar ? 1 : 0] = ReduceKeys(reduced, {.tolerance = {1e-2, 1e-3, 0}}).keysAfter;
+        EXPECT_TRUE(Compared(given, reduced, 1e-2, 1e-3).IsSame()) << isFar;
+    }
+    EXPECT_GT(keys[1], 2 * keys[0]);
 }
 
 TEST(ReduceKeys, CamerasKeepTheirDirectionAndValuesTheirTolerance) {
