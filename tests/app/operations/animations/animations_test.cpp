@@ -147,6 +147,8 @@ TEST_F(AnimationCommandTest, MatchesNodesOfRigsThatDiffer) {
     const NodePartners paired =
         MatchByPairs(from.Scene(), to.Scene(), {{"/body", "/root/body"}, {"body", "left arm"}});
     EXPECT_EQ(paired.at(from.Node(0)), to.Node(3));
+    EXPECT_EQ(MatchByPairs(from.Scene(), to.Scene(), {{"body", "shoulder"}}),
+              (NodePartners{{from.Node(0), to.Node(2)}}));
     EXPECT_EQ(BringAnimations(from, to, named).withoutPartner, (Names{"/body/arm", "/body/arm"}));
     for (const NodePairs& pairs : {NodePairs{{"arm", "body"}}, NodePairs{{"body", "head"}}})
         EXPECT_THROW(MatchByPairs(from.Scene(), to.Scene(), pairs), std::runtime_error);
