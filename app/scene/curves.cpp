@@ -137,18 +137,20 @@ std::array<float, 4> Sample(const kernix::TransformTrack& track, int keyType, fl
 // Adds samples of the piece between two keys until the straight lines between them lie close enough.
 void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, float from, float to,
             float tolerance) {
+    using Value = std::array<float, 4>;
     struct Piece {
         float from, to;
+        Value first, last;
         int depth;
     };
     constexpr int kDeepest = 10;  // 1024 pieces
-    std::vector<Piece> open{{from, to, 0}};
+    const auto sample = [&](float time) { return Sample(track, keyType, time); };
+    std::vector<Piece> open{{from, to, sample(from), sample(to), 0}};
     while (!open.empty()) {
         const Piece piece = open.back();
         open.pop_back();
         const float middle = piece.from + (piece.to - piece.from) / 2;
-        const auto a = Sample(track, keyType, piece.from), b = Sample(track, keyType, piece.to),
-                   m = Sample(track, keyType, middle);
+        const Value &a = piece.first, &b = piece.last, m = sample(middle);
         const std::size_t width = WidthOf(keyType);
         float off = 0;
         for (std::size_t i = 0; i < width; ++i) off = std::max(off, std::abs(m[i] - (a[i] + b[i]) / 2));
@@ -161,8 +163,8 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
             }
             continue;
         }
-        open.push_back({middle, piece.to, piece.depth + 1});
-        open.push_back({piece.from, middle, piece.depth + 1});
+        open.push_back({middle, piece.to, m, b, piece.depth + 1});
+        open.push_back({piece.from, middle, a, m, piece.depth + 1});
     }
 }
 
