@@ -85,7 +85,7 @@ private:
     static constexpr std::uint64_t kTypeMask = (1U << kTypeBits) - 1;
     static constexpr std::uint64_t kLongText = (1U << kSizeBits) - 1;  // the content is a std::string_view
 
-    // Containers have no size of a text.
+    // Of a container, in place of a text's size: see HoldsExtensions.
     static constexpr std::uint64_t kExtended = std::uint64_t{1} << kTypeBits;
 
     // Nearly all numbers are few digits, which the word itself holds as a whole number, with the sign and how
