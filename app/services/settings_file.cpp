@@ -53,6 +53,7 @@ SettingsFile::SettingsFile(const std::filesystem::path& file) {
     if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
 
     const std::string name = PathToUtf8(file);
+    constexpr std::size_t kShown = 40;  // characters of a fault; the file may be anything
     std::string section;
     for (int number = 1; !text.empty(); ++number) {
         const std::size_t size = text.find('\n');
@@ -68,7 +69,11 @@ SettingsFile::SettingsFile(const std::filesystem::path& file) {
         const std::string_view key = Stripped(line.substr(0, equals)),
                                value = Stripped(line.substr(equals + 1));
         const std::optional<double> wanted = ParseNumber(value);
-        if (!wanted) throw Error(name, "", Join("[", section, "] ", key, " is not a number: ", value));
+        if (!wanted) {
+            throw Error(name, "",
+                        Join("[", section.substr(0, kShown), "] ", key.substr(0, kShown),
+                             " is not a number: ", value.substr(0, kShown)));
+        }
         m_values[Folded(Join(section, "\\", key))] = *wanted;
     }
 }

@@ -100,9 +100,10 @@ private:
         Values slope(curve.Width());
         if (curve.interpolation == vl::zr::kInterpolationStep) return slope;
         const double seconds = double{curve.times[key + 1]} - double{curve.times[key]};
-        for (std::size_t i = 0; i < slope.size(); ++i)
-            slope[i] =
-                static_cast<float>((double{curve.Value(key + 1)[i]} - double{curve.Value(key)[i]}) / seconds);
+        for (std::size_t i = 0; i < slope.size(); ++i) {
+            const double from = curve.Value(key)[i], to = curve.Value(key + 1)[i];
+            slope[i] = static_cast<float>((to - from) / seconds);
+        }
         return slope;
     }
 

@@ -42,6 +42,7 @@ TEST_F(SettingsFileTest, FindsSettingsByPath) {
 TEST_F(SettingsFileTest, SaysWhatIsWrong) {
     EXPECT_EQ(Error(Write("[anim]\nmergekeys=1\nwhat is this\n")), ": line 3 is not a setting");
     EXPECT_EQ(Error(Write("[anim]\nmergekeys=yes\n")), ": [anim] mergekeys is not a number: yes");
+    EXPECT_LT(Error(Write("[anim]\nmergekeys=" + std::string(10000, 'x'))).size(), 200U);
     EXPECT_EQ(Error(Write(std::string(2 << 20, ';'))), ": is larger than the 1048576 bytes that may be read");
     EXPECT_EQ(Error("/nowhere/settings.ini"), ": cannot be opened: No such file or directory");
     EXPECT_EQ(Error(testing::TempDir()), ": cannot be read: Is a directory");
