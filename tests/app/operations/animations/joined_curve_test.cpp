@@ -16,12 +16,11 @@ using vl::zr::kInterpolationCubic;
 using vl::zr::kInterpolationLinear;
 using vl::zr::kInterpolationStep;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 float Before(float time) {
-    return std::nextafter(time, -kInfinity);
+    return std::nextafter(time, -std::numeric_limits<float>::infinity());
 }
 float After(float time) {
-    return std::nextafter(time, kInfinity);
+    return std::nextafter(time, std::numeric_limits<float>::infinity());
 }
 
 Curve Sequence(const std::vector<Stretch>& stretches, const std::optional<Values>& rest = Values{0}) {
