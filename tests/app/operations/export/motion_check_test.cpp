@@ -65,6 +65,20 @@ TEST(MotionCheck, FindsTheGreatestDistance) {
     }
 }
 
+// The check of an export that writes these two positions, at 0 and 1 s, in place of the track's.
+MotionReport CheckOtherPositions(LoadedScene& loaded, kernix::AnimationModel* animation,
+                                 kernix::TransformTrack& track, const ExportOptions& options,
+                                 std::vector<float> positions) {
+    const Tool records = RunTool(TheHost(), loaded, animation, options);
+    track.ForgetObjects();
+    ReplacedKeys replaced;
+    replaced[&track][0] = Curve{{}, {0, 1}, std::move(positions)};
+    MotionReport report;
+    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
+                report);
+    return report;
+}
+
 TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     std::string nodes = R"({"name": "top", "children": [1)";
     for (int i = 2; i <= 40000; ++i) nodes += "," + std::to_string(i);
@@ -76,13 +90,7 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     auto* track = loaded.Node(39000)->AddTransformController()->AddTransformTrack(animation);
     track->SetCurve(vl::zr::kKeyPosition, kernix::StoredCurve({{}, {0, 1}, {1, 0, 0, 1, 0, 0}}));
     ExportOptions options;
-    const Tool records = RunTool(TheHost(), loaded, animation, options);
-    track->ForgetObjects();
-    ReplacedKeys replaced;
-    replaced[track][0] = Curve{{}, {0, 1}, {1, 0, 5, 1, 0, 5}};
-    MotionReport report;
-    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
-                report);
+    const MotionReport report = CheckOtherPositions(loaded, animation, *track, options, {1, 0, 5, 1, 0, 5});
     EXPECT_NEAR(report.deviation, 5, 1e-6);
 }
 
@@ -99,13 +107,7 @@ TEST(MotionCheck, OfEqualDistancesNamesTheFirst) {
     track->SetCurve(vl::zr::kKeyPosition, kernix::StoredCurve({{}, {0, 1}, {0, 0, 0, 0, 10, 0}}));
     ExportOptions options;
     options.check = MotionCheck::kThorough;
-    const Tool records = RunTool(TheHost(), loaded, animation, options);
-    track->ForgetObjects();
-    ReplacedKeys replaced;
-    replaced[track][0] = Curve{{}, {0, 1}, {0, 0, 5, 0, 10, 5}};
-    MotionReport report;
-    CheckMotion(loaded, records, options, Clips(loaded.Scene(), {}), {{animation, 1, 0}}, replaced, {},
-                report);
+    const MotionReport report = CheckOtherPositions(loaded, animation, *track, options, {0, 0, 5, 0, 10, 5});
     EXPECT_EQ(report.deviation, 5);
     EXPECT_EQ(report.time, 0);
     EXPECT_EQ(report.node, "lift");
