@@ -34,7 +34,7 @@ double SizeOf(const ScenePair& pair) {
         if (pair.evaluatorA.Shown()[node]) widen(pair.evaluatorA.World(node).origin);
     for (const Part& part : pair.drawnA.Parts()) {
         const std::vector<double> vertices = pair.drawnA.Vertices(part);
-        const std::size_t stride = part.shape->Stride();
+        const std::size_t stride = part.shape->stride;
         for (std::size_t i = 0; stride > 0 && i < vertices.size(); i += stride)
             widen({vertices[i], vertices[i + 1], vertices[i + 2]});
     }

@@ -138,6 +138,7 @@ Primitive Read(const gltf::Document& document, const Json& primitive) {
         return std::make_tuple(a.role != Role::kPosition, a.name) <
                std::make_tuple(b.role != Role::kPosition, b.name);
     });
+    for (const Attribute& attribute : shape.attributes) shape.stride += attribute.width;
     shape.vertices = shape.attributes.front().values.size() / 3;
     std::vector<std::uint32_t> order(shape.vertices);
     std::iota(order.begin(), order.end(), 0U);
@@ -154,12 +155,6 @@ std::string Primitive::Layout() const {
     std::string layout = corners == 1 ? "points" : corners == 2 ? "lines" : "triangles";
     for (const Attribute& attribute : attributes) layout += Join(" ", attribute.name, ":", attribute.width);
     return layout;
-}
-
-std::size_t Primitive::Stride() const {
-    std::size_t stride = 0;
-    for (const Attribute& attribute : attributes) stride += attribute.width;
-    return stride;
 }
 
 Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) : m_evaluator(evaluator) {
@@ -272,7 +267,7 @@ std::vector<Affine> Drawn::JointWorlds(const Part& part) const {
 
 std::vector<double> Drawn::Vertices(const Part& part) const {
     const Primitive& shape = *part.shape;
-    const std::size_t stride = shape.Stride();
+    const std::size_t stride = shape.stride;
     std::vector<double> out(shape.vertices * stride);
     const std::vector<double> morph = m_evaluator.Weights(part.node);
     const Affine placed = m_evaluator.World(part.node) * part.instance;

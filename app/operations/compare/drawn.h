@@ -30,13 +30,13 @@ struct Primitive {
     std::size_t vertices = 0;
     std::vector<std::uint32_t> faces;   // corners, face after face
     std::vector<Attribute> attributes;  // by name, the position first
+    std::size_t stride = 0;             // numbers of a vertex: the widths of all attributes
     std::vector<std::uint32_t> joints;  // of influences: `influences` a vertex
     std::vector<float> weights;         // the same
     std::size_t influences = 0;
     bool isRead = true;  // its data is stored so that it can be read
 
     std::string Layout() const;  // "triangles POSITION:3 NORMAL:3"; equal for comparable vertices
-    std::size_t Stride() const;  // numbers of a vertex
 };
 
 // One primitive as a node draws it, or one instance of it.
@@ -62,7 +62,7 @@ public:
     // Faces of all parts.
     std::size_t Faces() const;
 
-    // The vertices of a part in world space in the evaluator's current pose, Stride() numbers each, in the
+    // The vertices of a part in world space in the evaluator's current pose, `stride` numbers each, in the
     // order of the attributes. Normals and tangents have unit length.
     std::vector<double> Vertices(const Part& part) const;
 

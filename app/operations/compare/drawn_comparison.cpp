@@ -27,7 +27,7 @@ struct Faces {
     const Primitive& Shape(const Face& face) const { return *parts[face.part]->shape; }
     const double* Corner(const Face& face, std::size_t corner) const {
         const Primitive& shape = Shape(face);
-        return vertices[face.part].data() + shape.faces[face.first + corner] * shape.Stride();
+        return vertices[face.part].data() + shape.faces[face.first + corner] * shape.stride;
     }
 };
 
