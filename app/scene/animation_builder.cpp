@@ -82,7 +82,8 @@ void AnimationBuilder::Build() {
             const Json& channel = channels->Items()[k];
             const Json& sampler = animations[i].Find("samplers")->Items()[IndexMember(channel, "sampler")];
             Goal goal = GoalOf(*channel.Find("target"));
-            // What moves nothing that is known keeps time with the rest where the whole document changes.
+            // When the whole document changes, the keys of a channel without a known target stay in time with
+            // the rest.
             std::string place;
             if (goal.path.empty() && m_parts.layout.isWhole)
                 goal = {kNone, place = Join("/animations/", i, "/channels/", k)};
@@ -125,8 +126,8 @@ bool AnimationBuilder::Channel(std::size_t animation, std::size_t channel, const
     return true;
 }
 
-// The controller stands at what it moves: a node for its weights, a material, or the first node that shows
-// the camera, light or mesh. Where nothing in the scene does: at the first node of a whole document, all of
+// The controller belongs to what it animates: a node for its weights, a material, or the first node that
+// shows the camera, light or mesh. If nothing in the scene does: the first node of a whole document, all of
 // whose animations play, else null.
 kernix::SampledControllerModel* AnimationBuilder::SampledController(const Goal& goal) {
     const std::string target =

@@ -12,26 +12,28 @@
 
 namespace zr {
 
-// Makes controllers and tracks of the document's animations.
+// Builds controllers and tracks from the document's animations.
 class AnimationBuilder {
 public:
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
     AnimationBuilder(const gltf::Document& document, DocumentCurves& curves, SceneParts& parts,
                      ContentIds& ids)
         : m_document(document), m_curves(curves), m_parts(parts), m_ids(ids) {}
 
     // Reads which node each channel moves, before the nodes exist.
     void NoteMotions();
-    // How a node moves. For two nodes at the same place at rest, equal only when they stay together at any
-    // time of any animation. parent: the node's parent, or kNone.
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    // Describes how a node moves; empty if it does not. Two nodes at the same place at rest have equal
+    // descriptions only if they coincide at every time of every animation. Call for parents before their
+    // children. parent: the node's parent, or kNone.
     std::string Motion(std::size_t node, std::size_t parent);
 
     void Build();
 
 private:
     struct Goal {
-        std::size_t node = kNone;  // of transforms and weights
-        std::string_view path;     // translation, rotation, scale, weights; else a pointer
+        std::size_t node = kNone;  // for transforms and weights
+        std::string_view path;     // translation, rotation, scale or weights; else a pointer
     };
 
     static Goal GoalOf(const gltf::Json& target);
@@ -45,8 +47,8 @@ private:
     SceneParts& m_parts;
     ContentIds& m_ids;
     std::unordered_map<std::size_t, std::string> m_motions;  // of nodes with channels
-    std::unordered_map<std::size_t, std::size_t>
-        m_movingAbove;  // nearest node, from the node on up, that moves
+    // The nearest moving node at or above each node.
+    std::unordered_map<std::size_t, std::size_t> m_movingAbove;
     std::unordered_map<std::string, kernix::SampledControllerModel*> m_sampled;
     std::map<std::pair<gltf::Kind, std::size_t>, kernix::NodeModel*> m_showing;
 };

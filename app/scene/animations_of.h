@@ -7,7 +7,7 @@
 
 namespace zr {
 
-// The animations that the scene lists, in their order.
+// The scene's animations, in list order.
 inline std::vector<kernix::AnimationModel*> AnimationsOf(kernix::SceneModel& scene) {
     std::vector<kernix::AnimationModel*> animations;
     for (auto* animation : vl::ArrayOf<vl::zr::Animation*>(scene.m_pAnimations)) {

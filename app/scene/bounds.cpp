@@ -32,7 +32,7 @@ M World(kernix::NodeModel& node) {
     return world;
 }
 
-// The transform of the node's object: a pivot of the object alone offsets it.
+// The world transform of the node's object, which an object-only pivot offsets.
 M ObjectWorld(kernix::NodeModel& node) {
     M world;
     world.IdentityMatrix();
@@ -47,7 +47,7 @@ M ObjectWorld(kernix::NodeModel& node) {
     return world;
 }
 
-// A skinned vertex lies between the positions that its joints give it.
+// A skinned vertex lies in the convex hull of the positions that its joints give it.
 void WidenBySkin(const LoadedScene& loaded, const Json& skin, const Bounds& box, Bounds& bounds) {
     const gltf::Document& document = loaded.Document();
     const std::size_t none = document.Elements(Kind::kAccessor).size();

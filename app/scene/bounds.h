@@ -15,12 +15,12 @@ struct Bounds {
 
     bool IsEmpty() const { return !(low.x <= high.x); }
     void Widen(const vl::Vector3<double>& point);
-    // Holds all of `box` after the transform.
+    // Widens the box to contain all of `box` transformed by `m`.
     void Widen(const Bounds& box, const vl::Matrix4<double>& m);
 };
 
-// Contains every vertex of the scene's meshes at rest, skinned ones as their joints place them. May be too
-// large, since corners of boxes stand in for vertices. Ignores morph targets and instances.
+// Contains every vertex of the scene's meshes at rest, skinned ones as their joints place them. Conservative:
+// transforms corners of boxes instead of vertices. Ignores morph targets and instances.
 Bounds BoundsAtRest(const LoadedScene& loaded);
 
 }  // namespace zr

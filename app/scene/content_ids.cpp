@@ -14,7 +14,7 @@ using gltf::Kind;
 
 namespace {
 
-// The stored bytes of a value: blocks of one size at equal distances, and how to read them.
+// The stored bytes of an element: equally sized blocks at a constant stride, and their format.
 struct Blocks {
     const std::byte* first = nullptr;
     std::size_t size = 0;
@@ -51,7 +51,7 @@ struct Blocks {
                 if (fine.Block(i) != coarse.Block(i)) return false;
             return true;
         }
-        // Equal content has blocks of equal size, or is one block of them all.
+        // Counts differ only if the coarse one is a single block of all elements.
         const std::string_view all = coarse.Block(0);
         for (std::size_t i = 0; i < fine.count; ++i)
             if (fine.Block(i) != all.substr(i * fine.size, fine.size)) return false;
@@ -59,7 +59,7 @@ struct Blocks {
     }
 };
 
-// Nothing for what equals only itself.
+// Nothing for an accessor that equals only itself.
 std::optional<Blocks> AccessorBlocks(const gltf::Document& document, std::size_t index) {
     const Json& accessor = document.Elements(Kind::kAccessor)[index];
     const auto supplied = document.SuppliedBytes(index);
@@ -119,7 +119,7 @@ std::uint32_t ContentIds::Accessor(std::size_t index) {
                   [&](std::size_t accessor) { return AccessorBlocks(m_document, accessor); });
 }
 
-// Members in any order, the name aside, with what they refer to in place of indices.
+// Ignores the name and the order of members; content takes the place of indices.
 std::uint32_t ContentIds::Resolved(std::string_view kind, const Json& element) {
     std::vector<std::string> parts;
     for (const gltf::JsonMember& member : element.Members()) {

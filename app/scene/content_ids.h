@@ -13,8 +13,8 @@
 
 namespace zr {
 
-// Gives equal content equal numbers, exactly: two elements of a kind have one number only when they are the
-// same byte for byte, whatever their indices and names.
+// Numbers content: two elements of a kind get the same number only if they are equal byte for byte, whatever
+// their indices and names.
 class ContentIds {
 public:
     explicit ContentIds(const gltf::Document& document);

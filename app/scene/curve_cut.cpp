@@ -19,7 +19,7 @@ void Append(Curve& curve, float time, const Key& key) {
     curve.values.insert(curve.values.end(), key.begin(), key.end());
 }
 
-// Value and slope inside a cubic piece: cut there, both halves are the same curve.
+// The key that splits a cubic segment without changing the curve.
 Key WithinCubic(const Curve& curve, std::size_t next, float time, bool isRotation) {
     const std::size_t width = curve.Width();
     const float *a = curve.Value(next - 1), *b = curve.Value(next);
@@ -32,7 +32,7 @@ Key WithinCubic(const Curve& curve, std::size_t next, float time, bool isRotatio
         slope[i] = (6 * s2 - 6 * s) * (from - to) / span + (3 * s2 - 4 * s + 1) * out + (3 * s2 - 2 * s) * in;
     }
     if (isRotation) {
-        // The curve turns as its values do once they are brought to unit length.
+        // The curve shows the normalised values, so the slopes are those of the normalised curve.
         double square = 0, along = 0;
         for (std::size_t i = 0; i < width; ++i) square += value[i] * value[i], along += value[i] * slope[i];
         const double length = square > 0 ? std::sqrt(square) : 1;
@@ -49,13 +49,13 @@ Key WithinCubic(const Curve& curve, std::size_t next, float time, bool isRotatio
     return key;
 }
 
-// The slopes of a curve that stays where it is.
+// Sets both slopes to 0.
 void Level(Key& key) {
     std::fill_n(key.begin(), key.size() / 3, 0.0F);
     std::fill_n(key.end() - static_cast<std::ptrdiff_t>(key.size() / 3), key.size() / 3, 0.0F);
 }
 
-// A key alone has no slopes.
+// A single key has no slopes, so a curve of one key is linear.
 Curve Posed(Curve curve) {
     if (!curve.IsCubic()) return curve;
     const float* value = curve.Value(0);
@@ -73,8 +73,7 @@ bool TurnsAlike(const Curve& a, const Curve& b, float from, float to) {
     return true;
 }
 
-// Appends keys between the last one of the part and the given one, then this, so that the piece turns as the
-// whole curve does.
+// Appends the given key, preceded by as many keys as the new piece needs to turn as the whole curve does.
 void AppendTurn(Curve& part, const Curve& whole, float to, const Key& last) {
     struct End {
         float time;

@@ -67,7 +67,7 @@ KeyView VectorView(const Key& key) {
     return Described(key, {key.m_value.x, key.m_value.y, key.m_value.z});
 }
 
-// shown: the orientation of the key before, from which an angle-axis key is a step; then this key's.
+// shown: the previous key's orientation, to which an angle-axis key is relative; becomes this key's.
 KeyView RotationView(kernix::RotationKeyModel& key, kernix::Rotation& shown) {
     const bool isStep = key.GetRotationType() == vl::zr::kRotationAngleAxis;
     vl::Quaternion q;
@@ -134,7 +134,7 @@ std::array<float, 4> Sample(const kernix::TransformTrack& track, int keyType, fl
     return {static_cast<float>(value[0]), static_cast<float>(value[1]), static_cast<float>(value[2]), 0};
 }
 
-// Adds samples of the piece between two keys until the straight lines between them lie close enough.
+// Samples the curve between two keys until the chords lie within the tolerance.
 void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, float from, float to,
             float tolerance) {
     using Value = std::array<float, 4>;
@@ -169,7 +169,7 @@ void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, floa
 }
 
 // Adjusts a rotation that is about a half turn away from another one by less than a millionth of a turn, so
-// that no rounding, here or in a reader, makes interpolation go the other way round.
+// that no rounding, here or in a reader, reverses the direction of interpolation.
 void KeepWay(const float (&from)[4], float (&to)[4]) {
     constexpr double kMargin = 0x1p-22;
     constexpr double kNearHalfTurn = 1e-6;  // beyond, a step of more than half a turn is meant

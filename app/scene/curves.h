@@ -14,16 +14,16 @@ namespace zr {
 using kernix::Curve;
 using kernix::kKeyTypes;
 
-// Numbers of a value of the key type: 4 for rotations, else 3.
+// The components of a value of the key type: 4 for rotations, else 3.
 std::size_t WidthOf(int keyType);
 
 // Whether the sampler's data can be read.
 bool IsReadable(const gltf::Document& document, const gltf::Json& sampler);
-// The interpolation of the sampler.
 vl::zr::KeyInterpolation InterpolationOf(const gltf::Json& sampler);
+// The curve of a sampler whose data can be read.
 Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
-// Moves orientations that are half a turn on from the one before by less than a millionth of a turn, so that
-// no rounding makes the way to them lead round the other side.
+// Adjusts each rotation that is about half a turn from its predecessor by less than a millionth of a turn, so
+// that rounding cannot reverse the direction of interpolation. Leaves cubic curves alone.
 void KeepWays(Curve& rotations);
 
 // Adds curves to a document. Equal key times are stored once.
@@ -43,17 +43,17 @@ private:
 // Adds a curve's keys to a track.
 void PutKeys(kernix::TransformTrack& track, int keyType, const Curve& curve);
 
-// Keys that share a time, or that mapping brought together, go on by the smallest step that a float can make.
+// Moves every key that is not later than its predecessor to the next representable time after it.
 void MakeAscending(Curve& curve);
 
 // A track's keys as a curve. Keys of different interpolations are baked.
 Curve KeysOf(const kernix::TransformTrack& track, int keyType);
 
-// Packs keys that exist as separate objects again.
+// Packs keys that exist as separate objects into curves again.
 void PackKeys(kernix::TransformTrack& track);
 
-// The keys as a linear curve, whatever their interpolation: a step becomes two adjacent keys; cubic pieces
-// are sampled to within a hundred thousandth of the values' range.
+// The keys as a linear curve, whatever their interpolation: a step becomes two adjacent keys; cubic segments
+// are sampled to within 1e-5 of the greatest absolute value, or of 1 if that is smaller.
 Curve BakedKeys(const kernix::TransformTrack& track, int keyType);
 
 }  // namespace zr

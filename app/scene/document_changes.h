@@ -16,12 +16,12 @@
 
 namespace zr {
 
-// What a new channel moves.
+// The property of a node that a new channel animates.
 struct NodeGoal {
     std::size_t node;
-    std::string_view path;  // "translation", "rotation", "scale", "weights"; of static life
+    std::string_view path;  // "translation", "rotation", "scale", "weights"; static storage
 };
-using Goal = std::variant<NodeGoal, std::string>;  // or a pointer
+using Goal = std::variant<NodeGoal, std::string>;  // or a JSON pointer
 
 // A channel of the document that gets another curve; a curve without keys removes it.
 struct ChangedChannel {
@@ -39,10 +39,10 @@ struct NewChannel {
 
 struct ChangedViewport {
     bool stays = true;
-    std::vector<std::size_t> animations;  // that it plays
+    std::vector<std::size_t> animations;  // to play
 };
 
-// A transform in parts where these can express it, else as a matrix, column by column.
+// A transform as translation, rotation and scale where these can express it, else as a column-major matrix.
 struct TransformParts {
     std::array<float, 3> translation;
     std::array<float, 4> rotation;
@@ -52,20 +52,20 @@ using NodeTransform = std::variant<TransformParts, std::array<float, 16>>;
 
 struct ChangedNode {
     std::size_t index;
-    std::unique_ptr<const NodeTransform> transform;  // null: as it is
-    std::optional<std::string> name;                 // empty: no name
+    std::unique_ptr<const NodeTransform> transform;  // null: unchanged
+    std::optional<std::string> name;                 // nothing: unchanged; empty: no name
     std::vector<std::size_t> children;
     std::optional<std::size_t> target;  // what its camera or light aims at
     bool dropsPivots = false;           // and its object's offset
 };
 
-// Members of a node (moved_members.h) that it loses.
+// Members (moved_members.h) to remove from a node.
 struct DroppedMembers {
     std::size_t node;
     std::span<const std::string_view> members;
 };
 
-// What a node shows, from one node to another.
+// An object that moves from one node to another.
 struct MovedObject {
     std::size_t from;
     std::size_t to;
@@ -84,16 +84,15 @@ struct SceneRoots {
     std::vector<std::size_t> nodes;
 };
 
-// The new list of nodes of a document.
+// Changes to a document's nodes.
 struct ChangedNodes {
     std::vector<ChangedNode> nodes;
     std::vector<DroppedMembers> dropped;
-    std::vector<MovedObject> movedObjects;  // what is left then
+    std::vector<MovedObject> movedObjects;  // after the drops
     std::vector<SceneRoots> roots;
     std::vector<std::pair<std::size_t, std::size_t>> movedJoints;  // of skins: from node to node
     std::vector<NewCamera> cameras;
-    bool exchangesAxes =
-        false;  // Y and Z of what the nodes show, as the nodes' transforms have them exchanged
+    bool exchangesAxes = false;  // the transforms have Y and Z exchanged; the objects are to follow
 };
 
 // All changes to a document. Indices refer to the document before the changes; new elements follow the
@@ -101,17 +100,17 @@ struct ChangedNodes {
 struct DocumentChanges {
     std::vector<std::pair<std::size_t, std::string>> materialNames;
     std::optional<ChangedNodes> nodes;
-    double lengthScale = 1;                    // of lengths of the world that nodes do not reach
-    std::vector<std::size_t> mergedMaterials;  // what each material is then; empty: all stay themselves
-    std::vector<std::size_t> droppedExtras;    // of nodes
+    double lengthScale = 1;                    // see ScaleLengths
+    std::vector<std::size_t> mergedMaterials;  // the material that replaces each; empty: no merge
+    std::vector<std::size_t> droppedExtras;    // nodes that lose theirs
     std::vector<ChangedChannel> changedChannels;
     std::vector<std::string> newAnimations;  // their names
     std::vector<NewChannel> newChannels;
     std::vector<bool> keptLayers;            // empty: all
     std::vector<ChangedViewport> viewports;  // empty: as they are
     gltf::Removal removal;
-    bool force = false;  // removes elements even where something that cannot be followed could refer to them
-    bool takesWhatItLeaves = false;  // what nothing refers to any more after the changes goes too
+    bool force = false;  // removes elements even if a reference that cannot be followed could name them
+    bool takesWhatItLeaves = false;  // also removes what the changes leave unreferenced
 };
 
 }  // namespace zr

@@ -26,12 +26,12 @@ private:
     struct Floats {
         std::uint32_t accessor;
         std::uint32_t count;  // elements
-        const float* stored;  // in the document; null where they have another form
+        const float* stored;  // in the document; null if stored in another format
     };
     struct Sampler {
         Floats input;
         Floats output;
-        std::uint8_t width;  // numbers of an element of the output
+        std::uint8_t width;  // components of an output element
         vl::zr::KeyInterpolation interpolation;
     };
 

@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    // Kinds of which the changes may leave elements unreferenced that are to go too.
+    // The kinds of elements that the changes may leave unreferenced, to be removed too.
     gltf::KindSet KindsLeft() const {
         if (!m_changes.takesWhatItLeaves) return {};
         const auto& nodes = m_changes.nodes;
@@ -179,8 +179,7 @@ private:
         }
     }
 
-    // A document that lists no viewports would play everything, so one that lost them all keeps the empty
-    // list.
+    // A document without a list of viewports plays everything, so one that lost them all keeps an empty list.
     void Viewports() {
         const auto& changes = m_changes.viewports;
         if (changes.empty()) return;

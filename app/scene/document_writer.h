@@ -6,8 +6,8 @@
 namespace zr {
 
 // Applies the changes to their document. Throws gltf::Error and, when axes are exchanged and a skin cannot be
-// read, std::runtime_error; the document must not be used afterwards. What kept elements that the changes
-// left unreferenced in the document.
+// read, std::runtime_error; the document must not be used afterwards. Returns the opaque references that kept
+// elements which the changes left unreferenced.
 std::vector<gltf::OpaqueUse> WriteDocument(gltf::Document& document, const DocumentChanges& changes);
 
 }  // namespace zr

@@ -27,7 +27,7 @@ using Transform = std::array<float, 16>;  // column by column
 // Y and Z exchanged.
 constexpr Transform kExchange = {1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
 
-// The same with left and right exchanged as well: the proper rotation that takes -Z to -Y and Y to Z.
+// The same with X negated as well: the proper rotation that takes -Z to -Y and Y to Z.
 constexpr Transform kTurn = {-1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
 
 class ObjectFlipper {
@@ -70,8 +70,8 @@ private:
         return nodes;
     }
 
-    // Exchanges the axes of a node's pivot. Where the object of the node stands: a pivot of the object alone
-    // has no object left at the node and is taken away.
+    // Exchanges the axes of a node's pivot and returns where its object stands. An object-only pivot is
+    // removed, since the node no longer has an object.
     std::array<float, 3> FlipPivot(std::size_t node) {
         Json& json = Element(Kind::kNode, node);
         Json* own = gltf::FindExtension(json, "ZR_scene");
@@ -87,7 +87,7 @@ private:
         return place;
     }
 
-    // Moves members of a node, if it has any of them, to a new child with the transform.
+    // Moves those of the members that the node has, if any, to a new child with the transform.
     std::optional<std::size_t> Split(std::size_t node, std::span<const std::string_view> members,
                                      const Transform& transform) {
         const auto child = SplitMembers(m_document, node, members);
@@ -126,8 +126,8 @@ private:
 
     gltf::Document& m_document;
     JsonTree& m_tree;
-    std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // child that a node's mesh went to
-    std::unordered_map<std::size_t, std::size_t> m_aimNodes;   // the same of its camera or light
+    std::unordered_map<std::size_t, std::size_t> m_meshNodes;  // the child that took a node's mesh
+    std::unordered_map<std::size_t, std::size_t> m_aimNodes;   // likewise for its camera or light
     std::set<std::size_t> m_skins;
 };
 

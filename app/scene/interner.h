@@ -15,7 +15,7 @@ inline std::uint64_t HashOf(std::string_view bytes) {
     return std::hash<std::string_view>()(bytes);
 }
 
-// Numbers found by a hash of the content they stand for, which the caller keeps and compares.
+// A hash table of numbers that stand for content, which the caller keeps and compares.
 class HashIndex {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -56,7 +56,7 @@ private:
         m_slots[at] = slot;
     }
 
-    std::vector<Slot> m_slots;  // a power of two of them, at most half in use
+    std::vector<Slot> m_slots;  // their number is a power of two; at most half are in use
     std::size_t m_count = 0;
 };
 

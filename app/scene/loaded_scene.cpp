@@ -46,7 +46,7 @@ WrittenBack LoadedScene::WriteBackAndCollect() && {
     return {std::move(*m_document), std::move(refusals)};
 }
 
-// The scene may be kept for its memory's sake, but writing needs room of its own.
+// Frees the tables that writing does not use, since writing needs memory of its own.
 void LoadedScene::ReleaseTables() {
     m_parts.layout = {};
     m_parts.nodes = {};

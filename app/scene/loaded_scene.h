@@ -19,25 +19,25 @@
 
 namespace zr {
 
-// Which of the meshes that look alike at one place count as duplicates, so that one is enough.
+// Which of the meshes that look alike at the same place count as duplicates.
 enum class Repeats {
-    kUnseen,   // those without which the scene looks and behaves the same
-    kBlended,  // also blended ones: every further one covers more of what lies behind
+    kUnseen,   // those whose removal changes neither look nor behaviour
+    kBlended,  // also blended ones, each of which covers more of what lies behind
     kAlike,    // also those distinguished by a node above that hides, moves or replaces them
 };
 
-// What a mesh has that a node shows; without it the node shows its camera or light, if it has one.
+// What a mesh needs for its node to show it; otherwise the node shows its camera or light, if it has one.
 enum class Meshes { kAll, kFacesOrLines, kFaces };
 
 struct SceneOptions {
-    // Every scene of the document and what stands outside of any, for what changes the whole document; else
-    // its default scene, or its first, or every root.
+    // Every scene of the document and the nodes outside of any, for operations on the whole document;
+    // otherwise the default scene, or else the first, or else every root.
     bool whole = false;
-    // Why an element (node, material, animation) must stay whatever else holds; empty: it need not.
+    // Returns why an element (node, material, animation) must be kept; empty if it need not be.
     std::function<std::string(const gltf::Json& element)> keep;
     Repeats repeats = Repeats::kUnseen;
     Meshes meshes = Meshes::kAll;
-    // Elements may be removed even where something that cannot be followed could refer to them.
+    // Removes elements even if a reference that cannot be followed could name them.
     bool force = false;
     // Called periodically with progress from 0 to 1; may throw.
     std::function<void(double done)> progress = [](double) {};
@@ -66,15 +66,15 @@ struct SkippedChannel {
     std::string Place() const;  // in the document
 };
 
-// Why an element stays that an operation might otherwise take.
+// An element that operations must keep, and why.
 struct KeptElement {
     gltf::Kind kind;
     std::size_t index;
     std::string reason;  // the place in the document that refers to it, or what SceneOptions::keep says
 };
 
-// What is made from a document. By index in the document unless stated otherwise; null for what is not in the
-// scene.
+// What is built from a document. Lists are indexed as in the document unless stated otherwise; null for what
+// is not in the scene.
 struct SceneParts {
     vl::Ref<kernix::SceneModel> scene;
     NodeLayout layout;
@@ -83,28 +83,28 @@ struct SceneParts {
     std::vector<kernix::AnimationModel*> animations;
     std::vector<LoadedChannel> channels;            // in document order
     std::vector<kernix::LayerModel*> layers;        // in the order of ZR_scene
-    std::vector<kernix::ViewportModel*> viewports;  // the same; empty when the host gave its own
+    std::vector<kernix::ViewportModel*> viewports;  // likewise; empty if the document lists none
     std::vector<std::size_t> extrasNodes;           // nodes whose metadata came from extras
     std::vector<KeptElement> kept;
     std::vector<SkippedChannel> skipped;
     bool sharesTracks = false;               // some channels drive the same property
     bool force = false;                      // SceneOptions::force
-    std::vector<std::uint32_t> nodeIndices;  // of the scene's nodes by their number: in the document
+    std::vector<std::uint32_t> nodeIndices;  // in the document, by the number of a scene's node
 };
 
-// A document that its scene was written back into.
+// A document with the changes of its scene written back.
 struct WrittenBack {
     gltf::Document document;
-    std::vector<gltf::OpaqueUse> refusals;  // why what the changes left unused stays in it
+    std::vector<gltf::OpaqueUse> refusals;  // what kept elements that the changes left unused
 };
 
-// A document and the scene made from it. Nodes, materials and animations carry over one by one; what the
-// scene does not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys
-// are read from the document on first use.
+// A document and the scene made from it. Nodes, materials and animations map one to one; what the scene does
+// not show (textures, other scenes' nodes, unknown extensions) stays in the document alone. Keys are read
+// from the document on first use.
 //
-// A node that something in the document refers to gets a dummy when it shows nothing. A mesh of such a node
-// has a format value of its own: nothing else equals it. Materials that something else than the scene's
-// meshes refers to are not listed unless those use them too, and are never equal to others.
+// A node that something in the document refers to gets a dummy if it shows nothing, and a mesh of such a node
+// has a unique format value, so that no other equals it. A material that anything but the scene's meshes
+// refers to is listed only if they use it too, and equals no other.
 class LoadedScene {
 public:
     explicit LoadedScene(gltf::Document document, const SceneOptions& options = {});
@@ -131,12 +131,12 @@ public:
     const std::vector<KeptElement>& Kept() const { return m_parts.kept; }
     const std::vector<SkippedChannel>& Skipped() const { return m_parts.skipped; }
 
-    // The document with what changed in the scene since it was made: nodes, materials, animations and keys
-    // that went, were merged or were added, metadata that was emptied, layers and viewports. Ends the scene.
-    // Throws gltf::Error, also (unless SceneOptions::force) when an element goes that something which cannot
-    // be followed could refer to.
+    // Returns the document with the changes made to the scene since it was loaded: nodes, materials,
+    // animations and keys removed, merged or added, metadata cleared, layers and viewports. The object must
+    // not be used afterwards. Throws gltf::Error; unless SceneOptions::force is set, also if a reference that
+    // cannot be followed could name a removed element.
     gltf::Document WriteBack() &&;
-    // The same without the data that only what went had used.
+    // Likewise, and removes the data that only removed elements used.
     WrittenBack WriteBackAndCollect() &&;
 
 private:

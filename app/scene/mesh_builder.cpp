@@ -41,8 +41,8 @@ bool IsBlended(const Json& material) {
     return mode != nullptr && mode->String() == "BLEND";
 }
 
-// A mesh stored only in compressed form shows the two corners of its bounds: it has data, and the place of
-// that data decides what it equals.
+// A mesh that is stored only in compressed form is represented by the two corners of its bounds, so that it
+// has data; what it equals is decided by where its data is stored.
 std::vector<float> MeshBuilder::PositionsOf(const Part& part) const {
     if (part.positions == kNone) return {};
     const gltf::Document& document = m_document;
@@ -83,7 +83,7 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     format.push_back(static_cast<std::uint32_t>(targets.size()));
     for (const Json& target : targets) addVertexData(target, {});
     if (part.extensions == nullptr) return format.push_back(kNone);
-    // Compressed data differs by its view unless it is known, materials of variants by what they are.
+    // Compressed data is compared by its view unless it was decoded, materials of variants by their content.
     for (const gltf::JsonMember& extension : part.extensions->Members()) {
         if (extension.Name() == kCompression && !part.isCompressed) continue;
         format.push_back(m_ids.Text(extension.Name()));
@@ -96,7 +96,7 @@ void MeshBuilder::AddFormat(const Part& part, Words& format) {
     }
 }
 
-// Many meshes use the same materials.
+// Meshes that use the same materials share their list.
 void MeshBuilder::SetUses(const std::vector<Part>& parts, Shape& shape) {
     Words key;
     const auto add = [&](std::size_t material) {
@@ -147,8 +147,8 @@ MeshBuilder::Part MeshBuilder::PartOf(const Json& primitive) {
     return part;
 }
 
-// A mesh that shows the same part several times, as hostile ones do by the thousand, holds it once; the
-// repetition becomes part of the format value.
+// A part that a mesh repeats, as hostile ones do by the thousand, is kept once; the repetition becomes part
+// of the format value.
 void MeshBuilder::DropRepeated(std::vector<Part>& parts, Words& format) {
     if (parts.size() < 2) return;
     Interner seen;
@@ -161,13 +161,13 @@ void MeshBuilder::DropRepeated(std::vector<Part>& parts, Words& format) {
     });
 }
 
-// Empty for a part whose positions have to be made.
+// Empty for a part whose positions must be converted.
 std::span<const float> MeshBuilder::StoredPositions(const Part& part) const {
     if (part.positions == kNone || part.isCompressed) return {};
     return gltf::StoredFloats(m_document, part.positionsId);
 }
 
-// Vertices that several parts share stand once; `sources` tells for each part which of them it has.
+// Vertices that several parts share are stored once; `sources` receives the number of each part's vertices.
 MeshBuilder::Vertices MeshBuilder::VerticesOf(const std::vector<Part>& parts, Words& sources) {
     // Most meshes have one part, whose vertices can stay where they are.
     const auto stored = parts.size() == 1 ? StoredPositions(parts.front()) : std::span<const float>();
@@ -204,7 +204,7 @@ MeshBuilder::Vertices MeshBuilder::VerticesOf(const std::vector<Part>& parts, Wo
     return m_vertices.back();
 }
 
-// Turns the vertex order of a primitive into triangles or pairs.
+// Converts the vertex order of a primitive to triangles or lines.
 void MeshBuilder::AddInOrder(std::uint32_t mode, const Words& indices, std::uint32_t first, Order& order) {
     const auto at = [&](std::size_t i) { return first + indices[i]; };
     const auto triangle = [&](std::size_t a, std::size_t b, std::size_t c) {
@@ -239,7 +239,7 @@ void MeshBuilder::AddInOrder(std::uint32_t mode, const Words& indices, std::uint
     }
 }
 
-// The same where the order of the vertices is not known, but how many they are.
+// Likewise when only the number of vertices is known, not their order.
 void MeshBuilder::AddUnread(std::uint32_t mode, std::size_t count, Order& order) {
     const auto add = [](std::uint32_t& total, std::size_t more) {
         constexpr std::size_t kMost = 0x7FFFFFFF;
@@ -258,7 +258,7 @@ bool MeshBuilder::IsReadable(const Part& part) const {
            gltf::HasData(m_document, ordering);
 }
 
-// `first`: of the part's `count` vertices in the mesh.
+// `first`: the index in the mesh of the first of the part's `count` vertices.
 void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t count, Order& order) const {
     if (part.positions == kNone) return;
     const std::size_t ordering = part.indices != nullptr ? *part.indices->Index() : part.positions;
@@ -277,7 +277,7 @@ void MeshBuilder::AddLists(const Part& part, std::uint32_t first, std::size_t co
         AddInOrder(part.mode, indices, first, order);
 }
 
-// Answers how many faces each part has.
+// Returns the number of faces of each part.
 MeshBuilder::Words MeshBuilder::SetLists(const std::vector<Part>& parts, const Vertices& vertices,
                                          const Words& sources, kernix::MeshGeometry& geometry) const {
     Order order;
@@ -295,7 +295,7 @@ MeshBuilder::Words MeshBuilder::SetLists(const std::vector<Part>& parts, const V
     return faces;
 }
 
-// Copies of a shape at other places, and grids, have other vertices in the same order.
+// Copies of a shape at other places, and grids, differ in their vertices but not in the order of these.
 void MeshBuilder::SetSharedLists(const Part& part, kernix::MeshGeometry& geometry) {
     const std::uint32_t key[] = {part.indicesId, part.mode};
     const auto [number, isNew] = m_sharedListsKeys.Intern(key);

@@ -19,20 +19,21 @@ namespace zr {
 // Whether a material lets what lies behind it show through.
 bool IsBlended(const gltf::Json& material);
 
-// Makes the renderables of nodes. Meshes whose vertices and lists are equal share them, whatever their
-// materials; vertices also with meshes of other lists.
+// Builds the renderables of nodes. Meshes with equal vertices and lists share both, whatever their materials;
+// equal vertices are shared even if the lists differ.
 class MeshBuilder {
 public:
-    // attribute of the faces of a primitive without a material
+    // The attribute of faces without a material.
     static constexpr std::uint32_t kNoMaterial = 0xFFFFFFFF;
 
     MeshBuilder(const gltf::Document& document, const std::vector<kernix::MaterialModel*>& materials,
                 ContentIds& ids);
 
-    // `motion`: what tells how the node moves; with the rest of what decides the drawing it makes the format.
+    // A new renderable, owned by the caller. `motion` describes how the node moves; it becomes part of the
+    // format value, with everything else that decides what is drawn.
     vl::zr::Object3D* Build(const NodeParts& node, const std::string& motion);
 
-    // Whether the node's mesh draws what counts as a mesh.
+    // Whether the node's mesh has what `meshes` asks for.
     bool Shows(const NodeParts& node, Meshes meshes);
 
     // Whether a part of the node's mesh is blended with what lies behind it, in any variant.
@@ -44,12 +45,12 @@ private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
     static constexpr std::uint32_t kTriangles = 4;
 
-    // By numbers of what meshes share.
+    // The numbers of what a mesh shares with others.
     struct Shape {
         std::uint32_t lists = kNone;  // kNone: not made yet
         std::uint32_t attributes = kNone;
         std::uint32_t uses = kNone;
-        std::uint32_t format = 0;  // of all that is drawn and is no position, list or material
+        std::uint32_t format = 0;  // everything drawn but positions, lists and materials
         bool isBlended = false;
     };
 
@@ -71,7 +72,7 @@ private:
     struct Vertices {
         std::shared_ptr<const kernix::Positions> positions;
         std::span<const float> outerPositions;  // see kernix::MeshGeometry
-        Words ends;  // where those of each source begin, and the end of the last one
+        Words ends;                             // where those of each source begin, then the total
     };
 
     // The indices of the parts of a mesh, in the order of its lists.
@@ -113,10 +114,10 @@ private:
     Interner m_formats;
     Interner m_skinFormats;
     Interner m_nodeFormats;
-    // What meshes share, by the number of its key.
+    // What meshes share, indexed by the number of its key.
     Interner m_listsKeys;
     std::vector<std::shared_ptr<kernix::MeshGeometry>> m_lists;
-    std::unordered_map<std::uint32_t, Words> m_faces;  // how many each of several parts of lists has
+    std::unordered_map<std::uint32_t, Words> m_faces;  // by part, for lists of several parts
     Interner m_sharedListsKeys;
     std::vector<SharedLists> m_sharedLists;
     Interner m_verticesKeys;

@@ -14,7 +14,7 @@ bool LeadsInto(std::string_view path, std::string_view member) {
     return path.starts_with(member) && (path.size() == member.size() || path[member.size()] == '/');
 }
 
-// The path from a node to what the reference is about; empty for the node itself.
+// The path below its node that the reference names; empty for the node itself.
 std::string_view PathBelowNode(const gltf::Reference& reference) {
     if (reference.target.textSize != 0) {
         const std::string_view pointer = reference.value.String();

@@ -17,7 +17,7 @@ inline constexpr std::string_view kObjectMembers[] = {
     "weights", "extensions/EXT_mesh_gpu_instancing",
     "camera",  "extensions/KHR_lights_punctual",
 };
-// Of the host's own, where what the node shows stands or turns.
+// The host's own members, which place or aim the object.
 inline constexpr std::string_view kTargetMember = "extensions/ZR_scene/target";
 inline constexpr std::string_view kPivotMember = "extensions/ZR_scene/pivot";
 inline constexpr std::string_view kPivotGroupMember = "extensions/ZR_scene/pivotGroup";
@@ -33,15 +33,18 @@ const gltf::Json* FindMember(const gltf::Json& node, std::string_view member);
 // Whether the node has any of them.
 bool HasObject(const gltf::Json& node);
 
-// Takes the member out of the node, and with it what held nothing else; nothing where the node lacks it.
+// Removes the member from the node, with any object that this empties, and returns its value; nothing if the
+// node lacks it.
 std::optional<gltf::Json> TakeMember(gltf::Json& node, std::string_view member);
+// Sets the member, creating the objects that lead to it.
 void PutMember(gltf::JsonTree& tree, gltf::Json& node, std::string_view member, const gltf::Json& value);
 
-// Moves members of a node, if it has any of them, to a new node without parent, whose index is returned.
+// Moves those of the members that the node has to a new node without a parent and returns its index; nothing
+// if it has none.
 std::optional<std::size_t> SplitMembers(gltf::Document& document, std::size_t node,
                                         std::span<const std::string_view> members);
 
-// Updates what refers to members that moved to another node: pointers of animation channels and of behaviour
+// Updates references to members that moved to another node: pointers of animation channels and of behaviour
 // graphs, and channels of morph weights. moved: from node to node.
 void FollowMembers(gltf::Document& document, std::span<const std::string_view> members,
                    const std::unordered_map<std::size_t, std::size_t>& moved);

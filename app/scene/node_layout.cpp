@@ -52,7 +52,7 @@ public:
 
     NodeLayout Whole() && {
         m_layout.isWhole = true;
-        HangLevels();
+        AttachLevels();
         if (m_layout.scenes.empty()) m_layout.scenes.push_back(Roots());
         Visit(AllRoots());
         return std::move(m_layout);
@@ -82,8 +82,9 @@ private:
         return roots;
     }
 
-    // Levels of detail outside of every scene. One that several nodes have stands for the first.
-    void HangLevels() {
+    // Attaches the levels of detail outside of every scene. One that several nodes share stands for the
+    // first.
+    void AttachLevels() {
         std::vector<bool> isInScene(m_nodes.size(), false);
         for (const auto& roots : m_layout.scenes)
             for (const std::size_t root : roots) isInScene[root] = true;
@@ -102,14 +103,14 @@ private:
         for (const std::size_t level : levels) {
             const std::size_t base = m_layout.standsFor[level] = Last(bases, level);
             const std::size_t parent = m_layout.parents[base];
-            // A level above the node that it stands for would hang from itself.
+            // A level above the node that it stands for would become its own ancestor.
             if (parent == kNone || Last(above, parent) == level) continue;
             m_layout.parents[level] = above[level] = parent;
-            m_hung[parent].push_back(level);
+            m_attached[parent].push_back(level);
         }
     }
 
-    // The node at the end of a chain of links, which becomes shorter by it.
+    // The node at the end of a chain of links. Compresses the chain.
     static std::size_t Last(std::vector<std::size_t>& links, std::size_t node) {
         std::size_t last = node;
         while (links[last] != kNone) last = links[last];
@@ -124,15 +125,15 @@ private:
             const std::size_t node = open.back();
             open.pop_back();
             m_layout.order.push_back(node);
-            if (const auto hung = m_hung.find(node); hung != m_hung.end())
-                open.insert(open.end(), hung->second.rbegin(), hung->second.rend());
+            if (const auto attached = m_attached.find(node); attached != m_attached.end())
+                open.insert(open.end(), attached->second.rbegin(), attached->second.rend());
             const auto children = ItemsOf(m_nodes[node], "children");
             for (std::size_t i = children.size(); i-- > 0;) open.push_back(*children[i].Index());
         }
     }
 
     std::span<const Json> m_nodes;
-    std::unordered_map<std::size_t, std::vector<std::size_t>> m_hung;  // levels by where they hang
+    std::unordered_map<std::size_t, std::vector<std::size_t>> m_attached;  // levels by parent
     NodeLayout m_layout;
 };
 

@@ -5,8 +5,8 @@
 
 namespace zr {
 
-// Writes the nodes of the document's scene. Where an object moves to another node, references to it follow;
-// skins follow their joints. Obsolete nodes stay until they are removed.
+// Applies the changes to the document's nodes. References follow an object to another node, skins follow
+// their joints. Removes no nodes.
 void WriteNodes(gltf::Document& document, const ChangedNodes& changes);
 
 }  // namespace zr

@@ -9,7 +9,7 @@ namespace zr {
 // an element of `kinds`, since removing one of these renumbers the others and could break it.
 void RefuseOpaque(gltf::Document& document, gltf::KindSet kinds);
 
-// The kinds of which `removal` removes an element.
+// The kinds of the elements that `removal` removes.
 gltf::KindSet KindsOf(const gltf::Removal& removal);
 
 }  // namespace zr

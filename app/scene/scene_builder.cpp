@@ -116,7 +116,7 @@ void SceneBuilder::MarkReferences() {
         const gltf::Target& target = reference.target;
         m_surroundings.Note(reference);
         const auto steps = reference.place.Steps();
-        // The second step below the root tells the member of an element of the core collections.
+        // Below the root, the collection and the element, the fourth step names the member of the element.
         const std::string_view member = steps.size() > 3 ? steps[3].member : std::string_view();
         const bool isOurs = steps.size() > 2 && (steps[2].member == "ZR_scene" ||
                                                  (steps.size() > 4 && steps[4].member == "ZR_scene"));
@@ -183,7 +183,7 @@ void SceneBuilder::AddNodes() {
             m_options.progress(static_cast<double>(i) / static_cast<double>(order.size()));
         AddNode(order[i], m_parts.layout.parents[order[i]]);
     }
-    // References to other nodes wait until all nodes exist.
+    // Extensions refer to other nodes, so they wait until all nodes exist.
     for (std::size_t node : m_extended) ApplyExtension(node);
 }
 
@@ -209,7 +209,7 @@ vl::zr::Object3D* SceneBuilder::MakeObject(std::size_t index, std::size_t parent
     const std::size_t apart = m_surroundings.Enter(index, parent, parts.extensions);
     if (parts.mesh != nullptr && m_meshes.Shows(parts, m_options.meshes)) {
         if (m_options.repeats != Repeats::kAlike && apart != kNone) motion += Join("apart ", apart, ";");
-        // Nodes that something refers to, and translucent ones, repeat no other.
+        // Nodes that something refers to, and translucent ones, never count as duplicates.
         const bool isUnique =
             mark.reason || (m_options.repeats == Repeats::kUnseen && m_meshes.ShowsBlended(parts));
         if (isUnique) motion += Join("node ", index, ";");

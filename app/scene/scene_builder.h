@@ -15,7 +15,7 @@
 
 namespace zr {
 
-// Makes the scene of a document.
+// Builds the scene of a document.
 class SceneBuilder {
 public:
     SceneBuilder(gltf::Document& document, DocumentCurves& curves, const SceneOptions& options);
@@ -54,7 +54,7 @@ private:
     MeshBuilder m_meshes;
     AnimationBuilder m_animations;
     Surroundings m_surroundings;
-    std::vector<std::size_t> m_extended;  // nodes with an extension of the scene's own
+    std::vector<std::size_t> m_extended;  // nodes with a ZR_scene extension
     std::vector<bool> m_drawn;            // materials that the scene's meshes use
     std::vector<Mark> m_nodeMarks;
     std::vector<Mark> m_materialMarks;

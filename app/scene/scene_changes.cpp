@@ -34,7 +34,7 @@ std::string_view TypeOf(int keyType) {
     return keyType == vl::zr::kKeyRotation ? "VEC4" : "VEC3";
 }
 
-std::size_t PlaceOf(int keyType) {
+std::size_t KeyTypeIndex(int keyType) {
     return static_cast<std::size_t>(std::find(std::begin(kKeyTypes), std::end(kKeyTypes), keyType) -
                                     std::begin(kKeyTypes));
 }
@@ -129,7 +129,7 @@ private:
     Curve* Replacement(const vl::zr::Track& track, int keyType) {
         const auto found = m_replaced.find(&track);
         if (found == m_replaced.end()) return nullptr;
-        auto& curve = found->second[keyType != 0 ? PlaceOf(keyType) : 0];
+        auto& curve = found->second[keyType != 0 ? KeyTypeIndex(keyType) : 0];
         return curve ? &*curve : nullptr;
     }
 
@@ -202,7 +202,7 @@ private:
         for (AddedKeys& keys : found->second) {
             for (const int keyType : kKeyTypes) {
                 Append(keys.animation, NodeGoal{node, PathOf(keyType)}, TypeOf(keyType),
-                       std::move(keys.curves[PlaceOf(keyType)]));
+                       std::move(keys.curves[KeyTypeIndex(keyType)]));
             }
         }
     }

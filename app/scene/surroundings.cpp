@@ -36,7 +36,8 @@ bool IsSelector(const Json* extensions) {
     return selector != nullptr && selector->Bool();
 }
 
-// The tree of nodes itself, skins, and channels of transforms, which are compared as motion.
+// Whether the reference is part of the node hierarchy, of a skin, or of a channel, which is compared as
+// motion.
 bool IsPlacement(const gltf::Reference& reference) {
     if (!reference.owner) return false;
     const auto steps = reference.place.Steps();

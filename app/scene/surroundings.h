@@ -12,19 +12,20 @@ namespace zr {
 
 // What nodes do to their descendants beyond placing them: hide them, replace them by others, move them as
 // physics bodies, exclude them from picking. A node sets its descendants apart from others that look alike
-// when it has an extension not known to leave them alone, or when something else in the document refers to
-// it.
+// when it has an extension not known to concern the node alone, or when something else in the document refers
+// to it.
 class Surroundings {
 public:
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     explicit Surroundings(const gltf::Document& document);
 
-    // To be called for every reference of the document before the first Enter.
+    // Call for every reference of the document before the first Enter.
     void Note(const gltf::Reference& reference);
 
-    // Nodes of the scene, parents first; parent: kNone at the top; extensions: the node's, or null. The
-    // nearest node that sets this one apart, or kNone. Children of a selector are set apart from each other.
+    // Call for every node of the scene, parents first. parent: kNone for a root. extensions: the node's, or
+    // null. Returns the nearest node that sets this one apart, or kNone. Children of a selector are set apart
+    // from each other.
     std::size_t Enter(std::size_t node, std::size_t parent, const gltf::Json* extensions);
 
     // The place in the document that makes the node set others apart.
@@ -33,8 +34,8 @@ public:
 private:
     const gltf::Document& m_document;
     std::map<std::size_t, std::string> m_named;  // nodes that something refers to, with its place
-    std::vector<std::size_t> m_below;            // by node: the nearest that sets what is below it apart
-    std::vector<bool> m_isSelector;              // by node
+    std::vector<std::size_t> m_below;  // by node: itself or the nearest above that sets its children apart
+    std::vector<bool> m_isSelector;    // by node
 };
 
 }  // namespace zr

@@ -37,7 +37,7 @@ constexpr Length kLengths[] = {
 
 double FactorOf(const Length& length, const Json& element, double scale) {
     if (length.name != kIntensity) return scale;
-    // What comes from everywhere does not fade.
+    // A directional light does not fade with distance.
     return element.Find("type")->String() == "directional" ? 1 : scale * scale;
 }
 

@@ -7,12 +7,12 @@
 
 namespace zr {
 
-// Lengths that a document states in the unit of the world, so that no transform of a node reaches them: what
-// a lens sees, how far a light reaches, how deep light enters a material. With them goes the intensity of
-// lights that fade with the square of the distance.
+// Lengths that a document states in world units, which no transform of a node scales: clipping planes and
+// orthographic magnifications, ranges of lights, attenuation distances of materials. Includes the intensity
+// of lights that fade with the square of the distance.
 
-// Multiplies all of them as a world that becomes `scale` times as large asks for. Throws gltf::Error for one
-// that would be too large.
+// Adjusts all of them to a world that becomes `scale` times as large. Throws gltf::Error for one that would
+// be too large.
 void ScaleLengths(gltf::Document& document, double scale);
 
 // What ScaleLengths multiplies the number at the pointer by; 1 for anything else.
