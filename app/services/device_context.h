@@ -5,7 +5,7 @@
 
 namespace zr {
 
-// A device context of the screen, given back with the object.
+// A device context of the screen, released with the object.
 class DeviceContext {
 public:
     DeviceContext() : m_dc(GetDC(nullptr)) {}

@@ -33,7 +33,8 @@ private:
     std::mutex m_mutex;
     gltf::Document* m_document = nullptr;  // while work runs
     std::vector<std::string> m_removed;
-    std::shared_ptr<EnvironmentService*> m_self;  // what the host keeps of it; null once this is gone
+    // Shared with the host; points to null once this is gone.
+    std::shared_ptr<EnvironmentService*> m_self;
 };
 
 }  // namespace zr

@@ -24,7 +24,7 @@ constexpr unsigned kWindows = 3;
 constexpr unsigned kEnglish = 0x409;
 constexpr int kRegular = 400;
 
-// Big-endian numbers of a font; what lies outside it reads as 0.
+// Reads the big-endian numbers of a font; past its end they are 0.
 class FontReader {
 public:
     explicit FontReader(Bytes font) : m_font(font) {}
@@ -33,7 +33,7 @@ public:
     std::uint32_t Long(std::size_t at) const { return std::uint32_t{Word(at)} << 16 | Word(at + 2); }
     unsigned Byte(std::size_t at) const { return at < m_font.size() ? static_cast<unsigned>(m_font[at]) : 0; }
 
-    // Place of a table of the first font; none when the font lacks it.
+    // The offset of a table of the first font; nothing if the font lacks it.
     std::optional<std::size_t> Table(std::uint32_t tag) const {
         const std::size_t start = Start();
         const unsigned count = Word(start + 4);
@@ -55,7 +55,7 @@ private:
     Bytes m_font;
 };
 
-// Names of Windows in English come first, then any of Windows, then others.
+// Prefers English names of the Windows platform, then its other names, then those of other platforms.
 int Preference(unsigned platform, unsigned language) {
     if (platform == kWindows) return language == kEnglish ? 3 : 2;
     return platform == kUnicode || platform == kMacintosh ? 1 : 0;
@@ -99,10 +99,10 @@ FontFileNames ReadFontNames(Bytes bytes, const std::string& name) {
 
 FontFileNames AddFontFile(const std::filesystem::path& file) {
     const std::string name = PathToUtf8(file);
-    // The system opens it a second time by its name.
+    // The system opens the file a second time by its name.
     std::error_code none;
     if (fs::exists(file, none) && !fs::is_regular_file(file, none))
-        throw Error(name, "", "is not a regular file, as a font must be");
+        throw Error(name, "", "is not a regular file");
     FontFileNames names = ReadFontNames(ReadFile(file).View(), name);
     const std::u16string path = std::filesystem::absolute(file).u16string();
     if (AddFontResourceExW(platform::Wide(path.c_str()), FR_PRIVATE, nullptr) == 0)

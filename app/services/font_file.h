@@ -15,7 +15,8 @@ struct FontFileNames {
     bool isItalic;
 };
 
-// Throws Error when the bytes are not a TrueType or OpenType font.
+// Throws Error, with the name of the file, unless the bytes are a TrueType or OpenType font with a family
+// name.
 FontFileNames ReadFontNames(Bytes font, const std::string& name);
 
 // Makes the fonts of a file known to this process, where they take precedence over the system's of the same

@@ -17,26 +17,26 @@ std::u16string TextOf(const WCHAR (&buffer)[size]) {
     return std::u16string(buffer, std::find(buffer, buffer + size, WCHAR{0}));
 }
 
-// Prefix of families that the system lists separately because they are rotated for vertical writing.
+// Families rotated for vertical writing are listed separately, with the prefix '@'.
 bool IsTurned(const std::u16string& family) {
     return family.starts_with(u'@');
 }
 
-template <class Tell>
-int CALLBACK Forward(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM tell) {
-    // Vector and bitmap fonts have no outlines; fonts of cubic outlines have no type.
+template <class Visit>
+int CALLBACK Forward(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM visit) {
+    // Vector and bitmap fonts have no outlines; fonts with cubic outlines have no type bit.
     constexpr DWORD kRasterOrDevice = 3;
     if ((type & kRasterOrDevice) == 0)
-        (*reinterpret_cast<const Tell*>(tell))(*reinterpret_cast<const ENUMLOGFONTEXW*>(font));
+        (*reinterpret_cast<const Visit*>(visit))(*reinterpret_cast<const ENUMLOGFONTEXW*>(font));
     return 1;
 }
 
-template <class Tell>
-void Enumerate(HDC dc, const WCHAR* family, const Tell& tell) {
+template <class Visit>
+void Enumerate(HDC dc, const WCHAR* family, const Visit& visit) {
     LOGFONTW record{};
     record.lfCharSet = DEFAULT_CHARSET;
     if (family) std::copy_n(family, std::size(record.lfFaceName), record.lfFaceName);
-    EnumFontFamiliesExW(dc, &record, Forward<Tell>, reinterpret_cast<LPARAM>(&tell), 0);
+    EnumFontFamiliesExW(dc, &record, Forward<Visit>, reinterpret_cast<LPARAM>(&visit), 0);
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ public:
     LRESULT OnMessage(UINT, WPARAM, LPARAM) override { return 0; }
 };
 
-// The file that ZR_MODULE names, else the module beside the program or in the libraries' own folder.
+// The file that ZR_MODULE names, else the module beside the program or in the library folder.
 std::filesystem::path FindModule() {
     if (const auto chosen = EnvironmentVariable("ZR_MODULE")) return PathFromUtf8(*chosen);
     const std::filesystem::path folder = ProgramFile().parent_path();
@@ -45,7 +45,7 @@ std::filesystem::path FindModule() {
     }
     throw std::runtime_error(std::string("the module ") + kModuleFile + " was found neither in " +
                              PathToUtf8(folder) + " nor in " + PathToUtf8(libraries) +
-                             "; ZR_MODULE can name it");
+                             "; set ZR_MODULE to its path");
 }
 
 }  // namespace

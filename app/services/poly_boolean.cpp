@@ -23,8 +23,8 @@ namespace {
 
 constexpr double kLargestCoordinate = 1e150;
 
-// The grid divides a scaled unit this many times, so that a letter of a long text, which is given few units,
-// keeps its shape. A text given 2^18 units fills half of what the exact predicates can hold.
+// Fine enough for a letter of a long text, which spans few scaled units, to keep its shape. A text of 2^18
+// units uses half the range of the exact predicates.
 constexpr double kCellsPerUnit = 2048;
 constexpr double kLargestCell = 0x3FFFFFFF;
 
@@ -100,7 +100,7 @@ TriangulatedShape PolyBooleanExtension::Workspace::Triangulate(const Polygon& po
     return shape;
 }
 
-// Points that fall on one cell in a row are one point; what is left of less than three fills nothing.
+// Consecutive points on one grid cell become one; a contour left with fewer than three is dropped.
 void PolyBooleanExtension::Workspace::AddContour(const ContourPoints& contour, std::uint32_t number,
                                                  const Point& origin, const Point& cells) {
     GridLoop grid;

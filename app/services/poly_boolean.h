@@ -8,8 +8,8 @@
 
 namespace zr {
 
-// The host's polygon extension. Polygons keep their contours as given; the region they make is resolved
-// when it is triangulated, so combining costs no geometry. One thread at a time.
+// The host's polygon extension. Polygons keep their contours as given; the region they make is resolved when
+// it is triangulated, so that combining does no geometry. One thread at a time.
 class PolyBooleanExtension final : public PolyBoolean {
 public:
     PolyBooleanExtension();
@@ -18,7 +18,7 @@ public:
     // Null for a contour without points, or with a coordinate that is not finite or exceeds 1e150.
     Polygon* CreatePolygon(int count, const double* xy) override;
 
-    // Any other operation or flag: the empty region.
+    // An operation or flag other than kCombineLetter and 1 yields null, the empty region.
     Polygon* Combine(Polygon* a, Polygon* b, int operation, int flag) override;
 
     void Triangulate(Polygon* polygon, TriangleCallback callback, void* user) override;

@@ -22,7 +22,7 @@ int Sign(std::int64_t value) {
 }
 
 struct Edge {
-    GridPoint before;  // the point that the contour comes from before `a`
+    GridPoint before;  // the point before `a` on the contour
     GridPoint a;
     GridPoint b;
     int loop;
@@ -47,7 +47,7 @@ bool IsAlong(GridPoint r, GridPoint q) {
 }
 
 // Whether the path q1 - p - q2 passes the path r1 - p - r2 from one side to the other; the arguments are
-// directions seen from p. Paths that share a direction run along each other, which the edges themselves tell.
+// directions seen from p. Paths that share a direction overlap, which the edges themselves show.
 bool PassesThrough(GridPoint r1, GridPoint r2, GridPoint q1, GridPoint q2) {
     if (IsAlong(r1, q1) || IsAlong(r2, q1) || IsAlong(r1, q2) || IsAlong(r2, q2)) return false;
     return IsInSector(r1, r2, q1) != IsInSector(r1, r2, q2);
@@ -58,7 +58,8 @@ bool IsInside(GridPoint p, const Edge& e) {
            e.SideOf(p) == 0;
 }
 
-// A common point is judged where it is the start of an edge, so every pair of passes through it counts once.
+// A common point is judged where it is the start of an edge, so that each pair of paths through it counts
+// once.
 bool MeetAndPass(const Edge& e, const Edge& f) {
     const GridPoint p = e.a;
     if (p == f.a) return PassesThrough(e.before - p, e.b - p, f.before - p, f.b - p);
@@ -106,7 +107,7 @@ std::vector<int> CrossingGroups(const std::vector<GridLoop>& loops) {
     std::iota(parents.begin(), parents.end(), 0);
     std::vector<char> crosses(loops.size(), 0);
 
-    // Edges by their left ends; an edge meets only those that still reach its own.
+    // Sweeps the edges by their left ends: an edge meets only those that reach as far as its own.
     const std::vector<Edge> edges = SortedEdges(loops);
     std::vector<const Edge*> open;
     for (const Edge& e : edges) {

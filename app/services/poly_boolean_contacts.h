@@ -18,8 +18,8 @@ struct GridPoint {
 using GridLoop = std::vector<GridPoint>;
 
 // Finds which contours cross one another or themselves: edges that cut through each other, run along each
-// other, or pass through a common point from one side to the other. Meeting in a point without passing is no
-// crossing. Exact.
+// other, or pass through a common point from one side to the other. Touching at a point without passing is
+// not a crossing. Exact.
 //
 // The result holds, for each loop, the number of its group: loops that cross share the smallest number among
 // them; kApart for a loop that crosses nothing.

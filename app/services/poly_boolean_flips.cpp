@@ -10,8 +10,8 @@
 namespace zr {
 namespace {
 
-// Height over longest edge below which a triangle counts as flat: some ten times the rounding of outlines
-// held in single precision.
+// Height over longest edge below which a triangle counts as flat: about ten times the rounding error of
+// outlines in single precision.
 constexpr double kFlat = 1e-6;
 
 double SquaredLength(const TessPoint& a, const TessPoint& b) {
@@ -20,7 +20,7 @@ double SquaredLength(const TessPoint& a, const TessPoint& b) {
     return dx * dx + dy * dy;
 }
 
-// Height over longest edge; negative when the corners turn right.
+// Height over longest edge; negative when the corners are clockwise.
 double Height(const TessPoint& a, const TessPoint& b, const TessPoint& c) {
     const double area = (b.at[0] - a.at[0]) * (c.at[1] - a.at[1]) - (b.at[1] - a.at[1]) * (c.at[0] - a.at[0]);
     const double longest = std::max({SquaredLength(a, b), SquaredLength(b, c), SquaredLength(c, a)});

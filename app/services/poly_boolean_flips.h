@@ -7,11 +7,11 @@
 
 namespace zr {
 
-// Replaces flat triangles, which corners in line leave behind: a flat triangle and its neighbour across the
-// longest edge exchange their diagonal wherever both become less flat for it. The number of triangles and the
-// area they cover stay. `corners` holds triangles three by three, counter-clockwise, edge to edge.
+// Replaces flat triangles, which collinear corners leave behind: a flat triangle and its neighbour across the
+// longest edge exchange their diagonal wherever both become less flat for it. Neither the number of triangles
+// nor the area they cover changes. `corners` holds triangles three by three, counter-clockwise, edge to edge.
 //
-//   a, b, c in line, d beside them:    (a, b, c), (a, c, d)  ->  (a, b, d), (b, c, d)
+//   a, b, c collinear, d beside them:    (a, b, c), (a, c, d)  ->  (a, b, d), (b, c, d)
 void FlipFlatTriangles(std::vector<TessPoint*>& corners);
 
 }  // namespace zr

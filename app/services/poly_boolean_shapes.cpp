@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kMostNumbers = 1 << 21;
 
-// Contours as one run of numbers that no other contours share: the size of each before its offsets.
+// Contours as an unambiguous run of numbers: the size of each, then its points relative to `low`.
 void Flatten(const std::vector<ContourPoints>& contours, const std::array<double, 2>& low,
              std::vector<double>& outline) {
     outline.clear();

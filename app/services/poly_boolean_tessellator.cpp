@@ -24,7 +24,7 @@ struct Tessellator::Callbacks {
         }
     }
 
-    // Points that fall together keep the first one's place; edges that cross get a new point.
+    // Coincident points become the first of them; edges that cross get a new point.
     static void CALLBACK Combine(GLdouble at[3], void* points[4], GLfloat[4], void** out,
                                  void* user) noexcept {
         Tessellator& self = Self(user);
@@ -84,7 +84,7 @@ TessPoint* Tessellator::PointAt(GridPoint at) {
     return point;
 }
 
-// Points that a crossing put on one place of the grid are one; a triangle between them is an edge.
+// Points that crossings put on the same grid cell are one, which collapses triangles between them.
 void Tessellator::DropCollapsed() {
     std::size_t kept = 0;
     for (std::size_t i = 0; i + 2 < m_corners.size(); i += 3) {

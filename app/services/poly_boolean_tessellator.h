@@ -18,11 +18,11 @@ struct TessPoint {
     std::uint32_t number;
 };
 
-// Points live in the tessellator that made them.
+// Its points belong to the tessellator that made them.
 using TessLoop = std::vector<TessPoint*>;
 
-// Turns contours into the triangles of what lies inside an odd number of them. Triangles meet edge to edge.
-// One thread at a time.
+// Triangulates the region inside an odd number of contours. Triangles meet edge to edge. One thread at a
+// time.
 class Tessellator {
 public:
     Tessellator();
@@ -33,14 +33,14 @@ public:
     // Valid until Reset.
     TessPoint* NewPoint(GridPoint at, std::uint32_t number);
 
-    // The first point made at this place of the grid, added now when there is none.
+    // The first point made at this grid cell; adds one if there is none.
     TessPoint* PointAt(GridPoint at);
 
     // The points that PointAt added, in the order of their numbers.
     const std::vector<GridPoint>& Added() const { return m_added; }
 
     // The corners of the triangles, three by three, counter-clockwise; valid until the next call. The
-    // contours are meant not to cross. Throws std::bad_alloc.
+    // contours should not cross. Throws std::bad_alloc.
     std::vector<TessPoint*>& Triangulate(const std::vector<TessLoop>& loops);
 
 private:
@@ -58,7 +58,7 @@ private:
 
     std::unique_ptr<GLUtesselator, Deleter> m_tess;
     std::deque<TessPoint> m_pool;
-    std::unordered_map<GridPoint, TessPoint*, GridPointHash> m_cells;  // filled when first asked
+    std::unordered_map<GridPoint, TessPoint*, GridPointHash> m_cells;  // filled on first use
     std::uint32_t m_firstAdded = 0;
     std::vector<GridPoint> m_added;
     std::vector<TessPoint*> m_corners;

@@ -35,8 +35,8 @@ bool AnyCrosses(const std::vector<int>& groups) {
     return std::any_of(groups.begin(), groups.end(), [](int group) { return group != kApart; });
 }
 
-// New corners stand on the grid, a little beside the crossing edges, which may make edges cross again. What
-// comes of that is ever smaller; the bound is never met by outlines that mean something.
+// New corners are rounded to the grid, slightly off the crossing edges, which may make edges cross again.
+// Each repair leaves smaller crossings; no sensible outline reaches this bound.
 constexpr int kMostRepairs = 4;
 
 }  // namespace

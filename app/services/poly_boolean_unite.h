@@ -7,9 +7,9 @@
 
 namespace zr {
 
-// Replaces every group of contours that cross by the outline of what they wind round, on the same grid. What
-// comes out does not cross, so that inside and outside alternate from contour to contour. Contours that
-// cross nothing stay as they are; when there are no others, false, and nothing changes.
+// Replaces each group of crossing contours by the outline of the region that they wind around, on the same
+// grid. The result does not cross, so that inside and outside alternate from contour to contour. Contours
+// that cross nothing stay as they are. False, with nothing changed, if no contours cross.
 bool UniteCrossing(std::vector<GridLoop>& loops);
 
 }  // namespace zr

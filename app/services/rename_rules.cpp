@@ -39,7 +39,7 @@ std::string RenameRules::Apply(std::string name) const {
 void RenameRules::Rename(vl::Interface*, vl::String* name, void* context) {
     const auto& rules = *static_cast<const RenameRules*>(context);
     std::string text = kernix::ToUtf8(name->Text());
-    // What a cut left of a character.
+    // The rest of a character that was cut apart.
     constexpr std::string_view kReplacement = "\uFFFD";
     if (text.ends_with(kReplacement)) text.resize(text.size() - kReplacement.size());
     name->Set(rules.Apply(std::move(text)).c_str());

@@ -17,8 +17,8 @@ class String;
 
 namespace zr {
 
-// Changes of names by regular expressions, in the order in which they were added. Matching takes time linear
-// in the name, whatever the pattern.
+// Renames by regular expressions, which apply in the order in which they were added. Matching takes time
+// linear in the name, whatever the pattern.
 class RenameRules {
 public:
     RenameRules();

@@ -37,7 +37,7 @@ std::string_view Stripped(std::string_view text) {
     return first == text.npos ? "" : text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
-// A semicolon behind a blank begins a comment.
+// A semicolon begins a comment at the start of a line or after a blank.
 std::string_view WithoutComment(std::string_view text) {
     for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1))
         if (at == 0 || text[at - 1] == ' ' || text[at - 1] == '\t') return text.substr(0, at);
@@ -53,7 +53,7 @@ SettingsFile::SettingsFile(const std::filesystem::path& file) {
     if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
 
     const std::string name = PathToUtf8(file);
-    constexpr std::size_t kShown = 40;  // characters of a fault; the file may be anything
+    constexpr std::size_t kShown = 40;  // characters of a faulty setting; the file may be anything
     std::string section;
     for (int number = 1; !text.empty(); ++number) {
         const std::size_t size = text.find('\n');

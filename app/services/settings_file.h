@@ -11,10 +11,10 @@
 namespace zr {
 
 // Stored settings from an INI file: the setting "anim\mergekeys" is "mergekeys" in the section "anim",
-// whatever the case. Sections below a section stand in its name ("user\anim"). Every value is a number.
+// whatever the case. A nested section is part of the section's name ("user\anim"). Every value is a number.
 class SettingsFile final : public SettingsStore {
 public:
-    // Throws Error that names the file and line when the file cannot be read, is not an INI file
+    // Throws Error, naming the file and the line or setting, if the file cannot be read, is not an INI file
     // or contains a value that is not a number.
     explicit SettingsFile(const std::filesystem::path& file);
 

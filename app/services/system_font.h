@@ -11,9 +11,9 @@ namespace zr {
 // What a text is drawn with.
 struct TextFont {
     std::u16string family;  // at most 31 units; empty: the system's own choice
-    int height = -12;       // of the em square below 0, of a line's cell above 0, 0 the system's own; it is
-                            // drawn ten times as large
-    int weight = 400;       // 1 to 1000, 700 is bold
+    int height = -12;  // negative: of the em square, positive: of a line's cell, 0: the system's default;
+                       // drawn ten times as large
+    int weight = 400;  // 1 to 1000, 700 is bold
     bool isItalic = false;
 };
 

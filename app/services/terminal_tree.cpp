@@ -17,7 +17,7 @@ LRESULT TerminalTree::OnMessage(UINT message, WPARAM, LPARAM lParam) {
         if (item.parent > m_items.size()) return 0;
         item.depth = m_items[item.parent - 1].depth + 1;
     }
-    // In this order: where memory is missing, no list leads to an item that is not there.
+    // In this order, so that running out of memory leaves no reference to a missing item.
     const std::size_t parent = item.parent;
     m_items.push_back(std::move(item));
     const std::size_t number = m_items.size();

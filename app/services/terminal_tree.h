@@ -9,7 +9,7 @@
 
 namespace zr {
 
-// A tree control that draws itself as text. It takes TVM_INSERTITEMA with every item last among its siblings.
+// A tree control that draws itself as text. Handles TVM_INSERTITEMA; every item goes last among its siblings.
 //
 //   root
 //   ├── first
@@ -27,7 +27,7 @@ public:
     };
 
     std::size_t Count() const { return m_items.size(); }
-    // number: an item's position in the order of insertion + 1; 0 is the root above all.
+    // number: an item's position in the order of insertion + 1; 0 stands for the invisible root.
     const Item& At(std::size_t number) const { return m_items[number - 1]; }
 
     // One line per item, in tree order. For an item deeper than kMaxGuides only the innermost levels are

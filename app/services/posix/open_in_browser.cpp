@@ -15,7 +15,7 @@ bool OpenInBrowser(const std::filesystem::path& file) {
     std::string argument = file.string();
     char* arguments[] = {command.data(), argument.data(), nullptr};
 
-    // What the browser says is not the program's output.
+    // Keeps the browser's messages out of the program's output.
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
