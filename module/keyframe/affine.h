@@ -5,7 +5,7 @@
 
 namespace zrt {
 
-// The scale of a decomposed transform with its mirroring in it.
+// The scale of a decomposed transform, negative if the transform mirrors.
 inline vl::Vector3<float> SignedScale(const vl::AffineParts& parts) {
     return {parts.k.x * parts.f, parts.k.y * parts.f, parts.k.z * parts.f};
 }
@@ -14,10 +14,10 @@ inline vl::Vector3<float> Negated(const vl::Vector3<float>& v) {
     return {-v.x, -v.y, -v.z};
 }
 
-// Angles in radians above which scale axes count as turned, and a rotation as one.
+// The angle in radians above which scale axes count as turned and a rotation counts as one.
 inline constexpr float kTurnTolerance = 0.001f;
 
-// A transform whose elements differ from the identity's by no more leaves everything where it is.
+// A transform none of whose elements differs by more from the identity's counts as the identity.
 inline constexpr double kIdentityTolerance = 1.000000013351432e-10;
 
 }  // namespace zrt

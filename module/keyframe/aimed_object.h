@@ -21,7 +21,7 @@ public:
         return object;
     }
 
-    // False when the node has no such object; nothing else may be asked then.
+    // False if the node has no such object; no other member may be called then.
     explicit operator bool() const { return m_camera != nullptr || m_light != nullptr; }
 
     bool Aims() const {
@@ -40,7 +40,7 @@ public:
         return target;
     }
 
-    // A camera's position in its node's space; of a light, the vector it aims at.
+    // A camera's position in its node's space; for a light, the vector that it aims along.
     vl::Vector3<float> Position() const {
         if (m_light != nullptr) return m_light->m_vTarget;
         vl::Vector3<float> position;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Attaches the controllers of an animated scene and separates pivots and object offsets from what they move.
-// A pivot of the object alone goes to a child that carries the object; a pivot of the whole group goes
-// between the node and its children:
+// An object-only pivot goes to a child that carries the object; a pivot of the whole group goes between the
+// node and its children:
 //
 //   node                    node
 //     children        ->      pivot (NF_PIVOT), carries the object
@@ -37,7 +37,7 @@ TransformController* FindController(const ExportNode* record, bool acceptOffset)
     return acceptOffset && !IsZero(PivotOf(controller)) ? controller : nullptr;
 }
 
-// The transform of the record's object before the node's, or null when it has none.
+// The offset of the record's object, which applies before the node's transform; null if there is none.
 const vl::Matrix4<double>* ObjectOffset(const ExportNode* record) {
     const vl::zr::Node* node = record->pSourceNode;
     if (node == nullptr || node->m_pObject == nullptr || node->m_pObjectOffset == nullptr) return nullptr;
@@ -52,7 +52,7 @@ void SetPivotTransform(ExportNode* record, const Vector3<float>& pivot) {
     record->mLocal.Offset(record->vPosition);
 }
 
-// A pivot of the object alone.
+// Gives the object to a child with the object-only pivot or the object offset.
 void PlaceObject(ZR_TK& tool, ExportNode* record, const Vector3<float>& pivot,
                  const vl::Matrix4<double>* objectOffset) {
     if (record->pSplit == nullptr) tool.SplitOff(record, ZR_TK::SplitPlace::kBack);
@@ -63,7 +63,7 @@ void PlaceObject(ZR_TK& tool, ExportNode* record, const Vector3<float>& pivot,
     vl::AffineParts parts;
     if (objectOffset != nullptr) objectOffset->AffineDecompose(parts);
     if (record->pController != nullptr && parts.k == Vector3<float>{1, 1, 1}) {
-        // The controller's host keeps such an offset equal to the pivot's.
+        // Where there is a controller, the host keeps such an offset equal to the pivot's.
         SetPivotTransform(split, pivot);
         return;
     }
@@ -74,7 +74,7 @@ void PlaceObject(ZR_TK& tool, ExportNode* record, const Vector3<float>& pivot,
     split->mWorld.SetMul(*objectOffset, split->mWorld);
 }
 
-// A pivot of the whole group. Returns the record that carries the content.
+// Inserts a pivot of the whole group. Returns the record that carries the content.
 ExportNode* PlaceGroup(ZR_TK& tool, ExportNode* record, const Vector3<float>& pivot) {
     ExportNode* content = tool.NewRecord(record->pNode);
     content->dwFlags = NF_PIVOT | (record->dwFlags & NF_GEOMETRY);

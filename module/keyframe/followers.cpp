@@ -13,21 +13,21 @@ namespace zrt {
 
 namespace {
 
-// How far the points one unit along a follower's axes may be from where they are shown between two keys: a
-// share of the size of what is looked at, and of at least one unit.
+// How far the points one unit along a follower's axes may stray between two keys from where they are shown,
+// relative to the extent of what is sampled, or to one unit if that is larger.
 constexpr double kAimTolerance = 4e-5;
 
-// Radians that the orientation may differ however large that is: about a picture element.
+// The greatest error of an orientation in radians, whatever the extent: about a pixel.
 constexpr double kGreatestAngle = 1e-3;
 
-// How often the time between two of the given times is halved at most.
+// The most times that an interval between two given times is halved.
 constexpr int kMostHalvings = 12;
 
-// The inner samples of an interval lie at quarters of it. An arc meets what is shown in the middle when an
-// object passes straight ahead, and keeps furthest away there when it turns ever faster.
+// The inner samples of an interval lie at its quarters. The middle alone would not do: there the arc meets
+// what is shown when an object passes straight ahead, and strays furthest when it turns ever faster.
 constexpr std::size_t kInner = 3;
 
-// How a follower is turned against the parent of its record.
+// The orientation of a follower relative to the parent of its record.
 struct Sample {
     float time;
     vl::Quaternion orientation;
@@ -44,7 +44,7 @@ struct Interval {
     static float Fraction(std::size_t inner) { return static_cast<float>(inner + 1) / (kInner + 1); }
 };
 
-// The box that holds points.
+// The bounding box of points.
 class Box {
 public:
     void Add(const vl::Matrix4<double>& world) {
@@ -63,7 +63,7 @@ private:
     double m_high[3] = {-kFar, -kFar, -kFar};
 };
 
-// Small angles only.
+// In radians; for small angles only.
 float AngleBetween(vl::Quaternion a, const vl::Quaternion& b) {
     a.Invert();
     const vl::Quaternion turn = a * b;
@@ -92,7 +92,7 @@ public:
     }
 
 private:
-    // Of the follower, as it is shown at the scene's time, which is the given one.
+    // Samples a follower at the scene's current time, which is `time`. world: receives its shown transform.
     Sample Look(std::size_t index, float time, vl::Matrix4<double>& world) {
         Follower& follower = m_followers[index];
         vl::zr::Node* node = follower.record->pNode;
@@ -135,7 +135,7 @@ private:
         }
     }
 
-    // Intervals in which the arc keeps to what is shown are done, the others become shorter ones.
+    // Intervals whose arc is close enough to what is shown are done; the others are subdivided.
     void Divide() {
         std::vector<std::array<Sample, kInner>> inner(m_open.size());
         for (std::size_t i = 0; i < m_open.size(); ++i)
@@ -158,7 +158,7 @@ private:
         }
         const double greatest = m_angles[whole.follower];
         if (!(angle > greatest)) return;
-        // Half as long, an arc keeps four times as close.
+        // Halving an arc makes it four times as close.
         const bool inQuarters = angle > 4 * greatest;
         const int halvings = whole.halvings + (inQuarters ? 2 : 1);
         Sample from = whole.from;
@@ -177,7 +177,7 @@ private:
     vl::zr::Scene* m_scene;
     std::vector<Follower>& m_followers;
     std::vector<vl::Matrix4<double>> m_shown;  // of each, at the scene's own time
-    std::vector<double> m_angles;              // of each, the greatest between arc and what is shown
+    std::vector<double> m_angles;              // of each, the greatest allowed between arc and what is shown
     std::vector<Interval> m_open;
     Timetable m_table;
 };

@@ -12,13 +12,13 @@ namespace zrt {
 struct Follower {
     ExportNode* record;
     AimedObject object;
-    std::vector<float> times;  // at which to look, ascending
-    bool isDisplaced = false;  // at one of them shown elsewhere than its node stands
-    bool turns = false;        // against its node, between them
+    std::vector<float> times;  // at which to sample, ascending
+    bool isDisplaced = false;  // whether it is shown away from its node at any of them
+    bool turns = false;        // relative to its node, between them
 };
 
-// Looks at each follower at its times. What is aimed at passes by an object on no arc that two keys of its
-// orientation describe: adds times between, as many as the arcs need.
+// Samples each follower at its times. An object that tracks a target does not turn along the arc between two
+// orientation keys, so times are added in between until the arcs are close enough.
 void Follow(vl::zr::Scene* scene, std::vector<Follower>& followers);
 
 }  // namespace zrt

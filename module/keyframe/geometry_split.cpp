@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Objects whose transform cannot sit on the group they share get a child of their own:
+// Objects whose transform cannot stay on the group that they share get a child of their own:
 //
 //   mesh, moved      ->   group, moved
 //                           mesh
@@ -49,9 +49,9 @@ void Split(ZR_TK& tool, ExportNode* record) {
     zrt::AppendChild(record, split);
 }
 
-// Splits the candidates of one list of siblings, in order; the others go to pending, whose children are to
-// be looked at. A sibling is open when it is untransformed and no group: it asks the candidates beside it
-// to make room. A split makes a group, so it closes a sibling.
+// Splits the candidates of one list of siblings, in order; records that are not split go to pending, for
+// their children. A sibling is open if it is untransformed and not a group: the candidates beside it then
+// split. A split makes a group, so it closes a sibling.
 void SplitSiblings(ZR_TK& tool, vl::Array* siblings, std::vector<ExportNode*>& pending) {
     const vl::ArrayOf<ExportNode*> records(siblings);
     struct State {

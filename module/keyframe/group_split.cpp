@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Groups that show an object hand it to a child of their own:
+// Groups that show an object move it to a child of its own:
 //
 //   node with a mesh        group
 //     child           ->      mesh (NF_SPLIT)

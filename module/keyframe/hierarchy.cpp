@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From the scene's nodes to the tree of records.
+// Builds the tree of records from the scene's nodes.
 #include <unordered_set>
 #include <vector>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// One record for each accepted node of the scene, listed in parents and roots in the order of the scene.
+// Makes a record for each accepted node. Roots and children are listed in scene order.
 void BuildRecords(ZR_TK& tool) {
     zrt::NodeFilter filter(tool.m_pScene, tool.m_dwExportFlags);
     struct Siblings {
@@ -91,7 +91,7 @@ void ZR_TK::ComputeLocalMatrices(vl::Array* records) {
 }
 
 void ZR_TK::CollectAllNodes(vl::Array* records) {
-    // The tree holds each record once; only an earlier list can hold it already.
+    // The tree contains each record once; only the existing list may contain it already.
     const vl::ArrayOf<ExportNode*> all(m_pAllNodes);
     const std::unordered_set<ExportNode*> listed(all.begin(), all.end());
     zrt::WalkRecords(records, [&](ExportNode* record) {
@@ -132,7 +132,7 @@ void ZR_TK::FillNewNode(ExportNode* record, ExportNode* parent, const char* name
     if ((m_dwNameFlags & vl::tk::kNamesUnique) != 0 && m_pNameTable != nullptr) MakeUniqueName(record);
 }
 
-// The record stays with the tool, in no list.
+// The tool still owns the record.
 void ZR_TK::UnlistNewNode(ExportNode* record, ExportNode* parent) {
     const auto takeLast = [record](vl::Array* list) {
         const int last = list != nullptr ? list->m_nCount - 1 : -1;

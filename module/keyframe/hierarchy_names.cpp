@@ -33,7 +33,7 @@ const Char* NameOf(vl::Word record) {
     return NameOf<Char>(*vl::FromWord<ExportNode*>(record));
 }
 
-// The number before which a name is cut, at any maximum length.
+// The most characters of a name that stay before its number, whatever the maximum length.
 template <typename Char>
 constexpr int kNumberedBaseLimit = std::is_same_v<Char, char> ? 510 : 511;
 
@@ -51,7 +51,7 @@ void ReadNodeName(vl::zr::Node& node, char16_t (&name)[kNodeNameBuffer]) {
     node.GetNameW(name, kNodeNameBuffer);
 }
 
-// Names one record. index: of the record among all.
+// Names one record. index: its position among all.
 template <typename Char>
 void NameRecord(ZR_TK& tool, ExportNode& record, int index, const char* defaultName) {
     const int maxLength = tool.NameLimit();

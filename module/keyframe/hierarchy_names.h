@@ -5,8 +5,8 @@
 
 namespace zrt {
 
-// Order of records by name, for the name table: character by character as unsigned values, or by their
-// folded characters. Every record has the name that is compared.
+// Comparators of records by name, for the name table: by characters as unsigned values, or by case-folded
+// characters. Every record must have the kind of name that is compared.
 template <typename Char>
 int CompareNamesExact(vl::Word a, vl::Word b, void* context);
 template <typename Char>

@@ -17,7 +17,7 @@ void CopyTimeAndParams(const vl::zr::Key& from, Key& to) {
     std::copy(std::begin(from.m_params), std::end(from.m_params), to.fParams);
 }
 
-// HostKey: a key of the host with a vector value, as Key.
+// HostKey: a host's key with a vector value, like Key.
 template <typename HostKey, typename Key>
 void ExtractVectorTrack(TransformController* controller, int track, int count, vl::Array*& out) {
     zrt::DestroyTrack<Key>(out);
@@ -29,7 +29,7 @@ void ExtractVectorTrack(TransformController* controller, int track, int count, v
     }
 }
 
-// The first key's form holds for all.
+// The form of the first key applies to all; returns it.
 int ReadRotationKeys(TransformController* controller, int count, zrt::RotationKeys& keys) {
     int form = vl::zr::kRotationQuaternion;
     keys.resize(static_cast<std::size_t>(count));

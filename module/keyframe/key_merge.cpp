@@ -37,8 +37,8 @@ bool IsRedundant(const Key& a, const Key& b, const Key& c) {
     return true;
 }
 
-// After a key has gone, only the triples that held it are new: the scan resumes one key back. All triples
-// before were found to be needed a moment ago, so a scan from the start would come to the same one next.
+// Deleting a key changes only the triples that contained it, so the scan resumes one key back. All earlier
+// keys were just found to be needed; a scan from the start would reach the same one next.
 template <typename Key>
 void DropRedundant(std::vector<Key*>& keys) {
     std::size_t kept = 0;

@@ -9,17 +9,17 @@ namespace zrt {
 
 // Delete the keys that add nothing to a track; the others keep their order and values. Linear in the keys.
 //
-// A key goes when each component of its value equals, to the bit, the straight line between its neighbours,
-// or when these have the same time; the first such key goes first, and its neighbours are examined again. Of
-// two keys that are left, the second goes when it equals the first:
+// A key is deleted if each component of its value equals, to the bit, the straight line between its
+// neighbours, or if these have the same time; the first such key goes first, and its neighbours are examined
+// again. If two keys are left, the second is deleted if it equals the first:
 //
 //   0: 0, 10: 1, 20: 2, 30: 5 -> 0: 0, 20: 2, 30: 5        0: 7, 10: 7, 20: 7 -> 0: 7
 void MergeKeys(std::vector<ExportPositionKey*>& keys);
 void MergeKeys(std::vector<ExportScaleKey*>& keys);
 void MergeQuaternionKeys(std::vector<ExportRotationKey*>& keys);
 
-// The same for keys that hold steps: one that turns by an angle of exactly 0.0, later than the key before
-// it, goes.
+// Likewise for keys with steps: deletes each one with an angle of exactly 0.0 that is later than the key
+// before it.
 void MergeAngleAxisKeys(std::vector<ExportRotationKey*>& keys);
 
 }  // namespace zrt

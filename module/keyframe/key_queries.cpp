@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What exporters ask of a record's keys.
+// Queries about a record's keys, for exporters.
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -107,7 +107,7 @@ std::vector<float> zrt::KeyTimes(const ExportNode* record, bool withAncestors) {
         CollectTimes<ExportRotationKey>(record->pRotKeys, times);
         CollectTimes<ExportScaleKey>(record->pScaleKeys, times);
     }
-    // Of equal times, -0.0 and 0.0 among them, the first one found stays: stable.
+    // Stable: of equal times, such as -0.0 and 0.0, the first one found is kept.
     std::stable_sort(times.begin(), times.end(), IsEarlier);
     times.erase(std::unique(times.begin(), times.end()), times.end());
     return times;

@@ -54,7 +54,7 @@ Key Between(float t, const Key* previous, const Key* next, const ValueType& rest
     return key;
 }
 
-// New keys until the track holds them.
+// Owns new keys until the track does.
 template <typename Key>
 class NewKeys {
 public:
@@ -90,7 +90,7 @@ bool Ascend(const std::vector<float>& times, const std::vector<Key*>& keys) {
     return true;
 }
 
-// One walk along both lists. A new key's left neighbour may itself be new, as in the walk for each time.
+// One pass over both lists. A new key's left neighbour may itself be new, as in Resample.
 template <typename Key, typename ValueType>
 void ResampleAscending(const std::vector<float>& times, std::vector<Key*>& keys, const ValueType& rest) {
     NewKeys<Key> added(times.size());

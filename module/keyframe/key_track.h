@@ -7,15 +7,15 @@
 
 namespace zrt {
 
-// The keys of a track, in order, to be changed as a whole and put back: removing and inserting in the host's
-// array one by one costs a move of all that follows.
+// The keys of a track, in order, to be edited as a whole and written back: inserting into or removing from
+// the host's array moves all that follow each time.
 template <typename Key>
 std::vector<Key*> ReadKeys(vl::Array* track) {
     const vl::ArrayOf<Key*> keys(track);
     return {keys.begin(), keys.end()};
 }
 
-// The room must suffice (MakeRoom), which it does when keys went: this asks for no memory.
+// The array must be at least as long as `keys` (MakeRoom). Allocates nothing.
 template <typename Key>
 void WriteKeys(vl::Array* track, const std::vector<Key*>& keys) {
     const int count = static_cast<int>(keys.size());
@@ -23,7 +23,7 @@ void WriteKeys(vl::Array* track, const std::vector<Key*>& keys) {
     for (int i = track->m_nCount; i-- > count;) track->RemoveAt(i);
 }
 
-// Lengthens a track by null keys, which WriteKeys replaces or takes away.
+// Extends a track to at least `count` keys with nulls, which WriteKeys replaces or removes.
 inline void MakeRoom(vl::Array* track, std::size_t count) {
     while (static_cast<std::size_t>(track->m_nCount) < count) track->Add(0);
 }

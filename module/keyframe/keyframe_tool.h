@@ -52,12 +52,12 @@ public:
     // m_nMaxNameLength within its valid range. Name buffers hold one character more.
     int NameLimit() const { return std::clamp(m_nMaxNameLength, 4, 512); }
 
-    // Whether the options allow the record keys.
+    // Whether the options allow the record to have keys.
     bool MayHaveKeys(const ExportNode& record) const {
         return (m_dwAnimFlags & vl::tk::kGroupKeysOnly) == 0 || (record.dwFlags & (NF_ADDED | NF_GROUP)) != 0;
     }
 
-    // Hierarchy (hierarchy.cpp, rest_pose.cpp). All three walk from the given records downwards.
+    // Hierarchy (hierarchy.cpp, rest_pose.cpp). The first two process the given records and all below them.
     void ComputeLocalMatrices(vl::Array* records);
     void CollectAllNodes(vl::Array* records);
     void DecomposeRest(ExportNode* record, const vl::AffineParts* parts);  // null: of mLocal
@@ -79,9 +79,9 @@ public:
 
     // Keys (key_extraction.cpp, scene_matrix.cpp, time_mapping.cpp).
     void ExtractRecordKeys(ExportNode* record);
-    bool CanFoldSceneMatrix();  // without records of its own above any others
+    bool CanFoldSceneMatrix();  // without a record above any top-level one
     void FoldSceneMatrix();
-    void MapTimeRange();  // the range of the active animation, and every key into the exported one
+    void MapTimeRange();  // sets the range; remaps every key if the flags ask for it
     void RemapTime();
     void ApplyTimeMapping();
 
@@ -97,13 +97,13 @@ public:
     void FlipRestAndKeys(ExportNode* record);
 
     // Names (hierarchy_names.cpp, material_names.cpp).
-    void MakeUniqueName(ExportNode* record);  // and lists it in m_pNameTable, which exists
+    void MakeUniqueName(ExportNode* record);  // and enters it in m_pNameTable, which must exist
     void MakeMaterialNames();
 
 private:
     void DeleteThis() override { delete this; }
 
-    // Runs work. When memory runs out, drops every record and answers 0.
+    // Runs work and returns its result. On an exception, drops every record and returns 0.
     template <typename Work>
     int OrDropRecords(Work work);
     void DropRecords();

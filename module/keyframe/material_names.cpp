@@ -22,7 +22,7 @@ int ReadName(vl::zr::Material& material, char16_t* buffer) {
     return material.GetNameW(buffer, kMaterialNameBuffer);
 }
 
-// A new buffer with the material's name: at most maxLength characters, cleaned, changed by the callback and
+// A new buffer with the material's name: cut to the tool's maximum, sanitized, renamed by the callback and
 // made unique.
 template <typename Char>
 Char* NewMaterialName(const ZR_TK& tool, vl::zr::Material& material, NumberedNames& names) {
@@ -52,7 +52,7 @@ void ZR_TK::MakeMaterialNames() {
     const vl::ArrayOf<vl::zr::Material*> view(list.Get());
     const std::vector<vl::zr::Material*> materials(view.begin(), view.end());
     const int count = view.Count();
-    for (int i = 0; i < count; ++i) list->SetAt(i, 0);  // until a name takes the place
+    for (int i = 0; i < count; ++i) list->SetAt(i, 0);  // until replaced by a name
     m_pMaterialNames = list.Detach();
     m_nMaxMaterialNameLength = std::min(m_nMaxMaterialNameLength, zrt::kMaxMaterialNameLength);
 

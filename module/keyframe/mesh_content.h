@@ -6,7 +6,7 @@
 
 namespace zrt {
 
-// How much mesh an object of kind kKindRenderable holds; null when it holds none.
+// The mesh component of an object of kind kKindRenderable; null if it holds no data.
 inline vl::Ref<vl::zr::MeshComponent> QueryMeshContent(vl::zr::Object3D* object) {
     auto content = vl::Ref<vl::zr::MeshComponent>::Adopt(
         static_cast<vl::zr::MeshComponent*>(object->QueryComponent(vl::zr::kComponentMesh, 0)));

@@ -8,8 +8,8 @@
 
 #include "host/serializer.h"
 
-// Texts of exported names, narrow (bytes) and wide (UTF-16 units): what is called a character here is one
-// element of the text.
+// Texts of exported names, narrow (bytes) and wide (UTF-16 units): a character here means one element of the
+// text.
 namespace zrt {
 
 // Copies at most size - 1 characters and a terminator. Null, with nothing written, when a pointer is null

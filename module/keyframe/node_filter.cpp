@@ -24,7 +24,7 @@ NodeFilter::NodeFilter(vl::zr::Scene* scene, std::uint32_t exportFlags)
 std::uint32_t NodeFilter::Flags(Node* node) {
     if (const auto known = m_known.find(node); known != m_known.end()) return known->second;
 
-    // A node whose own flags are decided and whose children are asked until one is accepted.
+    // A node with its own flags, whose children are examined until one is accepted.
     struct Pending {
         Node* node;
         std::uint32_t flags;

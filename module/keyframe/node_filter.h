@@ -12,8 +12,8 @@ class Scene;
 
 namespace zrt {
 
-// Decides which nodes of a scene get a record. Each node is judged once, whatever the order of the
-// questions; the scene must not change while the filter is in use.
+// Decides which nodes of a scene get a record. Each node is judged once, whatever the order of the calls; the
+// scene must not change while the filter is in use.
 class NodeFilter {
 public:
     NodeFilter(vl::zr::Scene* scene, std::uint32_t exportFlags);
@@ -23,7 +23,7 @@ public:
 
 private:
     struct OwnFlags {
-        bool rejected;  // also what is below goes
+        bool rejected;  // including everything below it
         std::uint32_t flags;
     };
 

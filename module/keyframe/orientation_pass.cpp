@@ -23,7 +23,7 @@ Key* KeyAt(vl::Array* track, int index) {
     return track->IsValidIndex(index) ? vl::FromWord<Key*>(track->GetAt(index)) : nullptr;
 }
 
-// First shown, then the transform of the record's keys of that number.
+// Prepends `shown` to the transform of the record's keys at the index.
 void PlaceKey(ExportNode& record, int index, const vl::Matrix4<double>& shown) {
     auto* rotation = KeyAt<ExportRotationKey>(record.pRotKeys, index);
     auto* position = KeyAt<ExportPositionKey>(record.pPosKeys, index);
@@ -40,7 +40,7 @@ void PlaceKey(ExportNode& record, int index, const vl::Matrix4<double>& shown) {
     if (position != nullptr) position->vValue = parts.t;
 }
 
-// Whether the record's keys came as steps, which tell no orientation.
+// Whether the record's keys came as steps, which contain no orientation.
 bool CameAsSteps(const ExportNode& record) {
     if (record.pController == nullptr || record.pRotKeys == nullptr) return false;
     auto* first =
@@ -59,8 +59,8 @@ void PutKeys(vl::Array*& track, const zrt::RotationKeys& keys) {
     for (const ExportRotationKey& key : keys) *zrt::AddKey<ExportRotationKey>(track) = key;
 }
 
-// Works out the orientations that steps lead to, with further keys where a step is long. above: what is
-// folded into the record's keys.
+// Computes the orientations that the steps lead to, adding keys within long steps. above: the rotation folded
+// into the record's keys.
 void AddOrientations(ExportNode& record, const vl::Quaternion& above) {
     zrt::RotationKeys keys = zrt::OrientationsFromSteps(TakeKeys(record.pRotKeys));
     for (ExportRotationKey& key : keys) key.qValue = key.qValue * above;
@@ -81,12 +81,12 @@ void PlaceRest(ExportNode& record, const vl::Matrix4<double>& shown) {
     record.qRotation = parts.q;
 }
 
-// A record whose object may be shown elsewhere than its node stands.
+// A record whose object may be shown away from its node.
 struct Placement {
     ExportNode* record;
     AimedObject object;
     vl::Matrix4<double> shown;            // into the node's space
-    std::optional<std::size_t> follower;  // only an object with a target turns against its node
+    std::optional<std::size_t> follower;  // only an object with a target turns relative to its node
 };
 
 class Placer {
@@ -123,7 +123,7 @@ public:
         if (WantsSteps()) {
             for (ExportNode* record : placed) AddSteps(*record);
         }
-        // Last, since values at rest fill missing tracks.
+        // Last, since missing tracks are filled with the values at rest.
         for (const Placement* placement : displaced) PlaceRest(*placement->record, placement->shown);
     }
 
@@ -132,7 +132,7 @@ private:
 
     bool WantsSteps() const { return (m_tool.m_dwAnimFlags & vl::tk::kAngleAxisKeys) != 0; }
 
-    // The rotation of the scene matrix, where the record's keys hold it.
+    // The rotation of the scene matrix if it is folded into the record's keys.
     vl::Quaternion Folded(const ExportNode& record) const {
         if (record.pParent != nullptr || m_tool.m_mScene.IsIdentity(zrt::kIdentityTolerance)) return {};
         vl::AffineParts parts;
@@ -152,7 +152,8 @@ private:
         zrt::Follow(m_tool.m_pScene, m_followers);
     }
 
-    // Those of a follower that turns at its times, which the table does.
+    // Resamples the record's keys and places them; those of a follower, which turns, only when the table
+    // runs. follower: may be null.
     void PlaceKeys(std::size_t index, const Follower* follower, zrt::Timetable& table) {
         const Placement& placement = m_placements[index];
         ExportNode& record = *placement.record;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The keys of a further animation on the records that stand.
+// Extracts the keys of another animation into the existing records.
 #include "host/controller.h"
 #include "module/keyframe/affine.h"
 #include "module/keyframe/aimed_object.h"
@@ -8,8 +8,8 @@
 
 namespace {
 
-// Whether a camera or light is placed elsewhere than its node, or may be: that is worked into the records
-// once.
+// Whether the record is of a camera or light that is, or may be, placed away from its node: the records
+// incorporate that only once.
 bool IsPlaced(const ZR_TK& tool, const ExportNode& record) {
     using namespace vl::tk;
     if (record.pNode == nullptr || record.pNode->m_pObject == nullptr) return false;
@@ -23,7 +23,7 @@ bool IsPlaced(const ZR_TK& tool, const ExportNode& record) {
                                                      : object.Position() != vl::Vector3<float>();
 }
 
-// The transform relative to the parent record, as the hierarchy was built with it.
+// The current transform relative to the parent record, computed as when the hierarchy was built.
 vl::Matrix4<double> CurrentLocal(const ZR_TK& tool, const ExportNode& record) {
     vl::Matrix4<double> world;
     record.pSourceNode->GetWorldMatrix(&world, 0);

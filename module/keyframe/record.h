@@ -21,7 +21,7 @@ struct RecordDeleter {
 };
 using OwnedRecord = std::unique_ptr<ExportNode, RecordDeleter>;
 
-// The list, which is created when it is null.
+// The list, which is created if it is null.
 inline vl::Array* Made(vl::Array*& list) {
     if (list == nullptr) list = NewArray().Detach();
     return list;
@@ -33,7 +33,7 @@ void AppendChild(ExportNode* parent, ExportNode* child);
 // Moves all children of from below to, in their order; from keeps an empty list.
 void MoveChildren(ExportNode* from, ExportNode* to);
 
-// A new key at the end of a track, which is created when it is null.
+// Appends a new key to a track, which is created if it is null. Throws std::bad_alloc.
 template <typename Key>
 Key* AddKey(vl::Array*& track) {
     auto key = std::make_unique<Key>();
@@ -52,13 +52,13 @@ void DestroyTrack(vl::Array*& track) {
 // A total order of times: NaN comes last.
 bool IsEarlier(float a, float b);
 
-// Both lists of ascending times in one, each time once; of equal ones that of a.
+// Merges two ascending lists of times, each time once; of equal ones, the one from a.
 std::vector<float> Union(const std::vector<float>& a, const std::vector<float>& b);
 
-// The times of a record's keys, and of its ancestors' when asked: ascending, each once.
+// The times of a record's keys, and of its ancestors' if withAncestors: ascending, each once.
 std::vector<float> KeyTimes(const ExportNode* record, bool withAncestors);
 
-// The same with 0.0 among them when there is any.
+// The same with 0.0 added, unless the list is empty.
 std::vector<float> KeyTimesFromZero(const ExportNode* record, bool withAncestors);
 
 // Visits every record before its children, in order, however deep the tree is. visit(record) returns the

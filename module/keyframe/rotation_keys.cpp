@@ -9,14 +9,14 @@ namespace zrt {
 
 namespace {
 
-// The single-precision quarter turn.
+// A quarter turn in single precision.
 constexpr double kStepLimit = 1.5707963705062866;
 
-// From here on neighbouring floats lie more than a step apart: such an angle tells nothing about the turns
-// in between, and no memory holds keys for them.
+// From here on neighbouring floats are more than a step apart: such an angle says nothing about the turns in
+// between, and their keys would not fit into memory.
 constexpr double kMeaninglessAngle = 16777216.0;
 
-// How many keys divide a step of this angle.
+// The number of keys to insert into a step of this angle.
 int InsertedKeys(double angle) {
     const double magnitude = std::abs(angle);
     return magnitude < kMeaninglessAngle ? static_cast<int>(magnitude / kStepLimit) : 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The scene matrix goes into the keys of the top-level records, or above them where a key cannot hold it.
+// Folds the scene matrix into the keys of the top-level records, or puts it above them if keys cannot express
+// it.
 #include <algorithm>
 #include <cmath>
 
@@ -21,7 +22,7 @@ vl::AffineParts PartsAt(vl::zr::TransformController* controller, float time,
     return parts;
 }
 
-// True when at no key the scene matrix turns the axes of the scale.
+// Whether the scene matrix leaves the scale axes unturned at every key.
 bool CanFold(vl::zr::TransformController* controller, const vl::Matrix4<double>& scene) {
     for (const int track : {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale}) {
         const int count = controller->GetTrackKeyCount(track, nullptr);
@@ -37,29 +38,30 @@ double Dot(const vl::Quaternion& a, const vl::Quaternion& b) {
     return double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z + double{a.w} * b.w;
 }
 
-// Orientations out of matrices have lost the sign that, half a turn apart, alone tells which way they turn.
-class Ways {
+// Orientations taken from matrices have lost their sign, which alone decides the direction between two that
+// are half a turn apart.
+class DirectionKeeper {
 public:
-    explicit Ways(const vl::Matrix4<double>& scene) {
+    explicit DirectionKeeper(const vl::Matrix4<double>& scene) {
         vl::Matrix4<double> m = scene;
         vl::AffineParts parts;
         m.AffineDecompose(parts);
         m_turn = parts.q;
     }
 
-    // The folded orientation of the next key, which was `source`, with the sign that keeps the way.
+    // The folded orientation of the next key, which was `source`, with the sign that keeps the direction.
     vl::Quaternion Next(const vl::Quaternion& source, vl::Quaternion folded) {
         constexpr double kNearHalfTurn = 1e-6;
         const double step = Dot(m_source, source);
         const bool isHalfTurn = !m_isFirst && std::abs(step) < kNearHalfTurn;
-        bool isTurnedRound = Dot(folded, source * m_turn) < 0;
-        const bool wanted = m_isTurnedRound != (step < 0);
-        if (isHalfTurn && isTurnedRound != wanted) {
+        bool isNegated = Dot(folded, source * m_turn) < 0;
+        const bool wanted = m_isNegated != (step < 0);
+        if (isHalfTurn && isNegated != wanted) {
             folded = vl::Quaternion(-folded.x, -folded.y, -folded.z, -folded.w);
-            isTurnedRound = wanted;
+            isNegated = wanted;
         }
         m_source = source;
-        m_isTurnedRound = isTurnedRound;
+        m_isNegated = isNegated;
         m_isFirst = false;
         return folded;
     }
@@ -67,7 +69,7 @@ public:
 private:
     vl::Quaternion m_turn;
     vl::Quaternion m_source;
-    bool m_isTurnedRound = false;  // the folded orientation has the other sign
+    bool m_isNegated = false;  // the folded orientation has the other sign
     bool m_isFirst = true;
 };
 
@@ -79,9 +81,9 @@ void Fold(ExportNode* record, const vl::Matrix4<double>& scene) {
     for (auto* key : vl::ArrayOf<ExportPositionKey*>(record->pPosKeys)) {
         key->vValue = PartsAt(controller, key->fTime, scene).t;
     }
-    Ways ways(scene);
+    DirectionKeeper directions(scene);
     for (auto* key : vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)) {
-        key->qValue = ways.Next(key->qValue, PartsAt(controller, key->fTime, scene).q);
+        key->qValue = directions.Next(key->qValue, PartsAt(controller, key->fTime, scene).q);
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Exports what cameras and lights aim at: as records, or as further keys of the one that aims.
+// Exports what cameras and lights aim at: as records, or as additional keys of the camera or light.
 #include "module/keyframe/aimed_object.h"
 #include "module/keyframe/key_resample.h"
 #include "module/keyframe/keyframe_tool.h"
@@ -14,7 +14,7 @@ using zrt::AimedObject;
 // What differs between cameras and lights.
 struct TargetPass {
     AimedObject (*find)(vl::zr::Node*);
-    std::uint32_t recordFlag;  // NF_GEOMETRY when only records with their object take part
+    std::uint32_t recordFlag;  // NF_GEOMETRY if only records with their object take part
     std::uint32_t records;     // the export flags
     std::uint32_t keys;
     std::uint32_t targetFlag;
@@ -31,14 +31,15 @@ vl::Vector3<float> WorldTarget(vl::zr::Node* node, const AimedObject& object) {
     return world.PointTransform(object.Target());
 }
 
-// A record made for what an object aims at.
+// A record made for the point that an object aims at.
 struct TargetRecord {
     ExportNode* target;
     vl::zr::Node* node;  // of the object
     AimedObject object;
 };
 
-// A new top-level record where the object aims, with a key wherever the object or one above it has one.
+// A new top-level record at the point that the object aims at, with a key at each of the times if there are
+// several.
 ExportNode* CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObject& object, std::uint32_t flag,
                                const std::vector<float>& times) {
     vl::zr::Node* node = record->pNode;
@@ -57,7 +58,7 @@ ExportNode* CreateTargetRecord(ZR_TK& tool, ExportNode* record, const AimedObjec
     return target;
 }
 
-// The keys where the objects aim at their times.
+// Sets the keys to the points that the objects aim at.
 void FillKeys(ZR_TK& tool, const std::vector<TargetRecord>& targets) {
     zrt::Timetable table;
     for (std::size_t i = 0; i < targets.size(); ++i) {

@@ -9,8 +9,8 @@
 
 namespace zrt {
 
-// The times at which what is aimed at, or a node above it, has keys, ascending. Of nodes that are not
-// exported their controllers know them. For a tree of records that does not change meanwhile.
+// The ascending times at which a target, or a node above it, has keys; for nodes that are not exported, those
+// of their controllers. The tree of records must not change meanwhile.
 class TargetTimes {
 public:
     explicit TargetTimes(ZR_TK& tool) : m_tool(tool) {}
@@ -23,7 +23,7 @@ private:
 
     ZR_TK& m_tool;
     TimesAbove m_above;
-    std::unordered_map<vl::zr::Node*, vl::zr::Node*> m_parents;     // of the scene; empty: not asked for yet
+    std::unordered_map<vl::zr::Node*, vl::zr::Node*> m_parents;     // of the scene; filled on first use
     std::unordered_map<vl::zr::Node*, std::vector<float>> m_known;  // of targets that are not exported
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Key times into the exported range, which begins at 0: scaled, brought to a length, reversed.
+// Maps key times to the exported range, which begins at 0: scales, fits to a length, reverses.
 #include <utility>
 
 #include "module/keyframe/keyframe_tool.h"
@@ -27,8 +27,8 @@ void ReverseTrack(ZR_TK& tool, vl::Array* track) {
     for (int i = 0; i < count / 2; ++i) track->Swap(i, count - 1 - i);
 }
 
-// Relative rotations, still in the old order, for the reversed one: the last key, which comes first then,
-// takes the whole way back from the first, and every other key the step of the key after it.
+// Rewrites relative rotations, still in the old order, for the reversed one: the last key, which will be the
+// first, gets all steps taken back one after another, and every other key the step of the key after it.
 void ReverseSteps(vl::Array* track) {
     const vl::ArrayOf<ExportRotationKey*> keys(track);
     vl::Matrix4<double> total;

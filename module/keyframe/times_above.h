@@ -9,9 +9,8 @@
 
 namespace zrt {
 
-// The times of the keys of records with those of their ancestors: what KeyTimes(record, true) answers, for
-// many records of a tree that does not change meanwhile. Records without times of their own share their
-// parent's.
+// The key times of records and their ancestors: what KeyTimes(record, true) returns, for many records of a
+// tree that does not change meanwhile. Records without times of their own share their parent's.
 class TimesAbove {
 public:
     // Null counts as a record without keys.

@@ -11,16 +11,16 @@
 
 namespace zrt {
 
-// Work to be done at times of the scene. It is done in the order of time, so that each time is set once:
-// setting it costs as much as the whole scene holds.
+// Work to be done at times of the scene, in order of time so that each time is set once: setting it takes
+// time linear in the scene.
 class Timetable {
 public:
     void Add(float time, std::size_t which, std::size_t item = 0) {
         m_entries.push_back({time, static_cast<std::uint32_t>(which), static_cast<std::uint32_t>(item)});
     }
 
-    // Calls work(which, item) for each entry while the scene has its time, then puts the scene's time back.
-    // The table is empty afterwards.
+    // Calls work(which, item) for each entry with the scene at its time, then restores the scene's time. The
+    // table is empty afterwards.
     template <typename Work>
     void Run(vl::zr::Scene* scene, Work work) {
         if (m_entries.empty()) return;
@@ -43,7 +43,7 @@ private:
         std::uint32_t item;
     };
 
-    // Puts the scene's time back at the end.
+    // Restores the scene's time at the end of its scope.
     class SceneTime {
     public:
         explicit SceneTime(vl::zr::Scene* scene) : m_scene(scene), m_time(scene->GetCurrentTime()) {}
@@ -51,7 +51,7 @@ private:
             try {
                 m_scene->SetCurrentTime(m_time, 1);
             } catch (...) {
-                // The time is set; what the host works out for it comes with the next change.
+                // The time is set; what the host derives from it follows with the next change.
             }
         }
         SceneTime(const SceneTime&) = delete;

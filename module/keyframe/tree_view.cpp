@@ -54,7 +54,7 @@ void AppendKeyCount(std::string& label, const char* track, const vl::Array* keys
     if (keys) label.append(track).append(std::to_string(keys->m_nCount));
 }
 
-// A character of several bytes is dropped whole.
+// Drops a multi-byte character as a whole.
 void CutLabel(std::string& label) {
     if (label.size() <= kMaxTreeLabel) return;
     const auto continues = [&label](std::size_t i) {

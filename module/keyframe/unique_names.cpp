@@ -69,7 +69,7 @@ std::u16string UniqueNames::Number(std::u16string_view base, std::size_t maxLeng
                                   : first + range;
 
     // The candidates for numbers of one length are one family: the base, cut to leave room, and the number.
-    // Where the number takes all of the room they are digits alone, which come round again and again.
+    // Where the number takes up all the room they are digits alone, which repeat in a cycle.
     const auto digitsAlone = [maxLength](std::uint64_t value) {
         const std::u16string digits = Decimal<char16_t>(value);
         return std::u16string(maxLength - digits.size(), u'0') + digits;

@@ -10,21 +10,21 @@
 
 namespace zrt {
 
-// A growing set of names that numbers duplicates. The number is the first free one from
-// the count of names on, and takes the place of the name's end where it does not fit behind it:
+// A growing set of names that numbers duplicates. The number is the first free one from the count of names
+// on, and replaces the end of the name if it does not fit after it:
 //
 //   box, box, ball, box -> box, box1, ball, box3        at most 4 characters: abcd (12th) -> ab12
 //
-// Names are UTF-16 units; narrow names come with one unit for each byte. Near-constant time for each name,
-// however many are equal: what a number was found to collide with never goes away, so each family of
-// candidates (one text followed by any number) remembers which numbers are taken.
+// Names are UTF-16 units; narrow names come with one unit for each byte. Near-constant time per name, however
+// many are equal: a taken number stays taken, so each family of candidates (one text followed by any number)
+// remembers which numbers are taken.
 class UniqueNames {
 public:
     // exactCase false: names that differ in the case of ASCII letters are equal.
     explicit UniqueNames(bool exactCase) : m_exactCase(exactCase) {}
 
     // Enters the name, numbered if need be, and returns it as entered. maxLength: 4 to 512, the greatest
-    // length of a numbered name. baseLimit: how many characters of the name stand before a number at most.
+    // length of a numbered name. baseLimit: the most characters of the name before a number.
     //
     // A number longer than maxLength keeps its last digits; after 10^maxLength numbers the last candidate is
     // entered although it is taken.
@@ -42,14 +42,14 @@ private:
     std::uint64_t NextFree(Skips& skips, std::uint64_t from, std::uint64_t end, Candidate candidate) const;
 
     bool m_exactCase;
-    std::size_t m_count = 0;                                 // of Enter's calls
+    std::size_t m_count = 0;                                 // of calls of Enter
     std::unordered_set<std::u16string> m_names;              // folded
     std::unordered_map<std::u16string, Skips> m_families;    // by the folded text before the number
     std::unordered_map<std::size_t, Skips> m_digitFamilies;  // digits alone, by their count
 };
 
-// A growing set of names, compared without regard to the case of ASCII letters. A duplicate gets the
-// next number of the name it equals behind it, again and again until it is new:
+// A growing set of names, compared without regard to the case of ASCII letters. A duplicate gets the next
+// number of the name it equals appended, repeatedly until it is new:
 //
 //   Wood, Wood1, Wood, Stone, stone -> Wood, Wood1, Wood11, Stone, stone1
 //
@@ -60,7 +60,7 @@ public:
     std::u16string Enter(std::u16string_view name);
 
 private:
-    std::unordered_map<std::u16string, int> m_next;  // folded name -> the next number behind it
+    std::unordered_map<std::u16string, int> m_next;  // folded name -> the next number to append
 };
 
 }  // namespace zrt
