@@ -93,7 +93,7 @@ bool CAnimManagerImpl::RemoveAnimation(ChangeRecord* record, Animation* animatio
 }
 
 bool CAnimManagerImpl::RemoveAnimations(ChangeRecord* record, vl::Array* animations) try {
-    // The scene's own list shrinks with every removal, and an animation may go with its last count.
+    // The scene's own list shrinks with every removal, and an animation may be freed with its last reference.
     std::vector<vl::Ref<Animation>> targets;
     for (Animation* animation : vl::ArrayOf<Animation*>(animations)) {
         targets.push_back(vl::Ref<Animation>::Share(animation));

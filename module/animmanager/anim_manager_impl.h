@@ -20,9 +20,9 @@ class RotationMerge;
 // A source of the running merge.
 struct AnimSource {
     vl::zr::Animation* pAnimation = nullptr;
-    double dStart = 0;   // the scene's start time of it, seconds
-    double dSecond = 0;  // the scene's further time of it, seconds
-    double dOffset = 0;  // added to the times of its keys, seconds: each source keeps its own times
+    double dStart = 0;   // when it starts, seconds
+    double dSecond = 0;  // when it ends, seconds
+    double dOffset = 0;  // added to its key times, seconds; 0 keeps them
 };
 
 // The animation manager. The members are set while an operation runs and empty between operations. The arrays

@@ -38,7 +38,7 @@ TransformController* AsTransform(Controller* controller) {
 
 Animation* CAnimManagerImpl::MergeAnimations(ChangeRecord* record, vl::Array* animations, bool removeSources,
                                              std::uint32_t flags) try {
-    // In the scene's own list the result would become a source, and be removed as one.
+    // A copy: in the scene's own list the result would become a source, and be removed as one.
     const vl::ArrayOf<Animation*> given(animations);
     const std::vector<Animation*> sources(given.begin(), given.end());
     if (sources.size() < 2) return nullptr;
@@ -79,7 +79,7 @@ void CAnimManagerImpl::MergeTracks(const std::vector<Animation*>& sources) {
     }
 }
 
-// Takes the half-made result out of the scene, recorded when there is memory for that.
+// Removes the half-made result from the scene, recording it if memory allows.
 void CAnimManagerImpl::UndoMerge() {
     vl::zr::Scene* const scene = m_pScene;
     Animation* const result = std::exchange(m_pResult, nullptr);

@@ -61,7 +61,7 @@ void RotationMerge::Remember(RotationKey* key, int indexInTrack, float time) {
 }
 
 void RotationMerge::Finish() {
-    // The order in which the track holds them: a key goes after those of the same time.
+    // The order of the track: a key follows those of the same time.
     std::stable_sort(m_keys.begin(), m_keys.end(),
                      [](const MergedKey& a, const MergedKey& b) { return a.time < b.time; });
     vl::Matrix4<double> shown;

@@ -13,10 +13,10 @@ class TransformController;
 
 namespace zrt {
 
-// Merges the rotation keys of several tracks into one track of angle-axis keys, in which every key shows
-// the orientation it had in its own track, even where the sources' keys alternate in time. After
-// MergeRotationKeys for each source comes Finish; until then the destination's values are not valid, and
-// nothing else may change its rotation keys.
+// Merges the rotation keys of several tracks into one track of angle-axis keys, in which every key shows the
+// orientation it had in its own track, even where the sources' keys alternate in time. Call MergeRotationKeys
+// for each source, then Finish; until then the destination's values are not valid, and nothing else may
+// change its rotation keys.
 class RotationMerge {
 public:
     RotationMerge(vl::zr::TransformController* controller, vl::zr::Track* destination)
@@ -25,14 +25,14 @@ public:
     // Adds the keys of source, in any form, offset seconds later.
     void MergeRotationKeys(vl::zr::Track* source, double offset);
 
-    // Gives the keys their values. Nothing when no source was added.
+    // Sets the values of the keys. Does nothing if no source was added.
     void Finish();
 
 private:
     struct MergedKey {
         float time;                  // seconds, in the destination
         vl::Quaternion orientation;  // to be shown at that time
-        int stepFrom;                // the key that its value leads from: index as added, or kNoStep
+        int stepFrom;                // the key that its value is relative to: index as added, or kNoStep
         int index;                   // as added
     };
     static constexpr int kNoStep = -1;

@@ -9,8 +9,8 @@
 
 namespace zrt {
 
-// Width and height of the box around the points. The extremes start at 1e25 the wrong way round, so no
-// points give (-2e25, -2e25).
+// Width and height of the box around the points. (-2e25, -2e25) without points, since the extremes start at
+// 1e25, the wrong way round.
 inline std::pair<float, float> Extent(const std::vector<vl::Vector3<float>>& points) {
     float minX = 1e25f, minY = 1e25f, maxX = -1e25f, maxY = -1e25f;
     for (const vl::Vector3<float>& point : points) {

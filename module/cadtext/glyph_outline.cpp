@@ -12,7 +12,7 @@ struct FontDeleter {
 };
 using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
 
-// The screen with a font selected into it, until the end of the scope.
+// The screen's device context, with a font selected until the end of the scope.
 class ScreenFontContext {
 public:
     explicit ScreenFontContext(HFONT font) : m_dc(GetDC(nullptr)), m_previous(SelectObject(m_dc, font)) {}

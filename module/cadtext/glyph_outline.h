@@ -19,18 +19,18 @@ struct GlyphPoint {
 // first is implied. No point equals the one before it in its contour.
 class GlyphOutline {
 public:
-    // Takes the outline from the system. The font is made ten times as high as the record says and
-    // toleranceAngle, in radians, is counted as pi/2 at most; size 12 gives scale 1. When the system has no
-    // outline to give, or a broken one, there are no contours, or those read so far, and the advance is 0.
+    // Gets the outline from the system. The font is created ten times as high as the record says;
+    // toleranceAngle, in radians, is capped at pi/2; size 12 gives scale 1. If the system has no outline, or
+    // a broken one, there are no contours, or only those read so far, and the advance is 0.
     GlyphOutline(std::uint32_t characterCode, const LOGFONTW& font, double toleranceAngle, double size);
 
     // An outline without contours, for ParseNativeOutline.
     GlyphOutline(double toleranceAngle, double size);
 
-    // Adds the polygons of a buffer in native form. False when the buffer is not of that form: a polygon or
-    // curve of another type, a polygon that is shorter than its header, anything that reaches past
-    // byteCount. What was read before the fault stays. A record without points leaves the current point where
-    // it was; a spline of one point is a line to it.
+    // Adds the polygons of a buffer in native form. False if the buffer is malformed: a polygon or curve of
+    // an unknown type, a polygon shorter than its header, anything that extends past byteCount. What was read
+    // before the fault is kept. A record without points leaves the current point where it was; a spline of
+    // one point is a line to that point.
     bool ParseNativeOutline(const BYTE* buffer, std::size_t byteCount);
 
     std::vector<std::vector<GlyphPoint>> contours;
@@ -39,11 +39,11 @@ public:
 private:
     bool LoadNativeOutline(HDC dc, std::uint32_t characterCode);
 
-    // Adds the spline through the off-curve points but the last, which is on the curve. At pi/2 a piece gives
-    // its end points only.
+    // Adds a quadratic spline: the last point is on the curve, the others are control points. At a tolerance
+    // of pi/2 each piece gives its end points only.
     void AddSpline(GlyphPoint start, const GlyphPoint* points, std::size_t count);
 
-    // Adds the piece of a cubic between two parameters, halved until the angle at its middle is flat.
+    // Adds the piece of a cubic between two parameters, halved until it is flat at its middle.
     void FlattenCubic(const GlyphPoint (&cp)[4], float t0, float t1);
     static GlyphPoint EvaluateCubic(const GlyphPoint (&cp)[4], float t);
 

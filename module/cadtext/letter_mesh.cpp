@@ -11,10 +11,10 @@
 
 namespace {
 
-// The text's larger extent in steps of the polygon extension's grid.
+// The larger extent of the text, in steps of the polygon extension's grid.
 constexpr double kGridExtent = 262143.5;
 
-// The region of one letter while it grows, contour by contour.
+// The region of one letter, which grows contour by contour.
 class LetterRegion {
 public:
     explicit LetterRegion(PolyBoolean& engine) : m_engine(engine) {}
@@ -36,7 +36,7 @@ public:
                             : contour;
     }
 
-    // Fills the mesh with the region's triangles; the region is empty again.
+    // Adds the region's triangles to the mesh and empties the region.
     void Flush(LettersPolygons& mesh) {
         m_engine.Triangulate(m_region, LettersPolygons::CollectTriangle, &mesh);
         Clear();

@@ -16,7 +16,7 @@ bool IsNumber(const vl::Vector3<float>& v) {
     return !std::isnan(v.x) && !std::isnan(v.y) && !std::isnan(v.z);
 }
 
-// Equal vertices have equal hashes: adding 0 makes 0 of -0.
+// Equal vertices have equal hashes: adding 0 turns -0 into 0.
 std::uint64_t Hash(const vl::Vector3<float>& v) {
     const auto bits = [](float f) { return std::uint64_t{std::bit_cast<std::uint32_t>(f + 0.0f)}; };
     std::uint64_t h = (bits(v.x) << 32 | bits(v.y)) * 0x9E3779B97F4A7C15u;

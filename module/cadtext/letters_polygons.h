@@ -19,15 +19,15 @@ public:
 
     const char* GetTypeName() override { return "LetterPolygons"; }
 
-    // Index of the first vertex equal to v in all coordinates (-0 equals 0, NaN nothing), appended when
-    // there is none. Constant time on average, through an index that is held while the mesh is filled.
+    // Index of the first vertex equal to v in all coordinates (-0 equals 0, NaN nothing), appended if there
+    // is none. Constant time on average, through an index that is kept until EndBuilding.
     int FindOrAddVertex(const vl::Vector3<float>& v);
     void AddTriangle(const LetterTriangle& triangle) { m_triangles.push_back(triangle); }
 
     // PolyBoolean::TriangleCallback; user is the LettersPolygons to fill.
     static int CollectTriangle(const double* a, const double* b, const double* c, void* user);
 
-    // Frees what only filling needs.
+    // Frees the index that only filling needs.
     void EndBuilding();
 
 private:
@@ -39,7 +39,7 @@ private:
 
     std::vector<vl::Vector3<float>> m_vertices;
     std::vector<LetterTriangle> m_triangles;
-    // Open-addressed table of vertex numbers, a power of two in size and at most half full; empty when the
-    // vertices changed by anything but FindOrAddVertex.
+    // Open-addressed table of vertex numbers, a power of two in size and at most half full; empty after
+    // EndBuilding.
     std::vector<std::int32_t> m_index;
 };

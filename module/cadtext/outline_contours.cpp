@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kPointsPerInch = 72;
 
-// Line feeds with text behind them. A carriage return counts as text.
+// Counts the line feeds that text follows. A carriage return counts as text.
 std::uint32_t CountLineBreaks(const char16_t* text) {
     std::uint32_t count = 0;
     std::uint32_t run = 0;

@@ -6,8 +6,8 @@
 
 #include "module/cadtext/glyph_outline.h"
 
-// The arithmetic of this file is in single precision where a value is a float; its results are
-// stated to the bit.
+// Where a value is a float, the arithmetic of this file is in single precision: its results are defined to
+// the bit.
 
 namespace {
 
@@ -108,9 +108,9 @@ void GlyphOutline::FlattenCubic(const GlyphPoint (&cp)[4], float t0, float t1) {
     const double b = Distance(p1, pm);
     const double c = Distance(p0, p1);
     const double s = (a + b + c) * 0.5;
-    // The cosine of half the angle at the middle, and the area that tells a bend from rounding. The depth is
-    // bounded by the floats between t0 and t1: halving ends at the latest when the middle meets an end,
-    // without area.
+    // The cosine of half the angle at the middle, and the area that distinguishes a bend from rounding. The
+    // depth is bounded by the floats between t0 and t1: halving ends at the latest when the middle coincides
+    // with an end and the area is 0.
     const double k = a * b == 0 ? 1.0 : std::sqrt(s * (s - c) / (a * b));
     if (k > flatnessLimit && static_cast<float>(std::sqrt(s * (s - a) * (s - b) * (s - c))) > 0.0f) {
         FlattenCubic(cp, t0, tm);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The data's acknowledgement stands in the header and travels with it.
+// The acknowledgement in the header must stay with this data.
 #include "module/cadtext/stroke_font.h"
 
 namespace zrt {

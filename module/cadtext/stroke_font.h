@@ -25,7 +25,7 @@ inline constexpr StrokePair kPenUp{-1, -1};
 struct StrokeGlyph {
     int pairCount;  // pairs used, pen-up markers included
     int advance;
-    StrokePair pairs[kStrokePairs];  // those past pairCount mean nothing
+    StrokePair pairs[kStrokePairs];  // unused past pairCount
 };
 
 extern const StrokeGlyph kStrokeFont[kLastStrokeCode - kFirstStrokeCode + 1];

@@ -24,7 +24,7 @@ std::unordered_set<Node*> MembersOfLayers(vl::InterfaceArray* array) {
 
 }  // namespace
 
-// What was cleared is not recorded.
+// The cleared metadata is not recorded.
 int CCleanerImpl::RemoveMetadata(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* /*record*/) {
     if (scene == nullptr) return 0;
     return zrt::CountedWithNotify(scene, [&](int& count) {

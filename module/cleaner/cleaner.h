@@ -8,8 +8,8 @@
 #include "platform/windows.h"
 
 // The scene cleaner. The operations keep nothing between calls and never throw: one that runs out of memory
-// ends as at a break, and what went until then is counted. Each has a file of its own; the dialog and its
-// worker thread are classes of their own (dialog.h, worker.h).
+// ends as at a break and counts what was removed until then. They are defined by subject in files of this
+// folder; the dialog and its worker thread are separate classes (dialog.h, worker.h).
 class CCleanerImpl : public zr_CLEANER {
 public:
     // Switches by option id; an id that was never set is off.
@@ -39,14 +39,14 @@ public:
     int RemoveNotesAndEtc(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) override;
     int RemoveMeshDupes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) override;
 
-    // Touches a window: on the interface thread only.
+    // Uses a window: call on the interface thread only.
     virtual int RemoveEnvMapsAndBackplates(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record);
 
-    // Runs the operations that the parameters choose, of which a missing one means its default: no scene,
-    // every option on. False when memory ran out before the first operation.
+    // Runs the operations that the parameters select. A missing parameter has its default: no scene, every
+    // option on. False when memory ran out before the first operation.
     virtual bool CleanScene(vl::Params* params, vl::Context* context);
 
-    // The scene's own operation in the form of the others; context and record are not used.
+    // The scene's own operation with the signature of the others; context and record are not used.
     int MergeEqualMaterials(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record);
 
 protected:
@@ -55,8 +55,8 @@ protected:
 private:
     void DeleteThis() override { delete this; }
 
-    std::u16string m_strLog;  // text of the dialog's log, which goes on from dialog to dialog
+    std::u16string m_strLog;  // of the dialog, continued by the next one
 };
 
-// A new cleaner whose one count belongs to the caller, or null when there is no memory.
+// A new cleaner with a count of 1, owned by the caller; null if there is no memory.
 CCleanerImpl* CreateCleaner();

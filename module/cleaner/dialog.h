@@ -11,12 +11,12 @@
 
 namespace zrt {
 
-// The cleaner's modal dialog: the user chooses operations, a worker runs them. It goes from choosing to
-// running to finished and never back; it can be closed in the first and the last of these. Interface thread
-// only.
+// The cleaner's modal dialog: the user chooses operations, a worker runs them. Its states are choosing,
+// running and finished, in this order; it can be closed in the first and the last. Interface thread only.
 class CleanerDialog {
 public:
-    // All of it outlives the dialog. log: where the worker continues it; callLimit: CleanerWorker::Run.
+    // Everything passed must outlive the dialog. log: the worker appends to it. callLimit: see
+    // CleanerWorker::Run.
     CleanerDialog(CCleanerImpl& cleaner, vl::zr::Scene& scene, vl::Context& context, std::u16string& log,
                   DWORD callLimit)
         : m_cleaner(cleaner), m_scene(scene), m_context(context), m_log(log), m_callLimit(callLimit) {}

@@ -36,7 +36,7 @@ bool IsEmpty(Node* node) {
     return node->m_pObject == nullptr && node->m_pFirstChild == nullptr && !IsNodeTargetOfCameraOrLight(node);
 }
 
-// The parents of the nodes that could become empty, themselves such nodes.
+// Links from parents to children, where both can become empty.
 class Parents {
 public:
     explicit Parents(vl::Array* nodes) {
@@ -81,9 +81,9 @@ private:
 
 }  // namespace
 
-// A node that goes can leave its parent empty, so the passes repeat until one finds nothing. Objects,
-// cameras and lights stay as they are, and with them every other test: after the first pass only the parents
-// of what went need another look.
+// Removing a node can leave its parent empty, so the passes repeat until one finds nothing. Objects, cameras
+// and lights do not change, so no other condition does: after the first pass only the parents of removed
+// nodes need another look.
 int CCleanerImpl::RemoveEmptyNodes(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) {
     if (scene == nullptr || scene->m_pNodes == nullptr) return 0;
     return zrt::CountedWithNotify(scene, [&](int& total) {
@@ -106,7 +106,7 @@ int CCleanerImpl::RemoveEmptyNodes(vl::zr::Scene* scene, vl::Context* context, C
             const int totalBefore = total;
             zrt::RemoveNodes(candidates, context, record, total);
             const int gone = before - nodes.Count();
-            // A host that keeps every node it was told to delete would keep the passes going for ever.
+            // A host that deletes none of the nodes would make the passes repeat for ever.
             if (zrt::IsBreak(context) || gone == 0) break;
             if (gone == total - totalBefore) {
                 collect(parents->Of(candidates));

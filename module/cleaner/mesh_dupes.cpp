@@ -16,7 +16,7 @@ using vl::zr::Node;
 
 namespace {
 
-// A repeated node below another one waits for the next pass as long as it has a child.
+// A duplicate that still has a child waits for the next pass.
 constexpr int kMaxDeletionPasses = 10;
 
 struct Candidate {
@@ -41,9 +41,8 @@ std::vector<Candidate> Meshes(vl::Array* nodes, const vl::Context* context) {
     return meshes;
 }
 
-// The nodes that repeat an earlier one's mesh at its place, in the order of the scene's list.
-// Most meshes of a scene are like no other: only where several have one hash of their content does it matter
-// where they stand.
+// The nodes that repeat an earlier one's mesh at its place, in the order of the scene's list. Most meshes of
+// a scene are unlike any other: places matter only among meshes with equal content hashes.
 std::vector<Node*> DuplicateMeshes(vl::Array* nodes, const vl::Context* context) {
     std::vector<Candidate> meshes = Meshes(nodes, context);
     std::vector<Node*> repeated(meshes.size());

@@ -17,7 +17,7 @@ using vl::zr::Node;
 
 namespace {
 
-// Equal pointers are equal content, which spares reading what meshes share.
+// Equal pointers mean equal content, which avoids reading what meshes share.
 bool SameBytes(const void* a, const void* b, std::size_t size) {
     if (a == b || size == 0) return true;
     return a != nullptr && b != nullptr && std::memcmp(a, b, size) == 0;
@@ -44,21 +44,21 @@ void MixLists(std::uint64_t& hash, const std::uint32_t* const* lists, std::uint3
     }
 }
 
-// Where a node stands, as four numbers that two equal transforms have nearly in common: the translation, and
-// one that mixes all the rest, so that every way in which places differ tells. Each number lies in a cell
-// some times wider than two equal ones can be apart.
+// The place of a node as four numbers that are nearly the same for equal transforms: the translation, and a
+// mixture of all the rest, so that any difference shows. Each number lies in a cell several times wider than
+// two equal ones can be apart.
 struct Number {
     double value;
-    double reach;  // how far an equal transform's number can be away
+    double reach;  // how far away an equal transform's number can be
     double cellsPerUnit;
 };
 
 constexpr unsigned kCellAxes = 4;
 
-// Multiples of no common number, so that no turn or scale leaves the mixture as it was.
+// Without a common factor, so that no turn or scale leaves the mixture unchanged.
 constexpr double kMixture[9] = {1.0, 0.618, 0.755, -0.857, 0.914, -0.683, 0.541, -0.786, 0.967};
 
-// A power of two makes the product exact; every step is monotone, so that no rounding takes an equal number
+// Powers of two make the products exact; every step is monotone, so that rounding cannot move an equal number
 // out of the range of Around.
 constexpr double kTranslationCells = 65536;
 constexpr double kMixtureCells = 4096;
@@ -75,8 +75,8 @@ std::array<Number, kCellAxes> Place(Node* node) {
         mixed.reach += std::abs(kMixture[i]) * 2 * kTransformTolerance;
         size += std::abs(term);
     }
-    // The sum is rounded, in an equal transform in another way; of numbers so large that this could lead out
-    // of the neighbouring cell it tells nothing.
+    // The sum is rounded, differently for an equal transform. Numbers so large that this could reach past the
+    // neighbouring cell are not mixed in.
     mixed.reach += size * 16 * std::numeric_limits<double>::epsilon();
     if (!(mixed.reach * kMixtureCells < 0.5)) mixed = {0, 0, kMixtureCells};
     for (unsigned axis = 0; axis < 3; ++axis)

@@ -10,7 +10,7 @@
 
 namespace zrt {
 
-// What two equal meshes have in common at least; compared as its 20 bytes.
+// What two equal meshes have in common at the least; compared as 20 bytes.
 struct MeshKey {
     std::uint32_t vertices;
     std::uint32_t faces;
@@ -27,16 +27,15 @@ static_assert(sizeof(MeshKey) == 20);
 // Transforms that differ by no more in any element are equal. The single-precision 1e-6.
 inline constexpr double kTransformTolerance = 1e-6F;
 
-// Whether the meshes hold the same, byte for byte: -0 differs from 0, a NaN equals itself. Face and list
-// sizes are compared as they apply, whether they stand in an array or hold for all. False when either is
-// null.
+// Whether the meshes are equal byte for byte: -0 differs from 0, a NaN equals itself. Face and list sizes are
+// compared by value, whether an array states them or one for all. False if either mesh is null.
 bool GeometryEqual(const vl::zr::Mesh* a, const vl::zr::Mesh* b);
 
 // Whether the nodes' world transforms at rest are equal within kTransformTolerance.
 bool TransformsEqual(vl::zr::Node* a, vl::zr::Node* b);
 
-// Hashes of what meshes hold: equal ones for meshes that GeometryEqual finds equal. The meshes stay unchanged
-// as long as the object lives.
+// Hashes of the content of meshes: equal for meshes that GeometryEqual finds equal. The meshes must not
+// change while the object lives.
 class ContentHashes {
 public:
     std::uint64_t Of(const vl::zr::Mesh& mesh);
@@ -57,15 +56,15 @@ private:
     std::unordered_map<Arrays, std::uint64_t, ArraysHash> m_hashes;  // of large meshes
 };
 
-// The different meshes of a scene, each with the node that it stands at.
+// The distinct meshes of a scene, each with its node.
 //
-// The tolerance is not transitive, so no grouping decides: a mesh is held against every earlier one that may
-// be equal. Those are found by a hash of the content and by the cell of the transform, so that the cost
+// The tolerance is not transitive, so meshes cannot be grouped: each is compared with every earlier one that
+// may be equal. Those are found by a hash of the content and by the cell of the transform, so that the cost
 // stays linear for any number of meshes of one shape at different places, or of one size at one place.
 class MeshIndex {
 public:
-    // Whether an earlier mesh is equal and stands at an equal transform; otherwise adds the mesh. Node and
-    // mesh must not change as long as the index lives. content: the mesh's ContentHashes::Of.
+    // Whether an earlier mesh is equal and has an equal transform; otherwise adds the mesh. Node and mesh
+    // must not change while the index lives. content: the mesh's ContentHashes::Of.
     bool FindOrAdd(vl::zr::Node* node, vl::zr::Mesh* mesh, std::uint64_t content);
 
 private:

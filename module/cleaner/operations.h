@@ -14,7 +14,7 @@ struct Operation {
     int parameter;
     int startMessage;  // string logged before it runs
     int countMessage;  // string logged with its count
-    bool checked;      // whether the dialog offers it, checked
+    bool checked;      // whether the dialog enables and checks it
     int (CCleanerImpl::*run)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 };
 

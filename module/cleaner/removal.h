@@ -10,9 +10,9 @@
 #include "host/scene.h"
 #include "module/frame/globals.h"
 
-// What the removal operations share. Each collects its candidates without a change to the scene, removes them
-// in the order collected and notifies the scene once. A break ends the step in which it is seen: one that
-// comes while candidates are collected removes nothing. Running out of memory is a break too.
+// What the removal operations share. Each collects its candidates without changing the scene, removes them in
+// the order collected and notifies the scene once. A break ends the step in which it is seen: if candidates
+// are being collected, nothing is removed. Running out of memory is a break too.
 namespace zrt {
 
 inline bool IsBreak(const vl::Context* context) {
@@ -24,14 +24,14 @@ inline vl::Ref<vl::Array> NewList() {
     return vl::Ref<vl::Array>::AdoptNew(g_pHost->CreateArray());
 }
 
-// Runs work(count), which counts what it removes, up to its end or an exception.
+// Runs work(count), which counts what it removes, and returns the count, also after an exception.
 template <typename Work>
 int Counted(Work work) noexcept {
     int count = 0;
     try {
         work(count);
     } catch (...) {
-        // What went until then is counted.
+        // What was removed until then is counted.
     }
     return count;
 }
@@ -67,7 +67,7 @@ private:
     vl::InterfaceArray* m_array;
 };
 
-// Deletes the nodes until a break, each after it was recorded.
+// Records and deletes each node, until a break.
 void RemoveNodes(vl::ArrayOf<vl::zr::Node*> nodes, const vl::Context* context, ChangeRecord* record,
                  int& count);
 

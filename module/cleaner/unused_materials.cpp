@@ -18,10 +18,11 @@ using vl::zr::Renderable;
 
 namespace {
 
-// Takes out of `materials` those that the scene's objects tell of by themselves; the objects that do not.
-std::vector<Renderable*> DropTold(std::vector<Material*>& materials, vl::Array* nodes,
-                                  const vl::Context* context) {
-    std::vector<Renderable*> silent;
+// Removes from `materials` those that objects of the scene list themselves. Returns the objects without such
+// a list.
+std::vector<Renderable*> DropListed(std::vector<Material*>& materials, vl::Array* nodes,
+                                    const vl::Context* context) {
+    std::vector<Renderable*> unlisted;
     std::unordered_set<const vl::Interface*> used;
     std::unordered_set<const vl::InterfaceArray*> known;  // lists that several objects share
     for (Node* node : vl::ArrayOf<Node*>(nodes)) {
@@ -31,24 +32,24 @@ std::vector<Renderable*> DropTold(std::vector<Material*>& materials, vl::Array* 
             vl::Ref<vl::Interface>::Adopt(node->m_pObject->QueryComponent(vl::zr::kComponentMaterials, 0));
         auto* list = dynamic_cast<vl::InterfaceArray*>(component.Get());
         if (list == nullptr) {
-            silent.push_back(static_cast<Renderable*>(node->m_pObject));
+            unlisted.push_back(static_cast<Renderable*>(node->m_pObject));
         } else if (known.insert(list).second) {
             for (unsigned i = 0; i < list->GetCount(); ++i) used.insert(list->GetAt(i));
         }
     }
     std::erase_if(materials, [&](Material* material) { return used.count(material) != 0; });
-    return silent;
+    return unlisted;
 }
 
-// Asks the objects of a scene, one by one, for the materials that they use. After a break answers mean
-// nothing.
+// Asks the objects of a scene one by one for the materials that they use. After a break the answers are
+// meaningless.
 class MaterialUsers {
 public:
     explicit MaterialUsers(std::vector<Renderable*> objects) : m_objects(std::move(objects)) {}
 
-    // Takes the materials out that an object uses. Scenes tend to list materials in the order in which their
+    // Removes the materials that an object uses. Scenes tend to list materials in the order in which their
     // nodes use them, so each is first looked for where the last one was found. The others are looked for in
-    // a few objects at a time, which stay at hand while all materials are asked for.
+    // one block of objects at a time, which stays in the cache for all materials.
     void DropUsed(std::vector<Material*>& materials, const vl::Context* context) {
         std::size_t next = 0;
         std::erase_if(materials, [&](Material* material) {
@@ -69,7 +70,7 @@ private:
     static constexpr std::size_t kBlock = 256;
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-    // The first object from first up to last, which may lie past the end, that uses the material.
+    // The first object in [first, last) that uses the material, or kNone. last may be past the end.
     std::size_t Find(Material* material, std::size_t first, std::size_t last,
                      const vl::Context* context) const {
         for (std::size_t i = first; i < std::min(last, m_objects.size()); ++i) {
@@ -91,7 +92,7 @@ int CCleanerImpl::RemoveUnusedMaterials(vl::zr::Scene* scene, vl::Context* conte
         for (Material* material : vl::ArrayOf<Material*>(scene->m_pMaterials)) {
             if (material != scene->m_pDefaultMaterial) unused.push_back(material);
         }
-        MaterialUsers(DropTold(unused, scene->m_pNodes, context)).DropUsed(unused, context);
+        MaterialUsers(DropListed(unused, scene->m_pNodes, context)).DropUsed(unused, context);
         for (Material* material : unused) {
             if (zrt::IsBreak(context)) break;
             if (record != nullptr) record->RecordMaterialRemoval(material, 0);

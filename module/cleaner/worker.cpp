@@ -54,7 +54,7 @@ void CleanerWorker::RunEnvironmentCall() {
     SetEvent(m_hEvent);
 }
 
-// A run that is out of memory ends early, and its log without the last line.
+// A run that runs out of memory ends early, and its log lacks the last line.
 DWORD WINAPI CleanerWorker::WorkerProc(LPVOID object) {
     auto& worker = *static_cast<CleanerWorker*>(object);
     const HWND dialog = worker.m_run.dialog;
@@ -99,8 +99,8 @@ int CleanerWorker::RunOperation(const Operation& operation) {
     return (m_run.cleaner.*operation.run)(&m_run.scene, &m_run.context, m_record.Get());
 }
 
-// Lets the interface thread remove the environment; false when it did not finish in time. Then a call that
-// has not begun is abandoned and never will; one that has begun leaves m_hEvent for the end of the run.
+// Has the interface thread remove the environment; false if it did not finish in time. By then, a call that
+// has not begun is abandoned for good; one that has begun leaves m_hEvent open until the end of the run.
 bool CleanerWorker::CallOnInterfaceThread() {
     m_hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     if (m_hEvent == nullptr) return false;
@@ -126,12 +126,12 @@ void CleanerWorker::EndRecord() {
     try {
         m_record->End(Text(kTextRecord));
     } catch (...) {
-        // A record without its caption still holds what went.
+        // A record without its caption still holds what was removed.
     }
     m_record.Reset();
 }
 
-// Appends the text to the log, with a line end unless it has one, and lets the dialog show it.
+// Appends the text to the log, with a line end unless it has one, and has the dialog show it.
 void CleanerWorker::AppendLog(const char16_t* text, bool lineEnd) {
     const std::u16string_view added = text;
     m_run.log += added;

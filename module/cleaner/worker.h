@@ -12,20 +12,20 @@
 
 namespace zrt {
 
-// What the worker thread tells the dialog: the command of a WM_COMMAND message without a control.
+// Messages of the worker thread to the dialog: the command of a WM_COMMAND message without a control.
 enum DialogCommand : int {
-    kCommandEnded = 1281,        // posted as the last thing: the worker ends
+    kCommandEnded = 1281,        // posted last: the worker ends
     kCommandProgress = 1537,     // sent; parameter: position in the low word, maximum in the high word
     kCommandLog = 1538,          // sent: the log has grown
-    kCommandEnvironment = 1539,  // posted: run the call that is handed to the interface thread
+    kCommandEnvironment = 1539,  // posted: run the call handed to the interface thread
 };
 
-// The run of a dialog's operations on a thread of its own, with a change record, progress and a log. One
-// object serves one run. Where nothing else is said its operations belong to the interface thread.
+// Runs a dialog's operations on a thread of their own, with a change record, progress and a log. One object
+// serves one run. Unless stated otherwise, its functions are for the interface thread.
 class CleanerWorker {
 public:
-    // What a run works with. All of it outlives the run; the worker alone writes to the log while it runs,
-    // and the interface thread reads it while the worker waits for the answer to a message, or has ended.
+    // What a run works with. All of it must outlive the run. Only the worker writes to the log while it runs;
+    // the interface thread reads it while the worker waits for the answer to a message, or has ended.
     struct Run {
         CCleanerImpl& cleaner;
         vl::zr::Scene& scene;
@@ -41,7 +41,7 @@ public:
     CleanerWorker& operator=(const CleanerWorker&) = delete;
     ~CleanerWorker() { Join(); }
 
-    // False when no thread can be had.
+    // False if no thread can be created.
     bool Start();
 
     // True from Start until the worker needs neither dialog nor scene any more.
@@ -50,7 +50,7 @@ public:
     // Waits for the end of the thread.
     void Join();
 
-    // Runs the call that kCommandEnvironment announces, unless the worker has given it up.
+    // Runs the call that kCommandEnvironment announces, unless the worker has abandoned it.
     void RunEnvironmentCall();
 
 private:

@@ -24,7 +24,7 @@ vl::Word Initialise(HostApp* host, HINSTANCE module) {
     return kInitialised;
 }
 
-// The caller's buffer holds the text and its terminator.
+// The caller's buffer must have room for the text and its terminator.
 vl::Word CopyOut(std::u16string_view text, char16_t* buffer) {
     if (buffer == nullptr) return 0;
     *std::copy(text.begin(), text.end(), buffer) = 0;

@@ -5,14 +5,14 @@
 
 namespace zrt {
 
-// An extension that the module offers. create: a new object with count 1, or null when the host's heap gives
-// no storage. What its constructor throws is passed on, the storage freed.
+// An extension that the module offers. create: returns a new object with a count of 1, or null if the host's
+// heap has no memory. Passes on what the constructor throws, with the storage freed.
 struct ExtensionType {
     const char* name;
     vl::Extension* (*create)();
 };
 
-// In the order in which they are registered and compared.
+// In the order in which they are registered and looked up.
 extern const ExtensionType kExtensionTypes[4];
 
 }  // namespace zrt
