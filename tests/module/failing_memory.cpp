@@ -44,8 +44,8 @@ long LiveBlocks() {
 
 }  // namespace failing_memory
 
-// The linker puts these in the place of every call of the C functions in the program, those below among them.
-// It refuses hidden ones where a shared library calls the functions, too.
+// The linker redirects every call of the C functions in the program to these, including the calls below. It
+// rejects hidden ones if a shared library calls the functions too.
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -72,7 +72,7 @@ void __wrap_free(void* block) {
 }  // extern "C"
 #pragma GCC visibility pop
 
-// These take the place of the standard library's and the core library's for the whole process.
+// These replace the standard library's and the core library's for the whole process.
 void* operator new(std::size_t size) {
     if (void* block = std::malloc(size)) return block;
     if (const std::new_handler handler = std::get_new_handler()) handler();

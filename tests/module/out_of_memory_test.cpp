@@ -20,7 +20,7 @@
 #include "tests/module/test_host.h"
 
 // Small runs of every operation of the extensions, in which each allocation fails in turn. Whatever fails,
-// nothing throws, crashes or leaks, and the operation answers as the contract says.
+// nothing throws, crashes or leaks, and the operation returns what the contract states.
 namespace {
 
 using kernix::NodeModel;
@@ -37,13 +37,13 @@ protected:
         return Ref<T>::Share(dynamic_cast<T*>(extension.Get()));
     }
 
-    // A fresh case for each allocation that fails: prepare makes what run works on and check looks at. check
-    // is told whether an allocation failed. The last run, in which none fails, ends the steps.
+    // A fresh case for each allocation that fails: prepare makes what run works on and check examines.
+    // failed: whether an allocation failed. The last run, in which none fails, ends the steps.
     template <typename Case>
     static void Step(const std::function<std::unique_ptr<Case>()>& prepare,
                      const std::function<void(Case&)>& run,
                      const std::function<void(Case&, bool failed)>& check) {
-        run(*prepare());  // what is made once and stays is made here
+        run(*prepare());  // makes what is created once and kept
         long n = 0;
         for (bool failed = true; failed;) {
             const long before = failing_memory::LiveBlocks();
@@ -54,7 +54,8 @@ protected:
                 failed = failing_memory::Stop();
                 check(*each, failed);
             }
-            ASSERT_EQ(failing_memory::LiveBlocks(), before) << "blocks, after allocation " << n << " failed";
+            ASSERT_EQ(failing_memory::LiveBlocks(), before)
+                << "live blocks after allocation " << n << " failed";
             ASSERT_FALSE(testing::Test::HasFailure()) << "allocation " << n;
         }
     }
@@ -148,7 +149,7 @@ TEST_F(OutOfMemory, ProcessDropsItsRecords) {
     }
 }
 
-TEST_F(OutOfMemory, KeysOfAFurtherAnimationDropTheRecords) {
+TEST_F(OutOfMemory, KeysOfAnotherAnimationDropTheRecords) {
     struct Case {
         Ref<SceneModel> scene = MovingMeshes();
         Ref<vl::tk::Serializer> tool;
@@ -283,7 +284,7 @@ bool LayersHoldOnlyNodesOfTheScene(SceneModel& scene) {
 
 using Operation = int (zr_CLEANER::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
-TEST_F(OutOfMemory, RemovalsCountWhatWent) {
+TEST_F(OutOfMemory, RemovalsAreCounted) {
     for (const Operation operation :
          {&zr_CLEANER::RemoveUnusedAnimations, &zr_CLEANER::RemoveUnusedMaterials,
           &zr_CLEANER::RemoveEmptyNodes, &zr_CLEANER::RemoveUnusedLayers, &zr_CLEANER::RemoveModelViews,
@@ -337,7 +338,7 @@ TEST_F(OutOfMemory, CleanSceneRunsOrDoesNothing) {
         });
 }
 
-// ---- What every extension answers, and text.
+// ---- What every extension offers, and text.
 
 TEST_F(OutOfMemory, ParametersAndMetadataStayOrChangeAsAWhole) {
     struct Case {

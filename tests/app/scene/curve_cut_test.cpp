@@ -13,7 +13,7 @@ using enum vl::zr::KeyInterpolation;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-TEST(CurveCut, EndsWithWhatIsShownThere) {
+TEST(CurveCut, EndsWithTheValueShownThere) {
     const Curve linear{kInterpolationLinear, {0, 4}, {0, 4}};
     EXPECT_EQ(Cut(linear, 1, 3, false), (Curve{kInterpolationLinear, {1, 3}, {1, 3}}));
     EXPECT_EQ(Cut(linear, -kInfinity, 3, false), (Curve{kInterpolationLinear, {0, 3}, {0, 3}}));
@@ -26,17 +26,17 @@ TEST(CurveCut, EndsWithWhatIsShownThere) {
 }
 
 // x^3 from 0 to 2, with its slopes 3x^2.
-TEST(CurveCut, ACubicPieceStaysTheSame) {
+TEST(CurveCut, CubicSegmentIsUnchanged) {
     const Curve cubic{kInterpolationCubic, {0, 2}, {0, 0, 0, 12, 8, 12}};
     EXPECT_EQ(Cut(cubic, 0.5F, 1, false),
               (Curve{kInterpolationCubic, {0.5F, 1}, {0.75F, 0.125F, 0.75F, 3, 1, 3}}));
-    // Beyond its keys it stays, whatever their slopes.
+    // Outside its keys it is constant, whatever their slopes.
     EXPECT_EQ(Cut(cubic, -1, 3, false),
               (Curve{kInterpolationCubic, {-1, 0, 2, 3}, {0, 0, 0, 0, 0, 0, 12, 8, 0, 0, 8, 0}}));
     EXPECT_EQ(Cut(cubic, 2, kInfinity, false), (Curve{kInterpolationLinear, {2}, {8}}));
 }
 
-TEST(CurveCut, ACubicRotationKeepsItsWayWithKeysOfUnitLength) {
+TEST(CurveCut, CubicRotationKeepsItsPathWithUnitKeys) {
     const auto half = static_cast<float>(std::sqrt(0.5));
     const Curve turn{kInterpolationCubic, {0, 1, 2}, {0, 0, 0, 0, 0,    0,    0,    1,    0, 0, 3, 0,  //
                                                       0, 1, 0, 0, 0,    0,    half, half, 0, 1, 0, 0,  //

@@ -22,7 +22,7 @@ std::string Levels(const std::string& ids) {
     return Join(R"("extensions": {"MSFT_lod": {"ids": [)", ids, "]}}");
 }
 
-TEST(NodeLayout, WholeDocumentTakesEveryNodeOnce) {
+TEST(NodeLayout, WholeDocumentContainsEveryNodeOnce) {
     const std::string scenes = R"("scene": 1, "scenes": [{"nodes": [0, 2]}, {"nodes": [1, 0]}, {}], )";
     const std::string nodes = R"({}, {"children": [3]}, {}, {}, {"children": [5]}, {})";
     const NodeLayout whole = Layout(scenes, nodes);
@@ -35,9 +35,9 @@ TEST(NodeLayout, WholeDocumentTakesEveryNodeOnce) {
     EXPECT_EQ(Layout("", nodes, false).scenes, (std::vector<Indices>{{0, 1, 2, 4}}));
 }
 
-// A level that hangs nowhere is where the node is that it stands for, also through another level; one that
-// has a place of its own stays there.
-TEST(NodeLayout, LevelsHangWhereTheirNodeDoes) {
+// A level without a parent gets the parent of the node that it stands for, also through another level; one
+// that has a place of its own keeps it.
+TEST(NodeLayout, LevelsGetTheParentOfTheirNode) {
     const NodeLayout layout = Layout(R"("scenes": [{"nodes": [0, 5]}], )",
                                      Join(R"({"children": [1, 2]}, {)", Levels("2, 3, 5"), "}, {}, {",
                                           Levels("4"), "}, {}, {", Levels("6"), "}, {}"));
@@ -48,8 +48,8 @@ TEST(NodeLayout, LevelsHangWhereTheirNodeDoes) {
     EXPECT_EQ(Layout("", Join("{", Levels("1"), "}, {}")).scenes, (std::vector<Indices>{{0}}));
 }
 
-// Levels in a ring, of themselves and of what is below them; and a chain that is long.
-TEST(NodeLayout, HostileLevelsEnd) {
+// Levels in a ring, of themselves and of nodes below them, and a long chain.
+TEST(NodeLayout, HostileLevelsTerminate) {
     const NodeLayout ring =
         Layout(R"("scenes": [{"nodes": [0]}], )",
                Join("{}, {", Levels("2"), "}, {", Levels("1, 2"), R"(}, {"children": [4]}, {)",

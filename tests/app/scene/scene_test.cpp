@@ -43,7 +43,7 @@ gltf::Document Changed(std::initializer_list<std::pair<std::string_view, std::st
     return gltf::Document::FromBytes(BytesOf(gltf::test::Glb(json, gltf::test::SampleBin())), "changed.glb");
 }
 
-TEST(LoadedScene, NodesComeParentsFirstWithWhatTheyShow) {
+TEST(LoadedScene, NodesComeParentsFirstWithTheirObjects) {
     LoadedScene loaded(gltf::test::Sample());
     EXPECT_EQ(NodeNames(loaded.Scene()), (Names{"left", "right", "light", "camera", "hip", "knee"}));
     EXPECT_EQ(loaded.Node(6), nullptr);  // of the other scene
@@ -74,7 +74,7 @@ TEST(LoadedScene, MatricesArePlacedAsWritten) {
     EXPECT_NEAR(world.m[3][2], 7, 1e-12);
 }
 
-TEST(LoadedScene, MeshesShareGeometryAndDifferInFormatByWhatIsDrawn) {
+TEST(LoadedScene, MeshesShareGeometryAndDifferInFormat) {
     // Two meshes with equal content in different accessors.
     const auto scene = [](std::string_view second, std::string_view nodes) {
         return LoadedScene(
@@ -118,8 +118,8 @@ TEST(LoadedScene, MeshesShareGeometryAndDifferInFormatByWhatIsDrawn) {
     }
 }
 
-// A small file can name one accessor a thousand times; what it names is held once, and so are the uses.
-TEST(LoadedScene, PrimitivesThatShareVerticesHoldThemOnce) {
+// A small file can name one accessor a thousand times; its content is stored once, and so are the uses.
+TEST(LoadedScene, PrimitivesThatShareVerticesStoreThemOnce) {
     std::string primitives;
     for (int i = 0; i < 1000; ++i)
         primitives += Join(i == 0 ? "" : ",", R"({"attributes":{"POSITION":0},"material":)", i % 2, "}");
@@ -142,8 +142,8 @@ TEST(LoadedScene, PrimitivesThatShareVerticesHoldThemOnce) {
     EXPECT_NE(mesh(0)->m_nFormat, mesh(2)->m_nFormat) << "a thousand primitives are not two";
 }
 
-// Equal bytes are equal whatever lies between them; the same bytes read in another way are not.
-TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
+// Equal bytes are equal whatever lies between them, but not if their format differs.
+TEST(LoadedScene, AccessorsAreEqualByContent) {
     std::string bin = gltf::test::Floats({0, 0, 0, 1, 0, 0, 0, 1, 0}) +
                       gltf::test::Floats({0, 0, 0, 9, 1, 0, 0, 9, 0, 1, 0, 9}) +
                       gltf::test::Floats({0, 0, 0, 1, 0, 0, 0, 2, 0});
@@ -178,7 +178,7 @@ TEST(LoadedScene, AccessorsAreEqualByWhatTheyHold) {
     EXPECT_EQ(format(2), format(4)) << "within a greater view";
 }
 
-TEST(LoadedScene, MotionAndReferencesSetFormatsApart) {
+TEST(LoadedScene, MotionAndReferencesChangeFormats) {
     const auto formats = [](std::string_view channels, std::string_view more) {
         LoadedScene loaded(gltf::test::FromText(
             R"({"asset":{"version":"2.0"},"nodes":[{"mesh":0},{"mesh":0},{"children":[3]},{"mesh":0}],
@@ -203,7 +203,7 @@ TEST(LoadedScene, MotionAndReferencesSetFormatsApart) {
     EXPECT_EQ(formats("", R"(,"skins":[{"joints":[0]}])"), std::pair(false, false));
 }
 
-TEST(LoadedScene, EveryPrimitiveModeBecomesTrianglesOrPairs) {
+TEST(LoadedScene, EveryPrimitiveModeBecomesTrianglesOrLines) {
     const auto lists = [](int mode) {
         LoadedScene loaded(gltf::test::FromText(
             R"({"asset":{"version":"2.0"},"nodes":[{"mesh":0}],"meshes":[{"primitives":[{"attributes":{"POSITION":0},"mode":)" +
@@ -226,7 +226,7 @@ TEST(LoadedScene, EveryPrimitiveModeBecomesTrianglesOrPairs) {
     EXPECT_EQ(lists(6), "120 230 340 ");
 }
 
-TEST(LoadedScene, WhatSomethingRefersToIsKept) {
+TEST(LoadedScene, ReferencedElementsAreKept) {
     LoadedScene loaded(Changed({{R"({"sampler": 0, "target": {"node": 1, "path": "translation"}})",
                                  R"({"sampler": 0, "target": {"node": 2, "path": "translation"}})"},
                                 {R"({"light": 0}}})", R"({"light": 0}}}, {"name": "loose"})"},
@@ -262,7 +262,7 @@ TEST(WriteBack, NothingChangedChangesNothing) {
 }
 
 // An index that cannot be followed would name another element afterwards.
-TEST(WriteBack, RefusesToRenumberWhatCannotBeFollowed) {
+TEST(WriteBack, RefusesToRenumberOpaqueReferences) {
     const auto removeFirst = [](std::string_view extension, bool force) {
         SceneOptions options;
         options.force = force;
@@ -296,7 +296,7 @@ TEST(WriteBack, RemovalsReachTheDocument) {
         gltf::Document::FromBytes(BytesOf(gltf::test::Glb(text, gltf::test::SampleBin())), "x.glb"));
 }
 
-TEST(WriteBack, MergedMaterialsAreReferredToAsOne) {
+TEST(WriteBack, ReferencesFollowMergedMaterials) {
     LoadedScene loaded(Changed(
         {{R"({"name": "sheen", "extensions": {"KHR_materials_sheen": {"sheenColorTexture": {"index": 1}}}})",
           R"({"name": "again", "pbrMetallicRoughness": {"baseColorTexture": {"index": 2}}})"},
@@ -336,7 +336,7 @@ TEST(WriteBack, ChangedAndNewKeysAreStored) {
     EXPECT_EQ(scaled.values, (std::vector<float>{1, 2, 3}));
 }
 
-TEST(Curves, MixedKeysBecomeLinearOnesThatLieOnTheCurve) {
+TEST(Curves, MixedKeysBecomeLinearOnTheCurve) {
     kernix::SceneModel* scene = new kernix::SceneModel;
     const auto owner = vl::Ref<kernix::SceneModel>::Adopt(scene);
     kernix::TransformTrack* track =
@@ -362,7 +362,7 @@ TEST(Curves, MixedKeysBecomeLinearOnesThatLieOnTheCurve) {
     for (std::size_t i = 1; i < curve.times.size(); ++i) EXPECT_LT(curve.times[i - 1], curve.times[i]);
 }
 
-TEST(ZrScene, LayersViewportsAndAimsComeAndGo) {
+TEST(ZrScene, LayersViewportsAndAimsRoundTrip) {
     const char* const kText = R"({"asset":{"version":"2.0"},"extensionsUsed":["ZR_scene"],
         "nodes":[{"name":"cam","camera":0,"extensions":{"ZR_scene":{"target":1}}},{"name":"aim"},{"name":"gone"},
                  {"name":"note","extensions":{"ZR_scene":{"note":true,"pivot":[1,2,3]}}}],

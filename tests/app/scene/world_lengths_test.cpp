@@ -27,7 +27,7 @@ TEST(WorldLengths, GrowWithTheWorld) {
     EXPECT_THROW(ScaleLengths(document, 1e37), gltf::Error);
 }
 
-TEST(WorldLengths, PointersToThemDoSo) {
+TEST(WorldLengths, FactorsByPointer) {
     const gltf::Document document = gltf::test::FromText(kDocument);
     const std::pair<const char*, double> cases[] = {
         {"/cameras/0/perspective/znear", 10},

@@ -20,7 +20,7 @@ std::string ReadFile(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// A system whose only program opens files by noting their names.
+// A system whose only program "opens" files by recording their names.
 class OpensFiles : public testing::Test {
 protected:
     OpensFiles() : m_path(std::getenv("PATH")) {
@@ -52,7 +52,7 @@ TEST_F(OpensFiles, HelpOpensThePageThatTheDialogAsksFor) {
     EXPECT_NE(ReadFile(page).find("<title>Cleaning scenes</title>"), std::string::npos);
 }
 
-TEST_F(OpensFiles, WithoutAWayToOpenFilesThePageIsNamed) {
+TEST_F(OpensFiles, WithoutABrowserThePageIsNamed) {
     std::filesystem::remove(m_folder / "xdg-open");
     zr::Host host("en");
     testing::internal::CaptureStderr();

@@ -53,8 +53,8 @@ double Area(const std::vector<Triangle>& triangles) {
     return area;
 }
 
-// Triangles turn left, meet edge to edge, and no corner lies within another's edge. Where edges cross, the
-// rounding to the grid may turn a triangle by `slack`.
+// Triangles are counter-clockwise and meet edge to edge, with no corner inside another's edge. Where edges
+// cross, rounding to the grid may distort a triangle by `slack`.
 void ExpectSound(const std::vector<Triangle>& triangles, double slack = 0) {
     std::map<std::pair<Point, Point>, int> edges;
     for (const Triangle& t : triangles) {
@@ -96,7 +96,7 @@ struct Case {
     std::size_t triangles;  // at most
 };
 
-TEST(PolyBoolean, FillsWhatALetterMeans) {
+TEST(PolyBoolean, FillsLettersAsIntended) {
     const Contour bowTie = {{0, 0}, {4, 4}, {4, 0}, {0, 4}};
     const Contour loop = {{0, 0}, {8, 0}, {8, 6}, {2, 6}, {2, 4}, {6, 4}, {6, 2}, {4, 2}, {4, 8}, {0, 8}};
     const std::vector<Case> cases = {
@@ -146,8 +146,8 @@ TEST(PolyBoolean, ReportsTheCornersItWasGiven) {
     for (const Point p : triangles[0]) EXPECT_TRUE(std::find(odd.begin(), odd.end(), p) != odd.end());
 }
 
-// What one engine remembers of the regions before changes nothing: not for one that is the same elsewhere,
-// one of as many points, one parted otherwise into contours, or one at another scale.
+// Cached regions do not affect later ones: the same region elsewhere, one of as many points, one with its
+// points divided differently into contours, or one at another scale.
 TEST(PolyBoolean, FillsARegionAsIfItWereTheFirst) {
     const auto engine = vl::Ref<PolyBoolean>::Adopt(new zr::PolyBooleanExtension);
     const std::vector<std::vector<Contour>> regions = {
@@ -235,7 +235,7 @@ TEST(PolyBoolean, CoversEveryPointOnceOrNotAtAll) {
     }
 }
 
-TEST(CrossingGroups, TellsCrossingFromTouching) {
+TEST(CrossingGroups, DistinguishesCrossingFromTouching) {
     using zr::GridLoop;
     using zr::kApart;
     const GridLoop square = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};

@@ -25,7 +25,7 @@ TEST(RenameRules, EqualsSignsAndCharacters) {
     EXPECT_EQ(rules.Apply("a=b\xC3\xBC"), "c=d");
 }
 
-TEST(RenameRules, RefuseWhatIsNoRule) {
+TEST(RenameRules, RejectInvalidRules) {
     zr::RenameRules rules;
     EXPECT_THROW(rules.Add("abc"), std::invalid_argument);
     EXPECT_THROW(rules.Add("a\\="), std::invalid_argument);

@@ -39,7 +39,7 @@ TEST_F(SettingsFileTest, FindsSettingsByPath) {
     EXPECT_EQ(settings.GetFloat("", "anim\\big", 7), 7.0f);
 }
 
-TEST_F(SettingsFileTest, SaysWhatIsWrong) {
+TEST_F(SettingsFileTest, NamesTheFault) {
     EXPECT_EQ(Error(Write("[anim]\nmergekeys=1\nwhat is this\n")), ": line 3 is not a setting");
     EXPECT_EQ(Error(Write("[anim]\nmergekeys=yes\n")), ": [anim] mergekeys is not a number: yes");
     EXPECT_LT(Error(Write("[anim]\nmergekeys=" + std::string(10000, 'x'))).size(), 200U);

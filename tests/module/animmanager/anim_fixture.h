@@ -97,7 +97,7 @@ public:
         return Controller(node)->GetKey(keyType, index, Controller(node)->GetTrack(animation));
     }
 
-    // The keys of a type as "time:x time:x"; "-" when the node has no track for the animation.
+    // The keys of a type as "time:x time:x"; "-" if the node has no track for the animation.
     static std::string Dump(TestNode* node, TestAnimation* animation, int keyType) {
         vl::zr::Track* track = Controller(node)->GetTrack(animation);
         if (track == nullptr) return "-";

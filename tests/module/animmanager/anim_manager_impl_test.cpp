@@ -144,7 +144,7 @@ protected:
     void CollectViewports(vl::InterfaceArray* out) override { out->Add(&m_viewport); }
 };
 
-TEST(AnimManager, AReferenceThatStaysIsAskedForOnce) {
+TEST(AnimManager, AReferenceThatStaysIsTriedOnce) {
     AnimFixture f;
     StubbornScene scene;
     TestAnimation* a = scene.AddAnimation(u"A");
@@ -227,7 +227,7 @@ TEST(AnimMerge, KeepsTheChosenKeyTypes) {
     }
 }
 
-TEST(AnimMerge, OtherControllersKeepTheFirstTrackThereIs) {
+TEST(AnimMerge, OtherControllersKeepTheFirstTrack) {
     AnimFixture f;
     TestNode* node = f.AddNode("node");
     TestAnimation* a = f.AddAnimation(u"A");

@@ -23,7 +23,7 @@ public:
         return {Number(low, high), Number(low, high), Number(low, high)};
     }
 
-    // Keys of every type at the times, the rotations in any mixture of forms.
+    // Keys of every type at the times, with rotations in any mix of forms.
     void Fill(AnimFixture& f, TestNode* node, TestAnimation* animation, const std::vector<float>& times) {
         for (float time : times) {
             f.AddPosition(node, animation, time, Vector(-5, 5));
@@ -64,7 +64,7 @@ void ExpectMergePlaysAsSources(unsigned seed, bool oneAfterTheOther) {
     std::vector<std::vector<float>> times(static_cast<std::size_t>(random.Count(2, 5)));
     float start = 0;
     for (auto& list : times) {
-        // The first key of a single one may give way in time, which alternating keys do not allow for.
+        // A single first key may be moved in time, which alternating keys leave no room for.
         list.resize(static_cast<std::size_t>(random.Count(oneAfterTheOther ? 1 : 2, 6)));
         for (float& time : list) time = start + random.Number(0, 1);
         std::sort(list.begin(), list.end());

@@ -43,7 +43,7 @@ TEST(StrokeText, DrawsLettersLineByLine) {
     ASSERT_EQ(text->GetContourCount(), 7);
     EXPECT_EQ(Points(*text, 0), (std::vector<Vertex>{{9, 21, 0}, {1, 0, 0}}));
     EXPECT_EQ(Points(*text, 2), (std::vector<Vertex>{{4, 7, 0}, {14, 7, 0}}));
-    // The second line stands above the first; what is not in the table takes no room.
+    // The second line is above the first; characters outside the table take no room.
     EXPECT_EQ(Points(*text, 3), (std::vector<Vertex>{{9, 50, 0}, {1, 29, 0}}));
     EXPECT_EQ(text->GetLetterIndex(3), 4);
     // (6, -1) is a point, not a lifted pen.
@@ -77,8 +77,8 @@ TEST(OutlineText, BreaksLines) {
     const struct {
         const char16_t* text;
         LONG height;
-        int letter;  // position of the letter looked at
-        float x, y;  // where its own origin comes to stand
+        int letter;  // position of the letter examined
+        float x, y;  // where its origin ends up
     } cases[] = {
         {u"A\r\nA", -12, 0, 0, 10},                               // 1 - MulDiv(-12, 72, 96)
         {u"A\r\nA", -12, 3, 0, 0},    {u"A\nA", -12, 2, 82, 0},   // a line feed alone keeps the pen's place
@@ -99,7 +99,7 @@ TEST(OutlineText, BreaksLines) {
     }
 }
 
-// Writes down what it is asked to do.
+// Records the calls made to it.
 class RecordingEngine : public PolyBoolean {
 public:
     static inline std::string log;
@@ -158,7 +158,7 @@ TEST_F(LetterMesh, IsMadeLetterByLetter) {
                   "triangulate 4; delete 4; create 5; triangulate 5; delete 5; released");
 }
 
-TEST_F(LetterMesh, OfNothingIsEmpty) {
+TEST_F(LetterMesh, OfNoLettersIsEmpty) {
     for (const char16_t* text : {u"", u"   ", u"\r\n"}) {
         RecordingEngine::log.clear();
         const auto mesh = Mesh(text);
@@ -167,7 +167,7 @@ TEST_F(LetterMesh, OfNothingIsEmpty) {
     }
 }
 
-TEST_F(LetterMesh, FreesWhatItHoldsWhenItFails) {
+TEST_F(LetterMesh, FreesEverythingOnFailure) {
     RecordingEngine::throwsInTriangulate = true;
     EXPECT_FALSE(Mesh(u"l"));
     EXPECT_TRUE(RecordingEngine::log.ends_with("triangulate 1; delete 1; released")) << RecordingEngine::log;

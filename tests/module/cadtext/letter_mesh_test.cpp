@@ -32,7 +32,7 @@ double MeshArea(GlyphTesselated& mesh) {
     return area;
 }
 
-// What lies inside an odd number of contours, summed over thin strips.
+// The area inside an odd number of contours, summed over thin strips.
 double EvenOddArea(const std::vector<std::vector<Vertex>>& contours, float low, float high) {
     constexpr int kStrips = 5000;
     double area = 0;
@@ -56,7 +56,7 @@ double EvenOddArea(const std::vector<std::vector<Vertex>>& contours, float low, 
 }
 
 // With the host's own engine: every printable letter is covered to its outline with as few triangles as its
-// corners and holes need. Outer contours and holes of these fonts wind against each other.
+// corners and holes need. Outer contours and holes of these fonts wind in opposite directions.
 TEST(LetterMeshes, CoverTheirOutlines) {
     TestHost host;
     host.AddExtension(kTypePolyBoolean, [] { return new zr::PolyBooleanExtension; });

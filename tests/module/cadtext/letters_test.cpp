@@ -85,12 +85,12 @@ TEST(LettersPolygonsTest, WeldsTheCornersOfItsTriangles) {
 
     mesh->Transform(Moved(10, 0, 0));
     EXPECT_EQ(mesh->GetSize(), (std::pair<float, float>(1, 1)));
-    // The index follows the vertices where they went.
+    // The index follows the transformed vertices.
     EXPECT_EQ(mesh->FindOrAddVertex({11, 1, 0}), 2);
     EXPECT_EQ(mesh->FindOrAddVertex({1, 1, 0}), 4);
 }
 
-TEST(LettersPolygonsTest, TheIndexFindsWhatASearchFinds) {
+TEST(LettersPolygonsTest, TheIndexAgreesWithALinearSearch) {
     std::mt19937 random(3);
     const auto mesh = Make<LettersPolygons>();
     std::vector<Vertex> plain;

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Coordinates beyond what the native form of an outline holds.
+// Coordinates outside the range of the native outline format.
 TEST(OutlineText, IsEmptyWhereTheSystemRefuses) {
     TestHost host;
     EXPECT_EQ(Outlines(u"O", Font(u"DejaVu Sans", -10000))->GetContourCount(), 0);

@@ -16,7 +16,7 @@ using Contour = std::vector<GlyphPoint>;
 
 constexpr double kCoarse = std::numbers::pi / 2;
 
-// A heap block of its own, so that a checked build sees any read past its end.
+// A separate heap block, so that a sanitizer build catches any read past its end.
 bool Parse(GlyphOutline& outline, const std::vector<BYTE>& bytes) {
     const std::unique_ptr<BYTE[]> block(new BYTE[bytes.size()]);
     std::copy(bytes.begin(), bytes.end(), block.get());
@@ -63,7 +63,7 @@ TEST(OutlineParser, ASmallerAngleHalvesTheBends) {
         last = contour.size();
         EXPECT_EQ(contour.front(), (GlyphPoint{0, 0}));
         EXPECT_EQ(contour.back(), (GlyphPoint{100, 0}));
-        // Its top, at half, is 0.75 of the way up to the middle of the inner points.
+        // At half its top is 0.75 of the way up to the middle of the inner points.
         const auto top = std::max_element(contour.begin(), contour.end(),
                                           [](GlyphPoint a, GlyphPoint b) { return a.y < b.y; });
         EXPECT_EQ(*top, (GlyphPoint{50, 37.5}));
@@ -105,7 +105,7 @@ TEST(OutlineParser, AFaultKeepsWhatCameBefore) {
     }
 }
 
-TEST(OutlineParser, StaysWithinABufferCutAnywhere) {
+TEST(OutlineParser, StaysWithinATruncatedBuffer) {
     const NativeBuffer whole = NativeBuffer()
                                    .Polygon(0, 0)
                                    .Line({{10, 0}})
@@ -119,7 +119,7 @@ TEST(OutlineParser, StaysWithinABufferCutAnywhere) {
         std::vector<BYTE> cut(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(length));
         GlyphOutline outline(kCoarse, 12);
         EXPECT_EQ(Parse(outline, cut), length == 0 || length == secondPolygon) << length;
-        // And with every count made as large as it goes.
+        // And with every count at its maximum.
         for (std::size_t i = 0; i < length; ++i) {
             std::vector<BYTE> changed = cut;
             changed[i] = 0xFF;
@@ -129,7 +129,7 @@ TEST(OutlineParser, StaysWithinABufferCutAnywhere) {
     }
 }
 
-TEST(GlyphOutlineTest, TakesTheSystemsOutlineTenTimesEnlarged) {
+TEST(GlyphOutlineTest, ReadsTheSystemsOutlineTenTimesEnlarged) {
     LOGFONTW font{};
     font.lfHeight = -12;
     std::memcpy(font.lfFaceName, u"DejaVu Sans", sizeof u"DejaVu Sans");

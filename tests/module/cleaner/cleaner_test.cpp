@@ -62,8 +62,8 @@ protected:
     vl::Ref<vl::Extension> m_cleaner = vl::Ref<vl::Extension>::Adopt(CreateCleaner());
 };
 
-// One thing for every option. What the merge of materials makes equal is then found twice, and the node that
-// the repeated mesh leaves empty goes after it.
+// One thing for every option. Merging materials makes two meshes equal, and removing the repeated one leaves
+// a node empty, which is removed too.
 vl::Ref<SceneModel> SceneWithEverything() {
     using Object = vl::Ref<vl::zr::Object3D>;
     auto scene = vl::Ref<SceneModel>::Adopt(new SceneModel);
@@ -89,7 +89,7 @@ vl::Ref<SceneModel> SceneWithEverything() {
     return scene;
 }
 
-// What is left, with the node that has metadata.
+// What is left, with the nodes that have metadata.
 std::vector<std::string> State(SceneModel& scene) {
     std::vector<std::string> state = cleaner_test::Content(scene);
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) {
@@ -99,7 +99,7 @@ std::vector<std::string> State(SceneModel& scene) {
     return state;
 }
 
-// The elements of before that are not in after, on one line.
+// The elements of `before` missing from `after`, on one line.
 std::string Gone(const std::vector<std::string>& before, const std::vector<std::string>& after) {
     std::string gone;
     for (const std::string& element : before) {
@@ -137,7 +137,7 @@ TEST_F(CleanerRun, EveryParameterSwitchesItsOperation) {
     }
 }
 
-// Options are on unless they are given; a host's own extension runs last.
+// Missing options are on; a host's own extension runs last.
 TEST_F(CleanerRun, OperationsRunInTheirOrder) {
     std::vector<std::string> steps;
     host.AddExtension(kTypeHdrHelper, [&] { return new EnvironmentHelper(steps); });
@@ -173,8 +173,8 @@ TEST_F(CleanerRun, DoesNothingItWasNotAskedFor) {
     EXPECT_EQ(State(*scene), before);
 }
 
-// Without its partners in the host the operations that need one do nothing.
-TEST_F(CleanerRun, MissingExtensionsCountNothing) {
+// Operations that need an extension of the host do nothing without it.
+TEST_F(CleanerRun, MissingExtensionsCountZero) {
     const auto scene = SceneWithEverything();
     auto& cleaner = dynamic_cast<CCleanerImpl&>(*m_cleaner);
     EXPECT_EQ(cleaner.RemoveEnvMapsAndBackplates(scene.Get(), nullptr, nullptr), 0);

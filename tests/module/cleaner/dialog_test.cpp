@@ -22,7 +22,7 @@
 #include "tests/platform/ui_driver.h"
 
 // Drives the real dialog and its worker: the steps of a test run in the dialog's event loop, and the
-// operations are replaced by the test's own, so that it decides when and where a run stands.
+// operations are replaced by the test's own, so that it controls how far a run has come.
 namespace {
 
 using namespace std::chrono_literals;
@@ -45,7 +45,7 @@ public:
     std::vector<std::string> m_helpPages;
 };
 
-// Every operation is the test's.
+// A cleaner whose operations are the test's.
 class ScriptedCleaner final : public CCleanerImpl {
 public:
     std::function<int(int option, ChangeRecord* record)> m_work = [](int, ChangeRecord*) { return 0; };
@@ -80,7 +80,7 @@ protected:
         g_hStrings = nullptr;
     }
 
-    // Opens the dialog and runs the steps in it; they must have it closed at their end.
+    // Opens the dialog and runs the steps in it; the last one must close it.
     void Open(const std::function<void()>& steps) {
         bool ran = false;
         driver::WhenDialogOpens([&] {
@@ -235,7 +235,7 @@ TEST_F(CleanerDialogTest, ProgressStandsAtTheLastOperationThatRan) {
     });
 }
 
-// The log of an object goes on from dialog to dialog.
+// The log of an object continues from dialog to dialog.
 TEST_F(CleanerDialogTest, EmptyRunsOneAfterAnotherContinueTheLog) {
     const Lines once = {u"run cleaning scene;", u"cleaning scene finished;"};
     for (int run = 1; run <= 3; ++run) {
@@ -333,7 +333,7 @@ TEST_F(CleanerDialogTest, SlowCallCountsNothingAndKeepsTheRecordOpen) {
     EXPECT_TRUE(wasOpen);
 }
 
-// Memory runs out on the worker's thread, here in the host: the run ends and says no more.
+// Memory runs out on the worker's thread, here in the host: the run ends without another message.
 TEST_F(CleanerDialogTest, RunThatFailsStillEnds) {
     class FailingHost final : public DialogHost {
     public:
@@ -380,7 +380,8 @@ TEST_F(CleanerDialogTest, WithoutARecordNothingRuns) {
 
 #ifdef __linux__
 
-// The system refuses the thread, here for a stack that no memory holds: the run is over before it began.
+// The system refuses to create the thread, here for a stack larger than memory: the run ends before it
+// begins.
 TEST_F(CleanerDialogTest, WithoutAThreadTheDialogCanBeClosed) {
     pthread_attr_t usual;
     pthread_attr_t huge;

@@ -16,7 +16,7 @@
 
 namespace {
 
-// A mesh whose arrays can be filled, taken away and changed one by one.
+// A mesh whose arrays can be filled, removed and changed one by one.
 class TestMesh : public vl::zr::Mesh {
 public:
     // A square of two triangles and a line across it.
@@ -56,7 +56,7 @@ public:
     std::vector<const std::uint32_t*> linePointers;
 };
 
-// A node that is nothing but a place.
+// A node that has only a place.
 class TestNode : public vl::zr::Node {
 public:
     TestNode() { world.IdentityMatrix(); }
@@ -81,7 +81,7 @@ bool FindOrAdd(zrt::MeshIndex& index, vl::zr::Node* node, vl::zr::Mesh* mesh) {
     return index.FindOrAdd(node, mesh, zrt::ContentHashes().Of(*mesh));
 }
 
-TEST(GeometryEqual, EveryPartCounts) {
+TEST(GeometryEqual, ComparesEveryPart) {
     struct Case {
         const char* what;
         std::function<void(TestMesh&)> change;
@@ -124,12 +124,12 @@ TEST(GeometryEqual, EveryPartCounts) {
     }
 }
 
-TEST(GeometryEqual, ComparesWhatIsThere) {
+TEST(GeometryEqual, ComparesValuesNotStorage) {
     TestMesh a;
     TestMesh b;
     a.counts = {3, 3};
     a.m_pFaceCounts = a.counts.data();
-    EXPECT_TRUE(zrt::GeometryEqual(&a, &b)) << "sizes as they apply, in an array or for all";
+    EXPECT_TRUE(zrt::GeometryEqual(&a, &b)) << "sizes by value, in an array or one for all";
     a.positions[0] = b.positions[0] = std::numeric_limits<float>::quiet_NaN();
     EXPECT_TRUE(zrt::GeometryEqual(&a, &b)) << "equal bytes, whatever they encode";
     a.m_ppSecondary = b.m_ppSecondary = nullptr;
@@ -142,7 +142,8 @@ TEST(GeometryEqual, ComparesWhatIsThere) {
     EXPECT_TRUE(FindOrAdd(index, &node, &b));
 }
 
-// 1e-6 and 0.9e-6 apart in a row: the second is the first's, the third is not, and stands for the fourth.
+// Steps of 0.9e-6 in a row: the second repeats the first, the third does not, and the fourth repeats the
+// third.
 TEST(MeshIndex, ToleranceIsNotTransitive) {
     TestMesh mesh;
     TestNode nodes[4];
@@ -155,8 +156,8 @@ TEST(MeshIndex, ToleranceIsNotTransitive) {
     }
 }
 
-// Meshes of a few shapes at places that crowd round each other, at the borders of every grid and far out.
-TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
+// Meshes of a few shapes at places close together, at cell borders and far out.
+TEST(MeshIndex, AgreesWithALinearSearch) {
     std::mt19937 random(20240601);
     const auto pick = [&](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); };
     std::vector<std::unique_ptr<TestMesh>> shapes;
@@ -197,8 +198,8 @@ TEST(MeshIndex, FindsWhatAPlainSearchFinds) {
 }
 
 // One shape at many places, also ten micrometres apart; many shapes of one size at one place; one shape
-// turned about one place, also by little: in each case a node's transform is read a few times however many
-// came before.
+// turned about one place, also by little: in each case a node's transform is read only a few times, however
+// many came before.
 TEST(MeshIndex, CostDoesNotGrowWithTheNumber) {
     constexpr int kCount = 3000;
     std::vector<TestNode> nodes(kCount);

@@ -25,28 +25,28 @@ namespace {
 using Object = vl::Ref<vl::zr::Object3D>;
 using Operation = int (CCleanerImpl::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
-// Tells whatever the cleaner asks it.
+// Reports every call that the cleaner makes.
 class AskedObject final : public vl::zr::Renderable {
 public:
     explicit AskedObject(std::function<void()> onAsked) : m_onAsked(std::move(onAsked)) {}
-    bool IsKindOf(int kind) override { return Told(kind == vl::zr::kKindRenderable); }
-    bool IsTypeOf(const char*) override { return Told(false); }
-    int GetType() override { return Told(false) ? 1 : 0; }
+    bool IsKindOf(int kind) override { return Answer(kind == vl::zr::kKindRenderable); }
+    bool IsTypeOf(const char*) override { return Answer(false); }
+    int GetType() override { return Answer(false) ? 1 : 0; }
     vl::Interface* QueryComponent(int, int) override { return nullptr; }
-    int CountMaterialUses(vl::zr::Material*, int) override { return Told(false) ? 1 : 0; }
+    int CountMaterialUses(vl::zr::Material*, int) override { return Answer(false) ? 1 : 0; }
 
 private:
-    bool Told(bool answer) {
+    bool Answer(bool answer) {
         m_onAsked();
         return answer;
     }
     std::function<void()> m_onAsked;
 };
 
-// Answers only when it is asked for one material.
-class QuietObject final : public vl::zr::Renderable {
+// Has no list of materials; answers for a single one.
+class UnlistedObject final : public vl::zr::Renderable {
 public:
-    explicit QuietObject(vl::zr::Material* material) : m_material(material) {}
+    explicit UnlistedObject(vl::zr::Material* material) : m_material(material) {}
     bool IsKindOf(int kind) override { return kind == vl::zr::kKindRenderable; }
     int GetType() override { return vl::zr::kTypeObject; }
     vl::Interface* QueryComponent(int, int) override { return nullptr; }
@@ -56,7 +56,7 @@ private:
     vl::zr::Material* m_material;
 };
 
-// Its host does not let it go.
+// A node that its host refuses to delete.
 class KeptNode final : public vl::zr::Node {
 public:
     vl::VarMap* GetMetadata(bool) override { return nullptr; }
@@ -70,7 +70,7 @@ public:
     vl::zr::Object3D* GetObjectOfKind(int) override { return nullptr; }
 };
 
-// What the lists, the tree and the layers say about the nodes agrees.
+// The lists, the tree and the layers agree about the nodes.
 void ExpectConsistent(SceneModel& scene) {
     std::set<vl::zr::Node*> listed, reached;
     for (auto* node : vl::ArrayOf<vl::zr::Node*>(scene.m_pNodes)) listed.insert(node);
@@ -139,8 +139,8 @@ TEST_F(CleanerOperations, MakeTheCallsOfThePlainForm) {
     }
 }
 
-// After the k-th recording a break comes: the removal that was recorded happens, and no other.
-TEST_F(CleanerOperations, ABreakLeavesWhatIsCountedAndRecorded) {
+// A break after the k-th recording: the recorded removal happens, and no further one.
+TEST_F(CleanerOperations, ABreakKeepsCountAndRecordConsistent) {
     const Operation operations[] = {
         &CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
         &CCleanerImpl::RemoveUnusedLayers,    &CCleanerImpl::RemoveModelViews,
@@ -172,14 +172,14 @@ TEST_F(CleanerOperations, ABreakLeavesWhatIsCountedAndRecorded) {
     }
 }
 
-// A break at whichever call to the scene's objects or to the record: what went is counted and recorded, the
-// scene holds together, and cleaning it again takes the rest.
+// A break at any call to the scene's objects or to the record: removals are counted and recorded, the scene
+// is consistent, and cleaning it again removes the rest.
 TEST_F(CleanerOperations, ABreakAtAnyCallLeavesAConsistentScene) {
     for (const Operation operation : {&CCleanerImpl::RemoveUnusedMaterials, &CCleanerImpl::RemoveEmptyNodes,
                                       &CCleanerImpl::RemoveUnusedLayers, &CCleanerImpl::RemoveModelViews,
                                       &CCleanerImpl::RemoveNotesAndEtc, &CCleanerImpl::RemoveMeshDupes}) {
         std::vector<std::string> whole;
-        // The first run goes through, the last one ends before its break.
+        // The first run completes, the last one ends before its break.
         bool stopped = true;
         for (int stopAt = 0; stopped; ++stopAt) {
             const auto scene = cleaner_test::RandomScene(5);
@@ -251,20 +251,20 @@ TEST_F(CleanerOperations, MetadataIsClearedNotRecorded) {
     EXPECT_TRUE(m_log->m_lines.empty());
 }
 
-TEST_F(CleanerOperations, MaterialsStayThatObjectsTellOfOrAnswerFor) {
+TEST_F(CleanerOperations, MaterialsThatObjectsListOrAnswerForStay) {
     auto* asked = m_scene->AddMaterial("asked", "a");
-    auto* told = m_scene->AddMaterial("told", "t");
+    auto* listed = m_scene->AddMaterial("listed", "l");
     m_scene->AddMaterial("unused", "u");
-    m_scene->AddNode(nullptr, "quiet")->SetObject(Object::Adopt(new QuietObject(asked)));
-    m_scene->AddNode(nullptr, "mesh")->SetObject(MakeMesh(told, 0));
+    m_scene->AddNode(nullptr, "unlisted")->SetObject(Object::Adopt(new UnlistedObject(asked)));
+    m_scene->AddNode(nullptr, "mesh")->SetObject(MakeMesh(listed, 0));
     m_scene->RemoveMaterial(m_material);
     EXPECT_EQ(Run(&CCleanerImpl::RemoveUnusedMaterials), 1);
     std::vector<vl::zr::Material*> left;
     for (auto* material : vl::ArrayOf<vl::zr::Material*>(m_scene->m_pMaterials)) left.push_back(material);
-    EXPECT_EQ(left, (std::vector<vl::zr::Material*>{asked, told}));
+    EXPECT_EQ(left, (std::vector<vl::zr::Material*>{asked, listed}));
 }
 
-TEST_F(CleanerOperations, PortfoliosGoBeforeModelViewsFromTheLast) {
+TEST_F(CleanerOperations, PortfoliosAreRemovedBeforeModelViewsFromTheLast) {
     for (const auto& [kind, name] :
          {std::pair{1, "m1"}, {2, "view"}, {6, "p1"}, {1, "m2"}, {6, "p2"}, {3, "other"}}) {
         m_scene->AddViewport(kind, name);
@@ -278,7 +278,7 @@ TEST_F(CleanerOperations, PortfoliosGoBeforeModelViewsFromTheLast) {
 }
 
 // Eleven repeated meshes in a chain need eleven passes; the tenth is the last.
-TEST_F(CleanerOperations, RepeatedMeshesGoFromTheLeavesInTenPasses) {
+TEST_F(CleanerOperations, RepeatedMeshesAreRemovedFromTheLeavesInTenPasses) {
     AddMesh(nullptr, "first", 0);
     const char* names[] = {"r0", "r1", "r2", "r3", "r4", "r5", "r6", "r7", "r8", "r9", "r10"};
     NodeModel* parent = nullptr;
@@ -292,15 +292,15 @@ TEST_F(CleanerOperations, RepeatedMeshesGoFromTheLeavesInTenPasses) {
                                         "material material"}));
 }
 
-// A system node is no first occurrence and does not go.
-TEST_F(CleanerOperations, SystemMeshesTakeNoPart) {
+// A system node neither counts as the first occurrence nor is removed.
+TEST_F(CleanerOperations, SystemMeshesAreIgnored) {
     AddMesh(nullptr, "system", 0)->m_dwFlags = vl::zr::kNodeSystem;
     AddMesh(nullptr, "first", 0);
     AddMesh(nullptr, "system again", 0)->m_dwFlags = vl::zr::kNodeSystem;
     EXPECT_EQ(Run(&CCleanerImpl::RemoveMeshDupes), 0);
 }
 
-TEST_F(CleanerOperations, AbsentListsAndSceneAreNothingToDo) {
+TEST_F(CleanerOperations, MissingListsAndSceneDoNothing) {
     int notifications = 0;
     m_scene->m_onNotify = [&](int, int, int) { ++notifications; };
     AddNode(nullptr, "note")->SetObject(Object::Adopt(kernix::CreateNote()));
@@ -319,7 +319,7 @@ TEST_F(CleanerOperations, AbsentListsAndSceneAreNothingToDo) {
           &CCleanerImpl::RemoveUnusedLayers, &CCleanerImpl::RemoveUnusedAnimations}) {
         EXPECT_EQ(Run(operation), 0);
     }
-    EXPECT_EQ(notifications, 4) << "an early return tells nobody";
+    EXPECT_EQ(notifications, 4) << "an early return does not notify";
     m_scene->m_onNotify = nullptr;
     for (const Operation operation :
          {&CCleanerImpl::RemoveUnusedAnimations, &CCleanerImpl::RemoveUnusedMaterials,

@@ -9,8 +9,8 @@ class Node;
 class Scene;
 }  // namespace vl::zr
 
-// The cleaner's operations as their rules say them, whatever they cost: every list searched again for every
-// element. The cleaner must make the same calls in the same order.
+// The cleaner's operations as a literal reading of their rules, whatever the cost: every list is searched
+// again for every element. The cleaner must make the same calls in the same order.
 namespace plain {
 
 int RemoveUnusedMaterials(vl::zr::Scene* scene, ChangeRecord* record);

@@ -139,7 +139,7 @@ vl::Ref<SceneModel> RandomScene(unsigned seed) {
             node->SetObject(Object::Adopt(camera));
             camera->SetTarget(nodes[pick(nodes.size())]);
         }
-        // Subscribers that are nodes: of one with a camera, and of one with nothing.
+        // Subscribers that are nodes: one with a camera, and one with nothing.
         if (what == 12) nodes[pick(nodes.size())]->Subscribe(node);
     }
 

@@ -12,8 +12,8 @@
 // Scenes for the cleaner's tests, and what happened to them.
 namespace cleaner_test {
 
-// Every recording with the number of elements of its kind at that moment: a removal that comes late, early or
-// never shows in the numbers that follow.
+// Every recording with the number of elements of its kind at that moment: a late, early or missing removal
+// shows in the numbers that follow.
 class CallLog final : public ChangeRecord {
 public:
     explicit CallLog(vl::zr::Scene& scene) : m_scene(scene) {}
@@ -41,16 +41,16 @@ private:
 // Nodes, materials, layers, viewports and animations that are left, by name.
 std::vector<std::string> Content(kernix::SceneModel& scene);
 
-// A mesh of one triangle at x, with its face of the material.
+// A mesh of one triangle at x, whose face has the material.
 vl::Ref<vl::zr::Object3D> MakeMesh(kernix::MaterialModel* material, float x);
 
-// A scene of some sixty nodes in a random tree, many of them empty, targets, notes or meshes that repeat
-// each other, with layers, viewports, materials and animations of which some are used. The same number
-// always makes the same scene.
+// A scene of some sixty nodes in a random tree, many of them empty, targets, notes or meshes that repeat each
+// other, with layers, viewports, materials and animations of which some are used. Equal seeds give equal
+// scenes.
 vl::Ref<kernix::SceneModel> RandomScene(unsigned seed);
 
-// Runs the operation on the random scene with a log; what it logged, answered and left, and how often it
-// told the scene.
+// Runs the operation on the random scene with a log. Returns what it logged, returned and left, and how often
+// it notified the scene.
 std::vector<std::string> Trace(unsigned seed,
                                const std::function<int(vl::zr::Scene*, ChangeRecord*)>& operation);
 

@@ -56,7 +56,7 @@ protected:
     StringHost m_host;
 };
 
-TEST_F(Entry, InitialisesAndTellsAboutItself) {
+TEST_F(Entry, InitialisesAndDescribesItself) {
     char16_t text[16] = {u'x', u'x'};
     EXPECT_EQ(ZRDLLFunc(ZRDLL_GETDESCRIPTION, vl::ToWord(text + 0), 0), 0u);
     EXPECT_EQ(text[0], u'x');

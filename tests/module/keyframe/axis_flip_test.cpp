@@ -49,8 +49,8 @@ protected:
     vl::Ref<ZR_TK> m_tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
 };
 
-// A point with Y and Z exchanged goes where its counterpart went, exchanged: through the matrices, the rest
-// values and the keys alike.
+// Exchanging Y and Z of a point before the flipped transform equals exchanging them after the original one:
+// for matrices, rest values and keys alike.
 TEST_F(FlipTest, EveryPointGoesToItsCounterpart) {
     Matrix exchange;
     exchange.m[0][0] = exchange.m[1][2] = exchange.m[2][1] = exchange.m[3][3] = 1;
@@ -77,7 +77,7 @@ TEST_F(FlipTest, EveryPointGoesToItsCounterpart) {
     }
 }
 
-TEST_F(FlipTest, StepsAndScaleAxesStay) {
+TEST_F(FlipTest, StepsAndScaleAxesAreUnchanged) {
     ExportNode* record = AddRecord();
     const auto* key = vl::ArrayOf<ExportRotationKey*>(record->pRotKeys)[0];
     const ExportRotationKey before = *key;

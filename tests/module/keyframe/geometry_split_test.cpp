@@ -11,7 +11,7 @@ using namespace record_tree;
 
 class GeometrySplit : public HostTest {};
 
-// The rule as it reads: siblings are searched for each record.
+// The literal rule: the siblings are searched for each record.
 void SplitPlainly(ZR_TK& tool, ExportNode* record) {
     const auto isMoved = [](const ExportNode* r) { return !r->mLocal.IsIdentity(0); };
     bool splits = false;
@@ -44,7 +44,7 @@ void FillRandomly(ZR_TK& tool, unsigned seed) {
     }
 }
 
-TEST_F(GeometrySplit, CountsAsTheSearchOfSiblingsDoes) {
+TEST_F(GeometrySplit, EqualsTheSearchOfSiblings) {
     for (unsigned seed = 0; seed < 3000; ++seed) {
         ZR_TK fast;
         ZR_TK plain;

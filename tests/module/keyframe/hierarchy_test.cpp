@@ -80,7 +80,7 @@ TEST_F(Hierarchy, ObjectsAndOptions) {
     EXPECT_EQ(flags(kSkeletonOnly), (All{1, 1, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
-TEST_F(Hierarchy, SystemNodesAndGeneratedNodesGoWithTheirSubtrees) {
+TEST_F(Hierarchy, SystemAndGeneratedNodesAreDroppedWithTheirSubtrees) {
     NodeModel* systemLight = AddLight(*m_scene, nullptr);
     systemLight->m_dwFlags = vl::zr::kNodeSystem;
     const NodeModel* below = AddMesh(*m_scene, systemLight);
@@ -123,7 +123,7 @@ TEST_F(Hierarchy, SelectorsShowOneChild) {
     EXPECT_EQ(Shape(m_tool->m_pRoots), "4(1 1)");
 }
 
-TEST_F(Hierarchy, GroupSplitPartsWhatIsShownFromItsChildren) {
+TEST_F(Hierarchy, GroupSplitSeparatesObjectsFromChildren) {
     const auto addParent = [this](Ref<vl::zr::Object3D> object) {
         NodeModel* node = m_scene->AddNode(nullptr, "");
         node->SetObject(std::move(object));
@@ -166,7 +166,7 @@ TEST_F(Hierarchy, TargetsGetRecordsOfTheirOwn) {
     EXPECT_EQ(flags(kLightTargetRecords | kKeepAllNodes), (All{4, 0x204, 0x204, 1}));
 }
 
-// The rule as it reads, judging each subtree anew for each node above it.
+// The literal rule, which judges each subtree again for each node above it.
 std::uint32_t FilterPlainly(NodeModel* node, std::uint32_t options) {
     if ((node->m_dwFlags & vl::zr::kNodeSystem) != 0) return 0;
     std::uint32_t flags = 0;
@@ -215,7 +215,7 @@ TEST_F(Hierarchy, JudgesEachNodeOnceWithTheSameResult) {
     }
 }
 
-TEST_F(Hierarchy, ASceneThatDoesNotAnswerHasNoMatrix) {
+TEST_F(Hierarchy, ASceneWithoutAMatrixIsNotTransformed) {
     class SilentScene final : public SceneModel {
     public:
         vl::Word GetParam(int, vl::Word value, zr_VALUETYPE) const override { return value; }
@@ -247,7 +247,7 @@ TEST_F(Hierarchy, GroupingRootCarriesTheSceneMatrix) {
     ExpectSoundTree(*m_tool);
 }
 
-TEST_F(Hierarchy, RestPoseHoldsMirroringInItsScale) {
+TEST_F(Hierarchy, RestPoseMirrorsByItsScale) {
     NodeModel* node = AddMesh(*m_scene, nullptr);
     node->SetRestPose({{1, 2, 3}, vl::Quaternion(vl::AngleAxis(0, 0, 1, 0.5f)), {-2, -3, -4}});
     Build(kDecomposeRest);
@@ -278,7 +278,7 @@ TEST_F(Hierarchy, AddedNodes) {
     EXPECT_EQ(loose->pParent, nullptr);
     EXPECT_EQ(AllRecords(*m_tool).back(), loose);
     EXPECT_EQ(AllRecords(*m_tool).size(), 5u);
-    // A length that makes no sense makes no buffer of that size.
+    // A nonsensical length does not allocate a buffer of that size.
     m_tool->m_nMaxNameLength = -5;
     EXPECT_EQ(std::u16string(m_tool->AddNode(parent, "a long name")->wszName), u"a lo");
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Keys from the host's controllers, the scene matrix in them, and the pipeline that runs it all.
+// Keys from the host's controllers, the scene matrix folded into them, and the pipeline as a whole.
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"
 
@@ -25,7 +25,7 @@ protected:
         return keys[track] != nullptr ? keys[track]->m_nCount : -1;
     }
 
-    // The controlled transform at a time, above it the scene matrix.
+    // The controlled transform at a time, followed by the scene matrix.
     static Matrix At(NodeModel* node, float time, const Matrix& scene) {
         Matrix m;
         node->AddTransformController()->EvaluateMatrix(time, 0, &m, 0);
@@ -63,7 +63,7 @@ void Animate(SceneModel& scene, NodeModel* node, Form form, int count, std::mt19
 }
 
 // What an exporter reads at every key of the host is what the host plays there, in each pair of forms.
-TEST_F(KeyExtraction, KeysHoldTheMotion) {
+TEST_F(KeyExtraction, KeysReproduceTheMotion) {
     std::mt19937 random(5);
     for (const Form form : {Form::kAngleAxis, Form::kQuaternion, Form::kEuler}) {
         for (const std::uint32_t animFlags : {0u, std::uint32_t{kAngleAxisKeys}}) {
@@ -198,7 +198,7 @@ TEST_F(KeyExtraction, ProcessEndsWithTheTimeRange) {
     EXPECT_EQ(m_tool->GetEndTime(), 40);
     // The rest pose is that of the current time.
     EXPECT_NEAR(m_tool->FindNodeRecord(node)->vPosition.x, 25, 1e-5);
-    // It is that of the record's own transform, after a pivot has been taken out of it.
+    // It is that of the record's own transform, without its pivot.
     node->AddTransformController()->m_offset = {0, 1, 0};
     node->AddTransformController()->m_dwFlags = vl::zr::kControllerPivotGroup;
     Process(kExtractKeys);

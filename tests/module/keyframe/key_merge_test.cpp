@@ -49,7 +49,7 @@ std::vector<float> MergedTimes(const std::vector<ExportPositionKey>& keys) {
     return Times(Merged<ExportPositionKey>(keys, zrt::MergeKeys));
 }
 
-// The rules as they are stated: delete the first key that adds nothing, start again.
+// The literal rules: delete the first key that adds nothing, then start again.
 bool IsRedundant(const ExportRotationKey& a, const ExportRotationKey& b, const ExportRotationKey& c) {
     const float span = c.fTime - a.fTime;
     if (span == 0) return true;
@@ -79,7 +79,7 @@ bool DropFirstEmptyStep(std::vector<ExportRotationKey>& keys) {
     return false;
 }
 
-TEST(MergeKeys, DropsWhatLiesOnTheLine) {
+TEST(MergeKeys, DropsKeysOnTheLine) {
     EXPECT_EQ(MergedTimes({PositionKey(0, 0, 0, 0), PositionKey(10, 1, 1, 1), PositionKey(20, 2, 2, 2)}),
               (std::vector<float>{0, 20}));
     EXPECT_EQ(MergedTimes({PositionKey(0, 0, 0, 0), PositionKey(10, 1, 1, 1), PositionKey(20, 2, 2, 2),
@@ -97,7 +97,7 @@ TEST(MergeKeys, DropsTheSecondOfTwoEqualKeys) {
     EXPECT_EQ(MergedTimes({}), std::vector<float>());
 }
 
-TEST(MergeKeys, DropsStepsOfNoAngle) {
+TEST(MergeKeys, DropsStepsOfZeroAngle) {
     EXPECT_EQ(Times(Merged<ExportRotationKey>({StepKey(0, 0.5f), StepKey(10, 0), StepKey(20, 0)},
                                               zrt::MergeAngleAxisKeys)),
               (std::vector<float>{0}));

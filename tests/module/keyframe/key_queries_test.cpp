@@ -93,7 +93,7 @@ TEST_F(KeyQueries, KeyTimesIncludeZeroAndAncestors) {
     EXPECT_EQ(TimesOf(tool, child, 1), (std::vector<float>{-2, 0, 5, 8, 10}));
 }
 
-// The rule as it reads: walk from the front, insert before the first greater one.
+// The literal rule: walk from the front, insert before the first greater one.
 void AddPlainly(std::vector<float>& times, float time) {
     for (auto it = times.begin(); it != times.end(); ++it) {
         if (*it == time) return;
@@ -105,7 +105,7 @@ void AddPlainly(std::vector<float>& times, float time) {
     times.push_back(time);
 }
 
-// Equal times of opposite signs are told apart as well.
+// Distinguishes 0.0 from -0.0 too.
 void ExpectSameBits(const std::vector<float>& actual, const std::vector<float>& expected) {
     ASSERT_EQ(actual, expected);
     for (std::size_t i = 0; i < actual.size(); ++i) {
@@ -113,7 +113,7 @@ void ExpectSameBits(const std::vector<float>& actual, const std::vector<float>& 
     }
 }
 
-TEST_F(KeyQueries, TimesAreSortedAsByOneInsertionAfterAnother) {
+TEST_F(KeyQueries, TimesAreSortedAsByInsertion) {
     std::mt19937 random(3);
     for (int round = 0; round < 2000; ++round) {
         ZR_TK tool;
@@ -136,7 +136,7 @@ TEST_F(KeyQueries, TimesAreSortedAsByOneInsertionAfterAnother) {
     }
 }
 
-TEST_F(KeyQueries, BrokenTimesDoNoHarm) {
+TEST_F(KeyQueries, NaNTimesDoNoHarm) {
     ZR_TK tool;
     ExportNode* record = Add(tool, nullptr, 0);
     const float nan = std::numeric_limits<float>::quiet_NaN();

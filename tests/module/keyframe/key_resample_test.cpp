@@ -56,7 +56,7 @@ std::vector<float> Xs(const std::vector<ExportPositionKey>& keys) {
     return xs;
 }
 
-// The rule as it is stated: for each time, walk the track from the front.
+// The literal rule: for each time, walk the track from the front.
 std::vector<ExportRotationKey> Plain(const std::vector<float>& times, std::vector<ExportRotationKey> keys,
                                      const vl::Quaternion& rest) {
     for (const float t : times) {

@@ -127,7 +127,7 @@ TEST_F(NamesTest, CutsAtTheLimitAndReportsABadOne) {
     EXPECT_EQ(host.messages, (Names{"Invalid maxname", "Invalid maxname"}));
 }
 
-TEST_F(NamesTest, UniqueNamesStandSortedInTheTable) {
+TEST_F(NamesTest, UniqueNamesAreSortedInTheTable) {
     for (const char* name : {"box", "Box", "ant", "box", "box3"}) Add(name);
     m_tool->m_dwNameFlags = vl::tk::kNamesUnique;
     EXPECT_EQ(Named(), (Names{"box", "Box1", "ant", "box3", "box34"}));
@@ -155,7 +155,7 @@ TEST_F(NamesTest, ExactCaseSortsByCharacterCode) {
     EXPECT_EQ(table, (Names{"B", "B3", "_", "b"}));
 }
 
-// The callback sees the cleaned name of every node and may answer with one of any length.
+// The callback gets the sanitized name of every node and may replace it by one of any length.
 TEST_F(NamesTest, CallbackRenamesNodesAndMaterials) {
     Add("a b");
     Add("");

@@ -50,7 +50,7 @@ protected:
     Ref<ZR_TK> m_tool;
 };
 
-// What a static pivot leaves behind is a group when it has children, or when the record was one.
+// The content of a static pivot is a group if it has children, or if the record was one.
 TEST_F(Pivots, StaticPivotsKeepGroups) {
     const auto contentFlags = [this](bool hasChild, std::uint32_t flags) {
         m_tool = Ref<ZR_TK>::Adopt(new ZR_TK);
@@ -68,7 +68,7 @@ TEST_F(Pivots, StaticPivotsKeepGroups) {
     EXPECT_EQ(contentFlags(true, NF_GROUP), NF_GROUP);
 }
 
-TEST_F(Pivots, GroupsHandTheirObjectsToAChild) {
+TEST_F(Pivots, GroupsMoveTheirObjectsToAChild) {
     NodeModel* mesh = AddMesh(*m_scene, nullptr);
     AddMesh(*m_scene, mesh);
     NodeModel* bone = m_scene->AddNode(nullptr, "bone");
@@ -87,7 +87,7 @@ TEST_F(Pivots, GroupsHandTheirObjectsToAChild) {
     EXPECT_EQ(split->pSourceNode, nullptr);
 }
 
-// Whatever passes run, each object stays where its node has it, and each record but a camera's can be
+// Whatever passes run, each object stays where its node places it, and every record except a camera's can be
 // written as scale, rotation and translation.
 TEST_F(Pivots, StaticPassesKeepEveryObjectInPlace) {
     for (unsigned seed = 0; seed < 300; ++seed) {
@@ -195,7 +195,7 @@ TEST_F(Pivots, ExportersMayWritePivotsThemselves) {
     EXPECT_EQ(Record(group)->vPivot, (Vector{0, 2, 0}));
     ExpectNear(Record(group)->mWorld, World(group, 0), 1e-12);
 
-    // Not where the record has handed its object away.
+    // Not if the record has given its object to a child.
     AddMesh(*m_scene, one);
     Build(kGroupSplit, 1);
     EXPECT_EQ(Record(one)->pSplit->vPosition, (Vector{0, -1, 0}));
@@ -220,7 +220,7 @@ TEST_F(Pivots, ObjectOffsets) {
     shown.Transform(World(node, 0));
     ExpectNear(split->mWorld, shown, 1e-12);
 
-    // Below the tolerance there is none.
+    // Below the tolerance there is no offset.
     node->SetObjectOffset(Moved(0, 1e-7, 0));
     Build(kDecomposeRest);
     EXPECT_EQ(Shape(m_tool->m_pRoots), "1 1");

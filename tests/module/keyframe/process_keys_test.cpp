@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The keys of a further animation on the records that stand, held against an object of its own for each
-// animation.
+// The keys of another animation on existing records, compared with a separate tool for each animation.
 #include "module/keyframe/keyframe_tool.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +34,7 @@ protected:
             controller->m_offset = {1, 2, 3};
             controller->m_dwFlags |= vl::zr::kControllerPivotGroup;
         }
-        // Each animation moves it in other ways, or not at all.
+        // Each animation moves it differently, or not at all.
         for (std::size_t i = 0; i < 3; ++i) {
             auto* track = controller->AddTransformTrack(m_scene->AllAnimations()[i].Get());
             for (int key = 0; key < 4; ++key) {
@@ -63,7 +62,7 @@ protected:
     std::mt19937 m_random{3};
 };
 
-TEST_F(ProcessKeysTest, AreThoseOfAnObjectOfItsOwn) {
+TEST_F(ProcessKeysTest, EqualThoseOfASeparateTool) {
     for (const char16_t* name : {u"a", u"b", u"c"}) m_scene->AddAnimation(name);
     kernix::NodeModel* top = AddMoved(nullptr, false);
     AddMoved(AddMoved(AddMesh(*m_scene, top), true), false);

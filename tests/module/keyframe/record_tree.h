@@ -10,7 +10,7 @@
 #include "module/keyframe/keyframe_tool.h"
 #include "module/keyframe/record.h"
 
-// Records made by hand, for passes that need no scene.
+// Hand-made records, for passes that need no scene.
 namespace record_tree {
 
 inline vl::Matrix4<double> Identity() {
@@ -56,7 +56,7 @@ inline std::string Shape(vl::Array* records) {
     return out.str();
 }
 
-// The transform to the world by the local ones alone.
+// The world transform computed from the local ones.
 inline vl::Matrix4<double> Placed(const ExportNode* record) {
     vl::Matrix4<double> m = Identity();
     for (; record != nullptr; record = record->pParent) m.Transform(record->mLocal);

@@ -44,7 +44,7 @@ double Distance(const vl::Quaternion& a, const vl::Quaternion& b) {
     return 4 * std::asin(std::min(chord(1), chord(-1)) / 2);
 }
 
-// Rounding of some hundred products in single precision.
+// The rounding of a hundred or so products in single precision.
 constexpr double kSame = 1e-4;
 
 void ExpectSame(const vl::Quaternion& actual, const vl::Quaternion& expected) {
@@ -67,7 +67,7 @@ TEST(RotationKeys, SplitsLargeSteps) {
     EXPECT_EQ(keys[2].fParams[0], 0);
     EXPECT_EQ(keys[3].fParams[0], 2);
 
-    // The way back takes the same path.
+    // The step back takes the same path.
     const auto back = zrt::OrientationsFromSteps({StepKey(0, {0, 0, 1, 0}), StepKey(3, {0, 0, 1, -4})});
     ASSERT_EQ(back.size(), 4u);
     ExpectSame(back[1].qValue, vl::Quaternion(vl::AngleAxis(0, 0, 1, -4.0f / 3)));
@@ -82,7 +82,7 @@ TEST(RotationKeys, SplitsLargeEulerSteps) {
     ExpectSame(keys[2].qValue, zrt::EulerToQuaternion({7.0f / 3, 0.4f / 3, 0}, kOrderXyz));
     EXPECT_EQ(keys[1].vEuler, vl::Vector3<float>());
 
-    // The first key of a track has nothing before it, whatever its angles.
+    // Nothing is inserted before the first key of a track, whatever its angles.
     EXPECT_EQ(zrt::OrientationsFromEuler({EulerKey(5, {9, 0, 0})}).size(), 1u);
 }
 
@@ -150,8 +150,8 @@ TEST(RotationKeys, LongStepsTurnTheShortWay) {
     EXPECT_NEAR(keys[2].aaValue.z, -1, 1e-5);
 }
 
-// Whatever the steps, no gap is wider than a quarter turn, the keys of the host stay in order with the
-// orientations of the plain product, and inserted keys lie evenly in time.
+// Whatever the steps, no gap is wider than a quarter turn, the host's keys stay in order with the
+// orientations of the plain product, and inserted keys are evenly spaced in time.
 TEST(RotationKeys, RandomStepsKeepTheMotion) {
     std::mt19937 random(11);
     std::uniform_real_distribution<float> angle(-20, 20);

@@ -10,7 +10,7 @@
 #include "kernix/scene/scene_model.h"
 #include "tests/module/keyframe/record_tree.h"
 
-// Scenes for the passes, and what to ask of their records.
+// Scenes for the passes, and checks of their records.
 namespace scene_kit {
 
 using kernix::NodeModel;
@@ -23,7 +23,7 @@ inline Ref<vl::zr::Object3D> Own(vl::zr::Object3D* object) {
     return Ref<vl::zr::Object3D>::Adopt(object);
 }
 
-// A mesh of the given content; without vertices it holds nothing.
+// A mesh with the given content; empty without vertices.
 inline Ref<vl::zr::Object3D> Mesh(int faces, int lines = 0, bool hasVertices = true) {
     auto geometry = std::make_shared<kernix::MeshGeometry>();
     if (hasVertices) geometry->positions = std::make_shared<kernix::Positions>(9, 0.0f);
@@ -74,7 +74,7 @@ inline Vector RandomVector(std::mt19937& random, float low, float high) {
     return {in(random), in(random), in(random)};
 }
 
-// Sheared as often as not: a scale between two rotations.
+// A scale between two rotations, which usually shears.
 inline Matrix RandomMatrix(std::mt19937& random) {
     Matrix m = record_tree::Identity();
     if (random() % 2 == 0) m.Rotate(RandomRotation(random));
@@ -90,7 +90,7 @@ inline std::vector<ExportNode*> AllRecords(ZR_TK& tool) {
     return {all.begin(), all.end()};
 }
 
-// The flags of the record made for the node; 0 when it got none.
+// The flags of the record made for the node; 0 if it has none.
 inline std::uint32_t FlagsOf(ZR_TK& tool, const NodeModel* node) {
     for (const ExportNode* record : AllRecords(tool)) {
         if (record->pSourceNode == node) return record->dwFlags;
@@ -98,7 +98,7 @@ inline std::uint32_t FlagsOf(ZR_TK& tool, const NodeModel* node) {
     return 0;
 }
 
-// Every record but the roots is listed once, by its parent, and the flat list holds them in tree order.
+// Every record except the roots is listed once, by its parent, and the flat list has them in tree order.
 inline void ExpectSoundTree(ZR_TK& tool) {
     std::vector<ExportNode*> walked;
     zrt::WalkRecords(tool.m_pRoots, [&](ExportNode* record) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The scene matrix in the keys of the records that stand highest.
+// The scene matrix in the keys of the top-level records.
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"
 
@@ -8,8 +8,7 @@ namespace {
 using namespace scene_kit;
 using vl::Quaternion;
 
-// Orientations of which any two are the same or a third, a quarter or a half of a turn apart, without
-// rounding.
+// Orientations any two of which are equal or exactly a third, a quarter or half of a turn apart.
 std::vector<Quaternion> ExactRotations() {
     std::vector<Quaternion> all;
     for (const float sign : {1.0F, -1.0F}) {
@@ -26,7 +25,7 @@ float Dot(const Quaternion& a, const Quaternion& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
 }
 
-TEST_F(HostTest, HalfTurnsKeepTheirWayUnderASceneMatrix) {
+TEST_F(HostTest, HalfTurnsKeepTheirDirectionUnderASceneMatrix) {
     const std::vector<Quaternion> all = ExactRotations();
     std::mt19937 random(7);
     for (const Quaternion& turn : all) {

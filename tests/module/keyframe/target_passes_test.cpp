@@ -44,7 +44,7 @@ public:
         for (const auto& [time, value] : keys) track->AddPosition(time)->m_value = value;
     }
 
-    // Turns the object's node by 0.3, then by 2.5 radians more, with positions beside it.
+    // Turns the object's node by 0.3, then by another 2.5 radians, with position keys as well.
     void Turn(bool asSteps) {
         auto* track = m_node->AddTransformController()->AddTransformTrack(m_animation);
         const vl::AngleAxis first(0, 1, 0, 0.3f), second(0, 1, 0, 2.5f);
@@ -60,7 +60,7 @@ public:
         track->AddPosition(2)->m_value = {0, 1, 0};
     }
 
-    // Exports with the flags and answers the record of the object.
+    // Exports with the flags and returns the record of the object.
     ExportNode* Export(std::uint32_t flags) {
         m_tool->m_dwExportFlags = flags | kExportCameras | kExportLights | kExtractKeys;
         EXPECT_EQ(m_tool->Process(0), 1);
@@ -86,7 +86,7 @@ using AimingLight = Aiming<kernix::LightModel>;
 
 class TargetPassTest : public HostTest {};
 
-// Where the exported object stands and looks at a time, by the usual interpolation of its keys.
+// The transform of the exported object at a time, by the usual interpolation of its keys.
 M Exported(ZR_TK& tool, ExportNode* record, float time) {
     const auto find = [time](const auto& at, int count) {
         int next = 0;
@@ -191,7 +191,7 @@ TEST_F(TargetPassTest, PointLightsAimAtNothing) {
     EXPECT_EQ(light.m_tool->m_pRoots->m_nCount, 1);
 }
 
-// A target that passes straight ahead, up close: the aim turns by 120 degrees, most of them in the middle.
+// A target that passes straight ahead, up close: the aim turns by 120 degrees, mostly in the middle.
 TEST_F(TargetPassTest, StandingCameraFollowsItsTarget) {
     for (const std::uint32_t targets : {kCameraTargetRecords, kCameraTargetKeys}) {
         AimingCamera camera(new kernix::CameraModel);
@@ -208,7 +208,7 @@ TEST_F(TargetPassTest, MovingLightFollowsAMovingTarget) {
     ExpectShown(light, light.Export(kLightTargetKeys | kKeepAllNodes | kAllChoices), 3);
 }
 
-// The keys hold how the camera turns against its parent, which turns itself between two keys.
+// The keys hold the orientation relative to the parent, which itself turns between two keys.
 TEST_F(TargetPassTest, CameraBelowATurningNodeFollowsItsTarget) {
     AimingCamera camera(new kernix::CameraModel);
     NodeModel* parent = camera.m_node;
@@ -225,7 +225,7 @@ TEST_F(TargetPassTest, CameraBelowATurningNodeFollowsItsTarget) {
     EXPECT_LT(record->pRotKeys->m_nCount, 150);
 }
 
-// Its controller, and those above it, tell when it moves.
+// Its controller and those above it show when it moves.
 TEST_F(TargetPassTest, CameraFollowsATargetThatIsNotExported) {
     AimingCamera camera(new kernix::CameraModel);
     NodeModel* mover = camera.m_scene->AddNode(nullptr, "mover");
@@ -239,7 +239,7 @@ TEST_F(TargetPassTest, CameraFollowsATargetThatIsNotExported) {
     ExpectShown(camera, record, 2);
 }
 
-TEST_F(TargetPassTest, ATurningCameraIsNoGroup) {
+TEST_F(TargetPassTest, ATurningCameraIsNotAGroup) {
     AimingCamera camera(new kernix::CameraModel);
     camera.Move(camera.m_target, {{0, {-3, 0, -1}}, {2, {3, 1, -1}}});
     camera.m_tool->m_dwAnimFlags = kGroupKeysOnly;
@@ -248,7 +248,7 @@ TEST_F(TargetPassTest, ATurningCameraIsNoGroup) {
     EXPECT_NE(camera.m_tool->FindNodeRecord(camera.m_target)->pPosKeys, nullptr);
 }
 
-// A position of the object in its node and no target: the same displacement at every time, no further keys.
+// An object position in the node and no target: the same displacement at every time, no additional keys.
 TEST_F(TargetPassTest, DisplacedCameraKeepsItsKeys) {
     for (const std::uint32_t form : {std::uint32_t{kAllChoices}, std::uint32_t{0}}) {
         auto* object = new kernix::CameraModel;
@@ -298,7 +298,7 @@ TEST_F(TargetPassTest, StepsLeadToWhatIsShown) {
     }
 }
 
-// Each object has its place and time; lights that aim at one target share the times that are looked at.
+// Each object has its place and time; lights that aim at one target share the sampled times.
 TEST_F(TargetPassTest, ManyFollowTheirTargetsAtOnce) {
     AimingLight light(new kernix::LightModel(vl::zr::kLightSpot));
     light.Move(light.m_target, {{0, {-3, 0, -4}}, {1, {3, 1, -4}}, {2, {0, 0, -9}}});
@@ -319,7 +319,7 @@ TEST_F(TargetPassTest, ManyFollowTheirTargetsAtOnce) {
     ExpectShown(light, light.m_tool->FindNodeRecord(light.m_node), 2);
 }
 
-TEST_F(TargetPassTest, UnturnedCameraIsLeftAlone) {
+TEST_F(TargetPassTest, CameraThatDoesNotTurnIsLeftAlone) {
     AimingCamera camera(new kernix::CameraModel);
     camera.Move(camera.m_node, {{0, {0, 0, 0}}, {1, {0, 0, 3}}});
     ExportNode* record = camera.Export(kAllChoices | kCameraTargetKeys);

@@ -50,7 +50,7 @@ TEST_F(TimeMapping, RescalesFromTheStart) {
     EXPECT_FLOAT_EQ(m_tool.MapTime(30), 10);
 }
 
-TEST_F(TimeMapping, BringsToALength) {
+TEST_F(TimeMapping, FitsToALength) {
     m_tool.m_dwAnimFlags = vl::tk::kSetLength;
     m_tool.m_fRescale = 60;
     m_tool.RemapTime();
@@ -75,11 +75,11 @@ TEST_F(TimeMapping, ReversesOrderAndTimes) {
     ExpectRange(0, 30);
     EXPECT_EQ(Times<ExportPositionKey>(m_record->pPosKeys), (std::vector<float>{0, 20, 30}));
     EXPECT_EQ(vl::ArrayOf<ExportPositionKey*>(m_record->pPosKeys)[0]->vValue.x, 40);
-    // A lone key holds for the whole range.
+    // A single key applies to the whole range.
     EXPECT_EQ(Times<ExportScaleKey>(m_record->pScaleKeys), (std::vector<float>{0}));
 }
 
-TEST_F(TimeMapping, ReversedStepsBeginWithTheWholeWay) {
+TEST_F(TimeMapping, ReversedStepsBeginWithTheTotal) {
     const std::uint32_t version = g_nHostVersion;
     for (const bool oldHost : {false, true}) {
         g_nHostVersion = oldHost ? 145 : 146;

@@ -99,7 +99,7 @@ TEST_F(TreeViewTest, ItemsNestInTheRecordsOrder) {
     EXPECT_EQ(tree.Parents(), (std::vector<int>{0, 1, 2, 1, 0}));
 }
 
-TEST_F(TreeViewTest, DepthIsNoDanger) {
+TEST_F(TreeViewTest, HandlesDeepTrees) {
     constexpr std::size_t kDepth = 200000;
     std::vector<ExportNode> records(kDepth);
     std::vector<ArrayRef> lists;

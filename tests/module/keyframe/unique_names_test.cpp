@@ -13,7 +13,7 @@
 
 namespace {
 
-// The rule as it is stated: try one number after the other until the table lacks the name.
+// The literal rule: try one number after another until the table lacks the name.
 class PlainNames {
 public:
     explicit PlainNames(bool exactCase) : m_exactCase(exactCase) {}
@@ -68,7 +68,7 @@ TEST(UniqueNames, NumbersFromTheCountOfNames) {
     EXPECT_EQ(EnterAll({u"x", u"y", u"z", u"w", u"x"}, true, 4), (WideNames{u"x", u"y", u"z", u"w", u"x4"}));
 }
 
-TEST(UniqueNames, NumberTakesTheEndOfALongName) {
+TEST(UniqueNames, NumberReplacesTheEndOfALongName) {
     WideNames names{u"abcd"};
     for (char16_t c = u'a'; c < u'a' + 11; ++c) names.push_back(std::u16string(1, c));
     names.push_back(u"abcd");
@@ -95,7 +95,8 @@ TEST(UniqueNames, EqualsThePlainRuleOnRandomNames) {
     }
 }
 
-// Ten thousand numbers fit four characters, and a few more names before them; then the numbers are used up.
+// Ten thousand numbers fit into four characters, with a few more names before them; then the numbers are used
+// up.
 TEST(UniqueNames, EqualsThePlainRuleWhereNumbersRunOut) {
     zrt::UniqueNames unique(false);
     PlainNames plain(false);
@@ -119,7 +120,7 @@ TEST(NumberedNames, AppendToTheNameThatWasFound) {
     EXPECT_EQ(entered, (WideNames{u"Wood", u"Wood1", u"Wood11", u"Stone", u"stone1", u"wood2", u"WOOD3"}));
 }
 
-// A name that fills every buffer it came through must still end up different from its equals.
+// A name that fills every buffer must still end up different from equal names.
 TEST(NumberedNames, LongNamesAreNotCut) {
     zrt::NumberedNames names;
     const std::u16string name(511, u'm');
@@ -129,8 +130,9 @@ TEST(NumberedNames, LongNamesAreNotCut) {
     EXPECT_TRUE(distinct.contains(name + u"19"));
 }
 
-// Numbers of more digits than a name may have keep their last ones, and go on at 0 after the last free one.
-TEST(UniqueNames, LongNumbersWrapRound) {
+// Numbers with more digits than a name may have keep the last ones, and continue from 0 after the last free
+// one.
+TEST(UniqueNames, LongNumbersWrapAround) {
     zrt::UniqueNames names(true);
     int entered = 0;
     for (int i = 9900; i < 10000; ++i, ++entered) {

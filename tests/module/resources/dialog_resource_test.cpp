@@ -8,7 +8,7 @@
 #include "platform/ui/dialog_template.h"
 #include "platform/windows.h"
 
-// The dialog's template as it lies in the module, which this program carries itself.
+// The dialog's template as in the module; this program embeds it too.
 namespace {
 
 std::span<const std::byte> Template() {
@@ -51,7 +51,7 @@ constexpr Expected kControls[] = {
     {1022, kChild | 0x00A00844, u"", 190, 5, 44, 137},
 };
 
-TEST(CleanerDialog, IsLaidOutAsTheProcedureNeedsIt) {
+TEST(CleanerDialog, HasTheLayoutThatTheProcedureNeeds) {
     const auto dialog = platform::ParseDialogTemplate(Template());
     ASSERT_TRUE(dialog.has_value());
     EXPECT_EQ(dialog->style, 0x80C008CCu);
@@ -75,7 +75,7 @@ TEST(CleanerDialog, IsLaidOutAsTheProcedureNeedsIt) {
     EXPECT_EQ(dialog->controls.back().exStyle, 0x200u);
 }
 
-TEST(CleanerDialog, CutAnywhereIsRefused) {
+TEST(CleanerDialog, TruncatedAnywhereIsRejected) {
     const auto whole = Template();
     for (std::size_t size = 0; size < whole.size(); ++size) {
         const std::vector<std::byte> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));

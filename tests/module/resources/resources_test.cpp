@@ -8,7 +8,7 @@
 
 #include "platform/windows.h"
 
-// The resources as they lie in the module, which this program carries itself.
+// The resources as in the module; this program embeds them too.
 namespace {
 
 std::span<const std::byte> Resource(LPCSTR name, LPCSTR type) {
@@ -17,7 +17,7 @@ std::span<const std::byte> Resource(LPCSTR name, LPCSTR type) {
             SizeofResource(nullptr, resource)};
 }
 
-// Reads a language table strictly; anything out of form is a failure.
+// Reads a language table strictly; any deviation from the format is a failure.
 std::map<int, std::u16string> ReadTable(LPCSTR name) {
     std::map<int, std::u16string> texts;
     const auto bytes = Resource(name, "LNG");
@@ -56,7 +56,7 @@ const std::vector<int> kIds = {1,    100,  500,  501,  502,  503,  504,  505,  5
                                511,  512,  601,  602,  603,  604,  605,  1000, 1001, 1002, 1050, 1100,
                                1101, 1111, 1121, 1131, 1141, 1151, 1161, 1171, 1181, 1191, 2001};
 
-TEST(LanguageTables, HoldTheSameIdsInFormApartFromChinese) {
+TEST(LanguageTables, HaveTheSameIdsApartFromChinese) {
     for (const char* name : {"ENG", "DE_DE", "FR_FR", "JA_JP"}) {
         EXPECT_EQ(IdsOf(ReadTable(name)), kIds) << name;
     }
