@@ -42,7 +42,7 @@ void Fill(kernix::SceneModel& scene, const Size& size) {
 constexpr std::uint32_t kAllKeys = ANIM_MERGE_POSITION | ANIM_MERGE_ROTATION | ANIM_MERGE_SCALE;
 
 void Merge(benchmark::State& state, const Size& size) {
-    // A first pass brings the heap's pages in: a page fault costs more than a key.
+    // A first pass faults in the pages of the heap: a page fault costs more than a key.
     kernix::HostAppBase host;
     g_pHost = &host;
     const auto manager = vl::Ref<zr_ANIM_MANAGER>::Adopt(new CAnimManagerImpl);

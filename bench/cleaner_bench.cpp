@@ -15,8 +15,8 @@ namespace {
 
 using Operation = int (CCleanerImpl::*)(vl::zr::Scene*, vl::Context*, ChangeRecord*);
 
-// Half of the nodes show a mesh of a tenth as many materials, each mesh twice at its place; the others are
-// empty. deep: a chain; else all at the top.
+// Half of the nodes show meshes, each twice at its place, with a tenth as many materials as nodes; the others
+// are empty. deep: the empty nodes form a chain; otherwise all are roots.
 vl::Ref<SceneModel> MakeScene(int nodes, bool deep) {
     auto scene = vl::Ref<SceneModel>::Adopt(new SceneModel);
     std::vector<kernix::MaterialModel*> materials;
@@ -39,7 +39,7 @@ vl::Ref<SceneModel> MakeDeep(int nodes) {
     return MakeScene(nodes, true);
 }
 
-// Equal meshes that are too far apart to be one, but close together.
+// Equal meshes close together, but too far apart to be duplicates.
 vl::Ref<SceneModel> MakeCrowd(int nodes) {
     auto scene = vl::Ref<SceneModel>::Adopt(new SceneModel);
     kernix::MaterialModel* material = scene->AddMaterial("material", "content");
@@ -62,7 +62,7 @@ void Run(benchmark::State& state, Operation operation, vl::Ref<SceneModel> (*mak
         state.ResumeTiming();
         const int count = ((*cleaner).*operation)(scene.Get(), nullptr, nullptr);
         state.PauseTiming();
-        if (count != nodes / expected) state.SkipWithError("another number of removals than expected");
+        if (count != nodes / expected) state.SkipWithError("unexpected number of removals");
         scene.Reset();
         state.ResumeTiming();
     }
@@ -70,7 +70,7 @@ void Run(benchmark::State& state, Operation operation, vl::Ref<SceneModel> (*mak
     g_pHost = nullptr;
 }
 
-// Also the smallest scene is larger than the caches, which would count as growth.
+// Even the smallest scene exceeds the caches, whose effect would count as growth.
 void Sizes(benchmark::internal::Benchmark* b) {
     b->Arg(50000)->Arg(100000)->Arg(200000)->Arg(400000)->Iterations(1)->Unit(benchmark::kMillisecond);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Baking a cubic curve into straight pieces and writing their keys into a document. "a key" is the time for
-// each key that comes of it.
+// Bakes a cubic curve into linear keys and writes these into a document. "a key" is the time for each
+// resulting key.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// A node that goes up and down, a wave of eight keys a second at a time, with the slopes of the wave.
+// A node that moves up and down, one wave of eight keys each second, with the slopes of the wave.
 kernix::Curve Waves(std::int64_t count) {
     constexpr float kPerSecond = 8;
     kernix::Curve curve{vl::zr::kInterpolationCubic, {}, {}};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // floor IN.glb OUT.glb: parses the JSON text of a container in place, writes it again and copies the binary
-// chunk. No tool that reads and writes the file can take less.
+// chunk. No tool that reads and writes the file can take less time.
 #include <rapidjson/document.h>
 #include <rapidjson/writer.h>
 

@@ -10,18 +10,19 @@
 
 namespace zr::bench {
 
-// A binary glTF file put together element by element as text. One scene, one buffer, one view for each
-// accessor.
+// Builds a binary glTF file element by element, as text. One scene, one buffer, one view for each accessor.
 class GlbBuilder {
 public:
-    // Adds an element to a collection of the root ("nodes"): its index.
+    // Adds an element to a collection of the root ("nodes") and returns its index.
     std::size_t Add(const char* collection, const std::string& element);
     void AddRoot(std::size_t node);
 
-    // Floats under an accessor type ("VEC3"); bounds are written for VEC3 where asked for, and for SCALAR.
+    // Adds an accessor of the type ("VEC3") and returns its index. Bounds are written on request, and always
+    // for SCALAR.
     std::size_t AddFloats(const char* type, std::span<const float> values, bool bounds = false);
     std::size_t AddIndices(std::span<const std::uint16_t> values);
 
+    // Throws Error.
     void Write(const std::filesystem::path& file) const;
 
 private:

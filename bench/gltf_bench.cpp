@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading glTF files of growing size: the text alone, the checked document, the scene made from it.
+// Reads glTF files of growing size: the text alone, the checked document, the scene built from it.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
@@ -55,7 +55,7 @@ void LoadDocument(benchmark::State& state, std::size_t depth, std::size_t keys) 
     state.SetComplexityN(state.range(0));
 }
 
-// MiB is what the document and its scene hold.
+// MiB is the memory of the document and its scene.
 void LoadScene(benchmark::State& state, std::size_t depth, std::size_t keys) {
     const SceneFile file(ShapeOf(state, depth, keys));
     const double before = MebibytesInUse();

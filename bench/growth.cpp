@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The main function of the benchmarks. Beside the library's own table it prints, for every series of at least
-// three sizes, the exponent of the curve that fits its CPU times best: 1 is linear. It fails when one grows
-// faster than kGreatest, or when a benchmark reports an error. Of each size the fastest of a few runs counts,
-// so that what else the machine does hardly shows; and memory is had as the program has it, since page faults
-// would grow faster than the work.
+// The main function of the benchmarks. Besides the library's own table it prints, for every series of at
+// least three sizes, the exponent of the curve that fits its CPU times best: 1 is linear. It fails when one
+// grows faster than kGreatest, or when a benchmark reports an error. For each size the fastest of a few runs
+// counts, so that other work of the machine hardly shows. Memory is allocated as in the program, since page
+// faults would grow faster than the work.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -35,7 +35,7 @@ public:
         ConsoleReporter::ReportRuns(runs);
     }
 
-    // Whether every series grows as it may.
+    // Whether every series grows within the limit and no benchmark failed.
     bool PrintGrowth() const {
         bool holds = !m_failed;
         for (const auto& [name, points] : m_series) {
@@ -74,7 +74,7 @@ private:
 
 int main(int argc, char** argv) {
     zr::UseLargeHeap();
-    // What the caller says comes later and wins.
+    // The caller's arguments come later and take precedence.
     std::string defaults[] = {"--benchmark_repetitions=3", "--benchmark_min_time=0.1"};
     std::vector<char*> arguments{argv[0], defaults[0].data(), defaults[1].data()};
     arguments.insert(arguments.end(), argv + 1, argv + argc);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// key_error GIVEN OTHER: keys of the other scene, and how far it strays from the given one: of any drawn
-// point, in scene units, and of any camera, light or loose end, in radians. Nodes and animations are matched
-// by name.
+// key_error GIVEN OTHER: prints the number of keys of the other scene and how far it strays from the given
+// one: the greatest error of any drawn point, in scene units, and of any camera, light or loose end, in
+// radians. Nodes and animations are matched by name.
 //
 // key_error GIVEN --hierarchical LENGTH: the same for the given scene reduced by hierarchical decimation:
 // every track by the rule of Ramer, Douglas and Peucker ("An iterative procedure for the polygonal
@@ -45,8 +45,8 @@ std::size_t CountKeys(const Evaluator& evaluator) {
     return keys;
 }
 
-// The place in b of each name of a: that of the same name, the n-th one for the n-th. Without a name or such
-// a one, the same place.
+// The index in b for each name in a: the n-th occurrence of the same name for the n-th; the same index if the
+// name is empty or not found.
 std::vector<std::size_t> Partners(const std::vector<std::string>& a, const std::vector<std::string>& b) {
     std::map<std::string, std::vector<std::size_t>> places;
     for (std::size_t i = b.size(); i-- > 0;) places[b[i]].push_back(i);
@@ -118,8 +118,8 @@ Measured Compare(const gltf::Document& a, const gltf::Document& b) {
     return error;
 }
 
-// Keeps the key farthest from the line between the kept ones on its sides, until none is farther than
-// allowed.
+// Keeps the key farthest from the line between the nearest kept ones on either side, until none is farther
+// than the tolerance.
 class Decimation {
 public:
     Decimation(const Channel& channel, double factor, bool isChord)
@@ -187,7 +187,7 @@ private:
     const bool m_isChord;
 };
 
-// The tolerance that brings the measured error to the wished one is searched for.
+// Searches for the tolerance that brings the measured error to the wished one.
 Measured Hierarchical(const gltf::Document& document, double wished) {
     const Evaluator evaluator(document);
     const std::vector<reduce::Watched> watched = reduce::WatchedPoints(evaluator);

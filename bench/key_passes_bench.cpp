@@ -71,7 +71,7 @@ void EqualNames(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 
-// The numbers that would come next are all taken: by names, and for many different ones.
+// The next numbers are all taken by names, and many different names need one.
 void TakenNumbers(benchmark::State& state) {
     const std::int64_t count = state.range(0) / 3;
     for (auto _ : state) {
@@ -92,7 +92,7 @@ void TakenNumbers(benchmark::State& state) {
 
 BENCHMARK(Merge)->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Resample)->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);
-// Also the fewest names are more than the caches hold, which would count as growth.
+// Even the smallest set of names exceeds the caches, whose effect would count as growth.
 BENCHMARK(EqualNames)->RangeMultiplier(2)->Range(1 << 17, 1 << 19)->Unit(benchmark::kMillisecond);
 BENCHMARK(TakenNumbers)->RangeMultiplier(2)->Range(1 << 17, 1 << 19)->Unit(benchmark::kMillisecond);
 

@@ -63,7 +63,7 @@ void Run(benchmark::State& state, int depth, bool isAnimated, std::uint32_t expo
     g_pHost = nullptr;
 }
 
-// Also the smallest scene is larger than the caches, which would count as growth.
+// Even the smallest scene exceeds the caches, whose effect would count as growth.
 #define ZR_SIZES \
     Arg(50000)->Arg(100000)->Arg(200000)->Arg(400000)->Iterations(1)->Unit(benchmark::kMillisecond)
 
@@ -78,7 +78,7 @@ BENCHMARK_CAPTURE(Run, KeysDeep, kDeep, true, kExtractKeys, kAngleAxisKeys)->ZR_
 BENCHMARK_CAPTURE(Run, KeysChainReversed, kChain, true, kExtractKeys, kAngleAxisKeys | kReverseTime)
     ->ZR_SIZES;
 
-// Time in the number of keys of one node.
+// Time against the number of keys of one node.
 void RunKeys(benchmark::State& state, std::uint32_t animFlags) {
     Host host;
     g_pHost = &host;
@@ -87,7 +87,7 @@ void RunKeys(benchmark::State& state, std::uint32_t animFlags) {
                       ->AddTransformController()
                       ->AddTransformTrack(scene->AddAnimation(u"move"));
     for (int i = 0; i < state.range(0); ++i) {
-        track->AddRotation(static_cast<float>(i))->SetValue({0, 1, 0, 4});  // two keys go between
+        track->AddRotation(static_cast<float>(i))->SetValue({0, 1, 0, 4});  // two keys are inserted between
     }
     for (auto _ : state) {
         const auto tool = Ref<ZR_TK>::Adopt(new ZR_TK);
@@ -148,7 +148,7 @@ void RunAims(benchmark::State& state, bool isLight, int depth) {
     g_pHost = nullptr;
 }
 
-// From sizes on that no cache holds.
+// Sizes that exceed the caches.
 #define ZR_AIMS RangeMultiplier(4)->Range(2048, 32768)->Unit(benchmark::kMillisecond)
 
 BENCHMARK_CAPTURE(RunAims, Lights, true, kFlat)->ZR_AIMS;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// make_scene large|xl|xk|deep FILE.glb: writes one of the scenes that the comparison with other tools
-// measures.
+// make_scene large|xl|xk|deep FILE.glb: writes one of the scenes used in the comparison with other tools.
 #include <cstdio>
 #include <exception>
 #include <map>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program itself on files of growing size: CPU time of a process, and its peak of memory against the
-// file's size, with reading and writing the file alone as the floor.
+// The program itself on files of growing size: the CPU time of a process, and its peak memory relative to the
+// size of the file. Merely reading and writing the file is the floor.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -21,7 +21,7 @@ double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-// Does the work in a process of its own and takes its time as the iteration's.
+// Does the work in a separate process, whose CPU time counts as the time of the iteration.
 template <typename Work>
 void Measure(benchmark::State& state, const SceneFile& file, Work work) {
     double peak = 0;
@@ -109,7 +109,7 @@ BENCHMARK(Merge)->Apply(Sizes);
 BENCHMARK(Split)->Apply(Sizes);
 BENCHMARK(Info)->Apply(Sizes);
 
-// A chain costs what flat nodes do.
+// A chain should cost no more than flat nodes.
 void Chain(benchmark::State& state) {
     const auto nodes = static_cast<std::size_t>(state.range(0));
     Program(state,

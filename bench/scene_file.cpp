@@ -44,7 +44,7 @@ private:
                         look % 97, ",0.", look / 97, ",0.5,1]}}"));
     }
 
-    // Three by three vertices in a square at a height of the mesh's own.
+    // Three by three vertices in a square, at a different height for each mesh.
     std::size_t AddMesh(std::size_t number) {
         std::vector<float> positions;
         std::vector<std::uint16_t> indices;

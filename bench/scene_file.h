@@ -7,10 +7,10 @@
 namespace zr::bench {
 
 // A scene of nodes in blocks of eleven: a root with a group of six meshes below it and three nodes that show
-// nothing. Motion is baked at 30 keys a second, straight for about a second at a time.
+// nothing. Motion is baked at 30 keys a second, linear for about a second at a time.
 struct SceneShape {
     std::size_t nodes = 0;
-    std::size_t repeats = 0;    // meshes that stand a second time at their place, with data of their own
+    std::size_t repeats = 0;    // meshes repeated at the same place, with separate data
     std::size_t materials = 0;  // used in turn; half of them look like the other half
     std::size_t animations = 0;
     std::size_t keys = 0;   // of all animations, in channels of keysPerChannel
@@ -27,7 +27,7 @@ struct SceneShape {
 // Writes the scene as a binary container. Equal shapes give equal files.
 void WriteScene(const std::filesystem::path& file, const SceneShape& shape);
 
-// The scene in a folder of its own that goes with the object.
+// The scene in a temporary folder, which is deleted with the object.
 class SceneFile {
 public:
     explicit SceneFile(const SceneShape& shape);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Letters as a mesh against the length of the text, with the font's bare outlines as the floor.
+// Time to make a mesh of letters against the length of the text, with decomposing the bare outlines of the
+// font as the floor.
 #include <benchmark/benchmark.h>
 #include <ft2build.h>
 
@@ -77,7 +78,7 @@ void BareDecomposition(benchmark::State& state) {
     FT_Init_FreeType(&library);
     FT_Face face;
     if (FT_New_Face(library, "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", 0, &face) != 0) {
-        state.SkipWithError("DejaVu Sans is not where it was looked for");
+        state.SkipWithError("DejaVu Sans was not found");
         return;
     }
     int points = 0;

@@ -78,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (step == 3) RemoveAnimations(test::TheHost(), loaded, AnimationsOf(loaded.Scene()));
             document = std::move(loaded).WriteBack();
         } catch (const std::runtime_error&) {
-            return 0;  // the scene went with it
+            return 0;  // the document is lost
         }
     }
     LoadedScene(std::move(document));

@@ -8,7 +8,7 @@
 #include "kernix/host_app_base.h"
 #include "tests/app/services/the_host.h"
 
-// Cleans random scenes of random things. A second cleaning finds nothing.
+// Cleans random scenes with random options. A second cleaning must find nothing.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zr;
     static EnvironmentService environment(test::TheHost());
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const CleanResult second = clean();
         for (std::size_t i = 0; i < kCleanSteps; ++i) {
             if (second.steps[i].count == 0) continue;
-            std::fprintf(stderr, "the second cleaning took %zu more: %s\n", second.steps[i].count,
+            std::fprintf(stderr, "the second cleaning removed %zu more: %s\n", second.steps[i].count,
                          std::string(kCleanStepInfo[i].name).c_str());
             std::abort();
         }

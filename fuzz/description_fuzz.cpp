@@ -34,7 +34,7 @@ private:
 
 }  // namespace
 
-// What a module describes its methods with: XML, of which the host makes the parameters of a call.
+// A module's description of its methods: XML from which the host builds the parameters of a call.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto description = vl::Ref<vl::Stream>::AdoptNew(vl::Stream::CreateInMemory());
     description->Write(data, size);

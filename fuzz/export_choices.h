@@ -6,7 +6,7 @@
 
 namespace zr::fuzz {
 
-// Options as a command line can give them.
+// Random options that a command line could give.
 ExportOptions MakeExportOptions(test::Random& choices);
 
 }  // namespace zr::fuzz

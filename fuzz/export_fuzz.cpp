@@ -4,7 +4,7 @@
 #include "fuzz/scenes.h"
 #include "tests/app/services/the_host.h"
 
-// Exports random scenes under random option words. What comes out is a scene again.
+// Exports random scenes with random option words. The result must load as a scene.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zr;
     test::Random choices = fuzz::ChoicesOf(data, size);

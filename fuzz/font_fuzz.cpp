@@ -6,7 +6,7 @@
 #include "app/services/font_file.h"
 #include "base/error.h"
 
-// The names that a font file says of itself.
+// The names in a font file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         zr::ReadFontNames(std::as_bytes(std::span(data, size)), "fuzz.ttf");

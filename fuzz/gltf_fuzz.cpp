@@ -6,11 +6,11 @@
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
 
-// Reads a document, every accessor of it, and takes out what nothing refers to.
+// Reads a document and all of its accessors, and removes what nothing refers to.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zr::gltf;
     try {
-        // A folder that does not exist: the document brings its buffers, or has none.
+        // The folder does not exist: the document contains its buffers or has none.
         Document document = Document::FromBytes(std::as_bytes(std::span(data, size)), "/nowhere/fuzz.glb");
         for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i)
             if (HasData(document, i)) ReadFloats(document, i);

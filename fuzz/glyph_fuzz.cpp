@@ -19,8 +19,8 @@ namespace {
 
 using zr::test::Random;
 
-// A glyph as a font may have it: lines, conic and cubic pieces in any order, contours of any length that
-// cross themselves and each other.
+// A glyph that a font could contain: lines, conic and cubic segments in any order, contours of any length
+// that cross themselves and each other.
 class Glyph {
 public:
     explicit Glyph(Random& choices) {
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    // Points that meet are what matters.
+    // Coarse, since coincident points matter most.
     static FT_Pos Coordinate(Random& choices) {
         const auto number = static_cast<FT_Pos>(choices.Pick(256));
         return number < 128 ? number % 8 * 100 : (number - 192) * 512;
@@ -65,7 +65,7 @@ int Count(const double* a, const double* b, const double* c, void* user) {
 
 }  // namespace
 
-// A glyph's way from the font to triangles: the system's native form, contours, the region they enclose.
+// A glyph from the font to triangles: the system's native form, contours, the region that they enclose.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Random choices(0, {data, size});
     const double angles[] = {std::numbers::pi / 2, 0.35, 0.02};
@@ -73,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Glyph glyph(choices);
     std::vector<BYTE> native;
     if (!platform::AppendNativeOutline(glyph.Outline(), 120, 1000, native)) return 0;
-    // What was written for it is read in full.
+    // The parser must accept all that was written.
     if (!outline.ParseNativeOutline(native.data(), native.size())) __builtin_trap();
 
     const auto engine = vl::Ref<PolyBoolean>::AdoptNew(new zr::PolyBooleanExtension);

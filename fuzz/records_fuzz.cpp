@@ -11,7 +11,7 @@
 #include "tests/app/services/the_host.h"
 #include "tests/base/temporary_folder.h"
 
-// Writes the records of random scenes under random option words as JSON, which must be well formed.
+// Writes the records of random scenes with random option words as JSON, which must be well formed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zr;
     static const test::TemporaryFolder& folder = *new test::TemporaryFolder;

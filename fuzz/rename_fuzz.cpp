@@ -6,7 +6,7 @@
 
 #include "app/services/rename_rules.h"
 
-// The first line is a name, every other one a rule for it.
+// The first line is a name, each other line a rule for it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view rest(reinterpret_cast<const char*>(data), size);
     const auto nextLine = [&rest] {
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     };
     const std::string name(nextLine());
     zr::RenameRules rules;
-    // Names grow with every rule.
+    // Few rules, since names grow with each.
     for (int count = 0; !rest.empty() && count < 4; ++count) {
         try {
             rules.Add(nextLine());

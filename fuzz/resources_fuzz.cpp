@@ -7,7 +7,7 @@
 #include "platform/resources/res_file.h"
 #include "platform/ui/dialog_template.h"
 
-// Everything that a module's resources are read with: the file, dialog templates, language tables.
+// All readers of a module's resources: the file, dialog templates, language tables.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span bytes(reinterpret_cast<const std::byte*>(data), size);
     platform::ResourceReader reader(bytes);

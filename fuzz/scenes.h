@@ -9,13 +9,13 @@
 
 namespace zr::fuzz {
 
-// The choices of an input. The first two bytes choose those that follow after its end.
+// The choices that an input makes. Its first two bytes seed the choices after its end.
 test::Random ChoicesOf(const std::uint8_t* data, std::size_t size);
 
-// A random scene as a document, which is valid: every fault of it is a fault of what made it.
+// A random scene as a valid document; aborts if it is not, which is a fault of the generator.
 gltf::Document MakeDocument(test::Random& choices);
 
-// A 32-bit word whose bits are on or off as `choices` has it, mostly as in `usual`.
+// `usual` with up to seven random bits flipped.
 std::uint32_t Word(test::Random& choices, std::uint32_t usual);
 
 }  // namespace zr::fuzz

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-// Reads a settings file that stands in memory, and asks for what the exporter asks for.
+// Reads a settings file in memory and looks up what the exporter does.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const int file = memfd_create("settings", 0);
     if (file < 0 || write(file, data, size) != static_cast<ssize_t>(size)) __builtin_trap();

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A host in one file: loads modules, builds a scene in memory and puts the extensions of zrtools to work on
-// it.
+// A host in one file: loads modules, builds a scene in memory and runs the extensions of zrtools on it.
 //
 //   example-host zrtools.so [another module ...]
 #include <dlfcn.h>
@@ -41,7 +40,7 @@ Ref<T> Create(kernix::HostAppBase& host, const char* typeName) {
     return Ref<T>::Share(wanted);
 }
 
-// A box that slides along x in one animation and along y in another, and a node that nothing needs.
+// A box that slides along x in one animation and along y in another, and an empty node.
 Ref<SceneModel> BuildScene() {
     auto scene = Ref<SceneModel>::AdoptNew(new SceneModel);
     kernix::NodeModel* box = scene->AddNode(nullptr, "box");
@@ -102,7 +101,7 @@ void DrawText(kernix::HostAppBase& host) {
     std::printf("CAD text: %d strokes\n", strokes->GetContourCount());
 }
 
-// The extension of ../plugin, when its module was loaded.
+// The extension of ../plugin, if its module was loaded.
 void CountNodes(kernix::HostAppBase& host, SceneModel& scene) {
     const auto counter = Ref<vl::Extension>::Adopt(host.CreateExtension("EXAMPLE_NODE_COUNTER"));
     if (!counter) return;

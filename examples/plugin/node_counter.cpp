@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A module with one extension. Method 1 counts the nodes of a scene: parameter 0 of the call is the scene,
-// parameter 0 of the extension afterwards the number.
+// A module with one extension. Method 1 counts the nodes of a scene: parameter 0 of the call is the scene;
+// the result becomes parameter 0 of the extension.
 #include <cstring>
 
 #include "host/extension.h"
