@@ -2,7 +2,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <vector>
 
 #include "kernix/array.h"
 #include "kernix/host_app_base.h"

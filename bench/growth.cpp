@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/commands/posix/large_heap.h"

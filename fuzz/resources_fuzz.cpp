@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <cstdint>
 #include <span>
-#include <string_view>
 
 #include "kernix/module_strings.h"
 #include "platform/resources/res_file.h"

@@ -2,7 +2,6 @@
 #include "app/services/poly_boolean_flips.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <unordered_map>
 #include <utility>

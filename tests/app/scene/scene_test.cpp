@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <map>
-
 #include "app/scene/curves.h"
 #include "app/scene/loaded_scene.h"
 #include "base/text.h"

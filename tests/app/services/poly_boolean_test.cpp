@@ -8,7 +8,6 @@
 #include <cmath>
 #include <map>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "app/services/poly_boolean_contacts.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "tests/module/animmanager/anim_fixture.h"

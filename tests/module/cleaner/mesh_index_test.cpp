@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "host/ref.h"

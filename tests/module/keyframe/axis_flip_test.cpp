@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <utility>
 
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"

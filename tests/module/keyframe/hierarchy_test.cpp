@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <cstring>
-#include <map>
 
 #include "tests/module/keyframe/scene_kit.h"
 #include "tests/module/test_host.h"

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cmath>
 #include <memory>
 #include <random>
 #include <vector>

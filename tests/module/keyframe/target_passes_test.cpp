@@ -2,7 +2,6 @@
 // What cameras and lights aim at, and where they are shown, through the tool.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <vector>
 
 #include "kernix/scene/scene_model.h"
