@@ -82,15 +82,31 @@ EnvironmentService::~EnvironmentService() {
     *m_self = nullptr;
 }
 
+// Detaches document and view at the end of the scope, however it is left.
+class EnvironmentService::Attachment {
+public:
+    Attachment(EnvironmentService& service, Document& document) : m_service(service), m_view(service) {
+        m_service.m_removed.clear();
+        m_service.m_document = &document;
+        m_service.m_host.SetView(&m_view);
+    }
+    Attachment(const Attachment&) = delete;
+    Attachment& operator=(const Attachment&) = delete;
+    ~Attachment() {
+        m_service.m_host.SetView(nullptr);
+        m_service.m_document = nullptr;
+    }
+
+private:
+    EnvironmentService& m_service;
+    View m_view;
+};
+
 std::vector<std::string> EnvironmentService::Run(Document& document, const std::function<void()>& work) {
     const std::lock_guard lock(m_mutex);
-    View view(*this);
-    m_document = &document;
-    m_host.SetView(&view);
+    const Attachment attachment(*this, document);
     work();
-    m_host.SetView(nullptr);
-    m_document = nullptr;
-    return std::exchange(m_removed, {});
+    return std::move(m_removed);
 }
 
 }  // namespace zr

@@ -21,11 +21,12 @@ public:
     EnvironmentService& operator=(const EnvironmentService&) = delete;
     ~EnvironmentService();
 
-    // Runs work with helper and view attached to the document and returns the names of what they removed. May
-    // be called on any thread; a second caller waits.
+    // Runs work with helper and view attached to the document and returns the names of what they removed;
+    // passes on what work throws. May be called on any thread; a second caller waits.
     std::vector<std::string> Run(gltf::Document& document, const std::function<void()>& work);
 
 private:
+    class Attachment;
     class Helper;
     class View;
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Hosts before this version keep the sign of relative rotations when a track is reversed.
+// Hosts before this version expect the steps of a reversed track about the opposite axes.
 constexpr std::uint32_t kFirstVersionWithSignedSteps = 146;
 
 vl::AngleAxis WithOppositeAxis(const vl::AngleAxis& rotation) {

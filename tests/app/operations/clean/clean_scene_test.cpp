@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 
+#include "host/hdr_helper.h"
 #include "tests/app/operations/clean/clean_kit.h"
 #include "tests/gltf/sample.h"
 
@@ -216,6 +218,20 @@ TEST_F(CleanDocumentTest, GoesOnWhileSomethingIsSetFree) {
     const CleanResult result = Clean(document, Unseen());
     EXPECT_EQ(NamesOf(result, CleanStep::kAnimations), Strings{"run"});
     EXPECT_EQ(NamesOf(result, CleanStep::kEmptyNodes), (Strings{"leaf", "branch", "attachment"}));
+}
+
+// A dialog that cannot open, say.
+TEST_F(CleanDocumentTest, WorkThatThrowsLeavesNoViewAndNoDocumentBehind) {
+    constexpr int kViewWindow = 4;
+    Document document = Scene();
+    EXPECT_THROW(m_environment.Run(document,
+                                   [&] {
+                                       EXPECT_NE(m_host.GetMainWindow(kViewWindow), nullptr);
+                                       throw std::runtime_error("no display");
+                                   }),
+                 std::runtime_error);
+    EXPECT_EQ(m_host.GetMainWindow(kViewWindow), nullptr);
+    EXPECT_EQ(m_host.CreateExtension(kTypeHdrHelper), nullptr);
 }
 
 }  // namespace
