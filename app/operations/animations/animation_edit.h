@@ -12,33 +12,35 @@ namespace zr {
 
 using Animations = std::vector<kernix::AnimationModel*>;
 
-// Every controller of the scene's nodes and then of its materials; holder: the node or material it moves, as
-// text for people.
+// Visits every controller of the scene's nodes, then of its materials. holder: describes the node or material
+// that the controller belongs to.
 void ForEachController(
     LoadedScene& loaded,
     const std::function<void(vl::zr::Controller& controller, const std::string& holder)>& visit);
+
+// 'node "Lid"', or 'node 3' for a node without a name.
 std::string HolderName(const LoadedScene& loaded, const kernix::NodeModel& node);
 
-// Gives the target's track for an animation the content of a track of the same class; the target may stand in
-// another scene.
+// Copies a track into the target's track for an animation, which is added if missing. Both controllers are of
+// the same class; the target may belong to another scene.
 void CopyTrack(vl::zr::Controller& source, vl::zr::Track* track, vl::zr::Controller& target,
                kernix::AnimationModel* animation);
 
 // The animation's name in double quotes.
 std::string Quoted(const kernix::AnimationModel& animation);
 
-// Whether the animation moves anything.
+// Whether any track of the animation has keys.
 bool HasKeys(const kernix::AnimationModel& animation);
 
-// Removes animations through the module's manager. Those that something in the document refers to stay;
-// returns one line for each of these that says why.
+// Removes animations through the module's manager. Animations that the document refers to are kept; returns
+// one line for each of them, saying why.
 std::vector<std::string> RemoveAnimations(Host& host, LoadedScene& loaded, const Animations& animations);
 
-// A viewport that refers to any of the old animations refers to all the new ones too.
+// Makes every viewport that refers to any of the old animations refer to all the new ones too.
 void FollowInViewports(kernix::SceneModel& scene, const Animations& old, const Animations& added);
 
-// The channels that the document has but the scene does not play, and why: results made from the scene's
-// tracks lack them.
+// One line for each channel of the animations that the scene does not play, saying why. Results made from the
+// scene's tracks lack these channels.
 std::vector<std::string> SkippedChannels(const LoadedScene& loaded, const Animations& animations);
 
 }  // namespace zr

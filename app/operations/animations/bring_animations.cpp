@@ -42,7 +42,7 @@ private:
         const auto found = m_partners.find(&node);
         if (controller.IsTypeOf(vl::zr::kTypeTransformController)) {
             if (found == m_partners.end()) return m_brought.withoutPartner.push_back(NodePath(node));
-            UnbindMatrix(*found->second);
+            SplitMatrix(*found->second);
             return CopyTracks(controller, *found->second->AddTransformController());
         }
         const bool isWeights = Target(controller) == WeightsTarget(m_from, node);
@@ -80,8 +80,8 @@ private:
         return targets != nullptr ? targets->Items().size() : 0;
     }
 
-    // A node that moves has its transform at rest in parts.
-    void UnbindMatrix(const NodeModel& node) {
+    // An animated node may not have a matrix: stores its rest transform as translation, rotation and scale.
+    void SplitMatrix(const NodeModel& node) {
         gltf::Document& document = m_to.Document();
         Json& json = document.Elements(gltf::Kind::kNode)[*m_to.IndexOf(&node)];
         if (!json.EraseMember("matrix")) return;

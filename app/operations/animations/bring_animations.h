@@ -10,12 +10,12 @@
 namespace zr {
 
 struct BroughtAnimations {
-    Animations animations;                    // new ones of the receiving scene, in the other's order
-    std::vector<std::string> withoutPartner;  // what moves in the other scene and has no partner here
+    Animations animations;  // added to the receiving scene, in the order of the source scene
+    std::vector<std::string> withoutPartner;  // animated in the source scene, without a partner here
 };
 
-// Gives `to` the animations of `from`, on the partners of the nodes that they move. Transforms come along,
-// and morph weights where the meshes have as many.
+// Copies the animations of `from` to `to`, onto the partners of the nodes they move: transforms, and morph
+// weights where both meshes have the same number of targets.
 BroughtAnimations BringAnimations(LoadedScene& from, LoadedScene& to, const NodePartners& partners);
 
 }  // namespace zr

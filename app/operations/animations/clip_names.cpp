@@ -21,7 +21,7 @@ std::string Cleaned(const std::string& name) {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F || kRefused.find(c) != kRefused.npos) c = '_';
     }
-    // Neither a hidden file nor a folder; and some systems drop dots and spaces at the end of a name.
+    // Avoids hidden files, "." and ".."; some systems drop trailing dots and spaces.
     if (cleaned.starts_with('.')) cleaned[0] = '_';
     while (cleaned.ends_with('.') || cleaned.ends_with(' ')) cleaned.pop_back();
     return cleaned;
@@ -37,7 +37,7 @@ std::string Folded(std::string name) {
 std::vector<std::string> ClipNames(const std::vector<std::string>& animations) {
     std::vector<std::string> names;
     std::set<std::string> taken;
-    std::map<std::string, int> numbers;  // given so far to names that were alike
+    std::map<std::string, int> numbers;  // by folded name: the last number appended
     for (std::size_t i = 0; i < animations.size(); ++i) {
         std::string name = Cleaned(animations[i]);
         if (name.empty()) name = Join("animation ", i);

@@ -24,7 +24,7 @@ Values ValueOf(const Curve& curve, std::size_t key) {
     return {curve.Value(key), curve.Value(key) + curve.Width()};
 }
 
-// The interpolation that can show all of the curves.
+// The interpolation that can represent all of the curves.
 KeyInterpolation InterpolationOf(std::span<const Curve* const> curves) {
     const auto have = [&](KeyInterpolation interpolation) {
         return std::ranges::any_of(curves,
@@ -35,21 +35,21 @@ KeyInterpolation InterpolationOf(std::span<const Curve* const> curves) {
                                                 : vl::zr::kInterpolationStep;
 }
 
-// A curve that grows at its end.
-class Growing {
+// A curve that is built by appending.
+class CurveBuilder {
 public:
-    explicit Growing(KeyInterpolation interpolation) { m_curve.interpolation = interpolation; }
+    explicit CurveBuilder(KeyInterpolation interpolation) { m_curve.interpolation = interpolation; }
 
     bool IsEmpty() const { return m_curve.IsEmpty(); }
     Values Last() const { return ValueOf(m_curve, m_curve.times.size() - 1); }
 
-    // A key at the time, or as soon after the last one as can be.
+    // Adds a key at the time or, if that is not after the last key, at the next float after it.
     void Add(float time, const Values& value) {
         Add(time, value, Values(value.size()), Values(value.size()));
     }
 
-    // Holds what is shown until just before the time, from which on something else is; the time, or the one
-    // as soon after the last key as can be.
+    // Holds the last value until just before a jump at the time. Returns the time of the jump: at least the
+    // next float after the last key.
     float HoldUntil(float time) {
         const float from = std::max(time, After(m_curve.times.back()));
         if (!IsOf(vl::zr::kInterpolationStep) && Before(from) > m_curve.times.back())
@@ -57,7 +57,8 @@ public:
         return from;
     }
 
-    // Outside its keys a curve stays, so what leads to its first key and from its last one has no slope.
+    // A curve is constant outside its keys, so the slopes before its first key and after its last one are
+    // zero.
     void Append(const Curve& curve) {
         const bool goesOn =
             !IsEmpty() && curve.times.front() <= m_curve.times.back() && Last() == ValueOf(curve, 0);
@@ -116,11 +117,11 @@ Curve InSequence(std::span<const Stretch> stretches, const std::optional<Values>
     std::vector<const Curve*> curves;
     for (const Stretch& stretch : stretches)
         if (stretch.curve != nullptr) curves.push_back(stretch.curve);
-    Growing joined(InterpolationOf(curves));
+    CurveBuilder joined(InterpolationOf(curves));
     for (const Stretch& stretch : stretches) {
         if (stretch.curve == nullptr && !rest) continue;
         const Values first = stretch.curve != nullptr ? ValueOf(*stretch.curve, 0) : *rest;
-        // Before its first key a curve shows that key.
+        // A curve shows its first key before that key too, so the rest value needs a key.
         if (joined.IsEmpty() && stretch.curve != nullptr && rest && *rest != first &&
             stretches.front().start < stretch.start)
             joined.Add(stretches.front().start, *rest);
@@ -136,7 +137,7 @@ Curve InSequence(std::span<const Stretch> stretches, const std::optional<Values>
 std::optional<Curve> Joined(std::span<const Curve* const> curves) {
     std::vector<const Curve*> ordered(curves.begin(), curves.end());
     std::ranges::stable_sort(ordered, {}, [](const Curve* curve) { return curve->times.front(); });
-    Growing joined(InterpolationOf(curves));
+    CurveBuilder joined(InterpolationOf(curves));
     for (std::size_t i = 0; i < ordered.size(); ++i) {
         const Curve& curve = *ordered[i];
         if (i > 0 && curve.times.front() < ordered[i - 1]->times.back()) return std::nullopt;

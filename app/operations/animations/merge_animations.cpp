@@ -21,7 +21,7 @@ namespace {
 using kernix::TransformTrack;
 using Value = std::vector<float>;
 
-// What the track shows, as the values of a curve.
+// The track's value at a time, as a curve stores it.
 Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix::Pose& rest) {
     const TransformTrack::Sample sample = track.Evaluate(time, rest);
     if (keyType == vl::zr::kKeyRotation) {
@@ -32,12 +32,12 @@ Value ValueAt(const TransformTrack& track, int keyType, float time, const kernix
     return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
 }
 
-// A source's copy and the stretch of time that it fills, seconds.
+// A source's copy and its time range, in seconds.
 struct Source {
     kernix::AnimationModel* copy;
     float start = 0;
     float end = 0;
-    bool givesWay = false;  // without length, to the next source at once
+    bool givesWay = false;  // has zero length, so the next source replaces it at once
 };
 
 class Merge {
@@ -123,7 +123,7 @@ private:
         }
     }
 
-    // Far from 0, times are coarse and keys may coincide.
+    // Far from 0, floats are coarse and the times of keys may coincide.
     void RequireDistinctTimes(std::size_t i) const {
         bool isDistinct = std::isfinite(m_copies[i].end);
         ForEachController(m_loaded, [&](vl::zr::Controller& controller, const std::string&) {
@@ -163,7 +163,8 @@ private:
         });
     }
 
-    // A key that rounding moves before the last key of the preceding source would be played before it.
+    // Rounding must not move the first key before the end of the preceding source, or it would play too
+    // early.
     static float OffsetTo(float from, float to) {
         float offset = to - from;
         for (float goal = to; from + offset < to; offset = goal - from)
@@ -171,7 +172,7 @@ private:
         return offset;
     }
 
-    // The merge takes the first track as it is, which therefore gets the keys of all.
+    // The merge uses the first track unchanged, so that track gets the keys of all.
     void JoinSampled(kernix::SampledControllerModel& controller, const std::string& holder) {
         std::vector<kernix::SampledTrack*> tracks;
         std::vector<Stretch> stretches;
@@ -221,7 +222,7 @@ private:
         std::vector<TransformTrack*> tracks;
         for (const Source& source : m_copies) {
             auto* track = static_cast<TransformTrack*>(controller->GetTrack(source.copy));
-            // The merge would move its keys behind those of its neighbours, with which they coincide.
+            // The source's keys coincide with those of its neighbours; the merge would move them after these.
             if (source.givesWay && track != nullptr)
                 for (const int keyType : kKeyTypes) track->Clear(keyType);
             tracks.push_back(track);
@@ -243,7 +244,7 @@ private:
             } else if (holders > 1) {
                 overlaps = overlaps || Overlap(tracks, keyType);
             }
-            // The merge takes orientations through matrices, which lose the direction of a half turn.
+            // The merge converts rotations to matrices and back, which loses the direction of a half turn.
             if (keyType == vl::zr::kKeyRotation && (m_options.inSequence || holders > 1)) {
                 for (TransformTrack* track : tracks)
                     if (track != nullptr) controller->NormalizeRotationKeys(track, 0);
@@ -252,7 +253,7 @@ private:
         if (overlaps) m_report.overlapping.push_back(HolderName(m_loaded, node));
     }
 
-    // Merged keys keep no slopes.
+    // Merged keys have no slopes: cubic curves are baked.
     static void Bake(TransformTrack& track, int keyType) {
         if (HasSlopes(track, keyType))
             track.SetCurve(keyType, kernix::StoredCurve(BakedKeys(track, keyType)));
@@ -281,11 +282,11 @@ private:
         return false;
     }
 
-    // Adds keys that hold the node's pose where its own keys begin late, end early or are missing, so that it
-    // does not drift towards the pose of the neighbouring source.
+    // Adds keys that hold the node's pose where a source's keys begin late, end early or are missing;
+    // otherwise the node would drift towards the pose of the neighbouring source.
     void FillStretches(kernix::TransformControllerModel& controller, std::vector<TransformTrack*>& tracks,
                        int keyType, const kernix::Pose& rest) const {
-        // Of the source before.
+        // Of the preceding source.
         TransformTrack* ended = nullptr;
         Value last;
         float end = 0;
@@ -299,7 +300,7 @@ private:
             const Value first = ValueAt(track, keyType, track.TimeOf(keyType, 0), rest);
             Value own = ValueAt(track, keyType, track.TimeOf(keyType, track.Count(keyType) - 1), rest);
             if (ended != nullptr && last != first) {
-                // The merge itself holds vectors through a pause, but turns rotations all the way.
+                // Through a pause, the merge itself holds vectors but interpolates rotations.
                 const float hold = keyType == vl::zr::kKeyRotation ? source.start : end;
                 if (ended->TimeOf(keyType, ended->Count(keyType) - 1) < hold)
                     AddKey(*ended, keyType, hold, last);

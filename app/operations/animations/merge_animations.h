@@ -11,30 +11,34 @@
 namespace zr {
 
 struct MergeOptions {
-    std::uint32_t keyFlags = ANIM_MERGE_POSITION | ANIM_MERGE_ROTATION | ANIM_MERGE_SCALE;  // kept and merged
+    // The kinds of keys to merge; others are dropped.
+    std::uint32_t keyFlags = ANIM_MERGE_POSITION | ANIM_MERGE_ROTATION | ANIM_MERGE_SCALE;
     bool removeSources = false;
-    std::string name;         // of the result; empty: the module's
-    bool inSequence = false;  // else every source keeps its own times
-    double gap = 0;           // seconds between sources in sequence, not negative
+    std::string name;         // of the result; empty: the module chooses one
+    bool inSequence = false;  // false: every source keeps its own times
+    double gap = 0;           // seconds between sources in sequence; not negative
 };
 
 struct MergeReport {
     kernix::AnimationModel* result = nullptr;
-    std::vector<std::string>
-        overlapping;                    // nodes whose merged keys of several sources share a stretch of time
-    std::vector<std::string> dropped;   // channels that the scene does not play, and weights and pointers of
-                                        // other sources than the first that animates them in the same stretch
-                                        // of time
-    std::vector<std::string> unseen;    // sources without length that give way to the next one at once
-    std::vector<std::string> restless;  // what shows its first value before its source plays, since nothing
-                                        // tells where it rests
-    std::vector<std::string> held;      // sources that stay because the document refers to them
+    // Nodes whose merged keys come from sources that overlap in time.
+    std::vector<std::string> overlapping;
+    // Channels that the scene does not play, and weights and pointers that several sources animate at the
+    // same time, of all but the first of these.
+    std::vector<std::string> dropped;
+    // Sources of zero length, which the next one replaces at once.
+    std::vector<std::string> unseen;
+    // Properties without a known rest value: they show their first value before their source plays.
+    std::vector<std::string> restless;
+    // Sources that are not removed because the document refers to them.
+    std::vector<std::string> held;
 };
 
-// Merges two or more animations of the scene into a new one. The sources themselves are not changed. In
-// sequence, each source begins where the one before it ends, and every node then takes the pose it has in
-// that source, even where the source has no keys for it. Throws std::runtime_error when a source in sequence
-// has no keys, and when the result would have none.
+// Merges two or more animations of the scene into a new one. The sources are not changed, but removed if the
+// options say so. In sequence, each source begins where the one before it ends, and every node then takes the
+// pose it has in that source, even where the source has no keys for it. Throws std::runtime_error, leaving
+// the scene unchanged, when a source in sequence has no keys or would lose some to rounding, and when the
+// result would have no keys.
 MergeReport MergeAnimations(Host& host, LoadedScene& loaded, const Animations& sources,
                             const MergeOptions& options);
 

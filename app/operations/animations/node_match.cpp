@@ -16,7 +16,7 @@ namespace {
 
 using kernix::NodeModel;
 
-constexpr std::uint64_t kMaxPairsSize = 64 << 20;  // bytes of a file, which may be a pipe or a device
+constexpr std::uint64_t kMaxPairsSize = 64 << 20;  // bytes; the file may be an endless pipe or device
 
 using NodePlace =
     std::tuple<const NodeModel*, std::string, int>;  // parent, name, rank among siblings of that name
@@ -37,7 +37,7 @@ void ForEachPlace(kernix::SceneModel& scene, Visit visit) {
     });
 }
 
-// Nodes by name and by path; null for what several have.
+// Nodes by name or by path; null if several share it.
 using Named = std::unordered_map<std::string, NodeModel*>;
 
 void Add(Named& named, const std::string& name, NodeModel* node) {
@@ -51,7 +51,7 @@ Named NodesByName(kernix::SceneModel& scene) {
     return named;
 }
 
-// The node of a name, or at a path from the root on.
+// The node with a name or, if it starts with "/", at a path from the root.
 NodeModel* Lookup(const Named& names, const Named& paths, const std::string& wanted, const char* scene) {
     const Named& named = wanted.starts_with('/') ? paths : names;
     const auto found = named.find(wanted);
@@ -97,7 +97,7 @@ NodePartners MatchByName(kernix::SceneModel& from, kernix::SceneModel& to) {
 NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, const NodePairs& pairs) {
     const auto lookup = [&pairs](kernix::SceneModel& scene, const char* name, auto wanted) {
         const Named names = NodesByName(scene);
-        // Paths grow with the depth of the scene, so they are made only on demand.
+        // The length of paths grows with the depth of the scene, so they are built only on demand.
         Named paths;
         if (std::any_of(pairs.begin(), pairs.end(),
                         [&](const auto& pair) { return wanted(pair).starts_with('/'); }))
@@ -118,11 +118,10 @@ NodePairs ReadNodePairs(const std::filesystem::path& file) {
     FileContent content = ReadFile(file, kMaxPairsSize);
     gltf::JsonTree tree;
     tree.Parse(reinterpret_cast<char*>(content.data.get()), content.size, name);
-    if (!tree.root.IsObject()) throw Error(name, "", "is not a JSON object of names");
+    if (!tree.root.IsObject()) throw Error(name, "", "is not a JSON object of node names");
     NodePairs pairs;
     for (const auto& member : tree.root.Members()) {
-        if (!member.value.IsString())
-            throw Error(name, Join("/", member.Name()), "is not the name of a node");
+        if (!member.value.IsString()) throw Error(name, Join("/", member.Name()), "is not a string");
         pairs.emplace_back(member.Name(), member.value.String());
     }
     return pairs;

@@ -10,25 +10,25 @@
 
 namespace zr {
 
-// How nodes of one scene are matched with those of another.
+// The partner in another scene of each matched node of a scene.
 using NodePartners = std::unordered_map<const kernix::NodeModel*, kernix::NodeModel*>;
 
-// By the names from the root down, and siblings of the same name by their order.
+// Matches by the names from the root down; siblings of the same name match in order.
 NodePartners MatchByPath(kernix::SceneModel& from, kernix::SceneModel& to);
 
-// By name, regardless of the hierarchy. A name that is not unique in both scenes matches nothing.
+// Matches by name, regardless of the hierarchy. A name that is not unique in both scenes matches nothing.
 NodePartners MatchByName(kernix::SceneModel& from, kernix::SceneModel& to);
 
 // A node of one scene and its partner in the other, each by name, or by path ("/root/arm").
 using NodePairs = std::vector<std::pair<std::string, std::string>>;
 
-// Throws std::runtime_error for a name or path that none or several of a scene's nodes have.
+// Throws std::runtime_error for a name or path that does not identify exactly one node of its scene.
 NodePartners MatchByPairs(kernix::SceneModel& from, kernix::SceneModel& to, const NodePairs& pairs);
 
-// The pairs of a JSON object whose members are texts. Throws Error.
+// Reads pairs from a JSON object with a member for each: {"/root/arm": "Arm"}. Throws Error.
 NodePairs ReadNodePairs(const std::filesystem::path& file);
 
-// "/root/arm"
+// "/root/arm". Not unique where siblings share a name.
 std::string NodePath(const kernix::NodeModel& node);
 
 }  // namespace zr

@@ -53,7 +53,7 @@ std::vector<float> NumbersOf(const Json& json) {
     return values;
 }
 
-// A node without weights of its own has those of its mesh, and a mesh without them has zeros.
+// A node without weights uses those of its mesh; a mesh without weights uses zeros.
 std::vector<float> DefaultWeights(const gltf::Document& document, std::string_view pointer,
                                   std::size_t width) {
     const Json* holder = Find(document, pointer.substr(0, pointer.rfind('/')));

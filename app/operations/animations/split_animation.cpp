@@ -32,7 +32,7 @@ Curve Sliced(const Curve& curve, float from, float to, bool isRotation) {
         const bool isEnd = goesOn && i > 0 && i + 1 == part.times.size();
         if (isEnd && isHeld) break;
         const float moved = part.times[i] - from;
-        // Of keys that end up at one time, the last counts.
+        // Of keys that rounding moves to the same time, the last one counts.
         if (!slice.times.empty() && moved <= slice.times.back()) {
             slice.times.pop_back();
             slice.values.resize(slice.values.size() - stride);

@@ -8,19 +8,20 @@
 
 namespace zr {
 
-// The part of a curve from one time up to another, infinity for all the rest, moved to begin at 0. It begins
-// with a key that holds what the curve shows at `from`, and ends with one for `to` where the curve goes on
-// beyond: what it shows just before it jumps, where it jumps there.
+// The part of a curve from `from` to `to` (infinity: to its end), moved to begin at 0. Its first key has the
+// value at `from`. Where the curve continues beyond `to`, the last key has the value at `to` or, if the curve
+// jumps there, the value just before the jump.
 //
 //   linear 0@0, 4@4   from 1 to 3   ->   1@0, 3@2
 Curve Sliced(const Curve& curve, float from, float to, bool isRotation);
 
-// New animations, one for each interval between the start, the cuts and the end of an animation; each begins
-// at 0. cuts: seconds, ascending, between start and end. Named "NAME 1", "NAME 2" and so on.
+// Adds an animation for each interval between the start, the cuts and the end of an animation; each begins at
+// 0. cuts: seconds, ascending, between start and end. They are named "NAME 1", "NAME 2" and so on.
 Animations CutAnimation(LoadedScene& loaded, kernix::AnimationModel& animation,
                         const std::vector<float>& cuts);
 
-// New animations, one for each node or material that the animation moves, at its times. Named "NAME NODE".
+// Adds an animation for each node or material that an animation moves, without changing times. They are named
+// "NAME NODE".
 Animations SeparateAnimation(LoadedScene& loaded, kernix::AnimationModel& animation);
 
 }  // namespace zr

@@ -20,13 +20,13 @@ public:
     // The number for zr_CLEANER::Invoke.
     int Number() const { return m_number; }
 
-    // Parameters that switch off every operation but one, which is given by the name of its parameter. Throws
-    // std::runtime_error for an unknown name.
+    // Parameters that enable only the operation with this parameter name. Throws std::runtime_error for an
+    // unknown name.
     vl::Ref<vl::Params> Only(vl::zr::Scene* scene, std::string_view parameter) const;
 
 private:
     int m_number = 0;
-    std::vector<std::string> m_switches;  // names of the bool parameters by position
+    std::vector<std::string> m_switches;  // names of the bool parameters, in order
 };
 
 }  // namespace zr

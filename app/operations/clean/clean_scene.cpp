@@ -23,14 +23,14 @@ using kernix::SceneModel;
 
 const std::array<CleanStepInfo, kCleanSteps> kCleanStepInfo = {{
     {"metadata", "metadata of nodes", false, std::nullopt},
-    {"duplicate-materials", "materials equal to another", true, Kind::kMaterial},
-    {"duplicate-meshes", "meshes that repeat another at its place", true, Kind::kNode},
-    {"empty-nodes", "nodes that show and hold nothing", true, Kind::kNode},
+    {"duplicate-materials", "materials that duplicate another", true, Kind::kMaterial},
+    {"duplicate-meshes", "meshes that duplicate another in the same place", true, Kind::kNode},
+    {"empty-nodes", "nodes without content or children", true, Kind::kNode},
     {"model-views", "model views and portfolios", false, std::nullopt},
-    {"layers", "layers without nodes or not shown", true, std::nullopt},
+    {"layers", "layers that are empty or hidden", true, std::nullopt},
     {"notes", "notes outside all layers", false, Kind::kNode},
-    {"materials", "materials nothing uses", true, Kind::kMaterial},
-    {"animations", "animations no view plays", true, Kind::kAnimation},
+    {"materials", "unused materials", true, Kind::kMaterial},
+    {"animations", "animations that no viewport plays", true, Kind::kAnimation},
     {"environment", "environment lights and backdrops", false, std::nullopt},
 }};
 
@@ -52,7 +52,7 @@ constexpr std::array<Operation, kCleanSteps> kOperations = {
 SceneOptions SceneOptionsOf(const CleanOptions& options) {
     SceneOptions sceneOptions;
     sceneOptions.repeats = options.blended ? Repeats::kBlended : Repeats::kUnseen;
-    sceneOptions.force = true;  // each step decides for itself about what could be referred to
+    sceneOptions.force = true;  // each step handles unknown references itself
     if (!options.keep.empty() || options.keepNamed || options.keepExtras) {
         sceneOptions.keep = [&options](const gltf::Json& element) -> std::string {
             const std::string_view name = gltf::NameOf(element);
@@ -100,7 +100,7 @@ public:
         }
     }
 
-    // A repeated mesh, or a node that holds nothing else, is removed once all its children are.
+    // A duplicate mesh or an empty node can be removed only once all its children are gone.
     void RunFreed(const std::array<bool, kCleanSteps>& allowed) {
         while (std::exchange(m_freed, false) && !m_context->IsBreak()) {
             for (const CleanStep step : {CleanStep::kMeshDupes, CleanStep::kEmptyNodes})
@@ -108,7 +108,7 @@ public:
         }
     }
 
-    // What the steps left only because something refers to it.
+    // Records what the steps kept only because something refers to it.
     void Explain() { m_result.held = HeldElements(m_loaded, RanSteps()); }
 
     Document Finish() { return std::move(m_loaded).WriteBack(); }
@@ -155,7 +155,7 @@ private:
         }
     }
 
-    // Only the scripted interface reaches this operation; the cleaner's own interface does not list it.
+    // Only the scripted interface offers this operation; the cleaner's own interface does not.
     void RemoveEnvironment(StepResult& result) {
         const CleanMethod method(m_cleaner);
         const auto params = method.Only(&m_scene, "Remove_EnvMaps_And_Backplates");
@@ -186,7 +186,8 @@ void Add(gltf::Collected& total, gltf::Collected more) {
     }
 }
 
-// Records the steps that could remove an element that something refers to in a way that cannot be followed.
+// The steps that may run: not those that could remove elements to which an unknown extension may refer.
+// Records why the others may not.
 std::array<bool, kCleanSteps> AllowedSteps(const gltf::Opaque& opaque, const CleanOptions& options,
                                            CleanResult& result) {
     std::array<bool, kCleanSteps> allowed = options.steps;
@@ -203,15 +204,15 @@ std::array<bool, kCleanSteps> AllowedSteps(const gltf::Opaque& opaque, const Cle
 
 }  // namespace
 
-// Removing an animation frees the nodes it moved, and removing a skin its joints: rounds are repeated as long
-// as one frees something. Places in the explanation refer to the document before the last round.
+// Removing an animation frees the nodes it moved, and removing a skin frees its joints, so rounds repeat
+// until nothing more is freed. Places in the explanation refer to the document before the last round.
 CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentService& environment,
                           vl::Context* context, const CleanOptions& options,
                           const std::function<void(double)>& progress) {
     CleanResult result;
     const gltf::Opaque opaque = options.force ? gltf::Opaque() : gltf::OpaqueReferences(document);
     const std::array<bool, kCleanSteps> allowed = AllowedSteps(opaque, options, result);
-    // Removals add nothing that cannot be followed.
+    // Removals add no unknown references.
     const bool followsAll = options.force || opaque.uses.empty();
     const auto collectShown = [&] {
         if (options.keepData) return false;
@@ -220,7 +221,7 @@ CleanResult CleanDocument(Document& document, zr_CLEANER& cleaner, EnvironmentSe
         Add(result.collected, std::move(collected));
         return freesJoints;
     };
-    // Rough shares of the time: building the scene, the steps, collecting.
+    // Approximate progress after building the scene and after the steps; the rest is collecting.
     constexpr double kSceneMade = 0.5, kStepsDone = 0.75;
     SceneOptions sceneOptions = SceneOptionsOf(options);
     sceneOptions.progress = [&](double done) { progress(kSceneMade * done); };

@@ -21,7 +21,7 @@ std::string ElementName(const Document& document, Kind kind, std::size_t index) 
     return NameOr(std::string(gltf::NameOf(document.Elements(kind)[index])), index);
 }
 
-std::string WordsFor(const std::string& place) {
+std::string DescribePlace(const std::string& place) {
     const auto number = [&](std::string_view from) {
         return place.substr(from.size(), place.find('/', from.size()) - from.size());
     };
@@ -46,7 +46,7 @@ public:
 
     std::vector<HeldElement> Take() {
         for (const KeptElement& kept : m_loaded.Kept())
-            if (IsHeld(kept.kind, kept.index)) Add(kept.kind, kept.index, WordsFor(kept.reason));
+            if (IsHeld(kept.kind, kept.index)) Add(kept.kind, kept.index, DescribePlace(kept.reason));
         if (Ran(CleanStep::kMaterials)) Variants();
         if (Ran(CleanStep::kEmptyNodes)) {
             Metadata();
@@ -96,11 +96,11 @@ private:
             kernix::MaterialModel* material = m_loaded.Material(i);
             if (shown[i] || variants[i].empty() || material == nullptr) continue;
             if (m_loaded.Scene().MergedInto(material) == material)
-                Add(Kind::kMaterial, i, WordsFor(variants[i]));
+                Add(Kind::kMaterial, i, DescribePlace(variants[i]));
         }
     }
 
-    // Nodes that are empty but for their metadata; other holders of nodes are reported with the rest.
+    // Nodes that are empty apart from their metadata; nodes held by something else are reported already.
     void Metadata() {
         std::vector<bool> known(m_loaded.Document().Elements(Kind::kNode).size(), false);
         for (const KeptElement& kept : m_loaded.Kept())
@@ -122,7 +122,7 @@ private:
     std::vector<HeldElement> m_held;
 };
 
-// Finds for a mesh that repeats another one what kept it.
+// Finds why a mesh that duplicates another one was kept.
 class TwinReasons {
 public:
     explicit TwinReasons(LoadedScene& loaded)
@@ -150,11 +150,11 @@ public:
         const std::size_t index = IndexOf(node);
         const auto& uses = static_cast<const kernix::MeshModel&>(*node.m_pObject).GetUses()->All();
         if (m_apart[index] != Surroundings::kNone)
-            return "below " + WordsFor(m_surroundings.PlaceOf(m_apart[index]));
+            return "below " + DescribePlace(m_surroundings.PlaceOf(m_apart[index]));
         if (std::any_of(uses.begin(), uses.end(),
                         [&](const auto* material) { return m_isBlended[material->GetId()]; }))
-            return "blended with the mesh that it repeats";
-        return m_hasMetadata[index] ? "metadata" : "other nodes above it than above the mesh that it repeats";
+            return "blended with the mesh that it duplicates";
+        return m_hasMetadata[index] ? "metadata" : "has other ancestors than the mesh that it duplicates";
     }
 
 private:

@@ -10,13 +10,14 @@
 
 namespace zr {
 
-// "#4" for element 4 when it has no name.
+// The name or, if it is empty, the index: "#4".
 std::string NameOr(std::string name, std::size_t index);
 
-// What the steps left in the scene only because something refers to it.
+// Elements that the steps kept only because something refers to them.
 std::vector<HeldElement> HeldElements(LoadedScene& loaded, const std::array<bool, kCleanSteps>& ran);
 
-// Nodes whose mesh looks like another one at its place, and what kept them. The document is only read.
+// Nodes whose mesh looks like another one in the same place, and why they were kept. The document is
+// unchanged in the end; after an exception it must not be used.
 std::vector<HeldElement> HeldTwins(gltf::Document& document, zr_CLEANER& cleaner, vl::Context* context,
                                    const CleanOptions& options);
 

@@ -22,7 +22,7 @@ MetadataGuard::MetadataGuard(LoadedScene& loaded) : m_scene(loaded.Scene()) {
         m_placeholders.push_back(node);
     }
     m_scene.m_mayDelete = [this](kernix::NodeModel& node) { return MayDelete(node); };
-    m_scene.m_onNotify = [this](int, int, int) { LetGo(); };
+    m_scene.m_onNotify = [this](int, int, int) { ReleasePlaceholders(); };
 }
 
 MetadataGuard::~MetadataGuard() {
@@ -36,7 +36,7 @@ bool MetadataGuard::MayDelete(kernix::NodeModel& node) {
     return false;
 }
 
-void MetadataGuard::LetGo() {
+void MetadataGuard::ReleasePlaceholders() {
     std::erase_if(m_placeholders, [](kernix::NodeModel* node) {
         if (HasMetadata(*node)) return false;
         node->SetObject(nullptr);

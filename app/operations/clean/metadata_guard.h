@@ -9,8 +9,8 @@
 
 namespace zr {
 
-// While an object of this class exists, nodes with metadata stay in the scene even when they show nothing or
-// repeat another mesh, since their metadata would be lost.
+// While an object of this class exists, nodes with metadata stay in the scene even if they are empty or
+// duplicate another mesh; their metadata would be lost otherwise.
 class MetadataGuard {
 public:
     explicit MetadataGuard(LoadedScene& loaded);
@@ -19,15 +19,15 @@ public:
     MetadataGuard(const MetadataGuard&) = delete;
     MetadataGuard& operator=(const MetadataGuard&) = delete;
 
-    // The number of repeated meshes that were kept since the last call.
+    // The number of duplicate meshes kept since the last call.
     std::size_t TakeSpared() { return std::exchange(m_spared, 0); }
 
 private:
     bool MayDelete(kernix::NodeModel& node);
-    void LetGo();
+    void ReleasePlaceholders();
 
     kernix::SceneModel& m_scene;
-    std::vector<kernix::NodeModel*> m_placeholders;  // nodes that have a dummy for their metadata's sake
+    std::vector<kernix::NodeModel*> m_placeholders;  // nodes given a dummy to preserve their metadata
     std::size_t m_spared = 0;
 };
 

@@ -115,7 +115,7 @@ TEST_F(TwinsTest, BlendedOnesGoOnlyWhenAskedFor) {
     Document document = scene();
     const CleanResult result = Clean(document, Unseen());
     EXPECT_EQ(NamesOf(result, CleanStep::kMeshDupes), Strings{});
-    EXPECT_EQ(Held(result), Strings{"other pane: blended with the mesh that it repeats"});
+    EXPECT_EQ(Held(result), Strings{"other pane: blended with the mesh that it duplicates"});
 
     CleanOptions options = Unseen();
     options.blended = true;
