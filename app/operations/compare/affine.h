@@ -29,19 +29,19 @@ inline double Length(Vec3 a) {
     return std::sqrt(Dot(a, a));
 }
 
-// The vector at length 1, or as it is when it has no direction.
+// The vector scaled to length 1; the zero vector unchanged.
 inline Vec3 Unit(Vec3 a) {
     const double length = Length(a);
     return length > 0 ? a * (1 / length) : a;
 }
 
-// An affine transform by where it takes the axes and the origin.
+// An affine transform, given by the images of the axes and the origin.
 struct Affine {
     Vec3 x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, origin;
 
     Vec3 Direction(Vec3 d) const { return x * d.x + y * d.y + z * d.z; }
     Vec3 Point(Vec3 p) const { return Direction(p) + origin; }
-    // A surface's normal, not at unit length. Mirroring transforms turn it over.
+    // Transforms a surface normal; the result is not of unit length. A mirroring transform flips it.
     Vec3 Normal(Vec3 n) const { return Cross(y, z) * n.x + Cross(z, x) * n.y + Cross(x, y) * n.z; }
 };
 
@@ -51,7 +51,7 @@ inline Affine operator*(const Affine& outer, const Affine& inner) {
             outer.Point(inner.origin)};
 }
 
-// Of 16 numbers, column by column; the bottom row counts as 0 0 0 1.
+// From 16 numbers in column-major order; the bottom row is taken to be 0 0 0 1.
 template <typename Number>
 Affine AffineOf(std::span<const Number> m) {
     const auto column = [&](std::size_t i) {
@@ -61,7 +61,7 @@ Affine AffineOf(std::span<const Number> m) {
     return {column(0), column(1), column(2), column(3)};
 }
 
-// Scale, then rotation (x, y, z, w; scaled to unit length), then translation.
+// Scale, then rotation (x, y, z, w; normalized on use), then translation.
 struct Trs {
     std::array<double, 3> translation{0, 0, 0};
     std::array<double, 4> rotation{0, 0, 0, 1};

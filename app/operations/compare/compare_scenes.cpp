@@ -21,7 +21,8 @@ using gltf::Kind;
 
 namespace {
 
-// The default tolerance, of the scene's size: what rounding to floats leaves along a hierarchy.
+// The default tolerance, relative to the scene's size: about the error of rounding to floats along a
+// hierarchy.
 constexpr double kRelativeTolerance = 1e-6;
 
 double SizeOf(const ScenePair& pair) {
@@ -80,7 +81,7 @@ CompareResult CompareScenes(const Document& a, const Document& b, const CompareO
     result.size = SizeOf(pair);
     if (result.tolerance.length == 0)
         result.tolerance.length = kRelativeTolerance * (result.size > 0 ? result.size : 1);
-    // Also finds the elements that pointers lead to, which the comparison of motion needs.
+    // Also matches the elements that pointers lead to; the comparison of motion needs these.
     ContentComparison content(
         a, b, options.tolerance.value,
         [&pair](Kind kind, std::size_t x, std::size_t y) { return pair.AreSame(kind, x, y); },

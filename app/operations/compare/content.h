@@ -17,10 +17,9 @@ namespace zr::compare {
 
 enum class Names { kCount, kIgnore };
 
-// The content of an element as text that is equal for equal content, in whatever order, under whatever index
-// and in whatever form it is stored: members sorted, values that are the format's defaults left out, numbers
-// as floats, references replaced by the content of what they name. Nodes, meshes and other materials stand
-// there by their name alone.
+// The content of an element as text. Equal content gives equal text, regardless of order, indices and
+// storage: members are sorted, default values left out, numbers rounded to floats, and references replaced by
+// the content of their targets. Nodes, meshes and other materials appear by name only.
 class Canonical {
 public:
     Canonical(const gltf::Document& document, Names names) : m_document(document), m_names(names) {}
@@ -38,28 +37,27 @@ private:
     std::array<std::map<std::size_t, std::string>, gltf::kKinds> m_known;
 };
 
-// Finds where the content of two elements of two documents differs.
+// Finds differences in content between elements of two documents.
 class ContentComparison {
 public:
     // Decides whether two references (to nodes, meshes, materials and so on) mean the same element.
     using SameElement = std::function<bool(gltf::Kind kind, std::size_t a, std::size_t b)>;
-    // where: place in the first document; what: both values in words; amount: of numbers, relative to 1 or to
-    // their size where that is greater.
+    // where: place in the first document; what: both values in words; amount: for numbers, relative to the
+    // greater one, at least 1.
     using OnDifference =
         std::function<void(const std::string& where, const std::string& what, double amount)>;
-    // Numbers compared, the greatest difference within tolerance included.
+    // tolerance: of numbers, relative to the greater one, at least 1.
     ContentComparison(const gltf::Document& a, const gltf::Document& b, double tolerance, SameElement same,
                       OnDifference onDifference);
 
-    // Compares two elements, and what they refer to, once. Members that lead to what is drawn (primitives,
-    // transforms, children, joints) are left to the comparison of that.
+    // Compares two elements and what they refer to; each pair only once. Skips members that decide what is
+    // drawn (primitives, transforms, children, joints), which is compared separately.
     void Elements(gltf::Kind kind, std::size_t a, std::size_t b);
-    // Compares two values at a place; null stands for a missing one.
+    // Compares two values at a place; null: the value is missing.
     void Values(const gltf::Json* a, const gltf::Json* b, const gltf::SchemaNode* schema,
                 const std::string& place);
 
-    // Which element of the second document one of the first was compared with first, and the other way round;
-    // kNone.
+    // The element of the other document that an element was first compared with; kNone: none.
     std::size_t PartnerInB(gltf::Kind kind, std::size_t a) const { return Partner(0, kind, a); }
     std::size_t PartnerInA(gltf::Kind kind, std::size_t b) const { return Partner(1, kind, b); }
 
@@ -82,11 +80,11 @@ private:
     std::map<std::array<std::size_t, 3>, std::size_t> m_partners;  // by side, kind and index
 };
 
-// The bytes an image stands for: of its view, its data URI or its file beside the document; empty when they
-// cannot be had.
+// The bytes of an image, from its view, its data URI or its file beside the document; empty if they cannot be
+// read.
 std::vector<std::byte> ImageBytes(const gltf::Document& document, const gltf::Json& image);
 
-// |a - b|, relative to the greater one where that is beyond 1.
+// |a - b|, divided by the greater magnitude if that is above 1.
 double ValueDifference(double a, double b);
 
 }  // namespace zr::compare

@@ -16,7 +16,8 @@ using gltf::Kind;
 
 namespace {
 
-// The number of corners that instances may add up to; a document of a few bytes can ask for any number.
+// Limits on the vertices of all parts together and on the instances of a node: a document of a few bytes can
+// ask for any number.
 constexpr std::size_t kMostVertices = std::size_t{1} << 26;
 constexpr std::size_t kMostInstances = std::size_t{1} << 20;
 
@@ -27,7 +28,7 @@ Role RoleOf(std::string_view name) {
     return Role::kValue;
 }
 
-// Faces of a primitive's vertex order.
+// The corners of a primitive's faces; `order`: its vertices as its indices list them.
 std::vector<std::uint32_t> FacesOf(std::size_t mode, const std::vector<std::uint32_t>& order) {
     std::vector<std::uint32_t> faces;
     const std::size_t count = order.size();
@@ -107,7 +108,7 @@ Attribute ReadAttribute(const gltf::Document& document, const Json& primitive,
     return attribute;
 }
 
-// The document's own numbers under which a primitive's data stands.
+// Identifies a primitive's data by its mode and accessors.
 std::string KeyOf(const Json& primitive) {
     std::string key = Join(IndexMember(primitive, "mode", 4), " ", IndexMember(primitive, "indices", kNone));
     const auto add = [&](const Json& attributes) {
@@ -298,7 +299,7 @@ std::vector<double> Drawn::Vertices(const Part& part) const {
             for (std::size_t target = 0; target < attribute.targets.size() && target < morph.size();
                  ++target) {
                 const std::vector<float>& moved = attribute.targets[target];
-                // Tangents are morphed by three numbers: their handedness is not morphed.
+                // Morph targets move tangents by three numbers; the handedness stays.
                 const std::size_t moves = moved.size() / shape.vertices;
                 if (morph[target] == 0) continue;
                 for (std::size_t i = 0; i < std::min(width, moves); ++i)

@@ -13,15 +13,15 @@
 
 namespace zr::compare {
 
-// What an attribute's numbers mean, which decides how they are transformed and compared.
+// The meaning of an attribute's numbers: decides how they are transformed and compared.
 enum class Role { kPosition, kNormal, kTangent, kValue };
 
 struct Attribute {
     std::string name;
     Role role = Role::kValue;
-    std::size_t width = 0;                    // numbers of a vertex
+    std::size_t width = 0;                    // numbers per vertex
     std::vector<float> values;                // vertex after vertex
-    std::vector<std::vector<float>> targets;  // what a morph target adds; empty: nothing
+    std::vector<std::vector<float>> targets;  // what each morph target adds; empty: nothing
 };
 
 // A primitive as faces of 1 (points), 2 (lines) or 3 (triangles) corners.
@@ -29,35 +29,36 @@ struct Primitive {
     std::size_t corners = 3;
     std::size_t vertices = 0;
     std::vector<std::uint32_t> faces;   // corners, face after face
-    std::vector<Attribute> attributes;  // by name, the position first
-    std::size_t stride = 0;             // numbers of a vertex: the widths of all attributes
-    std::vector<std::uint32_t> joints;  // of influences: `influences` a vertex
+    std::vector<Attribute> attributes;  // the position, then the others by name
+    std::size_t stride = 0;             // numbers per vertex: the sum of the attributes' widths
+    std::vector<std::uint32_t> joints;  // of the skin; `influences` per vertex
     std::vector<float> weights;         // the same
     std::size_t influences = 0;
-    bool isRead = true;  // its data is stored so that it can be read
+    bool isRead = true;  // false: its data cannot be read
 
-    std::string Layout() const;  // "triangles POSITION:3 NORMAL:3"; equal for comparable vertices
+    // "triangles POSITION:3 NORMAL:3"; primitives of equal layout can be compared.
+    std::string Layout() const;
 };
 
-// One primitive as a node draws it, or one instance of it.
+// A primitive drawn by a node, or one instance of it.
 struct Part {
     std::size_t node = kNone;
     std::size_t mesh = 0, primitive = 0;  // of the document
     std::size_t material = kNone;
     std::size_t skin = kNone;
-    Affine instance;  // before the node's own transform
+    Affine instance;  // applied before the node's transform
     std::shared_ptr<const Primitive> shape;
 };
 
-// What a document draws. Each primitive is read once, however often it is used.
+// What a document draws. Each primitive is read once, even if used often.
 class Drawn {
 public:
-    // Lists the parts of the nodes, in their order. The evaluator outlives it. Throws
-    // gltf::Error.
+    // Collects the parts that the nodes draw, in the order of the nodes. The evaluator must outlive it.
+    // Throws gltf::Error, also if the nodes draw too much.
     Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes);
 
     const std::vector<Part>& Parts() const { return m_parts; }
-    // Primitives whose data cannot be read.
+    // Places of primitives whose data cannot be read.
     const std::vector<std::string>& Unread() const { return m_unread; }
     // Faces of all parts.
     std::size_t Faces() const;
@@ -81,7 +82,7 @@ private:
 
     const Evaluator& m_evaluator;
     std::vector<Part> m_parts;
-    // Primitives of equal accessors, indices and mode are one.
+    // By mode and accessors; primitives that share these share the data.
     std::map<std::string, std::shared_ptr<const Primitive>> m_shapes;
     std::map<std::size_t, Shapes> m_meshes;
     std::map<std::size_t, Skin> m_skins;

@@ -11,7 +11,7 @@
 namespace zr::compare {
 namespace {
 
-// Faces closer than the tolerance are looked for among this many candidates of one cell.
+// At most this many nearby candidates are tried for a face.
 constexpr std::size_t kMostCandidates = 256;
 
 // The faces of one material and layout in one document.
@@ -20,7 +20,7 @@ struct Faces {
     std::vector<std::vector<double>> vertices;  // of each part
     struct Face {
         std::uint32_t part;
-        std::uint32_t first;  // place of its corners in the part's faces
+        std::uint32_t first;  // index of its first corner in the part's faces
     };
     std::vector<Face> faces;
 
@@ -65,8 +65,8 @@ Gap CornerGap(const Primitive& shape, const double* a, const double* b) {
     return gap;
 }
 
-// The distance of two faces with their corners rotated to fit best; lines and triangles may begin at any
-// corner.
+// The distance between two faces, with their corners rotated for the best fit; lines and triangles may start
+// at any corner.
 Gap FaceGap(const Faces& a, const Faces::Face& x, const Faces& b, const Faces::Face& y,
             const Tolerance& tolerance) {
     const Primitive& shape = a.Shape(x);
@@ -81,20 +81,20 @@ Gap FaceGap(const Faces& a, const Faces::Face& x, const Faces& b, const Faces::F
     return best;
 }
 
-// Faces by the cell in which their middle lies.
+// A grid of faces, each in the cell of its centre.
 class Cells {
 public:
     explicit Cells(double size) : m_size(size) {}
 
     void Add(Vec3 middle, std::uint32_t face) { m_cells[Key(Cell(middle))].push_back(face); }
 
-    // Calls take(face) for nearby faces until it returns true.
+    // Calls take(face) for nearby faces until it returns true, and removes that face. False if it never does.
     template <typename Take>
-    bool Find(Vec3 middle, Take take) {
+    bool TakeNear(Vec3 middle, Take take) {
         const std::array<double, 3> cell = Cell(middle);
         std::size_t tried = 0;
         for (int i = 0; i < 27; ++i) {
-            // The cell itself first.
+            // Starts with the cell itself.
             const int k = (i + 13) % 27;
             const int x = k % 3 - 1, y = k / 3 % 3 - 1, z = k / 9 - 1;
             const auto found = m_cells.find(Key({cell[0] + x, cell[1] + y, cell[2] + z}));
@@ -147,8 +147,8 @@ public:
         for (std::size_t i = common; i < a.faces.size(); ++i) leftA.push_back(static_cast<std::uint32_t>(i));
         for (std::size_t i = common; i < b.faces.size(); ++i) leftB.push_back(static_cast<std::uint32_t>(i));
         m_result.faces += common;
-        if (!leftA.empty() && !leftB.empty()) LookAround(a, b, leftA, leftB);
-        Remaining(a, b, leftA, leftB);
+        if (!leftA.empty() && !leftB.empty()) MatchElsewhere(a, b, leftA, leftB);
+        ReportUnmatched(a, b, leftA, leftB);
     }
 
 private:
@@ -162,13 +162,13 @@ private:
         return sum * (1 / static_cast<double>(corners));
     }
 
-    void LookAround(const Faces& a, const Faces& b, std::vector<std::uint32_t>& leftA,
-                    std::vector<std::uint32_t>& leftB) {
+    void MatchElsewhere(const Faces& a, const Faces& b, std::vector<std::uint32_t>& leftA,
+                        std::vector<std::uint32_t>& leftB) {
         Cells cells(std::max(m_tolerance.length * 2, 1e-12));
         for (const std::uint32_t face : leftB) cells.Add(Middle(b, b.faces[face]), face);
         std::vector<bool> taken(b.faces.size(), false);
         std::erase_if(leftA, [&](std::uint32_t face) {
-            return cells.Find(Middle(a, a.faces[face]), [&](std::uint32_t other) {
+            return cells.TakeNear(Middle(a, a.faces[face]), [&](std::uint32_t other) {
                 const Gap gap = FaceGap(a, a.faces[face], b, b.faces[other], m_tolerance);
                 if (!gap.Within(m_tolerance)) return false;
                 Note(gap, a.parts[a.faces[face].part]->node);
@@ -179,8 +179,8 @@ private:
         std::erase_if(leftB, [&](std::uint32_t face) { return taken[face]; });
     }
 
-    void Remaining(const Faces& a, const Faces& b, const std::vector<std::uint32_t>& leftA,
-                   const std::vector<std::uint32_t>& leftB) {
+    void ReportUnmatched(const Faces& a, const Faces& b, const std::vector<std::uint32_t>& leftA,
+                         const std::vector<std::uint32_t>& leftB) {
         if (leftA.size() == leftB.size()) {
             for (std::size_t i = 0; i < leftA.size(); ++i) {
                 const Faces::Face& face = a.faces[leftA[i]];

@@ -22,7 +22,7 @@ void ReadNumbers(const Json* json, std::array<double, N>& out) {
     for (std::size_t i = 0; i < N; ++i) out[i] = json->Items()[i].Number();
 }
 
-// The value at a pointer in the document as written.
+// The value at a pointer in the document; null: none. Pointers with escapes are not followed.
 const Json* Resolve(const Json& root, std::string_view pointer) {
     const Json* at = &root;
     while (at != nullptr && pointer.starts_with('/')) {
@@ -49,7 +49,7 @@ std::optional<Path> PathNamed(std::string_view name) {
     return std::nullopt;
 }
 
-// What a channel drives; path and node alone, or a pointer.
+// What a channel drives: the path of a node, or a pointer.
 struct Driven {
     Path path = Path::kPointer;
     std::size_t node = kNone;

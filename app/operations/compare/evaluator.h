@@ -19,26 +19,25 @@ inline constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 enum class Path { kTranslation, kRotation, kScale, kWeights, kPointer };
 
-// One channel of an animation. Pointers to a node's own transform or weights count as the channel of that
-// node.
+// A channel of an animation. A pointer to a node's transform or weights becomes a plain channel of that node.
 struct Channel {
-    std::size_t index;  // of the document's channel
+    std::size_t index;  // in the document's list of channels
     Path path;
-    std::size_t node = kNone;  // of all but kPointer
-    std::string pointer;       // of kPointer
+    std::size_t node = kNone;  // for all paths but kPointer
+    std::string pointer;       // for kPointer
     KeyCurve curve;
 };
 
 struct Animation {
     std::string name;
-    double start = 0, end = 0;  // of the keys, seconds
+    double start = 0, end = 0;  // of the keys, seconds; 0 without keys
     std::vector<Channel> channels;
     std::vector<std::string> unread;  // places of channels whose keys cannot be read
 };
 
-// Plays a document: node transforms, morph weights and values of pointers, at rest and at any time of any
-// animation. Works only on the document's accessors, in double precision; it shares no code with the host's
-// evaluation or the export. The document must outlive it.
+// Plays a document: node transforms, morph weights and pointer values, at rest and at any time of any
+// animation. It evaluates the document's accessors directly, in double precision, and shares no code with the
+// host's evaluation or the export. The document must outlive it.
 class Evaluator {
 public:
     // Throws gltf::Error.
@@ -51,24 +50,25 @@ public:
     std::size_t Parent(std::size_t node) const { return m_parents[node]; }
     // Every node, parents before their children.
     const std::vector<std::size_t>& ParentsFirst() const { return m_order; }
-    // The nodes of any scene, or all where the document has no scene.
+    // By node: whether any scene contains it. All true if the document has no scene.
     const std::vector<bool>& Shown() const { return m_shown; }
 
     void SetRest();
     void SetTime(std::size_t animation, double seconds);
-    // After SetRest or SetTime: passes each node's transform relative to its parent through `change`.
+    // Replaces each node's transform relative to its parent by what `change` returns. Until the next SetRest
+    // or SetTime.
     void ChangeLocals(const std::function<Affine(std::size_t node, const Affine& local)>& change);
-    // Valid until the next SetRest or SetTime.
+    // Until the next SetRest or SetTime.
     void SetWeights(std::size_t node, std::vector<double> weights) { m_weights[node] = std::move(weights); }
 
     const Affine& World(std::size_t node) const { return m_worlds[node]; }
-    // Transform relative to the parent at rest.
+    // The rest transform relative to the parent. RestParts ignores a matrix.
     const Trs& RestParts(std::size_t node) const { return m_rest[node].parts; }
     Affine RestLocal(std::size_t node) const;
-    // One for each morph target of the node's mesh.
+    // The current weights: one for each morph target of the node's mesh.
     std::vector<double> Weights(std::size_t node) const;
-    // The current value at a pointer: the animated value, else that of the document; nothing if there is
-    // none.
+    // The current value at a pointer: the animated value or, without one, the document's; nothing if there is
+    // neither.
     std::optional<std::vector<double>> Value(std::string_view pointer) const;
 
 private:
@@ -96,7 +96,7 @@ private:
     std::map<std::string, std::vector<double>, std::less<>> m_pointers;
 };
 
-// Morph targets of a mesh.
+// The number of morph targets of a mesh.
 std::size_t TargetCount(const gltf::Json& mesh);
 
 }  // namespace zr::compare

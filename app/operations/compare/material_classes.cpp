@@ -33,12 +33,12 @@ public:
     }
 
     MaterialMatching Run() {
-        ByContentAndName();
+        MatchContentAndName();
         Pair([&](std::size_t i) { return m_plainA.Of(Kind::kMaterial, i); },
              [&](std::size_t j) { return m_plainB.Of(Kind::kMaterial, j); });
-        Merged();
+        MatchCopies();
         Pair([&](std::size_t i) { return NameOf(m_a, i); }, [&](std::size_t j) { return NameOf(m_b, j); });
-        Last();
+        MatchLast();
         for (std::size_t j = 0; j < m_ofB.size(); ++j)
             m_result.classes.ofB.push_back(m_ofB[j] != kNone ? m_ofB[j] : m_takenA.size() + j);
         return std::move(m_result);
@@ -47,7 +47,7 @@ public:
 private:
     std::vector<std::size_t>& OfA() { return m_result.classes.ofA; }
 
-    void ByContentAndName() {
+    void MatchContentAndName() {
         Canonical namedA(m_a, Names::kCount), namedB(m_b, Names::kCount);
         std::map<std::string_view, std::size_t> first;
         for (std::size_t i = 0; i < OfA().size(); ++i)
@@ -80,8 +80,8 @@ private:
         m_result.different.emplace_back(i, j);
     }
 
-    // One document may hold twice what the other holds once.
-    void Merged() {
+    // Materials that one document has twice and the other once.
+    void MatchCopies() {
         std::map<std::string_view, std::size_t> ofA, ofB;
         for (std::size_t i = 0; i < m_takenA.size(); ++i)
             if (m_takenA[i]) ofA.try_emplace(m_plainA.Of(Kind::kMaterial, i), i);
@@ -100,7 +100,7 @@ private:
         }
     }
 
-    void Last() {
+    void MatchLast() {
         std::vector<std::size_t> a, b;
         for (std::size_t i = 0; i < m_takenA.size(); ++i)
             if (!m_takenA[i]) a.push_back(i);

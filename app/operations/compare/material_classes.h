@@ -10,13 +10,13 @@
 namespace zr::compare {
 
 struct MaterialMatching {
-    MaterialClasses classes;  // of the first document: the number of a material of it
-    // Materials of one class whose content is not equal to the letter.
+    MaterialClasses classes;  // a class is the index of a material of the first document, or beyond
+    // Matched materials that differ in content or name.
     std::vector<std::pair<std::size_t, std::size_t>> different;
 };
 
-// Materials are the same when their content and names are equal; of the rest, those of equal content, then
-// those of equal names, then the last one left on both sides.
+// Matches materials of equal content and name; of the rest, those of equal content, then those of equal name,
+// then the last one if exactly one is left on each side.
 MaterialMatching MatchMaterials(const gltf::Document& a, const gltf::Document& b);
 
 }  // namespace zr::compare

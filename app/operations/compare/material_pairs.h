@@ -9,16 +9,16 @@
 
 namespace zr::compare {
 
-// Where a material is drawn: numbers that are equal for places that are the same in both documents, sorted.
-using Uses = std::vector<std::pair<std::size_t, std::size_t>>;  // of a node and a primitive
+// Where a material is drawn, sorted: pairs of a node (numbered alike in both documents) and a primitive.
+using Uses = std::vector<std::pair<std::size_t, std::size_t>>;
 
-// The partner of each material.
+// The partner of each material in the other document.
 struct MaterialPairs {
     std::vector<std::size_t> ofA, ofB;  // kNone: none
 };
 
-// Materials of one class are partners when they are drawn in the same places, then when they are drawn by the
-// same nodes, and what remains by its order. One is the partner of one.
+// Pairs materials of one class: first those drawn in the same places, then those drawn by the same nodes,
+// then the rest in order. Each material has at most one partner.
 MaterialPairs PairMaterials(const MaterialClasses& classes, const std::vector<Uses>& usesA,
                             const std::vector<Uses>& usesB);
 

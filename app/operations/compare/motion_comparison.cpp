@@ -17,10 +17,10 @@ using gltf::Kind;
 
 namespace {
 
-// How much is evaluated over time: transforms of nodes, and corners of faces.
+// Limits on what is evaluated over all times: node transforms, and faces.
 constexpr std::size_t kMostTransforms = 20'000'000;
 constexpr std::size_t kMostFaces = 6'000'000;
-constexpr std::size_t kFewTimes = 64;  // of an animation, where its keys are too many
+constexpr std::size_t kFewTimes = 64;  // per animation, if it has too many keys
 
 class MotionComparison {
 public:
@@ -78,7 +78,7 @@ private:
         }
     }
 
-    // What a channel of one of the documents drives; nothing where the other one does not have it.
+    // What a channel of one document drives; nothing if the other document lacks it.
     std::optional<Goal> GoalOf(const Channel& channel, bool ofA) const {
         Goal goal;
         goal.path = channel.path;

@@ -9,9 +9,9 @@
 
 namespace zr::compare {
 
-// Compares the pose at rest and what paired animations do to nodes, views and values and, where points are to
-// be compared, to faces; results `times`, `node`, `axis`, `view`, `value` and `movedPoint`. content: which
-// elements pointers lead to. The evaluators stand at rest before and after. progress: from 0 to 1.
+// Compares the rest pose, and how paired animations move nodes, views, values and (for Aspect::kPoints)
+// faces. Sets `times`, `node`, `axis`, `view`, `value` and `movedPoint` of the result. content: knows which
+// elements match. The evaluators are at rest before and after. progress: called with values from 0 to 1.
 void CompareMotion(ScenePair& pair, const ContentComparison& content,
                    const std::function<void(double done)>& progress, CompareResult& result);
 

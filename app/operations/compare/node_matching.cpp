@@ -25,8 +25,8 @@ Digest Mixed(Digest a, Digest b) {
     return (a ^ (b + 0x9e3779b97f4a7c15 + (a << 6) + (a >> 2))) * 0xff51afd7ed558ccd;
 }
 
-// Tells nodes of one name apart. Equal for equal content, whatever the order of elements, vertices and
-// children; different content may rarely have equal digests.
+// Hashes that tell nodes of the same name apart. They do not depend on the order of elements, vertices and
+// children; different content rarely has equal digests.
 class Digests {
 public:
     explicit Digests(const Evaluator& evaluator)
@@ -55,8 +55,8 @@ public:
         return gltf::NameOf(m_document.Elements(Kind::kNode)[node]);
     }
     const std::vector<std::size_t>& Children(std::size_t node) const { return m_children[node]; }
-    Digest Own(std::size_t node) const { return m_own[node]; }      // names left out
-    Digest Whole(std::size_t node) const { return m_whole[node]; }  // with what stands below
+    Digest Own(std::size_t node) const { return m_own[node]; }      // of the node without its name
+    Digest Whole(std::size_t node) const { return m_whole[node]; }  // including its descendants
 
 private:
     Digest NameDigest(std::size_t node) const { return std::hash<std::string_view>()(Name(node)); }
@@ -64,7 +64,7 @@ private:
     Digest OfNode(const Evaluator& evaluator, std::size_t node) {
         const Json& json = m_document.Elements(Kind::kNode)[node];
         Digest digest = 1;
-        // Rounded, since a matrix and its parts do not give the same bits.
+        // Rounded: a matrix and its decomposition differ in the last bits.
         const Affine& world = evaluator.World(node);
         for (const double part :
              {world.origin.x, world.origin.y, world.origin.z, world.x.x, world.y.y, world.z.z})
@@ -180,7 +180,7 @@ private:
             free(a, m_result.ofA);
             free(b, m_result.ofB);
             if (a.empty() || b.empty()) return;
-            // Equal keys in the order of their nodes.
+            // Nodes with equal keys are paired in order.
             std::map<Key, std::pair<Nodes, std::size_t>> byKey;
             for (const std::size_t node : b) byKey[key(m_digestsB, node)].first.push_back(node);
             for (const std::size_t node : a) {

@@ -12,7 +12,7 @@
 namespace zr::compare {
 namespace {
 
-// Numbers from 0 to 1 that depend on nothing but their place.
+// A pseudo-random number from 0 to 1 that depends only on its arguments.
 double Scattered(std::size_t seed, std::size_t which) {
     std::uint64_t x = (seed * 16 + which + 1) * 0x9e3779b97f4a7c15ULL;
     x = (x ^ (x >> 31)) * 0xbf58476d1ce4e5b9ULL;
@@ -31,7 +31,7 @@ public:
 
     void Run() {
         CompareDrawnAs("at rest");
-        // Joints, weights of vertices and morph targets show only when something moves them.
+        // Errors in joints, vertex weights and morph targets show only when these move.
         if (!m_pair.nodes.IsComplete()) return;
         for (const bool isA : {true, false}) {
             Evaluator& evaluator = isA ? m_pair.evaluatorA : m_pair.evaluatorB;
@@ -60,17 +60,17 @@ private:
             difference.length,
             [&] { return difference.node == kNone ? "" : m_pair.NodeText(difference.node); }, "", 0);
         char amounts[96];
-        std::snprintf(amounts, sizeof amounts, "; up to %.3g off, directions %.3g, other values %.3g",
+        std::snprintf(amounts, sizeof amounts, "; points by up to %.3g, directions %.3g, other values %.3g",
                       difference.length, difference.angle, difference.value);
         if (difference.changed > 0)
-            m_result.drawn.push_back(Join(difference.changed, " faces differ ", pose, ", first of ",
+            m_result.drawn.push_back(Join(difference.changed, " faces differ ", pose, ", the first of ",
                                           m_pair.NodeText(difference.changedNode), amounts));
         if (difference.onlyA > 0)
-            m_result.drawn.push_back(Join(difference.onlyA, " faces are drawn by the first scene only ", pose,
-                                          ", first of ", NodeText(m_pair.a, difference.onlyANode)));
+            m_result.drawn.push_back(Join(difference.onlyA, " faces are drawn only by the first scene ", pose,
+                                          ", the first of ", NodeText(m_pair.a, difference.onlyANode)));
         if (difference.onlyB > 0)
-            m_result.drawn.push_back(Join(difference.onlyB, " faces are drawn by the second scene only ",
-                                          pose, ", first of ", NodeText(m_pair.b, difference.onlyBNode)));
+            m_result.drawn.push_back(Join(difference.onlyB, " faces are drawn only by the second scene ",
+                                          pose, ", the first of ", NodeText(m_pair.b, difference.onlyBNode)));
     }
 
     ScenePair& m_pair;

@@ -6,8 +6,8 @@
 
 namespace zr::compare {
 
-// Compares the faces that are drawn at rest and, where all nodes are paired, in a pose that moves every joint
-// and morph target; results `faces`, `point` and `drawn`. The evaluators stand at rest before and after.
+// Compares the faces drawn at rest and, if all nodes are paired, in a pose that moves every joint and morph
+// target. Sets `faces`, `point` and `drawn` of the result. The evaluators are at rest before and after.
 void ComparePoses(ScenePair& pair, CompareResult& result);
 
 }  // namespace zr::compare

@@ -17,7 +17,8 @@ using gltf::Kind;
 
 namespace {
 
-// Elements of a kind by name, equal names in order; kNone for those without a partner.
+// Pairs elements of a kind by name, equal names in order. Returns the partner of each element of `a`, or
+// kNone.
 std::vector<std::size_t> PairByName(const Document& a, const Document& b, Kind kind) {
     std::map<std::string_view, std::vector<std::size_t>> byName;
     const auto left = a.Elements(kind), right = b.Elements(kind);
@@ -32,7 +33,7 @@ std::vector<std::size_t> PairByName(const Document& a, const Document& b, Kind k
     return partners;
 }
 
-// Pairs first, so that what both scenes draw is in the same order.
+// Paired nodes first, so that both scenes draw them in the same order.
 std::vector<std::size_t> NodesInOrder(const NodeMatching& matching, bool isA) {
     std::vector<std::size_t> nodes;
     for (const auto& [a, b] : matching.pairs) nodes.push_back(isA ? a : b);
@@ -41,8 +42,7 @@ std::vector<std::size_t> NodesInOrder(const NodeMatching& matching, bool isA) {
     return nodes;
 }
 
-// By material, where nodes draw it; nodeOfA tells a node's number in the first document, kNone where it has
-// none.
+// The uses of each material. nodeOfA(node): the matching node of the first document, or kNone.
 template <typename NodeOfA>
 std::vector<Uses> UsesOf(const Document& document, const Drawn& drawn, const NodeOfA& nodeOfA) {
     std::vector<Uses> uses(document.Elements(Kind::kMaterial).size());

@@ -16,9 +16,9 @@
 
 namespace zr::compare {
 
-// Two documents, which of their elements are the same, and what each draws in the pose of its evaluator.
+// Two documents, which of their elements match, and what each draws in its evaluator's current pose.
 struct ScenePair {
-    // The documents outlive it. Throws gltf::Error.
+    // The documents must outlive it. Throws gltf::Error.
     ScenePair(const gltf::Document& a, const gltf::Document& b);
     ScenePair(const ScenePair&) = delete;
     ScenePair& operator=(const ScenePair&) = delete;
@@ -28,19 +28,18 @@ struct ScenePair {
     Evaluator evaluatorA, evaluatorB;
     const NodeMatching nodes;
     const MaterialMatching materials;
-    const std::vector<std::size_t> animations,
-        scenes;                  // by element of the first document: its partner or kNone
-    const Drawn drawnA, drawnB;  // paired nodes first, in the same order
+    const std::vector<std::size_t> animations, scenes;  // partners of the first document's; or kNone
+    const Drawn drawnA, drawnB;                         // paired nodes first, in the same order
     const MaterialPairs materialPairs;
 
     void SetRest();
-    // Whether element x of the first document and y of the second are the same.
+    // Whether element x of the first document matches y of the second.
     bool AreSame(gltf::Kind kind, std::size_t x, std::size_t y) const;
-    // A node of the first document in words.
+    // Describes a node of the first document.
     std::string NodeText(std::size_t node) const;
 };
 
-// node "Lid" (/nodes/3)
+// 'node "Lid" (/nodes/3)', or 'node 3' if it has no name.
 std::string NodeText(const gltf::Document& document, std::size_t node);
 
 // what: "mesh", "skin", "camera" or "light".

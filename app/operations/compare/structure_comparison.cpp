@@ -33,7 +33,7 @@ public:
             Add(NodeText(m_pair.a, node) + " is only in the first scene");
         for (const std::size_t node : m_pair.nodes.onlyB)
             Add(NodeText(m_pair.b, node) + " is only in the second scene");
-        for (const auto& [a, b] : m_pair.nodes.moved) Add(m_pair.NodeText(a) + " has another parent");
+        for (const auto& [a, b] : m_pair.nodes.moved) Add(m_pair.NodeText(a) + " has a different parent");
         for (const auto& [a, b] : m_pair.nodes.pairs) CompareNodes(a, b);
         for (const auto& [a, b] : m_pair.materials.different) m_content.Elements(Kind::kMaterial, a, b);
         CompareCollections("animation", Kind::kAnimation, m_pair.animations);
@@ -52,8 +52,8 @@ private:
         const Json& right = m_pair.b.Elements(Kind::kNode)[b];
         for (const char* what : {"mesh", "skin", "camera", "light"}) {
             if (Carries(left, what) == Carries(right, what)) continue;
-            Add(Join(m_pair.NodeText(a), " carries a ", what, " in the ",
-                     Carries(left, what) ? "first" : "second", " scene only"));
+            Add(Join(m_pair.NodeText(a), " has a ", what, " only in the ",
+                     Carries(left, what) ? "first" : "second", " scene"));
         }
         m_content.Elements(Kind::kNode, a, b);
         if (Carries(left, "camera") && Carries(right, "camera"))
@@ -65,7 +65,8 @@ private:
     void CompareMeshes(std::size_t a, std::size_t b) {
         if (!m_meshes.emplace(a, b).second) return;
         m_content.Elements(Kind::kMesh, a, b);
-        // What primitives hold beyond what they draw, where it is known which belong together.
+        // Compares what primitives have apart from what they draw; materials decide which primitives
+        // correspond.
         const auto primitives = [](const Document& document, std::size_t mesh,
                                    const std::vector<std::size_t>& classes) {
             std::vector<const Json*> list;
@@ -133,7 +134,7 @@ private:
         };
         const std::size_t shownA = shown(m_pair.a, a), shownB = shown(m_pair.b, b);
         if ((shownA == kNone) != (shownB == kNone) || (shownA != kNone && m_pair.scenes[shownA] != shownB))
-            Add("/scene: another scene is shown by default");
+            Add("/scene: a different scene is shown by default");
         for (std::size_t i = 0; i < m_pair.scenes.size(); ++i) {
             if (m_pair.scenes[i] == kNone) continue;
             std::set<std::size_t> rootsB;
@@ -146,12 +147,12 @@ private:
                 const std::size_t partner = m_pair.nodes.ofA[*root.Index()];
                 if (partner != kNone && rootsB.erase(partner) == 0)
                     Add(Join(m_pair.NodeText(*root.Index()), " is in /scenes/", i,
-                             " in the first scene only"));
+                             " only in the first scene"));
             }
             for (const std::size_t root : rootsB)
                 if (m_pair.nodes.ofB[root] != kNone)
                     Add(Join(NodeText(m_pair.b, root), " is in /scenes/", m_pair.scenes[i],
-                             " in the second scene only"));
+                             " only in the second scene"));
         }
     }
 
@@ -164,7 +165,7 @@ private:
             if (extensions != nullptr)
                 for (const gltf::JsonMember& member : extensions->Members()) names.insert(member.Name());
         for (std::string_view name : names) {
-            // Lights are compared where nodes carry them; metadata packets are referred to by number.
+            // Lights and variants are compared where nodes and primitives refer to them.
             if (name == "KHR_lights_punctual" || name == "KHR_materials_variants") continue;
             m_content.Values(a != nullptr ? a->Find(name) : nullptr, b != nullptr ? b->Find(name) : nullptr,
                              gltf::Schema().Find("extensions")->Find(name), Join("/extensions/", name));

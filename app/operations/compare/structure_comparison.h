@@ -9,10 +9,9 @@
 
 namespace zr::compare {
 
-// Adds a line for each difference in what the documents hold apart from what is drawn and moves: nodes and
-// what they carry, names, materials, scenes, animations, data of the whole. valueTolerance: of times,
-// relative to the greater one and 1. Afterwards `content`, which adds lines of its own, knows what was
-// compared with what.
+// Adds a line for each difference that is neither drawn nor moves: nodes and their content, names, materials,
+// scenes, animations, and data of the whole document. valueTolerance: of times, relative to the end time, at
+// least 1. Afterwards `content`, which adds its own lines, knows which elements match.
 void CompareStructure(const ScenePair& pair, double valueTolerance, ContentComparison& content,
                       std::vector<std::string>& lines);
 

@@ -17,8 +17,8 @@ std::vector<double> At(const Channel& channel, double time) {
     return value;
 }
 
-// Slightly after a time: exactly at a key, a step and the steepest possible ramp differ for an instant that
-// nobody sees.
+// Slightly after a time: exactly at a key, a step and the steepest possible ramp differ, but only for an
+// invisible instant.
 double JustAfter(double time) {
     return time + 1e-6 * std::max(1.0, std::abs(time));
 }
@@ -112,7 +112,7 @@ double TrackComparison::Rank(Path path, const std::vector<double>& a, const std:
         case Path::kTranslation:
             return std::sqrt(squares) / m_tolerance.length;
         case Path::kRotation: {
-            // A quaternion and its negative turn the same way.
+            // A quaternion and its negative are the same rotation.
             const double other = squares + 4 * dot;
             return 2 * std::sqrt(std::max(0.0, std::min(squares, other))) / m_tolerance.angle;
         }

@@ -13,7 +13,7 @@
 
 namespace zr::compare {
 
-// What a channel drives, in either document.
+// What a channel drives, in terms of both documents.
 struct Goal {
     Path path = Path::kPointer;
     std::size_t nodeA = kNone, nodeB = kNone;
@@ -24,25 +24,26 @@ struct Goal {
     std::string Place() const;
 };
 
-// Compares the curves of one animation of each document, goal by goal, at every key of either and three times
-// between any two: a key that was changed is found wherever it stands. A side without a curve holds still.
+// Compares the curves of one animation of each document, goal by goal, at every key of either and at three
+// times between neighbouring keys, so that any changed key is found. A side without a curve keeps its rest
+// value.
 class TrackComparison {
 public:
-    // Translates channels of either document; nothing for what the other document does not have.
+    // Returns the goal of a channel; nothing if the other document lacks it.
     using GoalOf = std::function<std::optional<Goal>(const Channel& channel)>;
-    // The greatest difference of weights or of a pointer.
+    // Receives the greatest difference of weights or of a pointer, and its time.
     using OnValue = std::function<void(const Goal& goal, double amount, double time)>;
 
-    // Both evaluators stand at rest. Differences are ranked in units of the tolerance.
+    // Both evaluators must be at rest. Differences are ranked in units of the tolerance.
     TrackComparison(const Evaluator& a, const Evaluator& b, const Tolerance& tolerance)
         : m_a(a), m_b(b), m_tolerance(tolerance) {}
 
     void Run(const Animation& a, const Animation& b, const GoalOf& goalOfA, const GoalOf& goalOfB,
              const OnValue& onValue);
 
-    // Ascending times at which the whole is to be looked at: those of every key, those at which tracks differ
-    // most and some that are spread evenly over both animations. Where these are more than can be afforded,
-    // `few` of them at most.
+    // Ascending times at which to compare whole scenes: every key, the times at which tracks differ most, and
+    // `few` times spread evenly over both animations. If these are more than `affordable`, at most `few` of
+    // them.
     std::vector<double> Times(std::size_t affordable, std::size_t few);
 
 private:

@@ -9,21 +9,24 @@
 
 namespace zr {
 
-// Reads data compressed by meshopt or Draco. Data that it cannot read stays unavailable and causes a warning.
+// Decodes data compressed by meshopt or Draco. Data that cannot be decoded stays unavailable and causes a
+// warning.
 class CompressedData : public gltf::Decoder {
 public:
-    // After loading, documents hold everything uncompressed, quantized vertex data included.
+    // Store everything uncompressed in the loaded document, quantized vertex data as floats.
     bool makePlain = false;
 
     void Decode(gltf::Document& document) const override;
 };
 
-// Supplies the content of the views and primitives that it can read; returns the places of the others.
+// Decode and supply the content of compressed views and primitives; return the places of those that cannot be
+// decoded.
 std::vector<std::string> DecodeMeshopt(gltf::Document& document);
 std::vector<std::string> DecodeDraco(gltf::Document& document);
 
-// Writes supplied content into the document's own buffers, and vertex data that only KHR_mesh_quantization
-// allows as floats. Removes the compressed forms and their extensions. Throws gltf::Error.
+// Stores supplied content in the document's own buffers, converts vertex data that requires
+// KHR_mesh_quantization to floats, and removes the compressed forms and their extensions. Data that could not
+// be decoded stays as it is. Throws gltf::Error.
 void MakePlain(gltf::Document& document);
 
 }  // namespace zr

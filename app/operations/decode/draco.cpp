@@ -28,7 +28,7 @@ std::unique_ptr<draco::Mesh> DecodeMesh(Bytes bytes) {
         auto mesh = decoder.DecodeMeshFromBuffer(&buffer);
         return mesh.ok() ? std::move(mesh).value() : nullptr;
     } catch (const std::exception&) {
-        return nullptr;  // sizes that no memory holds
+        return nullptr;  // a size beyond any memory
     }
 }
 
@@ -101,7 +101,7 @@ public:
         for (const JsonMember& member : primitive.Find("attributes")->Members()) {
             const Json* attributes = packed.Find("attributes");
             const Json* id = attributes != nullptr ? attributes->Find(member.Name()) : nullptr;
-            if (id == nullptr) continue;  // stored outside the codec
+            if (id == nullptr) continue;  // stored uncompressed
             isRead = Attribute(mesh, *member.value.Index(), *id) && isRead;
         }
         if (const Json* indices = primitive.Find("indices"))
@@ -128,7 +128,7 @@ private:
         return m_document.SupplyAccessor(accessor, IndexBytes(*mesh, info)) || Withhold(accessor);
     }
 
-    // Uncompressed data for readers without the codec is just as good.
+    // True if the accessor has uncompressed data for readers without the codec, which serves as well.
     bool Withhold(std::size_t accessor) {
         if (m_document.Elements(Kind::kAccessor)[accessor].Find("bufferView") != nullptr) return true;
         m_document.WithholdAccessor(accessor);

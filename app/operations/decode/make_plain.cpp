@@ -38,7 +38,7 @@ public:
         for (std::string_view list : {"extensionsUsed", "extensionsRequired"}) {
             Json* names = m_document.Root().Find(list);
             if (names == nullptr) continue;
-            names->FilterItems([&](const Json& name) { return !Goes(name.String()); });
+            names->FilterItems([&](const Json& name) { return !IsObsolete(name.String()); });
             if (names->Items().empty()) m_document.Root().EraseMember(list);
         }
         gltf::CollectGarbage(m_document, {Kind::kBufferView, Kind::kBuffer}, false);
@@ -48,8 +48,8 @@ private:
     static constexpr std::string_view kDraco = "KHR_draco_mesh_compression";
     static constexpr std::string_view kQuantization = "KHR_mesh_quantization";
 
-    // What could not be read stays in its form.
-    bool Goes(std::string_view name) const {
+    // An extension stays if some of its data could not be decoded.
+    bool IsObsolete(std::string_view name) const {
         if (name == kQuantization) return true;
         if (name == kDraco) return !m_dracoLeft;
         return !m_meshoptLeft && std::find(std::begin(gltf::kMeshopt), std::end(gltf::kMeshopt), name) !=
@@ -66,14 +66,14 @@ private:
             }
             m_changed = true;
             if (m_document.IsSuppliedView(i))
-                TakePlace(Kind::kBufferView, i, m_document.AppendView(*m_document.ViewBytes(i), 0, 0));
+                MoveLast(Kind::kBufferView, i, m_document.AppendView(*m_document.ViewBytes(i), 0, 0));
             for (const std::string_view name : gltf::kMeshopt)
                 gltf::EraseExtension(m_document.Elements(Kind::kBufferView)[i], name);
         }
     }
 
-    // The last element's members become those of another one, and the last goes.
-    void TakePlace(Kind kind, std::size_t index, std::size_t last) {
+    // Moves the members of the last element to another one and removes the last element.
+    void MoveLast(Kind kind, std::size_t index, std::size_t last) {
         const Json from = m_document.Elements(kind)[last];
         Json& to = m_document.Elements(kind)[index];
         for (const JsonMember& member : from.Members()) m_tree.Member(to, member.Name()) = member.value;
@@ -84,7 +84,7 @@ private:
 
     void Primitive(Json& primitive) {
         if (gltf::FindExtension(primitive, kDraco) != nullptr) {
-            if (!Supplied(primitive)) {
+            if (!IsReadable(primitive)) {
                 m_dracoLeft = true;
                 return;
             }
@@ -102,7 +102,7 @@ private:
                     Dequantize(member.Name(), *member.value.Index());
     }
 
-    bool Supplied(const Json& primitive) const {
+    bool IsReadable(const Json& primitive) const {
         const auto isKnown = [&](std::size_t accessor) { return gltf::HasData(m_document, accessor); };
         const auto attributes = primitive.Find("attributes")->Members();
         return std::all_of(attributes.begin(), attributes.end(),
@@ -143,7 +143,7 @@ private:
         const std::size_t plain = gltf::AppendFloats(m_document, type, use, values);
         for (const char* member : {"byteOffset", "normalized", "sparse", "min", "max"})
             m_document.Elements(Kind::kAccessor)[accessor].EraseMember(member);
-        TakePlace(Kind::kAccessor, accessor, plain);
+        MoveLast(Kind::kAccessor, accessor, plain);
     }
 
     gltf::Document& m_document;

@@ -15,7 +15,7 @@ using gltf::Kind;
 
 namespace {
 
-// The codec cannot compress further than this: anything that claims more is broken and would waste memory.
+// The codec cannot compress further than this; data that claims more is broken and would waste memory.
 constexpr std::size_t kMostRatio = 512;
 constexpr std::size_t kSmall = 65536;
 
@@ -74,7 +74,7 @@ std::vector<std::string> DecodeMeshopt(gltf::Document& document) {
     std::vector<std::string> unread;
     const auto views = document.Elements(Kind::kBufferView);
     for (std::size_t i = 0; i < views.size(); ++i) {
-        if (document.ViewBytes(i)) continue;  // a fallback is just as good
+        if (document.ViewBytes(i)) continue;  // uncompressed fallback data serves as well
         for (const std::string_view name : gltf::kMeshopt) {
             const Json* packed = gltf::FindExtension(views[i], name);
             if (packed == nullptr) continue;

@@ -3,7 +3,7 @@
 
 namespace zr {
 
-// Without codecs everything stays as it is.
+// Without codecs, compressed data stays as it is.
 std::vector<std::string> DecodeMeshopt(gltf::Document&) {
     return {};
 }

@@ -11,13 +11,13 @@ using gltf::Kind;
 
 namespace {
 
-void WarnOfStill(Inspection& in, const compare::Animation& animation, std::size_t index) {
+void WarnOfConstant(Inspection& in, const compare::Animation& animation, std::size_t index) {
     std::size_t still = 0;
     for (const compare::Channel& channel : animation.channels)
         still += channel.curve.Times().size() > 2 && channel.curve.IsConstant();
     if (still > 0)
-        in.Warn(Join("/animations/", index), Join(still, still == 1 ? " channel holds" : " channels hold",
-                                                  " one value in more keys than it needs"));
+        in.Warn(Join("/animations/", index), Join(still, still == 1 ? " channel has" : " channels have",
+                                                  " the same value in more than two keys"));
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ void AddAnimations(Inspection& in) {
                               Count(animation.channels.size()), Count(keys), Listed(ways),
                               Count(nodes.size()), Count(bytes)});
         for (const std::string& place : animation.unread) in.Warn(place, "the keys cannot be read");
-        WarnOfStill(in, animation, i);
+        WarnOfConstant(in, animation, i);
     }
 }
 

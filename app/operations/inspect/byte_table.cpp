@@ -14,7 +14,7 @@ using gltf::Kind;
 
 namespace {
 
-// What an accessor's or view's bytes are used for.
+// What the bytes of a view are used for.
 enum class Part { kVertices, kTargets, kIndices, kKeys, kBinds, kImages, kPacked, kOther, kUnused, kCount };
 constexpr std::string_view kPartNames[] = {"vertex data",     "morph targets", "vertex indices",
                                            "animation keys",  "inverse binds", "images",
@@ -40,7 +40,7 @@ void MarkMeshes(const Inspection& in, Mark mark, MarkAccessor markAccessor) {
 
 }  // namespace
 
-// The first use in the order of the parts decides.
+// Of several uses of a view, the first in the order of Part counts.
 void AddBytes(Inspection& in) {
     std::vector<Part> parts(in.Elements(Kind::kBufferView).size(), Part::kUnused);
     const auto mark = [&](std::size_t view, Part part) {

@@ -18,7 +18,8 @@ struct ExtensionUse {
     std::string first;
 };
 
-// Every object under "extensions", wherever it stands. The document bounds how deep this goes.
+// Counts the members of every "extensions" object. Documents are limited in depth, and with them the
+// recursion.
 void CollectExtensions(const Json& value, const std::string& place,
                        std::map<std::string, ExtensionUse>& uses) {
     for (std::size_t i = 0; i < value.Items().size(); ++i) {
@@ -57,7 +58,8 @@ void AddExtensions(Inspection& in) {
         if (!used.contains(name)) in.Warn(use.first, "the extension is not listed in extensionsUsed");
         if (use.count == 0 && name != "KHR_mesh_quantization")
             in.Warn("/extensionsUsed", Join(name, " is listed but not used"));
-        if (!isKnown && use.count > 0) in.Warn(use.first, "is unknown: what it refers to cannot be followed");
+        if (!isKnown && use.count > 0)
+            in.Warn(use.first, "the extension is unknown: its references cannot be followed");
     }
 }
 

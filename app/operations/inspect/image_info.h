@@ -9,11 +9,11 @@
 namespace zr::inspect {
 
 struct ImageInfo {
-    std::string_view type;  // "PNG"; empty: none that is known
+    std::string_view type;  // "PNG"; empty: unknown
     std::uint32_t width = 0, height = 0;
 };
 
-// What the head of an image file (PNG, JPEG, WebP, KTX2) says.
+// Reads the header of an image file (PNG, JPEG, WebP, KTX2). Sizes are pixels; 0: unknown.
 ImageInfo ReadImageInfo(Bytes file);
 
 }  // namespace zr::inspect

@@ -8,9 +8,9 @@
 
 namespace zr::inspect {
 
-// What a document holds: summary, scenes, nodes, meshes, materials, textures, skins, cameras, lights,
-// animations, extensions, bytes and warnings. Tables without rows are left out, warnings excepted. The
-// document stays as it is. Throws gltf::Error.
+// Tables of the content of a document: summary, scenes, nodes, meshes, materials, textures, skins, cameras,
+// lights, animations, extensions, bytes and warnings. Empty tables are left out, except for warnings. The
+// document is not changed. Throws gltf::Error.
 std::vector<Table> InspectDocument(gltf::Document& document);
 
 }  // namespace zr::inspect

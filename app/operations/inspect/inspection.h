@@ -17,7 +17,7 @@ namespace zr::inspect {
 
 using compare::kNone;
 
-// The least and the greatest coordinate of each axis.
+// An axis-aligned bounding box, empty at first.
 struct Box {
     compare::Vec3 low{HUGE_VAL, HUGE_VAL, HUGE_VAL}, high{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
 
@@ -25,9 +25,9 @@ struct Box {
     bool IsEmpty() const { return !(low.x <= high.x); }
 };
 
-// A document as it is evaluated and drawn at rest, and what has been found in it.
+// A document with its evaluation and what it draws at rest, and the findings so far.
 struct Inspection {
-    explicit Inspection(gltf::Document& inspected);  // which outlives it
+    explicit Inspection(gltf::Document& inspected);  // which must outlive it
 
     std::span<const gltf::Json> Elements(gltf::Kind kind) const {
         return std::as_const(document).Elements(kind);
@@ -38,13 +38,13 @@ struct Inspection {
     gltf::Document& document;
     compare::Evaluator evaluator;
     compare::Drawn drawn;
-    Box box;                     // of all that is drawn, in the world
-    std::vector<Box> meshBoxes;  // mesh by mesh, in the coordinates of its positions
+    Box box;                     // of everything drawn, in world space
+    std::vector<Box> meshBoxes;  // by mesh, in the mesh's own space
     std::vector<Table> tables;
     std::vector<std::pair<std::string, std::string>> warnings;  // place and text
 };
 
-// Each adds its tables, and warnings of what it saw.
+// Each adds its table and its warnings.
 void AddSummary(Inspection& in);
 void AddScenes(Inspection& in);
 void AddNodes(Inspection& in);
@@ -59,7 +59,7 @@ void AddExtensions(Inspection& in);
 void AddBytes(Inspection& in);
 void WarnOfVertices(Inspection& in);
 
-// Cells.
+// Cells of tables.
 Cell Count(std::size_t count);
 Cell Optional(std::size_t index);  // empty for kNone
 Cell Yes(bool holds);              // empty otherwise

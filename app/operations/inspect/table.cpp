@@ -21,7 +21,7 @@ std::string TextOf(const Cell& cell) {
     return {};
 }
 
-// Columns of numbers stand at the right, those with any text at the left.
+// Columns of numbers are aligned right, columns with any text left.
 bool IsOfNumbers(const Table& table, std::size_t column) {
     bool hasNumber = false;
     for (const auto& row : table.rows) {
@@ -31,13 +31,13 @@ bool IsOfNumbers(const Table& table, std::size_t column) {
     return hasNumber;
 }
 
-// The number of characters, assuming that all are equally wide.
+// The number of characters, assuming that all have the same width.
 std::size_t Width(std::string_view utf8) {
     return static_cast<std::size_t>(
         std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-// Keeps a cell on its line and its text apart from borders.
+// Makes a text printable on one line, with special characters escaped.
 std::string Escaped(const std::string& text, std::string_view special) {
     std::string escaped;
     for (const char c : Printable(text)) {

@@ -10,20 +10,19 @@
 
 namespace zr::inspect {
 
-// Nothing, a whole number, a number or a text.
+// Empty, a whole number, a number or a text.
 using Cell = std::variant<std::monostate, std::uint64_t, double, std::string>;
 
 struct Table {
     std::string name;                  // "meshes"
-    std::vector<std::string> columns;  // in camelCase, as members of JSON objects
+    std::vector<std::string> columns;  // in camelCase, which serve as JSON member names
     std::vector<std::vector<Cell>> rows;
 };
 
-// For people: aligned columns. At most `most` rows of a table, then the number of further rows.
+// As plain text with aligned columns. At most `most` rows per table, then the number of further rows.
 std::string AsText(std::span<const Table> tables, std::size_t most);
 std::string AsMarkdown(std::span<const Table> tables);
-// Lines of comma-separated values; each begins with the name of its table, as does the line of its columns'
-// names.
+// As comma-separated values. Each line begins with the name of its table, the line of column names included.
 std::string AsCsv(std::span<const Table> tables);
 
 }  // namespace zr::inspect

@@ -19,7 +19,8 @@ void WarnOf(Inspection& in, const compare::Part& part) {
         const auto broken = std::count_if(attribute.values.begin(), attribute.values.end(),
                                           [](float value) { return !std::isfinite(value); });
         if (broken > 0)
-            in.Warn(Join(place, "/attributes/", attribute.name), Join(broken, " numbers are not finite"));
+            in.Warn(Join(place, "/attributes/", attribute.name),
+                    Join(broken, broken == 1 ? " number is" : " numbers are", " not finite"));
     }
     std::size_t thin = 0;
     for (std::size_t i = 0; shape.corners == 3 && i + 2 < shape.faces.size(); i += 3)
