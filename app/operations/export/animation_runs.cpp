@@ -13,8 +13,8 @@
 namespace zr {
 namespace {
 
-// Which nodes are split may depend on what moves them. An animation with the fullest track of every node
-// yields records that fit all other animations; it is removed with this object.
+// Which nodes are split may depend on how they move. A temporary animation with the fullest track of every
+// node yields records that fit all other animations; it exists as long as this object.
 class FullestTracks {
 public:
     explicit FullestTracks(kernix::SceneModel& scene) : m_scene(scene), m_animation(scene.AddAnimation(u"")) {
@@ -45,7 +45,7 @@ private:
     kernix::AnimationModel* m_animation;
 };
 
-// A run with the animation's curves as the tools need them; they are restored afterwards.
+// Runs the tools on the animation's baked curves, which are restored afterwards.
 Tool RunBaked(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation,
               const ExportOptions& options, Curves curves) {
     const BakedCurves baked(loaded.Scene(), animation, options, curves);
@@ -74,18 +74,18 @@ void Gather(const Tool& tool, const kernix::AnimationModel& animation, const Exp
     runs.keys += KeysOf(tool, options);
 }
 
-// The keys of one animation alone, on records of its own.
-void RunAnew(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation, const ExportOptions& options,
-             Runs& runs) {
+// Gathers the keys of one animation from records of its own.
+void RunSeparately(Host& host, LoadedScene& loaded, kernix::AnimationModel& animation,
+                   const ExportOptions& options, Runs& runs) {
     const Tool tool = RunBaked(host, loaded, animation, options, Curves::kAny);
     if (!runs.records) runs.records = tool;
     const std::size_t addedBefore = runs.added.size();
     Gather(tool, animation, options, runs);
     if (!SameStructure(runs.records, tool) &&
         (runs.added.size() != addedBefore || !KeysFit(tool, runs.records))) {
-        throw std::runtime_error("the animation \"" + kernix::ToUtf8(animation.m_name) +
-                                 "\" needs other nodes than the others with these options: export them one "
-                                 "by one with --animation");
+        throw std::runtime_error("with these options, animation \"" + kernix::ToUtf8(animation.m_name) +
+                                 "\" needs different nodes from the others: export the animations one at a "
+                                 "time with --animation");
     }
 }
 
@@ -96,7 +96,7 @@ Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const
     const std::vector<kernix::AnimationModel*> animations = AnimationsOf(scene);
     Runs runs(loaded, options);
     if (animations.empty()) runs.records = RunTool(host, loaded, nullptr, options);
-    if (animations.size() == 1) RunAnew(host, loaded, *animations[0], options, runs);
+    if (animations.size() == 1) RunSeparately(host, loaded, *animations[0], options, runs);
     if (animations.size() < 2) return runs;
     {
         FullestTracks fullest(scene);
@@ -105,15 +105,15 @@ Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const
     for (std::size_t i = 0; i < animations.size(); ++i) {
         progress(static_cast<double>(i) / static_cast<double>(animations.size()));
         kernix::AnimationModel& animation = *animations[i];
-        bool stands = false;
+        bool fits = false;
         {
             const BakedCurves baked(scene, animation, options, Curves::kAny);
-            stands = RunToolAgain(runs.records, scene, animation);
+            fits = RunToolAgain(runs.records, scene, animation);
         }
-        if (stands) {
+        if (fits) {
             Gather(runs.records, animation, options, runs);
         } else {
-            RunAnew(host, loaded, animation, options, runs);
+            RunSeparately(host, loaded, animation, options, runs);
         }
         for (vl::zr::Track* track : animation.Tracks()) {
             if (auto* transform = dynamic_cast<kernix::TransformTrack*>(track)) transform->Unload();

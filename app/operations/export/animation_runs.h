@@ -13,7 +13,7 @@
 
 namespace zr {
 
-// What all animations have in common, and the keys of each.
+// The records, which all animations share, and the keys of each animation.
 struct Runs {
     Runs(const LoadedScene& loaded, const ExportOptions& options) : factors(loaded, options) {}
 
@@ -25,15 +25,15 @@ struct Runs {
     std::size_t keys = 0;          // of all records in all animations
 };
 
-// The tools run once for all of the scene's animations; the keys of each are then processed on the existing
-// records, where these allow it. Every transform track is packed (PackAll). Throws std::runtime_error when
-// two animations would need different nodes, and when nothing is to be exported.
+// Runs the tools once for all of the scene's animations, then processes the keys of each on the same records
+// where possible. Every transform track must be packed (PackAll). Throws std::runtime_error when two
+// animations need different nodes, and when there is nothing to export.
 Runs RunAll(Host& host, LoadedScene& loaded, const ExportOptions& options, const ExportProgress& progress);
 
-// The tools run for one animation, or with null for the scene at rest, and make every curve linear.
+// Runs the tools for one animation, with every curve made linear. null: for the scene at rest.
 Runs RunOne(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation, const ExportOptions& options);
 
-// Packs the keys of every transform track: what the stages of an export read and replace are curves.
+// Packs the keys of every transform track into curves, which the stages of an export read and replace.
 void PackAll(kernix::SceneModel& scene);
 
 }  // namespace zr

@@ -9,13 +9,13 @@
 namespace zr {
 namespace {
 
-// What the options do to keys.
-struct Wish {
+// How the options affect keys.
+struct Effects {
     bool changesKeys;
     bool changesValues;
     bool mergesKeys;
 
-    Wish(kernix::SceneModel& scene, const ExportOptions& options, Curves curves)
+    Effects(kernix::SceneModel& scene, const ExportOptions& options, Curves curves)
         : changesKeys(options.Has(vl::tk::kMergeKeys) || curves == Curves::kLinear ||
                       options.Has(vl::tk::kResampleKeys) || options.Has(vl::tk::kReverseTime) ||
                       options.Has(vl::tk::kCameraTargetKeys) || options.Has(vl::tk::kLightTargetKeys) ||
@@ -45,8 +45,8 @@ bool HasAims(kernix::SceneModel& scene) {
 BakedCurves::BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel& animation,
                          const ExportOptions& options, Curves curves)
     : m_scene(scene), m_animation(animation) {
-    const Wish wish(scene, options, curves);
-    if (!wish.changesKeys && !wish.changesValues) return;
+    const Effects effects(scene, options, curves);
+    if (!effects.changesKeys && !effects.changesValues) return;
     for (vl::zr::Track* plain : animation.Tracks()) {
         auto* track = dynamic_cast<kernix::TransformTrack*>(plain);
         if (track == nullptr) continue;
@@ -55,10 +55,10 @@ BakedCurves::BakedCurves(kernix::SceneModel& scene, const kernix::AnimationModel
             const Curve& curve = track->Packed(keyType)->Get();
             const bool isStraight = curve.interpolation == vl::zr::kInterpolationLinear;
             if (options.keepsCurves && !isStraight) continue;
-            const bool bakes = wish.Bakes(curve.interpolation);
-            if (!bakes && !wish.mergesKeys) continue;
+            const bool bakes = effects.Bakes(curve.interpolation);
+            if (!bakes && !effects.mergesKeys) continue;
             Curve baked = bakes ? BakedKeys(*track, keyType) : curve;
-            if (wish.mergesKeys) baked = Thinned(baked);
+            if (effects.mergesKeys) baked = Thinned(baked);
             if (baked == curve) continue;
             m_originals.push_back({track, keyType, track->TakeCurve(keyType)});
             track->SetCurve(keyType, kernix::StoredCurve(std::move(baked)));

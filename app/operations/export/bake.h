@@ -8,19 +8,19 @@
 
 namespace zr {
 
-// The interpolations that an export can contain.
+// The interpolations that an export may contain.
 enum class Curves { kAny, kLinear };
 
-// Whether some camera or light turns with what it aims at: the tools then give it further keys.
+// Whether any camera or light has a target to follow: the tools then give it additional keys.
 bool HasAims(kernix::SceneModel& scene);
 
 // The keyframe tools move, drop and insert keys as if every curve were linear. Before a run whose options
-// change keys, curves of other forms are baked: cubic ones are sampled within a hundred thousandth of their
-// range, steps become two keys a smallest step apart. Curves that the options leave as they are keep their
-// form, but with Curves::kLinear. Where keys are merged, keys that rounding alone put off the line go first:
-// the tools drop those only that lie on it to the bit.
+// change keys, other curves are therefore baked: cubic curves are sampled to within a hundred thousandth of
+// their range, steps become two keys one float apart. Curves that the options do not affect keep their form,
+// except with Curves::kLinear. Before keys are merged, keys that only rounding puts off a line are dropped,
+// since the tools drop only keys that lie exactly on it.
 //
-// With ExportOptions::keepsCurves only straight curves are touched.
+// With ExportOptions::keepsCurves only linear curves are changed.
 //
 // The scene's curves are baked while this object exists and restored afterwards.
 class BakedCurves {

@@ -18,10 +18,10 @@ bool IsChosen(const vl::zr::Node* node) {
 }  // namespace
 
 ExportOptions WithChoicesMade(LoadedScene& loaded, ExportOptions options) {
-    // No option at all stays none, which the tools refuse.
+    // Without any flag there is nothing to export: the tools must see that and refuse.
     if (options.Has(vl::tk::kAllChoices) || options.exportFlags == 0) return options;
     options.exportFlags |= vl::tk::kAllChoices;
-    // The tools never export a node of this generator, nor what is below it.
+    // The tools never export a node with this generator, nor its descendants.
     const std::string leftOut = "zr_detail_markup";
     const NodeLayout& layout = loaded.Parts().layout;
     for (const std::size_t node : layout.order)

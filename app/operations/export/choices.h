@@ -6,9 +6,9 @@
 
 namespace zr {
 
-// Where the options leave out what selectors do not show: marks it so that the keyframe tools leave it out,
-// and answers the options that ask for all the rest. Their own way of choosing would also leave cameras and
-// lights as their nodes stand, and not as they aim.
+// If the options leave out nodes that selectors do not show, marks these so that the keyframe tools skip
+// them, and returns options that export all others. The tools' own choice would also export cameras and
+// lights with the orientation of their nodes, not with that of their aim.
 ExportOptions WithChoicesMade(LoadedScene& loaded, ExportOptions options);
 
 }  // namespace zr

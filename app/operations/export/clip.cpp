@@ -15,9 +15,9 @@
 namespace zr {
 namespace {
 
-// A motion that stands within this part of a frame of it is of that frame: times are rounded.
+// A key within this fraction of a frame counts as being on the frame, since times are rounded.
 constexpr double kFrameSlack = 1e-3;
-constexpr double kMostKeys = 2e7;  // that sampling makes of a scene
+constexpr double kMostKeys = 2e7;  // of a sampled scene
 
 std::string Short(double number) {
     char text[32];
@@ -25,7 +25,7 @@ std::string Short(double number) {
     return text;
 }
 
-// The times of the result at which a clip is sampled.
+// The times at which a clip is sampled, in the time of the result.
 std::vector<float> Frames(const Clip& clip, double frameRate) {
     const float start = clip.Map(clip.from), end = clip.Map(clip.to);
     const double count = std::ceil((double{end} - start) * frameRate - kFrameSlack);
@@ -48,11 +48,11 @@ void Retime(Curve& curve, const Clip& clip) {
     }
 }
 
-// The curve of the clip. frames: where it is sampled, and what of the curve it shows there; none: its keys
-// stay.
-class Taker {
+// Makes the curve of a clip from a curve of the scene: samples it at the frame rate or, if that is 0, cuts it
+// and keeps its keys.
+class Clipper {
 public:
-    Taker(const Clip& clip, float start, float end, double frameRate) : m_clip(clip) {
+    Clipper(const Clip& clip, float start, float end, double frameRate) : m_clip(clip) {
         constexpr float kInfinity = std::numeric_limits<float>::infinity();
         m_from = clip.from > start ? clip.from : -kInfinity;
         m_to = clip.to < end ? clip.to : kInfinity;
@@ -64,7 +64,7 @@ public:
         m_slack = kFrameSlack / frameRate * clip.speed;
     }
 
-    Curve Take(const Curve& source, bool isRotation) const {
+    Curve Clipped(const Curve& source, bool isRotation) const {
         if (!m_frames.empty() && source.times.size() > 1) {
             Curve sampled = SampledAt(source, m_shown, m_slack, isRotation);
             sampled.times = m_frames;
@@ -77,9 +77,9 @@ public:
 
 private:
     const Clip m_clip;
-    float m_from, m_to;           // infinite where nothing is cut off
-    std::vector<float> m_frames;  // of the result
-    std::vector<float> m_shown;   // the same, in the scene's time
+    float m_from, m_to;           // infinite: not cut
+    std::vector<float> m_frames;  // in the time of the result; empty: not sampled
+    std::vector<float> m_shown;   // the same times in the scene's time
     double m_slack = 0;           // seconds of the scene's time
 };
 
@@ -89,7 +89,7 @@ Clips::Clips(kernix::SceneModel& scene, const ClipOptions& options) : m_scene(sc
     if (!options.MovesKeys()) return;
     Measure(options);
     for (const kernix::AnimationModel* animation : AnimationsOf(scene)) {
-        if (m_clips.count(animation) != 0) Take(*animation, options);
+        if (m_clips.count(animation) != 0) ClipTracks(*animation, options);
     }
     if (options.frameRate != 0) scene.SetFrameRate(static_cast<float>(options.frameRate));
     scene.TransformsChanged();
@@ -104,7 +104,7 @@ void Clips::Measure(const ClipOptions& options) {
         if (!moves) continue;
         const float start = m_scene.GetStartTime(animation), end = m_scene.GetEndTime(animation);
         Clip clip{std::max(options.from, start), std::min(options.to, end), 0, options.speed};
-        if (start == end) clip.from = clip.to = start;  // a pose, at whatever time
+        if (start == end) clip.from = clip.to = start;  // a pose counts wherever it is
         if (start < end && clip.from >= clip.to)
             throw std::runtime_error(Join("animation \"", kernix::ToUtf8(animation->m_name), "\" runs from ",
                                           Short(start), " to ", Short(end),
@@ -115,24 +115,24 @@ void Clips::Measure(const ClipOptions& options) {
         keys += (length * options.frameRate + 1) * static_cast<double>(tracks.size());
     }
     if (options.frameRate != 0 && keys > kMostKeys)
-        throw std::runtime_error(Join("sampling would make some ", Short(keys), " keys (--fps)"));
+        throw std::runtime_error(Join("sampling would create about ", Short(keys), " keys (--fps)"));
 }
 
-void Clips::Take(const kernix::AnimationModel& animation, const ClipOptions& options) {
+void Clips::ClipTracks(const kernix::AnimationModel& animation, const ClipOptions& options) {
     auto* played = const_cast<kernix::AnimationModel*>(&animation);
-    const Taker taker(m_clips.at(&animation), m_scene.GetStartTime(played), m_scene.GetEndTime(played),
-                      options.frameRate);
+    const Clipper clipper(m_clips.at(&animation), m_scene.GetStartTime(played), m_scene.GetEndTime(played),
+                          options.frameRate);
     for (vl::zr::Track* plain : animation.Tracks()) {
         if (plain->GetKeyCount() == 0) continue;
         auto& sources = m_sources[plain];
-        const auto take = [&](kernix::StoredCurve& source, bool isRotation) {
-            kernix::StoredCurve taken(taker.Take(source.Get(), isRotation));
+        const auto clip = [&](kernix::StoredCurve& source, bool isRotation) {
+            kernix::StoredCurve clipped(clipper.Clipped(source.Get(), isRotation));
             source.Unload();
-            return taken;
+            return clipped;
         };
         if (auto* sampled = dynamic_cast<kernix::SampledTrack*>(plain)) {
             sources[0] = sampled->TakeCurve();
-            sampled->SetCurve(take(sources[0], false));
+            sampled->SetCurve(clip(sources[0], false));
             continue;
         }
         auto& track = static_cast<kernix::TransformTrack&>(*plain);
@@ -140,7 +140,7 @@ void Clips::Take(const kernix::AnimationModel& animation, const ClipOptions& opt
             const int keyType = kKeyTypes[place];
             if (track.Count(keyType) == 0) continue;
             sources[place] = track.TakeCurve(keyType);
-            track.SetCurve(keyType, take(sources[place], keyType == vl::zr::kKeyRotation));
+            track.SetCurve(keyType, clip(sources[place], keyType == vl::zr::kKeyRotation));
         }
     }
 }

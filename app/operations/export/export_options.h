@@ -12,14 +12,14 @@
 
 namespace zr {
 
-// How closely an export's motion is compared with the scene's: at every relevant place; at some, within a
-// tenth of the export's time; not at all.
+// How thoroughly an export's motion is compared with the scene's: at every relevant time; at some times,
+// within a tenth of the export's own time; not at all.
 enum class MotionCheck { kThorough, kQuick, kOff };
 
 // Called periodically with progress from 0 to 1; may throw to stop the export.
 using ExportProgress = std::function<void(double)>;
 
-// What an export asks of the keyframe tools. By default everything is exported.
+// Options of an export. By default everything is exported.
 struct ExportOptions {
     std::uint32_t exportFlags = vl::tk::kExportLights | vl::tk::kExportCameras | vl::tk::kKeepAllNodes |
                                 vl::tk::kExportBones | vl::tk::kExportNotes | vl::tk::kAllRenderables |
@@ -34,15 +34,15 @@ struct ExportOptions {
     void* renameContext = nullptr;
     vl::Matrix4<double> sceneMatrix;
     MotionCheck check = MotionCheck::kQuick;
-    // Merging leaves steps and cubic curves as they are, which it otherwise makes lines with more keys.
+    // Merging keeps steps and cubic curves; otherwise it converts them to linear curves with more keys.
     bool keepsCurves = false;
     NodeChoice nodes;
     ClipOptions clip;
-    double maxDeviation = 1e-3;  // of the scene's size, above which the export fails
+    double maxDeviation = 1e-3;  // above which the export fails, relative to the scene's size
 
     ExportOptions() { sceneMatrix.IdentityMatrix(); }
 
-    // From the scene's unit to the result's.
+    // The factor from the scene's lengths to those of the result.
     double Scale() const { return std::hypot(sceneMatrix.m[0][0], sceneMatrix.m[0][1], sceneMatrix.m[0][2]); }
 
     bool Has(vl::tk::ExportFlag flag) const { return (exportFlags & flag) != 0; }

@@ -15,7 +15,7 @@
 namespace zr {
 namespace {
 
-// The records of an animation (null: of the scene at rest), and how they play.
+// Makes the records of an animation (null: of the scene at rest) and checks their motion.
 Tool RunChecked(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
                 const ExportOptions& options, const Clips& clips, MotionReport& report) {
     const Runs runs = RunOne(host, loaded, animation, options);

@@ -11,9 +11,9 @@
 
 namespace zr {
 
-// Exports the scene as the records themselves (WriteRecordJson), those of each animation written as soon as
-// they are made: one object for one animation or none; for several {"animations"}, a list of such objects
-// with names. Throws as ExportScene does. renameMap: null, or receives the map of the first (RenameMap).
+// Exports the scene as JSON records (WriteRecordJson), written animation by animation: for one animation or
+// none a single object; for several, {"animations": [...]} with such an object, and its name, for each.
+// Throws like ExportScene. renameMap: null, or receives the rename map of the first animation (RenameMap).
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& options,
                            const ExportProgress& progress, OutputFile& file,
                            std::string* renameMap = nullptr);

@@ -19,7 +19,7 @@
 namespace zr {
 namespace {
 
-// Without its mesh a node has no morph weights to move.
+// A node that loses its mesh has no morph weights to animate.
 void DropWeights(const kernix::NodeModel& node, ReplacedKeys& replaced) {
     for (vl::zr::Controller* plain : vl::ArrayOf<vl::zr::Controller*>(node.m_pControllers)) {
         auto* controller = dynamic_cast<kernix::SampledControllerModel*>(plain);
@@ -52,7 +52,7 @@ std::vector<SourceTime> TimesOf(const Runs& runs, const Clips& clips) {
     std::vector<SourceTime> times;
     for (const PlayedAnimation& played : runs.played) {
         const Clip clip = clips.Of(*played.animation);
-        // An animation that was brought to no length at all shows its begin.
+        // An animation of zero length shows its beginning.
         const double scale = played.timeScale != 0 ? clip.speed / double{played.timeScale} : 0;
         times.push_back({kernix::ToUtf8(played.animation->m_name), scale,
                          (scale != 0 ? clip.origin : double{clip.from}) - double{played.timeOffset} * scale,
@@ -61,7 +61,7 @@ std::vector<SourceTime> TimesOf(const Runs& runs, const Clips& clips) {
     return times;
 }
 
-// What becomes of the document; nothing where an empty scene stays one.
+// The changes to the document; nothing for an empty scene.
 std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const ExportOptions& options,
                                          const ExportProgress& progress, MotionReport& report,
                                          std::vector<SourceTime>& times, std::string* renameMap) {
@@ -78,7 +78,7 @@ std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const 
     for (const kernix::AnimationModel* animation : AnimationsOf(scene))
         report.keysBefore += CountKeys(*animation);
     const Clips clips(scene, options.clip);
-    // Approximate shares of the time.
+    // Approximate progress after running the tools and after the check.
     constexpr double kRun = 0.6, kChecked = 0.75;
     Runs runs = RunAll(host, loaded, options, [&](double done) { progress(kRun * done); });
     progress(kRun);
@@ -110,13 +110,13 @@ Exported ExportScene(Host& host, LoadedScene&& loadedScene, const ExportOptions&
                      const ExportProgress& progress, std::string* renameMap) {
     std::optional<LoadedScene> loaded(std::move(loadedScene));
     ExportOptions options = WithChoicesMade(*loaded, given);
-    // What turns with its aim has keys of its own.
+    // Cameras and lights that follow a target get sampled keys, so curves cannot be kept.
     options.keepsCurves = given.keepsCurves && !HasAims(loaded->Scene());
     MotionReport report;
     std::vector<SourceTime> times;
     const auto changes = RunExport(host, *loaded, options, progress, report, times, renameMap);
     gltf::Document document = std::move(loaded->Document());
-    loaded.reset();  // the document grows where the scene was
+    loaded.reset();  // frees memory for the growing document
     std::vector<gltf::OpaqueUse> refusals;
     if (changes) refusals = WriteDocument(document, *changes);
     progress(1);

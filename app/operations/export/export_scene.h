@@ -12,11 +12,12 @@
 
 namespace zr {
 
-// How a document is loaded for an export: its default scene, as records hold it, or the whole document.
+// How to load a document for an export. whole: the whole document; otherwise its default scene, as for
+// records.
 SceneOptions SceneOptionsOf(const ExportOptions& options, bool whole);
 
-// Where the time of an exported animation stands in that of the source: time * scale + offset, seconds, no
-// earlier than `from` and no later than `to`.
+// Maps the time of an exported animation to that of its source: time * scale + offset, in seconds, clamped to
+// `from` and `to`.
 struct SourceTime {
     std::string animation;
     double scale = 1, offset = 0, from = 0, to = 0;
@@ -25,16 +26,15 @@ struct SourceTime {
 struct Exported {
     gltf::Document document;
     MotionReport report;
-    std::vector<gltf::OpaqueUse> refusals;  // why what the export left unused stays in the document
+    std::vector<gltf::OpaqueUse> refusals;  // why elements that became unused stay in the document
     std::vector<SourceTime> times;          // of every animation with keys
 };
 
-// Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and writes what
-// the records stand for into the document: nodes, rest transforms and keys. What nothing refers to any more
-// then goes; what nothing referred to before stays. Throws std::runtime_error when two animations would need
-// different nodes, when keys that cannot be read would have to change, when nothing is to be exported, and
-// when the motion comes out further off than the options allow. renameMap: null, or receives the text of the
-// map (RenameMap).
+// Runs the keyframe tools once for all of the scene's animations, gathers the keys of each, and applies the
+// resulting nodes, rest transforms and keys to the document. Elements that become unused are removed;
+// elements that were unused before stay. Throws std::runtime_error when two animations need different nodes,
+// when keys that cannot be read would have to change, when there is nothing to export, and when the motion
+// deviates more than the options allow. renameMap: null, or receives the rename map (RenameMap).
 Exported ExportScene(Host& host, LoadedScene&& loaded, const ExportOptions& options,
                      const ExportProgress& progress, std::string* renameMap = nullptr);
 

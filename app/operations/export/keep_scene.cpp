@@ -15,12 +15,12 @@ using gltf::Kind;
 
 namespace {
 
-// What only nodes use, or what uses it.
+// Elements used by nodes, directly or through other elements.
 constexpr gltf::KindSet kContent{Kind::kMesh,       Kind::kCamera, Kind::kLight,   Kind::kMaterial,
                                  Kind::kTexture,    Kind::kImage,  Kind::kSampler, Kind::kAccessor,
                                  Kind::kBufferView, Kind::kBuffer};
 
-// Finds the nodes and skins that a scene needs. With a node goes the whole tree that it stands in.
+// Finds the nodes and skins that a scene needs. A node needs the whole tree that contains it.
 class Reach {
 public:
     explicit Reach(gltf::Document& document)
@@ -31,7 +31,7 @@ public:
                                [this](const gltf::Reference& reference) { Note(reference); });
     }
 
-    void Enter(Kind kind, std::size_t index) {
+    void Add(Kind kind, std::size_t index) {
         m_open.push_back(Number(kind, index));
         while (!m_open.empty()) {
             const std::size_t element = m_open.back();
@@ -42,8 +42,8 @@ public:
         }
     }
 
-    void EnterFromDocument() {
-        for (const auto& [kind, index] : std::exchange(m_fromDocument, {})) Enter(kind, index);
+    void AddFromDocument() {
+        for (const auto& [kind, index] : std::exchange(m_fromDocument, {})) Add(kind, index);
     }
 
     std::vector<bool> Missed(Kind kind) const {
@@ -64,7 +64,7 @@ private:
         if (!IsEither(target.kind)) return;
         const auto steps = reference.place.Steps();
         if (!reference.owner) {
-            // Lists of the host's own hold what is there.
+            // The host's own lists do not make elements needed.
             if (steps[2].member != "ZR_scene") m_fromDocument.emplace_back(target.kind, target.index);
             return;
         }
@@ -91,8 +91,8 @@ void KeepScene(gltf::Document& document, std::size_t scene, bool force) {
         document.Fail(gltf::ErrorKind::kReference, "/scenes", Join("there is no scene ", scene));
     Reach reach(document);
     if (const gltf::Json* roots = scenes[scene].Find("nodes"))
-        for (const gltf::Json& root : roots->Items()) reach.Enter(Kind::kNode, *root.Index());
-    reach.EnterFromDocument();
+        for (const gltf::Json& root : roots->Items()) reach.Add(Kind::kNode, *root.Index());
+    reach.AddFromDocument();
 
     gltf::Removal removal;
     removal[gltf::Ordinal(Kind::kScene)].assign(scenes.size(), true);

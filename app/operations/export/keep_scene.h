@@ -7,10 +7,9 @@
 
 namespace zr {
 
-// Takes the other scenes out of the document, with the nodes that neither the scene nor the document itself
-// refers to and the data that nothing refers to then; the scene becomes the default one. Throws gltf::Error:
-// when there is no such scene and, unless `force`, when something that cannot be followed could refer to what
-// goes.
+// Removes the other scenes from the document, along with the nodes that neither this scene nor the document
+// itself needs and the data that becomes unused; the scene becomes the default one. Throws gltf::Error when
+// there is no such scene and, unless `force`, when an unknown extension could refer to what would be removed.
 void KeepScene(gltf::Document& document, std::size_t scene, bool force);
 
 }  // namespace zr

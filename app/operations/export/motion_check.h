@@ -11,10 +11,10 @@
 
 namespace zr {
 
-// Compares the motion that the scene had before it was cut into clips with that of the records' nodes and the
-// new keys, at times spread over each animation and at those of keys, and says in the report where they
-// differ most. All nodes take part in turn; what the check may cost is shared by all animations. added: by
-// the place of the record among all.
+// Compares the original motion of the scene, before it was cut into clips, with that of the records and the
+// new keys, at times spread over each animation and at keys. Sets the greatest deviations, and their places,
+// in the report. All nodes take part in turn, within a budget that all animations share. added: with the
+// index of the record for the node.
 void CheckMotion(LoadedScene& loaded, const Tool& records, const ExportOptions& options, const Clips& clips,
                  const std::vector<PlayedAnimation>& animations, const ReplacedKeys& replaced,
                  const std::vector<AddedKeys>& added, MotionReport& report);

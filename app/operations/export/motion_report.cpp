@@ -67,13 +67,13 @@ void Add(MotionReport& report, const MotionReport& other) {
 }
 
 void CheckDeviation(const MotionReport& report, const ExportOptions& options) {
-    if (options.Has(vl::tk::kGroupKeysOnly)) return;  // keys are left out on purpose
+    if (options.Has(vl::tk::kGroupKeysOnly)) return;  // leaves out keys on purpose
     const double limit = options.maxDeviation * report.size;
     if (report.deviation > limit)
-        throw std::runtime_error(Join("the motion would come out ", Figure(report.deviation), " off ",
+        throw std::runtime_error(Join("the motion would deviate by ", Figure(report.deviation), " ",
                                       Place(report), "; the limit is ", Figure(limit), " (--max-deviation)"));
     if (report.valueDeviation > options.maxDeviation)
-        throw std::runtime_error(Join("the motion would come out ", Figure(report.valueDeviation), " off ",
+        throw std::runtime_error(Join("the motion would deviate by ", Figure(report.valueDeviation), " ",
                                       ValuePlace(report), "; the limit is ", Figure(options.maxDeviation),
                                       " (--max-deviation)"));
 }

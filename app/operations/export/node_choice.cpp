@@ -30,7 +30,7 @@ const NodeModel* TargetOf(const NodeModel& node) {
     return static_cast<NodeModel*>(target);
 }
 
-// Whether the node has anything to see or to see with.
+// Whether the node has a mesh, a camera or a light.
 bool ShowsSomething(const NodeModel& node) {
     const auto is = [&](int kind) { return node.m_pObject != nullptr && node.m_pObject->IsKindOf(kind); };
     return is(vl::zr::kKindRenderable) || is(vl::zr::kKindCamera) || is(vl::zr::kKindLight);
@@ -47,9 +47,9 @@ public:
 
     ChosenNodes Run() && {
         MarkShown();
-        KeepWhatTheyNeed();
+        KeepDependencies();
         NoteReferences();
-        LeaveOut();
+        RemoveOthers();
         return std::move(m_chosen);
     }
 
@@ -85,7 +85,7 @@ private:
         return members;
     }
 
-    // Of the node's parent or, for a level of detail, of the node that it stands for.
+    // The mark of the node's parent or, for a level of detail, of the node it stands for.
     Mark MarkAbove(const NodeModel& node) {
         const NodeLayout& layout = m_loaded.Parts().layout;
         const std::size_t index = *m_loaded.IndexOf(&node);
@@ -94,7 +94,7 @@ private:
         return node.GetParent() != nullptr ? MarkOf(*node.GetParent()) : Mark();
     }
 
-    // Parents come before their children.
+    // Relies on parents coming before their children.
     void MarkShown() {
         const auto onLayers = OnLayers();
         bool showsAny = false;
@@ -116,8 +116,7 @@ private:
             }
         }
         if (!showsAny)
-            throw std::runtime_error(
-                "nothing to export: no node is chosen (--only-nodes, --exclude, --layer)");
+            throw std::runtime_error("nothing to export: --only-nodes, --exclude and --layer leave no node");
         KeepAncestors();
     }
 
@@ -128,7 +127,7 @@ private:
         }
     }
 
-    void KeepWhatTheyNeed() {
+    void KeepDependencies() {
         const gltf::Document& document = m_loaded.Document();
         const auto nodes = document.Elements(Kind::kNode);
         std::vector<bool> isUsed(document.Elements(Kind::kSkin).size(), false);
@@ -158,7 +157,7 @@ private:
         }
     }
 
-    // user: null outside the scene.
+    // user: the node with the skin; null: it is outside the scene.
     void KeepJoints(const Json& skin, const NodeModel* user) {
         const NodeModel* first = nullptr;
         std::size_t excluded = 0;
@@ -177,7 +176,7 @@ private:
             user != nullptr ? Join("node ", Quoted(m_loaded.NameOf(*user))) : "a node outside the scene"));
     }
 
-    // What stays and refers to what goes, other than by keys, layers and the hierarchy.
+    // Notes references from what stays to nodes that go; keys, layers and the hierarchy do not count.
     void NoteReferences() {
         gltf::ForEachReference(m_loaded.Document(), {Kind::kNode}, [&](const gltf::Reference& reference) {
             const gltf::Target& target = reference.target;
@@ -197,7 +196,7 @@ private:
         });
     }
 
-    void LeaveOut() {
+    void RemoveOthers() {
         for (NodeModel* node : m_nodes) {
             const Mark& mark = MarkOf(*node);
             if (mark.isShown) continue;
@@ -216,11 +215,11 @@ private:
         m_scene.Notify(0, 0, 0);
     }
 
-    // Those of the node's transform, if it goes, and of its morph weights.
+    // Removes the keys of the node's morph weights and, if it goes, of its transform.
     static void DropKeys(const NodeModel& node, bool goes) {
         for (vl::zr::Controller* controller : vl::ArrayOf<vl::zr::Controller*>(node.m_pControllers)) {
             const auto* sampled = dynamic_cast<kernix::SampledControllerModel*>(controller);
-            // Others move what further nodes may show as well.
+            // Other controllers may move what other nodes show too.
             if (sampled != nullptr ? !sampled->GetTarget().starts_with("/nodes/") : !goes) continue;
             for (vl::zr::Track* track : vl::ArrayOf<vl::zr::Track*>(controller->m_pTracks)) {
                 if (sampled != nullptr) {

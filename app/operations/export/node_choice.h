@@ -9,26 +9,26 @@
 
 namespace zr {
 
-// Which nodes of a scene an export shows. A node is shown when each of these holds, as far as it is given: it
-// or a node above it matches a pattern of `only`; it stands on one of the layers; neither it nor a node above
-// it matches a pattern of `exclude`.
+// Which nodes of a scene an export shows. Empty lists do not restrict it. A node is shown if it or an
+// ancestor matches a pattern of `only`, it is on one of the layers, and neither it nor an ancestor matches a
+// pattern of `exclude`.
 struct NodeChoice {
     std::vector<std::string> only;
     std::vector<std::string> exclude;
-    std::vector<std::string> layers;  // their names
+    std::vector<std::string> layers;  // names
 
     bool IsAll() const { return only.empty() && exclude.empty() && layers.empty(); }
 };
 
 struct ChosenNodes {
-    std::vector<std::size_t> skins;  // of the document, that lose joints and that nothing shown uses
-    std::vector<std::string> notes;  // what stays against the choice, and what refers to something that goes
+    std::vector<std::size_t> skins;  // indices of skins that lose joints and that no shown node uses
+    std::vector<std::string> notes;  // which nodes stay although excluded, what refers to nodes that go, and
+                                     // which patterns match nothing
 };
 
-// Leaves the other nodes out of the scene, their keys included. A node that shows nothing of its own stays,
-// as a group that moves as it did, where something below it is shown, where a shown skin has it as a joint,
-// and where a shown camera or light aims at it. Throws std::runtime_error when there is no such layer and
-// when no node is left.
+// Removes the other nodes from the scene, with their keys. A node that is not shown stays, as a group with
+// its motion, if a node below it is shown, if a skin that is shown has it as a joint, or if a camera or light
+// that is shown aims at it. Throws std::runtime_error when a layer does not exist and when no node is left.
 ChosenNodes ChooseNodes(LoadedScene& loaded, const NodeChoice& choice);
 
 }  // namespace zr

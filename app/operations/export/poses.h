@@ -10,7 +10,7 @@
 
 namespace zr {
 
-// An affine transform: three axes, then the translation.
+// An affine transform; the rows are the images of the three axes, then the translation.
 struct Affine {
     double rows[4][3];
 
@@ -18,42 +18,46 @@ struct Affine {
     vl::Matrix4<double> ToMatrix() const;
     bool IsIdentity() const;
     Affine Then(const Affine& next) const;  // first this, then next
-    void Exchange();                        // Y and Z, on both sides
+    void Exchange();                        // swaps Y and Z on both sides
 };
 
-// The greatest distance that the origin and the points one unit along the axes move from one to the other.
+// The greatest distance between the images, under both transforms, of the origin and of the points one unit
+// along each axis.
 double DistanceBetween(const Affine& a, const Affine& b);
 
-// Where the nodes of a tree stand, each computed when it is asked for and once for a time. Flat, so that
-// threads share the tree and each has the transforms of its own time.
+// The world transforms of a tree of nodes, computed on demand, once per time. Threads share the tree, and
+// each walks it at its own times.
 class PoseTree {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    // How a node moves; without a curve of a kind it has that of rest.
+    // How a node moves. A missing curve means the value at rest.
     struct Motion {
-        const Curve* curves[3] = {};  // as kKeyTypes lists them
+        const Curve* curves[3] = {};  // in the order of kKeyTypes
         kernix::Pose rest;
-        vl::Vector3<float> pivot;  // from which everything on the node hangs
+        vl::Vector3<float> pivot;  // subtracted in the space of the node
 
         void SetCurve(std::size_t kind, const Curve& curve) {
             curves[kind] = curve.IsEmpty() ? nullptr : &curve;
         }
     };
 
-    // Parents come before their children; the top ones have kNone.
+    // Adds a node after its parent (kNone: a root) and returns its number. local: its transform while it has
+    // no motion.
     std::uint32_t Add(std::uint32_t parent, const Affine& local);
     std::size_t Count() const { return m_nodes.size(); }
 
+    // The motion's curves must outlive the tree.
     void Move(std::uint32_t node, const Motion& motion);
+    // Removes all motions.
     void StopAll();
 
-    // The transforms of one time after another.
+    // Evaluates the tree at one time after another. The tree must outlive it and not grow.
     class Walk {
     public:
         explicit Walk(const PoseTree& tree) : m_tree(tree), m_known(tree.Count()) {}
         void Go(float time);
-        // Held until the next call.
+        // Valid until the next call.
         const Affine& World(std::uint32_t node);
 
     private:
@@ -66,18 +70,18 @@ public:
         float m_time = 0;
         std::uint32_t m_visit = 0;
         std::vector<Known> m_known;    // by node
-        std::vector<Affine> m_worlds;  // of the nodes that were asked for at this time, and of those above
+        std::vector<Affine> m_worlds;  // at the current time, of the nodes asked for and their ancestors
         std::vector<std::uint32_t> m_open;
     };
 
 private:
     struct Node {
         std::uint32_t parent;
-        std::uint32_t local;   // kNone: stands where its parent does
-        std::uint32_t motion;  // kNone: stands still
+        std::uint32_t local;   // kNone: identity
+        std::uint32_t motion;  // kNone: does not move
     };
 
-    // Of a node that moves or stands elsewhere than its parent.
+    // For a node with a motion or a transform of its own.
     Affine LocalAt(const Node& node, float time) const;
 
     std::vector<Node> m_nodes;

@@ -77,8 +77,8 @@ private:
 
     using Tools = vl::tk::Serializer;
 
-    // As many keys as the tools count: a key that is not there has the value at rest, and a single key, which
-    // says no more than that, does not count.
+    // Writes as many keys as the tools count. A missing key has the rest value; a single key adds nothing to
+    // that and is not counted.
     template <typename Key>
     void Keys(std::string_view name, ExportNode& record, int track,
               int (Tools::*get)(ExportNode*, int, Key*)) {
@@ -91,7 +91,7 @@ private:
             Put("time", key.fTime);
             PutValue(key);
             m_out.Close();
-            // What was written is not needed any more.
+            // Frees what has been written.
             if (m_tree.Size() > kMostInMemory) m_tree = JsonTree();
         }
         m_out.Close();

@@ -7,9 +7,9 @@
 
 namespace zr {
 
-// Writes the records of a run as they are: an object {"start", "end", "frameRate", "nodes"} with a node for
-// each record. named: the animation whose name comes first; null: none. Times are seconds; matrices 16
-// numbers, column by column; rotations x, y, z, w. Throws Error.
+// Writes the records of a run: an object {"start", "end", "frameRate", "nodes"} with a node for each record.
+// named: the animation whose name comes first as "name"; null: none. Times are seconds; matrices are 16
+// numbers in column-major order; rotations are x, y, z, w. Throws Error.
 void WriteRecordJson(const LoadedScene& loaded, const Tool& tool, const ExportOptions& options,
                      const kernix::AnimationModel* named, gltf::JsonStream& out);
 

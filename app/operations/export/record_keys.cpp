@@ -61,7 +61,7 @@ RecordCurves KeysOf(const ExportNode& record) {
     return {KeysOf(record, kKeyTypes[0]), KeysOf(record, kKeyTypes[1]), KeysOf(record, kKeyTypes[2])};
 }
 
-// Whether the record's keys are the track's, with the time mapped.
+// Whether the record's keys are those of the track, apart from the mapping of time.
 bool IsUnchanged(const Curve& exported, const Curve& source, std::size_t width, vl::tk::Serializer& tool) {
     if (exported.times.size() != source.times.size()) return false;
     for (std::size_t i = 0; i < exported.times.size(); ++i) {
@@ -72,7 +72,8 @@ bool IsUnchanged(const Curve& exported, const Curve& source, std::size_t width, 
     return true;
 }
 
-// A motion that the tools do not extract (a single rotation key) is a pose: it stays where the record is.
+// A motion that the tools do not extract (a single rotation key) is a pose: it becomes a key with the
+// transform of the record.
 Curve PoseCurve(int keyType, const vl::Matrix4<double>& local, float time) {
     vl::AffineParts parts;
     local.AffineDecompose(parts);
@@ -92,9 +93,9 @@ Curve PoseCurve(int keyType, const vl::Matrix4<double>& local, float time) {
     return curve;
 }
 
-// Nothing where all keys stay as they are.
-std::optional<TrackCurves> Replaced(const ExportNode& record, const TransformTrack& track,
-                                    vl::tk::Serializer& tool, const ExportOptions& options) {
+// The new curves of a track; nothing if all keys stay unchanged.
+std::optional<TrackCurves> Replacement(const ExportNode& record, const TransformTrack& track,
+                                       vl::tk::Serializer& tool, const ExportOptions& options) {
     RecordCurves curves;
     if (ReportsKeys(record, options)) curves = KeysOf(record);
     const Curve* sources[3];
@@ -147,7 +148,7 @@ void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, cons
         }
         vl::zr::Track* track = record->pController->GetTrack(const_cast<kernix::AnimationModel*>(&animation));
         if (track == nullptr) continue;
-        if (auto curves = Replaced(*record, static_cast<TransformTrack&>(*track), *tool, options))
+        if (auto curves = Replacement(*record, static_cast<TransformTrack&>(*track), *tool, options))
             replaced[track] = std::move(*curves);
     }
 }

@@ -8,10 +8,9 @@
 
 namespace zr {
 
-// Adds the keys that a finished run gives the scene's transform tracks for the animation. A track whose keys
-// came through unchanged keeps its own, slopes included. added: receives the keys that the tools gave records
-// which nothing moves (of what a camera aims at, or of the camera that turns to follow it), with the place of
-// the record among all for the node.
+// Adds the keys that a finished run yields for the scene's transform tracks. A track whose keys did not
+// change keeps its own, slopes included. added: receives the keys of records without a controller (a camera
+// that turns to follow its target, or the target), with the index of the record for the node.
 void CollectKeys(const Tool& tool, const kernix::AnimationModel& animation, const ExportOptions& options,
                  ReplacedKeys& replaced, std::vector<AddedKeys>& added);
 

@@ -25,7 +25,7 @@ std::string NodePath(const kernix::NodeModel* node) {
 
 std::string NameOf(const ExportNode& record) {
     if (record.szName != nullptr)
-        return kernix::ToUtf8(kernix::ToUtf16(record.szName));  // bytes that are not valid text become text
+        return kernix::ToUtf8(kernix::ToUtf16(record.szName));  // makes invalid bytes valid
     if (record.wszName != nullptr) return kernix::ToUtf8(record.wszName);
     return record.pNode != nullptr ? static_cast<kernix::NodeModel*>(record.pNode)->GetNameText()
                                    : std::string();

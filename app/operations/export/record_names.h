@@ -11,14 +11,14 @@
 
 namespace zr {
 
-// The name that the tools gave a record, UTF-8; its node's own name when they gave none.
+// The name that the tools gave a record or, without one, its node's name. UTF-8.
 std::string NameOf(const ExportNode& record);
 
-// The names that the tools gave the document's materials, if they did, by index.
+// The names that the tools gave materials, with the index of each in the document. Empty if they gave none.
 std::vector<std::pair<std::size_t, std::string>> MaterialNamesOf(const LoadedScene& loaded, const Tool& tool);
 
-// A JSON array with, for each node that is exported, its original "path" (names from the top, joined by '/'),
-// "name" and "exported" name.
+// A JSON array with an object for each exported node: its original "path" ("/root/arm") and "name", and the
+// name "exported".
 std::string RenameMap(const Tool& tool);
 
 }  // namespace zr

@@ -11,7 +11,7 @@
 namespace zr {
 namespace {
 
-// Angle of rotated scale axes above which a transform needs a matrix, radians.
+// If the scale axes are rotated by more than this angle (radians), the transform needs a matrix.
 constexpr float kTurned = 1e-4f;
 
 NodeTransform TransformOf(const ExportNode& record, const ExportOptions& options) {
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    // Source nodes keep their place; what the host added itself (its view camera) has none.
+    // Source nodes keep their index; other records, such as that of the view camera, get new ones.
     void PlaceRecords() {
         std::size_t next = m_loaded.Document().Elements(gltf::Kind::kNode).size();
         m_isExported.resize(next, false);
@@ -68,8 +68,8 @@ private:
         }
     }
 
-    // What a node shows goes to the record that carries it, or else to the one that stands in its place. What
-    // the options leave out goes.
+    // Moves a node's object to the record that carries it or, without one, to the record in the node's place,
+    // and drops what the options leave out.
     void MoveObject(const kernix::NodeModel& node) {
         const auto from = m_loaded.IndexOf(&node);
         if (!from || !m_isExported[*from]) return;
@@ -112,18 +112,18 @@ private:
     void AddNode(const ExportNode& record, std::size_t index) {
         ChangedNode node;
         node.index = index;
-        // A transform that the records did not change stays as it is written.
-        if (!m_loaded.IndexOf(record.pSourceNode) || !StandsAsItsNode(record, m_options))
+        // A transform that did not change stays as it is written in the document.
+        if (!m_loaded.IndexOf(record.pSourceNode) || !KeepsRestTransform(record, m_options))
             node.transform = std::make_unique<const NodeTransform>(TransformOf(record, m_options));
         if (record.szName != nullptr || record.wszName != nullptr) node.name = NameOf(record);
         node.dropsPivots = record.vPivot == vl::Vector3<float>();
         if (record.pTarget != nullptr) node.target = m_index[record.pTarget];
         for (const ExportNode* child : vl::ArrayOf<ExportNode*>(record.pChildren))
-            if (!m_scenes.HangsNowhere(*child)) node.children.push_back(m_index[child]);
+            if (!m_scenes.IsDetachedLevel(*child)) node.children.push_back(m_index[child]);
         m_nodes.changes.nodes.push_back(std::move(node));
     }
 
-    // A level of detail that is empty shows that nothing is seen there: it stays with the node that has it.
+    // An empty level of detail means that nothing is shown at that level: it stays if its node does.
     void RejectNodes() {
         const NodeLayout& layout = m_loaded.Parts().layout;
         std::vector<bool> stays(layout.parents.size(), false);
@@ -137,7 +137,7 @@ private:
         }
     }
 
-    // A skin follows the record that is where its joint was: below a pivot that was split off.
+    // Where a pivot was split off a joint, the record below it is the one in the place of the joint.
     void MoveJoints() {
         for (const auto& [node, index] : m_belowPivot) m_nodes.changes.movedJoints.push_back({node, index});
     }
@@ -149,10 +149,10 @@ private:
     const ExportOptions& m_options;
     const RecordScenes m_scenes;
     RecordNodes m_nodes;
-    std::unordered_map<const ExportNode*, std::size_t> m_index;  // node of each record
-    std::vector<bool> m_isExported;       // by node of the document: a record stands for it
-    std::vector<std::size_t> m_carriers;  // the same: the node of the first record that carries its object
-    std::unordered_map<std::size_t, std::size_t> m_belowPivot;  // by node: the one that stands where it stood
+    std::unordered_map<const ExportNode*, std::size_t> m_index;  // the node of each record
+    std::vector<bool> m_isExported;       // by node of the document: whether a record stands for it
+    std::vector<std::size_t> m_carriers;  // likewise: the node of the first record that carries its object
+    std::unordered_map<std::size_t, std::size_t> m_belowPivot;  // by node: the new node in its old place
 };
 
 }  // namespace

@@ -34,7 +34,7 @@ vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& opt
     return local;
 }
 
-bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options) {
+bool KeepsRestTransform(const ExportNode& record, const ExportOptions& options) {
     auto* node = static_cast<kernix::NodeModel*>(record.pSourceNode);
     if (node == nullptr) return false;
     const vl::Matrix4<double>& before = node->GetRestMatrix();
@@ -42,7 +42,7 @@ bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options) {
     for (const auto& row : before.m) {
         for (const double value : row) size = std::max(size, std::fabs(value));
     }
-    // What lies above the node adds rounding of its own.
+    // Ancestors add rounding errors in proportion to the world position.
     vl::Matrix4<double> world;
     node->GetWorldMatrix(&world, 1);
     for (const double value : world.m[3]) size = std::max(size, std::fabs(value));

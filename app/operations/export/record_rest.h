@@ -7,16 +7,17 @@
 
 namespace zr {
 
-// The record's transform relative to its parent record when nothing moves. A record's own mLocal is that of
-// the scene's current time, which an animation may have moved away from rest.
+// The record's rest transform, relative to its parent record. mLocal would be the transform at the scene's
+// current time, at which an animation may have moved the node.
 vl::Matrix4<double> RestLocal(const ExportNode& record, const ExportOptions& options);
 
-// Whether the record stands, relative to its parent, where its node does in the scene. Rounding counts for
-// nothing. False for a record without a node.
-bool StandsAsItsNode(const ExportNode& record, const ExportOptions& options);
+// Whether the record's rest transform is that of its node in the scene, up to rounding. False for a record
+// without a node.
+bool KeepsRestTransform(const ExportNode& record, const ExportOptions& options);
 
-// Whether the tools place the record, of a camera or light, where the host shows the object and not where its
-// node stands; shown is then the transform between the two, at the scene's current time.
+// Whether the record is that of a camera or light that the tools place where the host shows the object
+// instead of where its node is. `shown` then receives the transform of the object relative to its node, at
+// the scene's current time.
 bool PlacesObject(const ExportNode& record, const ExportOptions& options, vl::Matrix4<double>& shown);
 
 }  // namespace zr

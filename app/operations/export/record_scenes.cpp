@@ -28,7 +28,7 @@ ExportNode* GroupingRoot(const Tool& tool) {
     return nullptr;
 }
 
-// A further grouping root like the one of the tools.
+// Adds another grouping root like the one the tools made.
 ExportNode* AddRootLike(const Tool& tool, const ExportNode& root) {
     ExportNode* added = tool->AddNode(nullptr, NameOf(root).c_str());
     if (added == nullptr) throw std::bad_alloc();
@@ -60,7 +60,8 @@ RecordScenes::RecordScenes(const LoadedScene& loaded, const Tool& tool) : m_load
     }
 }
 
-// The node that the record, or the one below it that was at the top, was built from.
+// The node that the record was built from or, for a record that carries the scene matrix, the node of the
+// record below it.
 std::optional<std::size_t> RecordScenes::SourceOf(const ExportNode& record) const {
     return m_loaded.IndexOf((record.dwFlags & NF_POST) != 0 ? record.pNode : record.pSourceNode);
 }
@@ -73,10 +74,10 @@ std::vector<std::size_t> RecordScenes::Of(const ExportNode& record) const {
     }
     const auto aimedAt = m_aimedAt.find(&record);
     if (aimedAt != m_aimedAt.end()) return aimedAt->second;
-    return {m_loaded.Parts().layout.shown};  // the host's own camera
+    return {m_loaded.Parts().layout.shown};  // the view camera
 }
 
-bool RecordScenes::HangsNowhere(const ExportNode& record) const {
+bool RecordScenes::IsDetachedLevel(const ExportNode& record) const {
     const auto source = SourceOf(record);
     return source && m_loaded.Parts().layout.standsFor[*source] != NodeLayout::kNone;
 }
@@ -85,7 +86,7 @@ std::vector<std::vector<const ExportNode*>> RecordScenes::Roots() const {
     const auto& scenes = m_loaded.Parts().layout.scenes;
     std::vector<std::vector<const ExportNode*>> roots(scenes.size());
     for (const ExportNode* root : vl::ArrayOf<ExportNode*>(m_tool->m_pRoots)) {
-        if (HangsNowhere(*root)) continue;
+        if (IsDetachedLevel(*root)) continue;
         for (const std::size_t scene : Of(*root)) roots[scene].push_back(root);
     }
     for (std::size_t i = 0; i < scenes.size(); ++i) {

@@ -11,20 +11,20 @@
 
 namespace zr {
 
-// Which scenes of the document show what the records stand for.
+// Which scenes of the document show which records.
 class RecordScenes {
 public:
-    // Both outlive it.
+    // Both must outlive it.
     RecordScenes(const LoadedScene& loaded, const Tool& tool);
 
-    // Of a record at the top, or below a grouping root: the scenes that show it, ascending; none for what
-    // stands outside of every scene. A level of detail counts as where it is shown.
+    // The scenes that show a record which is a root or a child of a grouping root, ascending; empty for a
+    // record outside every scene. A level of detail belongs to the scenes of the node it stands for.
     std::vector<std::size_t> Of(const ExportNode& record) const;
 
-    // Whether the record stands for a level of detail that the document hangs nowhere.
-    bool HangsNowhere(const ExportNode& record) const;
+    // Whether the record is that of a level of detail, which has no parent in the document.
+    bool IsDetachedLevel(const ExportNode& record) const;
 
-    // The records at the top of each scene of the document, in the scene's order.
+    // The root records of each scene of the document, in the scene's order.
     std::vector<std::vector<const ExportNode*>> Roots() const;
 
 private:
@@ -32,12 +32,14 @@ private:
 
     const LoadedScene& m_loaded;
     const Tool& m_tool;
-    std::unordered_map<std::size_t, std::vector<std::size_t>> m_scenes;         // that list a node as a root
-    std::unordered_map<const ExportNode*, std::vector<std::size_t>> m_aimedAt;  // the same, of new targets
+    // The scenes that list a root node.
+    std::unordered_map<std::size_t, std::vector<std::size_t>> m_scenes;
+    // The scenes of the cameras and lights that aim at a new target record.
+    std::unordered_map<const ExportNode*, std::vector<std::size_t>> m_aimedAt;
 };
 
-// Puts the records below a grouping root that stand in other scenes below roots of their own, so that each
-// scene has its root: one for each set of scenes that share nodes.
+// Gives records below a grouping root that belong to other scenes grouping roots of their own: one for each
+// distinct set of scenes.
 void GroupByScenes(const LoadedScene& loaded, const Tool& tool);
 
 }  // namespace zr

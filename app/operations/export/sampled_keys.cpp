@@ -9,8 +9,8 @@ namespace zr {
 
 namespace {
 
-// A step that was held to the end of the animation beyond its last key is held from the start on where time
-// goes backwards: a key more, since every key gives up its value to the one before it.
+// Played backwards, a step curve that ends before the animation must hold its last value from the start. This
+// takes another key, since reversal moves each value to the preceding key.
 //
 //   backwards, 0 to 4: 5@0, 6@1, 7@2   ->   7@0, 6@2, 5@3, 5@4
 void Retime(Curve& curve, const PlayedAnimation& played) {

@@ -9,17 +9,18 @@
 
 namespace zr {
 
-// An animation and where the tools bring the time of its clip: time * scale + offset.
+// An animation, and how the tools map the time of its clip: time * timeScale + timeOffset, in seconds.
 struct PlayedAnimation {
     const kernix::AnimationModel* animation;
     float timeScale;
     float timeOffset;
-    float start;  // of what the export makes of it
+    float start;  // of the exported animation
 
     bool MapsTime() const { return timeScale != 1 || timeOffset != 0; }
 };
 
-// What an export multiplies the values of curves of numbers by: those that are lengths of the world.
+// The factors by which an export scales curves of numbers: those of lengths in world units, when the unit
+// changes.
 class ValueFactors {
 public:
     ValueFactors(const LoadedScene& loaded, const ExportOptions& options);
@@ -30,8 +31,8 @@ private:
     std::unordered_map<const kernix::TrackList*, double> m_factors;  // other than 1
 };
 
-// Adds the keys of the curves of numbers (weights, pointers) that change with the animation's time or the
-// scene's unit.
+// Adds the keys of number curves (weights, pointers) that change because the animation's time or the scene's
+// unit does.
 void CollectSampledKeys(const PlayedAnimation& played, const ValueFactors& factors, ReplacedKeys& replaced);
 
 }  // namespace zr

@@ -14,7 +14,7 @@ using gltf::Kind;
 
 namespace {
 
-std::string_view WhatLeavesOut(const ExportOptions& options) {
+std::string_view OptionsToBlame(const ExportOptions& options) {
     const bool keepsBones = options.Has(vl::tk::kExportBones) || options.Has(vl::tk::kKeepAllNodes);
     return keepsBones ? "--chosen-only" : "--no-bones with --drop-empty";
 }
@@ -41,8 +41,8 @@ void CheckSkins(const gltf::Document& document, const ExportOptions& options, Do
             if (!gone[joint]) continue;
             if (isUsed[i])
                 document.Fail(gltf::ErrorKind::kReference, Join("/skins/", i, "/joints/", k),
-                              Join(WhatLeavesOut(options), " leaves out node ", joint,
-                                   ", which a skin that stays needs"));
+                              Join(OptionsToBlame(options), " leaves out node ", joint,
+                                   ", which a remaining skin needs"));
             goneSkins[i] = true;
         }
     }

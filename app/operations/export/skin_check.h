@@ -7,8 +7,8 @@
 
 namespace zr {
 
-// Also removes the skins that lose a joint with the removed nodes. Throws gltf::Error for one that a
-// remaining node still needs.
+// Adds the skins that lose a joint to the removed elements. Throws gltf::Error for a skin that a remaining
+// node needs.
 void CheckSkins(const gltf::Document& document, const ExportOptions& options, DocumentChanges& changes);
 
 }  // namespace zr

@@ -42,7 +42,7 @@ public:
 private:
     Json& Node(std::size_t index) { return m_document.Elements(Kind::kNode)[index]; }
 
-    // A mesh or a camera comes before a light as what a node shows.
+    // A node with several objects counts as a mesh first, then as a camera, then as a light.
     bool Aims(const Json& node) const {
         if (FindMember(node, kTargetMember) == nullptr || node.Find("mesh") != nullptr) return false;
         if (node.Find(kCamera) != nullptr) return m_options.Has(vl::tk::kExportCameras);
@@ -58,7 +58,7 @@ private:
                (node.Find(kCamera) != nullptr && FindMember(node, kLight) != nullptr);
     }
 
-    // What does not stand where its node does gets a node of its own in any case.
+    // An object with a pivot or offset of its own gets its own node in any case.
     static bool IsSplitAnyway(const Json& node) {
         const Json* group = FindMember(node, kPivotGroupMember);
         const bool hasOwnPivot =

@@ -6,9 +6,9 @@
 
 namespace zr {
 
-// Cameras and lights turn to what they aim at, and an export turns their nodes. Gives those that share their
-// node with others, which must not turn (children, a joint, another object), a child node of their own,
-// unless the options export neither them nor nodes that are split already.
+// An export turns the nodes of cameras and lights towards their targets. If such a node also has something
+// that must not turn (children, a joint, another object), moves the camera or light to a new child node,
+// unless the options do not export it or split nodes anyway.
 void SplitAims(gltf::Document& document, const ExportOptions& options);
 
 }  // namespace zr

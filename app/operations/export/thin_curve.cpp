@@ -9,18 +9,18 @@
 namespace zr {
 namespace {
 
-// Baking rounds the keys and their times to a float each, which moves the line between two keys, and a key
-// off it, by up to three steps together.
+// Baking rounds values and times to floats, which moves a key off the line between two others by up to three
+// float steps in all.
 constexpr double kTolerance = 4 * double{std::numeric_limits<float>::epsilon()};
 
-// Least cosine of half the angle between two kept orientations. Near a half turn, rounding decides which way
-// is shorter.
+// The least cosine of half the angle between two kept orientations: near a half turn, rounding would decide
+// which way is shorter.
 constexpr double kLeastCosine = 0.1;
 
-// The way from a kept key to a later one, in coordinates in which what passes between two keys is straight.
+// The offset from a kept key to a later one, in coordinates in which interpolation is linear.
 struct Way {
     double offset[3];
-    double tolerance;  // of each coordinate; negative where no line may reach, or lead further
+    double tolerance;  // of each coordinate; negative: no segment may end here or go beyond
 };
 
 Way VectorWay(const float* from, const float* to) {
@@ -38,7 +38,7 @@ kernix::Rotation RotationOf(const float* q) {
     return kernix::Rotation::From(vl::Quaternion(q[0], q[1], q[2], q[3]));
 }
 
-// Half the angle along each axis: the turn from one orientation to the other goes through its multiples.
+// Half the rotation vector: interpolation between the two orientations passes through its multiples.
 Way TurnWay(const float* from, const float* to) {
     kernix::Rotation turn = RotationOf(from).Inverted().Times(RotationOf(to));
     if (turn.w < 0) turn = {-turn.x, -turn.y, -turn.z, -turn.w};
@@ -47,10 +47,10 @@ Way TurnWay(const float* from, const float* to) {
     return {{turn.x * factor, turn.y * factor, turn.z * factor}, turn.w < kLeastCosine ? -1 : kTolerance};
 }
 
-// The slopes of the lines from a kept key that meet all keys since.
+// The slopes of the lines from a kept key that pass within tolerance of all keys since.
 class Slopes {
 public:
-    bool Hold(const Way& way, double span) const {
+    bool Allow(const Way& way, double span) const {
         if (way.tolerance < 0) return false;
         for (std::size_t i = 0; i < 3; ++i) {
             const double slope = way.offset[i] / span;
@@ -58,7 +58,7 @@ public:
         }
         return true;
     }
-    void Meet(const Way& way, double span) {
+    void Narrow(const Way& way, double span) {
         for (std::size_t i = 0; i < 3; ++i) {
             m_least[i] = std::max(m_least[i], (way.offset[i] - way.tolerance) / span);
             m_greatest[i] = std::min(m_greatest[i], (way.offset[i] + way.tolerance) / span);
@@ -90,13 +90,13 @@ Curve Thinned(const Curve& curve) {
         };
         const auto spanFrom = [&](std::size_t from) { return double{curve.times[i]} - curve.times[from]; };
         Way way = wayTo(kept);
-        if (i > kept + 1 && !slopes.Hold(way, spanFrom(kept))) {
+        if (i > kept + 1 && !slopes.Allow(way, spanFrom(kept))) {
             keep(kept);
             kept = i - 1;
             slopes = {};
             way = wayTo(kept);
         }
-        slopes.Meet(way, spanFrom(kept));
+        slopes.Narrow(way, spanFrom(kept));
     }
     if (count > 0) keep(kept);
     if (count > 1) keep(count - 1);

@@ -5,10 +5,10 @@
 
 namespace zr {
 
-// A linear curve without redundant keys: those that the line between the kept keys on both sides meets within
-// four float steps of their magnitude, that of the greater of the key and the kept key before it.
-// Orientations turn the short way, and no two kept ones with keys between them are nearly a half turn apart.
-// Linear in the number of keys.
+// Drops redundant keys of a linear curve: those within four float steps of the line between the neighbouring
+// kept keys, where a step is that of the greater of the key and the kept key before it. Orientations turn
+// along the shorter arc; two kept ones with keys between them are never nearly a half turn apart. Takes
+// linear time.
 //
 //   30 keys a second of a straight move, each rounded on its own -> the first and the last key
 Curve Thinned(const Curve& curve);

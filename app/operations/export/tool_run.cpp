@@ -14,7 +14,7 @@ Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
     kernix::SceneModel& scene = loaded.Scene();
     scene.SetSceneMatrix(options.sceneMatrix);
     scene.SetActiveAnimation(animation);
-    // With other options the tools ask lights only where they are shown.
+    // With other options the tools only ask lights where they are shown.
     scene.FollowLightTargets(options.Has(vl::tk::kLightTargetRecords) || !options.Has(vl::tk::kAllChoices));
     Tool tool = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
     tool->m_pScene = &scene;

@@ -12,17 +12,17 @@ namespace zr {
 
 using Tool = vl::Ref<vl::tk::Serializer>;
 
-// Runs the keyframe tools on the scene with the animation as its active one; null: without any. The records
-// point into the scene; a grouping root stands for each scene of the document that was loaded. Throws
-// std::runtime_error when nothing is to be exported.
+// Runs the keyframe tools on the scene with this active animation; null: with none. The records point into
+// the scene. A grouping root is divided by the scenes of the document (GroupByScenes). Throws
+// std::runtime_error when there is nothing to export.
 Tool RunTool(Host& host, LoadedScene& loaded, kernix::AnimationModel* animation,
              const ExportOptions& options);
 
-// Processes the keys of another animation on the records of a finished run. False, with the records
-// unchanged, when it needs other records.
+// Processes the keys of another animation on the records of a finished run. Returns false, leaving the
+// records unchanged, if the animation needs other records.
 bool RunToolAgain(const Tool& tool, kernix::SceneModel& scene, kernix::AnimationModel& animation);
 
-// Whether the animation's time is mapped to another range.
+// Whether the tools change the animation's time.
 inline bool MapsTime(const vl::tk::Serializer& tool) {
     return tool.m_fTimeScale != 1 || tool.m_fTimeOffset != 0;
 }
@@ -36,7 +36,7 @@ inline bool ReportsKeys(const ExportNode& record, const ExportOptions& options) 
     return !options.Has(vl::tk::kGroupKeysOnly) || (record.dwFlags & NF_GROUP) != 0;
 }
 
-// Whether the record is where its node's object was, below a pivot that was split off.
+// Whether the record is in the original place of its node, below a pivot that was split off.
 inline bool StandsBelowPivot(const ExportNode& record) {
     const bool belowStaticPivot = record.pSplit != nullptr && (record.pSplit->dwFlags & NF_STATICPIVOT) != 0;
     const bool belowPivotGroup = (record.dwFlags & NF_PIVOT) != 0 && (record.dwFlags & NF_SPLIT) == 0;

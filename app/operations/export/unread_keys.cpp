@@ -43,7 +43,7 @@ std::string CheckUnreadKeys(const LoadedScene& loaded, const Tool& tool, const E
             for (const ExportNode* record : AllRecords(tool)) records.insert({record->pSourceNode, record});
         }
         const auto found = channel.node ? records.find(loaded.Node(*channel.node)) : records.end();
-        const bool isMoved = found != records.end() && !StandsAsItsNode(*found->second, options);
+        const bool isMoved = found != records.end() && !KeepsRestTransform(*found->second, options);
         if (changesAll || isMoved || IsScaled(loaded.Document(), channel, options)) Refuse(loaded, channel);
         if (first == nullptr) first = &channel;
         ++count;

@@ -13,7 +13,7 @@ constexpr double kFieldOfView = 45 * kDegree;  // vertical
 constexpr double kToTheRight = 30 * kDegree;
 constexpr double kFromAbove = 20 * kDegree;
 
-// Relative to the distance to the centre. The scene itself lies between 0.6 and 1.4; what moves may come
+// Relative to the distance from the centre. The scene at rest lies between 0.6 and 1.4; moving parts may come
 // nearer or go farther.
 constexpr double kNear = 0.01;
 constexpr double kFar = 10;
@@ -27,7 +27,7 @@ Ball BallAround(const Bounds& bounds) {
     const vl::Vector3<double> size{bounds.high.x - bounds.low.x, bounds.high.y - bounds.low.y,
                                    bounds.high.z - bounds.low.z};
     const double diagonal = std::hypot(size.x, size.y, size.z);
-    if (!std::isfinite(diagonal)) return {};  // nothing there, or nothing visible
+    if (!std::isfinite(diagonal)) return {};  // nothing is there or visible
     return {{bounds.low.x + size.x / 2, bounds.low.y + size.y / 2, bounds.low.z + size.z / 2},
             diagonal > 0 ? diagonal / 2 : 1};
 }
@@ -53,7 +53,7 @@ ViewCamera::ViewCamera(LoadedScene& loaded) {
 std::vector<NewCamera> ViewCamera::CamerasOf(const Tool& tool, const std::vector<std::size_t>& nodes,
                                              const ExportOptions& options) const {
     std::vector<NewCamera> cameras;
-    // A lens does not grow with its node.
+    // The near and far planes do not scale with the node.
     const double distance = m_distance * options.Scale();
     std::size_t at = 0;
     for (const ExportNode* record : AllRecords(tool)) {

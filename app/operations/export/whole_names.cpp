@@ -13,8 +13,7 @@
 namespace zr {
 namespace {
 
-// Elements of the character that the text begins with; 0 where it is not whole. The text was whole before it
-// was cut.
+// The number of elements of the first character; 0 if it is incomplete. The text was valid before it was cut.
 std::size_t FirstCharacter(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     const std::size_t size = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -34,7 +33,7 @@ std::size_t FirstCharacter(std::u16string_view text) {
     return is(0, 0xDC00) ? 0 : 1;
 }
 
-// The whole characters of a text, as many as size elements hold.
+// The complete characters of a text, as many as fit into `size` elements.
 template <typename Char>
 std::basic_string<Char> Whole(std::basic_string_view<Char> text, std::size_t size) {
     std::basic_string<Char> whole;
@@ -47,7 +46,7 @@ std::basic_string<Char> Whole(std::basic_string_view<Char> text, std::size_t siz
     return whole;
 }
 
-// Names of one kind, in buffers of limit elements and a terminator at least.
+// Names of one kind, in buffers for at least `limit` elements and a terminator.
 template <typename Char>
 class Names {
 public:
@@ -69,7 +68,7 @@ public:
         for (Char* name : cut) {
             const std::basic_string_view<Char> text(name);
             Text whole = Whole(text, text.size());
-            if (m_differ) whole = Unlike(whole);
+            if (m_differ) whole = Unique(whole);
             *std::copy(whole.begin(), whole.end(), name) = 0;
         }
     }
@@ -77,16 +76,16 @@ public:
 private:
     using Text = std::basic_string<Char>;
 
-    // The text, with a number at its end where another name has it.
-    Text Unlike(const Text& text) {
-        Text unlike = text;
+    // The text, with a number at its end if another name is the same.
+    Text Unique(const Text& text) {
+        Text unique = text;
         std::size_t& number = m_numbers[Folded(text)];
-        while (unlike.empty() || !m_taken.insert(Folded(unlike)).second) {
+        while (unique.empty() || !m_taken.insert(Folded(unique)).second) {
             const std::string digits = std::to_string(++number);
             if (digits.size() > m_limit) break;
-            unlike = Whole<Char>(text, m_limit - digits.size()) + Text(digits.begin(), digits.end());
+            unique = Whole<Char>(text, m_limit - digits.size()) + Text(digits.begin(), digits.end());
         }
-        return unlike;
+        return unique;
     }
 
     Text Folded(Text text) const {
@@ -99,7 +98,7 @@ private:
     bool m_differ;
     bool m_exactCase;
     std::unordered_set<Text> m_taken;
-    std::unordered_map<Text, std::size_t> m_numbers;  // the last one that was tried
+    std::unordered_map<Text, std::size_t> m_numbers;  // the last one tried
 };
 
 template <typename Char>

@@ -5,9 +5,9 @@
 
 namespace zr {
 
-// The tools count bytes (of wide names UTF-16 units) where they cut names. Leaves whole characters of the
-// names of records and materials: what a cut left of one goes, and a name that equals another one then gets a
-// number where names have to differ, within the same limit.
+// The tools cut names after a number of bytes (of wide names: UTF-16 units), possibly within a character.
+// Removes incomplete characters from the names of records and materials. If names have to be unique, a name
+// that then equals another gets a number, within the same limit.
 void MakeNamesWhole(const Tool& tool);
 
 }  // namespace zr
