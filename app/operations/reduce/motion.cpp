@@ -16,8 +16,8 @@ double GreatestOf(const Affine& m) {
     return std::max({Length(m.x), Length(m.y), Length(m.z)});
 }
 
-// The turn between two directions in space, from how far it moves the axes together: for a turn by an angle
-// the squares add up to 8 sin^2(angle / 2).
+// The angle between two orientations, from the distances between their axes: for a rotation by an angle, the
+// squares add up to 8 sin^2(angle / 2).
 double AngleBetween(const Affine& a, const Affine& b) {
     double squares = 0;
     for (const Vec3& off : {Unit(a.x) - Unit(b.x), Unit(a.y) - Unit(b.y), Unit(a.z) - Unit(b.z)})
@@ -50,7 +50,7 @@ void Motion::FindNodes() {
         if (isSeen[*node] && parent != kNone) isSeen[parent] = true;
     }
 
-    // Movers from a root to the last node with tracks, itself included.
+    // By node in m_nodes: the movers from a root down to the node, itself included.
     std::vector<std::vector<std::size_t>> chains;
     std::vector<std::size_t> placeOf(count, kNone);
     for (const std::size_t node : order) {

@@ -11,46 +11,46 @@
 
 namespace zr {
 
-// What a reduction may change. Zero: nothing of the kind.
+// How far a reduction may change things. Zero: not at all.
 struct ReduceTolerance {
-    double length = 0;  // scene units: how far a drawn point may leave its place in the world
-    double angle =
-        0;  // radians: how far a camera, a light or a moving node that nothing is drawn below may turn
-    double value = 0;  // morph weights and values of pointers
+    double length = 0;  // scene units: how far a drawn point may move in world space
+    // Radians: how far a camera, a light, or an animated node with nothing drawn below it may turn.
+    double angle = 0;
+    double value = 0;  // morph weights and pointer values
 };
 
 struct ReduceOptions {
     ReduceTolerance tolerance;
-    // What errors count from where a pass before has taken keys already: the animations as they were, each
-    // with the number that it has in the document. Empty: the document's own.
+    // The animations to measure errors against, by index, if an earlier pass has already dropped keys. Empty:
+    // those of the document.
     std::vector<compare::Animation> originals;
     unsigned jobs = 0;  // at most this many threads; 0: one per core. The result is the same with any number.
-    std::function<void(double done)> progress = [](double) {
-    };  // 0 to 1, on any thread, one at a time; may throw
+    // Called with progress from 0 to 1, on any thread but one at a time; may throw.
+    std::function<void(double done)> progress = [](double) {};
 };
 
-// What the reduction did, and how far anything strays at the worst time of any animation.
+// The result of a reduction, with the greatest deviations over all animations.
 struct ReduceReport {
     std::size_t keysBefore = 0;
     std::size_t keysAfter = 0;
     double length = 0;
     double angle = 0;
     std::string node;       // where the length is greatest
-    std::string animation;  // in which it is
+    std::string animation;  // in which it is greatest
     double time = 0;        // when, seconds
-    bool isBound = false;   // the lengths and angles are proven bounds: too much moves to be played
+    bool isBound = false;   // length and angle are proven bounds: too much moves to measure it
 };
 
-// Takes keys out of a document's animations, and fits those that stay, so that no point of any drawn mesh
-// leaves its true place by more than the length, skins and the hierarchy above a mesh included, and no camera
-// or light turns by more than the angle. Error counts where it is seen: a key of a shoulder has to be truer
-// than one of a finger. First and last keys and curves with steps stay exactly as they are, and so do cubic
-// curves unless straight lines need fewer keys.
+// Drops keys from a document's animations and refits the remaining ones, such that no point of any drawn mesh
+// moves by more than the length, taking skins and the hierarchy into account, and no camera or light turns by
+// more than the angle. Errors count where they are visible: a key of a shoulder has to be more exact than one
+// of a finger. First and last keys and step curves do not change, nor do cubic curves unless linear ones need
+// fewer keys.
 //
-// The error that a node's curves cause is bounded by what they change about the points below it; a point's
-// error is at most the sum over the nodes above it. From this bound, shared out evenly, the nodes' shares
-// grow for as long as the motion, played beside the original at all keys and between them, stays within the
-// tolerance. Throws gltf::Error.
+// The error caused by a node's curves is bounded by their effect on the points below it; a point's error is
+// at most the sum over its ancestors. The tolerance is first divided evenly among the nodes; their shares
+// then grow as long as the motion, compared with the original at and between all keys, stays within the
+// tolerance. Throws gltf::Error, and whatever progress throws.
 ReduceReport ReduceKeys(gltf::Document& document, const ReduceOptions& options);
 
 }  // namespace zr

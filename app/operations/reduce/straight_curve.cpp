@@ -41,7 +41,7 @@ KeyCurve Straightened(const KeyCurve& curve, bool isRotation) {
             double off = 0;
             for (std::size_t i = 0; i < m.size(); ++i)
                 off = std::max(off, std::abs(m[i] - (a[i] + b[i]) / 2));
-            // A curve may cross its chord in the middle; the first cuts are always made.
+            // A curve may cross its chord in the middle, so the first subdivisions are always made.
             const bool isClose = piece.depth >= kLeastDepth && off <= 1e-5 * range;
             if (isClose || piece.depth == kGreatestDepth || middle <= from || middle >= piece.to) {
                 add(piece.to, b);

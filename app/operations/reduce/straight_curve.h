@@ -5,8 +5,8 @@
 
 namespace zr::reduce {
 
-// A cubic curve as a linear one with more keys, within a hundred thousandth of its range (at least of 1); any
-// other curve as it is.
+// Converts a cubic curve to a linear one with more keys, to within a hundred thousandth of its greatest
+// magnitude (at least 1). Returns any other curve unchanged.
 compare::KeyCurve Straightened(const compare::KeyCurve& curve, bool isRotation);
 
 }  // namespace zr::reduce

@@ -12,19 +12,19 @@
 namespace zr::reduce {
 namespace {
 
-// Two keys turn the way that interpolation takes only while they are clearly less than half a turn apart.
+// The direction of a turn between two keys is certain only if they are clearly less than half a turn apart.
 constexpr double kGreatestTurn = 0.9 * std::numbers::pi;
 
 using Numbers = std::vector<double>;
 
-// How far values are apart, and the straight way from one to another. Values are Width() numbers.
+// Differences between values of Width() numbers, and steps along them.
 class VectorSpace {
 public:
     explicit VectorSpace(std::size_t width) : m_width(width) {}
     std::size_t Width() const { return m_width; }
     std::size_t Directions() const { return m_width; }
 
-    // out: from a to b.
+    // out: the direction from a to b, Directions() numbers.
     void Direction(const double* a, const double* b, double* out) const {
         for (std::size_t i = 0; i < m_width; ++i) out[i] = b[i] - a[i];
     }
@@ -37,8 +37,8 @@ private:
     std::size_t m_width;
 };
 
-// Unit quaternions x, y, z, w; directions are rotation vectors. The angle between two turns by rotation
-// vectors about one start is at most the length of the vectors' difference.
+// Unit quaternions x, y, z, w; directions are rotation vectors. The angle between two rotations from one
+// start is at most the length of the difference of their rotation vectors.
 class RotationSpace {
 public:
     static std::size_t Width() { return 4; }
@@ -133,7 +133,7 @@ private:
         thin.values.insert(thin.values.end(), first, first + static_cast<std::ptrdiff_t>(width));
     }
 
-    // Keys that stay exactly: the ends, and both sides of a step too great to be changed.
+    // Marks keys that must not change: the ends, and both sides of a step that is too great.
     void MarkAnchors() {
         const std::size_t count = m_keys.times.size();
         m_anchors.assign(count, false);
@@ -154,7 +154,7 @@ private:
         return !m_refits || m_anchors[end] || end == at + 1;
     }
 
-    // The last key up to which one straight piece serves; at least the next one.
+    // The last key that one straight piece can reach; at least the next key.
     std::size_t Farthest(std::size_t at, const double* start) {
         const std::size_t limit = m_nextAnchor[at];
         std::size_t good = at + 1, bad = limit + 1;
@@ -173,8 +173,8 @@ private:
         return good;
     }
 
-    // Whether a straight piece from start at key `at` to key `end` stays near all keys between; sets
-    // m_velocity.
+    // Whether a straight piece from `start`, at key `at`, to key `end` stays within the tolerance of all keys
+    // between. Sets m_velocity.
     bool Fits(std::size_t at, std::size_t end, const double* start) {
         const std::size_t directions = m_space.Directions();
         std::fill(m_low.begin(), m_low.end(), -std::numeric_limits<double>::infinity());

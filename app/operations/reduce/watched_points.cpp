@@ -109,7 +109,7 @@ private:
         m_boxes[node].Widen(extent.box.high);
     }
 
-    // What a node's object is made of. Many nodes may share all of it, and it is looked at once.
+    // Identifies what a node draws. Nodes often share it, and then it is examined only once.
     struct Drawing {
         std::size_t mesh, skin;
         std::array<std::size_t, 3> instancing;  // accessors
@@ -117,13 +117,13 @@ private:
         auto operator<=>(const Drawing&) const = default;
     };
 
-    // Where vertices are that hang on the node itself, in its space.
+    // The bounding box of vertices that move with the node itself, in its space.
     struct Extent {
         Box box;
-        bool isUnknown = false;  // of some of them
+        bool isUnknown = false;  // for some vertices
     };
 
-    // Adds what hangs on joints to them.
+    // Vertices that move with joints are added to the boxes of these.
     const Extent& ExtentOf(const Json& node, std::vector<double> weights) {
         Drawing drawing{
             IndexMember(node, "mesh"), IndexMember(node, "skin", kNone), {kNone, kNone, kNone}, {}};
@@ -170,7 +170,7 @@ private:
         return box;
     }
 
-    // Of the values, as the accessor states them or as they stand.
+    // The bounds of the values: those the accessor states or, without them, the actual ones. Empty: unknown.
     Box BoundsOf(std::size_t accessor) {
         const auto [known, isNew] = m_bounds.try_emplace(accessor);
         if (!isNew) return known->second;
@@ -190,7 +190,7 @@ private:
         return known->second;
     }
 
-    // How far morph targets move a vertex along each axis at the most.
+    // The greatest distance that morph targets move a vertex along each axis.
     Vec3 MorphReach(const Json& primitive, const std::vector<double>& weights) {
         Vec3 reach;
         const Json* targets = primitive.Find("targets");
@@ -207,8 +207,9 @@ private:
         return reach;
     }
 
-    // A skinned vertex is a mean of where its joints take it: it stays within a length when each of them
-    // does. False when its joints cannot be read: the node's own place has to serve.
+    // A skinned vertex is a weighted mean of the positions its joints give it: its error is within a length
+    // if theirs are. Returns false if the primitive has no joints: its vertices then move with the node
+    // itself.
     bool AddSkinned(const Json& primitive, std::size_t skin, Vec3 reach) {
         const Json& attributes = *primitive.Find("attributes");
         const std::size_t position = IndexMember(attributes, "POSITION");
@@ -258,13 +259,13 @@ private:
 
     static constexpr std::array<std::string_view, 3> kInstancing{"TRANSLATION", "ROTATION", "SCALE"};
 
-    // The accessors of a node's instances; null: it has none.
+    // The attributes of a node's instances; null: it has none.
     static const Json* Instancing(const Json& node) {
         const Json* instancing = gltf::FindExtension(node, "EXT_mesh_gpu_instancing");
         return instancing != nullptr ? instancing->Find("attributes") : nullptr;
     }
 
-    // Where a node's mesh is drawn in the node's space.
+    // The transforms, in the node's space, with which its mesh is drawn.
     std::vector<Affine> Instances(const Json& node) const {
         const Json* attributes = Instancing(node);
         if (attributes == nullptr) return {Affine()};
@@ -287,7 +288,7 @@ private:
         return instances;
     }
 
-    // Something may hang on a moving node that nothing is drawn below.
+    // Something else may be attached to an animated node with nothing drawn below it.
     void WatchMovingEnds() {
         std::set<std::size_t> moving;
         for (const compare::Animation& animation : m_evaluator.Animations()) {
@@ -309,8 +310,9 @@ private:
     std::vector<Watched> m_watched;
     std::vector<Box> m_boxes;
     std::map<Drawing, Extent> m_extents;
-    std::map<std::size_t, Box> m_bounds;                   // by accessor
-    std::map<std::size_t, std::vector<double>> m_weights;  // by node: the greatest of any animation
+    std::map<std::size_t, Box> m_bounds;  // by accessor
+    std::map<std::size_t, std::vector<double>>
+        m_weights;  // by node: the greatest magnitudes in any animation
 };
 
 }  // namespace

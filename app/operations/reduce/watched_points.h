@@ -11,9 +11,9 @@ namespace zr::reduce {
 using compare::Affine;
 using compare::Vec3;
 
-// What is seen of a node: points in its own space whose places bound those of all that it draws, or that a
-// skin draws by it, and whether its direction is seen too (cameras, lights, and moving nodes that nothing is
-// drawn below: something else may hang on them).
+// What is visible of a node: points in its own space that bound everything drawn by it, or by skins that use
+// it as a joint, and whether its direction matters too (cameras, lights, and animated nodes with nothing
+// drawn below them, to which something else may be attached).
 struct Watched {
     std::vector<Vec3> points;
     bool direction = false;
@@ -21,8 +21,8 @@ struct Watched {
     bool IsEmpty() const { return points.empty() && !direction; }
 };
 
-// Of every node of the document. Boxes around vertices stand for them: morph targets count with the greatest
-// weights that they get, at rest or in any animation, instances each at its place.
+// The watched points of every node of the document: corners of bounding boxes, which allow for morph targets
+// with their greatest weights, at rest or in any animation, and for all instances.
 std::vector<Watched> WatchedPoints(const compare::Evaluator& evaluator);
 
 }  // namespace zr::reduce
