@@ -19,7 +19,7 @@ constexpr Layer kOutlines{"OUTLINES", 7};
 constexpr Layer kHoles{"HOLES", 1};
 constexpr Layer kFaces{"FACES", 7};
 
-// Release 12 of the format, which every reader knows: pairs of a group code and a value, a line each.
+// Release 12 of the format, which every reader supports: group codes and values on alternate lines.
 class Drawing {
 public:
     Drawing(const std::filesystem::path& target, FileTransaction& files) : m_file(target, files) {}
@@ -29,13 +29,13 @@ public:
         m_file.Pass();
     }
     void Whole(int code, int value) { m_file << code << "\n" << value << "\n"; }
-    // Some readers take no exponents.
+    // Written without an exponent, which some readers do not accept.
     void Real(int code, float value) {
         m_file << code << "\n";
         m_file.AddFixed(value) << "\n";
     }
-    // A place takes the codes 10, 20 and 30 plus `corner`.
-    void Place(const Point& p, int corner = 0) {
+    // A point uses the codes 10, 20 and 30, plus `corner`.
+    void Position(const Point& p, int corner = 0) {
         Real(10 + corner, p.x);
         Real(20 + corner, p.y);
         Real(30 + corner, p.z);
@@ -56,9 +56,9 @@ void AddHeader(Drawing& dxf, const TextGeometry& geometry) {
     dxf.Text(9, "$INSUNITS");
     dxf.Whole(70, InfoOf(geometry.unit).drawingCode);
     dxf.Text(9, "$EXTMIN");
-    dxf.Place(box.low);
+    dxf.Position(box.low);
     dxf.Text(9, "$EXTMAX");
-    dxf.Place(box.high);
+    dxf.Position(box.high);
     dxf.Text(0, "ENDSEC");
 }
 
@@ -91,18 +91,18 @@ void AddLayers(Drawing& dxf, std::span<const Layer> layers) {
 }
 
 void AddPolyline(Drawing& dxf, std::span<const Point> points, const Layer& layer, bool isClosed) {
-    // The flag closes it; a point that repeats the first one would be a second end.
+    // The flag closes the polyline, so a copy of the first point would be redundant.
     while (isClosed && points.size() > 1 && points.back() == points.front())
         points = points.first(points.size() - 1);
     dxf.Text(0, "POLYLINE");
     dxf.Text(8, layer.name);
     dxf.Whole(66, 1);
-    dxf.Place({});
+    dxf.Position({});
     dxf.Whole(70, isClosed ? 1 : 0);
     for (const Point& p : points) {
         dxf.Text(0, "VERTEX");
         dxf.Text(8, layer.name);
-        dxf.Place(p);
+        dxf.Position(p);
     }
     dxf.Text(0, "SEQEND");
     dxf.Text(8, layer.name);
@@ -111,8 +111,8 @@ void AddPolyline(Drawing& dxf, std::span<const Point> points, const Layer& layer
 void AddFace(Drawing& dxf, const std::array<Point, 3>& corners) {
     dxf.Text(0, "3DFACE");
     dxf.Text(8, kFaces.name);
-    for (int i = 0; i < 3; ++i) dxf.Place(corners[static_cast<std::size_t>(i)], i);
-    dxf.Place(corners[2], 3);
+    for (int i = 0; i < 3; ++i) dxf.Position(corners[static_cast<std::size_t>(i)], i);
+    dxf.Position(corners[2], 3);
 }
 
 bool IsInside(const Point& p, std::span<const Point> contour) {
@@ -127,7 +127,7 @@ bool IsInside(const Point& p, std::span<const Point> contour) {
     return isInside;
 }
 
-// Within the letter's other contours an odd number of times.
+// Whether the contour lies within an odd number of the letter's other contours.
 bool IsHole(const TextGeometry& geometry, std::span<const TextGeometry::Contour> letter,
             const TextGeometry::Contour& contour) {
     const Point& start = geometry.points[contour.first];

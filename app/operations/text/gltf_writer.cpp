@@ -11,7 +11,7 @@
 namespace zr {
 namespace {
 
-// Corners of the triangles, or ends of the segments.
+// The corners of the triangles, or the ends of the line segments.
 std::vector<std::uint32_t> Indices(const TextGeometry& geometry) {
     std::vector<std::uint32_t> indices;
     for (const LetterTriangle& t : geometry.triangles) {
@@ -28,7 +28,7 @@ std::vector<std::uint32_t> Indices(const TextGeometry& geometry) {
 
 }  // namespace
 
-// Coordinates stay in their own unit; the node brings them to the format's, metres.
+// Coordinates keep their unit; the node's scale converts them to metres, the unit of the format.
 gltf::Document TextScene(const TextGeometry& geometry) {
     constexpr unsigned kVertexTarget = 34962;
     constexpr unsigned kIndexTarget = 34963;

@@ -8,8 +8,8 @@
 namespace zr {
 
 struct LengthUnitInfo {
-    std::string_view name;  // as in SVG; empty for none
-    int drawingCode;        // of a DXF header
+    std::string_view name;  // as in SVG; empty for kNone
+    int drawingCode;        // $INSUNITS of DXF
     double metres;
 };
 

@@ -13,9 +13,9 @@ using vl::zr::legacy::CadText;
 using vl::zr::legacy::GlyphContour;
 using vl::zr::legacy::GlyphTesselated;
 
-constexpr char kFailure[] = "the text could not be made into geometry";
+constexpr char kFailure[] = "the text could not be converted to geometry";
 
-void TakeContours(GlyphContour& contours, TextGeometry& geometry) {
+void CopyContours(GlyphContour& contours, TextGeometry& geometry) {
     for (int k = 0; k < contours.GetContourCount(); ++k) {
         const int count = contours.GetPointCount(k);
         if (count == 0) continue;
@@ -25,7 +25,7 @@ void TakeContours(GlyphContour& contours, TextGeometry& geometry) {
     }
 }
 
-void TakeMesh(GlyphTesselated& mesh, TextGeometry& geometry) {
+void CopyMesh(GlyphTesselated& mesh, TextGeometry& geometry) {
     geometry.points.assign(mesh.GetVertices(), mesh.GetVertices() + mesh.GetVertexCount());
     geometry.triangles.assign(mesh.GetTriangles(), mesh.GetTriangles() + mesh.GetTriangleCount());
 }
@@ -39,21 +39,21 @@ TextGeometry MakeText(Host& host, const TextRequest& request) {
     TextGeometry geometry;
     geometry.isMesh = request.style == TextStyle::kMesh;
     geometry.isClosed = request.style == TextStyle::kOutline;
-    // A hundredth of a line, about.
+    // About a hundredth of the height of a line.
     if (request.style != TextStyle::kStroke)
         geometry.penWidth = std::abs(request.font.height) * request.size / 144;
     if (geometry.isMesh) {
         const auto mesh =
             vl::Ref<GlyphTesselated>::Adopt(cadText->CreatePolygons(text, font, request.size, nullptr));
         if (!mesh) throw std::runtime_error(kFailure);
-        TakeMesh(*mesh, geometry);
+        CopyMesh(*mesh, geometry);
         return geometry;
     }
     const auto contours = vl::Ref<GlyphContour>::Adopt(
         geometry.isClosed ? cadText->CreateOutlineContours(text, font, request.size, nullptr)
                           : cadText->CreateStrokeContours(text, font, request.size, nullptr));
     if (!contours) throw std::runtime_error(kFailure);
-    TakeContours(*contours, geometry);
+    CopyContours(*contours, geometry);
     return geometry;
 }
 

@@ -14,11 +14,11 @@ enum class TextStyle { kStroke, kOutline, kMesh };
 struct TextRequest {
     std::u16string text;
     TextStyle style = TextStyle::kOutline;
-    TextFont font;     // strokes have a font of their own
-    double size = 12;  // 12 keeps device units; strokes do not change with it
+    TextFont font;     // ignored for strokes, which have their own font
+    double size = 12;  // 12: coordinates in device units; ignored for strokes
 };
 
-// The text as the module lays it out. Throws std::runtime_error when it cannot be made.
+// Makes the geometry of a text as the module lays it out. Throws std::runtime_error if the module fails.
 TextGeometry MakeText(Host& host, const TextRequest& request);
 
 }  // namespace zr

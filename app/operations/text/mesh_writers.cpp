@@ -22,7 +22,7 @@ Point NormalOf(const Point& a, const Point& b, const Point& c) {
     return {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(z / length)};
 }
 
-// Little-endian whatever the machine.
+// Little-endian on any machine.
 void Append(std::string& bytes, std::uint32_t value) {
     for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift & 0xFF);
 }
@@ -45,12 +45,12 @@ void WriteObj(const TextGeometry& geometry, const std::filesystem::path& target,
     obj.Finish();
 }
 
-// The binary form: a head of 80 bytes, the number of triangles, and 50 bytes for each.
+// The binary form: a header of 80 bytes, the number of triangles, and 50 bytes per triangle.
 void WriteStl(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files) {
-    constexpr std::size_t kHeadSize = 80;
+    constexpr std::size_t kHeaderSize = 80;
     TextFile stl(target, files);
     std::string bytes = "text";
-    bytes.resize(kHeadSize, ' ');
+    bytes.resize(kHeaderSize, ' ');
     Append(bytes, static_cast<std::uint32_t>(geometry.triangles.size()));
     stl << bytes;
     for (const LetterTriangle& t : geometry.triangles) {

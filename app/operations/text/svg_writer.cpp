@@ -9,7 +9,7 @@
 namespace zr {
 namespace {
 
-// Pictures have y downwards.
+// In SVG, y points down.
 void AddPath(TextBuilder& svg, std::span<const TextGeometry::Point> points) {
     const char* step = "M";
     for (const TextGeometry::Point& p : points) {

@@ -54,7 +54,7 @@ std::vector<TextShortcoming> CheckFontText(std::u16string_view text, const TextF
         }
         if (!font.CanDraw(c)) {
             throw std::runtime_error(
-                Join("the font ", name, " has no outline of ", CharacterName(code), " at this height"));
+                Join("the font ", name, " has no outline for ", CharacterName(code), " at this height"));
         }
     });
     return found;

@@ -9,21 +9,21 @@
 
 namespace zr {
 
-// Something that the module draws differently from what the text or the font's name says.
+// Something that the module cannot draw as the text or the name of the font asks.
 struct TextShortcoming {
     std::string what;     // "the font "X" has no character U+4E00"
-    std::string instead;  // what is drawn instead
+    std::string instead;  // what happens instead: "leaving it out"
 };
 
-// Each character once, in the text's order. With strokes.
+// For a text drawn with strokes: a shortcoming for each distinct character, in the order of the text.
 std::vector<TextShortcoming> CheckStrokeText(std::u16string_view text);
 
-// The same with a font, which may differ from the one asked for. Throws std::runtime_error for a character
-// that cannot be drawn at all.
+// The same for a text drawn with a font, which may be another one than that requested. Throws
+// std::runtime_error for a character that cannot be drawn at all.
 std::vector<TextShortcoming> CheckFontText(std::u16string_view text, const TextFont& font);
 
-// Whether the text has characters that are read from right to left, or joined to their neighbours as Arabic
-// ones are. They are drawn one by one from left to right.
+// Whether the text has characters that are read from right to left or joined to their neighbours, as in
+// Arabic. They are drawn one by one from left to right nevertheless.
 bool NeedsShaping(std::u16string_view text);
 
 }  // namespace zr

@@ -14,10 +14,10 @@ namespace zr {
 namespace {
 
 constexpr double kStrokeLineDistance = 29;
-constexpr double kFontLineDistance = 1.2;  // in heights of the font
+constexpr double kFontLineDistance = 1.2;  // times the height of the font
 constexpr int kEnlargement = 10;
-constexpr int kOwnHeight = 16;         // of a font that no height is asked of
-constexpr double kFontPen = 1.0 / 87;  // in heights of a capital
+constexpr int kOwnHeight = 16;         // of a font for which no height is set
+constexpr double kFontPen = 1.0 / 87;  // times the height of a capital
 constexpr double kStrokePen = 1.0 / 21;
 constexpr double kUnscaledSize = 12;
 
@@ -27,7 +27,7 @@ struct Glyph {
     double advance = 0;
 };
 
-// The glyphs of a text, each made once, in the module's own units at size 12.
+// The glyphs of a text, each made once, in the module's units at size 12.
 class Glyphs {
 public:
     Glyphs(Host& host, const TextRequest& request) : m_host(host), m_request(request) {
@@ -35,7 +35,7 @@ public:
         if (request.style != TextStyle::kStroke) m_font.emplace(request.font);
     }
 
-    // Solids are 1 deep.
+    // Solids have depth 1.
     const Glyph& Get(char16_t c, bool isSolid) {
         const auto [at, isNew] = m_glyphs.try_emplace(c);
         Glyph& glyph = at->second;
@@ -47,7 +47,7 @@ public:
         return glyph;
     }
 
-    // Of the font's replacement character where it lacks a capital H.
+    // The height of H or, if the font lacks it, of the replacement character.
     double CapHeight() {
         const TextStyle style = m_font ? TextStyle::kOutline : TextStyle::kStroke;
         return BoxOf(Make(u"H", style).points).high.y;
@@ -68,7 +68,8 @@ private:
         return MakeText(m_host, request);
     }
 
-    // The module tells where strokes are, not how far they advance: the next character shows that.
+    // The module returns the strokes but not the advance width: that shows in the position of a following
+    // character.
     double StrokeAdvance(char16_t c) {
         const auto left = [&](std::u16string text) {
             const TextGeometry geometry = Make(std::move(text), TextStyle::kStroke);
@@ -107,7 +108,7 @@ public:
         const bool isStroke = request.style == TextStyle::kStroke;
         const double capHeight = m_glyphs.CapHeight();
         if (options.capHeight > 0 && !(capHeight > 0 && m_glyphs.HasCapital()))
-            throw std::runtime_error("the font has no capital H, by which the height of capitals is set");
+            throw std::runtime_error("the font has no capital H, which sets the height of capitals");
         const double sized = isStroke ? 1 : request.size / kUnscaledSize;
         m_scale = options.capHeight > 0 ? options.capHeight / capHeight : sized;
         m_drawing.metrics.capHeight = capHeight * m_scale;
@@ -136,7 +137,7 @@ private:
         if (m_options.align == TextAlign::kCenter) metrics.x = -metrics.advance / 2;
         if (m_options.align == TextAlign::kRight) metrics.x = -metrics.advance;
         metrics.baseline = baseline;
-        double pen = 0;  // in the glyphs' units
+        double pen = 0;  // in units of the glyphs
         for (std::size_t i = 0; i < line.text.size(); ++i) {
             const Glyph& glyph = GlyphOf(line.text[i]);
             const double x = metrics.x + pen * m_scale;

@@ -4,12 +4,12 @@
 namespace zr {
 namespace {
 
-constexpr std::size_t kMuch = 1 << 15;
+constexpr std::size_t kFlushSize = 1 << 15;  // bytes
 
 }  // namespace
 
 void TextFile::Pass() {
-    if (m_text.size() < kMuch) return;
+    if (m_text.size() < kFlushSize) return;
     m_file.Write(m_text);
     m_text.clear();
 }

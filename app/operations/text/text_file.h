@@ -10,7 +10,8 @@
 
 namespace zr {
 
-// Text put together piece by piece, numbers in the shortest form that reads back as the same value.
+// Builds a text piece by piece. Numbers get the shortest form that reads back as the same value; -0 becomes
+// 0.
 class TextBuilder {
 public:
     TextBuilder() = default;
@@ -27,7 +28,7 @@ public:
     // Without an exponent.
     TextBuilder& AddFixed(float value) { return Number(value == 0 ? 0.0F : value, std::chars_format::fixed); }
 
-    // Between pieces: a file takes what there is when that is much.
+    // To be called between pieces: a file then writes what has accumulated, if it is enough.
     virtual void Pass() {}
 
     std::string Take() { return std::move(m_text); }
@@ -45,13 +46,13 @@ private:
     }
 };
 
-// A file of text, of which only the newest is held. What cannot be written is thrown as an Error.
+// A text file that keeps only recent text in memory. Throws Error when writing fails.
 class TextFile : public TextBuilder {
 public:
     TextFile(const std::filesystem::path& target, FileTransaction& files) : m_file(files.Create(target)) {}
 
     void Pass() override;
-    // For the transaction's Commit.
+    // Writes the rest. The file gets its name at the transaction's Commit.
     void Finish();
 
 private:

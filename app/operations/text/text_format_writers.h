@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// One for each format; WriteText chooses.
+// One for each format; WriteText selects among them.
 void WriteSvg(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files);
 void WriteDxf(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files);
 void WriteGltf(const TextGeometry& geometry, const std::filesystem::path& target, FileTransaction& files);

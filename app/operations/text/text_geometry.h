@@ -10,7 +10,7 @@
 
 namespace zr {
 
-// What one unit of the coordinates means. kNone: nothing, the reader decides.
+// The length of one unit of the coordinates. kNone: unspecified.
 enum class LengthUnit { kNone, kMillimetre, kCentimetre, kInch };
 
 // A text as geometry: contours, or triangles.
@@ -18,18 +18,18 @@ struct TextGeometry {
     using Point = vl::Vector3<float>;
 
     struct Contour {
-        std::uint32_t first;  // its points
+        std::uint32_t first;  // index of its first point
         std::uint32_t count;
         int letter;  // position in the text, in UTF-16 units
     };
 
-    std::vector<Point> points;  // y upwards
+    std::vector<Point> points;  // y points up
     std::vector<Contour> contours;
-    std::vector<LetterTriangle> triangles;  // counter-clockwise seen from outside, or from above
+    std::vector<LetterTriangle> triangles;  // counter-clockwise seen from outside; flat ones from above
     bool isMesh = false;
-    bool isClosed = false;  // of contours: each ends with a copy of its first point
-    bool isSolid = false;   // of a mesh: it has a front, a back and sides; else it is flat at z = 0
-    double penWidth = 1;    // for pictures of the contours
+    bool isClosed = false;  // contours: each ends with a copy of its first point
+    bool isSolid = false;   // mesh: has a front, a back and sides; otherwise it is flat at z = 0
+    double penWidth = 1;    // line width for pictures of contours
     LengthUnit unit = LengthUnit::kNone;
 
     std::span<const Point> PointsOf(const Contour& contour) const {
@@ -42,7 +42,7 @@ struct TextBox {
     TextGeometry::Point high{};
 };
 
-// All 0 without points.
+// The bounding box; all zeros without points.
 TextBox BoxOf(std::span<const TextGeometry::Point> points);
 
 }  // namespace zr

@@ -9,19 +9,19 @@
 namespace zr {
 namespace {
 
-using Corners = std::vector<std::uint32_t>;  // three by three
+using Corners = std::vector<std::uint32_t>;  // three for each triangle
 
 std::size_t NextCorner(std::size_t corner) {
     return corner % 3 == 2 ? corner - 2 : corner + 1;
 }
 
-// The flat mesh as corners of triangles, and what lies along each edge. An edge is named by the corner where
-// it starts.
+// The flat mesh as corners of triangles, with the neighbour at each edge. An edge is identified by the corner
+// where it starts.
 class FlatMesh {
 public:
     explicit FlatMesh(const TextGeometry& geometry) {
         for (const LetterTriangle& t : geometry.triangles) {
-            // What the rounding of coordinates left of a triangle may be an edge.
+            // Rounding of coordinates may have reduced a triangle to an edge.
             if (t.i0 == t.i1 || t.i1 == t.i2 || t.i2 == t.i0) continue;
             for (const int i : {t.i0, t.i1, t.i2}) m_corners.push_back(static_cast<std::uint32_t>(i));
         }
@@ -32,7 +32,7 @@ public:
     std::size_t Size() const { return m_corners.size(); }
     std::uint32_t At(std::size_t corner) const { return m_corners[corner]; }
 
-    // The edge of the neighbouring triangle that leads back; Size() on the rim.
+    // The opposite edge, of the neighbouring triangle; Size() on the boundary.
     std::size_t Opposite(std::size_t corner) const {
         const auto found = m_edges.find(Key(m_corners[NextCorner(corner)], m_corners[corner]));
         return found != m_edges.end() ? found->second : Size();
@@ -45,7 +45,7 @@ private:
     std::unordered_map<std::uint64_t, std::size_t> m_edges;
 };
 
-// Numbers the corners such that two have one number when their triangles meet around a point, edge to edge.
+// Gives corners the same number if their triangles are connected around a point by shared edges.
 class CornerNumbers {
 public:
     explicit CornerNumbers(const FlatMesh& mesh) : m_parents(mesh.Size()) {
@@ -72,7 +72,7 @@ private:
 void AddDepth(TextGeometry& geometry, float depth) {
     const FlatMesh mesh(geometry);
     CornerNumbers numbers(mesh);
-    // The front has even vertices, the back behind each of them the next one.
+    // The front has even vertices; the back vertex behind each of them is the next one.
     std::vector<TextGeometry::Point> points;
     std::unordered_map<std::size_t, int> fronts;
     std::vector<int> front(mesh.Size());

@@ -5,9 +5,9 @@
 
 namespace zr {
 
-// Makes a flat mesh a closed solid from z = 0 to z = depth, above 0: its back, its front and its sides. Every
-// edge then belongs to two triangles, which run along it in opposite directions; where the flat mesh touches
-// itself in a point, the solid has that point once for each side.
+// Turns a flat mesh into a closed solid with its back at z = 0 and its front at z = depth, which is above 0.
+// Every edge then belongs to two triangles, which traverse it in opposite directions; where the flat mesh
+// touches itself at a point, the solid has a copy of that point for each part.
 void AddDepth(TextGeometry& geometry, float depth);
 
 }  // namespace zr

@@ -16,7 +16,7 @@ void WriteText(const TextGeometry& geometry, TextFormat format, const std::files
         std::all_of(geometry.points.begin(), geometry.points.end(), [](const TextGeometry::Point& p) {
             return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
         });
-    if (!isFinite) throw Error(PathToUtf8(target), "", "a coordinate is too large for a number of the file");
+    if (!isFinite) throw Error(PathToUtf8(target), "", "a coordinate is too large for the file format");
     switch (format) {
         case TextFormat::kSvg:
             return WriteSvg(geometry, target, files);

@@ -12,12 +12,12 @@ namespace zr {
 
 enum class TextFormat { kSvg, kDxf, kGltf, kJson, kObj, kStl };
 
-// Writes the file for the transaction's Commit. kObj is for meshes, kStl for solids, kSvg for all but solids.
-// Throws Error, also for a coordinate that is not finite.
+// Writes a file, which gets its name at the transaction's Commit. kObj requires a mesh, kStl a solid; kSvg
+// does not support solids. Throws Error, also for a coordinate that is not finite.
 void WriteText(const TextGeometry& geometry, TextFormat format, const std::filesystem::path& target,
                FileTransaction& files);
 
-// The same as values: the picture (SVG) of what is flat, and the scene of any.
+// The same as values: an SVG picture, of flat geometry only, and a glTF scene.
 std::string TextPicture(const TextGeometry& geometry);
 gltf::Document TextScene(const TextGeometry& geometry);
 
