@@ -12,8 +12,8 @@ using gltf::Kind;
 
 namespace {
 
-// Embeds images from files of their own into the document.
-void TakeImagesIn(gltf::Document& document) {
+// Embeds images from separate files into the document.
+void EmbedImages(gltf::Document& document) {
     const std::size_t count = document.Elements(Kind::kImage).size();
     for (std::size_t i = 0; i < count; ++i) {
         const Json* uri = document.Elements(Kind::kImage)[i].Find("uri");
@@ -34,7 +34,7 @@ void TakeImagesIn(gltf::Document& document) {
     }
 }
 
-// A header and two chunks, each of four-byte words.
+// A header and two chunks, each padded to a multiple of four bytes.
 std::vector<std::byte> Container(std::string json, std::vector<std::byte> data) {
     json.resize((json.size() + 3) & ~std::size_t{3}, ' ');
     data.resize((data.size() + 3) & ~std::size_t{3});
@@ -61,7 +61,7 @@ std::vector<std::byte> Container(std::string json, std::vector<std::byte> data) 
 
 std::vector<std::byte> PackContainer(gltf::Document& document) {
     MakePlain(document);
-    TakeImagesIn(document);
+    EmbedImages(document);
     gltf::JsonTree& tree = document.Tree();
     std::vector<std::byte> data;
     std::vector<std::size_t> starts;

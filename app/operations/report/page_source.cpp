@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/report/page_source.h"
 
-// The names are those of the assembler, which some systems' compilers would put a prefix before.
+// Explicit assembler names: some compilers would add a prefix otherwise.
 extern "C" {
 extern const char zr_report_page[] __asm__("zr_report_page");
 extern const char zr_report_page_end[] __asm__("zr_report_page_end");

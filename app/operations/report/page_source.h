@@ -5,7 +5,8 @@
 
 namespace zr::report {
 
-// The page as the build made it, with places for title and data; empty in a build without it.
+// The page template that the build made, with placeholders for title and data; empty in a build without
+// report pages.
 std::string_view PageSource();
 
 }  // namespace zr::report

@@ -70,7 +70,7 @@ private:
         return list;
     }
 
-    // Which nodes of both scenes are the same.
+    // Which nodes of the two scenes match.
     void Matching(Json& root) {
         if (m_page.scenes.size() != 2) return;
         const compare::Evaluator before(m_page.scenes[0].document), after(m_page.scenes[1].document);
@@ -131,7 +131,7 @@ std::string PageText(Page page) {
     const std::string title = Escaped(page.title, "<>&", [](char c) {
         return c == '<' ? "&lt;" : c == '>' ? "&gt;" : "&amp;";
     });
-    // A script ends at the first "</script", whatever it is part of.
+    // A script ends at the first "</script", even within a string.
     const std::string data = Escaped(Writer(page).Run(), "<", [](char) { return "\\u003c"; });
     return Replaced(Replaced(PageSource(), "<!--TITLE-->", title), "<!--DATA-->", data);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// build.mjs OUT: one page of everything, with places for the title and the data of a report.
+// build.mjs OUT: bundles everything into one page, with placeholders for the title and the data of a report.
 import { build } from "esbuild";
 import { readFile, writeFile } from "node:fs/promises";
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the panels read of a scene without drawing it: the document itself and its curves.
+// Reads a scene for the panels without drawing it: the document and its curves.
 
 export function bytesOf(base64) {
   const text = atob(base64);
@@ -20,7 +20,7 @@ export class Glb {
     this.nodes.forEach((node, i) => node.children?.forEach((child) => (this.parents[child] = i)));
   }
 
-  // Floats of an accessor that is not sparse; normalized integers as fractions.
+  // The values of an accessor as floats; normalized integers as fractions. Sparse values are ignored.
   floats(index) {
     const accessor = this.json.accessors[index];
     const width = { SCALAR: 1, VEC2: 2, VEC3: 3, VEC4: 4 }[accessor.type] ?? 1;
@@ -40,7 +40,7 @@ export class Glb {
     return out;
   }
 
-  // Curves of an animation: {node, path, interpolation, times, values, width}.
+  // The curves of an animation: {node, path, pointer, interpolation, times, values, width}.
   curves(animation) {
     const { channels = [], samplers = [] } = this.json.animations?.[animation] ?? {};
     return channels.map((channel) => {
@@ -70,7 +70,7 @@ export class Glb {
   }
 }
 
-// A curve's value at a time, component by component.
+// A curve's value at a time, as an array of components.
 export function valueAt(curve, time) {
   const { times, values, width, interpolation } = curve;
   const cubic = interpolation === "CUBICSPLINE";

@@ -6,7 +6,7 @@ import { panelsOf } from "./panels.js";
 const data = JSON.parse(document.getElementById("data").textContent);
 const $ = (id) => document.getElementById(id);
 const store = { get: () => { try { return localStorage.getItem("zr-theme"); } catch { return null; } },
-  set: (theme) => { try { localStorage.setItem("zr-theme", theme); } catch { /* a page from a file may keep nothing */ } } };
+  set: (theme) => { try { localStorage.setItem("zr-theme", theme); } catch { /* a page opened from a file may have no storage */ } } };
 
 $("title").textContent = data.title;
 $("subtitle").textContent = data.subtitle ?? "";
@@ -64,7 +64,7 @@ class Report {
     this.setClip(0);
   }
 
-  // A clip of one scene by the name or, without one, by the number it has in the other.
+  // A scene's clip with the name or, without one, the index of a clip of the last scene; -1: none.
   clipOf(scene, clip) {
     const of = (i) => this.glbs[i].json.animations ?? [];
     const name = of(this.glbs.length - 1)[clip]?.name;
@@ -79,8 +79,8 @@ class Report {
     this.redraw();
   }
 
-  // Seconds of a scene's clip at a part of the last scene's: an exported clip may be a stretch of its source, run the
-  // other way or at another speed.
+  // The time, in seconds, of a scene's clip at a fraction of the last scene's clip: an exported clip may be a part of its
+  // source, reversed or at another speed.
   timeOf(scene, part) {
     const { scenes } = this.view, last = scenes.length - 1;
     const name = this.glbs[last].json.animations?.[this.clip]?.name ?? "";
@@ -185,7 +185,7 @@ class Report {
     this.panels[index].show($("content"));
   }
 
-  // Plots follow the theme, the size and the clip.
+  // Draws now, and again when the theme, the size or the clip changes.
   onRedraw(draw) {
     this.redraws.push(draw);
     draw();

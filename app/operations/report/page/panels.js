@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The parts of a report: what each shows, and for which reports it is there.
+// The panels of a report.
 import { Rows } from "./rows.js";
 import { plot } from "./plot.js";
 import { valueAt } from "./glb.js";
@@ -37,7 +37,7 @@ function searchable(host, label, options) {
 
 const bytes = (n) => n.toString().replace(/\B(?=(\d{3})+$)/g, ",");
 
-// A scene's nodes, parents before their children, with what they are and carry as flags.
+// The nodes of a scene, parents before their children, with flags for their kinds and content.
 function treeItems(report, scene) {
   const glb = report.glbs[scene];
   const only = new Set(scene === 0 ? report.data.onlyBefore : report.data.onlyAfter);
@@ -57,7 +57,7 @@ function treeItems(report, scene) {
     if (joints.has(index)) flags.push("joint");
     if (animated.has(index)) flags.push("animated");
     if (node.extras) flags.push("extras");
-    if (only.has(index)) flags.push(scene === 0 && report.glbs.length > 1 ? "gone" : "new");
+    if (only.has(index)) flags.push(scene === 0 && report.glbs.length > 1 ? "removed" : "new");
     items.push({ text: glb.name(index), level, flags, node: index, hasChildren: Boolean(node.children?.length),
       className: only.has(index) ? (scene === 0 ? "gone" : "came") : "" });
     for (const child of [...(node.children ?? [])].reverse()) stack.push([child, level + 1]);
@@ -73,12 +73,12 @@ function summary(report) {
       add(host, "h2", { textContent: "Contents" });
       const size = (glb, kind) => glb.json[kind]?.length ?? 0;
       table(host, counted.map((kind) => [kind, ...report.glbs.map((glb) => size(glb, kind))])
-        .concat([["bytes, all in one", ...report.glbs.map((glb) => glb.buffer.byteLength)]]),
+        .concat([["bytes as one file", ...report.glbs.map((glb) => glb.buffer.byteLength)]]),
         ["", ...report.data.scenes.map((scene) => scene.label)]);
     }
-    add(host, "h2", { textContent: "Keys" });
-    table(host, [["Space", "play or pause"], [", .", "a step back or on"], ["f", "fit the view"], ["/", "search"],
-      ["1 to 9", "parts of the report"], ["t", "dark or light"], ["arrows", "lists and trees"]]);
+    add(host, "h2", { textContent: "Keyboard" });
+    table(host, [["Space", "play or pause"], [", .", "step back or forward"], ["f", "fit the view"], ["/", "search"],
+      ["1 to 9", "panels of the report"], ["t", "dark or light"], ["arrows", "move in lists and trees"]]);
   } };
 }
 
@@ -166,11 +166,11 @@ function curves(report) {
 
 function deviation(report) {
   return { id: "deviation", title: "Deviation", show(host) {
-    if (!report.view) return void add(host, "p", { textContent: "This needs the 3D view." });
+    if (!report.view) return void add(host, "p", { textContent: "This panel needs the 3D view." });
     const label = add(host, "p", { className: "legend" });
     const canvas = add(host, "canvas", { className: "plot" });
     canvas.setAttribute("role", "img");
-    add(host, "h2", { textContent: "Nodes that are farthest off" });
+    add(host, "h2", { textContent: "Nodes with the greatest deviation" });
     const where = add(host, "div");
     let clip = -1, result;
     report.onRedraw(() => {
@@ -183,19 +183,19 @@ function deviation(report) {
         const order = result.worst.map((worst, i) => ({ ...worst, i })).sort((x, y) => y.amount - x.amount).slice(0, 15);
         where.replaceChildren();
         table(where, order.map(({ amount, part, i }) => [report.glbs[0].name(report.data.pairs[i][0]),
-          amount.toExponential(2), `${report.timeOf(0, part).toFixed(2)} s`]), ["node", "off by", "at"]);
+          amount.toExponential(2), `${report.timeOf(0, part).toFixed(2)} s`]), ["node", "deviation", "at"]);
       }
       const most = Math.max(...result.curve);
-      label.textContent = `Greatest distance of a node's origin and axes between both scenes: ${most.toPrecision(3)}`;
+      label.textContent = `Greatest distance between the scenes of a node's origin or axes: ${most.toPrecision(3)}`;
       canvas.setAttribute("aria-label", label.textContent);
       plot(canvas, [{ colour: "--after", points: result.curve.map((y, i) => [(i / (result.curve.length - 1)) * after.duration, y]) }]);
     });
   } };
 }
 
-// What went and what stayed, under headings that fold.
+// What was removed and what was kept, in collapsible groups.
 function changes(report) {
-  return { id: "changes", title: "What went", show(host) {
+  return { id: "changes", title: "Changes", show(host) {
     const { operations = [], unreferenced = {}, kept = [], bytesBefore, bytesAfter } = report.data.result;
     if (bytesBefore) add(host, "p", { textContent: bytesAfter
       ? `${bytes(bytesBefore)} bytes became ${bytes(bytesAfter)} (${((100 * bytesAfter) / bytesBefore).toFixed(1)} %).`
@@ -206,19 +206,19 @@ function changes(report) {
       items.push({ text: `${title} (${members.length})`, level: 0, hasChildren: true });
       for (const member of members) items.push({ level: 1, className, ...member });
     };
-    for (const operation of operations) group(`went: ${operation.name}`, operation.names.map((text) => ({ text })), "gone");
-    group("went: referred to by nothing", Object.entries(unreferenced).map(([kind, count]) => ({ text: `${count} ${kind}` })), "gone");
+    for (const operation of operations) group(`removed: ${operation.name}`, operation.names.map((text) => ({ text })), "gone");
+    group("removed: unreferenced", Object.entries(unreferenced).map(([kind, count]) => ({ text: `${count} ${kind}` })), "gone");
     const reasons = new Map();
     for (const { kind, name, by } of kept) {
-      // The place of a reference, which ends it, differs from one to the next.
+      // A reason ends with the place of the reference, by which it must not be grouped.
       const [, reason, place] = by.match(/^(.*) \((\/.*)\)$/) ?? ["", by];
       if (!reasons.has(reason)) reasons.set(reason, []);
       reasons.get(reason).push({ text: `${kind} ${name}`, flags: place ? [place] : [] });
     }
-    for (const [reason, members] of reasons) group(`stayed: ${reason}`, members, "ok");
+    for (const [reason, members] of reasons) group(`kept: ${reason}`, members, "ok");
     for (const operation of operations)
-      group(`left alone: ${operation.name}`, (operation.refusedBy ?? []).map((use) => ({ text: `${use.extension} at ${use.place}` })), "");
-    if (!items.length) add(host, "p", { textContent: "Nothing went." });
+      group(`not run: ${operation.name}`, (operation.refusedBy ?? []).map((use) => ({ text: `${use.extension} at ${use.place}` })), "");
+    if (!items.length) add(host, "p", { textContent: "Nothing was removed." });
     const names = new Map();
     report.glbs[0].nodes.forEach((node, i) => names.set(node.name ?? `#${i}`, [...(names.get(node.name ?? `#${i}`) ?? []), i]));
     const rows = searchable(host, "changes", { isTree: true, onSelect: (item) => {
@@ -266,16 +266,16 @@ function drawing(report) {
 function comparison(report) {
   return { id: "comparison", title: "Comparison", show(host) {
     const { same, aspects, largest, structure, drawn, unread } = report.data.result;
-    add(host, "p", { className: same ? "ok" : "gone", textContent: same ? "Both scenes are the same within the tolerance." : "The scenes differ." });
+    add(host, "p", { className: same ? "ok" : "gone", textContent: same ? "The scenes are the same within the tolerance." : "The scenes differ." });
     table(host, Object.entries(aspects).map(([aspect, is]) => [aspect, is ? "same" : "different"]));
     add(host, "h2", { textContent: "Largest differences" });
     table(host, Object.entries(largest).map(([what, { amount, where = "", animation = "", time }]) =>
-      [what.replace(/[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`), amount === null ? "without measure" : Number(amount.toPrecision(4)), where, animation, time === undefined ? "" : `${time.toFixed(3)}\u00a0s`]),
-      ["of", "by", "where", "animation", "at"]);
-    const items = [["structure", structure], ["drawn", drawn], ["not read", unread]].flatMap(([title, lines]) =>
+      [what.replace(/[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`), amount === null ? "infinite" : Number(amount.toPrecision(4)), where, animation, time === undefined ? "" : `${time.toFixed(3)}\u00a0s`]),
+      ["of", "amount", "where", "animation", "at"]);
+    const items = [["structure", structure], ["drawn", drawn], ["unreadable", unread]].flatMap(([title, lines]) =>
       lines.length ? [{ text: `${title} (${lines.length})`, hasChildren: true, level: 0 }, ...lines.map((text) => ({ text, title: text, level: 1 }))] : []);
     if (!items.length) return;
-    add(host, "h2", { textContent: "Every difference" });
+    add(host, "h2", { textContent: "All differences" });
     const box = add(host, "div");
     box.style.height = "320px";
     searchable(box, "differences", { isTree: true }).set(items);

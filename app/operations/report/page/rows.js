@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A list of any length of which only the rows in sight exist; with levels, a tree.
+// A list of any length, or a tree if its items have levels. Only the visible rows exist as elements.
 
 const height = 24;
 
 export class Rows {
-  // items: {text, level, flags, className, hasChildren, title}. A tree's items follow their parents.
+  // items: {text, level, flags, className, hasChildren, title}. In a tree, items follow their parents.
   constructor(host, { label, isTree = false, onSelect = () => {} }) {
     this.host = host;
     this.isTree = isTree;
@@ -27,7 +27,7 @@ export class Rows {
     this.filter("");
   }
 
-  // Rows whose text holds the words; of a tree, with what leads to them.
+  // Shows the rows whose text or flags contain the words; in a tree, their ancestors too.
   filter(words) {
     const wanted = words.trim().toLowerCase();
     let kept = null;
@@ -65,8 +65,8 @@ export class Rows {
     this.follow();
   }
 
-  // Scrolling and resizing keep the rows that stay in sight: one that is replaced while the
-  // button is down gets no click.
+  // Scrolling and resizing keep the elements of rows that stay visible: a row that is replaced while the mouse button is
+  // down would miss the click.
   follow() {
     if (!this.shown) return;
     const first = Math.max(0, Math.floor(this.host.scrollTop / height) - 4);

@@ -10,8 +10,8 @@ class Shown {
   constructor(gltf) {
     this.root = gltf.scene;
     this.clips = gltf.animations;
-    this.objects = [];  // by node of the document
-    // A material that stands in for none is associated with nothing.
+    this.objects = [];  // by index of the node in the document
+    // The default material has no association.
     for (const [object, of] of gltf.parser.associations)
       if (of?.nodes !== undefined && object.isObject3D && !this.objects[of.nodes]) this.objects[of.nodes] = object;
     this.scene = new THREE.Scene();
@@ -42,17 +42,17 @@ class Shown {
     this.mixer.setTime(Math.min(Math.max(seconds, 0), this.duration));
   }
 
-  // Nodes that are lit stand out, all others step back.
+  // Highlights the nodes and dims all others; without nodes, restores the materials.
   light(nodes, colour) {
     for (const [mesh, material] of this.lit) mesh.material = material;
     this.lit.clear();
     if (!nodes?.length) return;
-    // Flat, since not every mesh has normals; in front of what stands at the same place.
+    // Flat-shaded, since not every mesh has normals; drawn in front of coinciding meshes.
     const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.55, flatShading: true,
       side: THREE.DoubleSide, polygonOffset: true, polygonOffsetFactor: -2, polygonOffsetUnits: -2 });
     const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, flatShading: true, transparent: true, opacity: 0.28,
       depthWrite: false });
-    // What a node shows ends where the next node begins.
+    // A node's objects, without those of its child nodes.
     const gone = new Set();
     const isNode = new Set(this.objects);
     const mark = (object) => {
@@ -81,7 +81,7 @@ export class View {
     new ResizeObserver(() => this.draw()).observe(canvas);
   }
 
-  // The matrix leads into the space of the other scene.
+  // matrix: takes the scene to the space of the other one.
   async add(bytes, matrix) {
     const shown = new Shown(await new GLTFLoader().parseAsync(bytes.buffer, ""));
     if (matrix) {
@@ -93,7 +93,7 @@ export class View {
     return shown;
   }
 
-  // Once all scenes are there. What was up before the matrix is up in the picture.
+  // To be called once all scenes are added. The direction that is up without the matrix is up in the picture.
   control() {
     const lights = this.scenes.flatMap((shown) => shown.lights);
     for (const direction of [this.camera.up, this.side, ...lights.map((light) => light.position)]) direction.transformDirection(this.turn);
@@ -111,7 +111,7 @@ export class View {
     if (box.isEmpty()) box.set(new THREE.Vector3(-1, -1, -1), new THREE.Vector3(1, 1, 1));
     const ball = box.getBoundingSphere(new THREE.Sphere());
     const radius = ball.radius || 1;
-    // The narrower of both angles decides.
+    // The smaller of the two angles of view decides.
     const half = (this.camera.fov / 2) * (Math.PI / 180);
     const aspect = this.canvas.clientWidth / Math.max(this.scenes.length, 1) / Math.max(this.canvas.clientHeight, 1);
     const distance = radius / Math.sin(Math.min(half, Math.atan(Math.tan(half) * aspect)));
@@ -123,7 +123,7 @@ export class View {
     this.draw();
   }
 
-  // At the next frame, once for all who ask.
+  // Draws at the next frame; several calls before it draw once.
   draw() {
     this.pending ??= requestAnimationFrame(() => {
       this.pending = null;
@@ -148,8 +148,9 @@ export class View {
   }
 }
 
-// How far apart each pair of nodes is, at evenly spread parts of the second clip: points of the origin and one unit along
-// each axis, in the second scene's space.
+// The distance between the nodes of each pair, at evenly spaced fractions of the second clip: the greatest of the origin
+// and the points one unit along each axis, in the second scene's space. Returns {curve, worst}: the greatest distance at
+// each sample, and the greatest of each pair.
 export function deviations(before, after, pairs, timeOf, samples) {
   const matrixA = new THREE.Matrix4(), points = [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]];
   const worst = pairs.map(() => ({ amount: 0, part: 0 }));

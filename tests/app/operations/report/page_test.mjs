@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// page_test.mjs ZR EXAMPLES FOLDER: makes reports with the program and uses them as people do.
+// page_test.mjs ZR EXAMPLES FOLDER: makes reports with the program and uses them like a reader.
 import { execFileSync, spawnSync } from "node:child_process";
 import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
@@ -17,7 +17,7 @@ const expect = (condition, text) => {
 };
 const run = (...words) => execFileSync(zr, words, { encoding: "utf8" });
 
-// A scene of many nodes, some of which a cleaning takes.
+// A scene of many nodes, some of which cleaning removes.
 function manyNodes(count) {
   const nodes = [{ name: "root", children: Array.from({ length: count }, (_, i) => i + 1) }];
   for (let i = 0; i < count; ++i)
@@ -33,7 +33,7 @@ function manyNodes(count) {
 const browser = await Browser.start();
 const text = (selector) => browser.evaluate(`document.querySelector(${JSON.stringify(selector)})?.textContent ?? ""`);
 const tabs = () => browser.evaluate(`[...document.querySelectorAll("[role=tab]")].map((tab) => tab.id.slice(4)).join()`);
-// What the canvas holds: how many of its picture elements are not the background.
+// The number of pixels of the canvas that differ from the background.
 const drawn = () => browser.evaluate(`new Promise((resolve) => { const report = zrReport; report.view.draw();
   requestAnimationFrame(() => requestAnimationFrame(() => { const gl = report.view.renderer.getContext();
     report.view.renderer.render(report.view.scenes[0].scene, report.view.camera);
@@ -41,7 +41,7 @@ const drawn = () => browser.evaluate(`new Promise((resolve) => { const report = 
     gl.readPixels(0, 0, w, h, gl.RGBA, gl.UNSIGNED_BYTE, p);
     let n = 0; for (let i = 4; i < p.length; i += 4) if (p[i] !== p[0] || p[i + 1] !== p[1]) ++n; resolve(n); })); })`);
 
-// A stretch of the clip, backwards and at another speed, is held against the same stretch of the source.
+// A part of the clip, reversed and at another speed, is compared with the same part of the source.
 async function testClip() {
   run("export", windmill, path("clip.glb"), "--from", "0.5", "--to", "1.5", "--speed", "2", "--reverse", "--report", path("clip.html"));
   await browser.open(path("clip.html"));
@@ -59,10 +59,10 @@ async function testExport() {
   const rows = "document.querySelectorAll('[role=treeitem]').length";
   const before = await browser.evaluate(rows);
   await browser.click("[role=treeitem] .twist", `new Promise((done) => { document.querySelector(".rows").style.height = "300px";
-    requestAnimationFrame(() => requestAnimationFrame(done)); })`); // a list that changes its size keeps the click
+    requestAnimationFrame(() => requestAnimationFrame(done)); })`); // resizing the list must not lose the click
   await browser.until(`${rows} < ${before}`, 10);
   await browser.click("#tab-curves");
-  expect((await text("#content .flag")).includes("keys"), "tracks tell their keys");
+  expect((await text("#content .flag")).includes("keys"), "tracks show their number of keys");
   expect(await browser.evaluate(`(() => { const c = document.querySelector("canvas.plot"), d = c.getContext("2d")
     .getImageData(0, 0, c.width, c.height).data; return d.some((v, i) => i % 4 === 3 && v > 0); })()`), "a curve is plotted");
   await browser.click("#tab-deviation");
@@ -80,19 +80,19 @@ async function testExport() {
   await browser.until(`document.documentElement.dataset.theme !== ${JSON.stringify(theme)}`, 10);
 }
 
-// What is up in the source is up in the picture, whichever axis that is in the result.
+// The up direction of the source is up in the picture, whichever axis it is in the result.
 async function testUpAxis() {
   run("export", windmill, path("up.glb"), "--up", "z", "--report", path("up.html"));
   await browser.open(path("up.html"));
-  expect(await browser.evaluate("zrReport.view.camera.up.z > 0.999"), "a scene with Z up stands");
+  expect(await browser.evaluate("zrReport.view.camera.up.z > 0.999"), "a scene with Z up stands upright");
 }
 async function testClean() {
   writeFileSync(path("many.gltf"), manyNodes(10000));
   run("clean", path("many.gltf"), path("clean.glb"), "--report", path("clean.html"));
   await browser.open(path("clean.html"));
-  expect((await tabs()).startsWith("changes,summary,tree"), `tabs of a cleaning: ${await tabs()}`);
-  expect((await text("#content")).includes("went: "), "what went is listed");
-  expect((await browser.evaluate("document.querySelectorAll('.row').length")) < 200, "only rows in sight exist");
+  expect((await tabs()).startsWith("changes,summary,tree"), `tabs of a clean report: ${await tabs()}`);
+  expect((await text("#content")).includes("removed: "), "removed elements are listed");
+  expect((await browser.evaluate("document.querySelectorAll('.row').length")) < 200, "only visible rows exist");
   await browser.press("/");
   await browser.type("empty 4443");
   await browser.until("document.querySelectorAll('.row').length === 2", 10);
@@ -112,7 +112,7 @@ async function testClean() {
   writeFileSync(path("held.gltf"), JSON.stringify(held));
   run("clean", path("held.gltf"), path("held.glb"), "--report", path("held.html"));
   await browser.open(path("held.html"));
-  expect((await text("#content")).includes("stayed: channel of animation 0 (2)"), "what stayed for one reason is one group");
+  expect((await text("#content")).includes("kept: channel of animation 0 (2)"), "elements kept for one reason are one group");
 }
 
 async function testMerge() {
@@ -127,7 +127,7 @@ async function testCompare() {
   const { status } = spawnSync(zr, ["compare", windmill, path("merged.glb"), "--report", path("compare.html")]);
   expect(status === 1, "merged animations are a difference");
   await browser.open(path("compare.html"));
-  expect((await text("#content")).includes("The scenes differ"), "the verdict stands first");
+  expect((await text("#content")).includes("The scenes differ"), "the verdict comes first");
 }
 
 async function testText() {
@@ -137,15 +137,15 @@ async function testText() {
   const content = await text("#content");
   expect(/height of a capital5 mm/.test(content) && /depth2 mm/.test(content), `measures: ${content}`);
   await browser.until("document.querySelector('.drawing img').naturalWidth > 0", 10);
-  expect(await browser.evaluate("zrReport.view.scenes.length") === 1, "a solid, without normals and material, can be turned");
+  expect(await browser.evaluate("zrReport.view.scenes.length") === 1, "a solid, without normals and material, is shown in 3D");
   run("text", "flat", path("flat.svg"), "--style", "stroke", "--report", path("flat.html"));
   await browser.open(path("flat.html"));
-  expect(await browser.evaluate("document.body.classList.contains('no-scene')"), "a flat text is a drawing alone");
+  expect(await browser.evaluate("document.body.classList.contains('no-scene')"), "a flat text has a drawing only");
 }
 
 function testEscapes() {
   const page = readFileSync(path("clean.html"), "utf8");
-  expect(page.split("</script").length === 3, "no content ends the script it stands in");
+  expect(page.split("</script").length === 3, "no content ends the script that contains it");
 }
 
 for (const test of [testExport, testClip, testUpAxis, testClean, testMerge, testCompare, testText, testEscapes]) {
