@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What holds for every scene, on random ones.
+// Properties that hold for every scene, tested on random ones.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -19,7 +19,7 @@
 namespace zr::test {
 namespace {
 
-// Gives each seed's scene to `check`, made by `make` as often as it is asked for.
+// Calls `check` for each seed with a function that makes the scene of that seed anew.
 void ForEachScene(ScenePlan (*make)(Random&), unsigned count,
                   const std::function<void(const std::function<gltf::Document()>& scene)>& check) {
     for (unsigned seed = 0; seed < count; ++seed) {
@@ -45,7 +45,7 @@ void ExpectSame(const gltf::Document& before, const gltf::Document& after,
                                     << (result.structure.empty() ? "" : result.structure[0]);
 }
 
-TEST(Properties, ASceneThatIsSavedIsTheOneThatWasLoaded) {
+TEST(Properties, ASavedSceneEqualsTheLoadedOne) {
     const TemporaryFolder folder;
     ForEachScene(MakeWildPlan, 60, [&](const auto& scene) {
         const std::string before = gltf::WriteJson(scene().Root(), false);
@@ -74,7 +74,7 @@ TEST(Properties, EveryRecordStandsOnceBelowARoot) {
             while (!open.empty()) {
                 const ExportNode* record = open.back();
                 open.pop_back();
-                ASSERT_TRUE(met.insert(record).second) << "a record stands twice";
+                ASSERT_TRUE(met.insert(record).second) << "a record is in the tree twice";
                 for (const ExportNode* child : vl::ArrayOf<ExportNode*>(record->pChildren)) {
                     EXPECT_EQ(child->pParent, record);
                     open.push_back(child);
@@ -84,15 +84,15 @@ TEST(Properties, EveryRecordStandsOnceBelowARoot) {
             for (const ExportNode* record : AllRecords(tool)) {
                 EXPECT_TRUE(all.insert(record).second) << "a record is listed twice";
                 EXPECT_TRUE(record->pParent == nullptr || all.contains(record->pParent))
-                    << "a parent comes later";
+                    << "a parent comes after its child";
             }
             EXPECT_EQ(all, met);
         }
     });
 }
 
-// Transforms, weights and what pointers drive.
-TEST(Properties, AnExportPlaysAsItsSource) {
+// Transforms, weights and pointer values.
+TEST(Properties, AnExportPlaysLikeItsSource) {
     const TemporaryFolder folder;
     ForEachScene(MakeLivelyPlan, 25, [&](const auto& scene) {
         ExportOptions options;
@@ -100,14 +100,15 @@ TEST(Properties, AnExportPlaysAsItsSource) {
         ExportScene(TheHost(), LoadedScene(scene()), options, [](double) {
         }).document.Save(folder / "out.glb");
         compare::CompareOptions comparison;
-        // Turned curves are straightened to a hundred thousandth of their range, along the whole hierarchy.
+        // Rotated curves are linearized to a hundred thousandth of their range, which adds up along the
+        // hierarchy.
         comparison.tolerance = {2e-3, 1e-3, 1e-3};
         comparison.aspects[static_cast<std::size_t>(compare::Aspect::kStructure)] = false;
         ExpectSame(scene(), gltf::Document::Load(folder / "out.glb"), comparison);
     });
 }
 
-// The animations that move nodes, by number.
+// The indices of the animations that move nodes.
 Names MovingAnimations(LoadedScene& loaded) {
     Names names;
     const Animations animations = AnimationsOf(loaded.Scene());
@@ -116,7 +117,7 @@ Names MovingAnimations(LoadedScene& loaded) {
     return names;
 }
 
-TEST(Properties, AMergeInSequencePlaysAsItsSources) {
+TEST(Properties, AMergeInSequencePlaysLikeItsSources) {
     unsigned merged = 0;
     for (const double gap : {0.0, 0.5}) {
         ForEachScene(MakeLivelyPlan, 60, [&](const auto& scene) {
@@ -128,7 +129,7 @@ TEST(Properties, AMergeInSequencePlaysAsItsSources) {
             options.gap = gap;
             MergeAnimations(TheHost(), loaded, ChooseAnimations(loaded.Scene(), names), options);
             LoadedScene after(std::move(loaded).WriteBack());
-            // Random scenes move by a hundred a second, and jump at any key.
+            // Random scenes move by a hundred units per second, and jump at any key.
             ExpectPlaysInSequence(before, names, after, "Merge Result", gap, {5e-5, 3});
             ++merged;
         });
@@ -136,8 +137,8 @@ TEST(Properties, AMergeInSequencePlaysAsItsSources) {
     EXPECT_GT(merged, 30U);
 }
 
-// Each source at its own times: what one of them alone moves plays as there.
-TEST(Properties, AMergePlaysAsItsSourcesWhereTheyDoNotMeet) {
+// Sources at their own times: nodes moved by only one of them play as in that one.
+TEST(Properties, AMergePlaysLikeItsSourcesWhereTheyDoNotOverlap) {
     unsigned nodes = 0;
     ForEachScene(MakeLivelyPlan, 60, [&](const auto& scene) {
         LoadedScene before(scene()), loaded(scene());
@@ -172,21 +173,21 @@ TEST(Properties, AMergePlaysAsItsSourcesWhereTheyDoNotMeet) {
     EXPECT_GT(nodes, 30U);
 }
 
-TEST(Properties, ACleaningChangesNothingThatIsSeen) {
+TEST(Properties, CleaningChangesNothingVisible) {
     const TemporaryFolder folder;
     EnvironmentService environment(TheHost());
     const auto context = vl::Ref<vl::Context>::AdoptNew(kernix::CreateContext());
     const auto cleaner = TheHost().Create<zr_CLEANER>(kTypeCleaner);
     CleanOptions options;
     for (std::size_t i = 0; i < kCleanSteps; ++i) options.steps[i] = kCleanStepInfo[i].unseen;
-    // A comparison tells materials by their names too.
+    // The comparison also distinguishes materials by name.
     options.steps[static_cast<std::size_t>(CleanStep::kEqualMaterials)] = false;
     ForEachScene(MakeLivelyPlan, 25, [&](const auto& scene) {
         gltf::Document document = scene();
         CleanDocument(document, *cleaner, environment, context.Get(), options, [](double) {});
         document.Save(folder / "out.glb");
         compare::CompareOptions comparison;
-        // Where materials went, others have their numbers, by which values are compared.
+        // Removing materials renumbers others, and values are compared by index.
         for (const compare::Aspect aspect :
              {compare::Aspect::kStructure, compare::Aspect::kNodes, compare::Aspect::kValues})
             comparison.aspects[static_cast<std::size_t>(aspect)] = false;

@@ -10,9 +10,9 @@
 namespace zr::test {
 namespace {
 
-constexpr std::size_t kJoints = 4;  // that the vertices of a mesh know
+constexpr std::size_t kJoints = 4;  // of the vertices of a mesh
 
-// As a JSON text has them.
+// As in JSON text, with escapes.
 constexpr const char* kNames[] = {"",     "node",        "Node",    "node 1",         "a/b",
                                   "~0~1", "line\\nfeed", "\\u0001", "\\\"quoted\\\"", "\xC3\xA4\xE4\xB8\x80",
                                   "%s%n", "..",          "CON",     "\\uD83D\\uDE00"};
@@ -59,7 +59,7 @@ private:
         return q;
     }
 
-    // What is drawn takes no steering: the structure decides what happens.
+    // Meshes are chosen from few fixed ones: the structure of the scene matters, not what is drawn.
     void Materials() {
         Random shapes(static_cast<unsigned>(m_random.Pick(256)));
         for (std::size_t i = 0; i < 3; ++i) m_plan.materials.push_back({Name(), {1, 0.5F, 0.25F, 1}, 0.5F});
@@ -76,7 +76,7 @@ private:
             node.parent = static_cast<int>(m_random.Pick(i + 1)) - 1;
             for (float& part : node.translation) part = Number();
             node.rotation = Rotation();
-            // Also alike along all axes.
+            // Mostly uniform.
             node.scale.fill(Scale());
             if (m_random.Pick(3) == 0)
                 for (float& part : node.scale) part = Scale();
@@ -100,7 +100,7 @@ private:
             m_plan.nodes.push_back(node);
         }
         for (std::size_t i = 0; i < kJoints; ++i) m_plan.joints.push_back(i);
-        // The joints hang from one root.
+        // The joints have a common root.
         for (std::size_t i = 1; i < kJoints; ++i) m_plan.nodes[i].parent = static_cast<int>(m_random.Pick(i));
     }
 
@@ -152,7 +152,7 @@ private:
             if (moved.emplace(path == "roughness" ? track.material : node, path).second)
                 animation.tracks.push_back(std::move(track));
         }
-        // An animation has a channel.
+        // An animation needs a channel.
         if (animation.tracks.empty()) animation.tracks.push_back(Track(0, "translation"));
         return animation;
     }

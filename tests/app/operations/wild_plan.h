@@ -5,12 +5,12 @@
 
 namespace zr::test {
 
-// A small scene with what real ones have only now and then: repeated, empty and hostile names, mirrored and
-// vanishing scales, great and tiny numbers, tracks of a single key, keys that repeat each other, animations
-// that move nothing, materials moved by pointer, layers, viewports. Valid all the same.
+// A small valid scene with features that are rare in real ones: duplicate, empty and hostile names, mirrored
+// and vanishing scales, huge and tiny numbers, tracks with a single key, repeated keys, animations that move
+// nothing, materials animated by pointer, layers, viewports.
 ScenePlan MakeWildPlan(Random& random);
 
-// The same without what takes digits from single precision: numbers stay near 1 and scales near enough to it.
+// The same without loss of precision in floats: numbers and scales stay near 1.
 ScenePlan MakeLivelyPlan(Random& random);
 
 }  // namespace zr::test

@@ -24,7 +24,7 @@ constexpr const char* kNodes = R"({"asset": {"version": "2.0"}, "scene": 0, "sce
   "nodes": [{"name": "body", "children": [1, 2], "translation": [0, 1, 0]},
             {"name": "arm", "rotation": [0, 0.6, 0, 0.8]}, {"name": "arm", "scale": [2, 2, 2]}]})";
 
-// A source's key is shifted to a time that is rounded to a float.
+// The time nearest to a given one: the merge rounds shifted times to floats.
 float Nearest(const std::vector<float>& times, float time) {
     const auto after = std::lower_bound(times.begin(), times.end(), time);
     if (after == times.begin()) return times.front();
@@ -129,7 +129,7 @@ void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene&
         for (const float time : givesWay ? std::vector<float>() : times) {
             const float there = Nearest(resultTimes, static_cast<float>(time + offset));
             std::vector<float> moments{there};
-            // Where two sources meet, a first vector gives way to the last one, and rotations jump.
+            // Where two sources meet, the first vector of the second may be shifted, and rotations jump.
             if (time == times.front()) {
                 moments.push_back(std::nextafter(there, kInfinity));
                 moments.push_back(Nearest(resultTimes, there + 0.001F));

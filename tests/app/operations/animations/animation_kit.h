@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Small animated scenes, and where their nodes stand.
+// Small animated scenes, and the poses of their nodes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,8 +25,8 @@ struct Motion {
 };
 void AddAnimation(gltf::Document& document, std::string_view name, const std::vector<Motion>& motions);
 
-// The animations "walk", "jump" and "rest" of three nodes: keys that begin late or end early, that other
-// animations do not have, and that pass in every way.
+// The animations "walk", "jump" and "rest" of three nodes: some keys begin late or end early or have no
+// counterpart in the other animations, and all interpolations occur.
 gltf::Document AnimatedScene();
 
 class AnimationCommandTest : public testing::Test {
@@ -44,21 +44,22 @@ Names NamesOf(LoadedScene& loaded);
 kernix::TransformTrack::Sample Pose(LoadedScene& loaded, std::size_t node, kernix::AnimationModel* animation,
                                     float time);
 
-// Of all the animation's transforms, ascending, each once.
+// The distinct times of all transform keys of the animation, ascending.
 std::vector<float> KeyTimes(kernix::AnimationModel& animation);
 
-// The greatest one of a component.
+// The greatest difference of a component.
 double Difference(const double (&a)[3], const double (&b)[3]);
 double Difference(const kernix::Rotation& a, const kernix::Rotation& b);
 
-// Times are floats: how far a shifted key may be beside its value, and a jump, in floats, beside its time.
+// Tolerances, since times are floats: for the value at a shifted key, and for the time of a jump, in float
+// steps.
 struct Rounding {
     double difference = 1e-5;
     int steps = 0;
 };
 
-// Every node stands, at each key of each of the animations `names` of `before`, as `merged` of `after` has it
-// when these play one after the other, `gap` seconds apart.
+// Expects that `merged` of `after` plays the animations `names` of `before` one after another, `gap` seconds
+// apart: that every node has the same pose at each key.
 void ExpectPlaysInSequence(LoadedScene& before, const Names& names, LoadedScene& after,
                            const std::string& merged, double gap, const Rounding& rounding = {});
 

@@ -24,7 +24,7 @@ using vl::zr::kInterpolationLinear;
 using vl::zr::kInterpolationStep;
 
 TEST_F(AnimationCommandTest, BringsAnimationsToTheSamePath) {
-    // In another order, with a matrix for the second arm.
+    // The nodes in another order, with a matrix for the second arm.
     LoadedScene from(AnimatedScene());
     LoadedScene to(
         gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [3]}],
@@ -54,7 +54,7 @@ TEST_F(AnimationCommandTest, BringsAnimationsToTheSamePath) {
               Names{"/body/arm"});
 }
 
-TEST(SlicedTest, EveryWayOfPassingIsCutWhereItIs) {
+TEST(SlicedTest, CutsEveryInterpolation) {
     const Curve linear{kInterpolationLinear, {0, 4}, {0, 4}};
     EXPECT_EQ(Sliced(linear, 1, 3, false), (Curve{kInterpolationLinear, {0, 2}, {1, 3}}));
     const float infinity = std::numeric_limits<float>::infinity();
@@ -76,7 +76,7 @@ TEST(SlicedTest, EveryWayOfPassingIsCutWhereItIs) {
     EXPECT_NEAR(half.values[7], std::sqrt(0.5), 1e-6);
 }
 
-TEST_F(AnimationCommandTest, PartsOfACutAnimationPlayAsItsStretches) {
+TEST_F(AnimationCommandTest, PartsOfACutAnimationPlayLikeItsIntervals) {
     LoadedScene before(AnimatedScene()), loaded(AnimatedScene());
     const std::vector<float> cuts{0.9F, 1.25F};
     const Animations parts = CutAnimation(loaded, *ChooseAnimation(loaded.Scene(), "jump"), cuts);
@@ -114,7 +114,7 @@ TEST_F(AnimationCommandTest, EachMovedNodeGetsAnAnimation) {
     EXPECT_FLOAT_EQ(after.Scene().GetStartTime(AnimationsOf(after.Scene())[3]), 0.25F);
 }
 
-TEST_F(AnimationCommandTest, NamesThatChooseNothingOrTooMuchListTheCandidates) {
+TEST_F(AnimationCommandTest, NamesThatMatchNoneOrSeveralListTheCandidates) {
     LoadedScene loaded(AnimatedScene());
     const auto message = [&](const Names& names) -> std::string {
         try {
@@ -130,8 +130,8 @@ TEST_F(AnimationCommandTest, NamesThatChooseNothingOrTooMuchListTheCandidates) {
     EXPECT_NE(message({"walk"}).find("3 \"walk\""), std::string::npos);
 }
 
-// A rig with nodes between and beside those that move in the other.
-TEST_F(AnimationCommandTest, MatchesNodesOfRigsThatDiffer) {
+// A rig with additional nodes between and beside those of the other.
+TEST_F(AnimationCommandTest, MatchesNodesOfDifferentRigs) {
     LoadedScene from(AnimatedScene());
     LoadedScene to(
         gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
@@ -139,7 +139,7 @@ TEST_F(AnimationCommandTest, MatchesNodesOfRigsThatDiffer) {
                 {"name": "shoulder", "children": [3]}, {"name": "left arm"}, {"name": "arm"}]})"));
     EXPECT_TRUE(MatchByPath(from.Scene(), to.Scene()).empty());
 
-    // Two arms there, one here.
+    // There are two arms in the other scene, one here.
     const NodePartners named = MatchByName(from.Scene(), to.Scene());
     ASSERT_EQ(named.size(), 1U);
     EXPECT_EQ(named.at(from.Node(0)), to.Node(1));
@@ -154,7 +154,7 @@ TEST_F(AnimationCommandTest, MatchesNodesOfRigsThatDiffer) {
         EXPECT_THROW(MatchByPairs(from.Scene(), to.Scene(), pairs), std::runtime_error);
 }
 
-TEST(ClipNames, AreNamesOfFilesAndDiffer) {
+TEST(ClipNames, AreValidUniqueFileNames) {
     EXPECT_EQ(ClipNames({"walk", "Walk", "a/b", "", "..", "walk 2", "walk", "x. "}),
               (Names{"walk", "Walk 2", "a_b", "animation 3", "_", "walk 2 2", "walk 3", "x"}));
 }

@@ -36,13 +36,13 @@ TEST(JoinedCurve, RestsWhileOthersPlay) {
     const Curve step{kInterpolationStep, {3, 4}, {0, 2}};
     EXPECT_EQ(Sequence({{nullptr, 0}, {&step, 3}, {nullptr, 4}}),
               (Curve{kInterpolationStep, {3, 4, After(4)}, {0, 2, 0}}));
-    // Slopes beyond the curve's own stretch would swing.
+    // Slopes at the ends would make the curve overshoot outside its keys.
     const Curve cubic{kInterpolationCubic, {1, 2}, {9, 1, 5, 6, 2, 9}};
     EXPECT_EQ(Sequence({{nullptr, 0}, {&cubic, 1}}),
               (Curve{kInterpolationCubic, {0, Before(1), 1, 2}, {0, 0, 0, 0, 0, 0, 0, 1, 5, 6, 2, 0}}));
 }
 
-TEST(JoinedCurve, EverySourceShowsItsOwn) {
+TEST(JoinedCurve, EverySourceShowsItsOwnValues) {
     const Curve first{kInterpolationLinear, {0, 1}, {1, 2}}, equal{kInterpolationLinear, {1, 2}, {2, 3}},
         other{kInterpolationLinear, {1, 2}, {5, 6}}, late{kInterpolationLinear, {3, 4}, {5, 6}};
     EXPECT_EQ(Sequence({{&first, 0}, {&equal, 1}}), (Curve{kInterpolationLinear, {0, 1, 2}, {1, 2, 3}}));
@@ -54,8 +54,8 @@ TEST(JoinedCurve, EverySourceShowsItsOwn) {
               (Curve{kInterpolationLinear, {0, 1, After(1), Before(2), 2, 3, 4}, {1, 2, 0, 0, 5, 5, 6}}));
 }
 
-// Whatever the sources' interpolations, what they show is to the millionth what each shows alone.
-TEST(JoinedCurve, KeepsWhatEveryInterpolationShows) {
+// Whatever the interpolations of the sources, each shows the same as alone, to within a millionth.
+TEST(JoinedCurve, PreservesEveryInterpolation) {
     const Curve step{kInterpolationStep, {0, 0.5, 1}, {1, 3, 2}},
         linear{kInterpolationLinear, {2, 2.5, 3}, {4, 5, 1}},
         cubic{kInterpolationCubic, {4, 5}, {7, 1, 2, 3, 4, 7}};
@@ -74,7 +74,7 @@ TEST(JoinedCurve, KeepsWhatEveryInterpolationShows) {
     }
 }
 
-TEST(JoinedCurve, CurvesJoinUnlessTheyShareTime) {
+TEST(JoinedCurve, JoinsCurvesUnlessTheyOverlap) {
     const Curve early{kInterpolationLinear, {0, 1}, {1, 2}}, late{kInterpolationLinear, {1, 2}, {2, 3}},
         between{kInterpolationLinear, {0.5, 1.5}, {8, 9}};
     const Curve* const apart[] = {&late, &early};

@@ -40,9 +40,9 @@ TEST_F(AnimationCommandTest, SourcesInSequencePlayAsTheyDidAlone) {
         LoadedScene after = Reloaded(loaded);
         EXPECT_EQ(NamesOf(after), (Names{"walk", "jump", "rest", "Merge Result"}));
         ExpectPlaysInSequence(before, names, after, "Merge Result", gap);
-        ExpectPlaysInSequence(before, {"jump"}, after, "jump", 0);  // as it was
+        ExpectPlaysInSequence(before, {"jump"}, after, "jump", 0);  // unchanged
         if (gap == 0) continue;
-        // The pause shows the last pose, and does not turn towards the next.
+        // The pause holds the last pose and does not turn towards the next.
         kernix::AnimationModel* result = ChooseAnimation(after.Scene(), "Merge Result");
         EXPECT_LT(Difference(Pose(before, 1, ChooseAnimation(before.Scene(), "walk"), 1).rotation,
                              Pose(after, 1, result, 1.4F).rotation),
@@ -54,7 +54,7 @@ kernix::TransformTrack* TrackOf(vl::zr::Controller& controller, kernix::Animatio
     return dynamic_cast<kernix::TransformTrack*>(controller.GetTrack(animation));
 }
 
-// The keys before a time and those from it on as two animations, at their times.
+// Splits an animation at a time into two, whose keys keep their times.
 Animations Halves(LoadedScene& loaded, kernix::AnimationModel* source, float middle) {
     kernix::SceneModel& scene = loaded.Scene();
     const Animations halves{scene.AddAnimation(u"early"), scene.AddAnimation(u"late")};
@@ -98,7 +98,7 @@ void ExpectPartsMakeUpTheWhole(LoadedScene& before, kernix::AnimationModel* whol
     }
 }
 
-// Sources that keep their times: an animation's nodes, and its first and second half, make it up again.
+// Merging at original times: an animation separated by node, or split in halves, is restored.
 void ExpectPartsMerge(Host& host, const std::function<LoadedScene()>& load, const std::string& name,
                       const std::function<LoadedScene(LoadedScene&)>& reload) {
     SCOPED_TRACE(name);
@@ -117,7 +117,7 @@ void ExpectPartsMerge(Host& host, const std::function<LoadedScene()>& load, cons
         EXPECT_TRUE(MergeAnimations(host, loaded, parts, options).overlapping.empty());
         LoadedScene after = reload(loaded);
         ExpectPartsMakeUpTheWhole(before, whole, after);
-        // Weights and what pointers name come along too.
+        // Weights and pointers are merged too.
         kernix::AnimationModel* result = ChooseAnimation(after.Scene(), "Merge Result");
         EXPECT_TRUE(!byNode || result->Tracks().size() == whole->Tracks().size());
     }
@@ -154,7 +154,7 @@ TEST_F(AnimationCommandTest, FurtherScenesMergeAsWell) {
     }
 }
 
-TEST_F(AnimationCommandTest, MergeKeepsTimesNamesOverlapsAndTakesOnlyWhatIsKept) {
+TEST_F(AnimationCommandTest, MergeKeepsTimesReportsOverlapsAndTakesOnlyChosenKinds) {
     LoadedScene loaded(AnimatedScene());
     MergeOptions options;
     options.keyFlags = ANIM_MERGE_ROTATION;
@@ -163,7 +163,7 @@ TEST_F(AnimationCommandTest, MergeKeepsTimesNamesOverlapsAndTakesOnlyWhatIsKept)
     const MergeReport report =
         MergeAnimations(m_host, loaded, ChooseAnimations(loaded.Scene(), {"walk", "1"}), options);
     EXPECT_TRUE(report.overlapping.empty())
-        << "the arm's turns meet at half a second, and positions do not merge";
+        << "the rotations of the arm meet at half a second; positions are not merged";
     LoadedScene after = Reloaded(loaded);
     EXPECT_EQ(NamesOf(after), (Names{"rest", "B\xC3\xA4r"}));
     EXPECT_EQ(after.Document().Elements(Kind::kAnimation)[1].Find("channels")->Items().size(), 1U);
@@ -177,7 +177,7 @@ TEST_F(AnimationCommandTest, MergeKeepsTimesNamesOverlapsAndTakesOnlyWhatIsKept)
         Names{"node \"body\""});
 }
 
-TEST_F(AnimationCommandTest, MergeNamesWhatDoesNotMergeAndViewportsFollow) {
+TEST_F(AnimationCommandTest, MergeReportsDroppedCurvesAndUpdatesViewports) {
     LoadedScene loaded(gltf::test::Sample());
     kernix::SceneModel& scene = loaded.Scene();
     const Animations first = AnimationsOf(scene);
@@ -198,8 +198,9 @@ TEST_F(AnimationCommandTest, MergeNamesWhatDoesNotMergeAndViewportsFollow) {
                             [&](const auto* reference) { return reference->pAnimation == report.result; }));
 }
 
-// What the scene does not show is no part of the result, and a pose without length has no time in a sequence.
-TEST_F(AnimationCommandTest, MergeTellsWhatItDoesNotTake) {
+// Channels that the scene does not show are not in the result, and a pose of zero length gets no time in a
+// sequence.
+TEST_F(AnimationCommandTest, MergeReportsWhatItLeavesOut) {
     Document document = AnimatedScene();
     JsonTree& tree = document.Tree();
     Json& channels = *document.Elements(Kind::kAnimation)[1].Find("channels");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a reader of the written document sees of sources in sequence, by an evaluation of its own.
+// Sources in sequence as a reader of the written document sees them, evaluated independently.
 #include <cmath>
 #include <limits>
 #include <random>
@@ -22,7 +22,7 @@ using test::AnimationCommandTest;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 using Quaternion = std::array<float, 4>;
 
-// The first curve of the merged animation that moves something in this way.
+// The first curve of the merged animation with this path.
 Curve MergedCurve(const Document& document, std::string_view path) {
     for (const Json& animation : document.Elements(Kind::kAnimation)) {
         if (animation.Find("name")->String() != "Merge Result") continue;
@@ -35,8 +35,8 @@ Curve MergedCurve(const Document& document, std::string_view path) {
     throw std::runtime_error(Join("the merged animation does not move ", path));
 }
 
-// Straight from one value to the next; rotations the shorter way, which readers find in Sum, many in single
-// precision.
+// Linear interpolation; rotations along the shorter arc, which readers determine in the precision Sum, often
+// single.
 template <class Sum = float>
 std::vector<float> Shown(const Curve& curve, float time, bool isRotation) {
     const std::size_t width = curve.Width();
@@ -57,7 +57,7 @@ std::vector<float> Shown(const Curve& curve, float time, bool isRotation) {
             wa = std::sin(wa * angle) / std::sin(angle);
             wb = std::sin(wb * angle) / std::sin(angle);
         }
-        // What double precision leaves of an exact 0 is none.
+        // In double precision, an exact 0 may come out slightly negative.
         if (dot < (std::is_same_v<Sum, float> ? 0 : -1e-15)) wb = -wb;
     }
     std::vector<float> shown;
@@ -88,8 +88,7 @@ Curve Turns(const std::vector<Quaternion>& keys) {
     return curve;
 }
 
-// Keys that turn by exactly half a turn, which no reader's arithmetic tells from a turn the other way, and by
-// nearly as much.
+// Rotations by exactly half a turn, which readers cannot tell from the opposite turn, and by nearly that.
 std::vector<Quaternion> HalfTurns(std::mt19937& random) {
     std::uniform_real_distribution<float> any(-1, 1);
     const auto sign = [&] { return random() % 2 == 0 ? 1.0F : -1.0F; };
@@ -100,7 +99,7 @@ std::vector<Quaternion> HalfTurns(std::mt19937& random) {
         keys.push_back(at);
         const auto [x, y, z, w] = at;
         const float s = sign();
-        // At right angles to what was, without rounding.
+        // Orthogonal to the last orientation, without rounding errors.
         switch (random() % 4) {
             case 0:
                 at = {s * y, -s * x, s * w, -s * z};
@@ -120,7 +119,7 @@ std::vector<Quaternion> HalfTurns(std::mt19937& random) {
     return keys;
 }
 
-TEST_F(AnimationCommandTest, HalfTurnsInSequenceKeepTheirWay) {
+TEST_F(AnimationCommandTest, HalfTurnsInSequenceKeepTheirDirection) {
     std::mt19937 random(3);
     for (int round = 0; round < 40; ++round) {
         Document document = Scene();
@@ -178,7 +177,7 @@ TEST_F(AnimationCommandTest, WeightsRestWhileOtherSourcesPlay) {
     EXPECT_EQ(Shown(merged, start - 0.01F, false), rest);
     EXPECT_EQ(Shown(merged, start + length + 1.01F, false), rest);
     EXPECT_NE(Shown(merged, start + length / 2, false), rest);
-    // Played a second time, it shows the same again.
+    // Merged in twice, it shows the same values again.
     LoadedScene twice(gltf::test::Sample());
     kernix::AnimationModel* once = AnimationsOf(twice.Scene())[0];
     kernix::AnimationModel* again = twice.Scene().AddAnimation(u"again");
@@ -211,7 +210,7 @@ TEST(RestValue, ReadsWhatPointersName) {
     EXPECT_EQ(value("/extras/unknown", 1), Values());
 }
 
-TEST_F(AnimationCommandTest, AMergeThatLosesKeysFailsAndLeavesTheSceneAsItWas) {
+TEST_F(AnimationCommandTest, AMergeThatWouldLoseKeysFailsAndLeavesTheSceneUnchanged) {
     const auto fails = [&](const test::Names& names, MergeOptions options) {
         LoadedScene loaded(test::AnimatedScene());
         options.removeSources = true;

@@ -43,7 +43,7 @@ protected:
         return result.steps[static_cast<std::size_t>(step)].names;
     }
 
-    // "leaf: metadata", without the places in brackets.
+    // "leaf: metadata", without the places in parentheses.
     static Strings Held(const CleanResult& result) {
         Strings held;
         for (const HeldElement& element : result.held)

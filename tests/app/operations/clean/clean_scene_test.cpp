@@ -15,8 +15,8 @@ namespace {
 using gltf::Document;
 using gltf::Kind;
 
-// Three triangles at one place, of which one moves and one repeats the first; an attachment that a channel
-// moves, a joint, an empty branch; materials that are used, equal, used by a variant only, and not used.
+// Three triangles in one place, of which one moves and one duplicates the first; an attachment that a channel
+// moves, a joint, an empty branch; materials that are used, equal, used by a variant only, and unused.
 constexpr const char* kScene = R"({
   "asset": {"version": "2.0"},
   "extensionsUsed": ["KHR_materials_variants", "EXT_lights_image_based"],
@@ -91,7 +91,7 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 
 using CleanDocumentTest = CleanTest;
 
-TEST_F(CleanDocumentTest, TakesWhatNobodySees) {
+TEST_F(CleanDocumentTest, RemovesUnusedAndDuplicateContent) {
     Document document = Scene();
     const CleanResult result = Clean(document, Unseen());
     EXPECT_EQ(NamesOf(result, CleanStep::kEqualMaterials), Strings{"also red"});
@@ -103,7 +103,7 @@ TEST_F(CleanDocumentTest, TakesWhatNobodySees) {
     EXPECT_EQ(Names(document, Kind::kNode), (Strings{"first", "moves", "attachment", "joint", "skinned"}));
     EXPECT_EQ(Names(document, Kind::kMaterial), (Strings{"red", "night"}));
     EXPECT_EQ(Names(document, Kind::kAnimation), Strings{"run"});
-    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 5U) << "the one that nothing referred to went";
+    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 5U) << "the unreferenced one is removed";
     EXPECT_EQ(document.BufferBytes(0)->size(), 96U);
 
     const Bytes bytes = *document.BufferBytes(0);
@@ -115,7 +115,7 @@ TEST_F(CleanDocumentTest, TakesWhatNobodySees) {
     EXPECT_TRUE(gltf::EqualJson(again.Root(), document.Root())) << gltf::WriteJson(again.Root(), true);
 }
 
-TEST_F(CleanDocumentTest, SaysWhatHoldsTheRest) {
+TEST_F(CleanDocumentTest, ExplainsWhatIsKept) {
     Document document = Scene();
     Strings held;
     for (const HeldElement& element : Clean(document, Unseen()).held) {
@@ -139,7 +139,7 @@ TEST_F(CleanDocumentTest, KeepsNamesAndDataOnRequest) {
     EXPECT_EQ(document.Elements(Kind::kAccessor).size(), 6U);
 }
 
-TEST_F(CleanDocumentTest, KeepsWhatHasANameOrExtrasOnRequest) {
+TEST_F(CleanDocumentTest, KeepsElementsWithNamesOrExtrasOnRequest) {
     Document document = Scene();
     const Strings nodes = Names(document, Kind::kNode), materials = Names(document, Kind::kMaterial);
     CleanOptions options = Unseen();
@@ -160,7 +160,7 @@ TEST_F(CleanDocumentTest, KeepsWhatHasANameOrExtrasOnRequest) {
     EXPECT_LT(left.size(), nodes.size());
 }
 
-TEST_F(CleanDocumentTest, AllTakesMetadataAndEnvironmentToo) {
+TEST_F(CleanDocumentTest, AllRemovesMetadataAndEnvironmentToo) {
     Document document = Scene();
     CleanOptions options;
     options.steps.fill(true);
@@ -172,8 +172,8 @@ TEST_F(CleanDocumentTest, AllTakesMetadataAndEnvironmentToo) {
     EXPECT_EQ(text.find("EXT_lights_image_based"), std::string::npos);
 }
 
-// An extension that is not known may hold the index of a node: nodes stay, the other steps run.
-TEST_F(CleanDocumentTest, LeavesAloneWhatAnUnknownExtensionCouldMean) {
+// An unknown extension may contain the index of a node: nodes stay, the other steps run.
+TEST_F(CleanDocumentTest, KeepsWhatAnUnknownExtensionCouldReferTo) {
     const std::string json = Replaced(kScene, R"("extensions": {
     "KHR)",
                                       R"("extensions": {"X_unknown": {"node": 5},
@@ -195,8 +195,8 @@ TEST_F(CleanDocumentTest, LeavesAloneWhatAnUnknownExtensionCouldMean) {
     EXPECT_EQ(NamesOf(Clean(forced, options), CleanStep::kEmptyNodes), (Strings{"leaf", "branch"}));
 }
 
-// A sound, a label: an extension on a node that refers to nothing and shows something.
-TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
+// An extension on a node that refers to nothing but shows something, such as a sound or a label.
+TEST_F(CleanDocumentTest, KeepsNodesWithContentInAnExtension) {
     Document document =
         Scene(Replaced(kScene, R"({"name": "leaf")", R"({"extensions": {"X_label": {"text": "here"}},
       "name": "leaf")"));
@@ -207,8 +207,8 @@ TEST_F(CleanDocumentTest, KeepsNodesThatAnExtensionFills) {
     }));
 }
 
-// The nodes that only an animation without a view moves go when it has gone.
-TEST_F(CleanDocumentTest, GoesOnWhileSomethingIsSetFree) {
+// Nodes moved only by an animation that no viewport plays are removed along with it.
+TEST_F(CleanDocumentTest, RepeatsWhileRemovalsFreeMore) {
     std::string json = Replaced(kScene, R"("extensions": {
     "KHR)",
                                 R"("extensions": {"ZR_scene": {"viewports": [{"kind": 2, "animations": [1]}]},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random scenes: a cleaning takes nothing away that is drawn, and a second one takes nothing at all.
+// Random scenes: cleaning does not change what is drawn, and cleaning again changes nothing at all.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -22,7 +22,7 @@ using gltf::Document;
 using gltf::Json;
 using gltf::Kind;
 
-// Nodes crowd at few places, with few meshes and materials, so that much repeats.
+// Many nodes share few places, meshes and materials, so that there are many duplicates.
 class RandomScene {
 public:
     explicit RandomScene(unsigned seed) : m_random(seed) {
@@ -100,8 +100,8 @@ private:
     int m_count = 0;
 };
 
-// What a document draws at rest: triangles in world space, by all that decides how each looks. Nodes are
-// followed from the scene's roots down; transforms are translations and scales.
+// What a document draws at rest: triangles in world space, with everything that decides their look. Visits
+// nodes from the scene's roots down; transforms are translations and scales.
 class Drawn {
 public:
     explicit Drawn(const Document& document) : m_document(document) {
@@ -109,14 +109,14 @@ public:
             Node(*root.Index(), {}, 1, "");
     }
 
-    // Opaque triangles that lie in one another show once.
+    // Coinciding opaque triangles are visible only once.
     std::set<std::string> opaque;
     std::multiset<std::string> blended;
 
 private:
     using Point = std::array<double, 3>;
 
-    // `above`: the names of the nodes that could hide this one, or move it.
+    // `above`: the names of the ancestors that could hide or move this node.
     void Node(std::size_t index, Point origin, double scale, std::string above) {
         const Json& node = m_document.Elements(Kind::kNode)[index];
         if (const Json* t = node.Find("translation"))
@@ -164,7 +164,7 @@ private:
 
 using RandomCleanTest = CleanTest;
 
-TEST_F(RandomCleanTest, WhatIsDrawnStaysAndNothingIsLeftToDo) {
+TEST_F(RandomCleanTest, KeepsWhatIsDrawnAndLeavesNothingToDo) {
     std::size_t removed = 0;
     for (unsigned seed = 1; seed <= test::Rounds(150); ++seed) {
         const RandomScene scene(seed);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which meshes at one place repeat another, and which only look as if they did.
+// Which meshes in one place are duplicates, and which only look like it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,11 +27,11 @@ Document TwinScene(const std::string& roots, const std::string& nodes, const std
 
 using TwinsTest = CleanTest;
 
-// "alone" would repeat "below", were it not for what stands above that one.
-TEST_F(TwinsTest, WhatAncestorsCarrySetsApart) {
+// "alone" would be a duplicate of "below", but for the parent of that.
+TEST_F(TwinsTest, AncestorsTellMeshesApart) {
     struct Case {
         const char* what;
-        const char* extensions;  // of the node above
+        const char* extensions;  // of the parent
         const char* more;        // of the document
         bool repeats;
     };
@@ -71,7 +71,7 @@ TEST_F(TwinsTest, WhatAncestorsCarrySetsApart) {
     }
 }
 
-TEST_F(TwinsTest, BelowOneNodeAllAreAlike) {
+TEST_F(TwinsTest, DuplicatesBelowOneNodeAreRemoved) {
     Document document =
         TwinScene("0", R"({"children":[1,2],"extensions":{"KHR_node_visibility":{"visible":false}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
@@ -79,14 +79,14 @@ TEST_F(TwinsTest, BelowOneNodeAllAreAlike) {
 }
 
 // One child of a selector is shown, the others are not.
-TEST_F(TwinsTest, ChildrenOfASelectorAreChoices) {
+TEST_F(TwinsTest, ChildrenOfASelectorAreAlternatives) {
     Document document =
         TwinScene("0", R"({"children":[1,2],"extensions":{"ZR_scene":{"selector":true,"selected":2}}},
         {"name":"first","mesh":0},{"name":"second","mesh":0})");
     EXPECT_EQ(NamesOf(Clean(document, Unseen()), CleanStep::kMeshDupes), Strings{});
 }
 
-TEST_F(TwinsTest, MetadataHoldsNodesUntilItGoes) {
+TEST_F(TwinsTest, MetadataKeepsNodesUntilItIsRemoved) {
     const auto scene = [] {
         return TwinScene("0,1,2,3,4", R"({"name":"first","mesh":0,"extras":{"part":1}},
             {"name":"second","mesh":0,"extras":{"part":2}},{"name":"third","mesh":0},
@@ -107,7 +107,7 @@ TEST_F(TwinsTest, MetadataHoldsNodesUntilItGoes) {
 }
 
 // Two panes of glass at one place are darker than one.
-TEST_F(TwinsTest, BlendedOnesGoOnlyWhenAskedFor) {
+TEST_F(TwinsTest, BlendedDuplicatesAreRemovedOnlyOnRequest) {
     const auto scene = [] {
         return TwinScene("0,1", R"({"name":"pane","mesh":0},{"name":"other pane","mesh":0})", "",
                          R"({"alphaMode":"BLEND"})");

@@ -16,7 +16,7 @@ CompareResult Compare(const gltf::Document& a, const gltf::Document& b) {
     return compare::CompareScenes(a, b, {});
 }
 
-// What differs, for messages.
+// The differences, for failure messages.
 std::string Differences(const CompareResult& result) {
     std::string text;
     for (const std::string& line : result.structure) text += line + "\n";
@@ -112,7 +112,7 @@ constexpr Plant kPlants[] = {
     {"a key's value changed",
      [](ScenePlan& p, Random& r) {
          auto& track = AnyTrack(p, r);
-         // Of a cubic track: the value of a key and not a slope.
+         // In a cubic track, a value of a key rather than a slope.
          const std::size_t keys = track.times.size(), width = track.values.size() / keys;
          const std::size_t key = Pick(r, keys);
          track.values[key * width + width / 2] += 0.01F;
@@ -146,7 +146,7 @@ constexpr unsigned kScenes = 40;
 constexpr unsigned kOfEach = 10;
 #endif
 
-TEST(Compare, OrderNamesOfBuffersAndLayoutMakeNoDifference) {
+TEST(Compare, IgnoresOrderNamesOfBuffersAndLayout) {
     for (unsigned seed = 0; seed < kScenes; ++seed) {
         Random random(seed);
         const ScenePlan plan = MakePlan(random);
@@ -168,10 +168,10 @@ TEST(Compare, FindsEveryPlantedDifference) {
     }
 }
 
-TEST(Compare, TellsWhereAndWhen) {
+TEST(Compare, ReportsWhereAndWhen) {
     Random random(5);
     ScenePlan plan = MakePlan(random);
-    for (std::size_t i = 31; i < plan.nodes.size(); ++i) plan.nodes[i].parent = 0;  // node 30 carries nothing
+    for (std::size_t i = 31; i < plan.nodes.size(); ++i) plan.nodes[i].parent = 0;  // node 30 has no children
     const gltf::Document before = Write(plan, random);
     ScenePlan::Track& track = plan.animations[0].tracks[11];  // node 30 moves
     ASSERT_EQ(track.path, "translation");
@@ -183,14 +183,14 @@ TEST(Compare, TellsWhereAndWhen) {
     EXPECT_EQ(result.node.where.substr(0, 15), "node \"node 30\" ");
     EXPECT_GT(result.node.amount, 0.05);
 
-    // Within a tolerance, the same.
+    // Within a greater tolerance they are the same.
     compare::CompareOptions options;
     options.tolerance = {1, 1e-3, 1e-3};
     EXPECT_TRUE(compare::CompareScenes(before, Write(plan, random), options).IsSame());
 }
 
-// Among a thousand keys of many tracks that differ as well, though within the tolerance: a turn by less than
-// the allowed angle that swings all below it too far.
+// Among thousands of keys that differ within the tolerance: a rotation by less than the allowed angle that
+// moves the nodes below too far.
 TEST(Compare, FindsOneKeyOfThousands) {
     Random random(3);
     ScenePlan plan = MakePlan(random);
@@ -220,8 +220,8 @@ TEST(Compare, FindsOneKeyOfThousands) {
     EXPECT_NEAR(result.node.time, 637.0 / 30, 1e-4);
 }
 
-// Nodes outside of the scenes are known by what refers to them, in known extensions and in others.
-TEST(Compare, ReferencesAreToTheSameWhateverTheirNumbers) {
+// Nodes outside the scenes are identified by the references to them, in known and unknown extensions.
+TEST(Compare, MatchesReferencesRegardlessOfIndices) {
     const auto scene = [](const char* nodes, const char* roots) {
         return gltf::test::FromText(Join(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [)", roots,
                                          R"(]}], "nodes": [)", nodes, "]}"));
@@ -241,11 +241,11 @@ TEST(Compare, ReferencesAreToTheSameWhateverTheirNumbers) {
     EXPECT_TRUE(isSame("2, 0", 0, 3, 2));
     EXPECT_FALSE(isSame("0, 2", 0, 3, 2)) << "levels in another order";
     EXPECT_FALSE(isSame("2, 0", 1, 3, 2)) << "another bone";
-    EXPECT_FALSE(isSame("2, 0", 0, 2, 2)) << "a number that is no index";
+    EXPECT_FALSE(isSame("2, 0", 0, 2, 2)) << "a number that is not an index";
     EXPECT_FALSE(isSame("2, 0", 0, 3, 3)) << "a level of another size";
 }
 
-TEST(MaterialPairs, GoByWhereTheyAreDrawnThenByOrder) {
+TEST(MaterialPairs, GoByPlaceThenByOrder) {
     const compare::MaterialPairs pairs =
         compare::PairMaterials({{0, 0, 2, 0, 0}, {2, 0, 0, 0, 7}}, {{{4, 0}}, {{5, 0}}, {}, {{6, 1}}, {}},
                                {{}, {{6, 2}}, {{5, 0}}, {{9, 0}}, {{4, 0}}});
@@ -253,8 +253,8 @@ TEST(MaterialPairs, GoByWhereTheyAreDrawnThenByOrder) {
     EXPECT_EQ(pairs.ofB, (std::vector<std::size_t>{2, 3, 1, 0, compare::kNone}));
 }
 
-// Nodes times primitives, or times morph targets, of a small file would be many.
-TEST(Compare, WhatNodesShareIsBounded) {
+// A small file can have many nodes that share many primitives or morph targets.
+TEST(Compare, BoundsWhatNodesShare) {
     const auto compare = [](const std::string& primitive, int primitives, int nodes) {
         const auto times = [](int count, const std::string& element) {
             std::string list = element;
@@ -277,7 +277,7 @@ TEST(Compare, WhatNodesShareIsBounded) {
     EXPECT_THROW(compare(morphed + "]}", 1, 1000), gltf::Error);
 }
 
-TEST(Compare, TheSampleIsItself) {
+TEST(Compare, TheSampleEqualsItself) {
     const gltf::Document sample = gltf::test::Sample();
     EXPECT_TRUE(Compare(sample, gltf::test::Sample()).IsSame());
 }

@@ -43,10 +43,10 @@ ScenePlan::Track MakeTrack(Random& random, std::size_t node, const std::string& 
     return track;
 }
 
-// A way of writing one kind: where each element of the plan goes.
+// The order in which elements of one kind are written.
 struct Order {
-    std::vector<std::size_t> place;     // of an element
-    std::vector<std::size_t> elements;  // at a place
+    std::vector<std::size_t> place;     // index of each element in the document
+    std::vector<std::size_t> elements;  // the element at each index
 
     Order(std::size_t count, Random& random) : place(count), elements(count) {
         std::iota(elements.begin(), elements.end(), std::size_t{0});
@@ -240,7 +240,7 @@ private:
         return elements.empty() ? "" : Join(",\"", name, "\":[", Places(order, elements), "]");
     }
 
-    // What the host keeps of layers and viewports; nothing without them.
+    // The ZR_scene extension with layers and viewports; empty without any.
     std::string HostScene() const {
         if (m_plan.layers.empty() && m_plan.viewports.empty()) return "";
         std::string layers, viewports;
@@ -311,7 +311,7 @@ ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t materia
         vertex.weights = {weight, 1 - weight, 0, 0};
         mesh.vertices.push_back(vertex);
     }
-    // Every vertex is in a face: what is in none is not drawn.
+    // Every vertex is in a face; others would not be drawn.
     for (unsigned i = 0; i < 12; ++i) {
         const unsigned other = (i + 1 + random() % 5U) % 12, third = (i + 6 + random() % 5U) % 12;
         mesh.indices.insert(mesh.indices.end(), {i, other, third});
@@ -330,7 +330,7 @@ ScenePlan MakePlan(Random& random) {
     plan.lights = {3, 20};
     for (std::size_t i = 0; i < 40; ++i) {
         ScenePlan::Node node;
-        // Half of the names stand for several nodes, some nodes have none.
+        // Half of the names are shared by several nodes; some nodes have none.
         node.name = i % 7 == 6 ? "" : i % 2 == 0 ? Join("node ", i) : Join("part ", i % 5);
         node.parent = i < 4 ? -1 : static_cast<int>(random() % i);
         for (float& part : node.translation) part = Uniform(random, -2, 2);
@@ -343,7 +343,7 @@ ScenePlan MakePlan(Random& random) {
         node.scene = i == 3 ? 1 : 0;
         plan.nodes.push_back(node);
     }
-    // The joints hang from one root.
+    // The joints have a common root.
     plan.joints = {5, 8, 10, 11};
     for (const std::size_t joint : plan.joints) plan.nodes[joint].parent = 0;
     plan.nodes[9].isSkinned = true;

@@ -10,7 +10,7 @@
 
 namespace zr::test {
 
-// A scene before it is a document: the same plan can be written in many orders and layouts.
+// A scene in the abstract: the same plan can be written as documents with different orders and layouts.
 struct ScenePlan {
     struct Material {
         std::string name;
@@ -20,7 +20,7 @@ struct ScenePlan {
     struct Vertex {
         std::array<float, 3> position, normal;
         std::array<float, 2> texture;
-        std::array<float, 3> target;  // what the morph target adds
+        std::array<float, 3> target;  // offset of the morph target
         std::array<unsigned, 4> joints;
         std::array<float, 4> weights;
     };
@@ -39,12 +39,12 @@ struct ScenePlan {
         int mesh = -1, camera = -1, light = -1;
         bool isSkinned = false;
         float weight = 0;
-        unsigned scene = 0;  // of a root
+        unsigned scene = 0;  // of a root: the index of its scene
         int extra = 0;
     };
     struct Track {
         std::size_t node;
-        std::string path, interpolation;  // path "roughness": of a material, by pointer
+        std::string path, interpolation;  // path "roughness": of `material`, by pointer
         std::vector<float> times, values;
         std::size_t material = 0;
     };
@@ -75,14 +75,14 @@ struct ScenePlan {
     unsigned shownScene = 0;
 };
 
-// Forty nodes with all of it but layers, viewports and pointers.
+// Forty nodes with everything except layers, viewports and pointers.
 ScenePlan MakePlan(Random& random);
 
-// A mesh of twelve vertices for four joints, every one of them in a face.
+// A mesh of twelve vertices, skinned to four joints; every vertex is in a face.
 ScenePlan::Mesh MakeMesh(Random& random, std::size_t number, std::size_t material);
 
-// The plan as a document: elements, children, vertices and faces in an order of its own, buffers named at
-// random, transforms of nodes that nothing moves as matrices or in parts.
+// Writes the plan as a document: elements, children, vertices and faces in random order, buffers with random
+// names, transforms of nodes that are not animated either as matrices or decomposed.
 gltf::Document Write(const ScenePlan& plan, Random& random);
 
 }  // namespace zr::test

@@ -42,7 +42,8 @@ std::string BytesOf(const std::vector<T>& values) {
     return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
 }
 
-// One mesh whose views and primitive carry what is given; key times and values in a view of their own.
+// One mesh with the given members in its views and its primitive; key times and values have a view of their
+// own.
 std::string SceneJson(const std::string& views, const std::string& accessors, const std::string& primitive,
                       std::size_t size, const std::string& used) {
     const std::string lists =
@@ -130,7 +131,7 @@ Document Draco(Form form, std::size_t cut = 0) {
         bin, form);
 }
 
-// One accessor over a view that is packed as said; what can be read of it.
+// The values that can be read from an accessor whose view is compressed as given.
 std::vector<float> Unpacked(const std::string& packed, std::size_t stride, const char* mode,
                             const char* filter, const std::string& accessor) {
     const std::string json = Join(
@@ -151,7 +152,7 @@ std::string PackedVertices(const std::string& bytes, std::size_t stride) {
     return BytesOf(out);
 }
 
-// One attribute of four vertices, of the type given in the codec and in the document.
+// One attribute of four vertices, with the given types in the codec and in the document.
 template <typename T>
 std::vector<float> UnpackedAttribute(draco::DataType type, gltf::Component component,
                                      const std::vector<T>& values) {
@@ -183,7 +184,7 @@ bool IsSame(const Document& a, const Document& b) {
     return compare::CompareScenes(a, b, {}).IsSame();
 }
 
-TEST(Decode, ReadsWhatCodecsHold) {
+TEST(Decode, ReadsCompressedData) {
     EXPECT_FALSE(gltf::HasData(Meshopt(Form::kAsItIs), 0));
     const Document plain = Plain();
     for (const Document& document : {Meshopt(Form::kDecoded), Draco(Form::kDecoded)}) {
@@ -210,7 +211,7 @@ TEST(Decode, FiltersAreUndone) {
     const char* const kShorts = R"("componentType":5122,"normalized":true,"type":"VEC4")";
     expectNear(Unpacked(packed, 8, "ATTRIBUTES", "QUATERNION", kShorts), turns, 1e-3F);
     EXPECT_TRUE(Unpacked(packed, 8, "ATTRIBUTES", "UNKNOWN", kShorts).empty());
-    // Bytes hold no turns.
+    // Bytes cannot encode quaternions.
     EXPECT_TRUE(
         Unpacked(PackedVertices(packed.substr(0, 16), 4), 4, "ATTRIBUTES", "QUATERNION", kBytes).empty());
 
@@ -251,23 +252,23 @@ TEST(Decode, AttributesKeepTheirType) {
     EXPECT_EQ(
         (UnpackedAttribute<std::uint32_t>(draco::DT_UINT32, Component::kUnsignedInt, {0, 1, 70000, 1 << 24})),
         (std::vector<float>{0, 1, 70000, 1 << 24}));
-    // What its type cannot hold is not taken for something else.
+    // Values that the type cannot hold are not reinterpreted.
     EXPECT_TRUE((UnpackedAttribute<std::uint16_t>(draco::DT_UINT16, Component::kUnsignedByte, {0, 1, 2, 300}))
                     .empty());
 }
 
-TEST(Decode, WhatIsNotNeededStaysAsItIs) {
+TEST(Decode, DoesNotChangeSavedDocuments) {
     const gltf::test::TemporaryFolder folder;
     Draco(Form::kAsItIs).Save(folder / "before.glb");
     Draco(Form::kDecoded).Save(folder / "after.glb");
     EXPECT_EQ(folder.Read("after.glb"), folder.Read("before.glb"));
 }
 
-TEST(Decode, ContentFollowsElementsThatAreRenumbered) {
+TEST(Decode, ContentFollowsRenumberedElements) {
     Document document = Draco(Form::kDecoded);
     const std::vector<float> triangle{0, 0, 0, 1, 0, 0, 0, 1, 0};
     ASSERT_EQ(gltf::AppendFloats(document, "VEC3", gltf::Use::kPosition, triangle), 2U);
-    // The faces lose their indices: accessor 1 goes, and the one behind it takes its number.
+    // The faces lose their indices: accessor 1 is removed, and the next one gets its number.
     document.Elements(Kind::kMesh)[0].Find("primitives")->Items()[0].EraseMember("indices");
     gltf::Removal removal;
     removal[gltf::Ordinal(Kind::kAccessor)] = {false, true, false};
@@ -292,7 +293,7 @@ TEST(Decode, PlainDocumentsNeedNoCodec) {
 }
 
 TEST(Decode, QuantizedVerticesBecomeFloats) {
-    // Bytes from -127 to 127 as fractions, four bytes a vertex.
+    // Normalized bytes from -127 to 127, four bytes per vertex.
     const std::string bin("\x7f\0\x81\0\0\x7f\0\0\0\0\x7f\0", 12);
     const std::string json =
         R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_mesh_quantization"],"extensionsRequired":["KHR_mesh_quantization"],)"
@@ -310,7 +311,7 @@ TEST(Decode, QuantizedVerticesBecomeFloats) {
 }
 
 TEST(Decode, MorphTargetsAndTextureCoordinatesBecomeFloatsToo) {
-    // Fractions of unsigned bytes are texture coordinates as they are; signed and whole ones are quantized.
+    // Normalized unsigned bytes are plain texture coordinates; signed and unnormalized ones are quantized.
     const std::string bin("\x7f\0\x81\0\0\x7f\0\0\0\0\x7f\0", 12);
     const std::string json =
         R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_mesh_quantization"],"extensionsRequired":["KHR_mesh_quantization"],)"
@@ -329,7 +330,7 @@ TEST(Decode, MorphTargetsAndTextureCoordinatesBecomeFloatsToo) {
     EXPECT_EQ(gltf::ReadFloats(after, 3), (std::vector<float>{1, 0, -1, 0, 1, 0, 0, 0, 1}));
 }
 
-TEST(Decode, BrokenDataIsLeftUnreadAndWarnedOf) {
+TEST(Decode, BrokenDataIsUnavailableAndCausesAWarning) {
     const Document meshopt = Meshopt(Form::kDecoded, "\x11");
     EXPECT_FALSE(gltf::HasData(meshopt, 0));
     EXPECT_TRUE(gltf::HasData(meshopt, 1));
@@ -341,7 +342,7 @@ TEST(Decode, BrokenDataIsLeftUnreadAndWarnedOf) {
         EXPECT_FALSE(gltf::HasData(draco, 0)) << cut;
         EXPECT_EQ(draco.Warnings().size(), 1U) << cut;
     }
-    // What cannot be read is not made plain either.
+    // Data that cannot be decoded is not made plain.
     EXPECT_NE(Draco(Form::kPlain, 20).Root().Find("extensionsRequired"), nullptr);
 }
 

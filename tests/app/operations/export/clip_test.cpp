@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Parts of animations, held against an evaluation that shares no code with the export.
+// Parts of animations, compared by an evaluator that shares no code with the export.
 #include "app/operations/export/clip.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ namespace {
 
 using compare::Evaluator;
 
-// Steps, lines and cubic curves of transforms and weights, that begin and end at times of their own.
+// Step, linear and cubic curves of transforms and weights that begin and end at different times.
 gltf::Document RandomScene(unsigned seed) {
     Random random(seed);
     ScenePlan plan = MakePlan(random);
@@ -37,10 +37,10 @@ struct Case {
     ClipOptions clip;
     std::uint32_t exportFlags = 0, animFlags = 0;
     float rescale = 1;
-    double allowed = 1e-3;  // some turns pass close to none at all, where rounding counts
+    double allowed = 1e-3;  // some rotations come close to the identity, where rounding matters
 };
 
-// Where a time of the source's stretch goes.
+// The time of the result for a time of the source.
 double Mapped(double time, double from, double to, const Case& each) {
     const double speed = each.clip.speed;
     if ((each.animFlags & vl::tk::kReverseTime) != 0) return (to - time) / speed * double{each.rescale};
@@ -97,7 +97,7 @@ void ExpectPlaysItsStretch(unsigned seed, const Case& each) {
     }
 }
 
-TEST(Clip, PlaysAsItsStretchOfTheSource) {
+TEST(Clip, PlaysLikeItsPartOfTheSource) {
     const Case cases[] = {
         {"from", {.from = 0.6F}},
         {"to", {.to = 1.45F}},
@@ -125,8 +125,8 @@ TEST(Clip, PlaysAsItsStretchOfTheSource) {
     }
 }
 
-// Too few samples are far off, and the check sees it in the source's motion.
-TEST(Clip, SamplingTellsHowFarItIsOff) {
+// Too few samples deviate much, and the check against the source detects it.
+TEST(Clip, SamplingReportsItsDeviation) {
     ExportOptions options;
     options.clip.frameRate = 1;
     EXPECT_THROW(Export(RandomScene(1), options), std::runtime_error);
@@ -136,7 +136,7 @@ TEST(Clip, SamplingTellsHowFarItIsOff) {
     EXPECT_GT(report.valueDeviation, 0.01);
 }
 
-TEST(Clip, IsNeverEmptyNorWithoutBound) {
+TEST(Clip, IsNeitherEmptyNorUnbounded) {
     const auto message = [](const ClipOptions& clip) -> std::string {
         ExportOptions options;
         options.clip = clip;

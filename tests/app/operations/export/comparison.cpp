@@ -32,7 +32,7 @@ M ObjectWorld(kernix::NodeModel* node) {
     return shown;
 }
 
-// The node that carries the object of a node in the exported scene: itself, or a new one below it.
+// The node with a node's object in the exported scene: itself, or a new one below it.
 template <typename Object>
 kernix::NodeModel* Carrier(const LoadedScene& exported, kernix::NodeModel* node, std::size_t oldCount) {
     std::vector<kernix::NodeModel*> open = {node};
@@ -62,7 +62,7 @@ M Mirror() {
     return m;
 }
 
-// What the joints that are in the scene make of a point of the mesh.
+// The matrices by which the joints in the scene move points of the mesh.
 std::vector<M> SkinMatrices(LoadedScene& scene, std::size_t index) {
     const gltf::Json& skin = scene.Document().Elements(gltf::Kind::kSkin)[index];
     std::vector<float> binds;
@@ -109,8 +109,8 @@ void Comparison::Compare(const M& actual, const M& expected, const char* what, i
     }
 }
 
-// Where the host shows it: looking along -Z with Y up. Its mirror image is a proper one, but for left and
-// right.
+// Compares where the host shows it, looking along -Z with Y up. Where axes are exchanged, the result is the
+// mirror image, apart from left and right.
 template <typename Object>
 void Comparison::CompareAimed(kernix::NodeModel* node, kernix::NodeModel* exported, const char* what) {
     auto* object = dynamic_cast<Object*>(node->m_pObject);
@@ -138,7 +138,7 @@ void Comparison::Run(const std::string& where) {
         kernix::NodeModel* exported = m_after.Node(*m_before.IndexOf(node));
         ASSERT_NE(exported, nullptr) << where << ", node " << index;
         const bool hasMesh = dynamic_cast<vl::zr::Mesh*>(node->m_pObject) != nullptr;
-        // A node that lost its object to a new one may have become that one's pivot.
+        // A node whose object moved to a new node may have become the pivot of that.
         if (!hasMesh || dynamic_cast<vl::zr::Mesh*>(exported->m_pObject) != nullptr) {
             M frame = Moved(World(node));
             if (m_flipped) frame.SetMul(Exchange(), frame);

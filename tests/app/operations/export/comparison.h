@@ -9,16 +9,16 @@
 
 namespace zr::test {
 
-// Holds an exported scene against the scene before, both at the times that they have: the latter transformed
-// by the scene's matrix, and its mirror image where axes are exchanged. Compared are the frames of nodes, and
-// where meshes, cameras and lights are shown and joints move the points of a mesh.
+// Compares an exported scene with the original, each at its current time, after transforming the original by
+// the scene matrix and exchanging axes if the export does. Compares node transforms, the places of meshes,
+// cameras and lights, and points of meshes moved by joints.
 class Comparison {
 public:
     Comparison(LoadedScene& before, LoadedScene& after, const ExportOptions& options);
 
     void Run(const std::string& where);
 
-    // The greatest difference of a number so far, and where it is.
+    // The greatest difference of a matrix element so far. Place() describes where it is.
     double Greatest() const { return m_greatest; }
     const std::string& Place() const { return m_place; }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Exports whole scenes through the module and compares where everything stands at 200 times of each
-// animation. ZR_TEST_SCENES may name further scenes, separated by colons.
+// Exports whole scenes through the module and compares all transforms at 200 times of each animation.
+// ZR_TEST_SCENES may list further scenes, separated by colons.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -68,7 +68,7 @@ ExportOptions OptionsOf(const Variant& variant) {
     return options;
 }
 
-// Where the time of the scene stands in the exported animation.
+// The time in the exported animation for a time of the scene.
 double Mapped(double time, double start, double end, const Variant& variant) {
     double factor =
         variant.animFlags == 0 || variant.animFlags == vl::tk::kResampleKeys ? 1 : double{variant.rescale};
@@ -90,7 +90,7 @@ double SizeOf(kernix::SceneModel& scene) {
     return size;
 }
 
-// The greatest difference of a number, relative to the size of the scene.
+// Returns the greatest difference, relative to the size of the scene.
 double CheckMotion(const std::filesystem::path& file, const Variant& variant) {
     const gltf::test::TemporaryFolder folder;
     const ExportOptions options = OptionsOf(variant);
@@ -119,7 +119,7 @@ double CheckMotion(const std::filesystem::path& file, const Variant& variant) {
         made.SetActiveAnimation(madeAnimation);
         const double start = old.GetStartTime(oldAnimation), end = old.GetEndTime(oldAnimation);
         for (int s = 0; s < kSamples && !testing::Test::HasFatalFailure(); ++s) {
-            // Between the marks of a clock, where steps are unlikely to stand.
+            // Avoids round times, where steps are likely.
             const double time = start + (end - start) * (s + 0.37) / kSamples;
             old.SetCurrentTime(static_cast<float>(time), 1);
             made.SetCurrentTime(static_cast<float>(Mapped(time, start, end, variant)), 1);
@@ -130,7 +130,7 @@ double CheckMotion(const std::filesystem::path& file, const Variant& variant) {
     return comparison.Greatest() / size;
 }
 
-// A parent that is turned, a child that is animated in every way, pivots, an offset and a sheared node.
+// A rotated parent, a child with all kinds of animation, pivots, an offset and a sheared node.
 std::string MotionScene() {
     using gltf::test::Floats;
     const std::string positions = Floats({0, 0, 0, 1, 0, 0, 0, 1, 0});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What options leave out takes nothing else along.
+// What options leave out does not affect the rest.
 #include <gtest/gtest.h>
 
 #include "app/operations/compare/evaluator.h"
@@ -29,7 +29,7 @@ gltf::Document ExportedWith(gltf::Document document, const ExportOptions& option
     return ExportScene(TheHost(), std::move(loaded), options, [](double) {}).document;
 }
 
-// What each node shows, by its name: m for a mesh, c for a camera, l for a light.
+// The nodes with their objects: "name:" and m for a mesh, c for a camera, l for a light.
 std::string Shown(const gltf::Document& document) {
     std::string shown;
     for (const Json& node : document.Elements(Kind::kNode)) {
@@ -41,7 +41,7 @@ std::string Shown(const gltf::Document& document) {
     return shown;
 }
 
-// Meshes of points, of lines, and of triangles and lines whose data nobody can read.
+// Meshes of points, of lines, and of triangles and lines whose data cannot be read.
 constexpr const char* kMeshes = R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1, 2, 3, 4]}],
     "extensionsUsed": ["KHR_draco_mesh_compression", "KHR_lights_punctual"],
     "nodes": [{"name": "points", "mesh": 0}, {"name": "eye", "mesh": 0, "camera": 0},
@@ -62,7 +62,7 @@ constexpr const char* kMeshes = R"({"asset": {"version": "2.0"}, "scenes": [{"no
         "extensions": {"EXT_meshopt_compression": {"buffer": 0, "byteLength": 3}}}],
     "buffers": [{"byteLength": 3, "uri": "data:;base64,AAAA"}, {"byteLength": 36}]})";
 
-TEST(LeftOut, MeshesGoWithoutTheirNodesCamerasAndLights) {
+TEST(LeftOut, DroppedMeshesLeaveNodesCamerasAndLights) {
     constexpr std::uint32_t kEmpty = vl::tk::kAllRenderables, kNodes = vl::tk::kKeepAllNodes;
     const auto shown = [](std::uint32_t without, std::uint32_t with = 0) {
         ExportOptions options = Without(without);
@@ -77,8 +77,8 @@ TEST(LeftOut, MeshesGoWithoutTheirNodesCamerasAndLights) {
     EXPECT_EQ(shown(vl::tk::kExportLights), "points:m eye:mc lamp:m packed:m lines:mc");
 }
 
-// A camera that stands and a light that moves aim at nodes that go: an empty one below a moving one, and the
-// child that a selector does not show, with a skin of its own.
+// A fixed camera and a moving light aim at nodes that are left out: an empty node below a moving one, and the
+// hidden child of a selector, which has its own skin.
 gltf::Document Aiming() {
     const std::string json = R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 2, 3, 5]}],
     "extensionsUsed": ["ZR_scene", "KHR_lights_punctual"],
@@ -111,7 +111,7 @@ std::size_t Named(const gltf::Document& document, std::string_view name) {
     return found;
 }
 
-TEST(LeftOut, AimsFollowTargetsThatGo) {
+TEST(LeftOut, AimsFollowTargetsThatAreLeftOut) {
     const gltf::Document all = ExportedWith(Aiming(), ExportOptions());
     Evaluator expected(all);
     for (const std::uint32_t without :
@@ -135,7 +135,7 @@ TEST(LeftOut, AimsFollowTargetsThatGo) {
     }
 }
 
-TEST(LeftOut, JointsOfSkinsThatStayAreMissed) {
+TEST(LeftOut, RefusesToDropJointsOfRemainingSkins) {
     constexpr const char* kSkinned = R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],
         "nodes": [{"mesh": 0, "skin": 0}, {}], "skins": [{"joints": [1]}],
         "meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]}],
@@ -160,8 +160,8 @@ std::string Records(gltf::Document document, const ExportOptions& options) {
     return folder.Read("out.json");
 }
 
-// Also what turns after its aim has no keys of its own then.
-TEST(LeftOut, RecordsHoldTheKeysThatTheToolsCount) {
+// With kGroupKeysOnly, cameras and lights that follow a target have no keys either.
+TEST(LeftOut, RecordsContainTheKeysThatTheToolsCount) {
     ExportOptions groups;
     groups.animFlags |= vl::tk::kGroupKeysOnly;
     for (const ExportOptions& options : {ExportOptions(), groups}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A command writes nothing that it made useless, and keeps what was useless before.
+// Commands remove data that they made unused and keep data that was unused before.
 #include <gtest/gtest.h>
 
 #include "app/operations/export/export_scene.h"
@@ -15,8 +15,8 @@ using gltf::Document;
 using gltf::Json;
 using gltf::Kind;
 
-// Two tracks that share their key times, and data that nothing uses: accessor 3, view 3 and buffer 1.
-// EXTENSIONS stands for members of the document.
+// Two tracks that share their key times, and unused data: accessor 3, view 3 and buffer 1. EXTENSIONS is a
+// placeholder for members of the document.
 constexpr const char* kScene = R"({"asset": {"version": "2.0"}, EXTENSIONS
     "scenes": [{"nodes": [0]}], "nodes": [{}],
     "buffers": [{"byteLength": 44, "uri": "data:;base64,AAAAAAAAgD8AAIA/AAAAQAAAQEAAAIBAAACgQAAAwEAAAOBAAAAAQQAAEEE="},
@@ -59,7 +59,7 @@ std::size_t CountUnreferenced(Document& document) {
     return count;
 }
 
-TEST(Leftovers, NothingStaysThatTheExportMadeUseless) {
+TEST(Leftovers, WhatTheExportMadeUnusedIsRemoved) {
     Document source = gltf::test::Sample();
     ASSERT_EQ(CountUnreferenced(source), 0U);
     const auto expectNone = [](const char* what, std::uint32_t with, std::uint32_t without,
@@ -78,7 +78,7 @@ TEST(Leftovers, NothingStaysThatTheExportMadeUseless) {
                vl::tk::kExportCameras | vl::tk::kExportLights | vl::tk::kAllRenderables, 0);
 }
 
-TEST(Leftovers, WhatWasUselessBeforeStays) {
+TEST(Leftovers, WhatWasUnusedBeforeStays) {
     Document document = Export(Scene(""), Slower()).document;
     EXPECT_EQ(CountUnreferenced(document), 3U);
     const gltf::test::TemporaryFolder folder;
@@ -87,14 +87,14 @@ TEST(Leftovers, WhatWasUselessBeforeStays) {
     std::size_t dead = 0;
     while (gltf::Describe(again, dead).count != 4) ++dead;
     EXPECT_EQ(gltf::ReadIntegers(again, dead), (std::vector<std::uint32_t>{0, 1, 2, 3}));
-    // The times are stored once, and no byte of the keys before is left.
+    // The times are stored once, and no byte of the old keys is left.
     EXPECT_EQ(again.Elements(Kind::kAccessor).size(), 4U);
     std::size_t bytes = 0;
     for (const Json& buffer : again.Elements(Kind::kBuffer)) bytes += gltf::IndexMember(buffer, "byteLength");
     EXPECT_EQ(bytes, 8U + 24 + 24 + 8);
 }
 
-TEST(Leftovers, RemovedAnimationsTakeTheirKeysAlong) {
+TEST(Leftovers, RemovingAnimationsRemovesTheirKeys) {
     const auto removeFrom = [](Document document) {
         LoadedScene loaded(std::move(document));
         loaded.Scene().DeleteAnimation(loaded.Animation(0));
@@ -102,7 +102,7 @@ TEST(Leftovers, RemovedAnimationsTakeTheirKeysAlong) {
     };
     WrittenBack written = removeFrom(Scene(""));
     EXPECT_TRUE(written.refusals.empty());
-    EXPECT_EQ(written.document.Elements(Kind::kAccessor).size(), 1U) << "useless before, it stays";
+    EXPECT_EQ(written.document.Elements(Kind::kAccessor).size(), 1U) << "it was unused before and stays";
     EXPECT_EQ(written.document.Elements(Kind::kBuffer).size(), 1U);
 
     written = removeFrom(Scene(R"("extensionsUsed": ["ODD_x"], "extensions": {"ODD_x": {"accessor": 0}},)"));
@@ -110,7 +110,7 @@ TEST(Leftovers, RemovedAnimationsTakeTheirKeysAlong) {
     EXPECT_EQ(written.document.Elements(Kind::kAccessor).size(), 4U);
 }
 
-TEST(Leftovers, AnUnknownExtensionThatMayReferToThemKeepsThem) {
+TEST(Leftovers, AnUnknownExtensionThatMayReferToDataKeepsIt) {
     const std::string odd = R"("extensionsUsed": ["ODD_x"], "extensions": {"ODD_x": {"accessor": 0}},)";
     Exported kept = Export(Scene(odd), Slower());
     ASSERT_EQ(kept.refusals.size(), 1U);
@@ -121,7 +121,7 @@ TEST(Leftovers, AnUnknownExtensionThatMayReferToThemKeepsThem) {
     EXPECT_TRUE(taken.refusals.empty());
     EXPECT_EQ(taken.document.Elements(Kind::kAccessor).size(), 4U);
 
-    EXPECT_TRUE(Export(Scene(odd), ExportOptions()).refusals.empty()) << "where nothing changes";
+    EXPECT_TRUE(Export(Scene(odd), ExportOptions()).refusals.empty()) << "nothing changes";
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What merging leaves of baked motion, from the keys of a curve to the exported file.
+// Merging keys of baked motion, from single curves to exported files.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ using Values = std::vector<float>;
 constexpr std::size_t kLegs = 3;
 constexpr std::size_t kLegKeys = 60;
 
-// What a reader with single precision shows of a straight curve.
+// The value of a linear curve for a reader with single precision.
 Values Shown(const Curve& curve, float time) {
     const std::size_t width = curve.Width();
     const auto after = std::upper_bound(curve.times.begin(), curve.times.end(), time);
@@ -38,7 +38,7 @@ Values Shown(const Curve& curve, float time) {
     return {a[0] + (b[0] - a[0]) * s, a[1] + (b[1] - a[1]) * s, a[2] + (b[2] - a[2]) * s};
 }
 
-// The greatest difference of a number at the keys of the curve and halfway between them.
+// The greatest difference of a component at the keys of the curve and halfway between them.
 double Deviation(const Curve& curve, const Curve& thinned) {
     double greatest = 0;
     const auto compare = [&](float time) {
@@ -57,7 +57,7 @@ double Deviation(const Curve& curve, const Curve& thinned) {
     return greatest;
 }
 
-// Straight from one value to the next, baked with 30 keys a second: value(leg, share) in double precision.
+// Piecewise linear motion, baked to 30 keys per second: value(leg, fraction) in double precision.
 template <typename Value>
 Curve Bake(const Value& value) {
     Curve curve;
@@ -105,7 +105,7 @@ private:
     std::mt19937 m_engine{11};
 };
 
-TEST(Thinned, TakesNineOfTenBakedKeysAndKeepsTheMotion) {
+TEST(Thinned, DropsNineOfTenBakedKeysAndKeepsTheMotion) {
     Random random;
     std::size_t before = 0, after = 0;
     for (int run = 0; run < 50; ++run) {
@@ -122,14 +122,14 @@ TEST(Thinned, TakesNineOfTenBakedKeysAndKeepsTheMotion) {
     std::printf("%zu baked keys became %zu\n", before, after);
 }
 
-TEST(Thinned, KeepsWhatALineDoesNotMeet) {
+TEST(Thinned, KeepsKeysOffTheLine) {
     const Curve exact{vl::zr::kInterpolationLinear,
                       {0, 1, 2, 3, 4, 5},
                       {0, 8, 1, 1, 6, 1, 2, 4, 1, 3, 2, 1, 3, 2, 1, 3, 2, 1}};
     EXPECT_EQ(Thinned(exact).times, (Values{0, 3, 5}));
     EXPECT_EQ(Thinned(exact).values, (Values{0, 8, 1, 3, 2, 1, 3, 2, 1}));
 
-    // A jump between two times next to each other, and a small motion before a large one.
+    // A jump between two adjacent float times, and a small motion before a large one.
     const float after = std::nextafter(2.0f, 3.0f);
     const Curve jump{vl::zr::kInterpolationLinear,
                      {0, 1, 2, after, 4, 5, 6},
@@ -145,8 +145,8 @@ TEST(Thinned, KeepsWhatALineDoesNotMeet) {
     }
 }
 
-// One and a half turns the same way, the quaternions with changing signs.
-TEST(Thinned, KeepsTheWayAround) {
+// One and a half turns in one direction; the quaternions change signs.
+TEST(Thinned, KeepsTheDirectionOfRotation) {
     Curve curve;
     for (int i = 0; i <= 90; ++i) {
         const double half = i * 3.14159265358979 / 60;
@@ -159,7 +159,7 @@ TEST(Thinned, KeepsTheWayAround) {
     EXPECT_LE(thinned.times.size(), 6u);
     EXPECT_LT(Deviation(curve, thinned), 1e-6);
 
-    // Keys further than half a turn apart stay, also where each goes on the way of the one before.
+    // Keys that are nearly half a turn apart stay.
     const Curve far{vl::zr::kInterpolationLinear, {0, 1, 2}, {0, 0, 0, 1, 0, 1, 0, 0.02f, 0, 0, 0, 1}};
     EXPECT_EQ(Thinned(far), far);
 }
@@ -186,7 +186,8 @@ TEST(MergedExport, HoldsAtEveryKeyOfTheScene) {
         EXPECT_EQ(report.keysBefore, count);
         EXPECT_LE(10 * report.keysAfter, count);
         EXPECT_GT(report.deviation, 0);
-        EXPECT_LT(report.deviation, 3e-6);  // of points one unit along the axes, with all three together
+        EXPECT_LT(report.deviation,
+                  3e-6);  // of points one unit along the axes, from position, rotation and scale together
         if ((flags & vl::tk::kFlipAxes) != 0) continue;
 
         const gltf::test::TemporaryFolder folder;

@@ -43,8 +43,7 @@ MotionReport Check(LoadedScene& loaded, const ExportOptions& options, const Curv
     return report;
 }
 
-// The hand goes straight where it should go along its arc: off by the height of the arc when the arm is
-// turned by half as much as it should be.
+// The arm turns by half the angle that it should.
 TEST(MotionCheck, FindsTheGreatestDistance) {
     const auto sine = static_cast<float>(std::sin(0.3926990816987)), cosine = std::sqrt(1 - sine * sine);
     const Curve eighth{{}, {0, 1}, {0, 0, 0, 1, 0, 0, sine, cosine}};
@@ -54,7 +53,8 @@ TEST(MotionCheck, FindsTheGreatestDistance) {
         LoadedScene loaded = Arm(QuarterTurn());
         EXPECT_EQ(Check(loaded, options, QuarterTurn()).deviation, 0);
         const MotionReport report = Check(loaded, options, eighth);
-        // The point one unit further along the hand is furthest off: the chord of an eighth of a turn at 11.
+        // The point one unit further along the hand deviates most: by the chord of an eighth of a turn at
+        // radius 11.
         EXPECT_NEAR(report.deviation, 2 * 11 * static_cast<double>(sine), 1e-4);
         EXPECT_EQ(report.node, "hand");
         EXPECT_EQ(report.time, 1);
@@ -65,7 +65,7 @@ TEST(MotionCheck, FindsTheGreatestDistance) {
     }
 }
 
-// The check of an export that writes these two positions, at 0 and 1 s, in place of the track's.
+// Checks an export that replaces the track's positions with these two, at 0 and 1 s.
 MotionReport CheckOtherPositions(LoadedScene& loaded, kernix::AnimationModel* animation,
                                  kernix::TransformTrack& track, const ExportOptions& options,
                                  std::vector<float> positions) {
@@ -94,7 +94,7 @@ TEST(MotionCheck, CoversAllNodesWithinItsBudget) {
     EXPECT_NEAR(report.deviation, 5, 1e-6);
 }
 
-// A tower in a line is lifted, everywhere as far beside its way: enough to compare for several threads.
+// A chain of nodes moves with the same deviation everywhere; it is long enough for several threads.
 TEST(MotionCheck, OfEqualDistancesNamesTheFirst) {
     std::string nodes = R"({"name": "lift", "children": [1)", levels;
     for (int i = 2; i <= 300; ++i) nodes += "," + std::to_string(i);
@@ -114,8 +114,8 @@ TEST(MotionCheck, OfEqualDistancesNamesTheFirst) {
     EXPECT_NEAR(report.size, 11, 1e-6);
 }
 
-TEST(MotionCheck, StopsAnExportThatIsTooFarOff) {
-    Curve turn;  // at one speed, each key rounded on its own
+TEST(MotionCheck, StopsAnExportThatDeviatesTooMuch) {
+    Curve turn;  // at constant speed, each key rounded separately
     for (int i = 0; i <= 100; ++i) {
         const double half = 0.01 * i;
         turn.times.push_back(static_cast<float>(i) / 30);

@@ -15,8 +15,8 @@ namespace {
 using gltf::Kind;
 using Names = std::vector<std::string>;
 
-// A house with a door on a layer of its own, a camera that aims at a node beside it, a dressed skeleton whose
-// leg has a mesh too, and a tree with a coarser form of which the roof is one.
+// A house with a door on its own layer, a camera that aims at a node beside it, a skinned skeleton whose leg
+// has a mesh too, and a tree whose level of detail is the roof.
 gltf::Document House() {
     return gltf::test::FromText(R"({
       "asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0, 5, 6, 7, 9]}],
@@ -44,7 +44,7 @@ gltf::Document House() {
 
 struct Chosen {
     Names nodes;
-    Names bare;  // of these, those that show nothing
+    Names bare;  // of these, the ones that show nothing
     Names notes;
     gltf::Document document;
 };
@@ -65,23 +65,23 @@ Chosen Choose(const NodeChoice& choice) {
     return chosen;
 }
 
-TEST(NodeChoice, AnExcludedNodeGoesWithAllBelowIt) {
+TEST(NodeChoice, AnExcludedNodeGoesWithItsDescendants) {
     const Chosen chosen = Choose({.exclude = {"do*", "nothing"}});
     EXPECT_EQ(chosen.nodes, (Names{"aim", "body", "cam", "hip", "house", "leg", "roof", "tree"}));
     EXPECT_EQ(chosen.notes, Names{"no node's name matches \"nothing\""});
-    // The knob's mesh is of no use any more.
+    // The knob's mesh is unused now.
     EXPECT_EQ(chosen.document.Elements(Kind::kMesh).size(), 1U);
     EXPECT_EQ(chosen.document.Elements(Kind::kAnimation)[0].Find("channels")->Items().size(), 2U);
 }
 
-TEST(NodeChoice, WhatTheShownNeedStaysAsAGroup) {
+TEST(NodeChoice, NodesNeededByShownOnesStayAsGroups) {
     const Chosen knob = Choose({.only = {"knob"}});
     EXPECT_EQ(knob.nodes, (Names{"door", "house", "knob"}));
     EXPECT_EQ(knob.bare, (Names{"door", "house"}));
     EXPECT_TRUE(knob.notes.empty());
     EXPECT_TRUE(knob.document.Elements(Kind::kSkin).empty());
     EXPECT_TRUE(knob.document.Elements(Kind::kCamera).empty());
-    // The house moves as it did.
+    // The house keeps its motion.
     EXPECT_EQ(knob.document.Elements(Kind::kAnimation)[0].Find("channels")->Items().size(), 1U);
 
     const Chosen body = Choose({.only = {"body"}});
@@ -94,7 +94,7 @@ TEST(NodeChoice, WhatTheShownNeedStaysAsAGroup) {
     EXPECT_EQ(cam.notes, Names{"node \"aim\" stays: node \"cam\" aims at it"});
 }
 
-TEST(NodeChoice, TellsWhatStaysAndWhatIsLost) {
+TEST(NodeChoice, ReportsWhatStaysAndWhatIsLost) {
     const Chosen bones = Choose({.exclude = {"hip"}});
     EXPECT_EQ(bones.notes, Names{"node \"hip\" and 1 more stay: joints of the skin of node \"body\""});
     EXPECT_TRUE(std::find(bones.bare.begin(), bones.bare.end(), "leg") != bones.bare.end());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the passes for axes, aims and names leave in the exported document.
+// The effect of the passes for axes, aims and names on the exported document.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -76,8 +76,8 @@ TEST(FlipObjects, MovesContentToChildren) {
                                          1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1}));
 }
 
-// A camera that stands still and a target that passes by: the exported nodes alone, without the host's
-// knowledge of the target, look at it.
+// A fixed camera and a target that passes by: the exported camera node itself turns towards it, without the
+// host's knowledge of the target.
 TEST(ExportedAim, FollowsTheTarget) {
     for (const std::uint32_t targets : {vl::tk::kCameraTargetRecords, vl::tk::kCameraTargetKeys}) {
         LoadedScene loaded(
@@ -108,7 +108,7 @@ TEST(ExportedAim, FollowsTheTarget) {
     }
 }
 
-// What stands below a camera or light that aims, or shares its node, does not turn with it.
+// What is below a camera or light that aims, or shares its node, does not turn with it.
 TEST(ExportedAim, TurnsNothingElse) {
     gltf::Document document =
         gltf::test::FromText(R"({"asset": {"version": "2.0"}, "extensionsUsed": ["ZR_scene"],
@@ -141,8 +141,8 @@ TEST(ExportedAim, TurnsNothingElse) {
     EXPECT_TRUE(World(after.Node(2)).IsIdentity(1e-6));
 }
 
-// A step that ends before the animation is held to its end, and backwards from the start; a channel that
-// moves nothing known keeps time.
+// A step curve that ends before the animation holds its value to the end or, played backwards, from the
+// start; a channel with an unknown target is retimed too.
 TEST(ExportedSteps, AreHeldBackwardsToo) {
     ExportOptions options;
     options.animFlags |= vl::tk::kReverseTime;
@@ -175,7 +175,7 @@ TEST(ExportedSteps, AreHeldBackwardsToo) {
     }
 }
 
-// A target record that has no node of its own becomes a node with the motion that was sampled for it.
+// A target record without a node becomes a node with the motion sampled for it.
 TEST(ExportedAim, TargetWithoutNodeMovesToo) {
     LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
         "nodes": [{"name": "arm", "children": [1]}, {"camera": 0}],
@@ -194,8 +194,8 @@ TEST(ExportedAim, TargetWithoutNodeMovesToo) {
     EXPECT_EQ(controller->GetTrackKeyCount(vl::zr::kKeyPosition, nullptr), 2);
 }
 
-// Turns of exactly a half, of which the signs of the keys alone say which way they go.
-TEST(ExportedTurns, GoTheSameWayBelowASceneMatrix) {
+// Exact half turns, whose direction depends only on the signs of the keys.
+TEST(ExportedTurns, KeepTheirDirectionBelowASceneMatrix) {
     std::mt19937 random(3);
     std::normal_distribution<double> number;
     const auto unit = [&](double w) {
@@ -255,7 +255,7 @@ TEST(ExportedNames, ReachNodesMaterialsAndTheMap) {
     EXPECT_TRUE(gltf::EqualJson(tree.Build(map), expected)) << map;
 }
 
-TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
+TEST(ExportedRecords, ContainThePoseOfTracksWithoutKeysOnRequest) {
     for (const bool wanted : {false, true}) {
         LoadedScene loaded(gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0]}],
             "nodes": [{"translation": [1, 2, 3], "rotation": [0, 0.6, 0, 0.8]}]})"));
@@ -283,8 +283,8 @@ TEST(ExportedRecords, GiveTracksWithoutKeysThePoseWhenAsked) {
     }
 }
 
-// Keys in a compressed form that cannot be read may go out as they are; what would change them is refused.
-TEST(UnreadKeys, GoOutUnchangedOrAreRefused) {
+// Compressed keys that cannot be read may be exported unchanged; exports that would change them are refused.
+TEST(UnreadKeys, AreExportedUnchangedOrRefused) {
     const auto load = [] {
         return LoadedScene(
             gltf::test::FromText(R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1]}],

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Exports held against an evaluation that shares no code with them: every face, camera, light and morph
-// weight over time.
+// Exports compared by an evaluator that shares no code with them: every face, camera, light and morph weight
+// over time.
 #include <gtest/gtest.h>
 
 #include "app/operations/compare/compare_scenes.h"
@@ -23,7 +23,7 @@ constexpr struct {
     {"geometry on nodes of its own", vl::tk::kGeometrySplit | vl::tk::kGroupSplit, 0},
 };
 
-// The scene that a file of the exported one shows, against the one before.
+// Compares the original scene with the exported file.
 void ExpectPlaysAlike(const std::function<gltf::Document()>& make) {
     for (const auto& pass : kPasses) {
         SCOPED_TRACE(pass.what);
@@ -35,9 +35,10 @@ void ExpectPlaysAlike(const std::function<gltf::Document()>& make) {
         ExportScene(TheHost(), std::move(loaded), options, [](double) {}).document.Save(folder / "out.glb");
 
         compare::CompareOptions comparison;
-        // Turned curves are straightened to a hundred thousandth of their range, along the whole hierarchy.
+        // Rotated curves are linearized to a hundred thousandth of their range, which adds up along the
+        // hierarchy.
         comparison.tolerance = {1e-3, 1e-3, 1e-3};
-        // Where geometry is split off, the nodes are others; what is seen is the same.
+        // Splitting geometry changes the nodes; what is visible stays the same.
         const bool splits = (pass.exportFlags & vl::tk::kGeometrySplit) != 0;
         comparison.aspects = {false, true, !splits, true, true, !splits};
         const auto result =

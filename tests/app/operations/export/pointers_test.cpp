@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What refers to places in the document by path still leads there after an export.
+// JSON pointers in the document still lead to the same places after an export.
 #include <gtest/gtest.h>
 
 #include "app/operations/export/export_scene.h"
@@ -12,7 +12,7 @@ namespace {
 using gltf::Json;
 using gltf::Kind;
 
-// A node with a mesh of morph targets and a child, behind a node that carries nothing.
+// A node with a child and a mesh with morph targets, after an empty node.
 constexpr const char* kPointingScene = R"({"asset": {"version": "2.0"},
     "extensionsUsed": ["KHR_animation_pointer", "KHR_interactivity", "KHR_lights_punctual", "KHR_node_visibility"],
     "scenes": [{"nodes": [0, 1]}],
@@ -90,7 +90,7 @@ TEST(Pointers, FollowAMeshToItsNewNode) {
         << "no weights without the mesh";
 }
 
-TEST(Pointers, FollowNodesThatChangeTheirPlaceAlone) {
+TEST(Pointers, FollowNodesThatOnlyChangeTheirIndex) {
     const std::string scene = Scene({{1, "/nodes/2/translation"},
                                      {3, "/nodes/3/extensions/KHR_node_visibility/visible"},
                                      {2, "/materials/0/pbrMetallicRoughness/baseColorFactor"},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Documents of several scenes, with nodes outside of them: every node is held against an evaluation that
-// shares no code with the export.
+// Documents with several scenes and nodes outside them; every node is compared by an evaluator that shares no
+// code with the export.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -25,9 +25,9 @@ using gltf::IndexMember;
 using gltf::Json;
 using gltf::Kind;
 
-// Two scenes that share node 0; levels of detail 5 (of a node at the top), 6 (of one below a parent) and 7
-// (of a level); a skeleton of 8 and 9 that stands in no scene. Nodes of all of them move, and so does the
-// factor of a material that nothing shows.
+// Two scenes that share node 0; levels of detail 5 (of a root), 6 (of a node with a parent) and 7 (of another
+// level); a skeleton, 8 and 9, outside the scenes. Nodes of all these are animated, and so is a factor of an
+// unused material.
 constexpr const char* kNodes =
     R"({"name": "shared", "mesh": 0, "rotation": [0, 0.6, 0, 0.8], "children": [10]},
     {"name": "group", "translation": [5, 0, 0], "rotation": [0.6, 0, 0, 0.8], "children": [2]},
@@ -82,12 +82,13 @@ gltf::Document ExportAndLoad(gltf::Document document, const ExportOptions& optio
     return gltf::Document::Load(folder / "out.glb");
 }
 
-// The node that each level of detail of TwoScenes stands for, in the end.
+// The node that a level of detail of TwoScenes finally stands for.
 std::size_t BaseOf(std::size_t node) {
     return node == 5 ? 3 : node == 6 || node == 7 ? 2 : node;
 }
 
-// Where the node is shown: a level where the node is that it stands for. Old nodes keep their numbers.
+// The transform with which the node is shown: a level of detail below the parent of its node. Old nodes keep
+// their indices.
 Affine Place(const Evaluator& evaluator, std::size_t node) {
     const std::size_t base = BaseOf(node);
     const std::size_t above = base != node ? evaluator.Parent(base) : compare::kNone;
@@ -122,7 +123,7 @@ double Mapped(const SceneVariant& variant, double time) {
     return variant.animFlags != 0 ? (time - 0.5) * factor : time / variant.speed;
 }
 
-// The place in the exported space.
+// A transform of the source in the exported space.
 Affine Exported(const SceneVariant& variant, Affine place) {
     const auto point = [&](Vec3 p) {
         p = p * variant.scale;
@@ -171,7 +172,7 @@ TEST(ExportedScenes, AllMoveTogether) {
         if ((variant.exportFlags & vl::tk::kFlipAxes) == 0) continue;
         for (const Json& node : document.Elements(Kind::kNode))
             EXPECT_TRUE(node.Find("mesh") == nullptr || node.Find("matrix") != nullptr)
-                << "a mesh that is not turned";
+                << "a mesh that is not rotated";
     }
 }
 
@@ -187,7 +188,7 @@ std::vector<std::vector<std::size_t>> RootsOf(const gltf::Document& document) {
 
 using Roots = std::vector<std::vector<std::size_t>>;
 
-// Nodes that scenes share have a root that the scenes share.
+// Nodes that scenes share have a grouping root that the scenes share.
 TEST(ExportedScenes, KeepTheirRoots) {
     EXPECT_EQ(RootsOf(ExportAndLoad(TwoScenes(), ExportOptions())), (Roots{{0, 3, 4}, {1, 0}}));
     ExportOptions options;
@@ -220,7 +221,7 @@ TEST(ExportedScenes, ChooseLevelsWithTheirNode) {
     EXPECT_EQ(RootsOf(document), (Roots{{0}, {}}));
 }
 
-// An empty level says that nothing is seen there.
+// An empty level means that nothing is shown at that level.
 TEST(ExportedScenes, KeepEmptyLevelsOfWhatStays) {
     ExportOptions options;
     options.exportFlags &= ~std::uint32_t{vl::tk::kKeepAllNodes};
@@ -234,7 +235,7 @@ TEST(ExportedScenes, KeepEmptyLevelsOfWhatStays) {
     EXPECT_EQ(RootsOf(document), (Roots{{0}}));
 }
 
-TEST(KeptScene, TakesWhatItRefersToAlone) {
+TEST(KeptScene, KeepsOnlyWhatItRefersTo) {
     gltf::Document first = TwoScenes();
     KeepScene(first, 0, false);
     std::vector<std::string_view> names;

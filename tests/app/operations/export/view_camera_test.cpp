@@ -28,7 +28,7 @@ LoadedScene Windmill() {
     return LoadedScene(gltf::Document::Load(std::filesystem::path(ZR_EXAMPLES) / "windmill.gltf"));
 }
 
-// A mesh of 100 units whose one joint shrinks it to one, far from where its node stands.
+// A mesh of 100 units whose only joint shrinks it to one unit, far from its node.
 LoadedScene Skinned() {
     return LoadedScene(
         gltf::Document::FromBytes(BytesOf(gltf::test::Glb(
@@ -54,7 +54,7 @@ M World(kernix::NodeModel& node) {
     return world;
 }
 
-// The camera of the exported scene and what it sees.
+// The camera of the exported scene, with its view volume.
 class View {
 public:
     explicit View(LoadedScene& scene) {
@@ -68,7 +68,7 @@ public:
             m_place = World(*scene.Node(i));
             vl::AffineParts parts;
             m_place.AffineDecompose(parts);
-            m_toCamera.SetRotate(parts.q);  // a lens does not grow with its node
+            m_toCamera.SetRotate(parts.q);  // near and far planes do not scale with the node
             m_toCamera.MoveTo(parts.t);
             m_toCamera.Invert();
             m_lens = scene.Document().Elements(Kind::kCamera).back().Find("perspective");
@@ -130,7 +130,7 @@ TEST(ViewCamera, StandsUprightWhereSkinsAreShown) {
     EXPECT_GT(view.Up(), 0.9);
 }
 
-TEST(ViewCamera, IsExportedOnlyWhenItAndCamerasAreAskedFor) {
+TEST(ViewCamera, IsExportedOnlyIfItAndCamerasAreRequested) {
     ExportOptions options = WithCamera();
     options.exportFlags &= ~std::uint32_t{vl::tk::kExportCameras};
     LoadedScene without = AfterExport(Windmill(), options);

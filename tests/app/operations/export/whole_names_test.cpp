@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names that the tools cut hold whole characters, keep within the limit and differ.
+// Names that the tools cut contain whole characters, stay within the limit and are unique.
 #include <gtest/gtest.h>
 
 #include "app/operations/export/export_scene.h"
@@ -47,10 +47,10 @@ TEST(WholeNames, AreCutBetweenCharacters) {
     EXPECT_EQ(Exported(names, Naming(0, 4), gltf::Kind::kNode), (Names{"aaa", "aa", "a", "éé", "aaa"}));
     EXPECT_EQ(Exported({"aaa😀", "😀😀b"}, Naming(vl::tk::kNamesWide, 4), gltf::Kind::kNode),
               (Names{"aaa", "😀😀"}))
-        << "units of wide names";
+        << "wide names are counted in units";
 }
 
-TEST(WholeNames, DifferWithinTheLimit) {
+TEST(WholeNames, AreUniqueWithinTheLimit) {
     const Names names{"aaaé", "aaaè", "aaa", "AAAê", "ééé", "éééa", "éééb", "日本", "日本語", "😀", "😀😀"};
     for (const std::uint32_t wide : {0U, std::uint32_t{vl::tk::kNamesWide}}) {
         for (const gltf::Kind kind : {gltf::Kind::kNode, gltf::Kind::kMaterial}) {

@@ -35,7 +35,7 @@ Cell Text(std::string text) {
     return text;
 }
 
-TEST(Inspect, ListsWhatADocumentHolds) {
+TEST(Inspect, ListsTheContentOfADocument) {
     gltf::Document document = gltf::test::Sample();
     const std::vector<Table> tables = inspect::InspectDocument(document);
 
@@ -99,7 +99,7 @@ TEST(Inspect, WarnsWithPlaces) {
     EXPECT_TRUE(warns("/nodes/0", "is in no scene"));
     EXPECT_TRUE(warns("/meshes/1", "no node shows it"));
     EXPECT_TRUE(warns("/images/0", "the image data is missing"));
-    // What no scene shows is not looked at.
+    // Meshes outside the scenes are not checked.
     EXPECT_FALSE(warns("/meshes/0/primitives/0", "1 triangle uses a vertex twice"));
     document.Root().EraseMember("scenes");
     EXPECT_TRUE(warns("/meshes/0/primitives/0", "1 triangle uses a vertex twice"));
@@ -121,7 +121,7 @@ TEST(Inspect, WritesTables) {
               "things,name,count,size\nthings,a|b,12,1.5\nthings,\"comma, \"\"quote\"\"\n\",3,\n");
 }
 
-TEST(Inspect, ReadsHeadsOfImages) {
+TEST(Inspect, ReadsImageHeaders) {
     const auto read = [](std::string_view bytes) { return inspect::ReadImageInfo(BytesOf(bytes)); };
     const auto png = read(std::string_view("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\1\0\0\0\0\x20", 24));
     EXPECT_EQ(png.type, "PNG");

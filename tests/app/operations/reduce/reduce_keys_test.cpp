@@ -18,7 +18,7 @@ namespace {
 
 using compare::Aspect;
 
-// An arm of four joints, each a unit long, with a triangle at its end; a camera and a face beside it.
+// An arm of four joints, each one unit long, with a triangle at its end; a camera and a face beside it.
 constexpr const char* kNodes = R"(
   {"name": "shoulder", "children": [1]},
   {"name": "elbow", "translation": [1, 0, 0], "children": [2]},
@@ -43,8 +43,8 @@ public:
         return m_count++;
     }
 
-    // A piece each thirtieth of ten seconds, or so many pieces; value: width numbers at a time. Slopes of
-    // cubic curves are the values.
+    // Animates a node for ten seconds in equal pieces. value: the value at a time. Cubic curves use the
+    // values as slopes too.
     void Animate(std::size_t node, const char* path, const std::function<std::vector<float>(float)>& value,
                  const char* interpolation = "LINEAR", int pieces = 300) {
         std::vector<float> times, values;
@@ -65,7 +65,7 @@ public:
         ++m_channelCount;
     }
 
-    // The finger's triangle at these places of the finger's space.
+    // Draws instances of the finger's triangle at these places in the finger's space.
     void DrawFingerAt(const std::vector<float>& places) {
         m_instances = Join(R"("extensions": {"EXT_mesh_gpu_instancing": {"attributes": {"TRANSLATION": )",
                            Add("VEC3", places), "}}}, ");
@@ -106,7 +106,7 @@ std::size_t Keys(const gltf::Document& document, std::size_t channel) {
     return gltf::IndexMember(document.Elements(gltf::Kind::kAccessor)[input], "count");
 }
 
-// How far the corners of the box around the triangle are apart at the worst time.
+// The greatest distance over time between the corners of the bounding box of the triangle in both documents.
 double GreatestStray(const gltf::Document& a, const gltf::Document& b) {
     compare::Evaluator given(a), other(b);
     double greatest = 0;
@@ -125,11 +125,11 @@ compare::CompareResult Compared(const gltf::Document& a, const gltf::Document& b
     compare::CompareOptions options;
     options.tolerance = {length, angle, 1e-3};
     options.aspects[static_cast<std::size_t>(Aspect::kNodes)] =
-        false;  // nodes may stray, what they show may not
+        false;  // nodes may deviate, what they show may not
     return CompareScenes(a, b, options);
 }
 
-TEST(ReduceKeys, PointsStayWithinTheLengthHoweverFarDownTheyHang) {
+TEST(ReduceKeys, PointsStayWithinTheLengthAtAnyDepth) {
     Scene scene;
     for (std::size_t joint = 0; joint < 4; ++joint)
         scene.Animate(joint, "rotation", Swing(1.1 + 0.3 * joint));
@@ -141,7 +141,7 @@ TEST(ReduceKeys, PointsStayWithinTheLengthHoweverFarDownTheyHang) {
         EXPECT_EQ(report.keysBefore, 4U * 301);
         EXPECT_LT(report.keysAfter, keysBefore);
         EXPECT_LE(report.length, length);
-        // A coarse tolerance is used up, not only kept.
+        // The tolerance is not only kept but used.
         EXPECT_GT(report.length, 0.5 * length);
         keysBefore = report.keysAfter;
         const compare::CompareResult result = Compared(given, reduced, length, 1e-3);
@@ -150,8 +150,8 @@ TEST(ReduceKeys, PointsStayWithinTheLengthHoweverFarDownTheyHang) {
     }
 }
 
-// A pass before that takes keys also moves things; the length holds for both together.
-TEST(ReduceKeys, ErrorsCountFromTheOriginals) {
+// An earlier pass that drops keys also moves things; the tolerance applies to both together.
+TEST(ReduceKeys, ErrorsAreMeasuredAgainstTheOriginals) {
     Scene before, passed;
     before.Animate(0, "rotation", Swing(1.1));
     passed.Animate(0, "rotation", Swing(1.1, 1e-3), "LINEAR", 150);
@@ -163,7 +163,7 @@ TEST(ReduceKeys, ErrorsCountFromTheOriginals) {
         EXPECT_EQ(report.keysBefore, 301U);
         EXPECT_NEAR(GreatestStray(original, reduced), report.length, 0.03 * length);
         EXPECT_LE(report.length, length);
-        // The pass moves the finger by 0.004; what it took comes back where that is too far.
+        // The earlier pass moves the finger by 0.004; where that is too far, keys are restored.
         if (length > 4e-3)
             EXPECT_LT(report.keysAfter, 151U);
         else
@@ -171,7 +171,7 @@ TEST(ReduceKeys, ErrorsCountFromTheOriginals) {
     }
 }
 
-TEST(ReduceKeys, KeysNearTheRootStayTruerThanThoseNearTheEnd) {
+TEST(ReduceKeys, KeysNearTheRootAreMoreExactThanThoseNearTheEnd) {
     Scene scene;
     for (std::size_t joint = 0; joint < 4; ++joint) scene.Animate(joint, "rotation", Swing(1.5));
     gltf::Document reduced = scene.Load();
@@ -207,14 +207,14 @@ TEST(ReduceKeys, CamerasKeepTheirDirectionAndValuesTheirTolerance) {
     EXPECT_GT(report.angle, angle / 4);
 }
 
-TEST(ReduceKeys, AnimationsThatMoveNoNodeEndToo) {
+TEST(ReduceKeys, HandlesAnimationsThatMoveNoNode) {
     Scene scene;
     scene.Animate(5, "weights", [](float time) { return std::vector<float>{time}; });
     gltf::Document reduced = scene.Load();
     EXPECT_EQ(ReduceKeys(reduced, {.tolerance = {1e-2, 1e-3, 0.1}}).keysAfter, 2U);
 }
 
-TEST(ReduceKeys, WhatIsTooGreatToBeToldApartStaysAsItIs) {
+TEST(ReduceKeys, ValuesTooGreatForTheToleranceStayUnchanged) {
     Scene scene;
     scene.Animate(0, "scale", [](float) { return std::vector<float>{3e38F, 3e38F, 3e38F}; });
     for (std::size_t joint = 1; joint < 4; ++joint)
@@ -224,7 +224,7 @@ TEST(ReduceKeys, WhatIsTooGreatToBeToldApartStaysAsItIs) {
     EXPECT_LE(report.keysAfter, report.keysBefore);
 }
 
-TEST(ReduceKeys, StepsAndWhatMayNotChangeStayAsTheyAre) {
+TEST(ReduceKeys, StepsAndWhatMayNotChangeStayUnchanged) {
     Scene scene;
     scene.Animate(
         0, "translation",
@@ -246,7 +246,7 @@ TEST(ReduceKeys, StepsAndWhatMayNotChangeStayAsTheyAre) {
 
     ReduceKeys(reduced, {.tolerance = {0.05, 0.1, 0}});
     EXPECT_EQ(Keys(reduced, 0), 301U);
-    EXPECT_LT(Keys(reduced, 1), 100U);  // lines do
+    EXPECT_LT(Keys(reduced, 1), 100U);  // linear curves change
     EXPECT_LT(Keys(reduced, 2), 100U);
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 using compare::KeyCurve;
 
-// The greatest distance of two curves at all keys and at times between: of rotations, the angle.
+// The greatest distance between two curves (of rotations: angle) at all keys and at times between.
 double Distance(const Keys& a, const Keys& b, std::size_t width, bool isRotation) {
     const KeyCurve given(a.times, a.values, width), other(b.times, b.values, width);
     double greatest = 0;
@@ -48,7 +48,7 @@ void ExpectSameEnds(const Keys& given, const Keys& thin, std::size_t width) {
         EXPECT_LT(thin.times[key], thin.times[key + 1]);
 }
 
-// Waves of several lengths with noise on them and a jump in the middle, at uneven times.
+// Waves of several lengths with noise and a jump in the middle, at irregular times.
 Keys RandomVectors(std::mt19937& random, std::size_t count) {
     Keys keys;
     std::uniform_real_distribution<float> part(0, 1);
@@ -72,7 +72,7 @@ Keys RandomTurns(std::mt19937& random, std::size_t count) {
     const double pace = 0.4 * part(random);
     for (std::size_t i = 0; i < count; ++i) {
         keys.times.push_back(static_cast<float>(i) / 30);
-        // Every other key is stored with the other sign, and now and then one turns by nearly a half.
+        // Every other key is stored with the opposite sign, and some turn by nearly half a turn.
         for (const double number : at)
             keys.values.push_back(static_cast<float>(i % 2 == 0 ? number : -number));
         for (double& number : axis) number += 0.05 * (part(random) - 0.5);

@@ -16,7 +16,7 @@ namespace {
 constexpr char kBoldFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-BoldOblique.ttf";
 constexpr char kCubicFile[] = "/usr/share/fonts/opentype/cantarell/Cantarell-Light.otf";
 
-TEST(FontFile, TellsTheNamesOfItsFont) {
+TEST(FontFile, ReadsTheNamesOfItsFont) {
     const FontFileNames bold = ReadFontNames(ReadFile(kBoldFile).View(), "");
     EXPECT_EQ(bold.family, u"DejaVu Sans");
     EXPECT_EQ(bold.weight, 700);
@@ -27,8 +27,8 @@ TEST(FontFile, TellsTheNamesOfItsFont) {
     EXPECT_FALSE(light.isItalic);
 }
 
-// A font cut anywhere in its tables of names gives an error or what is left of a name, and reads nothing
-// beyond.
+// A font file cut anywhere in its name tables causes an error or yields the rest of a name, but nothing is
+// read beyond its end.
 TEST(FontFile, ReadsNothingBeyondItsEnd) {
     const FileContent whole = ReadFile(kBoldFile);
     for (std::size_t size = 0; size < 2000; ++size) {
@@ -42,13 +42,13 @@ TEST(FontFile, ReadsNothingBeyondItsEnd) {
     }
 }
 
-TEST(FontFile, IsRefusedWhenItIsNone) {
+TEST(FontFile, IsRefusedIfItIsNotAFont) {
     const Folder folder;
     std::ofstream(folder / "bad.ttf") << "not a font";
     EXPECT_THROW(AddFontFile(folder / "bad.ttf"), Error);
 }
 
-TEST(FontList, NamesFamiliesAsTheyCanBeAskedFor) {
+TEST(FontList, ListsFamiliesByRequestableNames) {
     const std::vector<FontFamily> fonts = ListFonts();
     EXPECT_TRUE(std::is_sorted(fonts.begin(), fonts.end(),
                                [](const FontFamily& a, const FontFamily& b) { return a.name < b.name; }));

@@ -11,7 +11,7 @@
 namespace zr {
 namespace {
 
-TEST(FontFile, GoesBeforeTheInstalledFontsOfItsFamily) {
+TEST(FontFile, TakesPrecedenceOverInstalledFonts) {
     const auto width = [](const TextFont& font) {
         return BoxOf(Draw(u"H", TextStyle::kOutline, {}, font).geometry.points).high.x;
     };
@@ -22,11 +22,11 @@ TEST(FontFile, GoesBeforeTheInstalledFontsOfItsFamily) {
     EXPECT_EQ(width({u"Liberation Sans Narrow"}), bold);
 }
 
-TEST(FontFile, IsNoDevice) {
+TEST(FontFile, IsNotADevice) {
     EXPECT_THROW(AddFontFile("/dev/zero"), Error);
 }
 
-TEST(TextCheck, RefusesHeightsThatHaveNoOutline) {
+TEST(TextCheck, RefusesHeightsWithoutOutlines) {
     EXPECT_THROW(CheckFontText(u"A", {u"DejaVu Sans", -20000}), std::runtime_error);
 }
 

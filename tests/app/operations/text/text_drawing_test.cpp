@@ -8,7 +8,7 @@
 namespace zr {
 namespace {
 
-TEST(TextDrawing, ScalesCapitalsToTheHeightAskedFor) {
+TEST(TextDrawing, ScalesCapitalsToTheRequestedHeight) {
     for (const TextStyle style : {TextStyle::kStroke, TextStyle::kOutline, TextStyle::kMesh}) {
         const TextDrawing drawing = Draw(u"H", style, {.capHeight = 5});
         const TextBox box = BoxOf(drawing.geometry.points);
@@ -16,7 +16,7 @@ TEST(TextDrawing, ScalesCapitalsToTheHeightAskedFor) {
         EXPECT_FLOAT_EQ(box.low.y, 0);
         EXPECT_DOUBLE_EQ(drawing.metrics.capHeight, 5);
     }
-    // Without it the units are those of the module's own layout.
+    // Without a height, units are those of the module's own layout.
     TextRequest request{u"gH", TextStyle::kOutline, {u"DejaVu Serif", -20}, 7};
     const TextGeometry module = MakeText(test::TheHost(), request);
     const TextGeometry drawing = MakeDrawing(test::TheHost(), request, {}).geometry;
@@ -28,7 +28,7 @@ TEST(TextDrawing, ScalesCapitalsToTheHeightAskedFor) {
 }
 
 TEST(TextDrawing, AlignsLinesByTheirAdvances) {
-    // An i advances 8 units and an m 30; an i is drawn 4 units from where it starts.
+    // An i advances 8 units and an m 30; the strokes of i begin 4 units after its start.
     const struct {
         TextAlign align;
         double starts[2];
@@ -44,14 +44,14 @@ TEST(TextDrawing, AlignsLinesByTheirAdvances) {
     }
 }
 
-TEST(TextDrawing, EndsLinesAtEveryKindOfLineEnd) {
+TEST(TextDrawing, BreaksLinesAtEveryKindOfLineEnd) {
     const auto baselines = [](std::u16string text, double spacing = 1) {
         std::vector<double> found;
         for (const auto& line : Draw(text, TextStyle::kOutline, {.lineSpacing = spacing}).metrics.lines)
             found.push_back(line.baseline);
         return found;
     };
-    // An em of 120 units, 1.2 times.
+    // 1.2 times an em of 120 units.
     const std::vector<double> three = {288, 144, 0};
     EXPECT_EQ(baselines(u"A\nB\nC"), three);
     EXPECT_EQ(baselines(u"A\r\nB\rC\r\n"), three);
@@ -60,7 +60,7 @@ TEST(TextDrawing, EndsLinesAtEveryKindOfLineEnd) {
     EXPECT_TRUE(baselines(u"").empty());
 }
 
-TEST(TextDrawing, TellsWhereThePenStands) {
+TEST(TextDrawing, ReportsPenPositions) {
     const TextDrawing drawing = Draw(u"A\nVA", TextStyle::kOutline, {.capHeight = 87.5});
     const TextMetrics::Line& line = drawing.metrics.lines[1];
     ASSERT_EQ(line.characters.size(), 2u);
@@ -70,7 +70,7 @@ TEST(TextDrawing, TellsWhereThePenStands) {
     EXPECT_DOUBLE_EQ(line.advance, line.characters[0].advance + line.characters[1].advance);
     EXPECT_NEAR(line.advance, 2 * 0.684 * 120, 1);  // of the em, in this font
 
-    // Characters that the stroke font lacks advance nothing.
+    // Characters missing from the stroke font do not advance the pen.
     const TextDrawing strokes = Draw(u"a\u00E9b", TextStyle::kStroke);
     EXPECT_EQ(strokes.metrics.lines[0].characters[1].advance, 0);
     EXPECT_EQ(strokes.metrics.lines[0].characters[2].x, 19);

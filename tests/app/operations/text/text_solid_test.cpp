@@ -12,7 +12,7 @@ namespace {
 
 using Point = TextGeometry::Point;
 
-// Every edge belongs to two triangles that run along it in opposite directions.
+// Every edge belongs to two triangles that traverse it in opposite directions.
 void ExpectClosed(const TextGeometry& solid) {
     std::map<std::pair<int, int>, int> edges;
     for (const LetterTriangle& t : solid.triangles) {
@@ -85,8 +85,8 @@ TEST(TextSolid, IsClosedForOtherScripts) {
     }
 }
 
-// Two squares that meet in one corner, and three around a hole that is closed by corners alone.
-TEST(TextSolid, PartsPointsWhereTheMeshTouchesItself) {
+// Two squares that touch at a corner, and three around a hole, which touch only at corners.
+TEST(TextSolid, SplitsPointsWhereTheMeshTouchesItself) {
     TextGeometry flat;
     flat.isMesh = true;
     const auto addSquare = [&](int a, int b, int c, int d) {
@@ -102,7 +102,7 @@ TEST(TextSolid, PartsPointsWhereTheMeshTouchesItself) {
     EXPECT_EQ(solid.points.size(), 16u);
     EXPECT_NEAR(Volume(solid), 4, 1e-12);
 
-    // A triangle without corners of its own is an edge.
+    // A triangle without three distinct corners is an edge.
     flat.triangles.push_back({0, 0, 1});
     AddDepth(flat, 2);
     ExpectClosed(flat);

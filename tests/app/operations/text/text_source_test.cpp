@@ -21,7 +21,7 @@ std::string ErrorOf(std::string_view utf8) {
     }
 }
 
-TEST(TextSource, NamesTheByteThatIsNotUtf8) {
+TEST(TextSource, ReportsTheByteThatIsNotUtf8) {
     using namespace std::string_literals;
     EXPECT_EQ(
         DecodeText("a\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"
@@ -36,23 +36,23 @@ TEST(TextSource, NamesTheByteThatIsNotUtf8) {
     EXPECT_EQ(ErrorOf("ab\0c"s), "TEXT: byte 2: the text contains a zero character");
 }
 
-TEST(TextSource, GivesTheLinesOfAFileBothLineEnds) {
+TEST(TextSource, ConvertsLineEndsOfFiles) {
     EXPECT_EQ(DecodeTextFile(BytesOf("\xEF\xBB\xBFl\nl\r\n\nm"), "lines.txt"), u"l\r\nl\r\n\r\nm");
     try {
         DecodeTextFile(BytesOf("\xEF\xBB\xBFl\xFF"), "lines.txt");
         FAIL();
     } catch (const Error& error) {
-        EXPECT_EQ(error.Place(), "byte 4") << "the mark counts among the file's bytes";
+        EXPECT_EQ(error.Place(), "byte 4") << "the byte order mark counts";
     }
 }
 
-TEST(TextCheck, TellsOfEachCharacterThatIsNotDrawnAsItIs) {
+TEST(TextCheck, ReportsEachCharacterThatCannotBeDrawn) {
     const auto names = [](const std::vector<TextShortcoming>& found) {
         std::string all;
         for (const TextShortcoming& each : found) all += each.what.substr(each.what.find("U+")) + " ";
         return all;
     };
-    // Two that begin with the same unit, and one of them twice.
+    // Two characters with the same first unit, one of them repeated.
     const std::u16string text = u"A\U0001F600\u4E00\U0001F601\r\n\U0001F600\u00E9";
     EXPECT_EQ(names(CheckStrokeText(text)), "U+1F600 U+4E00 U+1F601 U+00E9 ");
     EXPECT_EQ(names(CheckFontText(text, {u"Liberation Sans"})),

@@ -33,7 +33,7 @@ struct Dxf {
     std::vector<DxfEntity> entities;
 };
 
-// Reads pairs of a code and a value; a polyline takes in its vertices.
+// Reads pairs of a code and a value; vertices are collected in their polyline.
 Dxf ReadDxf(const std::string& content) {
     Dxf dxf;
     std::istringstream lines(content);
@@ -60,7 +60,7 @@ Dxf ReadDxf(const std::string& content) {
     return dxf;
 }
 
-TEST(TextWriters, DxfTellsStrokesOutlinesAndHolesApart) {
+TEST(TextWriters, DxfDistinguishesStrokesOutlinesAndHoles) {
     const Folder folder;
     const auto write = [&](std::u16string text, TextStyle style, double depth = 0) {
         const DrawingOptions options{.capHeight = 21, .depth = depth, .unit = LengthUnit::kMillimetre};
@@ -82,7 +82,7 @@ TEST(TextWriters, DxfTellsStrokesOutlinesAndHolesApart) {
         EXPECT_NE(entity.places.front(), entity.places.back());
         ++counts[entity.layer];
     }
-    // The bar; a ring with an R that has a hole in it; and a ring.
+    // The bar; a ring around an R, which has a hole; and a ring.
     EXPECT_EQ(counts, (std::map<std::string, int>{{"OUTLINES", 4}, {"HOLES", 3}}));
     EXPECT_EQ(outlines.entities[0].places.size(), 4u);
 
@@ -102,7 +102,7 @@ TEST(TextWriters, PicturesAndScenesHaveTheirRealSize) {
     const std::string svg = folder.Read("h.svg");
     const std::string start = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"";
     ASSERT_TRUE(svg.starts_with(start));
-    // The letter, and two pens around it.
+    // The letter, with a margin of two pen widths around it.
     const double pen = 20.0 / 21;
     EXPECT_NEAR(std::stod(svg.substr(start.size())), 14 * 20.0 / 21 + 4 * pen, 1e-4);
     EXPECT_NE(svg.find("in\" height=\""), std::string::npos);
@@ -127,14 +127,14 @@ TEST(TextWriters, PicturesAndScenesHaveTheirRealSize) {
     for (std::size_t t = 0; t < count; ++t) {
         std::memcpy(corners, stl.data() + 84 + 50 * t, sizeof corners);
         EXPECT_NEAR(corners[0] * corners[0] + corners[1] * corners[1] + corners[2] * corners[2], 1, 1e-5);
-        // The front faces up, the back down.
+        // The front faces up, the back faces down.
         if (t < 2) {
             EXPECT_EQ(corners[2], t == 0 ? 1 : -1);
         }
     }
 }
 
-TEST(TextWriters, RefuseWhatIsNotFinite) {
+TEST(TextWriters, RefuseNonFiniteCoordinates) {
     const Folder folder;
     TextGeometry geometry = Draw(u"H", TextStyle::kMesh, {.depth = 1}).geometry;
     geometry.points[3].y = std::numeric_limits<float>::infinity();
