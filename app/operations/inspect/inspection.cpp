@@ -33,7 +33,7 @@ Inspection::Inspection(gltf::Document& inspected)
       meshBoxes(Elements(Kind::kMesh).size()) {
     for (const compare::Part& part : drawn.Parts()) {
         const std::vector<double> vertices = drawn.Vertices(part);
-        const std::size_t stride = part.shape->Stride();
+        const std::size_t stride = part.shape->stride;
         for (std::size_t i = 0; stride > 0 && i < vertices.size(); i += stride)
             box.Widen({vertices[i], vertices[i + 1], vertices[i + 2]});
         for (const compare::Attribute& attribute : part.shape->attributes) {
