@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/animations/bring_animations.h"
 
-#include <algorithm>
-
 #include "app/operations/animations/animation_choice.h"
 #include "base/text.h"
 #include "gltf/accessor.h"

@@ -2,7 +2,6 @@
 #include "app/operations/compare/material_classes.h"
 
 #include <map>
-#include <numeric>
 #include <string>
 
 #include "app/operations/compare/content.h"

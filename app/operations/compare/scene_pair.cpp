@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <map>
 #include <string_view>
-#include <utility>
 
 #include "base/text.h"
 #include "gltf/members.h"

@@ -2,7 +2,6 @@
 #include "app/operations/reduce/thin_track.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/text/text_solid.h"
 
-#include <algorithm>
-#include <array>
 #include <numeric>
 #include <unordered_map>
 

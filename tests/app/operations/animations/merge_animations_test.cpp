@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // ZR_TEST_SCENES may name further scenes, separated by colons.
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <sstream>

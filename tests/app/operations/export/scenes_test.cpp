@@ -3,7 +3,6 @@
 // code with the export.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <set>
 
 #include "app/operations/compare/evaluator.h"

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "app/operations/text/text_check.h"
 #include "base/error.h"
 #include "tests/app/operations/text/text_kit.h"
