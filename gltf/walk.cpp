@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/walk.h"
 
-#include "gltf/kind_by_name.h"
-
 #include <algorithm>
 #include <array>
 #include <cassert>
 #include <charconv>
 #include <cstdint>
 
+#include "base/text.h"
 #include "gltf/interactivity.h"
+#include "gltf/kind_by_name.h"
+#include "gltf/pointer.h"
 
 namespace zr::gltf {
 namespace {
@@ -210,19 +211,10 @@ void Visitor::Dynamic(std::string_view, Kind, const Place&) {}
 std::string Place::Pointer() const {
     std::string pointer;
     for (const Step& step : Steps().subspan(1)) {
-        pointer += '/';
-        if (step.isItem) {
-            pointer += std::to_string(step.item);
-            continue;
-        }
-        for (char c : step.member) {
-            if (c == '~')
-                pointer += "~0";
-            else if (c == '/')
-                pointer += "~1";
-            else
-                pointer += c;
-        }
+        if (step.isItem)
+            pointer += Join("/", step.item);
+        else
+            AppendStep(pointer, step.member);
     }
     return pointer;
 }

@@ -1,44 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/operations/animations/rest_value.h"
 
-#include <algorithm>
-#include <charconv>
-#include <string>
+#include "gltf/pointer.h"
 
 namespace zr {
 namespace {
 
 using gltf::Json;
-
-// "~1" stands for "/", "~0" for "~".
-std::string Unescaped(std::string_view token) {
-    std::string name;
-    for (std::size_t i = 0; i < token.size(); ++i) {
-        const bool isEscape = token[i] == '~' && i + 1 < token.size();
-        name += !isEscape ? token[i] : token[++i] == '1' ? '/' : '~';
-    }
-    return name;
-}
-
-const Json* Step(const Json& json, std::string_view token) {
-    if (!json.IsArray()) return json.Find(Unescaped(token));
-    std::size_t index = 0;
-    const char* end = token.data() + token.size();
-    const auto read = std::from_chars(token.data(), end, index);
-    return read.ec == std::errc() && read.ptr == end && index < json.Items().size() ? &json.Items()[index]
-                                                                                    : nullptr;
-}
-
-const Json* Find(const gltf::Document& document, std::string_view pointer) {
-    const Json* at = &document.Root();
-    while (at != nullptr && !pointer.empty()) {
-        pointer.remove_prefix(1);
-        const std::size_t end = std::min(pointer.find('/'), pointer.size());
-        at = Step(*at, pointer.substr(0, end));
-        pointer.remove_prefix(end);
-    }
-    return at;
-}
 
 std::vector<float> NumbersOf(const Json& json) {
     const auto number = [](const Json& each) {
@@ -56,7 +24,7 @@ std::vector<float> NumbersOf(const Json& json) {
 // A node without weights uses those of its mesh; a mesh without weights uses zeros.
 std::vector<float> DefaultWeights(const gltf::Document& document, std::string_view pointer,
                                   std::size_t width) {
-    const Json* holder = Find(document, pointer.substr(0, pointer.rfind('/')));
+    const Json* holder = gltf::AtPointer(document.Root(), pointer.substr(0, pointer.rfind('/')));
     const Json* mesh = holder != nullptr ? holder->Find("mesh") : nullptr;
     const auto meshes = document.Root().Find("meshes");
     if (mesh != nullptr && meshes != nullptr) {
@@ -107,7 +75,7 @@ const std::vector<float>* KnownDefault(std::string_view pointer) {
 std::optional<std::vector<float>> RestValue(const gltf::Document& document, std::string_view pointer,
                                             std::size_t width) {
     std::vector<float> values;
-    if (const Json* json = Find(document, pointer)) {
+    if (const Json* json = gltf::AtPointer(document.Root(), pointer)) {
         values = NumbersOf(*json);
     } else if (pointer.ends_with("/weights")) {
         values = DefaultWeights(document, pointer, width);

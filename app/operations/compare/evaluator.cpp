@@ -2,10 +2,10 @@
 #include "app/operations/compare/evaluator.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "base/text.h"
 #include "gltf/members.h"
+#include "gltf/pointer.h"
 #include "gltf/walk.h"
 
 namespace zr::compare {
@@ -20,25 +20,6 @@ template <std::size_t N>
 void ReadNumbers(const Json* json, std::array<double, N>& out) {
     if (json == nullptr) return;
     for (std::size_t i = 0; i < N; ++i) out[i] = json->Items()[i].Number();
-}
-
-// The value at a pointer in the document; null: none. Pointers with escapes are not followed.
-const Json* Resolve(const Json& root, std::string_view pointer) {
-    const Json* at = &root;
-    while (at != nullptr && pointer.starts_with('/')) {
-        pointer.remove_prefix(1);
-        const std::string_view step = pointer.substr(0, pointer.find('/'));
-        pointer.remove_prefix(step.size());
-        if (!at->IsArray()) {
-            at = at->Find(step);
-            continue;
-        }
-        std::size_t index = 0;
-        const auto [end, error] = std::from_chars(step.data(), step.data() + step.size(), index);
-        const bool isItem = error == std::errc() && index < at->Items().size();
-        at = isItem ? &at->Items()[index] : nullptr;
-    }
-    return at;
 }
 
 std::optional<Path> PathNamed(std::string_view name) {
@@ -228,7 +209,7 @@ std::vector<double> Evaluator::Weights(std::size_t node) const {
 
 std::optional<std::vector<double>> Evaluator::Value(std::string_view pointer) const {
     if (const auto animated = m_pointers.find(pointer); animated != m_pointers.end()) return animated->second;
-    const Json* json = Resolve(m_document.Root(), pointer);
+    const Json* json = gltf::AtPointer(m_document.Root(), pointer);
     if (json == nullptr) return std::nullopt;
     return Numbers(*json);
 }
