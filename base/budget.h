@@ -8,15 +8,15 @@
 
 namespace zr {
 
-// How much memory may be used for what an input describes, bounded by what the input holds and not by what it
-// claims: either a stated total, or a multiple of the input's size with a floor; never more than a process
-// can hold.
+// A limit on the memory used for the content of an input. It follows from the size of the input, not from the
+// sizes it claims: either a stated total, or a multiple of the bytes read with a floor; never more than a
+// process can address.
 class Budget {
 public:
     static constexpr std::uint64_t kFloor = std::uint64_t{256} << 20;
     static constexpr std::uint64_t kForEachByte = 32;
 
-    // `stated` bytes; 0: the multiple of the input.
+    // `stated`: the total in bytes; 0 derives it from the input.
     explicit Budget(std::uint64_t stated = 0) : m_stated(stated) {}
 
     std::uint64_t Total() const {
@@ -25,8 +25,8 @@ public:
     }
     std::uint64_t Left() const { return Total() - std::min(m_taken, Total()); }
 
-    // Counts input that was read, at its own size. False, here and below: not enough is left, and nothing is
-    // taken.
+    // Charges input that was read, at its own size. Like Take, returns false, and charges nothing, when too
+    // little is left.
     bool AddInput(std::uint64_t bytes) {
         m_input += bytes;
         return Take(bytes);

@@ -19,9 +19,9 @@ public:
 extern "C" void EndBySignal(int signal);
 
 // For the handler of a request to stop: gives the process a moment to end by itself, then removes its
-// temporary files, writes the line to standard error and ends it with the status. This also stops loops
-// inside libraries, and memory is not freed piece by piece. Does nothing once the work is done: from the
-// commit of a transaction until BeginWork.
+// temporary files, writes `line` to standard error and exits with `status`. That also interrupts loops inside
+// libraries, and no time goes into freeing memory. Does nothing once the work is done: from the commit of a
+// transaction until BeginWork.
 void EndSoon(int status, const char* line);
 
 // Marks the work as begun, or as done.

@@ -38,7 +38,7 @@ inline Bytes BytesOf(std::string_view text) {
 std::string PathToUtf8(const std::filesystem::path& path);
 std::filesystem::path PathFromUtf8(std::string_view text);
 
-// Throws Error: "PATH: WHAT: the system's words for the failure".
+// Throws Error: "PATH: WHAT: the system's message for the failure".
 [[noreturn]] void FailWith(const std::filesystem::path& path, std::string_view what, std::error_code failure);
 
 }  // namespace zr

@@ -15,7 +15,7 @@
 
 namespace zr {
 
-// One file of a transaction, written through a buffer. What cannot be written is thrown as an Error.
+// One file of a transaction, written through a buffer. Throws Error when writing fails.
 class OutputFile {
 public:
     void Write(Bytes bytes);
@@ -32,7 +32,7 @@ private:
     void CopyTo(std::FILE* stream);
     void Check(std::error_code failure) const;
 
-    std::filesystem::path m_target;  // as it was asked for, for messages
+    std::filesystem::path m_target;  // as requested, for messages
     std::filesystem::path m_name;    // with links followed
     std::filesystem::path m_backup;  // a second name of the file that was replaced
     NewFile m_file;
@@ -67,14 +67,14 @@ public:
     // Whether it has a file of that name.
     bool Has(const std::filesystem::path& target) const;
 
-    // Deletes a file once all others are in place. Not being able to is not a failure.
+    // Deletes a file once all others are in place. Failing to delete it is not an error.
     void RemoveAfterwards(const std::filesystem::path& file) { m_superseded.push_back(file); }
 
     // Throws Error and restores everything when a file cannot be put in place.
     void Commit();
-    // The same, but the content of the file of that name goes to the stream, whose failures are its own, and
-    // no file or folder is made for it. Throws Error, with nothing changed, when others would stand beside
-    // it.
+    // The same, but the content of the file begun as `target` goes to the stream, and no file or folder is
+    // created for it. Errors of the stream are left for the caller to check. Throws Error, with nothing
+    // changed, when other files belong in its folder.
     void CommitTo(std::FILE* stream, const std::filesystem::path& target);
 
 private:

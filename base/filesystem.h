@@ -9,22 +9,22 @@
 #include "base/windows/filesystem.h"
 #endif
 
-// The standard library's calls on files, for names of any length.
+// The standard library's file calls, for names of any length.
 namespace zr::fs {
 
 using namespace std::filesystem;
 
-// The name in one form for all that the system takes for the same, to compare it by.
+// A form of the name for comparison: equal for names that the system treats as equal.
 path Folded(const path& file);
 
 // The names in the folder, in no order.
 std::vector<path> NamesIn(const path& folder, std::error_code& failure);
 
-// The files that a name on the command line stands for, sorted: where shells leave * and ? to programs, those
-// of its folder that match; else, and where none does, the name alone.
+// The files that a name on the command line stands for, sorted. Where shells leave * and ? to programs: the
+// matches in its folder. Elsewhere, and when nothing matches: the name itself.
 std::vector<path> Expanded(const path& file);
 
-// For reading bytes; null with `errno` where that cannot be done.
+// Opens a file for binary reading; the caller closes it. Returns null and sets `errno` on failure.
 std::FILE* OpenToRead(const path& file);
 
 }  // namespace zr::fs

@@ -6,8 +6,8 @@
 
 namespace zr {
 
-// Lets the system have the memory of bytes within a greater piece of storage until they are written again.
-// They lose their content.
+// Lets the system reclaim the memory behind `bytes`, a part of a larger allocation, until they are written
+// again. Their content is lost.
 void GiveBack(std::span<std::byte> bytes);
 
 }  // namespace zr

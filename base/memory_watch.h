@@ -3,23 +3,23 @@
 
 namespace zr {
 
-// What a failed allocation does to the program. Not everything that misses memory can say so: calls of the
-// module answer with less than they were asked for, and libraries end the process. So the allocation itself
-// is watched, by the standard library's handler for it.
+// How the program reacts to a failed allocation. Not every callee can report one: calls of the module return
+// incomplete results, and libraries end the process. So failures are observed where they occur, by the
+// new-handler.
 
-// From now on a failed allocation ends the process, with status 1 and a line that says why: for the start,
-// when nothing has been done yet.
+// From now on a failed allocation ends the process with status 1 and an error line. For start-up, when
+// nothing has been done yet.
 void EndWithoutMemory();
 
-// From now on it throws std::bad_alloc, as ever, and is remembered for its thread.
+// From now on a failed allocation throws std::bad_alloc, as by default, and is recorded for its thread.
 void NoteMissingMemory();
 
-// Whether an allocation of this thread failed since it was last asked to forget: a result may be less than it
-// seems, and a message may name what is not the cause.
+// Whether an allocation on this thread has failed since ForgetMissingMemory: results may then be incomplete,
+// and error messages may name the wrong cause.
 bool MissesMemory() noexcept;
 void ForgetMissingMemory() noexcept;
 
-// Throws std::bad_alloc when this thread misses memory. For the moment before a result becomes final.
+// Throws std::bad_alloc when MissesMemory(). To be called just before a result becomes final.
 void RequireMemory();
 
 }  // namespace zr

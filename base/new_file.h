@@ -11,8 +11,8 @@
 
 namespace zr {
 
-// A file that does not have its name yet: it has none at all where the system allows that, else a temporary
-// one, which is removed with the object, or when a signal ends the process. Failures are returned.
+// A file without its final name: unnamed where the system allows that, else under a temporary name, which is
+// removed with the object or when a signal ends the process. Errors are returned.
 class NewFile {
 public:
     NewFile();
@@ -23,15 +23,15 @@ public:
     // Creates it in an existing folder.
     std::error_code Open(const std::filesystem::path& folder);
     std::error_code Write(std::uint64_t offset, Bytes bytes);
-    // Reads what was written there: all of `bytes`. Not after Finish.
+    // Fills all of `bytes` with what was written at the offset. Not after Finish.
     std::error_code Read(std::uint64_t offset, std::span<std::byte> bytes);
     // Takes on the permissions of another file.
     std::error_code SetModeOf(const std::filesystem::path& other);
     // Flushes everything to the disk; nothing may be written afterwards.
     std::error_code Finish();
 
-    // Gives the finished file a name on the file system of the folder. LinkTo fails (errc::file_exists) where
-    // the name is in use, Replace replaces what has it in one step.
+    // Gives the finished file its name, on the same file system as the folder. LinkTo fails with
+    // errc::file_exists when the name is in use; Replace replaces the file of that name atomically.
     std::error_code LinkTo(const std::filesystem::path& name);
     std::error_code Replace(const std::filesystem::path& name);
 

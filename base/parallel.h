@@ -11,7 +11,7 @@
 
 namespace zr {
 
-// The number of threads that `jobs` asks for; 0 stands for one per core.
+// The number of threads that `jobs` requests; 0 stands for one per core.
 inline unsigned Jobs(unsigned jobs) {
     return jobs != 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
 }

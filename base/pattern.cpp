@@ -6,7 +6,7 @@
 namespace zr {
 namespace {
 
-// Compares the byte with the first element of the pattern, which it takes away.
+// Matches the byte against the first element of the pattern, and removes that element.
 bool TakeMatch(char byte, std::string_view& pattern) {
     const char first = pattern[0];
     const std::size_t end = pattern.find(']', pattern.substr(1).starts_with('!') ? 3 : 2);
@@ -34,7 +34,7 @@ bool TakeMatch(char byte, std::string_view& pattern) {
 }  // namespace
 
 bool FitsPattern(std::string_view text, std::string_view pattern) {
-    // Where to go on when what follows the last star does not fit.
+    // Where to resume when what follows the last star does not match.
     std::string_view textAtStar, patternAtStar;
     bool hasStar = false;
     while (!text.empty() || !pattern.empty()) {

@@ -5,8 +5,8 @@
 
 namespace zr {
 
-// Whether the whole text fits the pattern, as shells match names: * stands for any bytes, ? for one, [a-z]
-// for one of a set, [!a-z] for one outside it, and a backslash takes the byte after it as it is.
+// Whether the whole text matches the pattern, by the rules of shells: * stands for any bytes, ? for one,
+// [a-z] for one of a set, [!a-z] for one outside it, and a backslash quotes the byte after it.
 bool FitsPattern(std::string_view text, std::string_view pattern);
 
 }  // namespace zr

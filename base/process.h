@@ -7,13 +7,14 @@
 
 namespace zr {
 
-// The program's own file.
+// The path of the running executable.
 std::filesystem::path ProgramFile();
 
-// A variable of the environment, as UTF-8.
+// The value of an environment variable that holds a path, in UTF-8 with / as the separator on every system;
+// nothing when it is unset.
 std::optional<std::string> EnvironmentVariable(const char* name);
 
-// Whether standard error is a screen that obeys escape sequences.
+// Whether standard error is a terminal that interprets escape sequences. Turns them on where that is needed.
 bool IsStandardErrorTerminal();
 
 }  // namespace zr

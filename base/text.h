@@ -25,19 +25,19 @@ std::string Join(const Parts&... parts) {
 // "1 animation", "2 animations", "2 meshes".
 std::string Counted(std::size_t count, std::string_view noun);
 
-// The character (UTF-8) that a text, which is not empty, begins with.
+// The first character of a UTF-8 text that is not empty.
 struct FirstCharacter {
     char32_t code = 0;
     std::size_t size = 0;  // bytes; 0: the text does not begin with a character
 };
 FirstCharacter FirstCharacterOf(std::string_view text);
 
-// Whether a file's name has the ending (".glb"), in upper or lower case.
+// Whether a file's name ends in `ending` (".glb"); the case of ASCII letters does not matter.
 bool HasEnding(std::string_view name, std::string_view ending);
 
 // The text as one line that is safe to show on a terminal: control characters, line separators, characters
 // that change the writing direction and bytes that are not UTF-8 become escapes ("\n", "\x1B", "\u202E").
-// Applying it twice changes nothing more.
+// Idempotent.
 std::string Printable(std::string_view text);
 
 }  // namespace zr

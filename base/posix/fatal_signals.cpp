@@ -42,11 +42,11 @@ TemporarySlot& TakeSlot() {
     return *slot;
 }
 
-// Time to report what is done, and to end in order where nothing lasts.
+// Time to report what was done, and to shut down in order where that is quick.
 constexpr suseconds_t kPatience = 30'000;  // microseconds
 
 std::atomic<bool> g_isWorkDone{false};
-std::atomic<const char*> g_line{nullptr};  // null: nobody asked to stop
+std::atomic<const char*> g_line{nullptr};  // null: no request to stop
 std::atomic<int> g_status{0};
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
 
@@ -59,7 +59,7 @@ void WriteError(const char* text) {
     [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, text, std::strlen(text));
 }
 
-// What a held step does is done in a moment, and the work with it.
+// Signals are held only while a transaction commits, which is brief and completes the work.
 extern "C" void EndNow(int) {
     if (g_isWorkDone || g_holds > 0) return;
     RemoveTemporaryFiles();

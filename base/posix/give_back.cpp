@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// Whole pages only: others hold other bytes, too.
+// Whole pages only: partial ones contain other data as well.
 void GiveBack(std::span<std::byte> bytes) {
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
     const auto first = reinterpret_cast<std::uintptr_t>(bytes.data());

@@ -57,7 +57,7 @@ struct NewFile::State {
         if (descriptor < 0) return false;
         isUnnamed = true;
         ++g_unnamed;
-        // Its name is given through this path.
+        // It gets its name through this path.
         if (access(DescriptorPath(descriptor).c_str(), F_OK) == 0) return true;
         Close();
         return false;
@@ -144,7 +144,7 @@ std::error_code NewFile::LinkTo(const fs::path& name) {
     }
     const std::error_code failure = LastError();
     if (failure == std::errc::file_exists) return failure;
-    // A file system that allows only one name per file.
+    // The file system may allow only one name per file.
     std::error_code missing;
     if (fs::exists(fs::symlink_status(name, missing))) return std::make_error_code(std::errc::file_exists);
     return Replace(name);

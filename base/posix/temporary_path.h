@@ -24,9 +24,8 @@ public:
     }
     ~TemporaryPath();
 
-    explicit operator bool() const { return m_slot != nullptr; }
     const char* Get() const;
-    // The file has another name now.
+    // Leaves the file alone: it was renamed, or does not exist.
     void Forget() noexcept;
 
 private:

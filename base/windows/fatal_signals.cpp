@@ -12,11 +12,11 @@ namespace {
 
 constexpr UINT kEndedByUser = 130;
 
-// Shared by each HoldFatalSignals, and held alone for a moment by whatever is about to end the process. The
-// compiler's std::shared_mutex may fail where two threads are the first to lock it.
+// Held in shared mode by each HoldFatalSignals, and briefly in exclusive mode by whatever is about to end the
+// process. The compiler's std::shared_mutex may fail when its first two locks are taken at once.
 SRWLOCK g_hold = SRWLOCK_INIT;
 
-// Time to report what is done, and to end in order where nothing lasts.
+// Time to report what was done, and to shut down in order where that is quick.
 constexpr DWORD kPatience = 30;  // milliseconds
 
 std::atomic<bool> g_isWorkDone{false};
@@ -53,14 +53,13 @@ HoldFatalSignals::~HoldFatalSignals() {
     ReleaseSRWLockShared(&g_hold);
 }
 
-// Temporary files go with their handles. This runs beside the other threads, which must not see the program's
-// objects destroyed.
+// Temporary files vanish with their handles. No destructors run: other threads may still use the objects.
 extern "C" void EndBySignal(int) {
     WaitForHolds();
     TerminateProcess(GetCurrentProcess(), kEndedByUser);
 }
 
-// The handler that calls this runs beside the work.
+// The handler that calls this runs on a thread of its own while the work goes on.
 void EndSoon(int status, const char* line) {
     if (g_isWorkDone) return;
     Sleep(kPatience);

@@ -20,14 +20,15 @@ constexpr std::wstring_view kAnyLengthShare = LR"(\\?\UNC\)";
 constexpr std::wstring_view kShare = LR"(\\)";
 constexpr std::wstring_view kDevice = LR"(\\.\)";
 
-// The text that a call of the system writes, which tells how much room it needs where it has too little.
+// The text that a system call writes into a buffer; when the buffer is too small the call returns the size it
+// needs.
 template <typename Call>
 std::wstring TextOf(Call call) {
     std::wstring text(MAX_PATH, L'\0');
     for (;;) {
         const DWORD size = call(text.data(), static_cast<DWORD>(text.size()));
         const bool fits = size < text.size();
-        text.resize(fits ? size : size + 1);  // some calls count the end, some do not
+        text.resize(fits ? size : size + 1);  // some calls count the terminator, some do not
         if (fits) return text;
     }
 }
@@ -37,7 +38,7 @@ path Plain(const std::wstring& name) {
     return name.starts_with(kAnyLength) ? name.substr(kAnyLength.size()) : name;
 }
 
-// To ask about a file or folder, whoever else uses it.
+// Opens a file or folder to query it, whoever else has it open.
 Handle OpenToAsk(const path& file) {
     return Handle(CreateFileW(Reachable(file).c_str(), FILE_READ_ATTRIBUTES,
                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
@@ -64,7 +65,7 @@ path FinalName(HANDLE file) {
     }));
 }
 
-// What is in the folder and matches the last name, in no order.
+// The names in the pattern's folder that match its last component, unsorted.
 std::vector<path> NamesLike(const path& pattern, std::error_code& failure) {
     failure.clear();
     std::vector<path> names;
@@ -150,7 +151,7 @@ path canonical(const path& file, std::error_code& failure) {
         return {};
     }
     if (path name = FinalName(handle.Get()); !name.empty()) return name;
-    // Not every system names files beyond 260 characters; their folders it may.
+    // Some systems return no final name for a path beyond 260 characters, but do so for its folder.
     const path plain = Plain(Reachable(file).native());
     if (!plain.has_relative_path()) return plain;
     return fs::canonical(plain.parent_path(), failure) / plain.filename();
@@ -184,7 +185,7 @@ void create_hard_link(const path& to, const path& link, std::error_code& failure
     if (!CreateHardLinkW(Reachable(link).c_str(), Reachable(to).c_str(), nullptr)) failure = LastError();
 }
 
-// What tidies up after a failure must go on without memory.
+// Clean-up after a failure must go on when memory has run out.
 void rename(const path& from, const path& to, std::error_code& failure) try {
     failure.clear();
     if (!MoveFileExW(Reachable(from).c_str(), Reachable(to).c_str(), MOVEFILE_REPLACE_EXISTING))

@@ -5,15 +5,15 @@
 #include <filesystem>
 #include <system_error>
 
-// The calls of the standard library whose names it hands to the C library, which takes none of more than 260
-// characters. These hand them to the system in the form that has no such limit.
+// Replacements for those calls of the standard library that pass names to the C library, which rejects more
+// than 260 characters. These pass them to the system, in the form that has no such limit.
 namespace zr::fs {
 
 using std::filesystem::file_status;
 using std::filesystem::file_type;
 using std::filesystem::path;
 
-// The name in that form: absolute, with everything resolved that is not a link.
+// The name in that form: absolute, with "." and ".." resolved, but not links.
 path Reachable(const path& file);
 
 file_status status(const path& file, std::error_code& failure);

@@ -3,7 +3,7 @@
 
 namespace zr {
 
-// Nothing that could be asked for here takes pages out of a program's memory at once.
+// No effect here: Windows keeps the pages with the process.
 void GiveBack(std::span<std::byte>) {}
 
 }  // namespace zr

@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// Owns what CreateFileW gave.
+// Owns a handle that CreateFileW returned.
 class Handle {
 public:
     explicit Handle(HANDLE handle = INVALID_HANDLE_VALUE) : m_handle(handle) {}

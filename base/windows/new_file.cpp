@@ -21,7 +21,7 @@ OVERLAPPED PlaceAt(std::uint64_t offset) {
     return place;
 }
 
-// The system deletes the file when its handle is closed, also that of a process which ends.
+// Makes the system delete the file when its handle is closed, or the process ends, unless `goes` is false.
 std::error_code SetGoesWithHandle(HANDLE file, bool goes) {
     FILE_DISPOSITION_INFO info{goes};
     if (SetFileInformationByHandle(file, FileDispositionInfo, &info, sizeof info)) return {};
@@ -35,7 +35,7 @@ struct NewFile::State {
     fs::path name;
 
     std::error_code MoveTo(const fs::path& target, DWORD flags) {
-        const fs::path to = fs::Reachable(target);  // nothing below may fail for want of memory
+        const fs::path to = fs::Reachable(target);  // nothing below may allocate
         if (const std::error_code failure = SetGoesWithHandle(handle.Get(), false)) return failure;
         handle = Handle();
         std::error_code failure;

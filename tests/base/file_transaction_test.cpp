@@ -16,7 +16,7 @@ namespace {
 using Names = std::vector<std::string>;
 using test::TemporaryFolder;
 
-// More than a process keeps without a name.
+// More files than a process keeps unnamed.
 constexpr int kManyFiles = 132;
 
 TEST(FileTransaction, FilesAppearTogetherOrNotAtAll) {
@@ -57,7 +57,7 @@ TEST(FileTransaction, AFailedCommitLeavesEverythingAsItWas) {
         files.Add(folder / "second", BytesOf("new"));
         files.AddNew(folder / "sub/third", BytesOf("new"));
         files.Add(folder / "last", BytesOf("new"));
-        // Somebody else is faster.
+        // Something else takes the name first.
         std::filesystem::create_directories(folder / taken / "inside");
         EXPECT_THROW(files.Commit(), Error);
         EXPECT_EQ(folder.Read("first"), "old");
@@ -71,7 +71,7 @@ TEST(FileTransaction, AFailedCommitLeavesEverythingAsItWas) {
     for (const char* taken : {"second", "sub/third", "last"}) attempt(taken);
 }
 
-TEST(FileTransaction, OneFileGoesToAStreamAndOthersToTheirNames) {
+TEST(FileTransaction, OneFileGoesToAStreamAndOthersToTheirFolders) {
     const TemporaryFolder folder;
     const std::string content(1000000, 'x');
     const auto send = [&](const char* other) {
@@ -92,7 +92,7 @@ TEST(FileTransaction, OneFileGoesToAStreamAndOthersToTheirNames) {
     EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
 }
 
-TEST(FileTransaction, NewNamesAreNotTakenFromOthers) {
+TEST(FileTransaction, ANewFileReplacesNoOther) {
     const TemporaryFolder folder;
     FileTransaction files;
     files.AddNew(folder / "b", BytesOf("mine"));

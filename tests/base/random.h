@@ -8,8 +8,8 @@
 
 namespace zr::test {
 
-// Random numbers that bytes may steer: each gives one number while there are any, so that a fuzzer which
-// changes a byte changes one choice. After them, and without them, the seed's numbers follow.
+// A generator of random numbers that bytes may steer: each byte yields one number, so that a fuzzer which
+// changes a byte changes one choice. After the last byte, numbers follow from the seed.
 class Random {
 public:
     using result_type = std::uint32_t;
@@ -22,7 +22,7 @@ public:
 
     result_type operator()() {
         if (m_steering.empty()) return static_cast<result_type>(m_unsteered());
-        // Spread over the whole range; the remainder by a small number is the byte's.
+        // Spreads the byte over the whole range; the remainder by a small number still follows it.
         const result_type number = m_steering.front() * 0x01010101U;
         m_steering = m_steering.subspan(1);
         return number;

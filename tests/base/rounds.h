@@ -3,9 +3,9 @@
 
 namespace zr::test {
 
-// Rounds of a test on random or many inputs: all of them, but a quarter where a sanitizer watches each
-// access. What it would find it finds in the first rounds; the others look for wrong results, which the
-// release build finds as well.
+// How many rounds a test on random or many inputs runs: all, or a quarter of them under a sanitizer. What a
+// sanitizer finds it finds in the first rounds; the others look for wrong results, which the release build
+// finds as well.
 constexpr unsigned Rounds(unsigned all) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return (all + 3) / 4;

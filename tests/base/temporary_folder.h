@@ -8,7 +8,7 @@
 
 namespace zr::test {
 
-// A folder of its own that goes with the object.
+// A new folder, removed with the object.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -19,7 +19,7 @@ public:
         return m_path / std::u8string(name.begin(), name.end());
     }
     std::vector<std::string> Files() const;  // relative names, sorted
-    // Without those of files that have no name of their own yet, where the system shows them.
+    // The same without the temporary names of unfinished files.
     std::vector<std::string> NamedFiles() const;
     void Write(std::string_view name, std::string_view content) const;
     std::string Read(std::string_view name) const;

@@ -20,7 +20,7 @@ TEST(Text, PrintableTextIsOneLineATerminalShows) {
 }
 
 TEST(Text, BytesThatAreNotCharactersAreShownAsBytes) {
-    // Too long for its value, a surrogate, beyond the last character, cut short, without a beginning.
+    // Two overlong forms, a surrogate, beyond U+10FFFF, truncated, a stray continuation byte.
     EXPECT_EQ(Printable("\xC0\x8A"), "\\xC0\\x8A");
     EXPECT_EQ(Printable("\xE0\x82\x8A"), "\\xE0\\x82\\x8A");
     EXPECT_EQ(Printable("\xED\xA0\x80"), "\\xED\\xA0\\x80");

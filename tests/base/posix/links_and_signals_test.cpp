@@ -21,10 +21,10 @@ namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 using test::TemporaryFolder;
 
-// More than a process keeps without a name.
+// More files than a process keeps unnamed.
 constexpr int kNamedFiles = 132;
 
-// How a process ended that did this: a signal's number, or 0.
+// The signal that ends a child process running `what`, or 0.
 template <typename Do>
 int SignalThatEnds(Do what) {
     const pid_t child = fork();
@@ -37,7 +37,7 @@ int SignalThatEnds(Do what) {
     return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
 }
 
-TEST(FileTransaction, TwoWaysToOneFileAreSeen) {
+TEST(FileTransaction, TwoPathsToOneFileAreRecognised) {
     const TemporaryFolder folder;
     folder.Write("d/x", "old");
     fs::create_symlink("x", folder / "d/link");
@@ -88,7 +88,7 @@ TEST(FileTransaction, ASignalLeavesNothing) {
         EXPECT_EQ(ended, number);
         EXPECT_TRUE(fs::is_empty(folder / ".")) << number;
     }
-    // What must not be torn apart is done first.
+    // Steps that must not be separated finish first.
     const int ended = SignalThatEnds([&] {
         const HoldFatalSignals hold;
         raise(SIGTERM);
@@ -98,8 +98,8 @@ TEST(FileTransaction, ASignalLeavesNothing) {
     EXPECT_EQ(folder.Files(), (Names{"done"}));
 }
 
-// However long the work would go on, and only as long as it can be stopped.
-TEST(FileTransaction, AWishToStopEndsTheWork) {
+// However long the work would take, but not once it is committed.
+TEST(FileTransaction, ARequestToStopEndsTheWork) {
     const TemporaryFolder folder;
     const auto stop = [&](bool commits) {
         BeginWork();

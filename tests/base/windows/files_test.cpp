@@ -42,7 +42,7 @@ TEST(Files, HaveNamesOfAnyLengthInAnyScript) {
         EXPECT_TRUE(fs::remove(each, none)) << each;
 }
 
-TEST(Files, AreRefusedWhereNoneCanBe) {
+TEST(Files, AreRefusedWhereTheyCannotExist) {
     const TemporaryFolder folder;
     for (const fs::path& target : {fs::path("Q:\\no\\such\\drive"), fs::path("NUL"), folder / "."})
         EXPECT_THROW(FileTransaction().Add(target, BytesOf("x")), Error) << target;
@@ -50,8 +50,8 @@ TEST(Files, AreRefusedWhereNoneCanBe) {
     EXPECT_TRUE(folder.Files().empty());
 }
 
-// A name of another letter case is the same file.
-TEST(Files, TwoWaysToOneFileAreSeen) {
+// Names that differ only in case are the same file.
+TEST(Files, TwoPathsToOneFileAreRecognised) {
     const TemporaryFolder folder;
     folder.Write("Name", "old");
     FileTransaction files;
@@ -59,14 +59,14 @@ TEST(Files, TwoWaysToOneFileAreSeen) {
     for (const char* same : {"name", "d/../NAME", "./Name"}) EXPECT_TRUE(files.Has(folder / same)) << same;
 }
 
-// The programs that these tests start anew find the folder by its name.
+// These tests start the program anew, which then finds the folder by its name.
 struct KnownFolder {
     KnownFolder() { std::filesystem::create_directory(path); }
     ~KnownFolder() { std::filesystem::remove_all(path); }
     fs::path path = std::filesystem::temp_directory_path() / "zr-ended-test";
 };
 
-TEST(Files, UnfinishedOnesGoWithTheProcess) {
+TEST(Files, UnfinishedOnesVanishWithTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const KnownFolder folder;
     const auto write = [&] {
@@ -78,7 +78,7 @@ TEST(Files, UnfinishedOnesGoWithTheProcess) {
     EXPECT_TRUE(fs::NamesIn(folder.path, none).empty());
 }
 
-TEST(Files, WhatMustNotBeTornApartIsDoneFirst) {
+TEST(Files, HeldStepsFinishBeforeTheProcessEnds) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const KnownFolder folder;
     const auto commit = [&] {
