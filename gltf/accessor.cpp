@@ -77,7 +77,7 @@ void Copy(const AccessorInfo& info, const Source& source, std::size_t from, std:
         case Component::kUnsignedInt:
             return CopyElements<std::uint32_t>(info, source, from, count, out);
         case Component::kFloat:
-            // Nobody asks for the integers of a float accessor.
+            // ReadIntegers is never used on a float accessor.
             if constexpr (std::is_same_v<Out, float>) CopyElements<float>(info, source, from, count, out);
     }
 }

@@ -44,7 +44,7 @@ struct AccessorInfo {
     // Bytes from one column to the next (matrix columns start at multiples of 4), and of a whole element.
     std::size_t ColumnSize() const;
     std::size_t ElementSize() const { return ColumnSize() * shape.columns; }
-    // Bytes of the last element, which needs no padding behind its last column.
+    // Bytes of the last element, which needs no padding after its last column.
     std::size_t LastElementSize() const {
         return ColumnSize() * (shape.columns - 1) + ComponentSize() * shape.rows;
     }
@@ -53,12 +53,12 @@ struct AccessorInfo {
 // For a checked document; `accessor` must be in range.
 AccessorInfo Describe(const Document& document, std::size_t accessor);
 
-// Whether the elements can be read: they are stored, and not compressed. An accessor without a view reads as
-// zeros (overlaid by its sparse values).
+// Whether the elements can be read: they are stored uncompressed, or a decoder supplied them. An accessor
+// without a view reads as zeros (overlaid by its sparse values).
 bool HasData(const Document& document, std::size_t accessor);
 
-// The components as ReadFloats gives them, where they lie in the document; empty when they are stored in
-// another form, are sparse or have gaps. Held as Document::ViewBytes.
+// The floats that ReadFloats would return, in place; empty when they are supplied, stored in another form,
+// sparse, misaligned or have gaps. Valid as long as Document::ViewBytes.
 std::span<const float> StoredFloats(const Document& document, std::size_t accessor);
 
 // All components, element by element, matrices column by column; normalized integers as the fractions they
@@ -76,11 +76,11 @@ enum class Use {
     kInverseBinds,
 };
 
-// Adds an accessor of floats with a view of its own: its index. values.size() is a multiple of the components
-// of `type` and not 0. Throws Error (kNumber), nothing added, unless all values are finite.
+// Adds an accessor of floats with a view of its own and returns its index. values.size() is a multiple of the
+// components of `type` and not 0. Throws Error (kNumber) and adds nothing unless all values are finite.
 std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values);
-// Adds an accessor of vertex indices (at least one), in 16 bits where that holds them without the value that
-// restarts a strip.
+// Adds an accessor of vertex indices (at least one) and returns its index. The indices have 16 bits where all
+// are below 0xFFFF, the primitive restart value, else 32.
 std::size_t AppendIndices(Document& document, std::span<const std::uint32_t> values);
 
 }  // namespace zr::gltf

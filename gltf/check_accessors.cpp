@@ -15,8 +15,7 @@ namespace {
 
 // Elements without stored data cost the file nothing, so the memory they would take is bounded separately.
 constexpr std::uint64_t kUnstoredWeight = 4;
-// Keeps all products below 2^64, and is below the largest number of a 32-bit program, which stands for all
-// beyond.
+// Keeps all products below 2^64, and is below the largest std::size_t, to which greater numbers are clamped.
 constexpr std::uint64_t kMaxCount =
     std::min<std::uint64_t>(std::uint64_t{1} << 40, std::numeric_limits<std::size_t>::max() - 1);
 
@@ -32,7 +31,7 @@ struct Spot {
 };
 
 std::string Range(std::uint64_t offset, std::uint64_t length, std::uint64_t available) {
-    return Join("bytes ", offset, " to ", offset + length, " of ", available);
+    return Join("bytes ", offset, " to ", offset + length, " exceed the ", available);
 }
 
 class Ranges {
@@ -85,7 +84,7 @@ private:
         const std::uint64_t available = IndexMember(buffer, "byteLength");
         if (offset > available || length > available - offset)
             m_document.Fail(ErrorKind::kBounds, spot.Place(),
-                            Join(Range(offset, length, available), " in its buffer"));
+                            Join(Range(offset, length, available), " of its buffer"));
     }
 
     // Checks that `count` elements of the layout `info` fit at the view and offset that `part` names.
@@ -97,19 +96,19 @@ private:
                             available = IndexMember(view, "byteLength");
         if (stride < size)
             m_document.Fail(ErrorKind::kBounds, spot.Place(),
-                            Join("elements of ", size, " bytes in steps of ", stride));
+                            Join("elements of ", size, " bytes with a stride of ", stride));
         if (count > kMaxCount) Limit(spot.Place());
         const std::uint64_t length = count == 0 ? 0 : stride * (count - 1) + info.LastElementSize();
         if (offset > available || length > available - offset)
             m_document.Fail(ErrorKind::kBounds, spot.Place(),
-                            Join(Range(offset, length, available), " in its view"));
+                            Join(Range(offset, length, available), " of its view"));
     }
 
     void Sparse(const Json& sparse, const AccessorInfo& info, const Spot& spot) {
         const std::size_t count = IndexMember(sparse, "count");
         if (count > info.count)
             m_document.Fail(ErrorKind::kBounds, spot.Place("/count"),
-                            Join(count, " of ", info.count, " elements"));
+                            Join(count, " sparse values for ", info.count, " elements"));
         const Json& indices = *sparse.Find("indices");
         const std::uint64_t component = IndexMember(indices, "componentType");
         if (component != 5121 && component != 5123 && component != 5125)

@@ -19,7 +19,7 @@ struct Path {
 };
 constexpr Path kPaths[] = {{"translation", 3}, {"rotation", 4}, {"scale", 3}};
 
-// Memory of a key that passes change, for each byte of its floats.
+// Bytes of memory that a key takes while it is edited, for each byte of its floats.
 constexpr std::uint64_t kSharedWeight = 4;
 
 // A sampler or channel, turned into text only when there is a fault to report.
@@ -108,7 +108,7 @@ private:
         }
     }
 
-    // Each channel has keys of its own in memory, whoever shares them in the file.
+    // In memory each channel has its own keys, even where channels share them in the file.
     void Play(std::size_t accessor, const Part& part) {
         if (!m_isPlayed[accessor]) {
             m_isPlayed[accessor] = true;
@@ -133,7 +133,7 @@ private:
             Count(values.count, keys, part);
         }
         if (path == "pointer" && (values.count == 0 || values.count % keys != 0))
-            Fail(part, "", Join(values.count, " values cannot be shared among ", keys));
+            Fail(part, "", Join(values.count, " values cannot be divided evenly among ", keys));
         if (path == "weights" && target.Find("node") != nullptr)
             Count(values.count, keys * Weights(target), part);
     }
@@ -163,7 +163,7 @@ private:
     const Document& m_document;
     std::vector<bool> m_timesRead;
     std::vector<bool> m_isPlayed;
-    std::uint64_t m_again = 0;  // bytes of keys that are played beyond the first time
+    std::uint64_t m_again = 0;  // bytes of keys, for each channel that uses them after the first
 };
 
 }  // namespace

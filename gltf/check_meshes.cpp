@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kModes = 7;  // points, lines, line loop, line strip, triangles, strip, fan
 
-// A primitive, or one of its targets; as text only when there is a fault to tell.
+// A primitive, or one of its targets, turned into text only when there is a fault to report.
 struct MeshSpot {
     std::size_t mesh;
     std::size_t primitive;
@@ -94,7 +94,7 @@ private:
              info.component != Component::kUnsignedInt))
             Fail(spot.Place("/indices"), "are not unsigned integers");
         if (!vertices || info.count == 0 || !HasData(m_document, accessor)) return;
-        // Compressed data that nobody decoded reads as zeros.
+        // Compressed data that was not decoded would read as zeros.
         const bool isStored = m_document.Elements(Kind::kAccessor)[accessor].Find("bufferView") != nullptr;
         if (IsCompressed(primitive) && !isStored && !m_document.SuppliedBytes(accessor)) return;
         // An accessor shared by many primitives is read once.
@@ -104,7 +104,7 @@ private:
         }
         if (*m_highest[accessor] >= *vertices)
             m_document.Fail(ErrorKind::kMesh, spot.Place("/indices"),
-                            Join("vertex ", *m_highest[accessor], " of ", *vertices));
+                            Join("there is no vertex ", *m_highest[accessor], " among ", *vertices));
     }
 
     static bool IsCompressed(const Json& primitive) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <charconv>
-#include <cmath>
 #include <string>
 
 #include "base/text.h"

@@ -31,7 +31,7 @@ public:
 
     Removal Unreached(const ReferenceTable& references) {
         Reach(references.held);
-        // The targets of each element that may itself go, side by side.
+        // The targets of each element that may itself be removed, grouped by that element.
         std::vector<std::uint32_t> begins(m_reached.size() + 1, 0);
         for (const ReferenceTable::Link& link : references.links) {
             if (!m_kinds.Has(link.targetKind)) continue;
@@ -76,7 +76,7 @@ private:
     std::vector<std::uint32_t> m_pending;
 };
 
-// Whether there were any.
+// Returns whether there were any.
 bool DropUnusedSamplers(Document& document) {
     bool dropped = false;
     for (Json& animation : document.Elements(Kind::kAnimation)) {
@@ -131,7 +131,7 @@ std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& 
         moves.push_back({block.begin, block.end - block.begin, to});
         size = to + moves.back().size;
     }
-    // A few bytes behind the last block are padding.
+    // Padding to a multiple of 4 after the last block is not worth removing.
     if ((size + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
 
     for (Json* range : ranges) {
@@ -156,7 +156,7 @@ std::vector<bool> LosingBuffers(const Document& document, const Removal& removal
     return losing;
 }
 
-// The items that stay when the marked ones go.
+// Removes the items that `gone` marks.
 void Erase(std::vector<bool>& items, const std::vector<bool>& gone) {
     std::vector<bool> left;
     for (std::size_t i = 0; i < items.size(); ++i)
@@ -174,7 +174,7 @@ std::size_t CompactBuffers(Document& document, const std::vector<bool>& chosen) 
     return freed;
 }
 
-// spared: null where everything may go.
+// `spared`: null when nothing is spared.
 Collected Collect(Document& document, KindSet kinds, bool force, const Removal* spared) {
     Collected collected;
     const KindSet asked = kinds;

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <string>
 #include <vector>
 
 #include "gltf/document.h"
@@ -21,16 +20,17 @@ struct Collected {
 inline constexpr KindSet kDataKinds{Kind::kTexture,  Kind::kImage,      Kind::kSampler,
                                     Kind::kAccessor, Kind::kBufferView, Kind::kBuffer};
 
-// The elements of `kinds` that nothing refers to, also those only such elements refer to.
+// The elements of `kinds` that nothing refers to, or only such elements. References that cannot be followed
+// do not count.
 Removal Unreferenced(Document& document, KindSet kinds);
 
-// Takes these elements out and (with kAccessor) the samplers of animations that no channel uses; with kBuffer
-// also the bytes of buffers that no view holds. A kind that something opaque may refer to is left alone
-// unless `force`. Time is linear.
+// Removes these elements and (with kAccessor) the samplers of animations that no channel uses; with kBuffer
+// also the bytes of buffers that no view covers. A kind that something opaque may refer to is left alone
+// unless `force`. Takes linear time.
 Collected CollectGarbage(Document& document, KindSet kinds, bool force);
 
-// The same without the elements of `spared`, what they refer to, and buffers that lose no view: what changes
-// of a document left behind, where `spared` was unreferenced before them.
+// The same, but leaves alone the elements of `spared`, what they refer to, and buffers that lose no view.
+// With what was unreferenced before a change as `spared`, it collects only what the change left behind.
 Collected CollectGarbage(Document& document, KindSet kinds, bool force, const Removal& spared);
 
 }  // namespace zr::gltf

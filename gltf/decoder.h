@@ -12,8 +12,8 @@ class Decoder {
 public:
     virtual ~Decoder() = default;
 
-    // Indices, byte ranges, types and counts have been checked; what is supplied is then checked like stored
-    // data. May throw Error.
+    // Indices, byte ranges, types and counts have been checked; supplied content is then checked like stored
+    // content. May throw Error.
     virtual void Decode(Document& document) const = 0;
 };
 

@@ -15,7 +15,7 @@
 namespace zr::gltf {
 namespace {
 
-// Whether a text is indented over several lines; its first lines tell.
+// Whether a text is broken into lines, judged by its beginning.
 bool IsIndented(std::string_view text) {
     constexpr std::size_t kLooked = 4096;
     const std::size_t last = text.find_last_not_of(" \r\n");
@@ -63,7 +63,7 @@ Document Document::FromBytes(Bytes content, const std::filesystem::path& file, c
 
 FileContent Document::ReadInput(const std::filesystem::path& file, bool isNew) {
     std::error_code none;
-    // Only input whose size is known before it is read raises the default budget, and only once.
+    // Only input whose size is known in advance raises the default budget, and each file only once.
     const bool raises = isNew && m_options.maxMemory == 0 && fs::is_regular_file(file, none);
     FileContent content = ReadFile(file, raises ? kNoLimit : m_budget.Left());
     if (!(isNew ? m_budget.AddInput(content.size) : m_budget.Take(content.size))) FailOverBudget("");
@@ -110,7 +110,7 @@ void Document::Read(FileContent content) {
     }
     m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);
-    // The tree has all of the text.
+    // The tree has its own copy of the text.
     if (m_isGlb)
         GiveBack(std::as_writable_bytes(std::span(text, size)));
     else
@@ -145,7 +145,7 @@ void Document::LoadBuffers(std::span<std::byte> bin, bool hasBin) {
         if (buffer.origin != Origin::kNotStored) {
             if (buffer.bytes.size() < length)
                 Fail(ErrorKind::kBounds, Join("/buffers/", i, "/byteLength"),
-                     Join(length, " bytes, of which ", buffer.bytes.size(), " are there"));
+                     Join(length, " bytes, but only ", buffer.bytes.size(), " are stored"));
             buffer.bytes = buffer.bytes.first(length);
         }
         m_buffers.push_back(std::move(buffer));
@@ -309,7 +309,7 @@ void Document::PackBuffer(std::size_t index, std::span<const BlockMove> blocks) 
         buffer.owned.resize(end);
         buffer.bytes = buffer.owned;
     }
-    // A data URI is rewritten as one, a container's chunk stays in its container.
+    // A data URI is rewritten as one; a container's chunk stays in its container.
     if (buffer.origin == Origin::kFile) buffer.origin = Origin::kNew;
     Json& json = Elements(Kind::kBuffer)[index];
     m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.bytes.size());

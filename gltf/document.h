@@ -24,7 +24,7 @@
 namespace zr::gltf {
 
 struct LoadOptions {
-    bool allowOutside = false;         // files that URIs name may stand outside the document's folder
+    bool allowOutside = false;         // files that URIs name may be outside the document's folder
     std::uint64_t maxMemory = 0;       // bytes, a stated Budget; 0: the default one
     const Decoder* decoder = nullptr;  // used while loading; null leaves compressed content unread
 };
@@ -46,8 +46,8 @@ public:
     const std::filesystem::path& File() const { return m_file; }
     [[noreturn]] void Fail(ErrorKind kind, std::string_view place, std::string_view text) const;
 
-    // Takes memory that the content requires beyond the document itself from the document's budget. Throws
-    // Error (kLimit, at `place`) when not enough is left. One thread at a time.
+    // Charges the document's budget with memory that the content requires beyond the document itself. Throws
+    // Error (kLimit, at `place`) when too little is left. Not thread-safe.
     void Claim(std::uint64_t bytes, std::string_view place);
     const zr::Budget& Budget() const { return m_budget; }
 
@@ -64,7 +64,7 @@ public:
     std::optional<std::filesystem::path> FileOf(std::string_view uri, std::string_view place) const;
     std::filesystem::path Folder() const;
 
-    // The elements of a kind; empty when the document has none. Valid until one of the kind is added.
+    // The elements of a kind; empty when the document has none. Valid until an element of the kind is added.
     std::span<Json> Elements(Kind kind);
     std::span<const Json> Elements(Kind kind) const;
     // Adds an element, creating its collection if needed; returns its index.
@@ -77,28 +77,28 @@ public:
     std::optional<Bytes> BufferBytes(std::size_t buffer) const;
     std::optional<Bytes> ViewBytes(std::size_t view) const;
 
-    // Decoded content of what the document holds in compressed form. It can be read like any other content
+    // Supplies the decoded content of a compressed view or accessor. It can be read like any other content
     // and is never written. A view must get byteLength bytes, an accessor its elements without gaps; content
-    // of another size is rejected and the result is false.
+    // of another size is rejected, and the result is false.
     bool SupplyView(std::size_t view, std::vector<std::byte> bytes);
     bool SupplyAccessor(std::size_t accessor, std::vector<std::byte> bytes);
-    // Marks an accessor whose content cannot be decoded although its view does not tell.
+    // Marks an accessor whose content cannot be decoded, although nothing about its view says so.
     void WithholdAccessor(std::size_t accessor) { m_suppliedAccessors[accessor].reset(); }
-    // The content that was supplied for an accessor; nothing for other accessors.
+    // The content supplied for an accessor; nothing for other accessors.
     std::optional<Bytes> SuppliedBytes(std::size_t accessor) const;
     bool IsSuppliedView(std::size_t view) const { return m_suppliedViews.contains(view); }
     bool IsWithheld(std::size_t accessor) const;
-    // Notifies the document that the elements of a kind for which keep is false were removed. Whatever
-    // removes them calls this.
+    // To be called by whatever removes elements of a kind: renumbers supplied content and drops that of the
+    // elements for which `keep` is false.
     void RenumberSupplied(Kind kind, const std::vector<bool>& keep);
-    // Drops supplied content, since the document itself now has it.
+    // Drops all supplied content, once the document itself contains it.
     void ForgetSupplied();
 
     // Appends bytes, 4-byte aligned, to a new buffer that Save will place; returns the index of the new view.
     // `target` and `stride`: 0 for none.
     std::size_t AppendView(Bytes bytes, unsigned target, unsigned stride);
-    // Moves blocks of a buffer down in place: bytes between them become zeros, bytes behind the last one are
-    // dropped, and byteLength follows. Blocks are in order, move down or stay, and do not overlap.
+    // Moves blocks of a buffer down in place: bytes between them become zeros, bytes after the last one are
+    // dropped, and byteLength is updated. Blocks are in order, move down or stay, and do not overlap.
     struct BlockMove {
         std::size_t from;
         std::size_t size;
@@ -109,11 +109,11 @@ public:
     void EraseBuffers(const std::vector<bool>& keep);
 
     // Writes the document: a binary container when the name ends in ".glb", else text, with the files it
-    // needs beside it under names that nothing has; the files appear when `files` is committed. Files that
-    // the document came with stay reachable: left in place in the same folder, copied to another folder,
-    // embedded in a container made from text. Buffers that an earlier save placed beside the target and that
-    // nothing uses any more are deleted by the commit. The document must not be used afterwards. Returns the
-    // bytes of all its files, as SourceSize counts them. Throws Error.
+    // needs beside it under unused names; the files appear when `files` is committed. Files that the document
+    // came with stay reachable: left in place in the same folder, copied to another folder, embedded in a
+    // container made from text. Buffers that an earlier save placed beside the target and that nothing uses
+    // any more are deleted by the commit. The document must not be used afterwards. Returns the bytes of all
+    // its files, as SourceSize counts them. Throws Error.
     std::uint64_t Save(const std::filesystem::path& target, FileTransaction& files);
     // The same, committed. beforeCommit is called when everything is written and no file has appeared yet; if
     // it throws, everything is left as it was.
@@ -141,7 +141,7 @@ private:
     Document(const std::filesystem::path& file, const LoadOptions& options);
 
     void Read(FileContent content);
-    // Reads a file within the budget; one that was read before, if not new.
+    // Reads a file within the budget. `isNew`: it was not read before, so that its size may raise the budget.
     FileContent ReadInput(const std::filesystem::path& file, bool isNew);
     [[noreturn]] void FailOverBudget(std::string_view place) const;
     void LoadBuffers(std::span<std::byte> bin, bool hasBin);
@@ -176,8 +176,8 @@ void ForEachBufferRange(Document& document, Visit visit) {
     }
 }
 
-// Calls visit(element, place) for every element that may name a file of its own by "uri", buffers apart:
-// images, sounds, light profiles. `place` is its JSON pointer.
+// Calls visit(element, place) for every element except buffers that may name a file by "uri": images, sounds,
+// light profiles. `place` is its JSON pointer.
 void ForEachResource(Document& document,
                      const std::function<void(Json& element, const std::string& place)>& visit);
 

@@ -53,7 +53,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
         const std::size_t size = Word(file, offset), type = Word(file, offset + 4);
         const std::size_t content = offset + kChunkHeader;
         if (size > file.size() - content)
-            fail(offset, Join("a chunk of ", size, " bytes, of which ", file.size() - content, " are there"));
+            fail(offset, Join("a chunk of ", size, " bytes, but only ", file.size() - content, " follow"));
         if ((chunk == 0) != (type == kJson))
             fail(offset, "the first chunk must hold the JSON text, and no other");
         if (chunk == 0) {

@@ -16,7 +16,7 @@ namespace zr::gltf {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
-constexpr std::size_t kLargeObject = 16;  // members; going over fewer costs nothing
+constexpr std::size_t kLargeObject = 16;  // members; scanning fewer is cheap
 
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -81,7 +81,7 @@ std::string_view Json::NumberText(NumberRoom& room) const {
     char* const first = end;
     end = std::to_chars(first, room.data() + room.size(), m_word >> kDigitsShift).ptr;
     if (places != 0) {
-        // At least one digit stands before the point.
+        // At least one digit precedes the point.
         const auto count = static_cast<unsigned>(end - first);
         if (count <= places) {
             const unsigned missing = places + 1 - count;
@@ -107,7 +107,7 @@ const Json* Json::Find(std::string_view name) const {
             if (member.Name() == name) return &member.value;
         return nullptr;
     }
-    // Sizes tell most names apart.
+    // Most names differ in size.
     const std::uint64_t word =
         std::uint64_t{name.size()} << kTypeBits | static_cast<std::uint64_t>(Type::kString);
     constexpr std::uint64_t kWord = (std::uint64_t{1} << kAddressShift) - 1;
@@ -131,7 +131,7 @@ void* JsonTree::Allocate(std::size_t bytes) {
         const std::size_t size = std::max(bytes, kBlock);
         m_blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
         m_size += size;
-        // A block of its own leaves the current one in use.
+        // Oversized content gets its own block; the current one stays in use.
         if (size > kBlock) return m_blocks.back().get();
         m_free = m_blocks.back().get();
         m_left = size;

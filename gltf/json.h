@@ -23,7 +23,7 @@ inline constexpr unsigned kMaxJsonDepth = 128;  // real documents stay below 20;
 struct JsonMember;
 
 // A JSON value of 8 bytes whose content lives in the JsonTree it came from. Numbers are written with the text
-// they were read from, so that unchanged content goes out as it came in. Copying a Json copies the handle,
+// they were read from, so that unchanged content is written as it was read. Copying a Json copies the handle,
 // not the content. References to items and members are valid until their container gets another element.
 class Json {
 public:
@@ -42,11 +42,11 @@ public:
     bool Bool() const { return HasTag(Type::kTrue); }
     double Number() const;
     std::string_view String() const { return IsString() ? Text() : std::string_view(); }
-    // `room` is where the text stands, if nowhere else.
+    // The text of a number, stored in the tree or else written to `room`; empty for other types.
     using NumberRoom = std::array<char, 32>;
     std::string_view NumberText(NumberRoom& room) const;
 
-    // A number that is whole and at least 0 (3, also 3.0), as far as std::size_t goes; else nothing.
+    // A whole number of at least 0 (3, also 3.0), clamped to the largest std::size_t; otherwise nothing.
     std::optional<std::uint64_t> Index() const {
         constexpr std::uint64_t kNotDigits = (std::uint64_t{1} << kDigitsShift) - 1;
         if ((m_word & kNotDigits) == kDecimal) return std::min(m_word >> kDigitsShift, kMostIndex);
@@ -59,11 +59,11 @@ public:
     std::span<JsonMember> Members();
     std::span<const JsonMember> Members() const;
 
-    // Whether a member "extensions" stands in this value or below it, as the reader noted. Holds as long as
-    // JsonTree::NotesExtensions says; what was erased since may still count.
+    // Whether the reader found a member "extensions" in this value or below it. Reliable while
+    // JsonTree::NotesExtensions(); members erased since may still count.
     bool HoldsExtensions() const { return (IsArray() || IsObject()) && (m_word & kExtended) != 0; }
 
-    // The member of that name, or null (also when this is no object).
+    // The member of that name, or null (also when this is not an object).
     Json* Find(std::string_view name);
     const Json* Find(std::string_view name) const;
 
@@ -79,8 +79,8 @@ private:
     friend class JsonTree;
     friend class JsonBuilder;
 
-    // Documents have millions of values, and going over them costs what their memory costs. So a value is one
-    // word: the type, the size of a text, and the address of the content, of which programs use 48 bits.
+    // Documents have millions of values, and visiting them costs what their memory costs. So a value is one
+    // word: the type, the size of a text, and the address of the content, which fits 48 bits.
     static constexpr unsigned kTypeBits = 3, kSizeBits = 13, kAddressShift = kTypeBits + kSizeBits;
     static constexpr std::uint64_t kTypeMask = (1U << kTypeBits) - 1;
     static constexpr std::uint64_t kLongText = (1U << kSizeBits) - 1;  // the content is a std::string_view
@@ -88,9 +88,9 @@ private:
     // Of a container, in place of a text's size: see HoldsExtensions.
     static constexpr std::uint64_t kExtended = std::uint64_t{1} << kTypeBits;
 
-    // Nearly all numbers are few digits, which the word itself holds as a whole number, with the sign and how
-    // many of them are behind the point: together they tell the text, and looking at one costs no memory. As
-    // long as both fit a double exactly, so does their quotient but for one rounding.
+    // Nearly all numbers have few digits. The word itself then holds them as an integer, with the sign and
+    // the number of decimal places, from which the text follows; reading it touches no other memory. Integer
+    // and power of ten are exact as doubles, so their quotient is rounded once, correctly.
     static constexpr std::uint64_t kDecimal = kTypeMask;  // in place of a type
     static constexpr std::uint64_t kNegative = std::uint64_t{1} << kTypeBits;
     static constexpr unsigned kPlacesShift = kTypeBits + 1, kPlacesBits = 5;
@@ -98,7 +98,7 @@ private:
     static constexpr std::uint64_t kEndOfDigits = std::uint64_t{1} << 53;
     static constexpr unsigned kMostPlaces = 22;  // the largest power of ten that a double holds
 
-    // Stands before the items or members; an empty container may have no content at all.
+    // Precedes the items or members; an empty container may have no content at all.
     struct Header {
         std::uint32_t size;
         std::uint32_t room;
@@ -110,7 +110,7 @@ private:
                         (isNegative ? kNegative : 0) | kDecimal;
         return number;
     }
-    // Nothing for a text that needs more, such as one with an exponent.
+    // Nothing for a text that does not fit, such as one with an exponent.
     static std::optional<Json> DecimalOf(std::string_view text);
 
     explicit Json(Type type, const void* content = nullptr, std::uint64_t textSize = 0)
@@ -140,7 +140,7 @@ private:
         if (header == nullptr) return {};
         return {reinterpret_cast<T*>(header + 1), header->size};
     }
-    // Of a string, or a number that is no decimal.
+    // Of a string, or of a number that is not a decimal.
     std::string_view Text() const {
         const std::uint64_t size = m_word >> kTypeBits & kLongText;
         if (size == kLongText) return *Content<const std::string_view>();
@@ -162,7 +162,7 @@ struct JsonMember {
 // The result of an earlier search for a member, so that searching again need not scan a large object.
 struct JsonFind {
     std::uint32_t position = 0;
-    // The members that held none of the name, and how many had been added to large objects by then.
+    // The members among which the name was missing, and how many had been added to large objects by then.
     const JsonMember* absentIn = nullptr;
     std::uint32_t absentSize = 0;
     std::size_t additions = 0;
@@ -177,10 +177,10 @@ public:
 
     Json root;
 
-    // Parses `text`: size bytes, followed by one more writable byte. The text is changed in place and no
-    // longer needed. Throws Error (kSyntax, `file`, "byte N").
+    // Parses `text`: size bytes, followed by one more writable byte. The text is modified in place and not
+    // needed afterwards. Throws Error (kSyntax, `file`, "byte N").
     void Parse(char* text, std::size_t size, std::string_view file);
-    // Reads a value; for building content from literals.
+    // Parses a value; for building content from literals.
     Json Build(std::string_view text);
 
     Json MakeString(std::string_view text);
@@ -193,21 +193,21 @@ public:
     static Json MakeArray();
     static Json MakeObject();
 
-    // The member of that name of `object`, added as null when it is not there.
+    // The member of that name of `object`, added as null if missing.
     Json& Member(Json& object, std::string_view name);
     Json& Append(Json& array, Json item);
 
-    // The member of that name, or null; `find` belongs to this object and name.
+    // The member of that name, or null. `find` must serve this object and name only.
     Json* Find(Json& object, std::string_view name, JsonFind& find);
     const Json* Find(const Json& object, std::string_view name, const JsonFind& find) const;
 
     // A copy of the content, from this or another tree.
     Json Clone(const Json& source);
 
-    // Whether Json::HoldsExtensions holds below `root`: nothing with extensions was added since it was read.
+    // Whether Json::HoldsExtensions is reliable below `root`: no extensions were added since it was parsed.
     bool NotesExtensions() const { return m_notesExtensions; }
 
-    // Bytes that the storage takes.
+    // Bytes of storage allocated.
     std::size_t Size() const { return m_size; }
 
 private:
@@ -235,8 +235,7 @@ private:
 
 // Text of a value. `pretty`: two spaces a level, arrays of plain values on one line.
 std::string WriteJson(const Json& value, bool pretty);
-// The same in pieces; the text is never in memory as a whole. level: how deep in a greater text the value
-// stands.
+// The same in pieces; the text is never in memory as a whole. `level`: the value's depth in a larger text.
 using JsonSink = std::function<void(std::string_view piece)>;
 void WriteJson(const Json& value, bool pretty, const JsonSink& sink, std::size_t level = 0);
 

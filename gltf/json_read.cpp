@@ -50,7 +50,7 @@ public:
     bool EndObject(rapidjson::SizeType count) {
         --m_depth;
         const Json object = Take(Json::Type::kObject, count, 2);
-        if (Repeats(object)) return Refuse("an object has two members of one name");
+        if (Repeats(object)) return Refuse("an object has two members of the same name");
         return Push(object);
     }
 
@@ -62,7 +62,7 @@ public:
     bool Double(double) { return false; }
 
 private:
-    // Members have few names, and equal ones share a text.
+    // There are few distinct names: equal ones share a text, unless another name took their slot meanwhile.
     Json Name(std::string_view text) {
         if (text.empty()) return m_tree.MakeString(text);
         const auto byte = [](char c) { return static_cast<unsigned char>(c); };
@@ -87,7 +87,7 @@ private:
         return false;
     }
 
-    // The last values, `parts` for each of the container's slots.
+    // Makes a container of the last values, `parts` for each of its slots.
     Json Take(Json::Type type, std::size_t count, std::size_t parts) {
         const std::size_t left = m_values.size() - count * parts;
         const Json container =
@@ -95,7 +95,7 @@ private:
         m_values.resize(left);
         if (m_extended.empty() || m_extended.back() < left) return container;
         while (!m_extended.empty() && m_extended.back() >= left) m_extended.pop_back();
-        m_extended.push_back(left);  // where the container comes to stand
+        m_extended.push_back(left);  // the container's own index
         return container.Extended(true);
     }
 
@@ -118,7 +118,7 @@ private:
 
     JsonTree& m_tree;
     std::vector<Json> m_values;
-    std::vector<std::size_t> m_extended;  // which of them are names of extensions or hold some
+    std::vector<std::size_t> m_extended;  // indices of the keys "extensions" and of containers that hold some
     std::array<Json, kNames> m_names;
     unsigned m_depth = 0;
     const char* m_refusal = nullptr;

@@ -9,8 +9,8 @@
 
 namespace zr::gltf {
 
-// Writes a text as WriteJson does a pretty one, container by container, so that neither the text nor its
-// values stand in memory as a whole. Names are written as they are.
+// Writes the text that a pretty WriteJson would, piece by piece, so that neither the text nor its values are
+// ever in memory as a whole. Names are not escaped.
 class JsonStream {
 public:
     explicit JsonStream(JsonSink sink) : m_sink(std::move(sink)) {}
@@ -18,7 +18,7 @@ public:
     // Begins an object ('{') or a list ('['): the whole text, a member of that name, or an item.
     void Open(char bracket, std::string_view name = {});
     void Close();
-    // A value that stands complete: a member of that name, or an item.
+    // Writes a complete value: a member of that name, or an item.
     void Put(const Json& value, std::string_view name = {});
 
 private:

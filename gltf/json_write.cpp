@@ -7,7 +7,7 @@
 namespace zr::gltf {
 namespace {
 
-// Bytes that stand in a string as they are.
+// Bytes that a string need not escape.
 constexpr std::array<bool, 256> kPlain = [] {
     std::array<bool, 256> plain{};
     for (std::size_t i = 0x20; i < plain.size(); ++i) plain[i] = i != '"' && i != '\\';

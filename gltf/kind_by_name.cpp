@@ -20,7 +20,7 @@ std::optional<Kind> KindByName(std::string_view name) {
     const std::string lower = LowerCase(name);
     if (lower.find("joint") != std::string::npos || lower.find("bone") != std::string::npos)
         return Kind::kNode;
-    // The longest noun wins: "bufferView" holds "buffer".
+    // The longest noun wins: "bufferView" contains "buffer".
     std::optional<Kind> found;
     std::size_t length = 0;
     for (std::size_t i = 0; i < kKinds; ++i) {

@@ -8,8 +8,8 @@
 
 namespace zr::gltf {
 
-// The kind of which a member of an unknown extension holds an index, as its name suggests by the noun that it
-// contains: "meshIndex", "leftBone".
+// The kind of element that a member of an unknown extension refers to, guessed from the noun in its name:
+// "meshIndex" a mesh, "leftBone" a node.
 std::optional<Kind> KindByName(std::string_view name);
 
 }  // namespace zr::gltf

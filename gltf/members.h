@@ -8,14 +8,14 @@
 // Members that elements of any kind may have.
 namespace zr::gltf {
 
-// Empty where there is none.
+// The element's name; empty if it has none.
 std::string_view NameOf(const Json& element);
 
 // The member of "extensions" of that name, or null.
 const Json* FindExtension(const Json& element, std::string_view name);
 Json* FindExtension(Json& element, std::string_view name);
 
-// Removes it, and "extensions" with the last of them. Returns whether there was one.
+// Removes the extension, and "extensions" with the last one. Returns whether there was one.
 bool EraseExtension(Json& element, std::string_view name);
 
 // Two names of one extension: how meshopt packed the bytes of a buffer view.

@@ -2,7 +2,6 @@
 #include "gltf/placed_files.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "base/filesystem.h"
 #include "base/text.h"
@@ -12,7 +11,7 @@ namespace zr::gltf {
 namespace {
 
 constexpr std::size_t kLongestName = 255;                        // bytes, on every file system of today
-constexpr std::uint64_t kMaxSiblings = std::uint64_t{64} << 20;  // bytes of other scenes that are looked at
+constexpr std::uint64_t kMaxSiblings = std::uint64_t{64} << 20;  // bytes of other scenes to search
 
 bool IsThere(const fs::path& file) {
     std::error_code none;

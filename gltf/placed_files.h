@@ -16,12 +16,12 @@
 namespace zr::gltf {
 
 // Chooses the names of the files written beside a scene, so that none collides with the scene, a file that
-// the scene keeps, or somebody else's file. Paths are relative to the scene's folder.
+// the scene keeps, or any other file. Paths are relative to the scene's folder.
 class PlacedFiles {
 public:
     PlacedFiles(const std::filesystem::path& scene, FileTransaction& files);
 
-    // Reserves a name that new files must not take: of a file that stays, or one that a file prefers.
+    // Reserves a name that new files must not take: of a file that stays, or one that a file is to get.
     void Keep(const std::filesystem::path& name) { m_kept.insert(name); }
 
     // Puts content beside the scene and returns its name: `wished` if that is free. A file that already holds

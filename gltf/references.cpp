@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "gltf/references.h"
 
-#include <algorithm>
-
 namespace zr::gltf {
 namespace {
 
@@ -41,7 +39,7 @@ private:
     void Add(std::string_view extension, KindSet kinds, const Place& place) {
         if (kinds.Empty()) return;
         m_opaque.kinds.Add(kinds);
-        // One line for each extension is enough to tell what stands in the way.
+        // One entry for each extension is enough to report it.
         for (OpaqueUse& use : m_opaque.uses) {
             if (use.extension != extension) continue;
             use.kinds.Add(kinds);
@@ -63,7 +61,7 @@ public:
         if (!target || !m_kinds.Has(target->kind)) return;
         const auto& owner = place.Owner();
         if (!owner || !m_kinds.Has(owner->kind)) return Hold(*target);
-        // A text below 4 GiB has fewer elements than 32 bits count.
+        // A text below 4 GiB has fewer than 2^32 elements.
         m_links.push_back({static_cast<std::uint32_t>(target->index),
                            static_cast<std::uint32_t>(owner->index), target->kind, owner->kind});
     }

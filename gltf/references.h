@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -43,7 +42,7 @@ Opaque OpaqueReferences(Document& document);
 // Elements by kind and index; vectors may be shorter than the collection.
 using ElementSet = std::array<std::vector<bool>, kKinds>;
 
-// Both in one pass, as a table that holds while the document stays as it is.
+// References and opaque uses, found in one pass. Valid until the document is edited.
 struct ReferenceTable {
     struct Link {
         std::uint32_t target;

@@ -28,7 +28,7 @@ class Pruner {
 public:
     // Marks the value at steps[at] for removal. Calls are in document order.
     void Mark(std::span<const Place::Step> steps, std::size_t at) {
-        // The containers of the value before are those of this one as far as they agree.
+        // This value and the previous one share the containers at the start of their paths.
         std::size_t known = 0;
         while (known < std::min(at, m_way.size()) && m_containers[m_way[known]].json == steps[known].value)
             ++known;
@@ -55,7 +55,7 @@ private:
     struct Container {
         Json* json;
         std::uint32_t parent;   // kNone: the root
-        std::uint32_t victims;  // the last one
+        std::uint32_t victims;  // the last one added; the others are linked from it
         std::uint16_t depth;
         bool isItem;
     };
@@ -74,7 +74,7 @@ private:
         for (std::uint32_t i = container.victims; i != kNone; i = m_victims[i].next)
             victims.push_back(m_victims[i].json);
         std::sort(victims.begin(), victims.end());
-        // Handles that move forward are read from their old place, ahead of where they go.
+        // Handles move towards the front, so each one is read in its old place before that is overwritten.
         const auto stays = [&](const Json* at) {
             return !std::binary_search(victims.begin(), victims.end(), at);
         };
@@ -85,7 +85,7 @@ private:
         if (isEmpty && !container.isItem && container.parent != kNone) AddVictim(container.parent, &json);
     }
 
-    // Deques grow without a copy of what they hold.
+    // Deques grow without copying their elements.
     std::deque<Container> m_containers;
     std::deque<Victim> m_victims;
     std::vector<std::uint32_t> m_way;  // the containers of the last value, from the root
@@ -143,7 +143,7 @@ private:
     void CutAway(Cut cut, const Target& target, const Place& place) {
         if (cut == Cut::kNothing)
             m_document.Fail(ErrorKind::kReference, place.Pointer(),
-                            Join("needs ", Info(target.kind).noun, " ", target.index));
+                            Join(Info(target.kind).noun, " ", target.index, " is needed here"));
         const auto steps = place.Steps();
         std::size_t at = steps.size() - 1;
         if (cut == Cut::kHolder) --at;
@@ -172,7 +172,7 @@ private:
 
     Document& m_document;
     const Removal& m_removal;
-    KindSet m_kinds;  // of which elements go
+    KindSet m_kinds;  // that lose elements
     std::array<std::vector<std::uint32_t>, kKinds> m_renumbered;
     std::array<std::deque<Json*>, kKinds> m_renamed;  // to update once it is known that all can be
     Pruner m_pruner;

@@ -28,7 +28,7 @@ bool IsInside(const fs::path& file, const fs::path& folder) {
     return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
-// Images are read one by one; those that share their bytes are bounded together.
+// Each image is read on its own, so bytes that images share count again for each further one.
 void CheckImages(const Document& document) {
     std::set<std::string_view> uris;
     std::set<std::size_t> views;
@@ -102,7 +102,7 @@ void CheckResources(Document& document) {
         std::error_code failure;
         if (!path)
             document.Warn(ErrorKind::kUri, at,
-                          Join(Quoted(uri->String()), " names no file and stays as it is"));
+                          Join(Quoted(uri->String()), " is not a local file and is left as it is"));
         else if (const auto size = fs::file_size(document.Folder() / *path, failure); !failure)
             document.m_sourceSize += counted.insert(*path).second ? size : 0;
         else

@@ -89,7 +89,7 @@ private:
     using Origin = Document::Origin;
     using Buffer = Document::Buffer;
 
-    // The files of the buffers of the scene that is replaced, if it is text.
+    // The buffer files of the scene that is about to be replaced, if it is text.
     std::vector<fs::path> BuffersOfTarget() const {
         std::error_code none;
         // A document from memory need not match its file.
@@ -109,7 +109,7 @@ private:
                 if (const auto path = PathOfUri(uri->String())) files.push_back(*path);
             }
         } catch (const zr::Error&) {
-            // No scene, so none of its files is ours.
+            // Not a scene, so it has no buffer files.
         }
         return files;
     }
@@ -153,7 +153,7 @@ private:
             Copy(*uri, *path, content.View());
     }
 
-    // Brings a file beside the target; `content`: its bytes, if already read.
+    // Copies a file beside the target; `content`: its bytes, if already read.
     void Copy(Json& uri, const fs::path& path, std::optional<Bytes> content) {
         auto known = m_copied.find(path);
         if (known == m_copied.end()) {
@@ -236,8 +236,8 @@ private:
         m_document.EraseBuffers(keep);
     }
 
-    // The first buffer of a container without a URI stands for its chunk: one of a text document that stored
-    // nothing must not become the first.
+    // If the first buffer of a container has no URI, it is the chunk: a buffer that a text document does not
+    // store must not become the first.
     std::size_t AddPlaceholder() {
         const std::size_t index = m_document.Append(Kind::kBuffer, JsonTree::MakeObject());
         m_tree.Member(m_document.Elements(Kind::kBuffer)[index], "byteLength") =
@@ -296,7 +296,7 @@ private:
 std::uint64_t Document::Save(const fs::path& target, FileTransaction& files) {
     const std::string name = PathToUtf8(target);
     if (!HasEnding(name, ".glb") && !HasEnding(name, ".gltf"))
-        throw Error(ErrorKind::kFile, name, "", "a scene's name ends in .gltf or .glb");
+        throw Error(ErrorKind::kFile, name, "", "a scene's name must end in .gltf or .glb");
     return Saver(*this, target, files).Run();
 }
 

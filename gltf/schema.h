@@ -21,7 +21,7 @@ enum class Shape : std::uint8_t {
     kBool,
     kNumber,
     kCount,    // whole number, at least 0
-    kNumbers,  // array of Rule::count numbers; 0: of any number of them
+    kNumbers,  // array of Rule::count numbers; 0: of any length
     kObject,
     kArray,  // with at least one item
 };
@@ -36,7 +36,7 @@ enum class Cut : std::uint8_t {
 
 // One line of the table of a document's properties.
 //   path: members from the root, "[]" for each item, "{}" for each member of an object, "!" when required;
-//   a path that begins with "*" holds wherever the extension it names may stand.
+//   a path that begins with "*" applies wherever the extension it names occurs.
 struct Rule {
     const char* path;
     Shape shape = Shape::kAny;
@@ -63,9 +63,9 @@ struct SchemaNode {
     std::unique_ptr<SchemaNode>
         item;  // for every item of an array, or every member of an object used as a map
     bool isMap = false;
-    Kind element = Kind::kCount;  // of which each of these is one
-    KindSet named;                // by references that stand here or below; all where elements do
-    KindSet namedPlainly;         // by references that stand here or below, but in no extension
+    Kind element = Kind::kCount;  // the kind that each of these is an element of
+    KindSet named;                // by references here or below; all kinds above a collection of elements
+    KindSet namedPlainly;         // by references here or below that are not in an extension
 
     const SchemaNode* Find(std::string_view name) const;
 };

@@ -117,7 +117,7 @@ std::string EncodeDataUri(std::string_view mediaType, std::string_view bytes) {
 }
 
 std::optional<std::filesystem::path> PathOfUri(std::string_view uri) {
-    // A scheme is what stands before a colon in the first segment.
+    // A colon in the first segment ends a scheme.
     const std::size_t colon = uri.find(':');
     if (colon != std::string_view::npos && colon < uri.find('/')) return std::nullopt;
     const auto decoded = PercentDecode(uri);

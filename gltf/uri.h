@@ -18,8 +18,8 @@ std::optional<std::vector<std::byte>> DecodeDataUri(std::string_view uri);
 std::string_view DataUriType(std::string_view uri);
 std::string EncodeDataUri(std::string_view mediaType, std::string_view bytes);
 
-// The path that a URI reference names, in its shortest form: absolute, or relative to its document. Nothing
-// for a URI with a scheme or a malformed one.
+// The path that a URI reference names, in normal form: absolute, or relative to its document. Nothing for a
+// URI with a scheme or a malformed one.
 std::optional<std::filesystem::path> PathOfUri(std::string_view uri);
 // The URI reference of a relative path.
 std::string EncodePath(const std::filesystem::path& path);

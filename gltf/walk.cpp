@@ -37,7 +37,7 @@ const SchemaNode& TextureInfo() {
 
 class Walker {
 public:
-    // kinds: of the references that are looked for; null: everything is.
+    // `kinds`: the kinds whose references to look for; null: visit everything.
     Walker(JsonTree& tree, Visitor& visitor, const KindSet* kinds)
         : m_visitor(visitor),
           m_kinds(kinds),
@@ -75,8 +75,8 @@ private:
         }
     }
 
-    // Whether only the rules could lead from a value to what is looked for: it has no parts, or none that
-    // count wherever they stand.
+    // Whether only rules can lead on from a value: nothing in it is visited wherever it occurs, as extensions
+    // and the texture infos of materials are.
     bool IsBare(const Json& value) const {
         if (!value.IsObject() && !value.IsArray()) return true;
         if (!m_knowsExtensions || (m_findsTextures && m_materials > 0)) return false;
@@ -86,7 +86,7 @@ private:
 
     enum class Role : std::uint8_t { kOther, kExtras, kExtensions, kTexture };
 
-    // What the rules and the name say of a member.
+    // What the rules and the name say about a member.
     struct Answer {
         const SchemaNode* schema = nullptr;
         std::string_view name;
@@ -95,7 +95,7 @@ private:
         Role role = Role::kOther;
     };
 
-    // Members have few names, and equal ones mostly share a text: nearly every question was asked before.
+    // There are few distinct names, and equal ones mostly share a text, so nearly every lookup repeats one.
     const Answer& Ask(const SchemaNode* schema, std::string_view name) {
         const auto address = [](const void* at) { return reinterpret_cast<std::uintptr_t>(at); };
         Answer& answer =

@@ -13,7 +13,7 @@
 
 namespace zr::gltf {
 
-// The path from the root to a value. Texts belong to the document.
+// The path from the root to a value. Names are views of the document's text.
 class Place {
 public:
     struct Step {
@@ -74,8 +74,8 @@ public:
 
 // Visits, in document order, everything that the rules cover. Extras are skipped.
 void Walk(JsonTree& tree, Visitor& visitor);
-// The same for what may refer to elements of `kinds`, and for extensions: other values may be left out, and
-// what leads to no such reference is passed by.
+// The same for references to elements of `kinds`, and for extensions. Other values may be skipped, with
+// everything that leads to no such reference.
 void WalkReferences(JsonTree& tree, KindSet kinds, Visitor& visitor);
 
 // The kinds that an unknown extension's content could refer to by index or pointer. An integer under a name

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "tests/gltf/sample.h"
@@ -65,7 +64,7 @@ TEST(Accessor, TheLastColumnNeedsNoPadding) {
     EXPECT_THROW(With(Accessor("MAT2", 5121, 2), std::string(13, 'x')), Error);
 }
 
-TEST(Accessor, NumbersThatAreNotFiniteAreToldAndNotWritten) {
+TEST(Accessor, NumbersThatAreNotFiniteAreReportedAndNotWritten) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     const std::string bytes = test::Floats({0, 1, 2, 3, 4, kInfinity});
     EXPECT_EQ(With(Accessor("VEC3", 5126, 2), bytes).Warnings().size(), 1U);
@@ -98,7 +97,7 @@ TEST(Accessor, SparseValuesStandOverTheBase) {
     EXPECT_THROW(With(sparse("", 2), bytes), Error);  // 1, 1 does not increase
 }
 
-TEST(Accessor, WhatIsAppendedReadsBackThroughAFile) {
+TEST(Accessor, AppendedDataReadsBackThroughAFile) {
     const test::TemporaryFolder folder;
     const Values times{0, 0.25F, 3}, values{1, 2, 3, -4, 5, 6, 7, 8, -9};
     std::vector<std::uint32_t> narrow{0, 2, 65534}, wide{0, 65535};
@@ -138,8 +137,8 @@ TEST(Accessor, CompressedDataIsCarriedButNotRead) {
     EXPECT_EQ(ReadFloats(document, 1), (Values{0, 0}));
 }
 
-// In place or nothing: integers, gaps and sparse values have to be read.
-TEST(Accessor, StoredFloatsAreThoseThatAreRead) {
+// Integers, gaps and sparse values cannot be used in place.
+TEST(Accessor, StoredFloatsEqualTheFloatsRead) {
     const Document document = test::Sample();
     std::size_t stored = 0, other = 0;
     for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every allocation of a small run fails once: it ends in std::bad_alloc, with the files as they were.
+// Every allocation of a small run fails once: the run must end in std::bad_alloc and leave the files
+// unchanged.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -42,8 +43,8 @@ void operator delete(void* place, std::size_t) noexcept {
 namespace zr::gltf {
 namespace {
 
-// Runs until no allocation is left to fail: how many failed.
-// A run may get along without what it could not allocate. `finish` is told whether it did.
+// Repeats the run until no allocation is left to fail; returns how many failed.
+// A run may succeed without the memory it was refused. `finish` is told whether it did.
 template <typename Run, typename Finish>
 int FailEach(Run run, Finish finish) {
     for (int failures = 0;; ++failures) {
@@ -60,7 +61,7 @@ int FailEach(Run run, Finish finish) {
     }
 }
 
-TEST(Allocation, EveryFailureWhileReadingIsTold) {
+TEST(Allocation, EveryFailureWhileReadingIsReported) {
     const std::string content = test::Glb(test::SampleJson(), test::SampleBin());
     const auto read = [&] {
         Document document = Document::FromBytes(BytesOf(content), "sample.glb");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files cut short and files with flipped bytes, from heap buffers of exactly their size: whatever comes, it
-// ends in a document that can be read to the last element, or in an Error.
+// Files cut short and files with flipped bytes, from heap buffers of exactly their size: each must load as a
+// document that can be read to the last element, or end in an Error.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -56,7 +56,7 @@ TEST(Broken, FlippedBytes) {
             broken[at] = static_cast<char>(broken[at] ^ (1U << random() % 8));
             loaded += Try(broken);
             broken = whole;
-            // Digits for digits: the text stays JSON and the numbers go astray.
+            // Digits replace digits: the text stays JSON, but with wrong numbers.
             if (broken[at] >= '0' && broken[at] <= '9') broken[at] = static_cast<char>('0' + random() % 10);
             loaded += Try(broken);
         }

@@ -100,7 +100,7 @@ constexpr Case kCases[] = {
      "/buffers/0/uri"},
 };
 
-TEST(Check, EveryFaultIsNamedWithItsPlace) {
+TEST(Check, EveryFaultIsReportedWithItsPlace) {
     for (const Case& fault : kCases) {
         std::string json = test::SampleJson();
         const std::size_t at = json.find(fault.from);
@@ -147,7 +147,7 @@ TEST(Check, ADeepChainOfNodesIsFineALongCycleIsNot) {
     EXPECT_THROW(test::FromText(json + "{\"children\":[0]}]}"), Error);
 }
 
-TEST(Check, ContainerFaultsAreTold) {
+TEST(Check, ContainerFaultsAreReported) {
     const std::string good = test::Glb(test::SampleJson(), test::SampleBin());
     const auto fault = [](std::string file) {
         try {

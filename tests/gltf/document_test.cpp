@@ -13,7 +13,7 @@ using Names = std::vector<std::string>;
 using test::TemporaryFolder;
 using test::TextOf;
 
-TEST(Document, UntouchedIsWrittenAsItWasRead) {
+TEST(Document, WithoutEditsIsWrittenAsItWasRead) {
     const TemporaryFolder folder;
     const std::string container = test::Glb(test::SampleJson(), test::SampleBin());
     folder.Write("in.glb", container);
@@ -87,7 +87,7 @@ TEST(Document, SeveralBuffersMergeWithTheirViews) {
     EXPECT_EQ(IndexMember(compressed, "buffer", 9), 0U);
     EXPECT_EQ(IndexMember(compressed, "byteOffset", 9), 8U);
 
-    // What may count the buffers keeps them apart.
+    // An extension that may refer to buffers by index keeps them separate.
     std::string json = folder.Read("in.gltf");
     json.replace(json.find("\"buffers\""), 0, R"("extensions":{"ODD_uses":{"buffer":2}},)");
     folder.Write("odd.gltf", json);
@@ -110,7 +110,7 @@ TEST(Document, ABufferThatIsNotStoredDoesNotBecomeTheChunk) {
     EXPECT_EQ(folder.Read("out.glb").size() % 4, 0U);
 }
 
-TEST(Document, BytesBehindAContainerAreNoPartOfIt) {
+TEST(Document, BytesAfterAContainerAreNotPartOfIt) {
     const TemporaryFolder folder;
     const std::string container = test::Glb(R"({"asset":{"version":"2.0"}})", "");
     folder.Write("in.glb", container + "x");
@@ -158,7 +158,7 @@ TEST(Document, MemoryHasABudget) {
     EXPECT_EQ(fault(1000), "");
     const std::uint64_t tree = 256 << 10;
     EXPECT_EQ(fault(folder.Read("in.gltf").size() + tree + 100), "/buffers/0/uri");
-    // Few bytes that many accessors name.
+    // Few bytes that many accessors share.
     std::string accessors, separator;
     for (int i = 0; i < 100; ++i, separator = ",")
         accessors += separator + R"({"bufferView":0,"componentType":5126,"count":3000,"type":"SCALAR"})";
@@ -171,12 +171,12 @@ TEST(Document, MemoryHasABudget) {
     };
     EXPECT_NO_THROW(load(1300000));
     EXPECT_THROW(load(1100000), Error);
-    // A device without an end.
+    // An endless device.
     EXPECT_THROW(Document::Load("/dev/zero", {.maxMemory = 1 << 20}), zr::Error);
 }
 
-// A few bytes that many elements name would be many in memory.
-TEST(Document, WhatIsSharedIsBounded) {
+// A few bytes that many elements share would be many in memory.
+TEST(Document, SharedDataIsBounded) {
     const TemporaryFolder folder;
     folder.Write("a.bin", std::string(1 << 20, '\0'));
     const auto times = [](int count, const std::string& element) {

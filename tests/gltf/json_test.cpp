@@ -25,7 +25,7 @@ std::string Fault(std::string text) {
     return "none";
 }
 
-TEST(Json, WhatIsNotChangedGoesOutAsItCame) {
+TEST(Json, UnchangedContentIsWrittenAsItWasRead) {
     JsonTree tree;
     for (const char* text : {
              "0",
@@ -96,7 +96,7 @@ TEST(Json, DecimalsReadAsTheNearestDouble) {
     }
 }
 
-// A value's word counts up to 8190 characters; longer texts are told apart from them.
+// A value's word counts up to 8190 characters; longer texts are stored in another way.
 TEST(Json, TextsOfAnyLengthAreKept) {
     Json::NumberRoom room;
     for (const std::size_t size : {8190U, 8191U, 8192U, 100000U}) {
@@ -111,7 +111,7 @@ TEST(Json, TextsOfAnyLengthAreKept) {
     }
 }
 
-// As far as length, first and last character go, these are one name.
+// These agree in length, first and last character.
 TEST(Json, NamesThatLookAlikeStayApart) {
     JsonTree tree;
     const Json list = tree.Build(R"([{"abc":1,"adc":2},{"adc":3,"abc":4},{"aec":5}])");
@@ -163,7 +163,7 @@ TEST(Json, EditsGrowAndFilterInOrder) {
     EXPECT_EQ(WriteJson(copy, false), "{\"a\":true,\"c\":[0,33,66,99,\"end\"]}");
 }
 
-TEST(Json, EqualityIsOfContent) {
+TEST(Json, EqualityComparesContent) {
     JsonTree tree;
     const Json a = tree.Build(R"({"x":[1,{"y":"z"}],"n":2})");
     EXPECT_TRUE(EqualJson(a, tree.Build(R"({"n":2.0,"x":[1e0,{"y":"z"}]})")));
@@ -178,7 +178,7 @@ TEST(Json, BrokenTextIsRefusedWithItsPlace) {
     EXPECT_EQ(Fault("{}\0  "), "none");
     EXPECT_EQ(Fault("[1,]").substr(0, 9), "f: byte 3");
     EXPECT_EQ(Fault("\xEF\xBB\xBF[1,]").substr(0, 9), "f: byte 6");
-    EXPECT_NE(Fault(R"({"a":1,"b":2,"a":3})").find("two members of one name"), std::string::npos);
+    EXPECT_NE(Fault(R"({"a":1,"b":2,"a":3})").find("two members of the same name"), std::string::npos);
     for (std::string text :
          {std::string(""), std::string("{"), std::string("{} x"), std::string("[01]"), std::string("[1e999]"),
           std::string("[NaN]"), std::string("\"\xFF\""), std::string("\"\xC0\x80\""),

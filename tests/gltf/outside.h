@@ -27,7 +27,7 @@ struct Outside {
         return Document::Load(folder / "scene/s.gltf", {.allowOutside = allowOutside});
     }
 
-    // The place of the fault met; "": it loads.
+    // The place of the first fault, or "" when the scene loads.
     std::string Fault(const std::string& lists, bool allowOutside = false) const {
         try {
             Load(lists, allowOutside);

@@ -63,8 +63,8 @@ TEST(References, EveryPlaceThatNamesANodeIsFound) {
     EXPECT_TRUE(OpaqueReferences(document).uses.empty());
 }
 
-// What is passed by leads to none of them.
-TEST(References, ThoseOfAKindAreThatKindsAmongAll) {
+// What a walk for one kind skips leads to none of them.
+TEST(References, AWalkForOneKindFindsThatKindsAmongAll) {
     Document document = test::Sample();
     std::array<std::map<std::string, std::string>, kKinds> all;
     ForEachReference(document, KindSet::All(), [&](const Reference& reference) {
@@ -76,7 +76,7 @@ TEST(References, ThoseOfAKindAreThatKindsAmongAll) {
     EXPECT_GT(all[Ordinal(Kind::kAccessor)].size(), 5U);
 }
 
-// A walk passes by what has no extensions, which edits must not make it miss.
+// A walk skips values without extensions, but must not miss extensions that edits add.
 TEST(References, ExtensionsAddedByEditsAreSeen) {
     constexpr std::string_view kScene =
         R"({"asset":{"version":"2.0"},"nodes":[{"name":"plain"},{"name":"other"}],
@@ -104,14 +104,14 @@ TEST(References, ExtensionsAddedByEditsAreSeen) {
     copied.Append(Kind::kNode, copied.Tree().Clone(other.Build(node)));
     expectSeen(copied, "2");
 
-    // Read again, it is passed by again where it has none.
+    // Once read again, values without extensions are skipped again.
     Document read = test::FromText(WriteJson(copied.Root(), false));
     expectSeen(read, "2");
     EXPECT_TRUE(read.Tree().NotesExtensions());
     EXPECT_FALSE(read.Elements(Kind::kNode)[0].HoldsExtensions());
 }
 
-TEST(References, RemovingNodesMendsWhatStays) {
+TEST(References, RemovingNodesUpdatesWhatStays) {
     Document document = test::Sample();
     RemoveElements(document, Only(Kind::kNode, {1, 2, 3}));
     EXPECT_EQ(NodeNames(document), (Names{"left", "hip", "knee", "skinned"}));
@@ -119,18 +119,18 @@ TEST(References, RemovingNodesMendsWhatStays) {
     const std::string text = WriteJson(document.Root(), false);
     EXPECT_NE(text.find(R"("nodes":[0,1]},{"nodes":[3])"), std::string::npos) << text;
     EXPECT_NE(text.find(R"("joints":[1,2],"inverseBindMatrices":5,"skeleton":1)"), std::string::npos);
-    // The channel that moved "right" went, the pointer names the knee's new number.
+    // The channel that moved "right" is gone, and the pointer has the knee's new index.
     EXPECT_EQ(Targets(document, Kind::kNode).count("/animations/0/channels/1/target/node"), 0U);
     EXPECT_NE(text.find("/nodes/2/translation"), std::string::npos);
     EXPECT_NO_THROW(Document::FromBytes(BytesOf(test::Glb(text, test::SampleBin())), "again.glb"));
 }
 
-TEST(References, WhatIsNeededBlocksTheRemovalAndNothingChanges) {
+TEST(References, ANeededElementBlocksTheRemovalAndNothingChanges) {
     Document document = test::Sample();
     const std::string before = WriteJson(document.Root(), false);
     EXPECT_THROW(RemoveElements(document, Only(Kind::kNode, {2, 5})), Error);
     EXPECT_EQ(WriteJson(document.Root(), false), before);
-    // With the skin (and the node that wears it) the joint may go.
+    // The joint may be removed with the skin (and the node that uses it).
     Removal removal = Only(Kind::kNode, {5, 6});
     removal[Ordinal(Kind::kSkin)] = {true};
     RemoveElements(document, removal);
@@ -159,7 +159,7 @@ TEST(References, MaterialsLightsAndTheirExtensionsGoWithoutLeftovers) {
     EXPECT_EQ(WriteJson(still.Root().Find("materials")->Items()[1], false), R"({"name":"painted"})");
 }
 
-TEST(References, AnAnimationWithoutChannelsGoes) {
+TEST(References, AnAnimationWithoutChannelsIsRemoved) {
     Document document = test::FromText(R"({"asset":{"version":"2.0"},"nodes":[{},{}],
         "accessors":[{"componentType":5126,"count":1,"type":"SCALAR"},{"componentType":5126,"count":1,"type":"VEC3"}],
         "animations":[{"channels":[{"sampler":0,"target":{"node":0,"path":"scale"}}],"samplers":[{"input":0,"output":1}]},
@@ -170,7 +170,7 @@ TEST(References, AnAnimationWithoutChannelsGoes) {
     EXPECT_EQ(Targets(document, Kind::kNode)["/animations/0/channels/0/target/node"], "0");
 }
 
-TEST(References, UnknownContentTellsWhatItMayReferTo) {
+TEST(References, UnknownContentShowsWhatItMayReferTo) {
     const auto kinds = [](const std::string& content) {
         Document document = test::FromText(R"({"asset":{"version":"2.0"},"nodes":[{"extensions":{"ODD_x":)" +
                                            content + "}}]}");
@@ -220,14 +220,14 @@ TEST(References, BehaviourGraphsReferByLiteralsAndByComputedIndices) {
     EXPECT_FALSE(opaque.kinds.Has(Kind::kAnimation));
 }
 
-TEST(Collect, DataNobodyUsesGoesAndTheRestReadsTheSame) {
+TEST(Collect, UnusedDataIsRemovedAndTheRestReadsTheSame) {
     Document document = test::Sample();
     const auto inverse = ReadFloats(document, 5), positions = ReadFloats(document, 1);
     Collected nothing = CollectGarbage(document, kDataKinds, false);
     EXPECT_EQ(nothing.removed, (std::array<std::size_t, kKinds>{}));
     EXPECT_EQ(nothing.bytes, 0U);
 
-    // Without the animation its key data goes; without the second material a texture.
+    // Without the animation its key data is unused; without the second material a texture is.
     Removal removal = Only(Kind::kAnimation, {0});
     removal[Ordinal(Kind::kMaterial)] = {false, false, true};
     RemoveElements(document, removal);
@@ -271,7 +271,7 @@ TEST(Collect, SharedAndOverlappingBytesMoveTogether) {
     EXPECT_NO_THROW(test::FromText(text)) << text;
 }
 
-TEST(Collect, UnknownContentHoldsItsKindsUnlessForced) {
+TEST(Collect, UnknownContentProtectsItsKindsUnlessForced) {
     std::string json = test::SampleJson();
     json.replace(json.find(R"("KHR_lights_punctual": {"lights")"), 0, R"("ODD_x": {"accessor": 0}, )");
     Document document = Document::FromBytes(BytesOf(test::Glb(json, test::SampleBin())), "odd.glb");
@@ -283,7 +283,7 @@ TEST(Collect, UnknownContentHoldsItsKindsUnlessForced) {
     EXPECT_EQ(CollectGarbage(document, kDataKinds, true).removed[Ordinal(Kind::kAccessor)], 3U);
 }
 
-TEST(Collect, SamplersNoChannelUsesGo) {
+TEST(Collect, SamplersThatNoChannelUsesAreRemoved) {
     Document document = test::FromText(R"({"asset":{"version":"2.0"},"nodes":[{}],
         "accessors":[{"componentType":5126,"count":1,"type":"SCALAR"},{"componentType":5126,"count":1,"type":"VEC3"},
                      {"componentType":5126,"count":1,"type":"VEC3"}],

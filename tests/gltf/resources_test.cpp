@@ -32,7 +32,7 @@ TEST(Resources, StayInTheFolderOfTheScene) {
               "/extensions/KHR_audio_emitter/audio/1/uri");
 }
 
-TEST(Resources, OutsideOnesThatAreAllowedAreTakenAlong) {
+TEST(Resources, OutsideOnesThatAreAllowedAreCopied) {
     const Outside outside;
     Document document = outside.Load(Buffer("../secret.bin") + "," + Image("../other/x.bin"), true);
     document.Save(outside.folder / "new/out.gltf");
@@ -42,7 +42,7 @@ TEST(Resources, OutsideOnesThatAreAllowedAreTakenAlong) {
     EXPECT_EQ(outside.folder.Read("secret.bin"), "data");
 }
 
-TEST(Resources, MissingOnesAreWarnedOf) {
+TEST(Resources, MissingOnesCauseWarnings) {
     const Outside outside;
     const Document document = outside.Load(
         R"("images":[{"uri":"x.bin"},{"uri":"gone.png"},{"uri":"http://x/y.png"},{"uri":"data:;base64,"}])");

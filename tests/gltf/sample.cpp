@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/gltf/sample.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 

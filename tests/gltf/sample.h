@@ -9,7 +9,7 @@
 
 namespace zr::gltf::test {
 
-// A binary container of the two chunks; `bin` empty: of one.
+// A binary container of the two chunks, or of one when `bin` is empty.
 std::string Glb(std::string_view json, std::string_view bin);
 
 // The bytes of floats and of 16-bit indices.
@@ -21,7 +21,7 @@ std::string Shorts(std::initializer_list<unsigned> values);
 // them by pointer), a second scene, extras. Binary data: kSampleBin.
 std::string SampleJson();
 std::string SampleBin();
-// The same as text: the binary data stands under the URI `buffer`, the image in "my images/a.png", and a
+// The same as text: the binary data is at the URI `buffer`, the image in "my images/a.png", and a
 // second image is missing.
 std::string TextScene(std::string_view buffer);
 

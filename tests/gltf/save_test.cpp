@@ -43,10 +43,10 @@ TEST(Save, AFailedSaveLeavesNothing) {
     EXPECT_TRUE(std::filesystem::exists(folder / "out/taken.gltf/inside"));
 }
 
-// The sample in a folder of its own, its buffer moved about so that it has to be written anew.
+// The sample in a folder of its own, with its buffer changed so that it must be written again.
 Document Changed(const std::filesystem::path& file) {
     Document document = Document::Load(file);
-    // The image moves to where the weights stand.
+    // Moves the image to where the weights were.
     const Document::BlockMove moves[] = {{0, 6, 0}, {8, 232, 8}, {248, 8, 240}};
     document.PackBuffer(0, moves);
     *document.Elements(Kind::kBufferView)[7].Find("byteOffset") = document.Tree().MakeIndex(240);
@@ -58,7 +58,7 @@ TEST(Save, OverTheSourceBuffersGoUnderNewNames) {
     const std::string bin = test::SampleBin(), packed = bin.substr(0, 240) + bin.substr(248);
     folder.Write("s.gltf", test::TextScene("s.bin"));
     folder.Write("s.bin", bin);
-    // Nothing of the old scene is touched before the one file that refers to the buffer.
+    // No file of the old scene changes before the one that refers to the buffer.
     Document document = Changed(folder / "s.gltf");
     EXPECT_THROW(document.Save(folder / "s.gltf", [] { throw std::runtime_error("stop"); }),
                  std::runtime_error);
@@ -68,7 +68,7 @@ TEST(Save, OverTheSourceBuffersGoUnderNewNames) {
     Changed(folder / "s.gltf").Save(folder / "s.gltf");
     EXPECT_EQ(folder.Files(), (Names{"s-1.bin", "s.gltf"}));
     EXPECT_EQ(folder.Read("s-1.bin").substr(0, 256), packed);
-    // The same again changes nothing.
+    // Saving again changes nothing.
     Document::Load(folder / "s.gltf").Save(folder / "s.gltf");
     EXPECT_EQ(folder.Files(), (Names{"s-1.bin", "s.gltf"}));
 }
@@ -91,7 +91,7 @@ TEST(Save, OldBuffersGoUnlessOthersUseThem) {
     save(true);
     EXPECT_EQ(folder.Files(),
               (Names{"in/d.bin", "in/s.gltf", "o-1.bin", "o-2.bin", "o.bin", "o.gltf", "p.gltf"}));
-    // What is made in memory for a file supersedes what that file holds.
+    // A document made in memory for a file supersedes the content of that file.
     for (int i = 0; i < 2; ++i) {
         Document made = Document::FromBytes(BytesOf(R"({"asset":{"version":"2.0"}})"), folder / "m.gltf");
         made.AppendView(BytesOf(std::string(4, static_cast<char>('a' + i))), 0, 0);
@@ -101,7 +101,7 @@ TEST(Save, OldBuffersGoUnlessOthersUseThem) {
     EXPECT_EQ(folder.Read("m-1.bin"), "bbbb");
     std::filesystem::remove(folder / "m.gltf");
     std::filesystem::remove(folder / "m-1.bin");
-    // A buffer with a name of its own is not known to be the scene's alone.
+    // A buffer with another name may not be the scene's alone.
     Changed(folder / "in/s.gltf").Save(folder / "in/s.gltf");
     EXPECT_TRUE(std::filesystem::exists(folder / "in/d.bin"));
     EXPECT_TRUE(std::filesystem::exists(folder / "in/s.bin"));
@@ -134,7 +134,7 @@ TEST(Save, NoFileOfTheSceneTakesTheNameOfAnother) {
     }
     EXPECT_EQ(folder.Read("d/a.png"), "theirs");
 
-    // A file that is both, and a buffer where the scene goes.
+    // A file that is both image and buffer, and a buffer at the scene's own target.
     folder.Write("both.gltf", scene("a.png"));
     Document::Load(folder / "both.gltf").Save(folder / "e/x.gltf");
     EXPECT_EQ(folder.Read("e/a.png"), "second");
@@ -144,7 +144,7 @@ TEST(Save, NoFileOfTheSceneTakesTheNameOfAnother) {
     EXPECT_EQ(TextOf(*Document::Load(folder / "y.gltf").BufferBytes(0)), "data");
 }
 
-TEST(Save, FurtherFilesBelongToIt) {
+TEST(Save, SharesTheTransactionOfItsCaller) {
     const TemporaryFolder folder;
     FileTransaction files;
     files.Add(folder / "out.bin", BytesOf("a report"));
@@ -179,7 +179,7 @@ TEST(Save, TextKeepsItsForm) {
     }
 }
 
-TEST(Save, EndingsDecideInEitherCase) {
+TEST(Save, TheEndingDecidesInEitherCase) {
     const TemporaryFolder folder;
     test::FromText(R"({"asset":{"version":"2.0"}})").Save(folder / "out.GLB");
     EXPECT_EQ(folder.Read("out.GLB").substr(0, 4), "glTF");

@@ -32,7 +32,7 @@ TEST(Uri, DataIsDecoded) {
     EXPECT_EQ(DataUriType("data:image/png;base64,AA"), "image/png");
 }
 
-TEST(Uri, PathsAreDecodedToTheirShortestForm) {
+TEST(Uri, PathsAreDecodedToNormalForm) {
     const auto path = [](std::string_view uri) {
         const auto found = PathOfUri(uri);
         return found ? PathToUtf8(*found) : std::string("none");
