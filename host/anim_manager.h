@@ -41,27 +41,27 @@ public:
     virtual int GetRevision() { return 1; }
 
     // Whether a viewport that plays animations refers to it. names: null, or receives the viewports' names,
-    // each followed by "\n", as wcsncpy copies: at most maxLen characters, no terminator at maxLen and
-    // above, zeros behind a shorter text; untouched when nothing refers to the animation.
-    // True, with names untouched, when memory runs out: what may be in use is not to be removed.
+    // each followed by "\n", copied as by wcsncpy: at most maxLen characters, unterminated when the text has
+    // maxLen or more, padded with zeros when it has fewer; untouched when nothing refers to the animation.
+    // True, with names untouched, when memory runs out: what may be in use must not be removed.
     virtual bool IsAnimationUsed(vl::zr::Animation* animation, char16_t* names, int maxLen) = 0;
 
-    // Takes the animation out of its scene, with every viewport's reference to it. The scene's answer to the
-    // deletion; false for null, when the scene forbids it and when memory runs out, after which the animation
-    // stays and viewports may have lost it.
+    // Removes the animation from its scene, with every viewport's reference to it. Returns the result of the
+    // scene's deletion; false for null, when the scene forbids it, and when memory runs out. In the last case
+    // the animation stays, but viewports may have lost their references.
     virtual bool RemoveAnimation(ChangeRecord* record, vl::zr::Animation* animation) = 0;
 
-    // True when at least one removal succeeded. The array may be the scene's own list. Those for which memory
-    // runs out stay.
+    // True when at least one removal succeeded. The array may be the scene's own list. Animations for which
+    // memory runs out stay.
     virtual bool RemoveAnimations(ChangeRecord* record, vl::Array* animations) = 0;
 
-    // A new animation of the scene with the first source's tracks and the later sources' transform keys.
-    // flags: AnimMergeFlag. removeSources: the sources go as with RemoveAnimations. Null, with the scene as
-    // it was, for a null array, for fewer than two animations and when memory runs out.
+    // Creates an animation of the scene with the first source's tracks and the later sources' transform keys.
+    // flags: AnimMergeFlag. removeSources: removes the sources as RemoveAnimations does. Null, with the scene
+    // unchanged, for a null array, for fewer than two animations and when memory runs out.
     virtual vl::zr::Animation* MergeAnimations(ChangeRecord* record, vl::Array* animations,
                                                bool removeSources, std::uint32_t flags) = 0;
 
-    // Does nothing and answers false. Keeps its place in the table.
+    // Does nothing and returns false. Keeps its slot in the table.
     virtual bool Reserved(vl::Word a, vl::Word b, vl::Word c) = 0;
 
 private:

@@ -7,14 +7,14 @@
 
 namespace vl {
 
-// A list of words that a host makes. Whoever creates one holds its count and ends it with Release; elements
-// are never owned by the array. An index outside the array is the caller's mistake: GetAt then answers 0 and
-// the changing operations do nothing. Add and InsertAt are the ones that ask for memory. The order of
-// functions and fields is the binary interface (host/api.h).
+// A list of words, made by a host. Whoever creates one owns its count and releases it; the array never owns
+// its elements. An index out of range is the caller's mistake: GetAt then returns 0 and the modifying
+// operations do nothing. Only Add and InsertAt allocate. The order of functions and fields is the binary
+// interface (host/api.h).
 class Array {
 public:
     virtual unsigned AddRef() = 0;   // the count afterwards, as Release
-    virtual unsigned Release() = 0;  // 0: the array is gone
+    virtual unsigned Release() = 0;  // 0: the array is destroyed
     virtual Word GetAt(int index) = 0;
     virtual void RemoveAt(int index) = 0;              // later elements move down
     virtual void InsertAt(int index, Word value) = 0;  // before index; index == count appends
@@ -25,18 +25,18 @@ public:
     virtual void Swap(int i, int j) = 0;
     virtual bool IsValidIndex(int index) = 0;
 
-    // In an array made with a comparator: true when an element equal to value exists, index is then its
-    // position; otherwise index is where value would keep the order. False with index = count in an
-    // array without a comparator.
+    // In an array made with a comparator: true, with index its position, when an element equal to value
+    // exists; else false, with index where value would keep the order. In an array without a comparator:
+    // false, with index = count.
     virtual bool FindSorted(Word value, int* index) = 0;
 
-    int m_nCount = 0;  // to be read only
+    int m_nCount = 0;  // read-only for callers
 
 protected:
     virtual ~Array() = default;
 };
 
-// Negative, 0 or positive as a stands before, equals or stands after b. Does not throw.
+// Negative, 0 or positive as a sorts before, equal to or after b. Must not throw.
 using ArrayComparator = int (*)(Word a, Word b, void* context);
 
 // Typed, non-owning view of a host array. A null array is an empty one.

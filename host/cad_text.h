@@ -21,17 +21,17 @@ struct LetterTriangle {
 
 namespace vl::zr::legacy {
 
-// A text as polylines, in the plane z = 0 until it is transformed. Contours count from 0; a number outside
-// gives 0 and null. It lives on its own, also when the extension that made it has gone. The order of
-// functions and fields is the binary interface (host/api.h).
+// A text as polylines, in the plane z = 0 until it is transformed. Contours are numbered from 0; a number out
+// of range yields 0 or null. The object may outlive the extension that made it. The order of functions and
+// fields is the binary interface (host/api.h).
 class GlyphContour : public Interface {
 public:
     virtual int GetContourCount() = 0;
-    virtual int GetPointCount(int contour) = 0;  // at least 1 for a contour there is
+    virtual int GetPointCount(int contour) = 0;  // at least 1 for an existing contour
 
     // Position in the text, in UTF-16 units, of the character the contour belongs to.
     virtual int GetLetterIndex(int contour) = 0;
-    virtual const Vector3<float>* GetPoints(int contour) = 0;  // the object's own, valid as long as it is
+    virtual const Vector3<float>* GetPoints(int contour) = 0;  // owned by the object
     virtual void Transform(const Matrix4<double>& m) = 0;      // every point, in place
 
     // Width and height of the box around all points; (-2e25, -2e25) without points.
@@ -46,15 +46,13 @@ public:
     }
 };
 
-// A text as a flat triangle mesh, in the plane z = 0 until it is transformed. It lives on its own, also when
-// the extension that made it has gone. The order of functions and fields is the binary interface
-// (host/api.h).
+// A text as a flat triangle mesh, in the plane z = 0 until it is transformed. The object may outlive the
+// extension that made it. The order of functions and fields is the binary interface (host/api.h).
 class GlyphTesselated : public Interface {
 public:
     virtual int GetVertexCount() = 0;
     virtual int GetTriangleCount() = 0;
-    virtual const Vector3<float>*
-    GetVertices() = 0;  // the object's own, valid as long as it is; null for none
+    virtual const Vector3<float>* GetVertices() = 0;   // owned by the object; null when there are none
     virtual const LetterTriangle* GetTriangles() = 0;  // the same
     virtual void Transform(const Matrix4<double>& m) = 0;
     virtual std::pair<float, float> GetSize() = 0;  // as GlyphContour::GetSize
@@ -69,18 +67,18 @@ public:
 };
 
 // Turns text into geometry. text is zero-terminated UTF-16; a line feed begins a new line. Each operation
-// answers a new object with count 1, the caller's, or null when the result could not be made, for want of
-// memory too. sink may be null. Nothing is kept between calls. The order of functions and fields is the
+// returns a new object with count 1, owned by the caller, or null when the result could not be made, also for
+// lack of memory. sink may be null. Nothing is kept between calls. The order of functions and fields is the
 // binary interface (host/api.h).
 class CadText : public Extension {
 public:
-    // Open strokes of a built-in font, in units of that font, in which lines stand 29 apart. font, size and
-    // sink are not used.
+    // Open strokes of a built-in font, in units of that font, whose line spacing is 29. font, size and sink
+    // are not used.
     virtual GlyphContour* CreateStrokeContours(const char16_t* text, LOGFONTW font, double size,
                                                MessageSink* sink) = 0;
 
-    // Closed outlines of a system font. Points are device units of the ten times enlarged font, times
-    // size / 12: size 12 gives one unit to each device unit.
+    // Closed outlines of a system font. Points are in device units of the font enlarged ten times, times
+    // size / 12: at size 12 one unit is one device unit.
     virtual GlyphContour* CreateOutlineContours(const char16_t* text, LOGFONTW font, double size,
                                                 MessageSink* sink) = 0;
 

@@ -13,13 +13,13 @@ class Viewport;
 }  // namespace vl::zr
 
 // Collects one set of changes: Begin, the recordings, End with a caption. A removal is recorded before the
-// object goes, a creation after it exists. The record holds a reference to each object recorded. A recording
-// that runs out of memory throws std::bad_alloc; the change must then not be made. The order of functions and
-// fields is the binary interface (host/api.h).
+// object is removed, a creation after it is created. The record holds a count on each object recorded. A
+// recording that runs out of memory throws std::bad_alloc; the change must then not be made. The order of
+// functions and fields is the binary interface (host/api.h).
 class ChangeRecord : public vl::Interface {
 public:
     virtual void Begin() = 0;                       // drops what an earlier set recorded
-    virtual void End(const char16_t* caption) = 0;  // caption: what the user reads; copied
+    virtual void End(const char16_t* caption) = 0;  // caption: shown to the user; copied
     virtual void RecordLayerRemoval(vl::zr::Layer* layer, int mode) = 0;
     virtual void RecordNodeRemoval(vl::zr::Node* node, int mode) = 0;
     virtual void RecordMaterialRemoval(vl::zr::Material* material, int mode) = 0;

@@ -11,15 +11,15 @@ class Scene;
 
 inline constexpr char kTypeCleaner[] = "CLEANER-607E03E1-F120-4d3c-8872-DCC4D6D0D905";
 
-// Takes unused and repeated content out of a scene. QueryInfo describes the method "Clean_Scene", its number
-// for Invoke and its parameters, of which a bool for each operation says whether it runs; one that is missing
-// is true. Invoke answers kSuccess, kWrongClass for another method and kCannotOpen when memory runs out
-// before the first operation.
+// Removes unused and duplicate content from a scene. QueryInfo describes the method "Clean_Scene": its number
+// for Invoke and its parameters, among them a bool for each operation that says whether it runs; a missing
+// one counts as true. Invoke returns kSuccess, kWrongClass for another method and kCannotOpen when memory
+// runs out before the first operation.
 //
-// Each operation accepts a null scene, context and record and answers how many objects went. It stops at the
-// next element once the context's break is set, or where memory runs out; what went until then is counted and
-// stays away. All run on the thread that works on the scene. The order of functions and fields is the binary
-// interface (host/api.h).
+// Each operation accepts a null scene, context and record and returns the number of objects it removed. It
+// stops at the next element once the context's break is set, or where memory runs out; objects removed until
+// then are counted and stay removed. All run on the thread that works on the scene. The order of functions
+// and fields is the binary interface (host/api.h).
 class zr_CLEANER : public vl::Extension {
 public:
     const char* GetTypeName() override { return kTypeCleaner; }
@@ -30,7 +30,7 @@ public:
     virtual int GetRevision() { return 1; }
 
     // Lets the user choose the operations in a modal dialog and runs them on a thread of its own; the host
-    // keeps its other windows disabled meanwhile. On the interface thread. Answers false, always.
+    // keeps its other windows disabled meanwhile. On the interface thread. Always returns false.
     virtual bool RunDialog(vl::zr::Scene* scene) = 0;
     virtual int RemoveUnusedAnimations(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) = 0;
     virtual int RemoveUnusedMaterials(vl::zr::Scene* scene, vl::Context* context, ChangeRecord* record) = 0;

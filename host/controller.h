@@ -16,9 +16,9 @@ namespace vl::zr {
 class Animation;
 class Track;  // what a controller keeps for one animation
 
-// Moves one aspect of a node or material, with a track for each animation that moves it. The node or material
-// owns it, and it owns its tracks. Where a track may be null, null stands for the track of the scene's active
-// animation. The order of functions and fields is the binary interface (host/api.h).
+// Animates one aspect of a node or material, with a track for each animation that does so. The node or
+// material owns it, and it owns its tracks. Where a track may be null, null stands for the track of the
+// scene's active animation. The order of functions and fields is the binary interface (host/api.h).
 class Controller : public Interface {
 public:
     Array* m_pTracks = nullptr;   // of Track*; null or empty when there is none
@@ -28,15 +28,15 @@ public:
     virtual Track* AddTrack(Animation* animation) = 0;
     virtual Track* GetTrack(Animation* animation) = 0;  // or null
 
-    // The content of a track as bytes, and back into a track of a controller of the same class, from the
-    // stream's position on. Bytes that are no such content leave the track empty.
+    // Write the content of a track to a stream, and read it from the stream's position into a track of a
+    // controller of the same class. Bytes that are not such content leave the track empty.
     virtual void SaveTrack(Stream* stream, Track* track, int mode) = 0;
     virtual void LoadTrack(Stream* stream, int mode, Track* track) = 0;
 
-    // True when some track holds a key.
+    // True when any track has a key.
     virtual bool IsAnimated(int mode) = 0;
 
-    // The object that stands for the track in a change record, without a count.
+    // The object that represents the track in a change record, without a count for the caller.
     virtual Interface* GetTrackObject(Track* track, int mode) = 0;
 
     // Every key's time becomes time * scale + offset; the keys stay in time order.
@@ -46,13 +46,13 @@ public:
 };
 
 // The position, rotation and scale of a node; IsTypeOf("zr_controltm"). Keys belong to their track: a pointer
-// to one is valid until the key is removed or the track gets another content. The order of functions and
-// fields is the binary interface (host/api.h).
+// to one is valid until the key is removed or the track gets other content. The order of functions and fields
+// is the binary interface (host/api.h).
 class TransformController : public Controller {
 public:
     virtual void GetOffset(Vector3<float>* offset) = 0;  // the pivot, in the node's space
 
-    // A new key after those of the same or an earlier time: two keys may share a time. Null without a track.
+    // Adds a key after those of the same or an earlier time; two keys may share a time. Null without a track.
     virtual RotationKey* AddRotationKey(float time, Track* track) = 0;
     virtual PositionKey* AddPositionKey(float time, Track* track) = 0;
     virtual ScaleKey* AddScaleKey(float time, Track* track) = 0;
@@ -62,8 +62,8 @@ public:
     virtual Key* GetKey(int keyType, int index, Track* track) = 0;  // in time order; null outside
     virtual void RemoveKey(int keyType, int index, Track* track) = 0;
 
-    // The node's transform relative to its parent at the time, of the active animation; with
-    // kControllerPivotGroup without the pivot that everything on the node hangs from. mode and flags are 0.
+    // The node's transform relative to its parent at the time, in the active animation. With
+    // kControllerPivotGroup the pivot that everything on the node hangs from is left out. mode, flags: 0.
     virtual void EvaluateMatrix(float time, int mode, Matrix4<double>* m, int flags) = 0;
 
     // Makes every rotation key of the track an angle-axis key, with the same motion.

@@ -18,7 +18,7 @@ enum ExportNodeFlag : std::uint32_t {
     NF_ADDED = 0x2,            // was inserted by a pass, or received a child that was
     NF_GROUP = 0x4,            // a transform node that groups others
     NF_SPLIT = 0x8,            // split off from its parent's node
-    NF_PIVOT = 0x10,           // stands for a pivot offset
+    NF_PIVOT = 0x10,           // represents a pivot offset
     NF_STATICPIVOT = 0x20,     // turned into a pure pivot by the static pivot pass
     NF_ROOT = 0x80,            // the grouping root; set with NF_GROUP and NF_ADDED
     NF_CAMERA_TARGET = 0x100,  // the node is the target of a camera
@@ -26,8 +26,8 @@ enum ExportNodeFlag : std::uint32_t {
     NF_POST = 0x400,           // carries the scene matrix above a top-level record
 };
 
-// Key records, read by exporters as they lie in memory: zero where nothing is said. The five parameters are
-// those of the host's key (vl::zr::Key). The layout is part of the binary interface (host/api.h).
+// Key records, which exporters read straight from memory; zero unless stated otherwise. The five parameters
+// are those of the host's key (vl::zr::Key). The layout is part of the binary interface (host/api.h).
 struct ExportPositionKey {
     float fTime = 0;  // seconds
     float fParams[5] = {};
@@ -57,15 +57,15 @@ static_assert(sizeof(ExportRotationKey) == 72);
 static_assert(offsetof(ExportRotationKey, vEuler) == 28 && offsetof(ExportRotationKey, qValue) == 40 &&
               offsetof(ExportRotationKey, aaValue) == 56);
 
-// One record of the export hierarchy. Records and everything they point to but objects of the scene belong to
-// the vl::tk::Serializer that made them and end with it. Matrices: mLocal is relative to pParent, whatever
+// One record of the export hierarchy. Records and everything they point to, except objects of the scene,
+// belong to the vl::tk::Serializer that made them and end with it. mLocal is relative to pParent, whatever
 // lies between the two in the scene. The order of the fields is the binary interface.
 struct ExportNode {
     ExportNode* pParent = nullptr;
-    vl::zr::Node* pNode = nullptr;  // null: the record stands for no node
+    vl::zr::Node* pNode = nullptr;  // null: the record represents no node
     vl::Matrix4<double> mLocal;
     vl::Matrix4<double> mWorld;
-    vl::Vector3<float> vPosition;  // at rest, as the next three
+    vl::Vector3<float> vPosition;  // at rest, as are the next three
     vl::Vector3<float> vScale{1, 1, 1};
     vl::Quaternion qRotation{0, 0, 0, 0};
     vl::Quaternion qStretch{0, 0, 0, 0};  // orientation of the scale axes

@@ -15,9 +15,9 @@ namespace xml {
 class Element;
 }
 
-// What every extension answers besides the operations of its own class. The operations here are the core
-// library's; they keep parameters and metadata of the extension, made on first use. None of them throws: one
-// that runs out of memory does nothing and answers null or the result for a wrong class. The order of
+// What every extension offers besides the operations of its own class. The implementations here are the core
+// library's; they keep the extension's parameters and metadata, created on first use. None of them throws:
+// one that runs out of memory does nothing and returns null or the result for a wrong class. The order of
 // functions and fields is the binary interface (host/api.h).
 class KERNIX_API Extension : public Interface {
 public:
@@ -38,24 +38,23 @@ public:
     virtual zr_VALUETYPE GetParamType(int position);
 
     // Fills element with a description of the extension's methods. kCannotOpen, with the element unchanged,
-    // when it cannot be read. flags are 0. Here: kWrongClass, there are none.
+    // when it cannot be read. flags are 0. Here: kWrongClass, as there are none.
     virtual ResultEnum QueryInfo(xml::Element* element, unsigned flags);
 
-    // Runs a method by number. params and context may be null. Here: kWrongClass, there is none.
+    // Runs a method by number. params and context may be null. Here: kWrongClass, as there is none.
     virtual ResultEnum Invoke(int method, Params* params, Context* context);
 
     // Runs the method whose number is in command; arguments may hold the vl::Params as an object. The
-    // result is the number that Invoke answers.
+    // result is the number that Invoke returns.
     virtual Var InvokeCommand(const Var& command, const Var& arguments, Context* context);
 
-    // Parameters by position among those of the type (vl::Params). SetParam answers the former value,
-    // GetParam the value, or the given one when the parameter is absent. A pointer value travels in the
-    // word; where a type is read through a pointer (ZR_VALUE_MATRIX), GetParam fills what it points to.
+    // Parameters by position among those of the type (vl::Params). SetParam returns the former value,
+    // GetParam the value, or the given one when the parameter is absent. A pointer is passed in the word
+    // itself; where a type is read through a pointer (ZR_VALUE_MATRIX), GetParam fills what it points to.
     virtual Word SetParam(int position, Word value, zr_VALUETYPE type);
     virtual Word GetParam(int position, Word value, zr_VALUETYPE type) const;
 
-    // The same for int, bool, float and object values in their own form; other forms are kWrongClass and
-    // an empty Var.
+    // The same for int, bool, float and object values as Vars; others yield kWrongClass and an empty Var.
     virtual ResultEnum SetParamVar(int position, const Var& value);
     virtual Var GetParamVar(int position) const;
     virtual bool DeleteParam(int position);

@@ -2,7 +2,7 @@
 #pragma once
 
 // The description of a font that the operations of vl::zr::legacy::CadText take. On Windows it is the
-// system's own record, which <windows.h> defines; elsewhere it stands here, field for field the same.
+// system's own record, which <windows.h> defines; elsewhere it is declared here, field for field the same.
 #ifdef _WIN32
 
 struct tagLOGFONTW;
@@ -13,8 +13,8 @@ struct tagLOGFONTW;
 
 constexpr int LF_FACESIZE = 32;
 
-// Face, weight and slant choose the closest font of the system and lfHeight gives its size; the other fields
-// change nothing. What is zero is not asked for.
+// Face, weight and slant select the closest system font, and lfHeight gives its size; the other fields have
+// no effect. Zero means no preference.
 struct tagLOGFONTW {
     std::int32_t lfHeight = 0;  // device units; < 0: of the em square, > 0: of the cell (ascent + descent)
     std::int32_t lfWidth = 0;

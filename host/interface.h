@@ -19,16 +19,16 @@ struct Guid {
     friend bool operator==(const Guid&, const Guid&) = default;
 };
 
-// Root of every counted object. A new object has count 1, which belongs to its creator; the last Release ends
-// the object. The counts may be changed on any thread. host/ref.h holds counts safely. The order of functions
-// and fields is the binary interface (host/api.h).
+// Root of every reference-counted object. A new object has count 1, which belongs to its creator; the last
+// Release destroys the object. Counts may be changed on any thread. vl::Ref (host/ref.h) manages them safely.
+// The order of functions and fields is the binary interface (host/api.h).
 class Unknown {
 public:
     virtual unsigned AddRef() = 0;   // the count afterwards, as Release
-    virtual unsigned Release() = 0;  // 0: the object is gone
+    virtual unsigned Release() = 0;  // 0: the object is destroyed
 
-    // Gives the object itself under another interface, with a count of its own that the caller releases.
-    // An interface the object does not have: kWrongClass, and out is null.
+    // Fills out with the object itself under another interface, and a count that the caller releases.
+    // kWrongClass, with out null, when the object does not have that interface.
     virtual ResultEnum QueryInterface(const Guid& id, Unknown*& out) = 0;
     virtual ResultEnum QueryInterface(const char* typeName, Unknown*& out) = 0;
 
@@ -36,7 +36,7 @@ protected:
     virtual ~Unknown() = default;
 };
 
-// A counted object of the core library. Classes of hosts and modules derive from it or from one of its kin.
+// A counted object of the core library. Classes of hosts and modules derive from it, directly or not.
 // The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API Interface : public Unknown, public WeakPtrOwner<Interface> {
 public:
@@ -54,30 +54,31 @@ public:
 
 private:
     // Called once, by the last Release, so that a class of a module is deleted by the module's own code. It
-    // stands here because this is its place in the table.
+    // is declared here because this is its slot in the table.
     virtual void DeleteThis();
 
 public:
-    virtual int GetRefCount();  // for diagnosis: another thread may change it at once
+    virtual int GetRefCount();  // for diagnosis: another thread may change it at any time
 
     // A constant that lives as long as the program, or the module that the object came from.
     virtual const char* GetTypeName();
 
-    // The base test of the family: "zr_interface" and the object's own type name, whatever the case.
+    // True for "zr_interface" and the object's own type name, in upper or lower case. Overrides add the names
+    // of their classes.
     virtual bool IsTypeOf(const char* name);
 
-    // Copies the state that source and this object have in common through CloneFrom, when source is of
-    // the class that the concrete family asks for; kWrongClass, with this unchanged, when it is not or null.
+    // Copies the state that source and this object have in common through CloneFrom, when source is of the
+    // class that the concrete family requires; kWrongClass, with this unchanged, when it is not or is null.
     virtual ResultEnum CopyFrom(Interface* source, unsigned flags);
 
-    // Copies the base state of source. flags: kCloneParams, kCloneMetadata; 0 copies both. A base without
-    // either (anything that is no extension) has nothing to copy and answers kSuccess. kCannotOpen, with this
-    // unchanged, when memory runs out.
+    // Copies the base state of source. flags: kCloneParams, kCloneMetadata; 0 copies both. An object with
+    // neither (anything but an extension) has nothing to copy: kSuccess. kCannotOpen, with this unchanged,
+    // when memory runs out.
     ResultEnum CloneFrom(Interface* source, unsigned flags);
     static constexpr unsigned kCloneParams = 0x1;
     static constexpr unsigned kCloneMetadata = 0x2;
 
-    // Storage comes from vl::mem. Without any, a new-expression of this family is null.
+    // Storage comes from vl::mem. When it runs out, a new-expression of this family yields null.
     static void* operator new(std::size_t size) noexcept;
     static void operator delete(void* storage) noexcept;
 

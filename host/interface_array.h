@@ -17,7 +17,7 @@ public:
     virtual unsigned GetCount() = 0;
 
     virtual void Add(Interface* element) = 0;     // null is not added
-    virtual void Remove(Interface* element) = 0;  // the first that is this object; nothing when there is none
+    virtual void Remove(Interface* element) = 0;  // the first occurrence; does nothing when there is none
 
     const char* GetTypeName() override { return "zr_interface_array"; }
 };

@@ -17,8 +17,8 @@ enum ObjectKind : int {
 
 // Object3D::QueryComponent.
 inline constexpr int kComponentMesh = 17;
-// A vl::InterfaceArray of every material that a renderable uses, each once. A host need not have it: whoever
-// gets null asks with CountMaterialUses. Objects may answer with one array that they share.
+// A vl::InterfaceArray of every material that a renderable uses, each once. It is optional: callers that get
+// null use CountMaterialUses instead. Objects may return one array that they share.
 inline constexpr int kComponentMaterials = 0x104;
 
 // Object3D::GetType.

@@ -13,7 +13,7 @@ public:
     Array* m_pControllers = nullptr;  // of Controller*; null when there is none
     void* m_pUserData = nullptr;      // belongs to whoever works on the scene
 
-    // 1 and the name, or 0, with the buffer untouched, when there is none.
+    // Return 1 and fill the buffer, or 0, with the buffer untouched, when the material has no name.
     virtual int GetName(char* buffer, int size) = 0;
     virtual int GetNameW(char16_t* buffer, int size) = 0;
 

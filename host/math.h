@@ -4,9 +4,9 @@
 #include "host/api.h"
 
 // Value types of transforms. Angles are radians, rotations right-handed. A matrix acts on row vectors,
-// p' = p * M, stored row by row: the translation stands in the last row. That is, number for number, the
-// column-major storage of matrices that act on column vectors. What an operation does is said by the order
-// in which transforms are applied, whatever the storage.
+// p' = p * M, stored row by row: the translation is in the last row. That is, number for number, the
+// column-major storage of matrices that act on column vectors. Operations are described by the order in which
+// transforms are applied, whatever the storage.
 namespace vl {
 
 template <typename T>
@@ -40,11 +40,11 @@ struct KERNIX_API Quaternion {
     Quaternion() = default;
     Quaternion(float qx, float qy, float qz, float qw) : x(qx), y(qy), z(qz), w(qw) {}
     explicit Quaternion(const AngleAxis& rotation);
-    explicit Quaternion(const Matrix4<double>& m);        // of the matrix' rotation, w not negative
+    explicit Quaternion(const Matrix4<double>& m);        // of the matrix's rotation, w not negative
     explicit Quaternion(const Vector3<float>& rotation);  // a rotation vector: axis times angle
 
     // Spherical interpolation along the shorter arc: a at fraction 0, b at 1. Nearly equal rotations are
-    // interpolated linearly and brought to unit length. The last argument is 0.
+    // interpolated linearly and normalized. The last argument is 0.
     Quaternion(float fraction, const Quaternion& a, const Quaternion& b, int mode);
 
     // First this, then other.
@@ -95,13 +95,13 @@ public:
 
     void IdentityMatrix();
 
-    // A matrix without an inverse becomes the identity, so that a node scaled to nothing harms no other.
+    // A matrix without an inverse becomes the identity, so that a node scaled to zero affects no other.
     void Invert();
 
     // Y and Z exchanged on both sides of the transform.
     void Flip();
 
-    // Every element within the tolerance, which counts as inside; 0: exactly.
+    // Whether every element is within the tolerance, inclusive; 0: exactly equal.
     bool IsIdentity(double tolerance) const;
     bool Equal(const Matrix4& other, double tolerance) const;
 
@@ -114,7 +114,7 @@ public:
     // Becomes L with: first L, then parent = world.
     void SetLocalMatrix(const Matrix4& parent, const Matrix4& world);
 
-    // First what the matrix did, then the step.
+    // Append a step: first what the matrix did before, then the step.
     void Rotate(const AngleAxis& rotation);
     void Rotate(const Quaternion& rotation);
     void RotateX(double angle);
@@ -157,10 +157,10 @@ public:
         return {static_cast<T>(r.x), static_cast<T>(r.y), static_cast<T>(r.z)};
     }
 
-    // Polar decomposition (K. Shoemake, T. Duff, "Matrix animation and polar decomposition", 1992), with u
-    // the identity where the scale lies along the axes, else the one of the 24 equal choices that is
-    // nearest to it. A matrix without an inverse keeps its scale, with 0 for what it flattens; its rotation
-    // is recovered where at most one axis is flat and is the identity otherwise.
+    // Polar decomposition (K. Shoemake, T. Duff, "Matrix animation and polar decomposition", 1992). u is the
+    // identity where the scale is along the axes, else the one of the 24 equivalent choices nearest to it. A
+    // matrix without an inverse keeps its scale, with 0 for what it flattens; its rotation is recovered where
+    // at most one axis is flat and is the identity otherwise.
     void AffineDecompose(AffineParts& parts) const;
 
     // Translation, rotation vector, signed scale, rotation vector of u, and the perspective column

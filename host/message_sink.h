@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// Takes messages for the user. The caller of an operation owns it.
+// Receives messages for the user. The caller of an operation owns it.
 // The order of functions and fields is the binary interface (host/api.h).
 class MessageSink {
 public:

@@ -35,19 +35,19 @@ public:
     virtual void GetName(char* buffer, int size) = 0;
     virtual void GetNameW(char16_t* buffer, int size) = 0;
 
-    // A text about the node for people, at most size characters and a terminator.
+    // A description of the node for the user: at most size characters, and a terminator.
     virtual void GetDescription(char* buffer, int size) = 0;
 
     // kControllerTransform: the transform controller. Null without one, and for other kinds.
     virtual Controller* GetController(int kind) = 0;
 
-    // The transform relative to the parent; to the world, with the scene matrix as the last step. isStatic
-    // 1: at rest; 0: at the scene's current time. A scale of exactly zero reads as one millionth, so that
+    // The transform relative to the parent; relative to the world, with the scene matrix as the last step.
+    // isStatic 1: at rest; 0: at the scene's current time. A scale of zero reads as one millionth, so that
     // the transforms keep their inverse.
     virtual void GetLocalMatrix(Matrix4<double>* m, int isStatic) = 0;
     virtual void GetWorldMatrix(Matrix4<double>* m, int isStatic) = 0;
 
-    // Takes the node and all below it out of the scene. Nothing when it has gone already.
+    // Removes the node and all its descendants from the scene. Does nothing when that was done before.
     virtual void Delete(int mode) = 0;
 
     // The attached object when it is of the kind, else null.

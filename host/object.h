@@ -27,7 +27,7 @@ public:
     const char* GetTypeName() override { return "zr_object"; }
 };
 
-// Component kComponentMesh: how much a mesh holds.
+// Component kComponentMesh: the size of a mesh.
 class MeshComponent : public Interface {
 public:
     std::uint32_t m_nVertices = 0;
@@ -49,7 +49,7 @@ public:
 // mesh changes.
 class Mesh : public Renderable {
 public:
-    // Equal for two meshes exactly when everything that is drawn and is no position, face or list is equal.
+    // Equal for two meshes exactly when everything drawn other than positions, faces and lists is equal.
     std::uint32_t m_nFormat = 0;
 
     const float* m_pPositions = nullptr;  // x, y, z of m_nVertices vertices
@@ -78,8 +78,8 @@ public:
 
     virtual Node* GetTargetNode() = 0;  // the node it aims at, or null
 
-    // Takes a point of the node's space into the space in which the light is shown: the inverse, then the
-    // node's transform, places the light where the host shows it at the scene's current time.
+    // Maps points of the node's space to the space in which the light is shown: the inverse, then the node's
+    // transform, places the light where the host shows it at the scene's current time.
     virtual void GetObjectMatrix(Node* node, Matrix4<double>* m) = 0;
 
     const char* GetTypeName() override { return "zr_light"; }

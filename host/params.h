@@ -13,14 +13,14 @@ public:
     // A new, empty list; null when memory runs out.
     static Params* Create();
 
-    // The parameter at the position among those of the type, or fallback when there are not so many.
+    // The parameter at the position among those of the type, or fallback when there are fewer.
     virtual Word GetParam(int position, Word fallback, zr_VALUETYPE type) = 0;
 
     // Appends a parameter. Pointers are not owned.
     virtual void Add(Word value, zr_VALUETYPE type) = 0;
 
     // Replaces the parameter at the position among those of the type; a position one past the last
-    // appends. False when it lies further.
+    // appends. False for positions beyond that.
     virtual bool SetParam(int position, Word value, zr_VALUETYPE type) = 0;
     virtual bool DeleteParam(int position, zr_VALUETYPE type) = 0;  // false when there is none
     virtual Params* Clone() = 0;                                    // an equal list

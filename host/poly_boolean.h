@@ -12,10 +12,10 @@ class PolyBoolean : public vl::Extension {
 public:
     struct Polygon;  // a region with any number of contours; null is the empty region
 
-    // One triangle: three corners, each a pair x, y. Answers 1.
+    // One triangle: three corners, each a pair x, y. Returns 1.
     using TriangleCallback = int (*)(const double* a, const double* b, const double* c, void* user);
 
-    static constexpr int kCombineLetter = 2;  // the region so far with the letter's next contour
+    static constexpr int kCombineLetter = 2;  // combines the region so far with the letter's next contour
 
     // xy: count pairs x, y of one closed contour; a repeated last point is allowed.
     virtual Polygon* CreatePolygon(int count, const double* xy) = 0;

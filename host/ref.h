@@ -13,7 +13,7 @@ namespace vl {
 //   auto a = Ref<Array>::AdoptNew(host->CreateArray());   the same for a new object; throws for null
 //   auto n = Ref<Node>::Share(node);                      adds a count of its own
 //
-// Copies share the object. Every operation accepts an empty reference but -> and *.
+// Copies share the object. Every operation except -> and * accepts an empty reference.
 template <typename T>
 class Ref {
 public:
@@ -36,7 +36,7 @@ public:
         ref.m_object = object;
         return ref;
     }
-    // A call that creates an object answers null when memory has run out: std::bad_alloc.
+    // A call that creates an object returns null when memory has run out; this throws std::bad_alloc then.
     static Ref AdoptNew(T* object) {
         if (object == nullptr) throw std::bad_alloc();
         return Adopt(object);

@@ -9,8 +9,8 @@ namespace vl {
 
 class InterfaceArray;
 
-// An object that others refer to and that knows them. Subscribing holds no count in either direction: a
-// subscriber leaves before it ends.
+// An object that knows the objects that refer to it. A subscription holds no count in either direction: a
+// subscriber must unsubscribe before it is destroyed.
 // The order of functions and fields is the binary interface (host/api.h).
 class KERNIX_API ReferenceSource : public Interface {
 public:
@@ -21,7 +21,7 @@ public:
     InterfaceArray* GetSubscribers(const char* filter) const;
 
     void Subscribe(Interface* subscriber);
-    void Unsubscribe(Interface* subscriber);  // one subscription; nothing when there is none
+    void Unsubscribe(Interface* subscriber);  // ends one subscription; does nothing when there is none
 
 private:
     std::vector<Interface*> m_subscribers;

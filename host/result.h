@@ -7,7 +7,7 @@ namespace vl {
 enum ResultEnum : int {
     kSuccess = 1,
     kCannotOpen = -8,  // a resource or stream cannot be opened or read, or memory has run out
-    kWrongClass = -9,  // an object of another class than asked, or an unknown method
+    kWrongClass = -9,  // an object of another class than required, or an unknown method
 };
 
 }  // namespace vl

@@ -21,7 +21,7 @@ class Scene;
 namespace vl::tk {
 
 // May change the name of a node or material. object: the vl::zr::Node or vl::zr::Material; name: to be
-// changed in place, cut afterwards to the length that names may have. Does not throw.
+// changed in place; it is then cut to the maximum length. Must not throw.
 using RenameCallback = void (*)(Interface* object, String* name, void* context);
 
 // Prepares a scene for an exporter: fill the fields marked "in", call Process once, then read the records and
@@ -29,11 +29,11 @@ using RenameCallback = void (*)(Interface* object, String* name, void* context);
 //
 // The records, their names and keys, the material names and the arrays that the fields hold belong to this
 // object and end with its last Release; the objects of the scene that they point to are the scene's. What the
-// key getters and GetKeyTimes give is the caller's and stays.
+// key getters and GetKeyTimes return is the caller's and stays valid.
 //
-// A step that runs out of memory drops every record, leaves the fields marked "out" null and answers 0; the
-// object is then only fit to be released. Other operations answer as said with each. The order of functions
-// and fields is the binary interface (host/api.h).
+// A step that runs out of memory drops every record, leaves the fields marked "out" null and returns 0; the
+// object can then only be released. Other operations fail as stated with each. The order of functions and
+// fields is the binary interface (host/api.h).
 class Serializer : public Extension {
 public:
     std::uint32_t m_dwExportFlags = 0;  // in: node selection and steps (ExportFlag)
@@ -61,52 +61,53 @@ public:
     // The whole preparation: 1 done, 0 nothing to export. The number is 0.
     virtual int Process(int unused) = 0;
 
-    // Its steps, for callers that want other ones between them; each answers 0 when it did nothing.
+    // Its steps, for callers that insert their own between them; each returns 0 when it did nothing.
     virtual int BuildHierarchy() = 0;
     virtual int ExtractKeys() = 0;
     virtual int AssignNames() = 0;
 
     // Shows the records in a tree view: the given control, or a window of its own for null. 0 before the
-    // hierarchy is built. On the interface thread.
+    // hierarchy has been built. On the interface thread.
     virtual int FillTreeView(HWND tree, int unused) = 0;
 
-    // 1 when the scene is animated and some record has several keys in a track, else 0.
+    // 1 when the scene is animated and any record has several keys in a track, else 0.
     virtual int HasAnimation() = 0;
 
     // track: vl::zr::KeyType. -1 for a null record.
     virtual int GetKeyCount(ExportNode* record, int track) = 0;
     virtual int TimeToFrame(float time) = 0;  // the nearest frame at GetFrameRate
 
-    // A copy of the key, or the value at rest with time 0 when there is no such key. They answer 1.
+    // A copy of the key, or the value at rest with time 0 when there is no such key. They return 1.
     virtual int GetRotationKey(ExportNode* record, int index, ExportRotationKey* out) = 0;
     virtual int GetScaleKey(ExportNode* record, int index, ExportScaleKey* out) = 0;
     virtual int GetPositionKey(ExportNode* record, int index, ExportPositionKey* out) = 0;
 
     // Adds a record without a node below parent (null: outside the tree), which this object owns. A null name
-    // is the empty one. Null before the hierarchy is built and when memory runs out, with the records as they
-    // were.
+    // counts as empty. Null, with the records unchanged, before the hierarchy has been built and when memory
+    // runs out.
     virtual ExportNode* AddNode(ExportNode* parent, const char* name) = 0;
     virtual float GetStartTime() = 0;  // of the exported range, mapped
     virtual float GetEndTime() = 0;
     virtual float GetCurrentTime() = 0;  // the scene's, mapped
 
-    // The times of a record's keys, and of its ancestors' when asked: ascending, each once, with 0.0 when
-    // there is any. A new array of floats, which is the caller's to release; null when memory runs out.
+    // The times of a record's keys, and of its ancestors' if requested: ascending, without duplicates, and
+    // with 0.0 unless there are none. A new array of floats, which is the caller's to release; null when
+    // memory runs out.
     virtual Array* GetKeyTimes(ExportNode* record, int withAncestors) = 0;
 
-    // Keeps the order; a time that is there is not added again. Without memory the list stays as it is.
+    // Inserts a time in order, unless the list has it already. When memory runs out the list is unchanged.
     virtual void AddKeyTime(Array* times, float time) = 0;
 
-    // Sets the options that the user's settings ask for; never clears one.
+    // Sets the options that the user's settings request; never clears one.
     virtual void LoadSettings(SettingsStore* store, const char* section) = 0;
     virtual float MapTime(float time) = 0;  // from the scene's time to the exported one
     virtual float GetFrameRate() = 0;       // frames a second; 1 when the scene's is below 0.01
 
     // After Process, with another animation of the scene active: gives the records the keys of that one,
-    // merged, resampled, flipped and mapped as Process does it, and the moved records their mLocal and rest
-    // values; names, structure and mWorld stay. 0, with nothing changed, where the records themselves depend
-    // on the animation (placed cameras and lights, a scene matrix above a record), or where a module has no
-    // such operation: a new object then has to process it. 0 without any records where memory ran out.
+    // merged, resampled, flipped and mapped as by Process, and the moved records their mLocal and rest
+    // values; names, structure and mWorld stay. 0, with nothing changed, when the records themselves depend
+    // on the animation (placed cameras and lights, a scene matrix above a record) or the module has no such
+    // operation: a new object must then process it. 0, with every record dropped, when memory runs out.
     virtual int ProcessKeys() { return 0; }
 
     const char* GetTypeName() override { return "tksave"; }

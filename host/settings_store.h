@@ -2,7 +2,7 @@
 #pragma once
 
 // The user's stored settings, by section and key ("anim\\reverse"). A setting that is absent or not a number
-// gives fallback. The caller of an operation owns it. The order of functions and fields is the binary
+// yields fallback. The caller of an operation owns the store. The order of functions and fields is the binary
 // interface (host/api.h).
 class SettingsStore {
 public:

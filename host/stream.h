@@ -15,18 +15,18 @@ namespace vl {
 class KERNIX_API Stream : public Interface {
 public:
     // A stream over a resource of a module. name: resource type, a vertical bar, resource name. flags: 2
-    // reads a resource, and no other value is known. Null when there is no such resource and when memory runs
+    // (read a resource), the only value supported. Null when there is no such resource and when memory runs
     // out.
     static Stream* Create(HINSTANCE module, const String& name, unsigned flags);
 
-    // A new, empty stream in memory, to be written and read. Null when memory runs out.
+    // A new, empty stream in memory, for writing and reading. Null when memory runs out.
     static Stream* CreateInMemory();
 
-    // From the start (origin 0), the position (1) or the end (2). A place outside the content is moved to
-    // its nearer end.
+    // From the start (origin 0), the position (1) or the end (2). A position outside the content becomes its
+    // nearer end.
     virtual void Seek(std::int64_t offset, int origin) = 0;
     virtual std::size_t Read(void* out, std::size_t size) = 0;   // bytes read, fewer at the end
-    virtual bool Write(const void* data, std::size_t size) = 0;  // false on a stream that only reads
+    virtual bool Write(const void* data, std::size_t size) = 0;  // false on a read-only stream
     virtual std::size_t GetSize() = 0;
 
     const char* GetTypeName() override { return "zr_stream"; }

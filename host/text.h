@@ -12,7 +12,7 @@ constexpr Char FoldCase(Char c) {
 }
 
 // Compares zero-terminated texts by their folded characters as unsigned values: negative, 0 or positive.
-// Since letters fold to lower case, "a_b" stands before "aAb".
+// Since letters fold to lower case, "a_b" sorts before "aAb".
 template <typename Char, typename Unsigned>
 constexpr int CompareFolded(const Char* a, const Char* b) {
     for (;; ++a, ++b) {

@@ -34,7 +34,7 @@ public:
     String m_strName;
     Array* m_pAnimationReferences = nullptr;  // of AnimationReference*; may be null
 
-    // Takes the entry out and ends it; nothing when it is none of the list.
+    // Removes and destroys the entry; does nothing when it is not in the list.
     virtual void RemoveAnimationReference(AnimationReference* entry) = 0;
 
     const char* GetTypeName() override { return "zr_viewport"; }

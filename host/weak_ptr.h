@@ -12,7 +12,7 @@ struct WeakBlock {
     int users;
 };
 
-// Base of objects that weak pointers may refer to. One thread at a time may make, read and end the weak
+// Base of objects that weak pointers may refer to. One thread at a time may create, read and destroy the weak
 // pointers to an object.
 template <typename T>
 class WeakPtrOwner {
@@ -42,8 +42,8 @@ private:
     WeakBlock<T>* m_block = nullptr;
 };
 
-// Refers to an object of the vl::Interface family without keeping it. Get is null when nothing was set or
-// the object has ended.
+// Refers to an object of the vl::Interface family without keeping it alive. Get returns null when nothing was
+// set or the object is gone.
 template <typename T, typename Owner>
 class BasicWeakPtr {
 public:

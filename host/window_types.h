@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// Handles and records of the window system that stand in signatures of the host. They are declared the
-// way the system's own headers declare them, so both may be included in one source.
+// Handles of the window system that occur in signatures of the host. They are declared as the system's own
+// headers declare them, so that one source may include both.
 
 struct HWND__;
 using HWND = HWND__*;

@@ -20,8 +20,8 @@ public:
     Element& operator=(Element&&) noexcept;
 
     // Becomes the root element of the document that the stream holds from its position on. kCannotOpen, with
-    // the element unchanged, when that is no well-formed document, nests deeper than 200 elements, or memory
-    // runs out.
+    // the element unchanged, when that is not a well-formed document, nests deeper than 200 elements, or
+    // memory runs out.
     ResultEnum Load(Stream* stream);
 
     const std::string& GetName() const { return m_name; }

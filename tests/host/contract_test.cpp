@@ -30,11 +30,11 @@
 #include "host/viewport.h"
 #include "platform/windows.h"
 
-// Modules and hosts that were compiled long ago count on these places.
+// Modules and hosts that were compiled long ago rely on these slots and offsets.
 namespace {
 
-// The place of a virtual function in its class's table, as the compilers that fit (host/api.h) keep it in a
-// pointer to the function: one more than its distance from the table's start.
+// The slot of a virtual function in its class's table. In a pointer to the function the supported compilers
+// (host/api.h) store one more than the function's distance in bytes from the table's start.
 template <typename Function>
 long SlotOf(Function function) {
     std::ptrdiff_t word = 0;
@@ -43,7 +43,7 @@ long SlotOf(Function function) {
     return (word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
 }
 
-// The functions stand one after the other from the slot on.
+// The functions occupy consecutive slots, beginning with `first`.
 template <typename... Functions>
 void ExpectSlots(long first, Functions... functions) {
     long slot = first;
