@@ -6,7 +6,8 @@
 
 namespace kernix {
 
-// A new, empty array with count 1. With a comparator FindSorted works on it.
+// A new, empty array with count 1; null when memory runs out. With a comparator, which is given the context,
+// FindSorted works on it.
 KERNIX_API vl::Array* CreateArray();
 KERNIX_API vl::Array* CreateSortedArray(vl::ArrayComparator comparator, void* context);
 

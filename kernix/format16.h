@@ -8,8 +8,8 @@
 
 namespace kernix {
 
-// Formats wide text. Conversions: %d (int), %u (unsigned), %s (zero-terminated UTF-16), %%; any other stands
-// as it is and takes no argument.
+// Formats wide text. Conversions: %d (int), %u (unsigned), %s (zero-terminated UTF-16), %%; any other is
+// copied as it is and consumes no argument.
 KERNIX_API std::u16string Format16(const char16_t* format, va_list arguments);
 
 }  // namespace kernix

@@ -23,9 +23,8 @@ public:
     virtual ~HostAppBase();
 
     // Initialises a loaded module: it then registers its type names, which CreateExtension asks it for.
-    // module is the handle with which the system's loader loaded it, entry its function ZRDLLFunc. Answers
-    // what the module answers. The module must stay loaded as long as this host or an object of the module
-    // lives.
+    // module is its handle from the system's loader, entry its function ZRDLLFunc. Returns the module's
+    // result. The module must stay loaded as long as this host or an object of the module lives.
     vl::Word StartModule(HINSTANCE module, ModuleEntry entry);
 
     // An extension that the host itself offers.
@@ -50,7 +49,7 @@ public:
     vl::Context* CreateContext(int a, int b) override;
 
 protected:
-    // Where messages for the user go, UTF-8; here to standard error. severity 0 is a log line.
+    // Shows a message to the user, in UTF-8; here on standard error. severity 0 is a log line.
     virtual void ShowMessage(int severity, const std::string& text);
 
 private:
@@ -60,7 +59,7 @@ private:
     std::map<std::string, int, std::less<>> m_settings;
 };
 
-// A new context with count 1.
+// A new context with count 1; null when memory runs out.
 KERNIX_API vl::Context* CreateContext();
 
 }  // namespace kernix

@@ -5,8 +5,8 @@
 
 namespace kernix {
 
-// Takes the pointers for which keep answers false out of the array; the others stay in their order. Asks for
-// no memory.
+// Removes from the array the pointers for which keep returns false; the others stay in order. Does not
+// allocate.
 template <typename T, typename Keep>
 void KeepIf(vl::Array* array, Keep keep) {
     const vl::ArrayOf<T*> list(array);

@@ -6,8 +6,8 @@
 
 namespace vl::mem {
 
-// As operator new does, with the program's handler for memory that runs out; but null in place of an
-// exception.
+// Like operator new, calls the program's new-handler when memory runs out, but returns null instead of
+// throwing.
 void* allocate(std::size_t size) noexcept {
     for (;;) {
         if (void* const storage = std::malloc(size)) return storage;

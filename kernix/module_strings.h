@@ -15,15 +15,15 @@ namespace kernix {
 
 // Texts by number, read from a language table: UTF-16 little-endian with a byte-order mark, lines of the form
 //   id="text"
-// and lines that hold nothing: ";" or empty ones. Nothing when the bytes are no such text; a line of another
-// form is skipped, and of two lines with one id the first counts.
+// Lines of any other form, such as comments (";") and empty ones, are skipped; of two lines with the same id
+// the first counts. Nothing when the bytes are not such a text.
 using StringTable = std::map<int, std::u16string>;
 KERNIX_API std::optional<StringTable> ParseStringTable(std::string_view bytes);
 
 // The language table for a language or locale ("de", "fr_CA.UTF-8"); nothing for one without a table.
 KERNIX_API std::optional<std::string> LanguageTable(std::string_view language);
 
-// The number at the front of text, which loses it; nothing without a digit. Nine digits at most are taken.
+// Removes the number at the front of text and returns it; nothing without a digit. Takes at most nine digits.
 KERNIX_API std::optional<int> TakeNumber(std::u16string_view& text);
 
 // A module's texts in one language, in English where that language lacks them.

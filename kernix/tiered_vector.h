@@ -11,7 +11,7 @@ namespace kernix {
 // A sequence of words with access by index in constant time, and insertion and removal anywhere at a cost
 // of about the square root of its length: rings of 4096 words, all but the last full, so that a change moves
 // words inside one ring and one word across each later ring (M. T. Goodrich, J. G. Kloss, "Tiered vectors",
-// 1999). Indices are the caller's to check.
+// 1999). Indices are not checked.
 class TieredVector {
 public:
     std::size_t Size() const { return m_size; }
@@ -35,7 +35,7 @@ private:
         std::size_t Mask() const { return words.size() - 1; }
         vl::Word& At(std::size_t i) { return words[(head + i) & Mask()]; }
         vl::Word At(std::size_t i) const { return words[(head + i) & Mask()]; }
-        // Takes word i out, of those up to the one at end: moves the words before it or those behind it,
+        // Removes word i, where the last word is at end: moves the words before it or those after it,
         // whichever are fewer.
         void Close(std::size_t i, std::size_t end);
     };

@@ -9,7 +9,7 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-// Decodes one character at the front of a non-empty text and says how many bytes it took.
+// Decodes the character at the front of a non-empty text; length receives the number of bytes it takes.
 char32_t DecodeUtf8(std::string_view text, std::size_t& length) {
     const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
     length = 1;

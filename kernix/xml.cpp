@@ -7,7 +7,7 @@
 namespace vl::xml {
 
 struct ElementBuilder {
-    // Fills root from the parsed tree without recursion: a document may nest as deep as it is long.
+    // Fills root from the parsed tree, without recursion.
     static void Fill(const rapidxml::xml_node<>& tree, Element& root) {
         std::vector<std::pair<const rapidxml::xml_node<>*, Element*>> open = {{&tree, &root}};
         while (!open.empty()) {
@@ -32,7 +32,7 @@ struct ElementBuilder {
 
 namespace {
 
-// The parser calls itself for every level of nesting.
+// The parser recurses once for every level of nesting.
 constexpr int kMaxDepth = 200;
 
 bool IsTooDeep(const std::string& text) {

@@ -28,7 +28,7 @@ void Cross(const double (&a)[3], const double (&b)[3], double (&out)[3]) {
 }
 
 // A transform whose rows are orthogonal scales along its axes: lengths and directions of the rows are the
-// answer, also for lengths that differ by many orders of magnitude. One flat axis is completed from the
+// result, also for lengths that differ by many orders of magnitude. One flat axis is completed from the
 // other two. False when the rows are not orthogonal or fewer than two have a length.
 bool SplitOrthogonal(const Rows& a, double (&k)[3], Rows& frame) {
     int flat = -1;
@@ -156,7 +156,7 @@ void SplitTurned(const Rows& a, AffineSplit& out) {
         for (int i = 0; i < 3; ++i) out.k[i] = s[i][i];
         return;
     }
-    // A single off-diagonal within the limit is left out of the turning for the same reason.
+    // A single off-diagonal within the limit is ignored for the same reason.
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) {
             if (i != j && std::fabs(s[i][j]) <= limit) s[i][j] = 0;
@@ -167,7 +167,7 @@ void SplitTurned(const Rows& a, AffineSplit& out) {
     const double values[3] = {s[0][0], s[1][1], s[2][2]};
     Rows frame;
     NearestFrame(v, values, frame, out.k);
-    // The rows of frame are the scale axes; R(u) leads from the space to them: its rows are the columns.
+    // The rows of frame are the scale axes; R(u) leads to them, so its rows are the columns of frame.
     Rows turned;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) turned[i][j] = frame[j][i];

@@ -14,7 +14,7 @@ Rotation Rotation::From(const vl::Quaternion& q) {
     return {x / length, y / length, z / length, w / length};
 }
 
-// The float next to pi is half a turn: nothing of it is left along w, whose sign says which way a turn goes.
+// The float nearest to pi means half a turn: w is exactly 0, as its sign would give the turn a direction.
 Rotation Rotation::From(const vl::AngleAxis& a) {
     Rotation rotation = About(a.x, a.y, a.z, a.angle);
     if (std::fabs(a.angle) == std::numbers::pi_v<float>) rotation.w = 0;

@@ -12,7 +12,7 @@ struct KERNIX_API Rotation {
     double z = 0;
     double w = 1;
 
-    static Rotation From(const vl::Quaternion& q);  // brought to unit length; no length is no rotation
+    static Rotation From(const vl::Quaternion& q);  // normalized; the identity for one without a length
     static Rotation From(const vl::AngleAxis& a);
     static Rotation About(double ax, double ay, double az, double angle);  // the axis may have any length
 
@@ -28,13 +28,13 @@ struct KERNIX_API Rotation {
     double Dot(const Rotation& other) const { return x * other.x + y * other.y + z * other.z + w * other.w; }
 };
 
-// Whether one of two orientations with this dot product must be negated to turn the shorter way. Exactly half
-// a turn has no shorter way and goes as it is given, whatever the rounding of unit lengths made of its 0.
+// Whether one of two orientations with this dot product must be negated to turn the shorter way. Half a turn
+// has no shorter way and is left as it is, even where rounding has made its dot product slightly negative.
 inline bool IsLongWay(double dot) {
     return dot < -1e-15;
 }
 
-// The rotation a share s of the shorter way from a to b.
+// The rotation at fraction s of the shorter arc from a to b.
 Rotation Slerp(double s, const Rotation& a, const Rotation& b);
 
 }  // namespace kernix

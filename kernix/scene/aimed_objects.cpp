@@ -19,7 +19,7 @@ V3 Cross(const V3& a, const V3& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-// Where the target stands at the current time, in the space of the node at rest or at the current time.
+// The target's position at the current time, in the space of the node at rest (1) or at the current time (0).
 V3 TargetIn(NodeModel& node, NodeModel& target, int isStatic) {
     M world;
     M space;
@@ -54,7 +54,7 @@ M LookAt(const vl::Vector3<float>& position, const V3& target) {
     const double distance = Length(back);
     if (distance > 0) {
         const V3 z{back.x / distance, back.y / distance, back.z / distance};
-        // Looking straight up or down, the node's own -Z is what stays up.
+        // Looking straight down, the node's -Z is up; looking straight up, its Z is.
         V3 x = Cross(V3{0, 1, 0}, z);
         if (Length(x) < 1e-9) x = Cross(V3{0, 0, z.y > 0 ? -1.0 : 1.0}, z);
         const double length = Length(x);

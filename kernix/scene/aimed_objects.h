@@ -7,8 +7,8 @@ namespace kernix {
 
 class NodeModel;
 
-// The transform that places an object, which looks along -Z with Y up: moved to the position and turned so
-// that it looks at the target. A target at the position turns nothing.
+// The transform that moves an object, which looks along -Z with Y up, to the position and turns it so that it
+// looks at the target. A target at the position turns nothing.
 KERNIX_API vl::Matrix4<double> LookAt(const vl::Vector3<float>& position, const vl::Vector3<double>& target);
 
 // What a light or camera aims at. The object looks along -Z with Y up; one that aims at a node is turned
@@ -22,7 +22,7 @@ public:
     // forward units ahead of the object.
     vl::Vector3<float> TargetInRestSpace(NodeModel& node, float forward) const;
 
-    // Takes a point of the node's space into the space in which the object is shown.
+    // Maps points of the node's space to the space in which the object is shown.
     void GetObjectMatrix(NodeModel& node, vl::Matrix4<double>& m) const;
 };
 

@@ -16,10 +16,10 @@ public:
     std::u16string m_name;
     bool m_locked = false;  // the scene forbids its removal
 
-    // Every controller's track for this animation, in the order in which they came.
+    // Every controller's track for this animation, in the order in which they were added.
     const std::vector<vl::zr::Track*>& Tracks() const { return m_tracks; }
 
-    void DropTracks();  // out of their controllers
+    void DropTracks();  // removes them from their controllers
 
 private:
     friend class TrackList;

@@ -9,7 +9,7 @@
 
 namespace kernix {
 
-// Keeps what a set of changes took away or made, in order.
+// Keeps what a set of changes removed or created, in order.
 class KERNIX_API ChangeRecordModel final : public ChangeRecord {
 public:
     enum class Change {

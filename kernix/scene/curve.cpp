@@ -13,7 +13,7 @@ bool SameBits(const std::vector<float>& a, const std::vector<float>& b) {
            (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0);
 }
 
-// The key that shows alone at a time, or the first of two with the share of the way to the second.
+// The key that alone decides the value at a time, or the first of two and the fraction of the way between.
 struct Piece {
     std::size_t key;
     bool isAlone;
@@ -53,7 +53,7 @@ void Curve::Retime(float scale, float offset) {
     std::vector<float> reversed;
     reversed.reserve(values.size());
     for (std::size_t key = times.size(); key-- > 0;) {
-        // Of a cubic key the slopes change places.
+        // The slopes of a cubic key change places.
         for (std::size_t part = stride; part != 0; part -= width) {
             const float* from = values.data() + key * stride + part - width;
             reversed.insert(reversed.end(), from, from + width);

@@ -13,9 +13,8 @@ namespace kernix {
 
 inline constexpr int kKeyTypes[] = {vl::zr::kKeyPosition, vl::zr::kKeyRotation, vl::zr::kKeyScale};
 
-// Keys side by side: their times, seconds, in ascending order, and for each an equal number of values. A
-// cubic curve holds three times as many: incoming slopes, values and outgoing slopes (units a second), key by
-// key.
+// Packed keys: their times in seconds, ascending, and for each key an equal number of values. A cubic curve
+// has three times as many: incoming slopes, values and outgoing slopes (units per second), key by key.
 struct KERNIX_API Curve {
     vl::zr::KeyInterpolation interpolation = vl::zr::kInterpolationLinear;
     std::vector<float> times;
@@ -24,10 +23,9 @@ struct KERNIX_API Curve {
     bool operator==(const Curve& other) const;  // to the bit
     bool IsEmpty() const { return times.empty(); }
     bool IsCubic() const { return interpolation == vl::zr::kInterpolationCubic; }
-    std::size_t Stride() const {
-        return times.empty() ? 0 : values.size() / times.size();
-    }                                                                          // numbers of a key
-    std::size_t Width() const { return IsCubic() ? Stride() / 3 : Stride(); }  // of its value
+    // How many numbers a key has, and how many of them are its value.
+    std::size_t Stride() const { return times.empty() ? 0 : values.size() / times.size(); }
+    std::size_t Width() const { return IsCubic() ? Stride() / 3 : Stride(); }
     const float* Value(std::size_t key) const {
         return values.data() + key * Stride() + (IsCubic() ? Width() : 0);
     }
@@ -36,9 +34,9 @@ struct KERNIX_API Curve {
     void Retime(float scale, float offset);
 };
 
-// What a curve shows at a time. Before the first and after the last key it stays. At least one key; out: as
-// many numbers as a value has. A rotation's values are unit quaternions x, y, z, w: linear ones turn the
-// short way.
+// The value of a curve at a time; it is constant before the first and after the last key. The curve must have
+// a key; out receives Width() numbers. A rotation's values are unit quaternions x, y, z, w: linear ones turn
+// along the shorter arc.
 KERNIX_API void EvaluateNumbers(const Curve& curve, float time, double* out);
 KERNIX_API Rotation EvaluateRotation(const Curve& curve, float time);
 
@@ -50,7 +48,7 @@ inline double Hermite(double a, double slopeA, double b, double slopeB, double s
            span * (s3 - s2) * slopeB;
 }
 
-// Where curves come from when somebody first asks for them. It outlives the curves that refer to it.
+// Supplies curves on first use. It must outlive the curves that refer to it.
 class CurveSource {
 public:
     virtual ~CurveSource() = default;
@@ -58,7 +56,7 @@ public:
     virtual Curve Read(std::uint32_t id) const = 0;
 };
 
-// A curve that stays where it comes from until somebody asks for it.
+// A curve that is read from its source on first use.
 class KERNIX_API StoredCurve {
 public:
     StoredCurve() = default;
@@ -67,11 +65,11 @@ public:
 
     std::size_t KeyCount() const;
     const Curve& Get() const;
-    Curve& Edit();  // from here on it is a curve of its own
+    Curve& Edit();  // detaches the curve from its source
 
-    // Whether it is what the source holds.
+    // Whether it is still the source's curve.
     bool IsAsStored() const { return m_source != nullptr; }
-    // Frees what can be read again.
+    // Frees the curve if it can be read again.
     void Unload() const {
         if (m_source != nullptr) m_curve.reset();
     }

@@ -10,7 +10,7 @@
 
 namespace kernix {
 
-// The keys of one type of a track: side by side, and as objects once somebody asks for one. From then on the
+// The keys of one type of a track: packed in a curve, and as objects once one is requested. From then on the
 // objects are the keys, until they are forgotten or the column gets another curve.
 template <typename K>
 class KeyColumn {
@@ -33,7 +33,7 @@ public:
         return std::exchange(m_curve, {});
     }
 
-    // make(curve, index): the object of a key.
+    // make(curve, index) makes the object of a key.
     template <typename Make>
     Objects& Open(Make make) {
         if (!IsOpen()) {
@@ -45,7 +45,7 @@ public:
         }
         return *m_objects;
     }
-    // To add keys and take keys away: what the column held before cannot come back.
+    // For adding and removing keys: the packed curve is lost.
     template <typename Make>
     Objects& OpenToChange(Make make) {
         Objects& objects = Open(make);

@@ -9,8 +9,8 @@
 
 namespace kernix {
 
-// Slopes of a cubic key in units a second: of the curve that comes in and of the one that goes out. Three
-// numbers for vectors; x, y, z, w of the key's quaternion for rotations.
+// Slopes of a cubic key, in units per second: of the incoming and of the outgoing curve. Three numbers for
+// vectors; x, y, z, w of the key's quaternion for rotations.
 struct Tangents {
     std::array<float, 4> in{};
     std::array<float, 4> out{};
@@ -23,7 +23,7 @@ public:
     void GetValue(vl::Vector3<float>* value) override { *value = m_value; }
 
     vl::Vector3<float> m_value;
-    std::unique_ptr<Tangents> m_tangents;  // null: passes linearly where the key asks for a cubic curve
+    std::unique_ptr<Tangents> m_tangents;  // null: a cubic key is interpolated linearly
 };
 
 using PositionKeyModel = VectorKeyModel<vl::zr::PositionKey>;

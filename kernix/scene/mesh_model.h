@@ -15,12 +15,12 @@
 
 namespace kernix {
 
-using Positions = std::vector<float>;  // x, y, z a vertex
+using Positions = std::vector<float>;  // x, y, z of each vertex
 
 // Lists of vertex indices, all of one size: the faces of a mesh, or its lines.
 class KERNIX_API IndexLists {
 public:
-    // Triangles have 3 indices, lines 2. Of the last indices, those too few for a list are in none.
+    // size: indices in a list, 3 for triangles, 2 for lines. Trailing indices too few for a list are ignored.
     IndexLists(std::vector<std::uint32_t> indices, std::size_t size);
     IndexLists(const IndexLists&) = delete;
     IndexLists& operator=(const IndexLists&) = delete;
@@ -33,18 +33,18 @@ private:
     std::vector<const std::uint32_t*> m_lists;
 };
 
-// Null where there are no indices.
+// Null when there are too few indices for one list.
 KERNIX_API std::shared_ptr<const IndexLists> MakeFaces(std::vector<std::uint32_t> indices);
 KERNIX_API std::shared_ptr<const IndexLists> MakeLines(std::vector<std::uint32_t> indices);
 
 // The geometry of a mesh, shared by all meshes that show it. Its lists may be those of other geometries, too.
 struct MeshGeometry {
-    std::shared_ptr<const Positions> positions;  // null: none, or those that lie elsewhere
+    std::shared_ptr<const Positions> positions;  // null: none, or outerPositions
     std::span<const float> outerPositions;       // the same in memory that outlives the geometry
     std::shared_ptr<const IndexLists> faces;     // null: none
     std::shared_ptr<const IndexLists> secondary;
 
-    // Further ones that are drawn though their indices are not known.
+    // Further ones that are drawn, but whose indices are not known.
     std::uint32_t unreadFaces = 0;
     std::uint32_t unreadSecondary = 0;
 
@@ -54,10 +54,10 @@ struct MeshGeometry {
     bool HasSecondary() const { return secondary || unreadSecondary != 0; }
 };
 
-// MaterialModel::GetId of each face. Apart from the geometry, which meshes of other materials share.
+// MaterialModel::GetId of each face. Kept apart from the geometry, which meshes with other materials share.
 using FaceAttributes = std::vector<std::uint32_t>;
 
-// The materials of the parts that are drawn or can be chosen to be drawn: one for each such part. Shared by
+// The materials of a mesh's parts, one for each part that is drawn or can be chosen to be drawn. Shared by
 // the meshes that show the same parts.
 class KERNIX_API MaterialUses {
 public:
@@ -66,9 +66,9 @@ public:
     void Add(MaterialModel* material) { m_materials.push_back(material); }
     const std::vector<MaterialModel*>& All() const { return m_materials; }
     int Count(const vl::zr::Material* material) const;
-    // Puts other materials in the place of those that are used.
+    // Replaces each material by by(material).
     void Replace(const std::function<MaterialModel*(MaterialModel*)>& by);
-    // Each material once. Held as long as this is.
+    // Each material once. Owned by this object; valid until Replace.
     vl::InterfaceArray* Distinct();
 
 private:

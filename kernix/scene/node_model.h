@@ -37,7 +37,7 @@ public:
     SceneModel& GetScene() const { return m_scene; }
     NodeModel* GetParent() const { return m_parent; }
     const std::string& GetNameText() const { return m_name; }
-    std::size_t GetNumber() const { return m_number; }  // counts all nodes the scene ever had
+    std::size_t GetNumber() const { return m_number; }  // among all nodes the scene ever had
     bool IsDeleted() const { return m_deleted; }
 
     // The transform at rest: a pose, or any matrix.
@@ -46,10 +46,10 @@ public:
     const Pose& GetRestPose() const { return m_restPose; }
     vl::Matrix4<double> GetRestMatrix() const;
 
-    // Takes over the caller's count. Null takes the object away.
+    // Takes over the caller's count. Null removes the object.
     void SetObject(vl::Ref<vl::zr::Object3D> object);
     void SetObjectOffset(const vl::Matrix4<double>& offset);
-    TransformControllerModel* AddTransformController();  // or the one there is
+    TransformControllerModel* AddTransformController();  // or returns the existing one
     SampledControllerModel* AddController(std::string target);
     void AddGenerator(std::string name) { More().generators.push_back(std::move(name)); }
     bool HasGenerator(const char* name) const;
@@ -57,7 +57,7 @@ public:
 private:
     friend class SceneModel;
 
-    // What few nodes have.
+    // Data that few nodes have.
     struct Rare {
         std::unique_ptr<vl::Matrix4<double>> objectOffset;
         vl::Ref<vl::VarMap> metadata;
@@ -86,12 +86,12 @@ private:
     NodeModel* m_parent = nullptr;
     NodeModel* m_previous = nullptr;  // sibling
     NodeModel* m_lastChild = nullptr;
-    std::uint32_t m_number = 0;  // of all nodes the scene ever had
+    std::uint32_t m_number = 0;  // among all nodes the scene ever had
     bool m_deleted = false;
     Pose m_restPose;
-    // A scene has many nodes and few of them use any of these, so a node holds them only on demand.
+    // A scene has many nodes and few of them use any of these, so they are allocated on demand.
     std::unique_ptr<vl::Matrix4<double>> m_restMatrix;  // null: the one of the pose
-    std::unique_ptr<CachedWorld> m_worlds[2];  // at the current time, at rest; null: not asked for yet
+    std::unique_ptr<CachedWorld> m_worlds[2];           // at the current time, at rest; null: not needed yet
     std::unique_ptr<Rare> m_rare;
     vl::Ref<vl::zr::Object3D> m_object;
 };

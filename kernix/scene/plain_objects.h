@@ -5,7 +5,8 @@
 
 namespace kernix {
 
-// Objects without content of their own: dummy, bone, note, selector.
+// Objects without content of their own: dummy, bone, note, selector. They are created with count 1; null when
+// memory runs out.
 template <typename Base>
 class PlainObject final : public Base {
 public:

@@ -7,8 +7,8 @@
 
 namespace kernix {
 
-// How many elements before a given one have left a list that only grows at its end: a tree of partial sums,
-// each call in logarithmic time (P. M. Fenwick, "A new data structure for cumulative frequency tables",
+// How many elements before a given one were removed from a list that only grows at its end: a tree of partial
+// sums, each call in logarithmic time (P. M. Fenwick, "A new data structure for cumulative frequency tables",
 // 1994).
 class RemovalCounts {
 public:
@@ -16,7 +16,7 @@ public:
         const std::size_t count = m_sums.size() + 1;
         m_sums.push_back(Before(count - 1) - Before(count - LowestBit(count)));
     }
-    // The element is numbered as it was appended, and leaves once.
+    // Elements are numbered in the order in which they were appended, and removed only once.
     void Remove(std::size_t element) {
         for (std::size_t i = element + 1; i <= m_sums.size(); i += LowestBit(i)) ++m_sums[i - 1];
     }

@@ -9,7 +9,7 @@
 
 namespace kernix {
 
-// Moves anything that is no transform: morph weights, a property of a material or object.
+// Animates anything that is not a transform: morph weights, a property of a material or object.
 class KERNIX_API SampledControllerModel final : public TrackedController<vl::zr::Controller, SampledTrack> {
 public:
     SampledControllerModel(SceneModel& scene, std::string target)
@@ -17,7 +17,7 @@ public:
 
     SampledTrack* AddSampledTrack(AnimationModel* animation) { return TrackFor(animation); }
 
-    // What it moves, in the words of whoever made the scene.
+    // What it animates, as named by whoever built the scene.
     const std::string& GetTarget() const { return m_target; }
 
 private:

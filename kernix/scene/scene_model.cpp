@@ -31,7 +31,7 @@ SceneModel::SceneModel()
 }
 
 SceneModel::~SceneModel() {
-    // Cameras and lights leave the nodes they aim at, so they go before any node does.
+    // Cameras and lights unsubscribe from the nodes they aim at, so they are destroyed before any node.
     for (const auto& node : m_ownNodes) node->SetObject(nullptr);
 }
 
@@ -163,11 +163,11 @@ int SceneModel::MergeEqualMaterials() {
     return merged;
 }
 
-// Notes in into, by id, what each material equals, and answers how many are to go.
+// into, indexed by id, receives the material that each one is merged into. Returns the number to remove.
 int SceneModel::FindEqualMaterials(std::vector<MaterialModel*>& into) const {
     std::unordered_map<std::string_view, MaterialModel*> firsts;
     const auto movable = [](const MaterialModel& m) { return m.m_pControllers == nullptr; };
-    // The default material never goes, so it is the one that its equals become.
+    // The default material is never removed, so its equals are merged into it.
     if (auto* fallback = static_cast<MaterialModel*>(m_pDefaultMaterial)) {
         if (movable(*fallback)) firsts.emplace(fallback->GetContent(), fallback);
     }

@@ -21,15 +21,15 @@
 
 namespace kernix {
 
-// The scene in memory. Whoever builds one adds parents before their children. It owns everything in it;
-// what is removed stays alive, out of the lists, until the scene ends. A deleted node leaves the layers at
-// the next notification. One thread at a time.
+// The scene in memory. Parents are added before their children. The scene owns everything in it; removed
+// objects leave the lists but stay alive as long as the scene. A deleted node leaves the layers at the next
+// notification. One thread at a time.
 class KERNIX_API SceneModel : public vl::zr::Scene {
 public:
     SceneModel();
     ~SceneModel() override;
 
-    // Building.
+    // Building. Throws std::bad_alloc when memory runs out.
     NodeModel* AddNode(NodeModel* parent, std::string name);  // as the last child; null: top level
     MaterialModel* AddMaterial(std::optional<std::string> name, std::string content);
     AnimationModel* AddAnimation(std::u16string name);
@@ -40,21 +40,21 @@ public:
     void SetSceneMatrix(const vl::Matrix4<double>& m);
     const vl::Matrix4<double>& GetSceneMatrix() const { return m_sceneMatrix; }
     void SetFrameRate(float framesPerSecond) { m_frameRate = framesPerSecond; }
-    // Whether m_vTarget of lights follows the scene's time, as it does at first. Each change of the time then
-    // costs a look at every light that aims at a node.
+    // Whether m_vTarget of lights follows the scene's time, as by default. Each change of the time then
+    // updates every light that aims at a node.
     void FollowLightTargets(bool follow);
     void SetDefaultCameraNode(NodeModel* node) { m_defaultCameraNode = node; }
 
     // Ties the selector attached to node to the node's children, which exist already. selected may be null.
     void SetSelector(NodeModel* node, vl::zr::Node* selected);
 
-    // Asked before a node goes that its Delete is called for; false keeps the node.
+    // Called when a node is asked to delete itself; false keeps the node.
     std::function<bool(NodeModel&)> m_mayDelete;
     // Called by Notify and Refresh.
     std::function<void(int code, int a, int b)> m_onNotify;
     std::function<void()> m_onRefresh;
     bool IsModal() const { return m_modalDepth > 0; }
-    // Whether a change record was ever asked for: somebody set about changing the scene.
+    // Whether a change record was ever created, as is done before the scene is changed.
     bool HasChangeRecord() const { return m_hasChangeRecord; }
 
     const std::vector<vl::Ref<NodeModel>>& AllNodes() const { return m_ownNodes; }  // deleted ones too
@@ -62,7 +62,7 @@ public:
     const std::vector<vl::Ref<AnimationModel>>& AllAnimations() const { return m_ownAnimations; }
     const std::vector<vl::Ref<ViewportModel>>& Viewports() const { return m_viewports; }
 
-    // The material that MergeEqualMaterials put in its place; itself for one that was not merged.
+    // The material that MergeEqualMaterials put in its place; itself if it was not merged.
     MaterialModel* MergedInto(MaterialModel* material) const;
 
     // vl::zr::Scene.

@@ -6,7 +6,7 @@
 namespace kernix {
 namespace {
 
-// A camera or light that aims at a node which goes aims at nothing from then on.
+// A camera or light whose target is removed aims at nothing from then on.
 void ReleaseTarget(vl::Interface* object) {
     if (auto* camera = dynamic_cast<CameraModel*>(object)) camera->SetTarget(nullptr);
     if (auto* light = dynamic_cast<LightModel*>(object)) light->SetTarget(nullptr);

@@ -14,7 +14,7 @@ class TrackList;
 
 namespace vl::zr {
 
-// What a controller keeps for one animation. The controller owns its tracks.
+// A controller's keys for one animation. The controller owns its tracks.
 class Track : public Interface {
 public:
     explicit Track(kernix::AnimationModel* animation) : m_animation(animation) {}

@@ -31,7 +31,7 @@ private:
     SceneModel& m_scene;
     std::vector<vl::Ref<vl::zr::Track>> m_tracks;
     vl::Ref<vl::Array> m_words;
-    mutable std::size_t m_recent = 0;  // index of what Find answered last
+    mutable std::size_t m_recent = 0;  // index of the track that Find returned last
 };
 
 }  // namespace kernix

@@ -10,7 +10,7 @@
 
 namespace kernix {
 
-// Plain values as they lie in memory: a transfer stream lives inside one process.
+// Plain values, byte for byte as in memory: a transfer stream never leaves its process.
 template <typename T>
 void WriteValue(vl::Stream& stream, const T& value) {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -9,7 +9,7 @@
 namespace kernix {
 namespace {
 
-// What a scale of exactly zero counts as, so that the transform keeps its inverse.
+// A scale of smaller magnitude counts as this, so that the transform keeps its inverse.
 constexpr double kLeastScale = 1e-6;
 
 double NotZero(double scale) {

@@ -8,7 +8,7 @@ namespace kernix {
 
 class NodeModel;
 
-// Moves a node. Ends with it.
+// Moves a node, which owns it.
 class KERNIX_API TransformControllerModel final
     : public TrackedController<vl::zr::TransformController, TransformTrack> {
 public:
@@ -24,7 +24,7 @@ public:
     void EvaluateMatrix(float time, int mode, vl::Matrix4<double>* m, int flags) override;
     void NormalizeRotationKeys(vl::zr::Track* track, int mode) override;
 
-    // First the scale (0 counts as one millionth), then the rotation, then the translation.
+    // First the scale (at least one millionth in magnitude), then the rotation, then the translation.
     static vl::Matrix4<double> Compose(const double (&translation)[3], const Rotation& rotation,
                                        const double (&scale)[3]);
 

@@ -99,9 +99,9 @@ std::unique_ptr<K> MakeVectorKey(const Curve& curve, std::size_t index) {
 constexpr auto MakePosition = MakeVectorKey<PositionKeyModel>;
 constexpr auto MakeScale = MakeVectorKey<ScaleKeyModel>;
 
-// Makes the rotation keys of a track.
+// Returns a function that makes the rotation keys of a track.
 auto RotationMaker(const TransformTrack& track) {
-    // A key tells its track of changes, which only somebody who may change the track can make.
+    // A key notifies its track of changes, which only a caller that may change the track can make.
     return [&owner = const_cast<TransformTrack&>(track)](const Curve& curve, std::size_t index) {
         auto key = std::make_unique<RotationKeyModel>(owner);
         const float* q = curve.Value(index);
@@ -115,7 +115,7 @@ Rotation Step(const Rotation& from, const Rotation& to) {
     return from.Inverted().Times(to);
 }
 
-// The step in the direction in which `way` goes from one orientation to the next, half a turn at most.
+// The step, half a turn at most, in the direction of `way`, which leads from one orientation to the next.
 vl::AngleAxis StepAlong(const Rotation& way, Rotation step) {
     if (step.Dot(IsLongWay(way.w) ? way.Negated() : way) < 0) step = step.Negated();
     step.w = std::max(step.w, 0.0);
@@ -285,7 +285,7 @@ Rotation TransformTrack::EvaluateRotation(float time, const Pose& rest) const {
         if (length > 0) return {q[0] / length, q[1] / length, q[2] / length, q[3] / length};
     }
     if (b.m_type == vl::zr::kRotationAngleAxis) {
-        // The whole step is turned, also beyond half a turn.
+        // The whole step is interpolated, also beyond half a turn.
         const auto& step = b.m_angleAxis;
         return orientations[next - 1].Times(Rotation::About(step.x, step.y, step.z, step.angle * s));
     }
@@ -308,8 +308,8 @@ TransformTrack::Sample TransformTrack::Evaluate(float time, const Pose& rest) co
     return sample;
 }
 
-// Each step leads from what the steps before it add up to, so that their rounding does not add up as well;
-// near half a turn that rounding must not turn it round.
+// Each step starts from what the steps before it add up to, so that their rounding does not accumulate; near
+// half a turn that rounding must not reverse the step's direction.
 void TransformTrack::NormalizeRotations() {
     auto& rotations = m_rotations.OpenToChange(RotationMaker(*this));
     const std::vector<Rotation> orientations = Orientations();

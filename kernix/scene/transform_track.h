@@ -13,15 +13,15 @@
 
 namespace kernix {
 
-// Where a node stands without any key.
+// The transform of a node without any key.
 struct Pose {
     vl::Vector3<float> translation;
     vl::Quaternion rotation;
     vl::Vector3<float> scale{1, 1, 1};
 };
 
-// The keys of one animation of a node, in time order. They lie side by side, for each type, until somebody
-// asks for a key as an object.
+// The keys of one animation of a node, in time order. The keys of each type are packed until one of them is
+// requested as an object.
 class KERNIX_API TransformTrack final : public vl::zr::Track {
 public:
     using Track::Track;
@@ -34,27 +34,27 @@ public:
 
     // The keys of a type as one curve; null while they are objects. A rotation's values are quaternions.
     const StoredCurve* Packed(int keyType) const;
-    void SetCurve(int keyType, StoredCurve curve);  // in the place of all keys of the type
-    StoredCurve TakeCurve(int keyType);             // leaves no key of the type; of a packed one
-    // The keys are again what they were before the first one was asked for, with the changes made to objects
-    // alone lost. Where keys were added or taken away they stay as they are.
+    void SetCurve(int keyType, StoredCurve curve);  // replaces all keys of the type
+    StoredCurve TakeCurve(int keyType);             // leaves no key of the type, which must be packed
+    // Restores the keys as they were before the first one was requested as an object, discarding changes made
+    // to objects. Keys of a type of which keys were added or removed stay as they are.
     void ForgetObjects();
-    // Frees what can be read again.
+    // Frees packed keys that can be read again.
     void Unload();
 
-    // Behind the keys of the same or an earlier time. The track owns the key.
+    // Adds a key after those of the same or an earlier time. The track owns it.
     PositionKeyModel* AddPosition(float time);
     ScaleKeyModel* AddScale(float time);
     RotationKeyModel* AddRotation(float time);
 
     int Count(int keyType) const;
-    float TimeOf(int keyType, int index) const;      // of a key there is
-    vl::zr::Key* Get(int keyType, int index) const;  // null outside
-    void Remove(int keyType, int index);             // nothing outside
+    float TimeOf(int keyType, int index) const;      // index must be valid
+    vl::zr::Key* Get(int keyType, int index) const;  // null when index is out of range
+    void Remove(int keyType, int index);             // does nothing when index is out of range
     void Clear(int keyType);
 
-    // The pose at a time; parts without a key are those of rest. Before the first and after the last key
-    // the pose stays.
+    // The pose at a time; parts without a key are those at rest. The pose is constant before the first and
+    // after the last key.
     struct Sample {
         double translation[3];
         Rotation rotation;
@@ -76,11 +76,11 @@ private:
     const std::vector<Rotation>& Orientations() const;
     Rotation EvaluateRotation(float time, const Pose& rest) const;
 
-    // Objects are made of the same keys, whoever asks.
+    // Mutable, as turning packed keys into objects does not change the keys.
     mutable KeyColumn<PositionKeyModel> m_positions;
     mutable KeyColumn<RotationKeyModel> m_rotations;
     mutable KeyColumn<ScaleKeyModel> m_scales;
-    mutable std::vector<Rotation> m_orientations;  // of each rotation object; empty when to be made anew
+    mutable std::vector<Rotation> m_orientations;  // of each rotation object; empty: to be computed
 };
 
 }  // namespace kernix

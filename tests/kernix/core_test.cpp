@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <random>
 
 #include "host/interface_array.h"
@@ -20,7 +19,7 @@ namespace {
 
 using vl::Ref;
 
-TEST(Array, DoesWhatAVectorDoesAtAnySize) {
+TEST(Array, BehavesLikeAVectorAtAnySize) {
     std::mt19937 engine(3);
     const auto array = Ref<vl::Array>::Adopt(kernix::CreateArray());
     std::vector<vl::Word> expected;

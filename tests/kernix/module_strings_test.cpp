@@ -22,7 +22,7 @@ std::string Bytes(std::u16string_view text) {
     return bytes;
 }
 
-TEST(StringTableText, KeepsBlanksAndQuotesAndPassesOverTheRest) {
+TEST(StringTableText, KeepsBlanksAndQuotesAndSkipsTheRest) {
     const auto table =
         ParseStringTable(Bytes(u"\uFEFF1=\"one\"\r\n;\r\n\r\n2=\" a \"b\" \"\r\nx=\"no id\"\r\n3=no "
                                u"quotes\r\n4=\"\r\n1=\"again\"\r\n"

@@ -59,7 +59,7 @@ TEST(Scene, WorldFollowsParentsTimeAndSceneMatrix) {
     EXPECT_TRUE(stored.Equal(up, 0));
 }
 
-TEST(Scene, TheLastRestTransformCounts) {
+TEST(Scene, TheLastRestTransformWins) {
     const auto scene = NewScene();
     NodeModel* node = scene->AddNode(nullptr, "node");
     M sheared;
@@ -91,7 +91,7 @@ TEST(Scene, DeletesSubtreesAndLeavesNoReference) {
     EXPECT_EQ(subscribers->GetCount(), 1u);
 
     b->Delete(0);
-    b1->Delete(0);  // gone already
+    b1->Delete(0);  // already deleted
     scene->Notify(vl::zr::kNotifyRemoved, 1, 2);
     EXPECT_EQ(Names(*scene), (std::vector<std::string>{"a", "c"}));
     EXPECT_EQ(a->m_pNextSibling, c);
@@ -182,7 +182,7 @@ TEST(Track, RotationFormsDescribeTheSameMotion) {
     i = before.size();
     for (float t = 0; t <= 7; t += 0.125f) EXPECT_TRUE(sample(t).Equal(before[--i], 1e-6)) << t;
 
-    // A relative step beyond half a turn is turned as it says.
+    // A relative step beyond half a turn is made in full.
     auto* long_ = node->AddTransformController()->AddTransformTrack(scene->AddAnimation(u"long"));
     scene->SetActiveAnimation(static_cast<kernix::AnimationModel*>(long_->GetAnimation()));
     long_->AddRotation(0)->SetValue({0, 0, 1, 0});
@@ -215,7 +215,7 @@ TEST(Track, TransferCarriesEverything) {
     EXPECT_EQ(order, 0x24);
     EXPECT_EQ(angles, (V3f{0.1f, 0.2f, 0.3f}));
 
-    // Cut short anywhere it is an empty track.
+    // Cut short anywhere, it loads as an empty track.
     const std::size_t size = stream->GetSize();
     std::vector<char> bytes(size);
     stream->Seek(0, 0);
@@ -251,7 +251,7 @@ TEST(Scene, MergesEqualMaterialsEverywhere) {
     EXPECT_EQ(scene->MergeEqualMaterials(), 0);
 }
 
-TEST(Scene, DeletingAnAnimationTakesItsTracksAndReferences) {
+TEST(Scene, DeletingAnAnimationRemovesItsTracksAndReferences) {
     const auto scene = NewScene();
     auto* a = scene->AddAnimation(u"a");
     auto* b = scene->AddAnimation(u"b");

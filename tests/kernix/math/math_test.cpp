@@ -51,7 +51,7 @@ void ExpectNear(const V3& a, const V3& b, double tolerance = 1e-9) {
     EXPECT_NEAR(a.z, b.z, tolerance);
 }
 
-// What the parts of a decomposition say, put together again in the stated order.
+// The parts of a decomposition, put together again in the stated order.
 M Recompose(const AffineParts& p) {
     M m = {};
     m.SetRotate(p.u);
@@ -151,7 +151,7 @@ TEST(Math, DecompositionRecomposes) {
     }
 }
 
-TEST(Math, ScaleAlongTheAxesIsNoStretch) {
+TEST(Math, ScaleAlongTheAxesHasNoStretchRotation) {
     Random random;
     for (int i = 0; i < 500; ++i) {
         // Two pure rotations: a naive decomposition finds eigenvectors in rounding noise.
@@ -168,7 +168,7 @@ TEST(Math, ScaleAlongTheAxesIsNoStretch) {
         EXPECT_NEAR(parts.k.y, scale.y, 1e-5);
         EXPECT_NEAR(parts.k.z, scale.z, 1e-5);
     }
-    // A scale of nearly nothing, as an animated node has, keeps its rotation.
+    // A scale of nearly zero, as an animated node has, keeps its rotation.
     AffineParts parts;
     const AngleAxis turn{0, 0.6f, 0.8f, 1.25f};
     Trs({}, turn, {1e-6f, 1e-6f, 1e-6f}).AffineDecompose(parts);

@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
 
 namespace {
 
-// Near half a turn, one part of the quaternion after the other is the one that must not be divided by.
-TEST(Rotation, ComesOutOfItsRowsWhateverTheAxisAndAngle) {
+// Near half a turn, each part of the quaternion in turn is the one too small to divide by.
+TEST(Rotation, IsRecoveredFromItsRowsForAnyAxisAndAngle) {
     constexpr double kPi = std::numbers::pi;
     for (const double angle : {0.0, 1e-9, 1.0, 2.5, kPi - 1e-9, kPi, kPi + 1e-9, 5.0}) {
         for (int axis = 1; axis < 27; ++axis) {

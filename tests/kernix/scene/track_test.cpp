@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Keys that lie side by side, and the same keys as objects.
+// Packed keys, and the same keys as objects.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -13,7 +13,7 @@ using kernix::kKeyTypes;
 using kernix::StoredCurve;
 using kernix::TransformTrack;
 
-// Counts what is read of it.
+// Counts its reads.
 class Source final : public kernix::CurveSource {
 public:
     explicit Source(Curve curve) : m_curve(std::move(curve)) {}
@@ -51,7 +51,7 @@ protected:
     std::mt19937 m_random{5};
 };
 
-// The greatest difference of a number that the tracks show.
+// The greatest difference between the numbers that the tracks yield.
 double Difference(const TransformTrack& a, const TransformTrack& b) {
     double greatest = 0;
     for (float time = -0.5F; time < 6; time += 0.125F) {
@@ -72,7 +72,7 @@ void OpenAll(TransformTrack& track) {
     for (const int keyType : kKeyTypes) EXPECT_NE(track.Get(keyType, 0), nullptr);
 }
 
-TEST_F(TrackTest, KeysAreReadWhenSomebodyAsksForThem) {
+TEST_F(TrackTest, KeysAreReadOnFirstUse) {
     const Source source({{}, {1, 2}, {1, 1, 1, 2, 2, 2}});
     TransformTrack& track = AddTrack();
     track.SetCurve(vl::zr::kKeyPosition, StoredCurve(source, 7));
@@ -109,7 +109,7 @@ TEST_F(TrackTest, ObjectsAreTheSameKeysUntilTheyAreForgotten) {
     EXPECT_EQ(track.Evaluate(3, {}).translation[0], 9);
 }
 
-TEST_F(TrackTest, BothFormsShowTheSameWhateverIsDoneToThem) {
+TEST_F(TrackTest, BothFormsStayEqualUnderEveryChange) {
     for (const auto interpolation :
          {vl::zr::kInterpolationLinear, vl::zr::kInterpolationStep, vl::zr::kInterpolationCubic}) {
         TransformTrack& packed = AddTrack();

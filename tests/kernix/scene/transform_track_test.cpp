@@ -70,7 +70,7 @@ TEST_F(TransformTrackTest, CubicRotationsAreOfUnitLength) {
     }
 }
 
-// Outside of its keys a track holds, and a part without keys is the one at rest.
+// A track is constant outside its keys, and a part without keys is the one at rest.
 TEST_F(TransformTrackTest, HoldsItsEndsAndTheRestPose) {
     m_track->AddPosition(1)->SetValue({1, 0, 0});
     m_track->AddPosition(2)->SetValue({3, 0, 0});
