@@ -7,7 +7,7 @@
 #include <windows.h>
 // commctrl.h needs windows.h before it.
 #include <commctrl.h>
-// Of old systems; the host has functions of that name.
+// A macro for old systems; classes of the host have functions of that name.
 #undef GetCurrentTime
 #else
 #include "platform/windows/base.h"

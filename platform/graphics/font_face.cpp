@@ -4,10 +4,8 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 
-#include <cstring>
 #include <map>
 #include <tuple>
-#include <vector>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
 #include FT_TRUETYPE_TABLES_H
@@ -32,7 +30,7 @@ bool HasFamily(FcPattern* font, const std::string& family) {
     return false;
 }
 
-// Of the fonts that the process added when they have the family, else of all.
+// The best match among the fonts that the process added when it has the family, else among all fonts.
 PatternPtr MatchPattern(FcPattern* pattern, const std::string& family) {
     FcResult result = FcResultNoMatch;
     FcFontSet* added = FcConfigGetFonts(nullptr, FcSetApplication);
@@ -43,11 +41,11 @@ PatternPtr MatchPattern(FcPattern* pattern, const std::string& family) {
     return {FcFontMatch(nullptr, pattern, &result), FcPatternDestroy};
 }
 
-// The library and the faces opened from it; the faces go first.
+// The library and the faces opened from it; the faces are closed first.
 struct Library {
     FT_Library library = nullptr;
     std::mutex mutex;
-    // By what was asked for, so that a repeated request costs one look-up.
+    // By request, so that a repeated one costs one look-up.
     std::map<std::tuple<std::u16string, LONG, bool>, FontFace*> requests;
     int added = 0;  // fonts that the process had added when `requests` began
     // By file and style, so requests that end at one face share it.
@@ -115,7 +113,7 @@ FontFace* FontFace::Find(const LOGFONTW& font) {
     Library& library = TheLibrary();
     const std::lock_guard lock(library.mutex);
     if (!library.library) return nullptr;
-    // What was asked for before may be another face now. Another library of the process may have added it.
+    // Added fonts, also those that another library of the process added, may change the face for a request.
     if (const int added = CountAdded(); added != library.added) {
         library.requests.clear();
         library.added = added;

@@ -16,10 +16,10 @@ namespace platform {
 // this code) ends. Loading is serialised, so threads may share a face.
 class FontFace {
 public:
-    // The face that serves the record, opened at the first request and kept. Null when there is none.
+    // The face for the record, opened at the first request and kept open. Null when there is none.
     static FontFace* Find(const LOGFONTW& font);
 
-    // Adds the fonts of a file to those that Find knows, before the system's. Returns how many they are.
+    // Adds the fonts of a file to those that Find knows, ahead of the system's. Returns how many.
     static int AddFile(const std::u16string& file);
 
     ~FontFace();
@@ -62,7 +62,8 @@ private:
     std::u16string m_family;
     int m_unitsPerEm;
     int m_cellHeight;
-    // How the face is slanted, and by how much its strokes are thickened, where it lacks the requested style.
+    // How much the face is slanted (x per y), and its strokes thickened (in font units), where it lacks the
+    // requested style.
     double m_shear;
     int m_embolden;
 };

@@ -17,7 +17,7 @@ using PatternPtr = std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)>;
 using ObjectSetPtr = std::unique_ptr<FcObjectSet, decltype(&FcObjectSetDestroy)>;
 using FontSetPtr = std::unique_ptr<FcFontSet, decltype(&FcFontSetDestroy)>;
 
-// A face with names for a whole design also has names that tell its four styles apart, and those come last.
+// A face of a large family also has names within a family of four styles; those come last.
 std::u16string LastEnglishName(FcPattern* font, const char* object, const char* language) {
     std::u16string found;
     FcChar8* name = nullptr;
@@ -83,24 +83,24 @@ int AddFontResourceExW(LPCWSTR file, DWORD flags, LPVOID) {
     return file && flags == FR_PRIVATE ? platform::FontFace::AddFile(file) : 0;
 }
 
-int EnumFontFamiliesExW(HDC dc, LOGFONTW* record, FONTENUMPROCW tell, LPARAM user, DWORD flags) {
-    if (!dc || !record || !tell || flags != 0) return 0;
+int EnumFontFamiliesExW(HDC dc, LOGFONTW* record, FONTENUMPROCW visit, LPARAM user, DWORD flags) {
+    if (!dc || !record || !visit || flags != 0) return 0;
     int last = 1;
-    const auto tellOf = [&](const ENUMLOGFONTEXW& font) {
-        return last = tell(&font.elfLogFont, nullptr, TRUETYPE_FONTTYPE, user);
+    const auto report = [&](const ENUMLOGFONTEXW& font) {
+        return last = visit(&font.elfLogFont, nullptr, TRUETYPE_FONTTYPE, user);
     };
     const Families families = InstalledFamilies();
     const std::u16string wished = record->lfFaceName;
     if (wished.empty()) {
         for (const auto& [family, styles] : families) {
-            if (tellOf(styles.front()) == 0) break;
+            if (report(styles.front()) == 0) break;
         }
         return last;
     }
     const auto found = families.find(wished);
     if (found == families.end()) return last;
     for (const ENUMLOGFONTEXW& font : found->second) {
-        if (tellOf(font) == 0) break;
+        if (report(font) == 0) break;
     }
     return last;
 }

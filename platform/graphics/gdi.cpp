@@ -16,7 +16,7 @@
 
 using platform::FontFace;
 
-// A face at a size, with the glyph asked for last: the size of an outline is asked before its bytes.
+// A face at a size, with the glyph loaded last: callers ask for the size of an outline before its bytes.
 struct HFONT__ {
     FontFace* face = nullptr;
     int ppem = 0;

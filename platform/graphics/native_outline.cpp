@@ -48,7 +48,7 @@ public:
         std::memcpy(&m_bytes[m_polygon + offsetof(TTPOLYGONHEADER, cb)], &cb, sizeof cb);
     }
 
-    // Lines that follow each other share a record.
+    // Consecutive lines share a record.
     void Line(Point to) {
         if (m_curveEnd != m_bytes.size() || m_type != TT_PRIM_LINE || m_count == 0xFFFF) {
             BeginCurve(TT_PRIM_LINE);
@@ -129,7 +129,7 @@ void WriteCubic(Writer& writer, Point a, Point b, Point c, Point d) {
     }
 }
 
-// The polygon that leads from `start` over the points next to end - 1 back to `start`.
+// Writes the polygon from `start` through the points next to end - 1 back to `start`.
 template <class PointAt, class TagAt>
 void WriteContour(Writer& writer, Point start, int next, int end, PointAt point, TagAt tag) {
     writer.BeginPolygon(start);
@@ -171,7 +171,7 @@ bool AppendNativeOutline(const FT_Outline_& outline, int ppem, int unitsPerEm, s
         if (count >= 2) {
             int origin = 0;
             while (origin < count && tag(origin) != FT_CURVE_TAG_ON) ++origin;
-            // A contour of off-curve points alone starts at the middle of its last and first.
+            // A contour of off-curve points alone starts midway between its last and first.
             const bool hasOn = origin < count;
             const Point start = hasOn ? point(origin) : Middle(point(count - 1), point(0));
             const int next = hasOn ? origin + 1 : 0;

@@ -13,8 +13,8 @@ namespace platform {
 constexpr double kCubicTolerance = 0.01;
 
 // Appends the polygons of an outline in font units to `bytes` as native records, scaled by ppem / unitsPerEm
-// to device units. On-curve and quadratic points go over one to one; a cubic piece becomes as many quadratic
-// records as the tolerance needs. The line that closes a polygon is implied. A contour of one
+// to device units. On-curve and quadratic points are copied one to one; a cubic piece becomes as many
+// quadratic records as the tolerance requires. The line that closes a polygon is implied. A contour of one
 // point draws nothing and is left out. False when a coordinate does not fit a FIXED; `bytes` is unspecified
 // then.
 bool AppendNativeOutline(const FT_Outline_& outline, int ppem, int unitsPerEm, std::vector<BYTE>& bytes);

@@ -10,7 +10,7 @@ using platform::WaitObject;
 HANDLE CreateThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD,
                     DWORD*) {
     try {
-        // The handle first: a thread that runs cannot be taken back.
+        // The handle first: a running thread cannot be undone.
         const auto object = std::make_shared<WaitObject>(true, false);
         const HANDLE handle = HandleTable::Instance().Open(object);
         try {

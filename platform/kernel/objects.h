@@ -11,7 +11,7 @@
 
 namespace platform {
 
-// What a handle stands for: a signal to wait for. A thread's is given when it has returned.
+// The object behind a handle: a signal to wait for. A thread's object is signalled when it has returned.
 class WaitObject {
 public:
     WaitObject(bool manualReset, bool isSet) : m_manualReset(manualReset), m_isSet(isSet) {}

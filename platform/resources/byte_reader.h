@@ -25,7 +25,7 @@ public:
         return value;
     }
 
-    // 0xFFFF and a number, or a text ended by a zero.
+    // 0xFFFF and a number, or a zero-terminated text.
     ResourceId ReadId() {
         ResourceId id;
         char16_t c = Read<char16_t>();

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// An ELF note counts the terminator of its owner's name.
+// An ELF note's name size includes the terminator.
 constexpr std::string_view kOwner = "zrtools.rsrc\0"sv;
 
 struct Search {

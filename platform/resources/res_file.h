@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-// The compiled resource file: a run of records, each a header (data size, header size, type, name,
+// The compiled resource file: a sequence of records, each a header (data size, header size, type, name,
 // language) and its data, every part padded to four bytes. The first record is empty.
 namespace platform {
 
@@ -17,7 +17,7 @@ struct ResourceId {
     std::u16string text;
 };
 
-// Texts are equal without regard to ASCII case.
+// ASCII case does not matter in texts.
 bool SameResourceId(const ResourceId& a, const ResourceId& b);
 
 struct ResourceRecord {

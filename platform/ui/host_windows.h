@@ -5,7 +5,7 @@
 
 #include "platform/windows.h"
 
-// What a host does with windows that a plug-in has no call for.
+// What a host needs of windows beyond the calls of a plug-in.
 namespace platform {
 
 // Initialises windowing on the calling thread. False, with one line that says why, where no window can be
@@ -15,11 +15,11 @@ bool StartUserInterface(std::string& error);
 // Serves the open windows until the last one is closed. False when none is open.
 bool RunUntilWindowsClosed();
 
-// A control of the host's own: something that answers the messages sent to its handle without being a
-// window on the screen. It needs no user-interface library. It lives and is sent messages on one thread.
+// A control of the host's own: it handles the messages sent to its handle without being a window on the
+// screen. It needs no user-interface library. It is used on one thread.
 class HostControl {
 public:
-    // value: the answer of GetWindowLongPtrA for index 0.
+    // value: the result of GetWindowLongPtrA for index 0.
     explicit HostControl(LONG_PTR value = 0) : m_value(value) {}
     HostControl(const HostControl&) = delete;
     HostControl& operator=(const HostControl&) = delete;
@@ -27,7 +27,7 @@ public:
     // Valid as long as the control lives.
     HWND Handle();
 
-    // What messages from WM_USER on are answered with.
+    // Handles messages from WM_USER on and returns their results.
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
 
     LONG_PTR Value() const { return m_value; }
@@ -38,7 +38,7 @@ protected:
 
 private:
     LONG_PTR m_value;
-    HWND m_window = nullptr;  // once it was asked for
+    HWND m_window = nullptr;  // null until Handle is called
 };
 
 }  // namespace platform

@@ -15,7 +15,7 @@ struct Loaded {
     std::string error;
 };
 
-// The library lies beside the module or program that this code is part of, or in the folder of libraries.
+// The library is beside the module or program that this code is part of, or in the folder of libraries.
 std::filesystem::path FindLibrary() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&LoadUserInterface), &info) == 0) return kLibraryName;

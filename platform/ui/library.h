@@ -12,7 +12,7 @@ namespace platform {
 // if it is given, when the library cannot be loaded. Any thread.
 UserInterface* LoadUserInterface(std::string* error = nullptr);
 
-// The control of such a handle; null for any other.
+// The control behind a HostControl's handle; null for any other handle.
 HostControl* ControlFromHandle(HWND window);
 
 }  // namespace platform

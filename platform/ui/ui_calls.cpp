@@ -14,8 +14,8 @@ namespace {
 
 constexpr WORD kDialogResource = 5;
 
-// A handle other than null and a host's control can only come from the loaded library, so asking for the
-// library here never loads it for nothing.
+// A handle that is neither null nor a host's control can only come from the loaded library, so this never
+// loads it needlessly.
 UserInterface* InterfaceOf(HWND window) {
     return window && !platform::ControlFromHandle(window) ? platform::LoadUserInterface() : nullptr;
 }

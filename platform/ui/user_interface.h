@@ -9,8 +9,8 @@
 
 namespace platform {
 
-// The window system behind the calls of platform/windows/ui.h, which have its contracts. It lives in a
-// library of its own, once in a process, however many modules carry the calls.
+// The window system behind the calls of platform/windows/ui.h, which state the contracts. It is in a library
+// of its own, once in a process, however many modules contain the calls.
 class UserInterface {
 public:
     // Connects to the display; the calling thread becomes the one that owns all windows. False, with one

@@ -6,8 +6,8 @@
 
 #include "host/window_types.h"
 
-// Base types of the Windows calls that platform/ answers. Widths are those of Windows: LONG and DWORD
-// hold 32 bits on every system.
+// Base types of the Windows calls that platform/ implements. Widths are those of Windows: LONG and DWORD
+// have 32 bits on every system.
 
 using BOOL = int;
 using BYTE = std::uint8_t;

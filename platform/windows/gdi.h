@@ -4,16 +4,16 @@
 #include "host/font.h"
 #include "platform/windows/base.h"
 
-// Fonts and native glyph outlines. Handles are owned by whoever obtained them: a font ends with DeleteObject,
-// a device context with ReleaseDC. A handle is used by one thread at a time; different handles may be used
-// by different threads at once.
+// Fonts and native glyph outlines. Handles are owned by whoever obtained them: a font is freed by
+// DeleteObject, a device context by ReleaseDC. A handle is used by one thread at a time; different handles
+// may be used by different threads at once.
 
 struct HDC__;
 using HDC = HDC__*;
 struct HFONT__;
 using HFONT = HFONT__*;
 
-// A font as an enumeration tells of it.
+// A font as an enumeration reports it.
 struct tagENUMLOGFONTEXW {
     LOGFONTW elfLogFont;
     WCHAR elfFullName[64];
@@ -83,19 +83,20 @@ constexpr int LOGPIXELSY = 90;
 constexpr DWORD GGI_MARK_NONEXISTING_GLYPHS = 1;
 
 // The font closest to the record by face name, weight and slant (lfHeight gives its size; the other fields
-// change nothing). Weight and slant that the face lacks are made from its outlines. Null when the
+// have no effect). Weight and slant that the face lacks are synthesised from its outlines. Null when the
 // system has no outline font at all.
 HFONT CreateFontIndirectW(const LOGFONTW* font);
 
-// Adds the fonts of a file for this process alone, and returns how many they are; 0 when there are none or
-// `flags` is not FR_PRIVATE. They go before the system's fonts of the same family. `reserved` is not used.
+// Adds the fonts of a file for this process alone and returns how many there are; 0 when there are none or
+// `flags` is not FR_PRIVATE. They take precedence over the system's fonts of the same family. `reserved` is
+// not used.
 int AddFontResourceExW(LPCWSTR file, DWORD flags, LPVOID reserved);
 
-// Tells `tell` of the outline fonts, sorted by family: of one of each family, or of all of the family that
-// the record names. What it is given is an ENUMLOGFONTEXW with family, style, weight and slant, null metrics,
-// TRUETYPE_FONTTYPE and `user`. Ends when it returns 0; the result is what it returned last, 1 before that.
-// Families whose names do not fit a LOGFONTW are left out. `flags` must be 0.
-int EnumFontFamiliesExW(HDC dc, LOGFONTW* record, FONTENUMPROCW tell, LPARAM user, DWORD flags);
+// Calls `visit` for the outline fonts, sorted by family: for one of each family, or for all of the family
+// that the record names. Its arguments are an ENUMLOGFONTEXW with family, style, weight and slant, null
+// metrics, TRUETYPE_FONTTYPE and `user`. Stops when `visit` returns 0; the result is its last return value,
+// or 1 if it was never called. Families whose names do not fit a LOGFONTW are left out. `flags` must be 0.
+int EnumFontFamiliesExW(HDC dc, LOGFONTW* record, FONTENUMPROCW visit, LPARAM user, DWORD flags);
 
 // False for null.
 BOOL DeleteObject(HGDIOBJ object);
@@ -119,8 +120,8 @@ int GetTextFaceW(HDC dc, int count, LPWSTR name);
 DWORD GetGlyphIndicesW(HDC dc, LPCWSTR text, int count, WORD* glyphs, DWORD flags);
 
 // Outline of a character in native form and its metrics, unhinted at the size of the selected font. The
-// character is a UTF-16 code unit; one the font lacks gives the font's replacement glyph. Only GGO_NATIVE
-// under the identity is answered. Without a buffer the result is the byte count; with one of at least that
+// character is a UTF-16 code unit; one the font lacks yields the font's replacement glyph. Only GGO_NATIVE
+// with the identity is supported. Without a buffer the result is the byte count; with one of at least that
 // size it is filled. 0: a glyph without outline. GDI_ERROR: no outline available, coordinates that a FIXED
 // cannot hold, or a buffer too small. The metrics are filled unless the result is GDI_ERROR.
 DWORD GetGlyphOutlineA(HDC dc, UINT character, UINT format, GLYPHMETRICS* metrics, DWORD byteCount,

@@ -3,8 +3,8 @@
 
 #include "platform/windows/base.h"
 
-// Threads, events and waiting. Every call may be made on any thread. A handle that was closed, or never
-// was one, makes a call fail; it is never given out a second time.
+// Threads, events and waiting. Every call may be made on any thread. Calls fail for a handle that was closed
+// or never opened; values of handles are never reused.
 
 struct SECURITY_ATTRIBUTES;
 using LPTHREAD_START_ROUTINE = DWORD (*)(LPVOID);
@@ -20,7 +20,7 @@ constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 HANDLE CreateThread(SECURITY_ATTRIBUTES* security, SIZE_T stackSize, LPTHREAD_START_ROUTINE start,
                     LPVOID parameter, DWORD flags, DWORD* threadId);
 
-// An event without a name. A manual-reset event stays signalled; any other lets one wait through.
+// An unnamed event. A manual-reset event stays signalled; any other releases one wait and resets itself.
 HANDLE CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initiallySet, LPCSTR name);
 BOOL SetEvent(HANDLE event);
 

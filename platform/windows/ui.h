@@ -4,16 +4,16 @@
 #include "platform/windows/base.h"
 
 // Windows, dialogs and their controls. All windows belong to the thread that opens the first one; on any
-// other thread only SendMessageA and PostMessageA do something. A window handle is never given out twice,
-// and a call with the handle of a window that is gone fails (0, null, FALSE). Where no window can be opened,
-// because the user-interface library or a display is missing, CreateWindowExA gives null and
-// DialogBoxParamA -1. Wide text is UTF-16; narrow text is in the code page of the host.
+// other thread only SendMessageA and PostMessageA have an effect. Window handles are never reused, and a call
+// with the handle of a destroyed window fails (0, null, FALSE). Where no window can be opened, because the
+// user-interface library or a display is missing, CreateWindowExA returns null and DialogBoxParamA -1. Wide
+// text is UTF-16; narrow text is in the code page of the host.
 
 struct HMENU__;
 using HMENU = HMENU__*;
 using HTREEITEM = struct TreeItem*;
 
-// A dialog procedure answers non-zero for a message that it has handled.
+// A dialog procedure returns non-zero for a message that it has handled.
 using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
 using WNDENUMPROC = BOOL (*)(HWND, LPARAM);
 
@@ -61,26 +61,26 @@ struct TVITEMA {
     LPARAM lParam;
 };
 
-// TVM_INSERTITEMA answers the new item, or 0 when the parent is not an item of the tree. An item goes last
-// among its siblings.
+// TVM_INSERTITEMA returns the new item, or 0 when the parent is not an item of the tree. The item becomes the
+// last of its siblings.
 struct TVINSERTSTRUCTA {
     HTREEITEM hParent;
     HTREEITEM hInsertAfter;
     TVITEMA item;
 };
 
-// Only the class "SysTreeView32" is known.
+// Only the class "SysTreeView32" is supported.
 HWND CreateWindowExA(DWORD exStyle, LPCSTR windowClass, LPCSTR title, DWORD style, int x, int y, int width,
                      int height, HWND parent, HMENU menu, HINSTANCE module, LPVOID parameter);
 
 // Runs the dialog of that resource until EndDialog, whose result it returns; other windows of the program
-// take no input meanwhile. -1 when the dialog cannot be made.
+// take no input meanwhile. -1 when the dialog cannot be created.
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogResource, HWND parent, DLGPROC procedure,
                         LPARAM parameter);
 BOOL EndDialog(HWND dialog, INT_PTR result);
 
-// From another thread: waits until the window has answered (0 if it is gone by then). Sent messages are
-// served before posted ones.
+// From another thread: waits for the window's result (0 if the window has been destroyed by then). Sent
+// messages are served before posted ones.
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -108,5 +108,5 @@ BOOL SetPropA(HWND window, LPCSTR name, HANDLE value);
 HANDLE GetPropA(HWND window, LPCSTR name);
 HANDLE RemovePropA(HWND window, LPCSTR name);
 
-// A value that the window's maker keeps with it; 0 for a window without values.
+// A value that the window's creator stored with it; 0 for a window without values.
 LONG_PTR GetWindowLongPtrA(HWND window, int index);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The system gives a closed handle's value out again; these calls never do, so that a mistake shows.
+// The system reuses the value of a closed handle; these calls never do, so that misuse shows.
 TEST(Handles, FailOnceClosedAndNeverMeanAnotherObject) {
     const HANDLE closed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     EXPECT_TRUE(CloseHandle(closed));

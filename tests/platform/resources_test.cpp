@@ -90,7 +90,7 @@ TEST(ResourceFile, CutAnywhereYieldsOnlyWholeRecords) {
     }
 }
 
-TEST(ResourceFile, LyingSizesEndTheWalk) {
+TEST(ResourceFile, WrongSizesEndTheWalk) {
     for (const std::uint32_t lie : {0u, 8u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         for (const std::size_t field : {0u, 4u}) {
             std::vector<std::byte> file = SmallFile().m_bytes;

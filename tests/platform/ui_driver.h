@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-// A user for tests: sees and handles the windows that the program opens, beside the calls that opened them.
-// Everything here is called on the thread of the windows. Controls are named by their id in the dialog on the
-// screen; places are pixels of its client area.
+// A user for tests: sees and operates the windows that the program opens, independently of the calls that
+// opened them. Everything here is called on the window thread. Controls are named by their id in the open
+// dialog; places are in pixels of its client area.
 namespace driver {
 
 enum class Key { kTab, kEnter, kEscape, kSpace, kF1 };
@@ -25,28 +25,28 @@ struct Progress {
     int value, maximum;
 };
 
-// Makes windows possible on this thread; an error's text where it cannot be done.
+// Initialises windowing on this thread; returns the error's text where that fails.
 std::string Start();
 
 // The steps run in the event loop of the next dialog, once it is active.
 void WhenDialogOpens(std::function<void()> steps);
-// Serves what has arrived for the windows so far.
+// Serves the events that have arrived so far.
 void ServeEvents();
-// Serves events until the condition holds; false after ten seconds without.
+// Serves events until the condition holds; false when it does not within ten seconds.
 bool WaitFor(const std::function<bool()>& condition);
-// Runs the task in the event loop, behind what has been posted before.
+// Runs the task in the event loop, after everything posted before.
 void Post(std::function<void()> task);
 bool IsWindowThread();
 
 bool HasDialog();
 std::u16string Title();
 Place Area();  // of the client area: at 0, 0
-// As the button in the frame does.
+// As the close button of the frame does.
 void CloseDialog();
 
 void Press(Key key);
 void Click(int id);
-// Presses the button by a call, whether it can be seen or not.
+// Presses the button by a call, visible or not.
 void Trigger(int id);
 int FocusedId();
 // The control that takes a click at the middle of this one.
@@ -61,7 +61,7 @@ void SetChecked(int id, bool checked);
 std::u16string Text(int id);
 Place PlaceOf(int id);
 Progress ProgressOf(int id);
-// Calls whenever the text of that control changes, until the dialog closes.
+// Calls `call` whenever the text of that control changes, until the dialog closes.
 void OnTextChange(int id, std::function<void()> call);
 
 // The open windows that show a tree, outside dialogs.

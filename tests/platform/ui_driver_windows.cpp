@@ -13,7 +13,7 @@ namespace {
 constexpr UINT kTask = WM_APP;
 
 DWORD g_thread = 0;
-// A window without a place on the screen: what is posted to it runs in any event loop.
+// A message-only window: tasks posted to it run in any event loop.
 HWND g_tasks = nullptr;
 std::function<void()> g_steps;
 std::function<void()> g_onTextChange;
@@ -47,7 +47,7 @@ LRESULT CALLBACK RunTask(HWND window, UINT message, WPARAM wParam, LPARAM lParam
     return 0;
 }
 
-// A dialog is shown when nothing else is left to do, so this asks again and again.
+// A dialog is shown only once the message queue is empty, so this polls.
 void CALLBACK RunSteps(HWND, UINT, UINT_PTR timer, DWORD) {
     if (!Dialog() || GetForegroundWindow() != Dialog()) return;
     KillTimer(g_tasks, timer);

@@ -10,7 +10,7 @@
 #include "platform/windows.h"
 #include "tests/platform/ui_driver.h"
 
-// Where these windows are less than the system's, and what a host does with them.
+// Where these windows do less than the system's, and what a host needs of them.
 namespace {
 
 class HostWindowsTest : public ::testing::Test {

@@ -25,7 +25,7 @@ struct Received {
     LPARAM lParam;
 };
 
-// Opens the cleaner's template, which this program carries, with a procedure that notes what it receives.
+// Opens the cleaner's template, which this program contains, with a procedure that records what it receives.
 class DialogTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { ASSERT_EQ(driver::Start(), ""); }
@@ -94,7 +94,7 @@ TEST_F(DialogTest, EndedWhileItOpensIsNeverShown) {
     EXPECT_FALSE(driver::HasDialog());
 }
 
-TEST_F(DialogTest, NoTemplateIsAFailure) {
+TEST_F(DialogTest, AMissingTemplateIsAFailure) {
     EXPECT_EQ(DialogBoxParamA(nullptr, MAKEINTRESOURCEA(102), nullptr, Procedure, 0), -1);
 }
 

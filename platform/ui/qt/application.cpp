@@ -5,15 +5,14 @@
 #include <clocale>
 #include <cstring>
 #include <memory>
-#include <vector>
 
 namespace zrui {
 namespace {
 
 void Swallow(QtMsgType, const QMessageLogContext&, const QString&) {}
 
-// The toolkit ends the program when none of its platforms starts. Its platform without a display, put last,
-// always starts, and that it was reached says that the others failed.
+// The toolkit ends the program when none of its platforms starts. Its platform without a display always
+// starts; it is tried last, so reaching it means that the others failed.
 std::string PlatformsToTry() {
     const char* wanted = std::getenv("QT_QPA_PLATFORM");
     if (wanted && *wanted) return wanted;

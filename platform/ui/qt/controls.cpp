@@ -88,8 +88,8 @@ std::unique_ptr<Window> MakeButton(const DialogControl& control, QWidget& dialog
         auto* group = new QGroupBox(&dialog);
         // The controls inside the frame are its siblings and get the clicks.
         group->setAttribute(Qt::WA_TransparentForMouseEvents);
-        // The title stands in the frame's upper line, as templates expect: the toolkit's own puts the frame
-        // below it, across the first control.
+        // The title is in the frame's upper line, as templates expect; the toolkit's default style puts the
+        // frame below it, across the first control.
         group->setStyleSheet(
             "QGroupBox { border: 1px solid palette(mid); border-radius: 2px; margin-top: 0.6em; }"
             "QGroupBox::title { subcontrol-origin: margin; left: 6px; background: palette(window); }");

@@ -9,8 +9,8 @@
 
 namespace zrui {
 
-// Makes the widget of a dialog's control, visible or hidden as its style says, without a place. `clicked` is
-// called when the user presses a button. Null for a class of control that is not known.
+// Makes the widget of a dialog's control, visible or hidden as its style says, not yet positioned. `clicked`
+// is called when the user presses a button. Null for an unsupported class of control.
 std::unique_ptr<Window> MakeControl(const platform::DialogControl& control, QWidget& dialog,
                                     std::function<void()> clicked);
 

@@ -114,7 +114,7 @@ bool DialogWindow::MakeControls(const platform::DialogTemplate& dialog) {
         if (!window) return false;
         QWidget& widget = window->Widget();
         widget.setGeometry(units.ToPixels(control.place));
-        // The first control of a template lies on top, the toolkit's newest would.
+        // The first control of a template is on top; the toolkit puts the newest there.
         widget.lower();
         if (widget.focusPolicy() == Qt::StrongFocus) {
             if (previous) QWidget::setTabOrder(previous, &widget);

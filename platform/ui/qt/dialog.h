@@ -15,14 +15,14 @@ namespace zrui {
 // A modal dialog. It lives in the window table, which must outlive it.
 class DialogWindow final : public Window {
 public:
-    // Makes the dialog with all its controls, not yet shown, and adds it to the table. Null, and nothing
-    // added, when the template holds a class of control that is not known.
+    // Makes the dialog with all its controls, not yet shown, and adds it to the table. Returns null, adding
+    // nothing, when the template has an unsupported class of control.
     static DialogWindow* Create(WindowTable& table, const platform::DialogTemplate& dialog, QWidget* parent,
                                 DLGPROC procedure);
     ~DialogWindow() override;
 
-    // Shows the dialog until it is ended, takes it out of the table (which deletes it), and returns the
-    // result of End.
+    // Shows the dialog until it is ended, removes it from the table (which deletes it), and returns the
+    // result given to End.
     INT_PTR Run(LPARAM parameter);
     void End(INT_PTR result);
 

@@ -18,14 +18,14 @@ struct Message {
     LPARAM lParam;
 };
 
-// Messages on their way to the thread of the windows, on which it is made. That thread serves them in its
-// event loop: all sent ones before the next posted one.
+// Messages for the window thread, on which the queue must be created. That thread serves them in its event
+// loop: all sent ones before the next posted one.
 class MessageQueue : public QObject {
 public:
     explicit MessageQueue(std::function<LRESULT(const Message&)> dispatch)
         : m_dispatch(std::move(dispatch)) {}
 
-    // From any other thread: waits for the answer.
+    // From any other thread: waits for the result.
     LRESULT Send(const Message& message);
 
     // From any thread.

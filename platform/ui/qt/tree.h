@@ -8,10 +8,10 @@
 
 namespace zrui {
 
-// A tree view in a window of its own. The widget belongs to the toolkit and goes when the user closes it.
+// A tree view in a window of its own. The toolkit owns the widget and destroys it when the user closes it.
 class TreeWindow final : public Window {
 public:
-    // CW_USEDEFAULT leaves the place, or the size, to the toolkit.
+    // CW_USEDEFAULT leaves the position to the toolkit, or the size to a default.
     TreeWindow(const QString& title, DWORD style, const RECT& xywh, QWidget* parent);
 
     QString Text() const override { return m_tree.windowTitle(); }

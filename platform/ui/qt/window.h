@@ -11,8 +11,7 @@
 
 namespace zrui {
 
-// What stands behind a window handle: a widget, and what the calls need of it. All of this belongs to the
-// thread of the windows.
+// The object behind a window handle: a widget, and what the calls need of it. Used on the window thread only.
 class Window {
 public:
     // The widget must outlive the window. An automation tool finds a control's widget by its object name,
@@ -40,7 +39,7 @@ private:
     std::map<std::string, HANDLE> m_properties;
 };
 
-// The open windows by handle. Handles are even numbers, each given out once.
+// The open windows by handle. Handles are even numbers and never reused.
 class WindowTable {
 public:
     HWND Add(std::unique_ptr<Window> window);

@@ -5,7 +5,7 @@ namespace platform {
 namespace {
 
 constexpr LPCWSTR kClassName = L"zr host control";
-constexpr int kControlPlace = sizeof(LONG_PTR);  // in the window's own bytes, behind the value
+constexpr int kControlPlace = sizeof(LONG_PTR);  // in the window's own bytes, after the value
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* const control = reinterpret_cast<HostControl*>(GetWindowLongPtrW(window, kControlPlace));

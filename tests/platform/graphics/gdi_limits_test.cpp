@@ -21,7 +21,7 @@ TEST(GlyphOutline, IsNotFittedToTheGrid) {
     EXPECT_EQ(metrics.gmCellIncX, 38);  // 651 units
 }
 
-TEST(GlyphOutline, RefusesWhatTheModuleNeverAsks) {
+TEST(GlyphOutline, RefusesUnsupportedRequests) {
     GLYPHMETRICS metrics{};
     const Screen big(Record(u"DejaVu Sans", -100000));
     EXPECT_EQ(GetGlyphOutlineA(big.Dc(), 'A', GGO_NATIVE, &metrics, 0, nullptr, &kIdentity), GDI_ERROR);

@@ -16,7 +16,7 @@ struct FontOfTable {
 
 constexpr FontOfTable kFonts[] = {{u"DejaVu Sans", 0}, {u"DejaVu Serif", FW_BOLD}, {u"Liberation Sans", 0}};
 
-// What a renderer that fits outlines to the grid gives for the printable characters.
+// Metrics of the printable characters from a renderer that fits outlines to the grid.
 struct Metrics {
     int font;
     int height;
@@ -60,7 +60,7 @@ TEST(GlyphOutline, RefusesABufferThatIsTooSmall) {
               GDI_ERROR);
 }
 
-TEST(Fonts, ANameTheSystemLacksGivesAnotherFamilyAndSaysSo) {
+TEST(Fonts, AnUnknownNameSelectsAnotherFamilyAndSaysSo) {
     const Screen screen(Record(u"No Such Family", -12));
     ASSERT_TRUE(screen.HasFont());
     EXPECT_NE(screen.Face(), u"No Such Family");
@@ -83,7 +83,7 @@ TEST(Fonts, ACharacterTheFontLacksIsMarkedAndDrawnAsReplacement) {
     EXPECT_GT(metrics.gmCellIncX, 0);
 }
 
-TEST(Fonts, WeightAndSlantChooseTheFaceOrAreMade) {
+TEST(Fonts, WeightAndSlantSelectTheFaceOrAreSynthesised) {
     EXPECT_LT(Screen(Record(u"DejaVu Sans", -480)).Advance('A'),
               Screen(Record(u"DejaVu Sans", -480, FW_BOLD)).Advance('A'));
 
@@ -134,7 +134,7 @@ std::set<std::pair<LONG, bool>> StylesOf(const char16_t* family, int most) {
     return found.styles;
 }
 
-TEST(Fonts, AreToldOfByFamily) {
+TEST(Fonts, AreEnumeratedByFamily) {
     EXPECT_EQ(StylesOf(u"DejaVu Serif Condensed", 100),
               (std::set<std::pair<LONG, bool>>{{400, false}, {400, true}, {700, false}, {700, true}}));
     EXPECT_EQ(StylesOf(u"DejaVu Serif Condensed", 1).size(), 1u);

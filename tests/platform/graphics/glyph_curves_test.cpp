@@ -82,7 +82,7 @@ struct FontCase {
 };
 
 TEST(GlyphOutline, FollowsTheFontsOwnCurves) {
-    // Quadratic fonts go over as they are; cubic ones stay within their tolerance.
+    // Quadratic outlines are copied unchanged; cubic ones stay within their tolerance.
     const FontCase cases[] = {{"DejaVu Sans", u"DejaVu Sans", 0, false},
                               {"DejaVu Serif:bold", u"DejaVu Serif", FW_BOLD, false},
                               {"Liberation Sans", u"Liberation Sans", 0, false},

@@ -11,7 +11,7 @@
 
 #include "platform/windows.h"
 
-// Outlines as the graphics calls give them, as lines of points.
+// Outlines from the graphics calls, as polylines.
 
 inline constexpr MAT2 kIdentity{{0, 1}, {0, 0}, {0, 0}, {0, 1}};
 
