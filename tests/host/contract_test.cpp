@@ -113,7 +113,7 @@ TEST(Slots, OfTheFourExtensions) {
                 &Serializer::GetScaleKey, &Serializer::GetPositionKey, &Serializer::AddNode,
                 &Serializer::GetStartTime, &Serializer::GetEndTime, &Serializer::GetCurrentTime,
                 &Serializer::GetKeyTimes, &Serializer::AddKeyTime, &Serializer::LoadSettings,
-                &Serializer::MapTime, &Serializer::GetFrameRate);
+                &Serializer::MapTime, &Serializer::GetFrameRate, &Serializer::ProcessKeys);
     ExpectSlots(kInterfaceEnd, &GlyphContour::GetContourCount, &GlyphContour::GetPointCount,
                 &GlyphContour::GetLetterIndex, &GlyphContour::GetPoints, &GlyphContour::Transform,
                 &GlyphContour::GetSize);
@@ -154,13 +154,16 @@ TEST(Slots, OfTheHostAndItsServices) {
 }
 
 TEST(Slots, OfTheScene) {
+    struct OpenScene : Scene {
+        using Scene::CollectViewports;
+    };
     ExpectSlots(kExtensionEnd, &Scene::Notify, &Scene::GetDefaultCameraNode, &Scene::Refresh,
                 &Scene::MergeEqualMaterials, &Scene::GetObjectsOfKind, &Scene::BeginModal, &Scene::EndModal,
                 &Scene::CreateChangeRecord, &Scene::GetCurrentTime, &Scene::SetCurrentTime,
                 &Scene::GetAnimationTime, &Scene::GetFrameRate, &Scene::GetStartTime, &Scene::GetEndTime,
                 &Scene::IsAnimated, &Scene::CreateAnimation, &Scene::DeleteAnimation, &Scene::RemoveMaterial,
                 &Scene::RemoveViewport, &Scene::RemoveLayer, &Scene::CanRemoveAnimation,
-                &Scene::ForEachAnimationItem);
+                &Scene::ForEachAnimationItem, &OpenScene::CollectViewports);
     ExpectSlots(kInterfaceEnd, &Node::GetMetadata, &Node::GetName, &Node::GetNameW, &Node::GetDescription,
                 &Node::GetController, &Node::GetLocalMatrix, &Node::GetWorldMatrix, &Node::Delete,
                 &Node::GetObjectOfKind);
