@@ -38,7 +38,7 @@ inline const BatchFiles kSceneFiles{{".gltf", ".glb"}, {"glb", "gltf"}};
 // they are.
 void AddBatchOptions(
     CLI::App& command, BatchArguments& arguments, const BatchFiles& files, const char* operands,
-    const char* description = "The file to read and the file to write; - is standard input, or output");
+    const char* description = "The file to read and the file to write; - is standard input or output");
 
 // One file's work.
 struct Task {

@@ -107,12 +107,12 @@ void AddBatchOptions(CLI::App& command, BatchArguments& arguments, const BatchFi
         ->type_name(kFolderType)
         ->group(kGroup);
     AddChoice(command, "--format", arguments.format, files.formats,
-              "Form of the files written to a folder or to standard output; else as they were read")
+              "Format of the output; default: that of the input file, or glb on standard output")
         ->group(kGroup);
-    AddNumber(command, "-j,--jobs", arguments.jobs, {1, 256}, "N", "Files worked on at the same time")
+    AddNumber(command, "-j,--jobs", arguments.jobs, {1, 256}, "N", "Files processed at the same time")
         ->capture_default_str()
         ->group(kGroup);
-    command.add_flag("-k,--keep-going", arguments.keepGoing, "Go on with the other files when one fails")
+    command.add_flag("-k,--keep-going", arguments.keepGoing, "Continue with the other files when one fails")
         ->group(kGroup);
 }
 

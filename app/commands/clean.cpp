@@ -147,7 +147,7 @@ void AddCleanCommand(CLI::App& app, Session& session) {
     command->footer(steps);
     AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
     CLI::Option* dialog =
-        command->add_flag("--dialog", arguments->dialog, "Choose what to remove in a window and watch it go");
+        command->add_flag("--dialog", arguments->dialog, "Choose what to remove in the cleaner's dialog");
     command->add_flag("--all", arguments->all, "Also metadata, model views, notes and the environment");
     AddList(*command, "--only", arguments->only, "Only these operations, separated by commas");
     AddList(*command, "--skip", arguments->skip, "All but these operations, separated by commas");
@@ -174,7 +174,7 @@ void AddCleanCommand(CLI::App& app, Session& session) {
                            {"clean --dry-run --explain scene.glb",
                             "List what would be removed, and why the rest stays."},
                            {"clean scene.glb out.glb --keep-named --keep-extras",
-                            "Only what carries neither a name nor extras."},
+                            "Remove only what has neither a name nor extras."},
                            {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
                             "Clean every scene below a folder, whatever fails."}});
     command->callback([&session, arguments] {

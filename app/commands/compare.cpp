@@ -77,18 +77,18 @@ void AddCompareCommand(CLI::App& app, Session& session) {
         ->required();
     command
         ->add_option("--tolerance", arguments->tolerance,
-                     "What counts as the same, as 0.1mm,0.05deg; else a millionth of the scene's size, 1e-5 "
-                     "rad, 1e-5")
+                     "Greatest difference that counts as the same, such as 0.1mm,0.05deg; default: a "
+                     "millionth of the scene's size, 1e-5 rad, 1e-5")
         ->type_name("LENGTH[,ANGLE[,VALUE]]");
     AddChoices(*command, "--only", arguments->only,
                std::vector<std::string>(compare::kAspectNames.begin(), compare::kAspectNames.end()),
                "Compare only these, separated by commas");
     AddPageOption(*command, arguments->page);
     AddExamples(*command,
-                {{"compare scene.glb exported.glb", "Ends with 0 when they are the same, else with 1."},
-                 {"compare scene.glb smaller.glb --tolerance 0.1mm,0.05deg", "The same within bounds."},
+                {{"compare scene.glb exported.glb", "Exits with 0 when they are the same, else with 1."},
+                 {"compare scene.glb smaller.glb --tolerance 0.1mm,0.05deg", "The same within a tolerance."},
                  {"compare scene.glb clean.glb --only drawn,points",
-                  "Check that a cleaning changed nothing that is seen."}});
+                  "Check that cleaning changed nothing visible."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunCompare(session, *arguments); });
     });

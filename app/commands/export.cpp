@@ -168,14 +168,14 @@ void AddExportCommand(CLI::App& app, Session& session) {
                 {{"export scene.glb out.glb --up z --scale 100 --merge-keys",
                   "For a target with Z up, in centimetres, without redundant keys."},
                  {"export scene.glb step.glb --animation walk --from 1.5 --to 2.25 --start-at-zero --fps 30",
-                  "A stretch of an animation as a clip of its own, with 30 keys a second."},
+                  "Part of an animation as a clip of its own, with 30 keys per second."},
                  {"export scene.glb sword.glb --only-nodes 'Sword*'",
                   "One part, with the nodes above it that move it."},
                  {"export scene.glb out.json --animation walk --resample",
                   "The records that an exporter reads, with keys of all tracks at the same times; without "
                   "--animation those of all animations."},
                  {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
-                  "Every scene below the folder \"scenes\", with short names that differ."}});
+                  "Every scene below the folder \"scenes\", with short unique names."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunExport(session, *arguments); });
     });

@@ -33,17 +33,17 @@ struct BitFlag {
 
 constexpr BitFlag kExportFlags[] = {
     {"--no-lights", vl::tk::kExportLights, false, kHierarchyGroup,
-     "Leave lights out; their nodes stay as groups"},
+     "Leave out lights; their nodes stay as groups"},
     {"--no-cameras", vl::tk::kExportCameras, false, kHierarchyGroup,
-     "Leave cameras out; their nodes stay as groups"},
+     "Leave out cameras; their nodes stay as groups"},
     {"--system-camera", vl::tk::kExportSystemCamera, true, kHierarchyGroup,
      "Export the host's own view camera, which frames the scene"},
     {"--no-bones", vl::tk::kExportBones, false, kHierarchyGroup, "Do not keep nodes just for being bones"},
-    {"--no-notes", vl::tk::kExportNotes, false, kHierarchyGroup, "Leave notes out"},
+    {"--no-notes", vl::tk::kExportNotes, false, kHierarchyGroup, "Leave out notes"},
     {"--no-lines", vl::tk::kNoSecondary, true, kHierarchyGroup,
      "Leave out meshes that have only lines (with --no-empty-meshes)"},
     {"--no-empty-meshes", vl::tk::kAllRenderables, false, kHierarchyGroup,
-     "Leave meshes without faces and lines out"},
+     "Leave out meshes without faces and lines"},
     {"--chosen-only", vl::tk::kAllChoices, false, kHierarchyGroup,
      "Export only the selected child of a selector"},
     {"--skeleton-only", vl::tk::kSkeletonOnly, true, kHierarchyGroup,
@@ -55,14 +55,15 @@ constexpr BitFlag kExportFlags[] = {
     {"--geometry-split", vl::tk::kGeometrySplit, true, kHierarchyGroup,
      "Give moved objects nodes of their own (implies --group-split)"},
     {"--static-pivot", vl::tk::kStaticPivot, true, kHierarchyGroup,
-     "Split turned scale axes off in a scene that is not animated"},
-    {"--no-static-pivot", vl::tk::kNoStaticPivot, true, kHierarchyGroup, "Never split turned scale axes off"},
+     "Split off rotated scale axes in a scene that is not animated"},
+    {"--no-static-pivot", vl::tk::kNoStaticPivot, true, kHierarchyGroup,
+     "Never split off rotated scale axes"},
     {"--no-offset-controllers", vl::tk::kOffsetControllers, false, kHierarchyGroup,
      "Ignore the pivots of nodes that are not animated"},
     {"--no-animation", vl::tk::kIgnoreAnimation, true, kKeysGroup, "Export the pose at rest, without keys"},
     {"--no-keys", vl::tk::kExtractKeys, false, kKeysGroup, "Export no keys of nodes"},
     {"--decompose-rest", vl::tk::kDecomposeRest, true, kHierarchyGroup,
-     "Decompose rest poses also without keys"},
+     "Decompose rest poses even without keys"},
 };
 
 constexpr BitFlag kAnimFlags[] = {
@@ -70,7 +71,7 @@ constexpr BitFlag kAnimFlags[] = {
      "Give rotation keys as relative angle-axis values too (JSON)"},
     {"--at-least-one-key", vl::tk::kAtLeastOneKey, true, kKeysGroup,
      "Give tracks without keys one, the value at rest (JSON)"},
-    {"--group-keys-only", vl::tk::kGroupKeysOnly, true, kKeysGroup, "Keys of group nodes only"},
+    {"--group-keys-only", vl::tk::kGroupKeysOnly, true, kKeysGroup, "Export keys of group nodes only"},
     {"--reverse", vl::tk::kReverseTime, true, kTimeGroup, "Play backwards"},
 };
 
@@ -146,20 +147,18 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->capture_default_str()
         ->group(kHierarchyGroup);
     command
-        .add_option(
-            "--scene", m_scene,
-            "Export this scene of the document alone (index), or every scene; records hold the default "
-            "one unless told otherwise")
+        .add_option("--scene", m_scene,
+                    "Export only the scene with this index, or all scenes; records hold the default scene "
+                    "unless an index is given")
         ->type_name("N|all")
         ->capture_default_str()
         ->group(kHierarchyGroup);
     AddRepeated(command, "--animation", m_animations,
-                "Export this animation (name, or index); may be repeated; else all")
+                "Export only this animation (name or index); may be repeated; default: all")
         ->group(kKeysGroup);
     command
         .add_option("--tolerance", m_tolerance,
-                    "Then drop and refit keys: how far a drawn point may leave its place, as 0.1mm,0.05deg "
-                    "(see zr reduce)")
+                    "Then drop and refit keys within this tolerance, such as 0.1mm,0.05deg (see zr reduce)")
         ->type_name(kToleranceType)
         ->group(kKeysGroup);
     ClipOptions& clip = m_options.clip;
@@ -167,20 +166,20 @@ void ExportArguments::AddTo(CLI::App& command) {
               "Leave out what comes earlier; every animation is cut here")
         ->group(kTimeGroup);
     AddNumber(command, "--to", clip.to, kTimes, "SECONDS", "Leave out what comes later")->group(kTimeGroup);
-    AddNumber(command, "--speed", clip.speed, kTimeFactors, "FACTOR", "Play so many times as fast")
+    AddNumber(command, "--speed", clip.speed, kTimeFactors, "FACTOR", "Play this many times as fast")
         ->group(kTimeGroup);
     command.add_flag("--start-at-zero", clip.startsAtZero, "Let every animation begin at 0")
         ->group(kTimeGroup);
     AddNumber(command, "--fps", clip.frameRate, kFrameRates, "N",
-              "Sample every track: keys at so many a second, and at the end")
+              "Sample every track at this many keys per second, and at its end")
         ->group(kTimeGroup);
     m_rescale = AddNumber(command, "--rescale", m_options.rescale, kTimeFactors, "FACTOR",
                           "Multiply times by this factor")
                     ->group(kTimeGroup);
-    m_setLength =
-        AddNumber(command, "--length", m_length, kLengths, "SECONDS", "Bring each animation to this length")
-            ->excludes(m_rescale)
-            ->group(kTimeGroup);
+    m_setLength = AddNumber(command, "--length", m_length, kLengths, "SECONDS",
+                            "Stretch or compress each animation to this length")
+                      ->excludes(m_rescale)
+                      ->group(kTimeGroup);
     AddChoice(command, "--up", m_up, {"y", "z"}, "Up axis of the result; y as in glTF")
         ->capture_default_str()
         ->group(kTargetGroup);
@@ -188,8 +187,9 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->capture_default_str()
         ->group(kTargetGroup);
     command
-        .add_option("--option-words", m_optionWords,
-                    "The three option words, hexadecimal; replaces the options of hierarchy, keys and time")
+        .add_option(
+            "--option-words", m_optionWords,
+            "The three option words in hexadecimal; they replace the options of hierarchy, keys and time")
         ->type_name("EXPORT,NAME,ANIM")
         ->group(kTargetGroup);
     command.add_flag("--force", m_force, kForceHelp);
@@ -198,8 +198,8 @@ void ExportArguments::AddTo(CLI::App& command) {
         ->capture_default_str()
         ->group(kTargetGroup);
     m_maxDeviation = AddNumber(command, "--max-deviation", m_options.maxDeviation, kDeviations, "SHARE",
-                               "Motion further off than this share of the scene's size is an error; with "
-                               "--fps only where it is given")
+                               "Fail when the motion is off by more than this fraction of the scene's size; "
+                               "with --fps only when given")
                          ->capture_default_str()
                          ->group(kTargetGroup);
     m_passes.AddTo(command);

@@ -80,7 +80,7 @@ void AddInfoCommand(CLI::App& app, Session& session) {
     AddScene(*command, *file);
     AddExamples(*command, {{"info scene.glb", "Count what the scene holds."},
                            {"info --json scene.glb", "The same for a program."},
-                           {"clean scene.glb - | zr info -", "Count what a cleaning leaves."}});
+                           {"clean scene.glb - | zr info -", "Count what remains after cleaning."}});
     command->callback([file, &session] {
         session.SetCommand([file, &session] {
             PrintReport(session, "info", Describe(session, *file));

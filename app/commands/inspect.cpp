@@ -98,12 +98,13 @@ void AddInspectCommand(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<InspectArguments>();
     AddScene(*command, arguments->scene);
     AddChoice(*command, "--format", arguments->format, {"text", "md", "csv", "json"},
-              "Form of the tables; else text");
+              "Format of the tables; default: text");
     AddChoices(*command, "--tables", arguments->tables,
                {"summary", "scenes", "nodes", "meshes", "materials", "textures", "skins", "cameras", "lights",
                 "animations", "extensions", "bytes", "warnings", "waste"},
                "Only these, separated by commas");
-    AddNumber(*command, "--rows", arguments->rows, {1, 1e9}, "N", "Rows of a table as text; else 40");
+    AddNumber(*command, "--rows", arguments->rows, {1, 1e9}, "N",
+              "Greatest number of rows of a table as text; default: 40");
     AddExamples(*command,
                 {{"inspect scene.glb", "Everything."},
                  {"inspect scene.glb --tables bytes,waste", "Where its bytes are, and which are wasted."},

@@ -146,25 +146,24 @@ void AddMergeCommand(CLI::App& app, Session& session) {
         app.add_subcommand("merge", "Merge animations into one, or bring them from another scene");
     auto arguments = std::make_shared<MergeArguments>();
     AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
-    arguments->animations.AddTo(*command, "Sources in their order");
+    arguments->animations.AddTo(*command, "Animations to merge, in order");
     AddChoices(*command, "--keep", arguments->keep, {"position", "rotation", "scale"},
-               "Keys to merge, separated by commas; else all");
+               "Keys to merge, separated by commas; default: all");
     command->add_flag("--remove-sources", arguments->options.removeSources, "Remove the merged animations");
     command->add_option("--name", arguments->options.name, "Name of the merged animation")->type_name("NAME");
     auto* sequence = command->add_flag("--sequence", arguments->options.inSequence,
-                                       "Let each source begin where the one before it ends");
+                                       "Start each source where the previous one ends");
     AddNumber(*command, "--gap", arguments->options.gap, {0, 1e5}, "SECONDS",
               "Pause between sources in sequence")
         ->needs(sequence);
     auto* from = AddRepeated(*command, "--from", arguments->from,
-                             "Bring animations of this scene; may be repeated; without --animations all of "
-                             "them, and nothing is merged");
+                             "Bring in animations from this scene; may be repeated; without --animations, "
+                             "all of them are brought in and none merged");
     from->type_name(kSceneType);
     command
-        ->add_option(
-            "--match", arguments->match,
-            "How nodes of the other scene are matched with the scene's: by path, by name, or by a JSON file "
-            "{\"from\": \"to\"} of names or paths")
+        ->add_option("--match", arguments->match,
+                     "How the other scene's nodes are matched to this scene's: by path, by name, or by a "
+                     "JSON file {\"from\": \"to\"} of names or paths")
         ->type_name("path|name|FILE")
         ->capture_default_str()
         ->needs(from);
@@ -173,11 +172,11 @@ void AddMergeCommand(CLI::App& app, Session& session) {
     AddExamples(*command, {{"merge scene.glb out.glb --animations walk,run --sequence --gap 0.5",
                             "One animation that walks, waits half a second and runs."},
                            {"merge scene.glb out.glb --animations arms,legs --name all --remove-sources",
-                            "What two animations move, in one."},
+                            "Combine two animations into one."},
                            {"merge --out-dir moving --from walk.glb figures",
                             "Every figure of a folder gets the animations of walk.glb."},
                            {"merge figure.glb out.glb --from walk.glb --from run.glb --match name",
-                            "A figure with more nodes than those that walk and run."}});
+                            "For a figure with more nodes than those that walk and run."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunMerge(session, *arguments); });
     });

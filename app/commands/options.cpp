@@ -135,7 +135,7 @@ void AddSceneAndOut(CLI::App& command, std::string& scene, std::string& out) {
 void AnimationNames::AddTo(CLI::App& command, const std::string& what) {
     AddList(command, "--animations", listed, what + ", by name or index, separated by commas");
     AddRepeated(command, "--animation", single,
-                "The same for one, whose name may hold commas; may be repeated");
+                "A single animation, whose name may contain commas; may be repeated");
 }
 
 std::vector<std::string> AnimationNames::All() const {

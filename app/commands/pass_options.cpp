@@ -47,7 +47,7 @@ void CheckSetting(const std::string& file, float value, Range range) {
 void PassOptions::AddTo(CLI::App& command) {
     command
         .add_flag("--merge-keys", m_mergeKeys,
-                  "Drop keys that lie on the straight line between their neighbours, but for float rounding")
+                  "Drop keys that lie on the straight line between their neighbours, up to float rounding")
         ->group(kKeysGroup);
     command.add_flag("--resample", m_resample, "Give the three tracks of a node keys at the same times")
         ->group(kKeysGroup);
@@ -68,7 +68,7 @@ void PassOptions::AddTo(CLI::App& command) {
     AddChoices(command, "--names", m_names, WordsOf(kNames),
                "Name nodes by these rules, separated by commas; digits: a digit may come first")
         ->group(kNamesGroup);
-    AddNumber(command, "--max-name", m_maxName, {4, 512}, "N", "Greatest length of node names, else 32")
+    AddNumber(command, "--max-name", m_maxName, {4, 512}, "N", "Greatest length of node names; default: 32")
         ->group(kNamesGroup);
     AddNumber(command, "--max-material-name", m_maxMaterialName, {3, 511}, "N",
               "Name materials, with at most this many characters")

@@ -35,32 +35,32 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
     constexpr const char* kGroup = "With every command";
     GlobalOptions& options = session.Options();
     app.add_flag("--json", options.json, "Print the answer as JSON")->group(kGroup);
-    app.add_flag("-q,--quiet", options.quiet, "Print errors and what was asked for, nothing else")
+    app.add_flag("-q,--quiet", options.quiet, "Print only errors and the output that was asked for")
         ->group(kGroup);
     app.add_flag("-v,--verbose", options.verbose, "Also print the module's log")->group(kGroup);
-    app.add_flag("--no-clobber", options.noClobber, "Replace no file")->group(kGroup);
+    app.add_flag("--no-clobber", options.noClobber, "Never replace an existing file")->group(kGroup);
     app.add_flag("--allow-outside", options.load.allowOutside,
                  "Also read files of a scene that lie outside its folder")
         ->group(kGroup);
     constexpr Range kMemory{1, 1e6};
-    auto* memory =
-        app.add_option_function<double>(
-               "--max-memory",
-               [&options](double mebibytes) {
-                   constexpr double kMebibyte = 1 << 20;
-                   options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
-               },
-               Join("Memory that the content of a scene may take; else 256, or 32 times the scene's size (",
-                    Text(kMemory), ")"))
-            ->type_name("MIB")
-            ->group(kGroup);
+    auto* memory = app.add_option_function<double>(
+                          "--max-memory",
+                          [&options](double mebibytes) {
+                              constexpr double kMebibyte = 1 << 20;
+                              options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
+                          },
+                          Join("Memory that the content of a scene may take; default: 256, or 32 times the "
+                               "scene's size if that is more (",
+                               Text(kMemory), ")"))
+                       ->type_name("MIB")
+                       ->group(kGroup);
     CheckRange(*memory, kMemory);
     app.add_flag("--decode", options.compressedData.makePlain,
                  "Write data compressed by meshopt, Draco or quantization uncompressed")
         ->group(kGroup);
-    app.add_flag("--strict", options.strict, "Content that cannot be read is an error")->group(kGroup);
+    app.add_flag("--strict", options.strict, "Treat content that cannot be read as an error")->group(kGroup);
     app.add_option("--language", options.language,
-                   "Language of the module's texts: en, de, fr, ja or zh; else the user's")
+                   "Language of the module's texts: en, de, fr, ja or zh; default: the user's")
         ->type_name("LANGUAGE")
         ->check([](const std::string& language) {
             return kernix::LanguageTable(language) ? std::string()
@@ -184,7 +184,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Session& session) {
         add(*app, session);
         app->get_subcommands({}).back()->group(group);
     }
-    app->footer("zr help COMMAND tells more of a command.");
+    app->footer("zr help COMMAND describes a command.");
     return app;
 }
 

@@ -62,20 +62,19 @@ int RunReduce(Session& session, const ReduceArguments& arguments) {
 
 void AddReduceCommand(CLI::App& app, Session& session) {
     auto* command = app.add_subcommand(
-        "reduce", "Drop and refit keys, within a tolerance that holds where motion is seen");
+        "reduce", "Drop and refit keys within a tolerance that holds where the motion is visible");
     auto arguments = std::make_shared<ReduceArguments>();
     command
-        ->add_option(
-            "--tolerance", arguments->tolerance,
-            "How far a drawn point may leave its place, as 0.1mm, and how far a camera or light may turn "
-            "(else 0.05deg) and weights and pointers may differ (else not at all)")
+        ->add_option("--tolerance", arguments->tolerance,
+                     "How far a drawn point may be off, such as 0.1mm, how far a camera or light may turn "
+                     "(default: 0.05deg), and how much weights and pointers may differ (default: 0)")
         ->type_name(kToleranceType)
         ->required();
     AddBatchOptions(*command, arguments->files, kSceneFiles, "SCENE OUT");
     AddExamples(
         *command,
-        {{"reduce scene.glb small.glb --tolerance 0.1mm,0.05deg", "Nothing seen is off by more."},
-         {"reduce scene.glb small.glb --tolerance 1mm,0.1deg,0.001", "Morph weights take part as well."},
+        {{"reduce scene.glb small.glb --tolerance 0.1mm,0.05deg", "Nothing visible is off by more."},
+         {"reduce scene.glb small.glb --tolerance 1mm,0.1deg,0.001", "Morph weights are reduced as well."},
          {"reduce --out-dir small --jobs 2 --tolerance 0.5mm scenes", "Every scene below a folder."}});
     command->callback([arguments, &session] {
         session.SetCommand([arguments, &session] { return RunReduce(session, *arguments); });

@@ -164,14 +164,14 @@ void AddSplitCommand(CLI::App& app, Session& session) {
     command->get_option("out")->required(false);
     command
         ->add_option("--out-dir", arguments->outDir,
-                     "Write a scene for each part into this folder; for each animation where none is cut")
+                     "Write one scene per part into this folder, or one per animation when nothing is cut")
         ->type_name(kFolderType);
     command
         ->add_option("--animation", arguments->animation,
-                     "The animation to cut (name, or index), where there are several")
+                     "The animation to cut (name or index), where there are several")
         ->type_name("NAME");
     auto* cuts =
-        command->add_option("--at", arguments->cuts, "Times of the cuts, seconds, separated by commas")
+        command->add_option("--at", arguments->cuts, "Times of the cuts in seconds, separated by commas")
             ->type_name("SECONDS,...")
             ->delimiter(',')
             ->allow_extra_args(false);

@@ -16,12 +16,12 @@ constexpr Range kSizes{1e-3, 1e6};
 constexpr const char* kUnits = "UNITS";
 
 void AddFontOptions(CLI::App& command, TextArguments& arguments) {
-    command.add_option("--font", arguments.font, "Family name; else the system's own choice")
+    command.add_option("--font", arguments.font, "Family name; default: the system's choice")
         ->type_name("NAME")
         ->group(kFontGroup);
     command
         .add_option("--font-file", arguments.fontFile,
-                    "Draw with the font of this file, TrueType or OpenType; --font chooses among several")
+                    "Draw with the font in this TrueType or OpenType file; --font chooses among several")
         ->type_name(kFileType)
         ->group(kFontGroup);
     command.add_flag("--bold", arguments.isBold, "The bold face")->group(kFontGroup);
@@ -36,7 +36,7 @@ void AddFontOptions(CLI::App& command, TextArguments& arguments) {
         ->group(kFontGroup);
     command
         .add_flag("--substitute", arguments.acceptsSubstitutes,
-                  "Take the nearest font, or the font's replacement character, for what is missing")
+                  "Use the nearest font, or the font's replacement character, for what is missing")
         ->group(kFontGroup);
 }
 
@@ -46,17 +46,16 @@ void AddDrawingOptions(CLI::App& command, TextArguments& arguments) {
     };
     DrawingOptions& drawing = arguments.drawing;
     add(AddChoice(command, "--align", arguments.align, {"left", "center", "right"},
-                  "Where lines stand: they start, have their middle, or end at 0"));
+                  "Whether lines start, are centred or end at 0"));
     add(AddNumber(command, "--line-spacing", drawing.lineSpacing, {0, 100}, "TIMES",
-                  "Distance of lines, in distances of the font's own"));
-    add(AddChoice(command, "--units", arguments.unit, {"mm", "cm", "in"},
-                  "What a unit of the coordinates is"));
+                  "Line distance, as a multiple of the font's own"));
+    add(AddChoice(command, "--units", arguments.unit, {"mm", "cm", "in"}, "Unit of the coordinates"));
     add(AddNumber(command, "--cap-height", drawing.capHeight, kSizes, kUnits, "Height of a capital H"))
         ->excludes("--size");
     add(AddNumber(command, "--depth", drawing.depth, kSizes, kUnits, "Make a closed solid of this depth"));
     command
         .add_flag("--metrics", arguments.wantsMetrics,
-                  "Print advances, places and bounds as JSON; OUT may then be left out")
+                  "Print advances, positions and bounds as JSON; OUT may then be left out")
         ->group(kDrawingGroup);
 }
 
@@ -80,10 +79,10 @@ void AddTextOptions(CLI::App& command, TextArguments& arguments) {
         "for a solid; - is standard output");
     command
         .add_option("--file", arguments.file,
-                    "Read the text, UTF-8, from this file (-: standard input); then only OUT is given")
+                    "Read the text, in UTF-8, from this file (- for standard input); give only OUT then")
         ->type_name(kFileType);
     AddChoice(command, "--style", arguments.style, {"stroke", "outline", "mesh"},
-              "Single strokes, closed outlines (the default) or triangles (with --depth)");
+              "Single strokes, closed outlines (the default) or triangles (the default with --depth)");
     AddFontOptions(command, arguments);
     AddDrawingOptions(command, arguments);
     AddPageOption(command, arguments.page, "Also write a page (.html) that shows the text and its measures");
