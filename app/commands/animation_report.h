@@ -9,7 +9,7 @@
 
 namespace zr {
 
-// An animation as lists of them show it.
+// An entry of an animation list.
 struct AnimationSummary {
     std::size_t index;
     std::string name;

@@ -21,7 +21,7 @@ namespace {
 
 enum class State { kWaiting, kDone, kFailed };
 
-// What became of a task.
+// The outcome of a task so far.
 struct Outcome {
     State state = State::kWaiting;
     Report report;
@@ -117,7 +117,7 @@ private:
             outcome.error =
                 MissesMemory() ? Join(task.input, ": out of memory") : WithFile(task, error.what());
         }
-        if (--m_running > 0) BeginWork();  // of the others, which can still be stopped
+        if (--m_running > 0) BeginWork();  // the other tasks' work can still be stopped
         return outcome;
     }
 
@@ -177,7 +177,7 @@ private:
     std::atomic<std::size_t> m_finished = 0;
     std::atomic<std::size_t> m_running = 0;
     std::atomic<bool> m_isOver = false;  // start no further task
-    std::mutex m_mutex;                  // guards what follows
+    std::mutex m_mutex;                  // guards the members below
     std::vector<Outcome> m_outcomes;
     std::exception_ptr m_fatal;  // ends the program rather than a task
     std::size_t m_printed = 0;

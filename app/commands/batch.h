@@ -14,12 +14,12 @@ class App;
 
 namespace zr {
 
-// The options of a command that works on one file, "IN OUT", or on many, "--out-dir FOLDER IN...". A folder
-// as input means the files below it.
+// The options of a command that works on one file, "IN OUT", or on many, "--out-dir FOLDER IN...". An input
+// folder stands for the files below it.
 struct BatchArguments {
     std::vector<std::string> files;
     std::string outDir;
-    std::string format;  // ending of the files written, "glb"; empty: as those read
+    std::string format;  // ending of the output files, "glb"; empty: that of each input
     unsigned jobs = 1;
     bool keepGoing = false;
 
@@ -34,8 +34,8 @@ struct BatchFiles {
 
 inline const BatchFiles kSceneFiles{{".gltf", ".glb"}, {"glb", "gltf"}};
 
-// Adds the files and the options above. operands: how help shows those of one task, "SCENE OUT", and what
-// they are.
+// Adds the positional files and the options above. operands: how help shows those of a single task, "SCENE
+// OUT"; description: what they are.
 void AddBatchOptions(
     CLI::App& command, BatchArguments& arguments, const BatchFiles& files, const char* operands,
     const char* description = "The file to read and the file to write; - is standard input or output");
@@ -43,12 +43,12 @@ void AddBatchOptions(
 // One file's work.
 struct Task {
     std::string input;
-    std::string output;  // empty: nothing is written
+    std::string output;  // empty: writes nothing
 };
 
 // The tasks in the order of the command line, files of a folder sorted by name. With writes false every file
 // is an input and nothing is written. Throws UsageError when there is nothing to do or two tasks would write
-// one file.
+// the same file, Error when a folder cannot be read.
 std::vector<Task> PlanTasks(const BatchArguments& arguments, const BatchFiles& files, bool writes = true);
 
 // Called with the task's progress in [0, 1]; throws Stopped when the user asked to stop.

@@ -22,7 +22,7 @@ bool IsWanted(const fs::path& file, const BatchFiles& files) {
                        [&](const std::string& ending) { return HasEnding(name, ending); });
 }
 
-// The files below the folder, sorted by name; the output folder is passed over.
+// The files below the folder, sorted by path, except those in the output folder.
 std::vector<fs::path> FilesBelow(const fs::path& folder, const fs::path& outDir, const BatchFiles& files) {
     std::vector<fs::path> found, left{folder};
     while (!left.empty()) {
@@ -64,17 +64,17 @@ public:
                     Add(each, each.lexically_relative(path));
             }
         }
-        if (m_tasks.empty()) throw UsageError("the folders hold no file to read");
+        if (m_tasks.empty()) throw UsageError("the folders contain no file to read");
         return std::move(m_tasks);
     }
 
 private:
-    // place: of the output, relative to the output folder.
+    // place: the output's path relative to the output folder.
     void Add(const fs::path& input, fs::path place) {
         Task task{PathToUtf8(input), ""};
         if (m_writes) {
             if (task.input == kStandardStream)
-                throw UsageError("- has no name to write by: give one file and OUT");
+                throw UsageError("- cannot be used with --out-dir: give one file and OUT");
             if (!m_arguments.format.empty()) place.replace_extension(m_arguments.format);
             const fs::path output = (m_outDir / place).lexically_normal();
             task.output = PathToUtf8(output);
@@ -121,7 +121,8 @@ std::vector<Task> PlanTasks(const BatchArguments& arguments, const BatchFiles& f
         if (arguments.files.size() != 2)
             throw UsageError("give one file to read and one to write, or several to read and --out-dir");
         if (!arguments.format.empty() && arguments.files[1] != kStandardStream)
-            throw UsageError("--format is for --out-dir and for standard output; OUT tells its own form");
+            throw UsageError(
+                "--format is for --out-dir and for standard output; the name of OUT determines its format");
         return {{arguments.files[0], arguments.files[1]}};
     }
     return Plan(arguments, files, writes).Make();

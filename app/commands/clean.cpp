@@ -49,15 +49,15 @@ std::array<bool, kCleanSteps> ChosenSteps(const Arguments& arguments) {
     for (std::size_t step = 0; step < kCleanSteps; ++step) {
         steps[step] = arguments.only.empty() && (arguments.all || kCleanStepInfo[step].unseen);
     }
-    // With --all, what the extras are of would stay and they would go.
+    // --all would otherwise remove the extras and keep only their elements.
     if (arguments.options.keepExtras) steps[static_cast<std::size_t>(CleanStep::kMetadata)] = false;
     for (const std::string& name : arguments.only) steps[StepNamed(name)] = true;
     for (const std::string& name : arguments.skip) steps[StepNamed(name)] = false;
     return steps;
 }
 
-// The process gives its memory back as a whole, faster than piece by piece.
-void LeaveToTheEnd(std::shared_ptr<void> work) {
+// Keeps the data until the process exits, which frees it faster than destructors do.
+void KeepUntilExit(std::shared_ptr<void> work) {
     static auto* const left = new std::vector<std::shared_ptr<void>>;
     left->push_back(std::move(work));
 }
@@ -69,11 +69,11 @@ public:
         m_options = arguments.options;
         m_options.steps = ChosenSteps(arguments);
         m_options.explain = arguments.explain || !arguments.page.empty();
-        if (scenes == 1) m_options.retire = LeaveToTheEnd;
+        if (scenes == 1) m_options.retire = KeepUntilExit;
     }
 
     Report Run(const Task& task, const Advance& advance) {
-        // The parts of the time, roughly: loading, cleaning, writing.
+        // Approximate shares of the time: loading, cleaning, writing.
         constexpr double kLoaded = 0.25, kCleaned = 0.85;
         const auto onProgress = [&](double done) { advance(kLoaded + (kCleaned - kLoaded) * done); };
         CheckPageFile(m_session, m_arguments.page, {task.input, task.output});
@@ -117,7 +117,7 @@ private:
 
 int RunClean(Session& session, const Arguments& arguments) {
     if (!arguments.page.empty() && (!arguments.files.IsSingle() || arguments.dryRun))
-        throw UsageError("--report shows one scene and what it became: SCENE OUT");
+        throw UsageError("--report needs one input and one output: SCENE OUT");
     const std::vector<Task> tasks = PlanTasks(arguments.files, kSceneFiles, !arguments.dryRun);
     Cleaning cleaning(session, arguments, tasks.size());
     return RunBatch(session, "clean", arguments.files, tasks,
@@ -130,7 +130,7 @@ int RunDialog(Session& session, const Arguments& arguments) {
     if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output), session.GetHost(),
                       arguments.options))
         return 0;
-    std::fprintf(stderr, "zr: cancelled: nothing was cleaned and nothing written\n");
+    std::fprintf(stderr, "zr: cancelled; nothing was written\n");
     return kStoppedStatus;
 }
 

@@ -9,10 +9,10 @@ namespace zr {
 
 class Host;
 
-// Lets the user clean the scene in the module's dialog and, when it is closed, writes what is left; what
-// nothing refers to goes too, unless options.keepData. False, and nothing is written, when the dialog is
-// cancelled. Throws std::runtime_error where no window can be opened, and, unless options.force, when an
-// extension that is not known could refer to what the dialog takes.
+// Lets the user clean the scene in the module's dialog and, when it closes, writes the result; unless
+// options.keepData, also removes what nothing refers to. Returns false, having written nothing, when the
+// dialog is cancelled. Throws std::runtime_error where no window can be opened and, unless options.force,
+// when an unknown extension could refer to what the dialog removes.
 bool CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
                    const CleanOptions& options);
 

@@ -9,7 +9,7 @@
 
 namespace zr {
 
-// What happened to one scene.
+// The outcome of cleaning one scene.
 struct CleanReport {
     std::string scene;
     std::string output;  // empty: nothing was written
@@ -18,7 +18,8 @@ struct CleanReport {
     CleanResult result;
 };
 
-// For people: a line for each step that took something, with the names where they are asked for.
+// For people: a line for each step that removed something; withNames adds the names of what was removed,
+// explain what stayed and why.
 std::string CleanReportText(const CleanReport& report, bool withNames, bool explain);
 
 // The same for programs.

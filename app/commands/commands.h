@@ -7,12 +7,12 @@ class App;
 
 namespace zr {
 
-// Of the option --force, which several commands have.
+// The help of --force, which several commands share.
 inline constexpr const char* kForceHelp = "Remove even what an unknown extension could refer to";
 
 class Session;
 
-// Each adds one subcommand: its options, and what Session::Run then does. Both arguments outlive the run. A
+// Each adds one subcommand: its options and what Session::Run does. Both arguments must outlive the run. A
 // failure is an exception whose text names the file and the place.
 void AddAnimationsCommand(CLI::App& app, Session& session);
 void AddCompareCommand(CLI::App& app, Session& session);

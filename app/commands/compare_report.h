@@ -8,7 +8,7 @@
 
 namespace zr {
 
-// A line for each aspect, and below it what differs.
+// A line for each aspect that was compared, followed by its differences.
 std::string CompareReportText(const compare::CompareResult& result);
 JsonObject CompareReportJson(const compare::CompareResult& result);
 

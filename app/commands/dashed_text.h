@@ -10,12 +10,12 @@ class App;
 
 namespace zr {
 
-// Marks those words of a command line "text ..." that begin with one dash and are neither an option nor the
-// value of one, so that the parser takes them for the text that they are: zr text "-40 C" OUT. Words after
-// "--" are that anyway.
+// In a command line of zr text, marks the words that begin with a single dash but are neither an option nor
+// an option's value, so that the parser takes them for text: zr text "-40 C" OUT. Words after "--" need no
+// mark.
 void MarkDashedText(const CLI::App& app, std::vector<std::string>& words);
 
-// The text as it was before it was marked.
+// The word without its mark, if it has one.
 std::string UnmarkedText(const std::string& word);
 
 }  // namespace zr

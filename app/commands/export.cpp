@@ -53,9 +53,9 @@ public:
         CheckPageFile(m_session, m_arguments.PageFile(),
                       {task.input, task.output, m_arguments.RenameMapFile()});
         if (wantsRecords && !m_arguments.Tolerance().empty())
-            throw UsageError("--tolerance reduces the keys of a scene: the output is a .glb or .gltf file");
+            throw UsageError("--tolerance needs a .glb or .gltf file as output");
         if (wantsRecords && !m_arguments.PageFile().empty())
-            throw UsageError("--report shows a scene: the output is a .glb or .gltf file");
+            throw UsageError("--report needs a .glb or .gltf file as output");
         OutputTarget out(m_session, task.output, EndingOf(m_arguments.Files().format));
         std::optional<OutputTarget> mapTarget;
         if (!m_arguments.RenameMapFile().empty())

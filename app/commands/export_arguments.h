@@ -19,22 +19,22 @@ namespace zr {
 
 inline const BatchFiles kExportFiles{{".gltf", ".glb"}, {"glb", "gltf", "json"}};
 
-// The export command's line. Outlives the run, as its pass options must.
+// The arguments of the export command. Must outlive the run, as its pass options do.
 class ExportArguments {
 public:
     void AddTo(CLI::App& command);
 
-    // What the line asks of the tools, once it is read. Call once. Throws UsageError and, for a settings file
-    // that is wrong, std::runtime_error.
+    // The options for the tools. Call once, after the command line has been parsed. Throws UsageError and,
+    // for an invalid settings file, std::runtime_error.
     const ExportOptions& Finish(Host& host);
 
     const BatchArguments& Files() const { return m_files; }
     const std::vector<std::string>& Animations() const {
         return m_animations;
     }  // names or indices; none: all
-    // The scene of the document that is exported alone; none: all that the output can hold.
+    // The index of the only scene to export; none: all that the output can hold.
     std::optional<std::size_t> Scene() const { return m_sceneIndex; }
-    // How far motion may stray for fewer keys; empty: not at all.
+    // The tolerance for reducing keys, as ReadReduceTolerance reads it; empty: keys are not reduced.
     const std::string& Tolerance() const { return m_tolerance; }
     bool Force() const { return m_force; }
     const std::string& PageFile() const { return m_page; }
@@ -47,7 +47,7 @@ private:
     std::optional<std::size_t> m_sceneIndex;
     bool m_dropsEmpty = false;
     bool m_force = false;
-    bool m_keepsEmpty = false;  // said, as it is anyway
+    bool m_keepsEmpty = false;  // only excludes --drop-empty; it is the default
     float m_length = 0;
     std::string m_up = "y";
     std::string m_tolerance;

@@ -67,7 +67,7 @@ OutputTarget::OutputTarget(Session& session, const std::string& name, std::strin
     m_path = PathFromUtf8(name);
     std::error_code ignored;
     if (session.Options().noClobber && fs::exists(m_path, ignored)) {
-        throw Error(name, "", "exists, and --no-clobber keeps it");
+        throw Error(name, "", "already exists, and --no-clobber was given");
     }
 }
 

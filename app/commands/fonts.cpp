@@ -14,7 +14,7 @@
 namespace zr {
 namespace {
 
-// Whatever the case of its letters, as far as they are English.
+// Folds the case of ASCII letters.
 std::u16string Folded(std::u16string text) {
     for (char16_t& c : text) c = vl::FoldCase(c);
     return text;

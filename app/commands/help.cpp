@@ -81,7 +81,7 @@ std::vector<OptionGroup> OptionGroupsOf(const CLI::App& command) {
     AddOptions(command, groups);
     const CLI::App& program = Program(command);
     if (&program == &command) return groups;
-    // Each command has its own help option, and only the program a version.
+    // Each command has its own help option, and only the program has a version.
     std::vector<OptionGroup> common;
     AddOptions(program, common);
     for (OptionGroup& group : common) {

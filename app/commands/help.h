@@ -17,7 +17,7 @@ std::vector<OptionGroup> OptionGroupsOf(const CLI::App& command);
 
 // "--gap SECONDS", "-h,--help", "SCENE".
 std::string NameAndValue(const CLI::Option& option);
-// The option's text, with its default.
+// The option's description and default.
 std::string TextOf(const CLI::Option& option);
 // How a command is called: "zr export [OPTIONS] SCENE OUT".
 std::vector<std::string> UsagesOf(const CLI::App& command);

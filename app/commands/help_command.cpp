@@ -60,9 +60,9 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     command->callback([name, &app, &session] {
         session.SetCommand([name, &app, &session] {
             const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
-            // What makes the text ends the process without memory, or leaves a part of the text out.
+            // Formatting help without enough memory would end the process or drop part of the text.
             EndWithoutMemory();
-            // App::help would describe the command that was parsed, which is this one.
+            // App::help would describe the parsed command, that is, help itself.
             Report report;
             report.text = chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
             report.json = HelpJson(chosen);

@@ -26,15 +26,15 @@ void CheckPageFile(const Session& session, const std::string& file,
     };
     for (const std::string& other : others) {
         if (other.empty()) continue;
-        if (other == kStandardStream) throw UsageError("--report shows what stands in files");
-        if (place(file) == place(other)) throw UsageError("--report would take the place of " + other);
+        if (other == kStandardStream) throw UsageError("--report needs files, not standard streams");
+        if (place(file) == place(other)) throw UsageError("--report would overwrite " + other);
     }
     if (session.Options().noClobber && fs::exists(PathFromUtf8(file), ignored))
-        throw Error(file, "", "exists, and --no-clobber keeps it");
-    FileTransaction().Create(PathFromUtf8(file));  // what cannot be written is better known now
+        throw Error(file, "", "already exists, and --no-clobber was given");
+    FileTransaction().Create(PathFromUtf8(file));  // fails before any work when it cannot be written
     if (!report::HasPages())
         throw std::runtime_error(
-            "--report: this program was built without report pages, which take npm to build");
+            "--report: this program was built without report pages, which need npm to build");
 }
 
 report::Page PageOf(const Session& session, const std::string& kind, const std::string& before,

@@ -29,7 +29,7 @@ bool Wants(const InspectArguments& arguments, const std::string& table) {
            std::find(arguments.tables.begin(), arguments.tables.end(), table) != arguments.tables.end();
 }
 
-// What a cleaning would take, found by cleaning the document, which is not written.
+// What a cleaning would remove, found by cleaning the document in memory.
 inspect::Table WasteOf(Session& session, gltf::Document& document) {
     inspect::Table table{"waste", {"what", "count", "bytes", "names"}, {}};
     Host& host = session.GetHost();

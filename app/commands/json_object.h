@@ -14,8 +14,8 @@ inline constexpr int kJsonSchemaVersion = 1;
 
 class JsonArray;
 
-// A JSON object built member by member, in order. Invalid UTF-8 becomes U+FFFD, a number that is not finite
-// null.
+// A JSON object built member by member, in order. Invalid UTF-8 becomes U+FFFD; a number that is not finite
+// becomes null.
 class JsonObject {
 public:
     JsonObject& Set(std::string_view name, std::string_view value);

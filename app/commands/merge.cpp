@@ -68,7 +68,7 @@ public:
         if (!m_names.empty() && chosen.size() >= 2) {
             Merge(loaded, chosen, report);
         } else {
-            Tell(loaded, "brought", chosen, report);
+            ReportAnimations(loaded, "brought", chosen, report);
         }
         SaveScene(std::move(loaded), out, report);
         out.Commit(m_session);
@@ -108,13 +108,14 @@ private:
         const MergeReport merged = MergeAnimations(m_session.GetHost(), loaded, chosen, options);
         report.Note("sources overlap in time", merged.overlapping);
         report.Note("dropped", merged.dropped);
-        report.Note("shown before its source plays, for want of a value at rest", merged.restless);
+        report.Note("shown before its source plays, as it has no value at rest", merged.restless);
         report.Note("too short to be seen without a gap", merged.unseen);
         report.Note("kept", merged.held);
-        Tell(loaded, "merged", {merged.result}, report);
+        ReportAnimations(loaded, "merged", {merged.result}, report);
     }
 
-    static void Tell(LoadedScene& loaded, const char* what, const Animations& animations, Report& report) {
+    static void ReportAnimations(LoadedScene& loaded, const char* what, const Animations& animations,
+                                 Report& report) {
         JsonArray list;
         for (std::size_t i = 0; i < animations.size(); ++i) {
             const AnimationSummary summary = Summarize(loaded.Scene(), *animations[i], i);
@@ -131,7 +132,7 @@ private:
 
 int RunMerge(Session& session, const MergeArguments& arguments) {
     if (arguments.from.empty() && arguments.animations.All().size() < 2) {
-        throw UsageError("name two animations or more, with --animations or --animation");
+        throw UsageError("give at least two animations with --animations or --animation");
     }
     if (!arguments.page.empty() && !arguments.files.IsSingle()) throw UsageError("--report takes one scene");
     const Merger merger(session, arguments);

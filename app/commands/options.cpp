@@ -51,7 +51,7 @@ std::string Joined(const std::vector<std::string>& words) {
     return text;
 }
 
-// The word as the list has it.
+// Accepts a word of the list in any case and replaces it with the list's spelling.
 CLI::Validator WordOf(const std::vector<std::string>& words) {
     return CLI::Validator(
         [words](std::string& text) {
@@ -60,7 +60,7 @@ CLI::Validator WordOf(const std::vector<std::string>& words) {
                 text = word;
                 return std::string();
             }
-            return Join("\"", text, "\" is none of ", Joined(words));
+            return Join("\"", text, "\" is not one of ", Joined(words));
         },
         "");
 }

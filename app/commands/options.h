@@ -36,10 +36,10 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, int& value, R
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, unsigned& value, Range range,
                        const char* unit, const std::string& help);
 
-// The same check for an option that exists already.
+// The same check for an existing option.
 void CheckRange(CLI::Option& option, Range range);
 
-// Adds an option that accepts one of the words, or several separated by commas, whatever their case.
+// Adds an option that accepts one of the words, or several separated by commas, ignoring case.
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string>& words, const std::string& help);
 CLI::Option* AddChoices(CLI::App& command, const std::string& name, std::vector<std::string>& values,

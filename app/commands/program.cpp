@@ -64,7 +64,7 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
         ->type_name("LANGUAGE")
         ->check([](const std::string& language) {
             return kernix::LanguageTable(language) ? std::string()
-                                                   : Join("there are no texts in \"", language, "\"");
+                                                   : Join("unknown language \"", language, "\"");
         })
         ->group(kGroup);
 }
@@ -75,7 +75,7 @@ std::string VersionText(Session& session) {
                 kernix::ToUtf8(host.ModuleDescription()), "\nhost interface ", host.InterfaceVersion());
 }
 
-// The innermost command that was parsed.
+// The innermost subcommand that was parsed.
 const CLI::App& LastCommand(const CLI::App& app) {
     const CLI::App* command = &app;
     while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
@@ -108,11 +108,11 @@ std::string UnknownWord(const CLI::App& app) {
 std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
     const auto is = [&error](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
     const bool isMissing = is(CLI::ExitCodes::RequiredError);
-    // A mistyped word is often why another seems to be missing.
+    // An argument often seems to be missing because another is mistyped.
     if (!app.remaining(true).empty() && (isMissing || is(CLI::ExitCodes::ExtrasError)))
         return UnknownWord(app);
     if (!isMissing) return error.what();
-    return Join("something is missing; usage: ", UsagesOf(LastCommand(app)).front());
+    return Join("missing argument; usage: ", UsagesOf(LastCommand(app)).front());
 }
 
 bool NamesFiles(const CLI::Option& option) {
@@ -121,13 +121,13 @@ bool NamesFiles(const CLI::Option& option) {
                                [&](const char* each) { return type.find(each) != type.npos; });
 }
 
-// A name without a character is most often that of a shell's variable that was never set.
+// An empty name is most often a shell variable that was never set.
 void RefuseEmptyNames(const CLI::App& command) {
     for (const CLI::Option* option : command.get_options()) {
         const std::vector<std::string>& values = option->results();
         if (NamesFiles(*option) && std::find(values.begin(), values.end(), "") != values.end())
             throw UsageError(Join(option->get_positional() ? option->get_type_name() : option->get_name(),
-                                  ": a file's name is empty"));
+                                  ": the file name is empty"));
     }
 }
 
@@ -158,7 +158,7 @@ int Run(int argc, const char* const* argv) {
     return session.Run();
 }
 
-// Output is buffered: only now is it known whether it could be written.
+// Output is buffered, so only flushing shows whether it could be written.
 int Flushed(int status) {
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
     const int error = errno;
@@ -201,7 +201,7 @@ int RunProgram(int argc, const char* const* argv) {
         PrintError(error.what());
         status = kUsage;
     } catch (const ReportLost&) {
-        std::fputs("zr: what was asked for was done; there was no memory left to tell of it\n", stderr);
+        std::fputs("zr: the work was done, but memory ran out while reporting it\n", stderr);
     } catch (const std::bad_alloc&) {
         std::fputs("zr: out of memory\n", stderr);
     } catch (const std::exception& error) {

@@ -9,11 +9,11 @@
 
 namespace zr {
 
-// A progress bar on standard error, shown only on a terminal and only for work that has taken a second. It
-// counts the seconds by itself, so that it never stands still. Cleared when it ends.
+// A progress bar on standard error, shown only on a terminal and only once the work has taken a second. A
+// thread of its own keeps the seconds counting. The destructor clears it.
 class Progress {
 public:
-    explicit Progress(std::string title);  // empty: none is shown
+    explicit Progress(std::string title);  // empty: shows nothing
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -33,7 +33,7 @@ private:
     double m_done = 0;
     bool m_isHidden = false;
     bool m_isDrawn = false;
-    std::jthread m_thread;  // none where nothing is shown
+    std::jthread m_thread;  // not started when nothing is shown
 };
 
 }  // namespace zr

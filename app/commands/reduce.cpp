@@ -20,8 +20,8 @@ struct ReduceArguments {
     std::string tolerance;
 };
 
-// The tools' own pass takes the keys that change nothing but by rounding; the tolerance is left to those that
-// do.
+// The tools' own pass drops the keys that matter only by rounding, so that the whole tolerance is left for
+// the others.
 Exported WithoutRedundantKeys(Session& session, gltf::Document document, const Advance& advance) {
     ExportOptions options;
     options.exportFlags |= vl::tk::kMergeKeys;
@@ -33,7 +33,7 @@ Exported WithoutRedundantKeys(Session& session, gltf::Document document, const A
 
 Report Reduce(Session& session, const ReduceTolerance& tolerance, const ReduceArguments& arguments,
               const Task& task, const Advance& advance) {
-    constexpr double kMerged = 0.3;  // of the time, roughly
+    constexpr double kMerged = 0.3;  // approximate share of the time
     OutputTarget out(session, task.output, EndingOf(arguments.files.format));
     Report report;
     gltf::Document document = LoadDocument(session, task.input, report);

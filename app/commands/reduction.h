@@ -10,7 +10,7 @@ namespace zr {
 
 inline constexpr const char* kToleranceType = "LENGTH[,ANGLE[,VALUE]]";
 
-// Reads a tolerance as ReadTolerance does; without an angle 0.05 degrees, without a value none. Throws
+// Reads a tolerance as ReadTolerance does. The angle defaults to 0.05 degrees, length and value to 0. Throws
 // UsageError.
 ReduceTolerance ReadReduceTolerance(const std::string& text);
 

@@ -9,7 +9,7 @@
 
 namespace zr {
 
-// Why something that could go stayed: a line for each extension, with the first of its places.
+// Why removable elements stayed: a line for each extension, with the first place where it occurs.
 std::vector<std::string> RefusalLines(std::string_view what, const std::vector<gltf::OpaqueUse>& uses);
 
 }  // namespace zr

@@ -11,7 +11,7 @@ namespace zr {
 
 class Session;
 
-// What a command reports, in each of the forms that can be asked for.
+// What a command reports, as text and as JSON.
 struct Report {
     std::vector<std::string> notes;  // warnings, one line each
     std::string text;                // for people
@@ -24,15 +24,15 @@ struct Report {
     void Note(std::string_view label, const std::vector<std::string>& lines);
 };
 
-// The work was done and is there; there was no memory left to tell of it.
+// Thrown when the work was done and its result written, but memory ran out while reporting it.
 struct ReportLost {};
 
 // Prints a command's report as the session's options ask: the text to standard output and the notes to
-// standard error. When standard output carries the result itself, the text goes to standard error too. Throws
-// ReportLost, or std::bad_alloc for a report that is itself what was asked for.
+// standard error. When standard output carries the result itself, the text goes to standard error too. When
+// memory runs out, throws ReportLost, or std::bad_alloc for a report that is itself the answer.
 void PrintReport(const Session& session, std::string_view command, const Report& report);
 
-// Prints notes and text as above, whatever the wish for JSON.
+// Prints notes and text as above, even with --json.
 void PrintForPeople(const Session& session, const Report& report);
 
 }  // namespace zr

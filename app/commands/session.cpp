@@ -13,7 +13,7 @@ vl::Context* g_interrupted = nullptr;
 
 static_assert(std::atomic<unsigned char>::is_always_lock_free, "the signal handler sets the flag");
 
-// A second Ctrl-C ends the program at once.
+// A second Ctrl-C terminates the program at once.
 extern "C" void OnInterrupt(int) {
     g_interrupted->m_bBreak.store(1, std::memory_order_relaxed);
     EndSoon(kStoppedStatus, kStoppedLine);

@@ -36,7 +36,7 @@ struct GlobalOptions {
     bool quiet = false;      // print errors and answers only
     bool verbose = false;    // also print the module's log
     bool noClobber = false;  // never overwrite a file
-    bool strict = false;     // what a document warns of is an error
+    bool strict = false;     // treat a document's warnings as errors
     CompressedData compressedData;
     gltf::LoadOptions load{.decoder = &compressedData};
 };
@@ -55,7 +55,8 @@ public:
     // The host with the module loaded; created by the first call.
     Host& GetHost();
 
-    // Its break flag is set when the user presses Ctrl-C. What does not end within a moment then is ended.
+    // Its break flag is set when the user presses Ctrl-C. A program that does not end shortly afterwards is
+    // terminated.
     vl::Context* GetContext() const { return m_context.Get(); }
     bool IsStopRequested() const { return m_context->IsBreak(); }
     // On any thread.

@@ -60,7 +60,8 @@ SceneOptions SceneOptionsOf(const SplitArguments& arguments) {
     return options;
 }
 
-// The parts of the animation, which they replace; without a way to cut, the scene's animations as they are.
+// Replaces the animation by its parts and returns these; without --at and --each, returns the chosen
+// animation or all, unchanged.
 Animations Split(Session& session, LoadedScene& loaded, const SplitArguments& arguments, Report& report) {
     kernix::SceneModel& scene = loaded.Scene();
     if (!arguments.each && arguments.cuts.empty()) {
@@ -112,8 +113,8 @@ std::vector<std::string> FilesOf(const Animations& parts, const SplitArguments& 
     return names;
 }
 
-// Each file holds the scene with one part. The scene is loaded again for each, because which of the
-// document's data is left depends on the part.
+// Each file holds the scene with one part. The scene is loaded again for each, because the part determines
+// which of the document's data remains.
 Report SplitIntoFiles(Session& session, const SplitArguments& arguments) {
     Report report;
     JsonArray list;
@@ -145,7 +146,7 @@ int RunSplit(Session& session, const SplitArguments& arguments) {
     const bool isInPlace = arguments.outDir.empty();
     if (arguments.out.empty() == isInPlace) throw UsageError("give either OUT or --out-dir");
     if (!isInPlace && arguments.scene == kStandardStream)
-        throw UsageError("--out-dir reads the scene for each part: give a file");
+        throw UsageError("--out-dir reads the scene once per part: give a file, not -");
     const bool isCut = !arguments.cuts.empty();
     if (!isInPlace && !arguments.page.empty()) throw UsageError("--report shows one result: give OUT");
     if (isInPlace ? arguments.each == isCut : arguments.each && isCut)

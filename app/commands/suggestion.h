@@ -7,8 +7,8 @@
 
 namespace zr {
 
-// The word closest to the given one, ignoring case; empty when every one differs in more than a third of the
-// given word's characters. The first of several equally close ones.
+// The word closest to the given one, ignoring case; the first of several equally close ones. Empty when all
+// of them differ in more than a third of the given word's characters.
 std::string NearestWord(std::string_view word, const std::vector<std::string>& words);
 
 }  // namespace zr

@@ -43,18 +43,18 @@ TextStyle StyleOf(const TextArguments& arguments) {
     const bool isSolid = arguments.drawing.depth > 0;
     if (arguments.style.empty()) return isSolid ? TextStyle::kMesh : TextStyle::kOutline;
     if (isSolid && arguments.style != "mesh")
-        throw UsageError("--depth: only a mesh can be deep, not --style " + arguments.style);
+        throw UsageError("--depth needs a mesh, not --style " + arguments.style);
     if (arguments.style == "stroke") return TextStyle::kStroke;
     return arguments.style == "mesh" ? TextStyle::kMesh : TextStyle::kOutline;
 }
 
 void CheckFormat(const std::string& target, TextFormat format, TextStyle style, bool isSolid) {
     if (format == TextFormat::kObj && style != TextStyle::kMesh)
-        throw UsageError(target + ": a .obj takes a mesh, give --style mesh");
+        throw UsageError(target + ": an .obj file holds a mesh: give --style mesh");
     if (format == TextFormat::kStl && !isSolid)
-        throw UsageError(target + ": a .stl takes a solid, give --depth");
+        throw UsageError(target + ": an .stl file holds a solid: give --depth");
     if (format == TextFormat::kSvg && isSolid)
-        throw UsageError(target + ": a .svg takes no solid, leave --depth out");
+        throw UsageError(target + ": an .svg file cannot hold a solid: omit --depth");
 }
 
 TextFont FontOf(const TextArguments& arguments) {
@@ -72,8 +72,8 @@ TextFont FontOf(const TextArguments& arguments) {
     return font;
 }
 
-// What the module would draw wrong without a word: refused, or told about where the user accepts it.
-void Tell(const std::vector<TextShortcoming>& shortcomings, bool isAccepted, Report& report) {
+// Refuses what the module would silently draw wrong, or notes it when the user accepts substitutes.
+void RefuseOrNote(const std::vector<TextShortcoming>& shortcomings, bool isAccepted, Report& report) {
     for (const auto& [what, instead] : shortcomings) {
         if (!isAccepted) throw std::runtime_error(Join(what, "; --substitute accepts ", instead));
         report.notes.push_back(Join(what, ": ", instead));
@@ -95,7 +95,7 @@ public:
           m_style(StyleOf(arguments)),
           m_font(FontOf(arguments)) {}
 
-    // target: empty where only measures are wanted.
+    // target: empty when only measures are wanted.
     Report Run(const std::u16string& text, const std::string& target) const {
         const bool isStandard = target == kStandardStream;
         const std::string ending = isStandard ? EndingOf(m_arguments.files.format) : target;
@@ -104,12 +104,11 @@ public:
         CheckPageFile(m_session, m_arguments.page, {target});
 
         Report report;
-        Tell(m_style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, m_font),
-             m_arguments.acceptsSubstitutes, report);
+        RefuseOrNote(m_style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, m_font),
+                     m_arguments.acceptsSubstitutes, report);
         if (NeedsShaping(text)) {
             report.notes.push_back(
-                "the text has characters of right-to-left writing, which are drawn one by one from left to "
-                "right");
+                "the text has right-to-left characters, which are drawn one by one from left to right");
         }
         std::optional<OutputTarget> out;
         if (!target.empty()) {
@@ -182,9 +181,9 @@ int RunSingle(Session& session, const TextArguments& arguments) {
     }
     const bool isStandard = target == kStandardStream;
     if (isStandard == arguments.files.format.empty())
-        throw UsageError(isStandard ? "- has no name that tells the form: give --format"
+        throw UsageError(isStandard ? "standard output needs --format"
                                     : "--format is for --out-dir and for standard output");
-    if (isStandard && arguments.wantsMetrics) throw UsageError("--metrics prints to standard output, too");
+    if (isStandard && arguments.wantsMetrics) throw UsageError("--metrics also prints to standard output");
     const Drawer drawer(session, arguments);
     const std::u16string text = arguments.file.empty() ? DecodeText(UnmarkedText(names.front()), "TEXT")
                                                        : ReadText(session, arguments.file);
@@ -193,15 +192,15 @@ int RunSingle(Session& session, const TextArguments& arguments) {
         PrintReport(session, "text", report);
     } catch (const std::bad_alloc&) {
         if (target.empty()) throw;
-        throw ReportLost();  // measures that were asked for beside a drawing
+        throw ReportLost();  // the drawing was written, only the measures are lost
     }
     return 0;
 }
 
-// A drawing for each file.
+// Draws each file as a text of its own.
 int RunMany(Session& session, const TextArguments& arguments) {
-    if (!arguments.file.empty()) throw UsageError("--out-dir takes the files of the texts by themselves");
-    if (arguments.files.format.empty()) throw UsageError("--out-dir takes --format");
+    if (!arguments.file.empty()) throw UsageError("--out-dir takes text files as operands, not --file");
+    if (arguments.files.format.empty()) throw UsageError("--out-dir needs --format");
     if (!arguments.page.empty() || arguments.wantsMetrics)
         throw UsageError("--report and --metrics are for one text: TEXT OUT");
     const std::vector<Task> tasks = PlanTasks(arguments.files, kTextFiles);
@@ -226,7 +225,7 @@ void AddTextCommand(CLI::App& app, Session& session) {
          {"text Hello sign.stl --cap-height 20 --depth 3 --bold", "A solid to print."},
          {"text --out-dir cut --format dxf --cap-height 5 labels", "A drawing for each text."}});
     command->callback([arguments, &session] {
-        Settle(*arguments);
+        Finish(*arguments);
         session.SetCommand([arguments, &session] {
             return arguments->files.IsSingle() ? RunSingle(session, *arguments)
                                                : RunMany(session, *arguments);

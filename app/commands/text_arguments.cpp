@@ -61,7 +61,7 @@ void AddDrawingOptions(CLI::App& command, TextArguments& arguments) {
 
 }  // namespace
 
-void Settle(TextArguments& arguments) {
+void Finish(TextArguments& arguments) {
     constexpr std::pair<std::string_view, TextAlign> kAligns[] = {
         {"left", TextAlign::kLeft}, {"center", TextAlign::kCenter}, {"right", TextAlign::kRight}};
     for (const auto& [name, align] : kAligns) {

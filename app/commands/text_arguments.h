@@ -23,7 +23,7 @@ struct TextArguments {
     std::string align = "left";
     std::string unit;
     DrawingOptions drawing;
-    bool isDrawing = false;  // one of the options that only a drawing has was given
+    bool isDrawing = false;  // an option that only a drawing has was given
     bool wantsMetrics = false;
     std::string page;
 };
@@ -31,7 +31,7 @@ struct TextArguments {
 inline const BatchFiles kTextFiles{{".txt"}, {"svg", "dxf", "glb", "gltf", "json", "obj", "stl"}};
 
 void AddTextOptions(CLI::App& command, TextArguments& arguments);
-// Takes over what was read as words; call once the command line has been read.
-void Settle(TextArguments& arguments);
+// Converts the words of --align and --units into drawing options. Call once the command line has been parsed.
+void Finish(TextArguments& arguments);
 
 }  // namespace zr

@@ -28,7 +28,7 @@ double ReadPart(std::string_view part, std::span<const Unit> units) {
         if (error == std::errc() && unit == known.name && std::isfinite(number) && number >= 0)
             return number * known.factor;
     throw UsageError("--tolerance: \"" + std::string(part) +
-                     "\" is not a number from 0 on with a unit that fits");
+                     "\" is not a number of at least 0 with a suitable unit");
 }
 
 }  // namespace

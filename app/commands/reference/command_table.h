@@ -6,13 +6,14 @@
 
 namespace zr {
 
-// The command line as pages and completions tell of it, read from the options that the program itself parses.
+// The command line as pages and completions describe it, read from the options that the program itself
+// parses.
 
 enum class ValueKind {
     kNone,  // a flag
     kFile,
     kFolder,
-    kWord,  // one of a few
+    kWord,  // one of a fixed set
     kOther,
 };
 
@@ -32,7 +33,7 @@ struct OptionHeading {
 
 struct CommandTable {
     std::string name;   // "export"; of the program "zr"
-    std::string group;  // under which the program lists it
+    std::string group;  // the heading under which help lists it
     std::string text;
     std::vector<std::string> usages;
     std::vector<OptionEntry> operands;

@@ -35,12 +35,12 @@ std::string OptionNames(const CommandTable& command) {
     return Joined(names, " ");
 }
 
-// What may stand where a command has an operand that is no file.
+// The values of an operand that is not a file.
 std::vector<std::string> OperandWords(const CommandTable& program, const CommandTable& command) {
     return command.name == "help" ? NamesOf(program.commands) : NamesOf(command.commands);
 }
 
-// What the shell runs for the value of an option: nothing for the shell's own completion of files.
+// The commands that complete an option's value; ":" leaves it to the shell's own file completion.
 std::string BashValue(const OptionEntry& option) {
     switch (option.kind) {
         case ValueKind::kFolder:

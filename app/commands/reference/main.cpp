@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// zr_reference KIND FOLDER: writes what tells of the command line, made from the options themselves. KIND:
-// man, completions, or docs (the pages of docs/commands).
+// zr_reference KIND FOLDER: writes pages or scripts generated from the program's own options. KIND: man,
+// completions, or docs (the pages of docs/commands).
 #include <cstdio>
 #include <filesystem>
 #include <string>

@@ -10,9 +10,8 @@ namespace zr {
 namespace {
 
 constexpr std::string_view kStatus =
-    "0 when it is done, 1 when it failed (one line on standard error names the file and the place), 2 for a "
-    "wrong "
-    "command line, 130 when it was stopped. A failed or stopped run changes no file.";
+    "0 on success, 1 on failure (one line on standard error names the file and the place), 2 for a wrong "
+    "command line, 130 when stopped. A failed or stopped run changes no file.";
 
 std::string NameAndValue(const OptionEntry& option) {
     std::string text;
@@ -21,7 +20,7 @@ std::string NameAndValue(const OptionEntry& option) {
     return text;
 }
 
-// Text of a paragraph: no character of it is a request or an escape.
+// Escapes paragraph text so that no character of it is a request or an escape.
 std::string Roff(std::string_view text) {
     std::string out;
     for (const char c : text) {
@@ -53,7 +52,7 @@ bool IsProgram(const CommandTable& program, const CommandTable& command) {
     return &program == &command;
 }
 
-// In a table of Markdown.
+// Escapes text for a cell of a Markdown table.
 std::string Cell(std::string_view text) {
     std::string out;
     for (const char c : text) {

@@ -10,13 +10,13 @@
 #include "base/file.h"
 #include "platform/windows.h"
 
-// Tells the C library's start to leave * and ? in the arguments alone: not all of them are names of files.
+// Stops the C runtime from expanding * and ? in the arguments, not all of which are file names.
 extern "C" int _dowildcard;
 int _dowildcard = 0;
 
 namespace {
 
-// Lets the console show UTF-8, until the program ends.
+// Switches the console to UTF-8 until the program ends.
 class ConsoleText {
 public:
     ConsoleText() { SetConsoleOutputCP(CP_UTF8); }

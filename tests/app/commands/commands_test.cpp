@@ -251,7 +251,7 @@ TEST_F(Commands, ReportsReplaceNothing) {
     for (const char* place : {"a.glb", "./b.glb"}) {
         const Outcome run = m_folder.Zr(std::string("clean a.glb b.glb --report ") + place);
         EXPECT_EQ(run.status, 2) << run.err;
-        EXPECT_NE(run.err.find("would take the place of"), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find("would overwrite"), std::string::npos) << run.err;
     }
     EXPECT_EQ(m_folder.Files(), (Strings{"a.glb"}));
 }

@@ -51,16 +51,16 @@ TEST(Program, NamesTheWrongWordInOneLine) {
         {"info", "usage: zr info [OPTIONS] SCENE"},
         {"info a.glb b.glb", "unexpected argument \"b.glb\""},
         {"info a.glb \"$(printf 'b\\nc')\"", "unexpected argument \"b\\nc\""},
-        {"--language zz info a.glb", "there are no texts in \"zz\""},
+        {"--language zz info a.glb", "unknown language \"zz\""},
         {"export a.glb", "one to write"},
         {"info a.glb --max-memory nan", "\"nan\" is not a number from 1 to 1000000"},
-        {"text --style bold A a.svg", "\"bold\" is none of stroke|outline|mesh"},
+        {"text --style bold A a.svg", "\"bold\" is not one of stroke|outline|mesh"},
         {"export a.glb b.glb --rescale nan", "\"nan\" is not a number from 1e-06 to 1000000"},
         {"export a.glb b.glb --rescale 1e39", "--rescale"},
         {"export a.glb b.glb --length -1", "--length"},
         {"export a.glb b.glb --scale inf", "--scale"},
         {"export a.glb b.glb --max-name 4.5", "is not a whole number from 4 to 512"},
-        {"export a.glb b.glb --names uniqe", "is none of digits|"},
+        {"export a.glb b.glb --names uniqe", "is not one of digits|"},
         {"export a.glb b.glb --option-words fffffffff,0,0", "hexadecimal"},
         {"export a.glb b.glb --option-words -1,0,0", "hexadecimal"},
         {"export a.glb b.glb --option-words 1,2", "hexadecimal"},
@@ -84,7 +84,7 @@ TEST(Program, NamesTheWrongWordInOneLine) {
     }
 }
 
-// What cannot be written was not done.
+// A report that cannot be written is a failure.
 TEST(Program, FailsWhenStandardOutputIsFull) {
     const CommandFolder folder;
     folder.WriteAnimated("a.glb");
