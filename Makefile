@@ -2,12 +2,12 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-# On a terminal ninja rewrites one line with its progress; elsewhere it says nothing but what fails.
+# On a terminal ninja rewrites a single progress line; elsewhere it prints only failures.
 QUIET := $(if $(MAKE_TERMOUT),,-- --quiet)
 
 # $(call build,PRESET,OPTIONS,TARGET)
 build = echo "building $(3) in build/$(1)" && cmake --preset $(1) $(2) >/dev/null && cmake --build --preset $(1) -j $(JOBS) --target $(3) $(QUIET)
-# $(call packages,LISTS): what the program needs, and the lists named.
+# $(call packages,LISTS): the program's packages and those of the named lists.
 packages = tools/install-packages cmake/packages.txt $(patsubst %,cmake/packages-%.txt,$(1))
 
 .PHONY: all install demo test test-release test-asan test-tsan test-report fuzz mutations bench bench-peers bench-reduction check tidy coverage \
@@ -29,7 +29,7 @@ demo:
 # One build for both: many files are compiled as one, with the address and undefined-behaviour sanitizers.
 test: test-asan test-tsan
 
-# The tests of the program as it is installed, and the examples.
+# The tests against the program as installed, and the examples.
 test-release:
 	@$(call packages,qt test)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_BUILD_BENCH=OFF,all)
@@ -46,13 +46,13 @@ test-tsan:
 	@$(call build,tsan,,thread_tests)
 	@ctest --preset tsan -j $(JOBS) -L threads
 
-# The page of reports, used in a browser without a window.
+# The report page in a headless browser.
 test-report:
 	@$(call packages,qt test report browser)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_WITH_REPORT=ON,zr)
 	@ctest --preset release -R report_page
 
-# Random and damaged input, each fuzzer for FUZZ_SECONDS; more finds more: make fuzz FUZZ_SECONDS=600
+# Random and damaged input, each fuzzer for FUZZ_SECONDS; for a longer search: make fuzz FUZZ_SECONDS=600
 FUZZ_SECONDS ?= 30
 fuzz:
 	@$(call packages,fuzz)
@@ -82,7 +82,7 @@ bench-peers:
 bench-reduction: bench-peers
 	@tools/bench-reduction build/release/bin build/peers $(SCENES)
 
-# What a machine can check without running anything.
+# Static checks, fast ones.
 check:
 	@$(call packages,qt test bench check)
 	@tools/check-layers
@@ -90,13 +90,13 @@ check:
 	@cmake --preset check >/dev/null
 	@tools/check-code build/check
 
-# clang-tidy, the slow part of it: about three minutes of CPU.
+# clang-tidy, the slow static check: about three minutes of CPU.
 tidy:
 	@$(call packages,qt test bench check)
 	@cmake --preset tidy >/dev/null
 	@tools/tidy build/tidy
 
-# Lines that the tests run, folder by folder; fails where they are less than 90 of 100.
+# Line coverage of the tests by folder; fails below 90 percent.
 coverage:
 	@$(call packages,qt test check)
 	@$(call build,coverage,,all)
@@ -104,17 +104,17 @@ coverage:
 	@ctest --preset coverage -j $(JOBS)
 	@tools/coverage build/coverage
 
-# What others get has the page of reports, whether or not it is built here otherwise.
+# Shipped builds always include the report page.
 shipped:
 	@$(call packages,qt report)
 	@$(call build,release,-DZR_BUILD_TESTS=OFF -DZR_BUILD_BENCH=OFF -DZR_WITH_REPORT=ON,all)
 
-# Debian packages; they go to build/release/packages.
+# Debian packages, in build/release/packages.
 package: shipped
 	@$(call packages,package)
 	@cpack --config build/release/CPackConfig.cmake -G DEB >/dev/null
 
-# Archives that run from where they are unpacked; they go to build/PRESET/packages.
+# Relocatable archives, in build/PRESET/packages.
 dist: dist-linux dist-windows
 
 dist-linux: shipped
@@ -126,11 +126,11 @@ dist-windows: windows-packages
 	@$(call build,windows-x64,-DZR_BUILD_TESTS=OFF -DZR_WITH_REPORT=ON,all)
 	@for preset in windows-x64 windows-x86; do cpack --config build/$$preset/CPackConfig.cmake >/dev/null || exit 1; done
 
-# Packages and archive in a bare system. Needs root.
+# Tests packages and archive in a bare system. Needs root.
 package-test: package dist-linux
 	@tools/test-packages build/release/packages
 
-# Both commands in a bare system with nothing but git and make. Needs root.
+# make demo and make test in a bare system with only git and make. Needs root.
 bare-test:
 	@$(call packages,package)
 	@tools/test-bare demo test
@@ -144,7 +144,7 @@ windows: windows-packages
 	@$(call build,windows-x86,-DZR_BUILD_TESTS=OFF,all)
 	@$(call build,windows-x64,-DZR_BUILD_TESTS=OFF,all)
 
-# Their tests, under Wine; those of the commands are this system's, and call the program for Windows. Needs root.
+# The Windows tests, under Wine. The tests of the commands run natively and call the Windows program. Needs root.
 windows-test: windows-packages
 	@$(call packages,qt test)
 	@$(call build,release,-DZR_BUILD_TESTS=ON -DZR_BUILD_BENCH=OFF,command_tests)

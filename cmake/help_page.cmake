@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# cmake -DCMARK=... -DINPUT=page.md -DOUTPUT=page.htm -P help_page.cmake: a page of the documents as a page of the help.
+# cmake -DCMARK=... -DINPUT=page.md -DOUTPUT=page.htm -P help_page.cmake: converts a page of the documentation into a
+# help page.
 execute_process(COMMAND ${CMARK} ${INPUT} OUTPUT_VARIABLE body COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCH "<h1>([^<]*)</h1>" heading "${body}")
 file(WRITE ${OUTPUT} "<!DOCTYPE html>

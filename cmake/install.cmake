@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
-# What an installation holds, in three parts: the program with the module and the core library (zrtools), the windows
-# of the Linux build (qt), and what other people's hosts and modules are built with (dev). All paths are relative, so
-# that an installed tree can be moved.
+# The contents of an installation, in three components: the program with the module and the core library (zrtools), the
+# windows of the Linux build (qt), and the files to build other hosts and modules with (dev). All paths are relative, so
+# an installed tree is relocatable.
 include(CMakePackageConfigHelpers)
 
-# On Windows a library stands beside the program that needs it.
+# On Windows a library is beside the program that needs it.
 if(WIN32)
   set(shared_folder ${CMAKE_INSTALL_BINDIR})
 else()
@@ -24,7 +24,7 @@ install(TARGETS kernix EXPORT zrtools
 install(TARGETS zrtools EXPORT zrtools LIBRARY DESTINATION ${shared_folder} COMPONENT zrtools)
 if(TARGET zr)
   if(NOT WIN32)
-    # The program's folders serve also what its libraries need, where an archive brings them.
+    # The search path also finds the dependencies of the libraries that an archive includes.
     target_link_options(zr PRIVATE -Wl,--disable-new-dtags)
     install(PROGRAMS tools/zr-batch DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zrtools)
   endif()

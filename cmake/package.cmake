@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Debian packages of the three parts of an installation, and one archive of the program.
+# Debian packages of the three components of an installation, and one archive of the program.
 set(CPACK_PACKAGE_NAME zrtools)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "zrtools developers <zrtools@localhost>")
@@ -37,8 +37,8 @@ set(CPACK_PACKAGE_FILE_NAME zrtools-${PROJECT_VERSION}-${system})
 set(CPACK_ARCHIVE_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_SOURCE_DIR}/cmake/package_generator.cmake)
 
-# An archive brings the libraries that not every system has, all but those of the compiler and of C. A package names
-# those it needs, and Qt is the system's own. On Windows the program holds them.
+# An archive includes the libraries that not every system has, except the C and compiler runtimes and Qt, which are the
+# system's own. A package depends on those it needs. On Windows the program links them statically.
 if(TARGET zr AND NOT WIN32)
   install(CODE "
     file(GET_RUNTIME_DEPENDENCIES EXECUTABLES \"$<TARGET_FILE:zr>\" MODULES \"$<TARGET_FILE:zrtools>\"

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Read for each kind of package: the Debian ones are one for each part, an archive is the program with all it needs.
+# Read for each package generator: Debian gets one package per component, an archive contains the program with
+# everything it needs.
 if(CPACK_GENERATOR STREQUAL DEB)
   set(CPACK_COMPONENTS_ALL zrtools qt dev)
   set(CPACK_COMPONENTS_GROUPING IGNORE)

@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
-# What Debian has for Linux alone is built from its source packages, which tools/debian-source has fetched. The names
-# are those under which the folders of app/ look for the libraries of other systems.
+# Libraries that Debian provides only for Linux are built from its source packages, fetched by tools/debian-source. The
+# target names are those that the folders of app/ use on other systems.
 set(ZR_SOURCES ${CMAKE_SOURCE_DIR}/build/debian-sources CACHE PATH "Folder of Debian's source packages")
 set(built_headers ${CMAKE_BINARY_DIR}/headers)
 
-# Other people's code, whose warnings are theirs, optimised as Debian does.
+# Third-party code: no warnings, and Debian's optimisation level.
 function(zr_add_foreign name)
   add_library(${name} STATIC ${ARGN})
   target_compile_options(${name} PRIVATE -w -O2)
@@ -18,7 +18,7 @@ configure_file(${ZR_SOURCES}/libpolyclipping/cpp/clipper.hpp ${built_headers}/po
 target_include_directories(polyclipping SYSTEM INTERFACE ${built_headers})
 set(ZR_CLIPPER_LIBRARY polyclipping)
 
-# Tables that the library's own programs make of the system's Unicode data.
+# Tables that the library's own programs generate from the system's Unicode data.
 file(GLOB re2_sources ${ZR_SOURCES}/re2/re2/*.cc)
 foreach(table perl_groups unicode_casefold unicode_groups)
   file(GLOB maker ${ZR_SOURCES}/re2/re2/make_${table}.p?)

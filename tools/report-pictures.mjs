@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// report-pictures.mjs ZR EXAMPLES OUT: the pictures of reports that the documents show.
+// report-pictures.mjs ZR EXAMPLES OUT: makes the pictures of reports that the documentation shows.
 import { execFileSync } from "node:child_process";
 import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
@@ -11,7 +11,7 @@ const folder = mkdtempSync(join(tmpdir(), "zr-pictures-"));
 const path = (name) => join(folder, name);
 const run = (...words) => execFileSync(zr, words, { stdio: "ignore" });
 
-// Boxes in a grid, every third of them twice in one place, and empty nodes.
+// Boxes in a grid, every third one duplicated in place, and empty nodes.
 function crowded() {
   const faces = [0, 1, 2, 2, 1, 3, 4, 6, 5, 5, 6, 7, 0, 4, 1, 1, 4, 5, 2, 3, 6, 6, 3, 7, 0, 2, 4, 4, 2, 6, 1, 5, 3, 3, 5, 7];
   const corners = Float32Array.from({ length: 24 }, (_, i) => ((Math.floor(i / 3) >> (i % 3)) & 1) - 0.5);
