@@ -20,8 +20,8 @@ endif()
 if(ZR_SANITIZE)
   target_compile_options(zr_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=${ZR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1>)
-  # Each test program links everything it tests: with compressed debug information and without position-independent
-  # code it takes a third of the space.
+  # Each test program links everything it tests: with compressed debug information and a fixed load address it
+  # takes a third of the space.
   target_compile_options(zr_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-gz>)
   target_link_options(zr_options INTERFACE
     -fsanitize=${ZR_SANITIZE} -gz $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-no-pie>)

@@ -20,7 +20,7 @@ protected:
     }
 };
 
-// Cases that run with the module's host set.
+// Fixture that sets the module's host.
 class HostTest : public testing::Test {
 protected:
     HostTest() { g_pHost = &host; }

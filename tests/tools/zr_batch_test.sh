@@ -1,6 +1,6 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# zr_batch_test.sh ZR SOURCE ENGINE: a folder with scenes under awkward names and one that is broken.
+# zr_batch_test.sh ZR SOURCE ENGINE: a batch over scenes with awkward names, one of them broken.
 set -euo pipefail
 export ZR=$1
 source=$2 engine=$3
@@ -26,7 +26,7 @@ check "same result" "$(cmp "$folder/out/plain.gltf" "$folder/out/$awkward/wind m
 check "an option's value arrives" "$("$ZR" animations "$folder/out/plain.gltf" | grep -c turn)" 1
 check "what a scene printed" "$(grep -c 'keys became' "$folder"/out/log/*.out | grep -c ':1$')" 2
 
-# What is done is passed over; what was broken is tried again.
+# Finished scenes are skipped; failed ones are tried again.
 cp "$folder/in/plain.gltf" "$folder/in/broken.gltf"
 status=0
 batch export "$folder/in" "$folder/out" --animation "turn" --up z

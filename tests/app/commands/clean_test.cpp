@@ -14,8 +14,8 @@ namespace {
 
 class CleanCommand : public testing::Test {
 protected:
-    // The status of `zr clean` with these arguments, in which % stands for the folder; its output is in
-    // "out".
+    // The exit status of `zr clean` with these arguments, in which % stands for the folder; the output goes
+    // to "out".
     int Clean(std::string arguments) const {
         const std::string folder = (m_folder / "").string();
         for (std::size_t at; (at = arguments.find('%')) != std::string::npos;)
@@ -38,7 +38,7 @@ protected:
     gltf::test::TemporaryFolder m_folder;
 };
 
-TEST_F(CleanCommand, CleansScenesTogetherAsItCleansEachAlone) {
+TEST_F(CleanCommand, CleansManyScenesAsItCleansEachAlone) {
     std::string scenes;
     for (int i = 0; i < 8; ++i) {
         Write(Join("scene", i, ".gltf"), Join(R"({"name":"seen )", i, R"(","camera":0},{"name":"empty"})"));
@@ -54,8 +54,8 @@ TEST_F(CleanCommand, CleansScenesTogetherAsItCleansEachAlone) {
     }
 }
 
-// A list takes one word, so the files may stand anywhere; it has commas, or the option is given again.
-TEST_F(CleanCommand, ListsLeaveTheFilesAlone) {
+// A list option takes one word with commas, or is repeated, so the files may come anywhere.
+TEST_F(CleanCommand, ListOptionsDoNotConsumeOperands) {
     Write("in.gltf", R"({"name":"seen","camera":0},{"name":"alpha"},{"name":"beta"},{"name":"gamma"})");
     const auto left = [&](const std::string& arguments) {
         EXPECT_EQ(Clean(arguments), 0) << arguments << ": " << m_folder.Read("err");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A file a clip, and clips of several files.
+// One file per clip, and clips merged from several files.
 #include <gtest/gtest.h>
 
 #include "gltf/document.h"
@@ -20,7 +20,7 @@ std::string NamesIn(const CommandFolder& folder, const char* file) {
     return names;
 }
 
-TEST(Clips, GoIntoAFileEachAndComeBackFromThem) {
+TEST(Clips, SplitIntoFilesAndMergeBack) {
     const CommandFolder folder;
     folder.WriteAnimated("scene.glb");
     const Outcome split = folder.Zr("split scene.glb --out-dir clips");

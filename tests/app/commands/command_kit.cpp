@@ -24,7 +24,7 @@ Outcome CommandFolder::Zr(const std::string& arguments, const std::string& input
 
 Outcome CommandFolder::Shell(const std::string& line) const {
     const std::string folder = (*this / "").string();
-    // What the run itself leaves is counted, so its streams stand elsewhere.
+    // Tests count the files that a run leaves, so its captured streams are stored elsewhere.
     const TemporaryFolder streams;
     const std::string command = "cd " + folder + " && zr() { " + Program() + " \"$@\"; } && { " + line +
                                 "; } >" + (streams / "out").string() + " 2>" + (streams / "err").string();

@@ -64,7 +64,7 @@ TEST_F(Commands, InfoCounts) {
     EXPECT_EQ(json.Find("animations")->Items()[1].Find("end")->Number(), 2);
 }
 
-TEST_F(Commands, AnimationsTellTheirUsers) {
+TEST_F(Commands, AnimationsListTheirViewports) {
     const Outcome run = m_folder.Zr("animations a.glb");
     EXPECT_EQ(run.status, 0);
     EXPECT_TRUE(
@@ -93,7 +93,7 @@ TEST_F(Commands, DescribeListsTheCleaner) {
     EXPECT_GE(method.Find("parameters")->Items().size(), 8U);
 }
 
-TEST_F(Commands, ExportTellsWhatItDid) {
+TEST_F(Commands, ExportReportsItsWork) {
     const Outcome run = m_folder.Zr("export a.glb b.glb --animation walk --animation 'run, fast'");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_TRUE(run.out.starts_with("4 keys became 4; quick check: largest deviation ")) << run.out;
@@ -103,7 +103,7 @@ TEST_F(Commands, ExportTellsWhatItDid) {
     EXPECT_NE(m_folder.Read("map.json").find("xox"), std::string::npos) << m_folder.Read("map.json");
 }
 
-TEST_F(Commands, ReduceTellsWhatItDid) {
+TEST_F(Commands, ReduceReportsItsWork) {
     const std::string scene = std::string(ZR_EXAMPLES) + "/windmill.gltf";
     const gltf::Json json = Json("reduce " + scene + " b.glb --tolerance 1cm,0.5deg");
     const gltf::Json& result = json.Find("results")->Items()[0];
@@ -127,7 +127,7 @@ TEST_F(Commands, RecordsHoldEveryAnimation) {
     const auto animations = all.Find("animations")->Items();
     ASSERT_EQ(animations.size(), 3U);
     for (const char* name : {"walk", "run, fast", "still"}) {
-        // Each is what it is when it is exported alone, with its name.
+        // Each equals its export on its own, plus its name.
         ASSERT_EQ(
             m_folder.Zr("export a.glb one.json --at-least-one-key --animation '" + std::string(name) + "'")
                 .status,
@@ -146,11 +146,11 @@ TEST_F(Commands, RecordsHoldEveryAnimation) {
     EXPECT_EQ(m_folder.Zr("export a.glb c.json --no-animation").status, 0);
 }
 
-TEST_F(Commands, AModuleErrorIsToldOnce) {
+TEST_F(Commands, AModuleErrorIsReportedOnce) {
     ExpectFailure("export a.glb b.glb --option-words 0,0,0", "a.glb: Invalid parameters\n");
 }
 
-// Stored times that would give keys without an end, or none at all.
+// Stored times that would produce endless keys, or none at all.
 TEST_F(Commands, SettingsStayInRange) {
     for (const char* percent : {"1e38", "-50"}) {
         m_folder.Write("user.ini",
@@ -194,7 +194,7 @@ TEST_F(Commands, SplitCutsOrSeparates) {
     ExpectFailure("split a.glb d.glb --animation still --each", "moves nothing");
 }
 
-TEST_F(Commands, FontsAndHelpTellPrograms) {
+TEST_F(Commands, FontsAndHelpPrintJson) {
     EXPECT_FALSE(Json("fonts dejavu").Find("fonts")->Items().empty());
     EXPECT_GT(Json("help").Find("commands")->Items().size(), 10U);
     const gltf::Json help = Json("help export");
@@ -211,7 +211,7 @@ TEST_F(Commands, RemoveAnimationsCounts) {
     ExpectFailure("remove-animations a.glb e.glb --animation ran", "no animation is named \"ran\"");
 }
 
-TEST_F(Commands, CompareEndsWithItsVerdict) {
+TEST_F(Commands, CompareExitsWithItsResult) {
     EXPECT_EQ(m_folder.Zr("export a.glb b.glb").status, 0);
     EXPECT_TRUE(Json("compare a.glb b.glb").Find("same")->Bool());
     EXPECT_EQ(m_folder.Zr("export a.glb big.glb --scale 1.001").status, 0);
@@ -241,13 +241,13 @@ TEST_F(Commands, InspectListsTables) {
     EXPECT_EQ(m_folder.Shell("zr inspect - <a.glb").out, m_folder.Zr("inspect a.glb").out);
 }
 
-TEST_F(Commands, StrictReadingRefusesWhatIsMissing) {
+TEST_F(Commands, StrictRefusesMissingFiles) {
     m_folder.Write("image.gltf", R"({"asset":{"version":"2.0"},"images":[{"uri":"gone.png"}]})");
     EXPECT_EQ(m_folder.Zr("inspect image.gltf").status, 0);
     ExpectFailure("inspect image.gltf --strict", "/images/0/uri: \"gone.png\" is missing");
 }
 
-TEST_F(Commands, ReportsReplaceNothing) {
+TEST_F(Commands, ReportsOverwriteNothing) {
     for (const char* place : {"a.glb", "./b.glb"}) {
         const Outcome run = m_folder.Zr(std::string("clean a.glb b.glb --report ") + place);
         EXPECT_EQ(run.status, 2) << run.err;
@@ -256,7 +256,7 @@ TEST_F(Commands, ReportsReplaceNothing) {
     EXPECT_EQ(m_folder.Files(), (Strings{"a.glb"}));
 }
 
-TEST_F(Commands, ReportsAreWholePages) {
+TEST_F(Commands, ReportsAreCompletePages) {
     const Outcome run = m_folder.Zr("clean a.glb b.glb --report page.html");
     if (run.err.find("built without report pages") != std::string::npos) GTEST_SKIP() << run.err;
     EXPECT_EQ(run.status, 0) << run.err;
@@ -265,7 +265,7 @@ TEST_F(Commands, ReportsAreWholePages) {
     EXPECT_TRUE(page.ends_with("</html>\n"));
 }
 
-TEST_F(Commands, CleanAndTextTellPrograms) {
+TEST_F(Commands, CleanAndTextPrintJson) {
     const gltf::Json clean = Json("clean a.glb b.glb --explain").Find("results")->Items()[0];
     EXPECT_GT(clean.Find("bytesAfter")->Number(), 0);
     EXPECT_EQ(Json("text --style stroke A a.svg").Find("contours")->Number(), 3);
@@ -290,7 +290,7 @@ TEST_F(Commands, ScenesPassThroughPipes) {
     EXPECT_TRUE(broken.err.starts_with("zr: standard input: byte ")) << broken.err;
 }
 
-TEST_F(Commands, NoClobberKeepsWhatIsThere) {
+TEST_F(Commands, NoClobberKeepsExistingFiles) {
     for (const char* command :
          {"export a.glb b.glb", "clean a.glb b.glb", "merge a.glb b.glb --animations 0,1",
           "split a.glb b.glb --animation 0 --each", "remove-animations a.glb b.glb --unused",
@@ -301,7 +301,7 @@ TEST_F(Commands, NoClobberKeepsWhatIsThere) {
     }
 }
 
-TEST_F(Commands, QuietLeavesAnswersAndErrors) {
+TEST_F(Commands, QuietPrintsAnswersAndErrors) {
     const Outcome quiet = m_folder.Zr("-q export a.glb b.glb");
     EXPECT_EQ(quiet.status, 0);
     EXPECT_EQ(quiet.out + quiet.err, "");
@@ -337,7 +337,7 @@ protected:
     }
 };
 
-TEST_F(ManyFiles, GoOutUnderTheirNames) {
+TEST_F(ManyFiles, KeepTheirNames) {
     for (const char* command : {"export", "clean", "merge --animations 0,1"}) {
         SCOPED_TRACE(command);
         const std::string line = std::string(command) + " --out-dir out --jobs 3 --format gltf in";
@@ -355,7 +355,7 @@ TEST_F(ManyFiles, GoOutUnderTheirNames) {
     }
 }
 
-TEST_F(ManyFiles, StopAtTheFirstFailureOrGoOn) {
+TEST_F(ManyFiles, StopAtTheFirstFailureOrContinue) {
     m_folder.Write("in/deep/b.glb", "broken");
     const gltf::Json stopped = Json("export --out-dir out in", 1);
     EXPECT_EQ(stopped.Find("done")->Number(), 1);
@@ -370,7 +370,7 @@ TEST_F(ManyFiles, StopAtTheFirstFailureOrGoOn) {
     EXPECT_TRUE(m_folder.Exists("out/deep/c.glb"));
 }
 
-TEST_F(ManyFiles, MayNotMeet) {
+TEST_F(ManyFiles, MayNotShareAnOutput) {
     for (const char* files : {"in/a.glb in/a.glb", "in/deep/b.glb in/deep", "-", "nothing"}) {
         SCOPED_TRACE(files);
         std::filesystem::create_directory(m_folder / "nothing");

@@ -24,7 +24,7 @@ ExportOptions Read(const std::string& line) {
 
 struct Case {
     const char* line;
-    std::uint32_t exportFlags;  // the bits that differ from those of an empty line
+    std::uint32_t exportFlags;  // the bits that differ from the default
     std::uint32_t nameFlags = 0;
     std::uint32_t animFlags = 0;
 };
@@ -89,7 +89,7 @@ TEST(ExportArguments, EveryBitOfTheToolsHasAnOption) {
     EXPECT_EQ(all.animFlags, 0x3ECu);
 }
 
-TEST(ExportArguments, FieldsAndWordsAreTaken) {
+TEST(ExportArguments, FieldsAndOptionWordsAreRead) {
     const ExportOptions options =
         Read("--pivot-mode 2 --length 3 --max-name 40 --max-material-name 8 --rename a=b --scale 10 --up z");
     EXPECT_EQ(options.pivotMode, 2);

@@ -15,8 +15,8 @@
 namespace zr::test {
 namespace {
 
-constexpr rlim_t kSeconds = 5;      // of work
-constexpr unsigned kPatience = 60;  // with what else the machine does
+constexpr rlim_t kSeconds = 5;      // of CPU time
+constexpr unsigned kPatience = 60;  // seconds, on a busy machine
 
 std::string Content(int file) {
     std::string content(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Names that would break a line, colour a terminal, turn the direction of writing or are no text at all: in
-// scenes, of files and as words of the command line. Whatever is told stays on its lines and shows what it
-// holds.
+// Names that would break a line, colour a terminal, change the text direction or are not valid text: in
+// scenes, of files and on the command line. All output stays on its lines and shows such characters as
+// escapes.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,12 +12,12 @@
 namespace zr::test {
 namespace {
 
-// As JSON has it, and as a shell.
+// The text as a JSON string, and quoted for a shell.
 constexpr const char* kJsonName = R"(a\nb\u001B[31m\u0007\r\u2028\u202E\u0085\u007F\"\\)";
 constexpr const char* kWord = R"~("$(printf 'a\nb\033[31m\007\r\342\200\250\177\377"')")~";
 constexpr const char* kFile = R"~("$(printf 'in\n\033[2J\377.gltf')")~";
 
-// Every line is one that a terminal shows and does not obey.
+// Every line is plain text to a terminal, without control sequences.
 void ExpectPrintable(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) EXPECT_EQ(line, Printable(line));
@@ -29,7 +29,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view w
     return text;
 }
 
-// faults: what follows in the primitive's attributes.
+// faults: further text in the primitive's attributes.
 std::string Scene(const char* faults) {
     return Replaced(
         Join(R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"name": "NAME", "nodes": [0]}],

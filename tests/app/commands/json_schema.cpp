@@ -97,7 +97,7 @@ private:
         return {};
     }
 
-    // Of the choices that fail, the one whose command is right tells why.
+    // Of the alternatives that fail, the one for this command says why.
     std::string ChoiceFault(const Json& value, const Json& choices, const std::string& place) const {
         std::size_t fitting = 0;
         std::string telling = "no command of the schema";

@@ -7,8 +7,8 @@
 
 namespace zr::test {
 
-// Where and why the value does not fit the schema, or an empty text. Knows the words that the program's own
-// schema uses, and fails on any other.
+// Where and why the value violates the schema, or an empty text. Supports the keywords that the program's own
+// schemas use, and reports any other.
 std::string SchemaFault(const gltf::Json& value, const gltf::Json& schema);
 
 }  // namespace zr::test

@@ -54,7 +54,7 @@ public:
 private:
     std::size_t Place() { return m_random.Pick(m_document.size()); }
 
-    // Also behind the container's header and length fields, where most of a text's faults are.
+    // Also past the container's header and length fields, where most faults in the JSON text are.
     std::size_t PlaceOf(bool (*wanted)(char)) {
         const auto from = m_document.begin() + static_cast<std::ptrdiff_t>(Place());
         const auto found = std::find_if(from, m_document.end(), wanted);
@@ -99,11 +99,11 @@ private:
         m_document.replace(colon + 1, end - colon - 1, kValues[m_random.Pick(std::size(kValues))]);
     }
 
-    // A container whose lengths are wrong is refused at once: mostly they follow.
+    // A container with wrong lengths is refused at once, so they are usually updated.
     void MendLengths() {
         constexpr std::size_t kHeader = 20;
         if (!m_document.starts_with("glTF") || m_document.size() < kHeader || m_random.Pick(8) == 0) return;
-        // The end of the text is where the next chunk's type stands.
+        // The JSON text ends where the next chunk begins.
         const std::size_t bin = m_document.rfind(std::string_view("BIN\0", 4));
         std::size_t json =
             (bin == std::string::npos || bin < kHeader + 4 ? m_document.size() : bin - 4) - kHeader;

@@ -7,8 +7,8 @@
 
 namespace zr::test {
 
-// A document, text or binary container, with one to four things about it changed: a bit, a byte, a number, a
-// word between quotes, a piece taken out, doubled or put elsewhere, the end cut off.
+// A document, text or binary container, with one to four mutations: a bit, a byte, a number or a quoted word
+// changed, a piece removed, doubled or moved, the end cut off.
 std::string Mutated(std::string document, Random& random);
 
 }  // namespace zr::test

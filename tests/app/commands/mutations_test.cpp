@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Small valid scenes with a few things about them changed, through every command. Each run ends with 0, or
-// with 1 and exactly one line, within five seconds and a gigabyte; nothing is lost and no file changed by a
-// run that failed. ZR_MUTATIONS says how many (else a few), ZR_MUTATION_SEED which.
+// Small valid scenes with a few mutations, through every command. Each run exits with 0, or with 1 and
+// exactly one line, within five seconds and a gigabyte; it leaks nothing, and a failed run changes no file.
+// ZR_MUTATIONS sets the number of runs (default: a few), ZR_MUTATION_SEED the seed.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,8 +24,8 @@ using Words = std::vector<std::string>;
 
 constexpr int kMemoryLost = 51;
 constexpr long kGreatestPeak = 1 << 20;  // KiB
-constexpr int kMostFaults = 20;          // after which the rest is not worth the time
-constexpr const char* kOld = "old";      // of the file that a result takes the place of
+constexpr int kMostFaults = 20;          // stop after so many
+constexpr const char* kOld = "old";      // content of the file that a result replaces
 
 // IN stands for the scene. A comparison also ends with 1 when it finds a difference.
 const Words kRuns[] = {
@@ -97,7 +97,7 @@ std::string Line(const Words& words) {
     return line;
 }
 
-// What is wrong with a run; nothing for one that is as it should be.
+// Why a run is faulty; empty for a correct one.
 std::string Fault(const Words& words, const ForkedRun& run, const CommandFolder& folder,
                   const std::vector<std::string>& before) {
     if (run.status == kMemoryLost) return "memory was lost";
@@ -113,10 +113,10 @@ std::string Fault(const Words& words, const ForkedRun& run, const CommandFolder&
     return "";
 }
 
-TEST(Mutations, AreAnsweredWithAResultOrOneLine) {
+TEST(Mutations, GiveAResultOrOneLine) {
     const CommandFolder folder;
     const std::vector<Source> sources = Sources(folder);
-    // What is loaded once is loaded here.
+    // Loads what is loaded only once, before the forks.
     const char* const version[] = {"zr", "--version"};
     ASSERT_EQ(RunProgram(2, version), 0);
     folder.Write("out.glb", kOld);

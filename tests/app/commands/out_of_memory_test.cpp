@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Small runs of every command, in which each allocation fails in turn. Whatever fails, the program ends with
-// 0 or with 1 and one line, it has lost no memory, and the files are those of before or those of a run
-// without failure.
+// Small runs of every command in which each allocation fails in turn. In every case the program exits with 0,
+// or with 1 and one line, leaks no memory, and the files are either unchanged or those of a run without
+// failure.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,9 +18,9 @@ namespace zr::test {
 namespace {
 
 using Words = std::vector<std::string>;
-using Contents = std::map<std::string, std::string>;  // of files by name
+using Contents = std::map<std::string, std::string>;  // content by file name
 
-// Exit statuses that the program has not.
+// Exit statuses that the program itself never uses.
 constexpr int kNoneFailed = 50;
 constexpr int kMemoryLost = 51;
 
@@ -34,7 +34,7 @@ const Words kRuns[] = {
     {"export", "sample.glb", "out.gltf", "--resample", "--geometry-split", "--targets", "keys"},
     {"export", "a.glb", "out.json", "--animation", "walk", "--angle-axis"},
     {"export", "a.glb", "out.glb", "--json"},
-    // Of several scenes all memory is given back at once.
+    // With several scenes, all memory is freed before the end.
     {"clean", "-q", "--all", "--explain", "--out-dir", "cleaned", "a.glb", "sample.glb"},
     {"merge", "a.glb", "out.glb", "--animations", "0,1", "--sequence"},
     {"merge", "a.glb", "out.glb", "--from", "b.glb"},
@@ -50,14 +50,14 @@ const Words kRuns[] = {
     {"help", "export"},
 };
 
-// The command line takes about as many allocations before a command begins, the same for all of them.
+// Parsing the command line makes about this many allocations, the same for all commands.
 constexpr long kSetUp = 5000;
 
-// Every allocation when asked for, else every few.
+// 1 on request, else a larger stride.
 long Stride(long usual) {
     if (std::getenv("ZR_EVERY_ALLOCATION") != nullptr) return 1;
 #ifdef __SANITIZE_ADDRESS__
-    return 20 * usual;  // copies of a process with shadow memory take their time
+    return 20 * usual;  // forking a process with shadow memory is slow
 #else
     return usual;
 #endif
@@ -95,11 +95,11 @@ std::string Joined(const Words& words) {
     return text;
 }
 
-// What failing runs of the words leave.
+// Runs the words with failing allocations and checks what each run leaves.
 class Steps {
 public:
     Steps(const FailingRuns& folder, const Words& words) : m_folder(folder), m_words(words) {
-        // What is made once and stays is made here.
+        // A first run creates what is created once and kept.
         const auto here = std::filesystem::current_path();
         std::filesystem::current_path(folder / "");
         testing::internal::CaptureStdout();
@@ -120,7 +120,7 @@ public:
         long beyond = first;
         while (fails(beyond)) beyond += stride;
         ASSERT_GT(beyond, first) << "the command line takes fewer allocations than before";
-        // The last ones come after the files have their names, when the run can no longer be undone.
+        // The last allocations come after the files have been renamed, when the run can no longer be undone.
         constexpr long kTelling = 12;
         long last = beyond - stride;
         while (beyond - last > 1) {
@@ -131,7 +131,7 @@ public:
     }
 
 private:
-    // Whether a run takes that many allocations, and what it then left.
+    // Lets the n-th allocation fail and checks the result; false when the run makes fewer allocations.
     bool Fails(long n, const ForkedRun& whole, const Contents& before, const Contents& after) const {
         SCOPED_TRACE(Join(Joined(m_words), ", allocation ", n));
         m_folder.Restore(before);
@@ -162,7 +162,7 @@ private:
 
     bool IsSingle() const { return std::find(m_words.begin(), m_words.end(), "--out-dir") == m_words.end(); }
 
-    // Of several results, some are there, each of them whole.
+    // With several results, some of them are there, each complete.
     static bool IsBetween(const Contents& before, const Contents& left, const Contents& after) {
         return std::includes(left.begin(), left.end(), before.begin(), before.end()) &&
                std::includes(after.begin(), after.end(), left.begin(), left.end());

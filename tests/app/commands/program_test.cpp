@@ -7,7 +7,7 @@
 namespace zr::test {
 namespace {
 
-TEST(Program, TellsItsVersions) {
+TEST(Program, PrintsItsVersions) {
     const CommandFolder folder;
     for (const char* option : {"--version", "-V"}) {
         const Outcome run = folder.Zr(option);
@@ -17,7 +17,7 @@ TEST(Program, TellsItsVersions) {
     }
 }
 
-TEST(Program, HelpsWithEachCommand) {
+TEST(Program, HasHelpForEachCommand) {
     const CommandFolder folder;
     const Outcome list = folder.Zr("help");
     EXPECT_EQ(list.status, 0);
@@ -98,7 +98,7 @@ TEST(Program, FailsWhenStandardOutputIsFull) {
     }
 }
 
-// The first Ctrl-C arrives while the scene is still being read.
+// The first Ctrl-C arrives while the scene is being read.
 TEST(Program, StopsAtCtrlC) {
     const CommandFolder folder;
     folder.WriteAnimated("a.glb");
@@ -118,7 +118,7 @@ TEST(Program, StopsAtCtrlC) {
     }
 }
 
-TEST(Suggestion, IsTheNearestWordThatIsNear) {
+TEST(Suggestion, IsTheNearestSimilarWord) {
     const std::vector<std::string> words{"export", "clean", "text", "tree"};
     EXPECT_EQ(NearestWord("exprot", words), "export");
     EXPECT_EQ(NearestWord("CLEAN", words), "clean");

@@ -20,7 +20,7 @@ const CommandTable& Command(const std::string& name) {
     throw std::runtime_error("no command " + name);
 }
 
-// The completions of the last word, as a shell would offer them.
+// The completions that a shell would offer for the last word.
 std::string Completed(const CommandFolder& folder, const std::string& words) {
     return folder
         .Shell("bash -c 'source ./zr.bash; compopt() { :; }; COMP_WORDS=(" + words +
@@ -40,7 +40,7 @@ TEST(Reference, BashCompletesCommandsOptionsAndWords) {
     EXPECT_EQ(Completed(folder, "zr info a"), "\n") << "files are the shell's";
 }
 
-TEST(Reference, EveryOptionHasItsPlaceInEachKindOfText) {
+TEST(Reference, EveryOptionIsInEveryFormat) {
     const std::string zsh = ZshCompletion(Program()), fish = FishCompletion(Program());
     for (const CommandTable& command : Program().commands) {
         const std::string manual = ManualPage(Program(), command), page = DocumentPage(Program(), command);
@@ -60,7 +60,7 @@ TEST(Reference, EveryOptionHasItsPlaceInEachKindOfText) {
 }
 
 // A line that begins with a dot would be a request, and a backslash an escape.
-TEST(Reference, ManualPagesQuoteTheirText) {
+TEST(Reference, ManualPagesEscapeTheirText) {
     CommandTable program{"zr", "", "x", {"zr"}, {}, {}, ".sh \\fB\n'quoted'", {}};
     const std::string page = ManualPage(program, program);
     EXPECT_NE(page.find("\n\\&.sh \\efB\n\\&'quoted'\n"), std::string::npos) << page;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Wherever the command line takes a file it may be given something else: a device without an end, a folder, a
-// socket, a link that leads nowhere or round in circles. One line says so, and nothing is left behind.
+// Wherever the command line takes a file, it may be given something else: an endless device, a folder, a
+// socket, a dangling or cyclic link. One line says so, and nothing is left behind.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
-// FILE stands for what is given.
+// FILE stands for the special file.
 constexpr const char* kReaders[] = {
     "info FILE.glb",
     "compare a.glb FILE.glb",
@@ -76,7 +76,7 @@ protected:
         EXPECT_EQ(Files(), before);
     }
 
-    // Of every kind; links are not followed.
+    // Entries of every kind; links are not followed.
     Names Files() const {
         Names names;
         for (const auto& entry : fs::directory_iterator(m_folder / ""))
@@ -102,7 +102,7 @@ TEST_F(SpecialFiles, AreNotReplaced) {
             ExpectRefused(line, name);
 }
 
-TEST_F(SpecialFiles, NamesMayBeAsLongAsTheSystemHasThem) {
+TEST_F(SpecialFiles, NamesMayBeAsLongAsTheSystemAllows) {
     for (const char* line : kReaders) ExpectRefused(line, std::string(256, 'x'));
     for (const char* line : kWriters) ExpectRefused(line, std::string(256, 'x'));
     const std::string longest(251, 'x');
@@ -110,7 +110,7 @@ TEST_F(SpecialFiles, NamesMayBeAsLongAsTheSystemHasThem) {
     EXPECT_EQ(m_folder.Zr("info " + longest + ".glb").status, 0);
 }
 
-TEST_F(SpecialFiles, EmptyNamesAreAMistake) {
+TEST_F(SpecialFiles, EmptyNamesAreAUsageError) {
     const auto expect = [&](std::string line) {
         SCOPED_TRACE(line);
         line = line.replace(line.find("FILE"), line.find(' ', line.find("FILE")) - line.find("FILE"), "''");
@@ -123,7 +123,7 @@ TEST_F(SpecialFiles, EmptyNamesAreAMistake) {
     for (const char* line : kWriters) expect(line);
 }
 
-// As every tool does: a shell's <(...) is such a name.
+// A shell's <(...) is such a name.
 TEST_F(SpecialFiles, PipesAreReadToTheirEnd) {
     const std::string plain = m_folder.Zr("info a.glb").out;
     EXPECT_EQ(m_folder.Shell("mkfifo pipe; cat a.glb >pipe & zr info pipe").out, plain);

@@ -41,7 +41,7 @@ protected:
     fs::path m_folder;
 };
 
-// The numbers in the text begin with these, up to what another system's grid of glyphs moves them by.
+// The text's numbers begin with these, up to the differences between systems' glyph hinting.
 void ExpectNumbers(const std::string& text, const std::vector<double>& wanted) {
     constexpr double kGrid = 0.5;
     std::vector<double> found;
@@ -66,7 +66,7 @@ TEST_F(TextCommand, WritesEveryFormat) {
     EXPECT_EQ(Run("--style stroke '|' l.svg"), 0);
     EXPECT_NE(Read("l.svg").find("<path d=\"M4 -25 L4 7\"/>"), std::string::npos) << Read("l.svg");
 
-    // Scenes that a reader with every check accepts, and that hold the triangles and the segments.
+    // The scenes pass every check of the reader and hold the triangles and the segments.
     for (const auto& [arguments, file, mode, corners] :
          {std::tuple{"--style mesh l", "l.glb", 4, 6}, {"l", "l.gltf", 1, 8}}) {
         ASSERT_EQ(Run(font + arguments + " " + file), 0) << Read("errors");
@@ -110,7 +110,7 @@ TEST_F(TextCommand, NamesWhatIsMissingAndWritesNothing) {
         for (const char* name : {"out.svg", "out.obj", "out.stl", "out.xyz"})
             EXPECT_FALSE(fs::exists(m_folder / name));
     }
-    // Elsewhere an argument has no bytes that are no text.
+    // Only here can an argument contain invalid UTF-8.
     if (std::getenv("ZR_TEST_PROGRAM") == nullptr) {
         EXPECT_EQ(Run("'A\xFF' out.svg"), 1);
         EXPECT_NE(Read("errors").find("TEXT: byte 1: "), std::string::npos) << Read("errors");
@@ -120,7 +120,7 @@ TEST_F(TextCommand, NamesWhatIsMissingAndWritesNothing) {
     EXPECT_TRUE(fs::exists(m_folder / "out.svg"));
 }
 
-TEST_F(TextCommand, TakesTheLinesOfAFile) {
+TEST_F(TextCommand, ReadsTheLinesOfAFile) {
     std::ofstream(m_folder / "lines.txt") << "\xEF\xBB\xBFl\nl\r\n";
     ASSERT_EQ(Run("--font 'DejaVu Sans' --file lines.txt out.json"), 0) << Read("errors");
     // The second line starts at the left again, 10 units below the first.
@@ -128,7 +128,7 @@ TEST_F(TextCommand, TakesTheLinesOfAFile) {
                                      3, 11.31, 91.17,  22.09, 91.17,  22.09, 0,  11.31, 0,  11.31, 91.17});
 }
 
-TEST_F(TextCommand, TakesManyFilesAndStandardStreams) {
+TEST_F(TextCommand, ReadsManyFilesAndStandardStreams) {
     fs::create_directory(m_folder / "texts");
     for (const char* name : {"one", "two", "three"})
         std::ofstream(m_folder / "texts" / (std::string(name) + ".txt")) << name << "\n";
@@ -152,7 +152,7 @@ TEST_F(TextCommand, TakesManyFilesAndStandardStreams) {
         EXPECT_EQ(Run(wrong), 2) << wrong;
 }
 
-TEST_F(TextCommand, TakesATextThatBeginsWithADash) {
+TEST_F(TextCommand, AcceptsATextThatBeginsWithADash) {
     const auto letters = [&](const char* arguments) {
         EXPECT_EQ(Run(arguments), 0) << arguments << ": " << Read("errors");
         const std::string metrics = Read("output");
@@ -175,7 +175,7 @@ TEST_F(TextCommand, DrawsForMachines) {
         << Read("out.svg");
     ASSERT_EQ(Run("$'i\nm' out.DXF --style stroke --align right"), 0) << Read("errors");
     EXPECT_NE(Read("out.DXF").find("VERTEX\n8\nSTROKES\n10\n-4\n20\n43\n"), std::string::npos);
-    // A font that the system has not by name, and a depth that makes a mesh.
+    // A font that is not installed, and a depth that implies a mesh.
     ASSERT_EQ(Run("l out.obj --depth 3 "
                   "--font-file /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf"),
               0)
@@ -183,7 +183,7 @@ TEST_F(TextCommand, DrawsForMachines) {
     const std::string solid = Read("out.obj");
     EXPECT_EQ(std::count(solid.begin(), solid.end(), 'v') % 2, 0);
     EXPECT_NE(solid.find(" 3\n"), std::string::npos);
-    // A number of right-to-left writing is drawn, and told about.
+    // A right-to-left digit is drawn, with a note.
     EXPECT_EQ(Run("$'\\u05D0' out.svg --font 'DejaVu Sans'"), 0);
     EXPECT_NE(Read("errors").find("right-to-left"), std::string::npos);
 }
