@@ -176,7 +176,7 @@ void AddCleanCommand(CLI::App& app, Session& session) {
                            {"clean scene.glb out.glb --keep-named --keep-extras",
                             "Remove only what has neither a name nor extras."},
                            {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
-                            "Clean every scene below a folder, whatever fails."}});
+                            "Clean every scene below a folder, even if some fail."}});
     command->callback([&session, arguments] {
         session.SetCommand([&session, arguments] {
             return arguments->dialog ? RunDialog(session, *arguments) : RunClean(session, *arguments);

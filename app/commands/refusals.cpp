@@ -9,9 +9,9 @@ namespace zr {
 
 std::vector<std::string> RefusalLines(std::string_view what, const std::vector<gltf::OpaqueUse>& uses) {
     std::vector<std::string> lines;
-    std::set<std::string_view> told;
+    std::set<std::string_view> reported;
     for (const gltf::OpaqueUse& use : uses) {
-        if (!told.insert(use.extension).second) continue;
+        if (!reported.insert(use.extension).second) continue;
         lines.push_back(Join(what, ": the extension ", use.extension, " at ", use.place,
                              " could refer to it (--force removes it anyway)"));
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/posix/large_heap.h"
 
-#include <cstdlib>  // tells which C library it is
+#include <cstdlib>  // defines __GLIBC__
 
 #ifdef __GLIBC__
 
