@@ -50,7 +50,7 @@ public:
             try {
                 for (std::size_t i = 1; i < workers; ++i) others.emplace_back([this] { DoTasks(); });
             } catch (const std::exception&) {
-                // The system has no room for another thread.
+                // Fewer threads will do.
             }
             DoTasks();
         }

@@ -25,8 +25,7 @@ std::string EndingOf(const std::string& format) {
     return "." + (format.empty() ? "glb" : format);
 }
 
-// The stream itself is read: opening it again by a name would wait for another writer where it is a named
-// pipe.
+// Reads the stream itself: reopening it by name would wait for another writer if it is a named pipe.
 std::vector<std::byte> ReadStandardInput(std::uint64_t limit) {
     constexpr std::size_t kStep = 1 << 20;
     std::vector<std::byte> content;
@@ -60,7 +59,7 @@ OutputTarget::OutputTarget(Session& session, const std::string& name, std::strin
     if (name == kStandardStream) {
         session.TakeStandardOutput();
         m_isStream = true;
-        // In a folder that does not exist and is never created: files beside the result count as missing.
+        // In a folder that is never created, so files beside the result count as missing.
         m_path = TemporaryName(fs::temp_directory_path()) / Join("out", ending);
         return;
     }

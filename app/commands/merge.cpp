@@ -92,7 +92,7 @@ private:
             LoadedScene other(LoadDocument(m_session, file, report));
             const BroughtAnimations result =
                 BringAnimations(other, loaded, Match(other.Scene(), loaded.Scene()));
-            report.Note("no partner", result.withoutPartner);
+            report.Note("no matching node", result.withoutPartner);
             report.Note("dropped", SkippedChannels(other, AnimationsOf(other.Scene())));
             const bool moves = std::any_of(result.animations.begin(), result.animations.end(),
                                            [](const auto* animation) { return HasKeys(*animation); });
