@@ -15,6 +15,7 @@
 #include "app/commands/options.h"
 #include "app/commands/session.h"
 #include "base/file.h"
+#include "base/text.h"
 
 namespace zr {
 
@@ -125,12 +126,26 @@ int RunClean(Session& session, const Arguments& arguments) {
 }
 
 int RunDialog(Session& session, const Arguments& arguments) {
-    const Task task = PlanTasks(arguments.files, kSceneFiles).front();
-    Report report;
-    if (CleanInDialog(LoadDocument(session, task.input, report), PathFromUtf8(task.output), session.GetHost(),
-                      arguments.options))
-        return 0;
-    std::fprintf(stderr, "zr: cancelled; nothing was written\n");
+    bool isCancelled = false;
+    const auto run = [&](const Task& task, const Advance&) {
+        OutputTarget out(session, task.output, EndingOf(arguments.files.format));
+        Report report;
+        gltf::Document document = LoadDocument(session, task.input, report);
+        CleanReport cleaned{.scene = task.input, .output = task.output, .bytesBefore = document.SourceSize()};
+        auto cleaning = CleanInDialog(std::move(document), session.GetHost(), arguments.options);
+        isCancelled = !cleaning;
+        if (isCancelled) throw Stopped();
+        cleaned.result.collected = cleaning->collected;
+        cleaned.bytesAfter = SaveDocument(cleaning->document, out);
+        report.json = CleanReportJson(cleaned, false);
+        report.text = Join(Printable(task.input), " -> ", Printable(task.output), "\n");
+        out.Commit(session);
+        return report;
+    };
+    const std::vector<Task> tasks = PlanTasks(arguments.files, kSceneFiles);
+    const int status = RunBatch(session, "clean", arguments.files, tasks, run);
+    if (!isCancelled) return status;
+    std::fputs("zr: cancelled; nothing was written\n", stderr);
     return kStoppedStatus;
 }
 

@@ -8,7 +8,6 @@
 #include "app/scene/loaded_scene.h"
 #include "app/scene/refuse_opaque.h"
 #include "app/services/host.h"
-#include "base/memory_watch.h"
 
 namespace zr {
 namespace {
@@ -23,8 +22,8 @@ gltf::KindSet RemovableKinds() {
 
 }  // namespace
 
-bool CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
-                   const CleanOptions& options) {
+std::optional<DialogCleaning> CleanInDialog(gltf::Document document, Host& host,
+                                            const CleanOptions& options) {
     StartWindows();
     if (!options.force) RefuseOpaque(document, RemovableKinds());
     const SceneOptions sceneOptions = SceneOptionsOf(options);
@@ -33,15 +32,14 @@ bool CleanInDialog(gltf::Document document, const std::filesystem::path& output,
     EnvironmentService environment(host);
     environment.Run(loaded.Document(),
                     [&] { host.Create<zr_CLEANER>(kTypeCleaner)->RunDialog(&loaded.Scene()); });
-    if (!loaded.Scene().HasChangeRecord()) return false;
-    gltf::Document cleaned = std::move(loaded).WriteBack();
+    if (!loaded.Scene().HasChangeRecord()) return std::nullopt;
+    DialogCleaning cleaning{std::move(loaded).WriteBack(), {}};
     if (!options.keepData) {
-        gltf::CollectGarbage(cleaned, kShownKinds, options.force);
-        gltf::CollectGarbage(cleaned, gltf::kDataKinds, options.force);
+        gltf::KindSet kinds = kShownKinds;
+        kinds.Add(gltf::kDataKinds);
+        cleaning.collected = gltf::CollectGarbage(cleaning.document, kinds, options.force);
     }
-    RequireMemory();
-    cleaned.Save(output);
-    return true;
+    return cleaning;
 }
 
 }  // namespace zr

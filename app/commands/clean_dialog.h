@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <filesystem>
+#include <optional>
 
 #include "app/operations/clean/clean_scene.h"
 
@@ -9,11 +9,14 @@ namespace zr {
 
 class Host;
 
-// Lets the user clean the scene in the module's dialog and, when it closes, writes the result; unless
-// options.keepData, also removes what nothing refers to. Returns false, having written nothing, when the
-// dialog is cancelled. Throws std::runtime_error where no window can be opened and, unless options.force,
-// when an unknown extension could refer to what the dialog removes.
-bool CleanInDialog(gltf::Document document, const std::filesystem::path& output, Host& host,
-                   const CleanOptions& options);
+struct DialogCleaning {
+    gltf::Document document;
+    gltf::Collected collected;  // unreferenced elements that were removed
+};
+
+// Lets the user clean the scene in the module's dialog and, unless options.keepData, removes what nothing
+// refers to. Returns nothing when the dialog is cancelled. Throws std::runtime_error where no window can be
+// opened and, unless options.force, when an unknown extension could refer to what the dialog removes.
+std::optional<DialogCleaning> CleanInDialog(gltf::Document document, Host& host, const CleanOptions& options);
 
 }  // namespace zr
