@@ -68,11 +68,9 @@ void AddAnimationsCommand(CLI::App& app, Session& session) {
                            {"animations --json scene.glb", "The same for a program."},
                            {"remove-animations scene.glb - --unused | zr animations -",
                             "List those that a viewport plays."}});
-    command->callback([file, &session] {
-        session.SetCommand([file, &session] {
-            PrintReport(session, "animations", ListAnimations(session, *file));
-            return 0;
-        });
+    OnRun(*command, session, [file, &session] {
+        PrintReport(session, "animations", ListAnimations(session, *file));
+        return 0;
     });
 }
 

@@ -192,10 +192,8 @@ void AddCleanCommand(CLI::App& app, Session& session) {
                             "Remove only what has neither a name nor extras."},
                            {"clean --out-dir cleaned --jobs 4 --keep-going scenes",
                             "Clean every scene below a folder, even if some fail."}});
-    command->callback([&session, arguments] {
-        session.SetCommand([&session, arguments] {
-            return arguments->dialog ? RunDialog(session, *arguments) : RunClean(session, *arguments);
-        });
+    OnRun(*command, session, [&session, arguments] {
+        return arguments->dialog ? RunDialog(session, *arguments) : RunClean(session, *arguments);
     });
 }
 

@@ -89,9 +89,7 @@ void AddCompareCommand(CLI::App& app, Session& session) {
                  {"compare scene.glb smaller.glb --tolerance 0.1mm,0.05deg", "The same within a tolerance."},
                  {"compare scene.glb clean.glb --only drawn,points",
                   "Check that cleaning changed nothing visible."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunCompare(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunCompare(session, *arguments); });
 }
 
 }  // namespace zr

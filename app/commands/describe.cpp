@@ -76,11 +76,9 @@ void AddDescribeCommand(CLI::App& app, Session& session) {
         app.add_subcommand("describe", "Print the methods that an extension offers to scripts");
     command->require_subcommand(1);
     CLI::App* cleaner = command->add_subcommand("cleaner", "The scene cleaner")->group("Extensions");
-    cleaner->callback([&session] {
-        session.SetCommand([&session] {
-            PrintReport(session, "describe", DescribeCleaner(session));
-            return 0;
-        });
+    OnRun(*cleaner, session, [&session] {
+        PrintReport(session, "describe", DescribeCleaner(session));
+        return 0;
     });
     AddExamples(*command, {{"describe cleaner", "List the cleaner's methods and their parameters."},
                            {"describe cleaner --json", "The same for a program."},

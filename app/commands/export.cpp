@@ -10,6 +10,7 @@
 #include "app/commands/export_arguments.h"
 #include "app/commands/files.h"
 #include "app/commands/html_report.h"
+#include "app/commands/options.h"
 #include "app/commands/reduction.h"
 #include "app/commands/refusals.h"
 #include "app/commands/session.h"
@@ -176,9 +177,7 @@ void AddExportCommand(CLI::App& app, Session& session) {
                   "--animation those of all animations."},
                  {"export --out-dir exported --jobs 4 --names unique --max-name 16 scenes",
                   "Every scene below the folder \"scenes\", with short unique names."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunExport(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunExport(session, *arguments); });
 }
 
 }  // namespace zr

@@ -62,11 +62,9 @@ void AddFontsCommand(CLI::App& app, Session& session) {
     AddExamples(*command, {{"fonts", "List all families and their styles."},
                            {"fonts sans", "Those with \"sans\" in their name."},
                            {"fonts --json", "The same for a program, with the weights."}});
-    command->callback([part, &session] {
-        session.SetCommand([part, &session] {
-            PrintReport(session, "fonts", Describe(ChosenFonts(*part)));
-            return 0;
-        });
+    OnRun(*command, session, [part, &session] {
+        PrintReport(session, "fonts", Describe(ChosenFonts(*part)));
+        return 0;
     });
 }
 

@@ -5,6 +5,7 @@
 
 #include "app/commands/commands.h"
 #include "app/commands/help.h"
+#include "app/commands/options.h"
 #include "app/commands/report.h"
 #include "app/commands/session.h"
 #include "app/commands/suggestion.h"
@@ -57,19 +58,17 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     CLI::App* command = app.add_subcommand("help", "Print the help of a command");
     const auto name = std::make_shared<std::string>();
     command->add_option("command", *name, "The command; without one, all are listed")->type_name("[COMMAND]");
-    command->callback([name, &app, &session] {
-        session.SetCommand([name, &app, &session] {
-            const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
-            // Formatting help without enough memory would end the process or drop part of the text.
-            EndWithoutMemory();
-            // App::help would describe the parsed command, that is, help itself.
-            Report report;
-            report.text = chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
-            report.json = HelpJson(chosen);
-            report.isAnswer = true;
-            PrintReport(session, "help", report);
-            return 0;
-        });
+    OnRun(*command, session, [name, &app, &session] {
+        const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
+        // Formatting help without enough memory would end the process or drop part of the text.
+        EndWithoutMemory();
+        // App::help would describe the parsed command, that is, help itself.
+        Report report;
+        report.text = chosen.get_formatter()->make_help(&chosen, "", CLI::AppFormatMode::Normal);
+        report.json = HelpJson(chosen);
+        report.isAnswer = true;
+        PrintReport(session, "help", report);
+        return 0;
     });
 }
 

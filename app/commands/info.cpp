@@ -81,11 +81,9 @@ void AddInfoCommand(CLI::App& app, Session& session) {
     AddExamples(*command, {{"info scene.glb", "Count what the scene holds."},
                            {"info --json scene.glb", "The same for a program."},
                            {"clean scene.glb - | zr info -", "Count what remains after cleaning."}});
-    command->callback([file, &session] {
-        session.SetCommand([file, &session] {
-            PrintReport(session, "info", Describe(session, *file));
-            return 0;
-        });
+    OnRun(*command, session, [file, &session] {
+        PrintReport(session, "info", Describe(session, *file));
+        return 0;
     });
 }
 

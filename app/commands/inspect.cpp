@@ -109,9 +109,7 @@ void AddInspectCommand(CLI::App& app, Session& session) {
                 {{"inspect scene.glb", "Everything."},
                  {"inspect scene.glb --tables bytes,waste", "Where its bytes are, and which are wasted."},
                  {"inspect scene.glb --format md", "For a page or a review."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunInspect(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunInspect(session, *arguments); });
 }
 
 }  // namespace zr

@@ -178,9 +178,7 @@ void AddMergeCommand(CLI::App& app, Session& session) {
                             "Every figure of a folder gets the animations of walk.glb."},
                            {"merge figure.glb out.glb --from walk.glb --from run.glb --match name",
                             "For a figure with more nodes than those that walk and run."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunMerge(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunMerge(session, *arguments); });
 }
 
 }  // namespace zr

@@ -7,7 +7,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 #include <type_traits>
+#include "app/commands/session.h"
 
 #include "base/text.h"
 #include "host/text.h"
@@ -145,6 +147,10 @@ std::vector<std::string> AnimationNames::All() const {
 }
 
 void AddExamples(CLI::App& command, const std::vector<Example>& examples) {
+void OnRun(CLI::App& command, Session& session, std::function<int()> run) {
+    command.callback([&session, run = std::move(run)] { session.SetCommand(run); });
+}
+
     std::string text = command.get_footer();
     if (!text.empty()) text += "\n\n";
     text += "Examples:";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,8 @@ class Option;
 }  // namespace CLI
 
 namespace zr {
+
+class Session;
 
 // Names of an option's value, as help shows them and shell completions interpret them. Words joined by "|"
 // are the choices.
@@ -74,5 +77,8 @@ struct Example {
 };
 // Appends the examples to the command's help.
 void AddExamples(CLI::App& command, const std::vector<Example>& examples);
+
+// Sets what the session runs when the command was given; it returns the exit status.
+void OnRun(CLI::App& command, Session& session, std::function<int()> run);
 
 }  // namespace zr

@@ -76,9 +76,7 @@ void AddReduceCommand(CLI::App& app, Session& session) {
         {{"reduce scene.glb small.glb --tolerance 0.1mm,0.05deg", "Nothing visible is off by more."},
          {"reduce scene.glb small.glb --tolerance 1mm,0.1deg,0.001", "Morph weights are reduced as well."},
          {"reduce --out-dir small --jobs 2 --tolerance 0.5mm scenes", "Every scene below a folder."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunReduce(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunReduce(session, *arguments); });
 }
 
 }  // namespace zr

@@ -70,9 +70,7 @@ void AddRemoveAnimationsCommand(CLI::App& app, Session& session) {
         {{"remove-animations scene.glb out.glb --animations walk,2", "By name and by index."},
          {"remove-animations scene.glb out.glb --animation 'Run, slowly'", "One whose name has a comma."},
          {"remove-animations scene.glb out.glb --unused", "Those that no viewport plays."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunRemove(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunRemove(session, *arguments); });
 }
 
 }  // namespace zr

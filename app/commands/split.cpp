@@ -185,9 +185,7 @@ void AddSplitCommand(CLI::App& app, Session& session) {
                  {"split scene.glb out.glb --animation walk --at 0.5", "Two parts of one of several."},
                  {"split scene.glb out.glb --animation walk --each", "A part for each node."},
                  {"split scene.glb --out-dir clips", "A file for each animation."}});
-    command->callback([arguments, &session] {
-        session.SetCommand([arguments, &session] { return RunSplit(session, *arguments); });
-    });
+    OnRun(*command, session, [arguments, &session] { return RunSplit(session, *arguments); });
 }
 
 }  // namespace zr

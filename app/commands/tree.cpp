@@ -76,9 +76,7 @@ void AddTreeCommand(CLI::App& app, Session& session) {
     AddExamples(*command, {{"tree scene.glb", "Draw the hierarchy in the terminal."},
                            {"tree --window scene.glb", "Show it in a window."},
                            {"tree --json scene.glb", "Every item with its depth, parents first."}});
-    command->callback([&session, options] {
-        session.SetCommand([&session, options] { return ShowTree(session, *options); });
-    });
+    OnRun(*command, session, [&session, options] { return ShowTree(session, *options); });
 }
 
 }  // namespace zr
