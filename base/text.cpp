@@ -2,6 +2,8 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 
@@ -47,6 +49,17 @@ FirstCharacter FirstCharacterOf(std::string_view text) {
 std::string Counted(std::size_t count, std::string_view noun) {
     const bool takesEs = noun.ends_with("h") || noun.ends_with("x") || noun.ends_with("s");
     return Join(count, " ", noun, count == 1 ? "" : takesEs ? "es" : "s");
+}
+
+std::string Counted(std::size_t count, std::string_view one, std::string_view many) {
+    return Join(count, " ", count == 1 ? one : many);
+}
+
+std::string Short(double number, int digits) {
+    std::array<char, 40> text;
+    return {text.data(),
+            std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, digits)
+                .ptr};
 }
 
 bool HasEnding(std::string_view name, std::string_view ending) {

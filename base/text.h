@@ -24,6 +24,11 @@ std::string Join(const Parts&... parts) {
 
 // "1 animation", "2 animations", "2 meshes".
 std::string Counted(std::size_t count, std::string_view noun);
+// "1 face differs", "2 faces differ".
+std::string Counted(std::size_t count, std::string_view one, std::string_view many);
+
+// The number with so many significant digits at most, whatever the locale: "0.25", "1e+20".
+std::string Short(double number, int digits = 6);
 
 // The first character of a UTF-8 text that is not empty.
 struct FirstCharacter {

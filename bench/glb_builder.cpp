@@ -2,7 +2,6 @@
 #include "bench/glb_builder.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include "base/file.h"
@@ -14,9 +13,7 @@ namespace {
 
 // Bounds are exact: %.9g reads back as the same float.
 std::string Number(float value) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.9g", static_cast<double>(value));
-    return text.data();
+    return Short(static_cast<double>(value), 9);
 }
 
 std::string Bounds(std::span<const float> values, std::size_t width) {

@@ -71,7 +71,8 @@ public:
         for (std::string_view bound : {"min", "max"}) {
             const Json* values = accessor.Find(bound);
             if (values != nullptr && values->Items().size() != info.shape.Components())
-                Fail(spot.Place(Join("/", bound)), Join("should hold ", info.shape.Components(), " numbers"));
+                Fail(spot.Place(Join("/", bound)),
+                     Join("should hold ", Counted(info.shape.Components(), "number")));
         }
         if (sparse != nullptr) Sparse(*sparse, info, {"accessors", index, "/sparse"});
     }
@@ -128,10 +129,12 @@ private:
             std::uint64_t value = 0;
             for (std::size_t k = size; k-- > 0;)
                 value = value << 8 | std::to_integer<std::uint64_t>((*bytes)[at + k]);
-            if (value < least || value >= info.count)
-                m_document.Fail(
-                    ErrorKind::kBounds, spot.Place("/indices"),
-                    Join("index ", value, " does not increase or is beyond ", info.count, " elements"));
+            if (value >= info.count)
+                m_document.Fail(ErrorKind::kBounds, spot.Place("/indices"),
+                                Join("index ", value, " of only ", Counted(info.count, "element")));
+            if (value < least)
+                m_document.Fail(ErrorKind::kBounds, spot.Place("/indices"),
+                                Join("index ", value, " is not greater than the one before"));
             least = value + 1;
         }
     }

@@ -139,7 +139,7 @@ private:
     }
 
     void Count(std::size_t values, std::size_t wanted, const Part& part) {
-        if (values != wanted) Fail(part, "", Join(values, " values where the keys need ", wanted));
+        if (values != wanted) Fail(part, "", Join(Counted(values, "value"), " where the keys need ", wanted));
     }
 
     std::size_t Weights(const Json& target) const {

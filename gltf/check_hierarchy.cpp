@@ -104,7 +104,7 @@ void CheckSkins(const Document& document, const std::vector<std::size_t>& roots)
         if (info.component != Component::kFloat || info.shape.Components() != 16 ||
             info.count < joints.size())
             document.Fail(ErrorKind::kHierarchy, Join(place, "/inverseBindMatrices"),
-                          Join("must hold one matrix of floats for each of the ", joints.size(), " joints"));
+                          Join("must hold a matrix of floats for each joint, ", joints.size(), " in all"));
     }
 }
 

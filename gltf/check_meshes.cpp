@@ -43,7 +43,7 @@ public:
         const Json* weights = mesh.Find("weights");
         if (weights != nullptr && weights->Items().size() != targets)
             Fail(Join("/meshes/", index, "/weights"),
-                 Join("must hold one weight for each of the ", targets, " targets"));
+                 Join("must hold ", Counted(targets, "weight"), ", one for each target"));
     }
 
     static std::size_t Targets(const Json& primitive) {
@@ -79,7 +79,7 @@ private:
             if (!vertices) vertices = info.count;
             if (info.count != *vertices)
                 Fail(place(member),
-                     Join(info.count, " elements where the primitive has ", *vertices, " vertices"));
+                     Join(Counted(info.count, "element"), " where the first attribute has ", *vertices));
             if ((member.Name() == "POSITION" || member.Name() == "NORMAL") &&
                 (info.shape.rows != 3 || info.shape.columns != 1))
                 Fail(place(member), "is not of type VEC3");
@@ -135,7 +135,7 @@ void CheckMeshes(const Document& document) {
             mesh < meshes.size() ? Meshes::Targets(meshes[mesh].Find("primitives")->Items()[0]) : 0;
         if (weights->Items().size() != targets)
             document.Fail(ErrorKind::kMesh, Join("/nodes/", i, "/weights"),
-                          Join("must hold one weight for each of the ", targets, " targets"));
+                          Join("must hold ", Counted(targets, "weight"), ", one for each target"));
     }
 }
 

@@ -50,7 +50,8 @@ void CheckNumbers(Document& document) {
         if (found++ == 0) first = i;
     }
     if (found == 0) return;
-    const std::string others = found > 1 ? Join(", as do ", found - 1, " others") : "";
+    const std::string others =
+        found > 1 ? Join(", as ", found > 2 ? Join("do ", found - 1, " others") : "does another") : "";
     document.Warn(ErrorKind::kNumber, Join("/accessors/", first),
                   Join("holds numbers that are not finite", others));
 }

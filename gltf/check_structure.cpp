@@ -10,8 +10,8 @@
 namespace zr::gltf {
 namespace {
 
-std::string_view Wanted(Shape shape) {
-    switch (shape) {
+std::string Wanted(const Rule& rule) {
+    switch (rule.shape) {
         case Shape::kAny:
             break;
         case Shape::kIndex:
@@ -26,7 +26,7 @@ std::string_view Wanted(Shape shape) {
         case Shape::kCount:
             return "a whole number";
         case Shape::kNumbers:
-            return "an array of numbers";
+            return rule.count == 0 ? "an array of numbers" : Join("an array of ", rule.count, " numbers");
         case Shape::kObject:
             return "an object";
         case Shape::kArray:
@@ -86,11 +86,7 @@ public:
 
 private:
     void Property(const Rule& rule, const Json& value, const Place& place) {
-        if (!Fits(rule, value)) {
-            std::string wanted(Wanted(rule.shape));
-            if (rule.count != 0) wanted += Join(" (", rule.count, ")");
-            Fail(place, Join("should be ", wanted));
-        }
+        if (!Fits(rule, value)) Fail(place, Join("should be ", Wanted(rule)));
         const auto target = TargetOf(rule, value);
         if (!target || target->index < m_counts[Ordinal(target->kind)]) return;
         m_document.Fail(ErrorKind::kReference, place.Pointer(),

@@ -106,7 +106,7 @@ void Document::Read(FileContent content) {
         m_rest = m_content.View().subspan(layout.restOffset, layout.restSize);
         if (layout.size != m_content.size)
             Warn(ErrorKind::kContainer, Join("byte ", layout.size),
-                 Join(m_content.size - layout.size, " bytes follow the end of the container"));
+                 Join("the container is followed by ", Counted(m_content.size - layout.size, "byte")));
     }
     m_isIndented = m_isGlb || IsIndented({text, size});
     m_tree.Parse(text, size, name);

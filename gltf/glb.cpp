@@ -45,7 +45,7 @@ GlbLayout ReadGlbLayout(Bytes file, std::string_view name) {
     GlbLayout layout;
     layout.size = Word(file, 8);
     if (layout.size > file.size() || layout.size < kHeader)
-        fail(8, Join("the header says ", layout.size, " bytes, the file has ", file.size()));
+        fail(8, Join("the header says ", Counted(layout.size, "byte"), ", the file has ", file.size()));
     file = file.first(layout.size);
     std::size_t offset = kHeader;
     for (int chunk = 0; offset < file.size(); ++chunk) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/animation_report.h"
 
-#include <cstdio>
-
 #include "base/text.h"
 #include "kernix/utf.h"
 
@@ -21,9 +19,8 @@ AnimationSummary Summarize(kernix::SceneModel& scene, kernix::AnimationModel& an
 }
 
 std::string AnimationSummary::Text() const {
-    char range[64];
-    std::snprintf(range, sizeof range, "%g to %g s", start, end);
-    return Join("\"", name, "\"  ", range, ", ", Counted(tracks, "track"), ", ", Counted(keys, "key"));
+    return Join("\"", name, "\"  ", Short(start), " to ", Short(end), " s, ", Counted(tracks, "track"), ", ",
+                Counted(keys, "key"));
 }
 
 JsonObject AnimationSummary::Json() const {

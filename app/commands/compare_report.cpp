@@ -2,7 +2,6 @@
 #include "app/commands/compare_report.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/text.h"
 
@@ -16,19 +15,11 @@ namespace {
 
 constexpr std::size_t kMostLines = 20;
 
-template <typename... Numbers>
-std::string Format(const char* format, Numbers... numbers) {
-    char text[160];
-    std::snprintf(text, sizeof text, format, numbers...);
-    return text;
-}
-
 std::string Where(const Greatest& greatest) {
     if (greatest.amount == 0) return "";
     std::string text = Join(" at ", Printable(greatest.where));
     if (!greatest.animation.empty())
-        text +=
-            Join(", animation \"", Printable(greatest.animation), "\", ", Format("%.6g s", greatest.time));
+        text += Join(", animation \"", Printable(greatest.animation), "\", ", Short(greatest.time), " s");
     return text;
 }
 
@@ -43,17 +34,18 @@ std::string Lines(const std::vector<std::string>& lines) {
 struct Measure {
     Aspect aspect;
     std::string_view name;  // in JSON
-    const char* text;
+    std::string_view text;  // before the amount
+    std::string_view unit;
     Greatest CompareResult::*greatest;
     double compare::Tolerance::*limit;
 };
 constexpr Measure kMeasures[] = {
-    {Aspect::kNodes, "node", "largest difference %.3g", &CompareResult::node, &compare::Tolerance::length},
-    {Aspect::kNodes, "axis", "of an axis %.3g", &CompareResult::axis, &compare::Tolerance::angle},
-    {Aspect::kPoints, "movedPoint", "largest difference %.3g", &CompareResult::movedPoint,
+    {Aspect::kNodes, "node", "largest difference ", "", &CompareResult::node, &compare::Tolerance::length},
+    {Aspect::kNodes, "axis", "of an axis ", "", &CompareResult::axis, &compare::Tolerance::angle},
+    {Aspect::kPoints, "movedPoint", "largest difference ", "", &CompareResult::movedPoint,
      &compare::Tolerance::length},
-    {Aspect::kViews, "view", "largest difference %.3g rad", &CompareResult::view, &compare::Tolerance::angle},
-    {Aspect::kValues, "value", "largest difference %.3g", &CompareResult::value, &compare::Tolerance::value},
+    {Aspect::kViews, "view", "largest difference ", " rad", &CompareResult::view, &compare::Tolerance::angle},
+    {Aspect::kValues, "value", "largest difference ", "", &CompareResult::value, &compare::Tolerance::value},
 };
 
 JsonObject JsonOf(const Greatest& greatest) {
@@ -77,20 +69,20 @@ std::string CompareReportText(const CompareResult& result) {
         const auto aspect = static_cast<Aspect>(i);
         if (aspect == Aspect::kStructure) text += Join("\n", Lines(result.structure));
         if (aspect == Aspect::kDrawn)
-            text +=
-                Join("; ", result.faces, " faces, ", Format("largest difference %.3g", result.point.amount),
-                     Where(result.point), "\n", Lines(result.drawn));
+            text += Join("; ", Counted(result.faces, "face"), ", largest difference ",
+                         Short(result.point.amount, 3), Where(result.point), "\n", Lines(result.drawn));
         const char* separator = "; ";
         for (const Measure& measure : kMeasures) {
             if (measure.aspect != aspect) continue;
             const Greatest& greatest = result.*measure.greatest;
-            text += Join(separator, Format(measure.text, greatest.amount), Where(greatest));
+            text += Join(separator, measure.text, Short(greatest.amount, 3), measure.unit, Where(greatest));
             separator = ", ";
         }
         if (text.back() != '\n') text += '\n';
     }
-    text += Format("tolerance  %.3g, %.3g rad, %.3g; %zu times compared\n", result.tolerance.length,
-                   result.tolerance.angle, result.tolerance.value, result.times);
+    text +=
+        Join("tolerance  ", Short(result.tolerance.length, 3), ", ", Short(result.tolerance.angle, 3),
+             " rad, ", Short(result.tolerance.value, 3), "; ", Counted(result.times, "time"), " compared\n");
     if (!result.unread.empty()) text += Join("not read   ", result.unread.size(), "\n", Lines(result.unread));
     return text;
 }

@@ -6,22 +6,15 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <utility>
 #include <type_traits>
-#include "app/commands/session.h"
+#include <utility>
 
+#include "app/commands/session.h"
 #include "base/text.h"
 #include "host/text.h"
 
 namespace zr {
 namespace {
-
-std::string Short(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.10g", value);
-    return text;
-}
 
 bool IsInRange(std::string_view text, Range range, bool isWhole) {
     if (text.starts_with('+')) text.remove_prefix(1);
@@ -70,7 +63,7 @@ CLI::Validator WordOf(const std::vector<std::string>& words) {
 }  // namespace
 
 std::string Text(Range range) {
-    return Join(Short(range.least), " to ", Short(range.greatest));
+    return Join(Short(range.least, 10), " to ", Short(range.greatest, 10));
 }
 
 void CheckRange(CLI::Option& option, Range range) {
@@ -147,15 +140,15 @@ std::vector<std::string> AnimationNames::All() const {
 }
 
 void AddExamples(CLI::App& command, const std::vector<Example>& examples) {
-void OnRun(CLI::App& command, Session& session, std::function<int()> run) {
-    command.callback([&session, run = std::move(run)] { session.SetCommand(run); });
-}
-
     std::string text = command.get_footer();
     if (!text.empty()) text += "\n\n";
     text += "Examples:";
     for (const Example& example : examples) text += Join("\n  zr ", example.line, "\n      ", example.what);
     command.footer(text);
+}
+
+void OnRun(CLI::App& command, Session& session, std::function<int()> run) {
+    command.callback([&session, run = std::move(run)] { session.SetCommand(run); });
 }
 
 }  // namespace zr

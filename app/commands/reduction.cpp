@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/reduction.h"
 
-#include <cstdio>
 #include <numbers>
 
 #include "app/commands/tolerance.h"
@@ -11,12 +10,6 @@ namespace zr {
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
-
-std::string Figure(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3g", value);
-    return text;
-}
 
 }  // namespace
 
@@ -30,11 +23,11 @@ std::string Describe(const ReduceReport& report) {
     std::string where;
     if (!report.node.empty()) {
         where = Join(" (node \"", Printable(report.node), "\", animation \"", Printable(report.animation),
-                     "\", ", Figure(report.time), " s)");
+                     "\", ", Short(report.time, 3), " s)");
     }
     return Join(Counted(report.keysBefore, "key"), " became ", report.keysAfter,
-                "; nothing strays by more than ", Figure(report.length), where, " or ",
-                Figure(report.angle / kDegree), " deg", report.isBound ? " (bounds)" : "");
+                "; nothing strays by more than ", Short(report.length, 3), where, " or ",
+                Short(report.angle / kDegree, 3), " deg", report.isBound ? " (bounds)" : "");
 }
 
 JsonObject JsonOf(const ReduceReport& report) {

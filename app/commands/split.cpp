@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
 #include "app/commands/animation_report.h"
@@ -45,11 +44,9 @@ std::vector<float> Ascending(std::vector<float> cuts, float start, float end) {
     cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
     for (const float cut : cuts) {
         if (start < cut && cut < end) continue;
-        char text[128];
-        std::snprintf(text, sizeof text,
-                      "the cut at %g s is not inside the animation, which plays from %g to %g s",
-                      static_cast<double>(cut), static_cast<double>(start), static_cast<double>(end));
-        throw std::runtime_error(text);
+        throw std::runtime_error(Join("the cut at ", Short(double{cut}),
+                                      " s is not inside the animation, which plays from ",
+                                      Short(double{start}), " to ", Short(double{end}), " s"));
     }
     return cuts;
 }

@@ -2,7 +2,6 @@
 #include "app/commands/text_measures.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string_view>
 
 #include "app/operations/text/length_unit.h"
@@ -16,10 +15,8 @@ JsonObject PointJson(const TextGeometry::Point& p) {
 }
 
 std::string Length(double length, LengthUnit unit) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.6g", length);
     const std::string_view name = InfoOf(unit).name;
-    return name.empty() ? text : Join(text, " ", name);
+    return name.empty() ? Short(length) : Join(Short(length), " ", name);
 }
 
 }  // namespace

@@ -29,6 +29,21 @@ TEST(Text, BytesThatAreNotCharactersAreShownAsBytes) {
     EXPECT_EQ(Printable("\x9B"), "\\x9B");
 }
 
+TEST(Text, NumbersAgreeWithTheirNouns) {
+    EXPECT_EQ(Counted(1, "mesh"), "1 mesh");
+    EXPECT_EQ(Counted(0, "mesh"), "0 meshes");
+    EXPECT_EQ(Counted(2, "key"), "2 keys");
+    EXPECT_EQ(Counted(1, "face differs", "faces differ"), "1 face differs");
+    EXPECT_EQ(Counted(2, "face differs", "faces differ"), "2 faces differ");
+}
+
+TEST(Text, NumbersHaveAsManyDigitsAsAreAskedFor) {
+    EXPECT_EQ(Short(1.0 / 3), "0.333333");
+    EXPECT_EQ(Short(-1234.5, 3), "-1.23e+03");
+    EXPECT_EQ(Short(double{0.1F}, 9), "0.100000001");
+    EXPECT_EQ(Short(0), "0");
+}
+
 TEST(Error, IsOneLineWhateverItsPartsHold) {
     EXPECT_STREQ(Error("a\n.glb", "/x\x1B", "no\x9B").what(), "a\\n.glb: /x\\x1B: no\\x9B");
     EXPECT_STREQ(Error("", "", "text").what(), "text");

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -59,18 +58,19 @@ private:
         m_result.point.Note(
             difference.length,
             [&] { return difference.node == kNone ? "" : m_pair.NodeText(difference.node); }, "", 0);
-        char amounts[96];
-        std::snprintf(amounts, sizeof amounts, "; points by up to %.3g, directions %.3g, other values %.3g",
-                      difference.length, difference.angle, difference.value);
         if (difference.changed > 0)
-            m_result.drawn.push_back(Join(difference.changed, " faces differ ", pose, ", the first of ",
-                                          m_pair.NodeText(difference.changedNode), amounts));
+            m_result.drawn.push_back(Join(
+                Counted(difference.changed, "face differs ", "faces differ "), pose, ", the first of ",
+                m_pair.NodeText(difference.changedNode), "; points by up to ", Short(difference.length, 3),
+                ", directions ", Short(difference.angle, 3), ", other values ", Short(difference.value, 3)));
         if (difference.onlyA > 0)
-            m_result.drawn.push_back(Join(difference.onlyA, " faces are drawn only by the first scene ", pose,
-                                          ", the first of ", NodeText(m_pair.a, difference.onlyANode)));
+            m_result.drawn.push_back(Join(Counted(difference.onlyA, "face is", "faces are"),
+                                          " drawn only by the first scene ", pose, ", the first of ",
+                                          NodeText(m_pair.a, difference.onlyANode)));
         if (difference.onlyB > 0)
-            m_result.drawn.push_back(Join(difference.onlyB, " faces are drawn only by the second scene ",
-                                          pose, ", the first of ", NodeText(m_pair.b, difference.onlyBNode)));
+            m_result.drawn.push_back(Join(Counted(difference.onlyB, "face is", "faces are"),
+                                          " drawn only by the second scene ", pose, ", the first of ",
+                                          NodeText(m_pair.b, difference.onlyBNode)));
     }
 
     ScenePair& m_pair;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <set>
 #include <span>
 #include <string_view>
@@ -120,10 +119,8 @@ private:
         const Animation& y = m_pair.evaluatorB.Animations()[b];
         const double limit = m_tolerance * std::max(1.0, std::abs(x.end));
         if (std::abs(x.start - y.start) <= limit && std::abs(x.end - y.end) <= limit) return;
-        char text[128];
-        std::snprintf(text, sizeof text, "\" plays from %g to %g s and from %g to %g s", x.start, x.end,
-                      y.start, y.end);
-        Add(Join("animation \"", x.name, text));
+        Add(Join("animation \"", x.name, "\" plays from ", Short(x.start), " to ", Short(x.end),
+                 " s and from ", Short(y.start), " to ", Short(y.end), " s"));
     }
 
     void CompareScenesListed() {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 #include <vector>
 
@@ -18,12 +17,6 @@ namespace {
 // A key within this fraction of a frame counts as being on the frame, since times are rounded.
 constexpr double kFrameSlack = 1e-3;
 constexpr double kMostKeys = 2e7;  // of a sampled scene
-
-std::string Short(double number) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", number);
-    return text;
-}
 
 // The times at which a clip is sampled, in the time of the result.
 std::vector<float> Frames(const Clip& clip, double frameRate) {

@@ -2,7 +2,6 @@
 #include "app/operations/export/motion_report.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <stdexcept>
 
 #include "app/scene/curves.h"
@@ -11,25 +10,13 @@
 namespace zr {
 namespace {
 
-std::string Figure(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3g", value);
-    return text;
-}
-
-std::string Seconds(double time) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g s", time);
-    return text;
-}
-
 std::string Place(const MotionReport& report) {
-    return Join("at ", Seconds(report.time), ", node \"", report.node, "\", animation \"", report.animation,
+    return Join("at ", Short(report.time), " s, node \"", report.node, "\", animation \"", report.animation,
                 "\"");
 }
 
 std::string ValuePlace(const MotionReport& report) {
-    return Join("of its range at ", Seconds(report.valueTime), " of a weight or pointer of animation \"",
+    return Join("of its range at ", Short(report.valueTime), " s of a weight or pointer of animation \"",
                 report.value, "\"");
 }
 
@@ -70,21 +57,23 @@ void CheckDeviation(const MotionReport& report, const ExportOptions& options) {
     if (options.Has(vl::tk::kGroupKeysOnly)) return;  // leaves out keys on purpose
     const double limit = options.maxDeviation * report.size;
     if (report.deviation > limit)
-        throw std::runtime_error(Join("the motion would deviate by ", Figure(report.deviation), " ",
-                                      Place(report), "; the limit is ", Figure(limit), " (--max-deviation)"));
+        throw std::runtime_error(Join("the motion would deviate by ", Short(report.deviation, 3), " ",
+                                      Place(report), "; the limit is ", Short(limit, 3),
+                                      " (--max-deviation)"));
     if (report.valueDeviation > options.maxDeviation)
-        throw std::runtime_error(Join("the motion would deviate by ", Figure(report.valueDeviation), " ",
-                                      ValuePlace(report), "; the limit is ", Figure(options.maxDeviation),
+        throw std::runtime_error(Join("the motion would deviate by ", Short(report.valueDeviation, 3), " ",
+                                      ValuePlace(report), "; the limit is ", Short(options.maxDeviation, 3),
                                       " (--max-deviation)"));
 }
 
 std::string Describe(const MotionReport& report) {
-    std::string text = Join(report.keysBefore, " keys became ", report.keysAfter);
+    std::string text = Join(Counted(report.keysBefore, "key"), " became ", report.keysAfter);
     if (report.check == MotionCheck::kOff) return text + "; motion not checked";
     if (report.node.empty()) return text;
-    text += Join("; ", NameOf(report.check), " check: largest deviation ", Figure(report.deviation), " ",
+    text += Join("; ", NameOf(report.check), " check: largest deviation ", Short(report.deviation, 3), " ",
                  Place(report));
-    if (report.valueDeviation > 0) text += Join("; ", Figure(report.valueDeviation), " ", ValuePlace(report));
+    if (report.valueDeviation > 0)
+        text += Join("; ", Short(report.valueDeviation, 3), " ", ValuePlace(report));
     return text;
 }
 

@@ -172,7 +172,8 @@ private:
         if (first == nullptr) return;
         m_chosen.notes.push_back(Join(
             "node ", Quoted(m_loaded.NameOf(*first)),
-            excluded > 1 ? Join(" and ", excluded - 1, " more stay") : " stays", ": joints of the skin of ",
+            excluded > 1 ? Join(" and ", excluded - 1, " more stay: joints") : " stays: a joint",
+            " of the skin of ",
             user != nullptr ? Join("node ", Quoted(m_loaded.NameOf(*user))) : "a node outside the scene"));
     }
 

@@ -16,7 +16,7 @@ void WarnOfConstant(Inspection& in, const compare::Animation& animation, std::si
     for (const compare::Channel& channel : animation.channels)
         still += channel.curve.Times().size() > 2 && channel.curve.IsConstant();
     if (still > 0)
-        in.Warn(Join("/animations/", index), Join(still, still == 1 ? " channel has" : " channels have",
+        in.Warn(Join("/animations/", index), Join(Counted(still, "channel has", "channels have"),
                                                   " the same value in more than two keys"));
 }
 

@@ -2,7 +2,6 @@
 #include "app/operations/inspect/inspection.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/text.h"
 #include "gltf/members.h"
@@ -71,9 +70,7 @@ Cell Name(const gltf::Json& element) {
 }
 
 Cell Point(compare::Vec3 p) {
-    char text[96];
-    std::snprintf(text, sizeof text, "%.6g %.6g %.6g", p.x, p.y, p.z);
-    return std::string(text);
+    return Join(Short(p.x), " ", Short(p.y), " ", Short(p.z));
 }
 
 Cell Low(const Box& box) {

@@ -2,7 +2,6 @@
 #include "app/operations/inspect/table.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/text.h"
 
@@ -13,11 +12,7 @@ namespace {
 std::string TextOf(const Cell& cell) {
     if (const auto* text = std::get_if<std::string>(&cell)) return *text;
     if (const auto* whole = std::get_if<std::uint64_t>(&cell)) return std::to_string(*whole);
-    if (const auto* number = std::get_if<double>(&cell)) {
-        char digits[32];
-        std::snprintf(digits, sizeof digits, "%.6g", *number);
-        return digits;
-    }
+    if (const auto* number = std::get_if<double>(&cell)) return Short(*number);
     return {};
 }
 

@@ -19,19 +19,21 @@ void WarnOf(Inspection& in, const compare::Part& part) {
         const auto broken = std::count_if(attribute.values.begin(), attribute.values.end(),
                                           [](float value) { return !std::isfinite(value); });
         if (broken > 0)
-            in.Warn(Join(place, "/attributes/", attribute.name),
-                    Join(broken, broken == 1 ? " number is" : " numbers are", " not finite"));
+            in.Warn(
+                Join(place, "/attributes/", attribute.name),
+                Join(Counted(static_cast<std::size_t>(broken), "number is", "numbers are"), " not finite"));
     }
     std::size_t thin = 0;
     for (std::size_t i = 0; shape.corners == 3 && i + 2 < shape.faces.size(); i += 3)
         thin += shape.faces[i] == shape.faces[i + 1] || shape.faces[i + 1] == shape.faces[i + 2] ||
                 shape.faces[i] == shape.faces[i + 2];
-    if (thin > 0)
-        in.Warn(place, Join(thin, thin == 1 ? " triangle uses" : " triangles use", " a vertex twice"));
+    if (thin > 0) in.Warn(place, Join(Counted(thin, "triangle uses", "triangles use"), " a vertex twice"));
     std::vector<bool> used(shape.vertices, false);
     for (const std::uint32_t vertex : shape.faces) used[vertex] = true;
     const auto unused = std::count(used.begin(), used.end(), false);
-    if (unused > 0) in.Warn(place, Join(unused, unused == 1 ? " vertex is" : " vertices are", " in no face"));
+    if (unused > 0)
+        in.Warn(place,
+                Join(Counted(static_cast<std::size_t>(unused), "vertex is", "vertices are"), " in no face"));
 }
 
 }  // namespace
