@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/content_comparison.h"
 #include "app/operations/compare/motion_comparison.h"
 #include "app/operations/compare/pose_comparison.h"
 #include "app/operations/compare/scene_pair.h"

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/canonical.h"
 #include "gltf/members.h"
 
 namespace zr::compare {

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "app/operations/compare/compare_result.h"
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/content_comparison.h"
 #include "app/operations/compare/scene_pair.h"
 
 namespace zr::compare {

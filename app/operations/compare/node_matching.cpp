@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/canonical.h"
 #include "gltf/accessor.h"
 #include "gltf/members.h"
 

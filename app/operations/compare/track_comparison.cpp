@@ -5,7 +5,7 @@
 #include <cmath>
 #include <map>
 
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/value_difference.h"
 #include "base/text.h"
 
 namespace zr::compare {

@@ -2,7 +2,7 @@
 #include <map>
 #include <utility>
 
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/image_bytes.h"
 #include "app/operations/inspect/image_info.h"
 #include "app/operations/inspect/inspection.h"
 #include "base/text.h"

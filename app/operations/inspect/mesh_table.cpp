@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/evaluator.h"
 #include "app/operations/inspect/inspection.h"
 #include "base/text.h"
 #include "gltf/accessor.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/image_bytes.h"
 #include "app/operations/decode/compressed_data.h"
 #include "app/operations/inspect/image_info.h"
 #include "app/operations/report/report_page.h"

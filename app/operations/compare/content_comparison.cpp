@@ -1,94 +1,27 @@
 // SPDX-License-Identifier: MIT
-#include "app/operations/compare/content.h"
+#include "app/operations/compare/content_comparison.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
+#include <utility>
+#include <vector>
 
+#include "app/operations/compare/content_rules.h"
+#include "app/operations/compare/evaluator.h"
+#include "app/operations/compare/image_bytes.h"
+#include "app/operations/compare/value_difference.h"
 #include "base/text.h"
 #include "gltf/accessor.h"
 #include "gltf/kind_by_name.h"
-#include "gltf/members.h"
-#include "gltf/uri.h"
 #include "gltf/walk.h"
 
 namespace zr::compare {
 
-using gltf::IndexMember;
 using gltf::Json;
 using gltf::JsonMember;
 using gltf::Kind;
 using gltf::SchemaNode;
 
 namespace {
-
-// Default values of missing members in the format. Names with several meanings have several lines.
-struct Default {
-    std::string_view name;
-    std::string_view text;
-};
-constexpr Default kDefaults[] = {
-    {"doubleSided", "false"},
-    {"alphaMode", "\"OPAQUE\""},
-    {"alphaCutoff", "0.5"},
-    {"baseColorFactor", "[1,1,1,1]"},
-    {"metallicFactor", "1"},
-    {"roughnessFactor", "1"},
-    {"emissiveFactor", "[0,0,0]"},
-    {"texCoord", "0"},
-    {"strength", "1"},
-    {"scale", "1"},
-    {"scale", "[1,1]"},
-    {"offset", "[0,0]"},
-    {"rotation", "0"},
-    {"wrapS", "10497"},
-    {"wrapT", "10497"},
-    {"intensity", "1"},
-    {"color", "[1,1,1]"},
-    {"innerConeAngle", "0"},
-    {"outerConeAngle", "0.785398185"},
-    {"visible", "true"},
-    {"selectable", "true"},
-    {"emissiveStrength", "1"},
-    {"ior", "1.5"},
-    {"transmissionFactor", "0"},
-    {"pbrMetallicRoughness", "{}"},
-    {"extras", "{}"},
-    {"extensions", "{}"},
-};
-
-void WriteNumber(double number, std::string& text) {
-    char digits[32];
-    std::snprintf(digits, sizeof digits, "%.9g", static_cast<double>(static_cast<float>(number)));
-    text += digits;
-}
-
-bool IsDefault(std::string_view name, std::string_view text) {
-    return std::any_of(std::begin(kDefaults), std::end(kDefaults),
-                       [&](const Default& known) { return known.name == name && known.text == text; });
-}
-
-void WritePlain(const Json& json, std::string& text) {
-    if (json.IsNumber()) return WriteNumber(json.Number(), text);
-    if (!json.IsArray() || !std::all_of(json.Items().begin(), json.Items().end(),
-                                        [](const Json& item) { return item.IsNumber(); })) {
-        text += gltf::WriteJson(json, false);
-        return;
-    }
-    text += '[';
-    for (const Json& item : json.Items()) {
-        if (text.back() != '[') text += ',';
-        WriteNumber(item.Number(), text);
-    }
-    text += ']';
-}
-
-bool IsPlainDefault(std::string_view name, const Json& json) {
-    std::string text;
-    WritePlain(json, text);
-    return IsDefault(name, text);
-}
 
 constexpr gltf::Rule kTexture{"", gltf::Shape::kIndex, Kind::kTexture};
 
@@ -98,22 +31,6 @@ const gltf::Rule* RuleOf(const SchemaNode* below, std::string_view name, const J
     if (below != nullptr && below->rule != nullptr) return below->rule;
     return name.ends_with("Texture") && member.Name() == "index" && member.value.IsNumber() ? &kTexture
                                                                                             : nullptr;
-}
-
-const SchemaNode* Below(const SchemaNode* schema, std::string_view parent, std::string_view name) {
-    const SchemaNode* below = schema != nullptr ? schema->Find(name) : nullptr;
-    return below == nullptr && parent == "extensions" ? gltf::AnywhereSchema(name) : below;
-}
-
-const SchemaNode* SchemaOf(Kind kind) {
-    const SchemaNode* schema = &gltf::Schema();
-    for (std::string_view name : gltf::Info(kind).Path())
-        if (schema != nullptr) schema = schema->Find(name);
-    return schema != nullptr ? schema->item.get() : nullptr;
-}
-
-std::size_t Hash(const void* bytes, std::size_t size) {
-    return std::hash<std::string_view>()({static_cast<const char*>(bytes), size});
 }
 
 std::string PlaceOf(Kind kind, std::size_t index) {
@@ -143,12 +60,6 @@ bool IsDrawnOrLayout(Kind kind, std::string_view name) {
     }
 }
 
-// Elements that are compared as themselves and not as part of what refers to them.
-bool IsOwn(Kind kind) {
-    return kind == Kind::kScene || kind == Kind::kNode || kind == Kind::kMesh || kind == Kind::kMaterial ||
-           kind == Kind::kAnimation || kind == Kind::kVariant;
-}
-
 std::string Shown(const Json* json) {
     if (json == nullptr) return "nothing";
     std::string text = gltf::WriteJson(*json, false);
@@ -157,101 +68,6 @@ std::string Shown(const Json* json) {
 }
 
 }  // namespace
-
-double ValueDifference(double a, double b) {
-    const double difference = std::abs(a - b) / std::max({1.0, std::abs(a), std::abs(b)});
-    return std::isfinite(difference) ? difference
-                                     : (a == b || (std::isnan(a) && std::isnan(b)) ? 0 : HUGE_VAL);
-}
-
-std::vector<std::byte> ImageBytes(const gltf::Document& document, const Json& image) {
-    const auto copy = [](Bytes bytes) { return std::vector<std::byte>(bytes.begin(), bytes.end()); };
-    if (image.Find("bufferView") != nullptr) {
-        const auto bytes = document.ViewBytes(IndexMember(image, "bufferView"));
-        return bytes ? copy(*bytes) : std::vector<std::byte>();
-    }
-    const std::string_view uri = image.Find("uri") != nullptr ? image.Find("uri")->String() : "";
-    if (gltf::IsDataUri(uri)) return gltf::DecodeDataUri(uri).value_or(std::vector<std::byte>());
-    try {
-        const auto path = document.FileOf(uri, "");
-        return path ? copy(ReadFile(document.Folder() / *path).View()) : std::vector<std::byte>();
-    } catch (const zr::Error&) {
-        return {};
-    }
-}
-
-const std::string& Canonical::Of(Kind kind, std::size_t index) {
-    const auto [known, isNew] = m_known[gltf::Ordinal(kind)].try_emplace(index);
-    if (!isNew) return known->second;
-    const Json& json = m_document.Elements(kind)[index];
-    std::string text;
-    if (kind == Kind::kAccessor) {
-        if (gltf::HasData(m_document, index)) {
-            const std::vector<float> values = gltf::ReadFloats(m_document, index);
-            text = Join(values.size(), ":", Hash(values.data(), values.size() * sizeof(float)));
-        }
-    } else if (kind == Kind::kBufferView) {
-        if (const auto bytes = m_document.ViewBytes(index))
-            text = Join(bytes->size(), ":", Hash(bytes->data(), bytes->size()));
-    } else if (kind == Kind::kImage) {
-        const std::vector<std::byte> bytes = ImageBytes(m_document, json);
-        const Json* uri = json.Find("uri");
-        text = bytes.empty() && uri != nullptr ? std::string(uri->String().substr(0, 200))
-                                               : Join(bytes.size(), ":", Hash(bytes.data(), bytes.size()));
-    } else {
-        Write(json, SchemaOf(kind), "", text);
-    }
-    return known->second = std::move(text);
-}
-
-std::string Canonical::NameOf(const gltf::Target& target) const {
-    const auto elements = m_document.Elements(target.kind);
-    return target.index < elements.size() ? std::string(gltf::NameOf(elements[target.index])) : std::string();
-}
-
-void Canonical::Write(const Json& json, const SchemaNode* schema, std::string_view name, std::string& text) {
-    if (json.IsObject()) {
-        text += '{';
-        WriteMembers(json, schema, text);
-        text += '}';
-    } else if (json.IsArray() && schema != nullptr) {
-        text += '[';
-        for (const Json& item : json.Items()) {
-            Write(item, schema->isMap ? nullptr : schema->item.get(), name, text);
-            text += ',';
-        }
-        text += ']';
-    } else if (schema != nullptr && schema->rule != nullptr && gltf::TargetOf(*schema->rule, json)) {
-        const auto target = gltf::TargetOf(*schema->rule, json);
-        text += '(' + (IsOwn(target->kind) ? NameOf(*target) : Of(target->kind, target->index)) + ')';
-    } else {
-        WritePlain(json, text);
-    }
-}
-
-void Canonical::WriteMembers(const Json& object, const SchemaNode* schema, std::string& text) {
-    std::vector<std::pair<std::string_view, std::string>> members;
-    for (const JsonMember& member : object.Members()) {
-        const std::string_view name = member.Name();
-        if (name == "name" && m_names == Names::kIgnore) continue;
-        std::string value;
-        const SchemaNode* below = Below(schema, "extensions", name);
-        if (name.ends_with("Texture") && member.value.Find("index") != nullptr &&
-            member.value.Find("index")->Index()) {
-            value = '(' + Of(Kind::kTexture, *member.value.Find("index")->Index()) + ')';
-            for (const JsonMember& part : member.value.Members()) {
-                if (part.Name() == "index" || IsPlainDefault(part.Name(), part.value)) continue;
-                value += Join(part.Name(), ":");
-                Write(part.value, nullptr, part.Name(), value);
-            }
-        } else {
-            Write(member.value, below, name, value);
-        }
-        if (!IsDefault(name, value)) members.emplace_back(name, std::move(value));
-    }
-    std::sort(members.begin(), members.end());
-    for (const auto& [name, value] : members) text += Join("\"", name, "\":", value, ",");
-}
 
 ContentComparison::ContentComparison(const gltf::Document& a, const gltf::Document& b, double tolerance,
                                      SameElement same, OnDifference onDifference)
@@ -267,7 +83,7 @@ std::size_t ContentComparison::Partner(std::size_t side, Kind kind, std::size_t 
 }
 
 void ContentComparison::Elements(Kind kind, std::size_t a, std::size_t b) {
-    if (!m_compared.try_emplace({gltf::Ordinal(kind), a, b}, true).second) return;
+    if (!m_compared.insert({gltf::Ordinal(kind), a, b}).second) return;
     m_partners.try_emplace({0, gltf::Ordinal(kind), a}, b);
     m_partners.try_emplace({1, gltf::Ordinal(kind), b}, a);
     const Json& left = m_a.Elements(kind)[a];
@@ -382,10 +198,7 @@ void ContentComparison::Accessors(std::size_t a, std::size_t b, const std::strin
 
 void ContentComparison::Numbers(double a, double b, const std::string& place) {
     const double difference = ValueDifference(a, b);
-    if (difference <= m_tolerance) return;
-    char text[80];
-    std::snprintf(text, sizeof text, "%.9g and %.9g", a, b);
-    m_onDifference(place, text, difference);
+    if (difference > m_tolerance) m_onDifference(place, Join(Short(a, 9), " and ", Short(b, 9)), difference);
 }
 
 }  // namespace zr::compare

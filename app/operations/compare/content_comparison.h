@@ -5,37 +5,14 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "app/operations/compare/evaluator.h"
+#include "gltf/document.h"
 #include "gltf/schema.h"
-#include "gltf/walk.h"
 
 namespace zr::compare {
-
-enum class Names { kCount, kIgnore };
-
-// The content of an element as text. Equal content gives equal text, regardless of order, indices and
-// storage: members are sorted, default values left out, numbers rounded to floats, and references replaced by
-// the content of their targets. Nodes, meshes and other materials appear by name only.
-class Canonical {
-public:
-    Canonical(const gltf::Document& document, Names names) : m_document(document), m_names(names) {}
-
-    const std::string& Of(gltf::Kind kind, std::size_t index);
-
-private:
-    std::string NameOf(const gltf::Target& target) const;
-    void Write(const gltf::Json& json, const gltf::SchemaNode* schema, std::string_view name,
-               std::string& text);
-    void WriteMembers(const gltf::Json& object, const gltf::SchemaNode* schema, std::string& text);
-
-    const gltf::Document& m_document;
-    const Names m_names;
-    std::array<std::map<std::size_t, std::string>, gltf::kKinds> m_known;
-};
 
 // Finds differences in content between elements of two documents.
 class ContentComparison {
@@ -76,15 +53,8 @@ private:
     const double m_tolerance;
     SameElement m_same;
     OnDifference m_onDifference;
-    std::map<std::array<std::size_t, 3>, bool> m_compared;
+    std::set<std::array<std::size_t, 3>> m_compared;               // by kind and both indices
     std::map<std::array<std::size_t, 3>, std::size_t> m_partners;  // by side, kind and index
 };
-
-// The bytes of an image, from its view, its data URI or its file beside the document; empty if they cannot be
-// read.
-std::vector<std::byte> ImageBytes(const gltf::Document& document, const gltf::Json& image);
-
-// |a - b|, divided by the greater magnitude if that is above 1.
-double ValueDifference(double a, double b);
 
 }  // namespace zr::compare
