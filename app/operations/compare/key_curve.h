@@ -22,6 +22,7 @@ public:
         : m_times(std::move(times)), m_values(std::move(values)), m_width(width) {}
 
     std::span<const float> Times() const { return m_times; }
+    std::size_t KeyCount() const { return m_times.size(); }
     // The values in order; those of cubic curves with their slopes.
     std::span<const float> Values() const { return m_values; }
     bool IsLinear() const { return m_way == Way::kLinear; }

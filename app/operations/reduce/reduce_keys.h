@@ -7,17 +7,10 @@
 #include <vector>
 
 #include "app/operations/compare/evaluator.h"
+#include "app/operations/reduce/reduce_tolerance.h"
 #include "gltf/document.h"
 
 namespace zr {
-
-// How far a reduction may change things. Zero: not at all.
-struct ReduceTolerance {
-    double length = 0;  // scene units: how far a drawn point may move in world space
-    // Radians: how far a camera, a light, or an animated node with nothing drawn below it may turn.
-    double angle = 0;
-    double value = 0;  // morph weights and pointer values
-};
 
 struct ReduceOptions {
     ReduceTolerance tolerance;
