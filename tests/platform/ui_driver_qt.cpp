@@ -139,7 +139,8 @@ std::vector<TreeWindow> TreeWindows() {
     for (const QWidget* widget : QApplication::topLevelWidgets()) {
         const auto* tree = qobject_cast<const QTreeWidget*>(widget);
         if (!tree) continue;
-        TreeWindow& window = windows.emplace_back(tree->windowTitle().toStdU16String(), tree->isVisible());
+        windows.push_back({tree->windowTitle().toStdU16String(), tree->isVisible(), {}});
+        TreeWindow& window = windows.back();
         for (int i = 0; i < tree->topLevelItemCount(); ++i) {
             window.items.push_back(ReadItem(*tree->topLevelItem(i)));
         }

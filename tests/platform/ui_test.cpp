@@ -9,6 +9,7 @@
 
 #include "module/resources/resource.h"
 #include "platform/windows.h"
+#include "tests/platform/tree_item.h"
 #include "tests/platform/ui_driver.h"
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 using driver::Key;
 using driver::Place;
 using platform::Wide;
+using platform_test::Insert;
 
 constexpr UINT kFirstOwn = 0x8000;
 
@@ -224,17 +226,6 @@ TEST_F(DialogTest, ThreadsThatSendAllGetAnAnswer) {
                                 [](const Received& received) { return received.message == kFirstOwn + 1; }),
                   2000);
     });
-}
-
-HTREEITEM Insert(HWND tree, HTREEITEM parent, const char* text) {
-    std::string label = text;
-    TVINSERTSTRUCTA insert{};
-    insert.hParent = parent;
-    insert.hInsertAfter = TVI_LAST;
-    insert.item.mask = TVIF_TEXT;
-    insert.item.pszText = label.data();
-    return reinterpret_cast<HTREEITEM>(
-        SendMessageA(tree, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert)));
 }
 
 class TreeTest : public DialogTest {
