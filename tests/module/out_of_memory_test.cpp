@@ -37,6 +37,16 @@ protected:
         return Ref<T>::Share(dynamic_cast<T*>(extension.Get()));
     }
 
+    // Prepares cases of which `extension` holds an extension of the module.
+    template <typename Case, typename T>
+    auto With(Ref<T> Case::*extension, const char* typeName) {
+        return [=, this] {
+            auto each = std::make_unique<Case>();
+            (*each).*extension = Create<T>(typeName);
+            return each;
+        };
+    }
+
     // A fresh case for each allocation that fails: prepare makes what run works on and check examines.
     // failed: whether an allocation failed. The last run, in which none fails, ends the steps.
     template <typename Case>
@@ -224,11 +234,7 @@ struct AnimationCase {
 
 TEST_F(OutOfMemory, AMergeThatFailsLeavesNoAnimation) {
     Step<AnimationCase>(
-        [&] {
-            auto each = std::make_unique<AnimationCase>();
-            each->manager = Create<zr_ANIM_MANAGER>(kTypeAnimManager);
-            return each;
-        },
+        With(&AnimationCase::manager, kTypeAnimManager),
         [](AnimationCase& each) {
             each.merged =
                 each.manager->MergeAnimations(each.record.Get(), each.scene->m_pAnimations, true, 7);
@@ -247,11 +253,7 @@ TEST_F(OutOfMemory, AMergeThatFailsLeavesNoAnimation) {
 
 TEST_F(OutOfMemory, AnimationsInUseCountAsUsed) {
     Step<AnimationCase>(
-        [&] {
-            auto each = std::make_unique<AnimationCase>();
-            each->manager = Create<zr_ANIM_MANAGER>(kTypeAnimManager);
-            return each;
-        },
+        With(&AnimationCase::manager, kTypeAnimManager),
         [](AnimationCase& each) {
             char16_t names[64] = {};
             each.answer = each.manager->IsAnimationUsed(each.scene->AllAnimations()[0].Get(), names, 64);
@@ -311,11 +313,7 @@ TEST_F(OutOfMemory, RemovalsAreCounted) {
 
 TEST_F(OutOfMemory, CleanSceneRunsOrDoesNothing) {
     Step<CleanCase>(
-        [&] {
-            auto each = std::make_unique<CleanCase>();
-            each->cleaner = Create<zr_CLEANER>(kTypeCleaner);
-            return each;
-        },
+        With(&CleanCase::cleaner, kTypeCleaner),
         [](CleanCase& each) {
             const auto params = Ref<vl::Params>::Adopt(vl::Params::Create());
             if (!params) return;
@@ -374,11 +372,7 @@ TEST_F(OutOfMemory, TextIsWholeOrNull) {
         Ref<vl::zr::legacy::GlyphContour> strokes;
     };
     Step<Case>(
-        [&] {
-            auto each = std::make_unique<Case>();
-            each->text = Create<vl::zr::legacy::CadText>(kTypeCadText);
-            return each;
-        },
+        With(&Case::text, kTypeCadText),
         [](Case& each) {
             each.strokes = Ref<vl::zr::legacy::GlyphContour>::Adopt(
                 each.text->CreateStrokeContours(u"AB", LOGFONTW{}, 12, nullptr));
