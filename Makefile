@@ -98,9 +98,9 @@ tidy:
 
 # Line coverage of the tests by folder; fails below 90 percent.
 coverage:
-	@$(call packages,qt test check)
+	@$(call packages,qt test report browser coverage)
 	@$(call build,coverage,,all)
-	@find build/coverage -name '*.gcda' -delete
+	@rm -rf build/coverage/profiles
 	@ctest --preset coverage -j $(JOBS)
 	@tools/coverage build/coverage
 

@@ -41,6 +41,14 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
     target_link_options(zr_options INTERFACE -Wl,-z,relro,-z,now)
   endif()
 endif()
+if(ZR_COVERAGE)
+  # Functions of unnamed namespaces are told apart by the file they are in. The joined files of all targets have one
+  # name: each goes by that of its target.
+  target_compile_options(zr_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-fprofile-instr-generate -fcoverage-mapping>
+    "$<$<COMPILE_LANGUAGE:CXX>:SHELL:-Xclang -main-file-name -Xclang $<TARGET_PROPERTY:NAME>>")
+  target_link_options(zr_options INTERFACE -fprofile-instr-generate)
+endif()
 if(NOT WIN32 AND NOT ZR_SANITIZE)
   target_link_options(zr_options INTERFACE -Wl,-z,defs)
 endif()

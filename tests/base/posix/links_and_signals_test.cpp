@@ -80,7 +80,7 @@ TEST(FileTransaction, ASignalLeavesNothing) {
     const TemporaryFolder folder;
     for (const auto& [number, count] :
          {std::pair(SIGTERM, kNamedFiles), std::pair(SIGHUP, 2), std::pair(SIGINT, kNamedFiles)}) {
-        const int ended = SignalThatEnds([&] {
+        const int ended = SignalThatEnds([&, number = number, count = count] {
             FileTransaction files;
             for (int i = 0; i < count; ++i) files.Create(folder / std::to_string(i)).Write("x");
             raise(number);
