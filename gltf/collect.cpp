@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+#include "gltf/compact.h"
+
 namespace zr::gltf {
 namespace {
 
@@ -100,59 +102,36 @@ bool DropUnusedSamplers(Document& document) {
     return dropped;
 }
 
-// The bytes [begin, end) covered by ranges.
-struct Block {
-    std::size_t begin;
-    std::size_t end;
+// The views that lose an accessor, and the buffers that lose a part of one or a view.
+struct Losing {
+    std::vector<bool> views;
+    std::vector<bool> buffers;
 };
 
-// Packs the bytes of a buffer that ranges cover. Every block keeps its offset modulo 4, so that elements stay
-// aligned and a second run finds nothing to do. Returns the number of bytes removed.
-std::size_t Compact(Document& document, std::size_t buffer, std::vector<Json*>& ranges) {
-    const auto bytes = document.BufferBytes(buffer);
-    if (!bytes) return 0;
-    std::vector<Block> blocks;
-    for (const Json* range : ranges) {
-        const std::size_t begin = IndexMember(*range, "byteOffset");
-        blocks.push_back({begin, begin + IndexMember(*range, "byteLength")});
+Losing LosingData(const Document& document, const Removal& removal) {
+    const auto views = document.Elements(Kind::kBufferView);
+    Losing losing;
+    losing.views.resize(views.size(), false);
+    losing.buffers.resize(document.Elements(Kind::kBuffer).size(), false);
+    const auto lose = [&](const Json* part) {
+        const Json* view = part != nullptr ? part->Find("bufferView") : nullptr;
+        if (view != nullptr) losing.views[*view->Index()] = true;
+    };
+    const std::vector<bool>& goneAccessors = removal[Ordinal(Kind::kAccessor)];
+    for (std::size_t i = 0; i < goneAccessors.size(); ++i) {
+        if (!goneAccessors[i]) continue;
+        const Json& accessor = document.Elements(Kind::kAccessor)[i];
+        lose(&accessor);
+        if (const Json* sparse = accessor.Find("sparse")) {
+            lose(sparse->Find("indices"));
+            lose(sparse->Find("values"));
+        }
     }
-    std::sort(blocks.begin(), blocks.end(), [](const Block& a, const Block& b) { return a.begin < b.begin; });
-    std::vector<Block> merged;
-    for (const Block& block : blocks) {
-        if (!merged.empty() && block.begin <= merged.back().end)
-            merged.back().end = std::max(merged.back().end, block.end);
-        else
-            merged.push_back(block);
+    const std::vector<bool>& goneViews = removal[Ordinal(Kind::kBufferView)];
+    for (std::size_t view = 0; view < views.size(); ++view) {
+        if (losing.views[view] || (view < goneViews.size() && goneViews[view]))
+            losing.buffers[IndexMember(views[view], "buffer")] = true;
     }
-    std::vector<Document::BlockMove> moves;
-    std::size_t size = 0;
-    for (const Block& block : merged) {
-        const std::size_t to = size + (block.begin - size) % 4;
-        moves.push_back({block.begin, block.end - block.begin, to});
-        size = to + moves.back().size;
-    }
-    // Padding to a multiple of 4 after the last block is not worth removing.
-    if ((size + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
-
-    for (Json* range : ranges) {
-        const std::size_t begin = IndexMember(*range, "byteOffset");
-        const auto after = std::upper_bound(moves.begin(), moves.end(), begin,
-                                            [](std::size_t at, const auto& move) { return at < move.from; });
-        const Document::BlockMove& move = *std::prev(after);
-        const std::size_t moved = begin - move.from + move.to;
-        if (moved != begin) document.Tree().Member(*range, "byteOffset") = document.Tree().MakeIndex(moved);
-    }
-    const std::size_t freed = bytes->size() - size;
-    document.PackBuffer(buffer, moves);
-    return freed;
-}
-
-// The buffers that lose a view.
-std::vector<bool> LosingBuffers(const Document& document, const Removal& removal) {
-    const std::vector<bool>& gone = removal[Ordinal(Kind::kBufferView)];
-    std::vector<bool> losing(document.Elements(Kind::kBuffer).size(), false);
-    for (std::size_t view = 0; view < gone.size(); ++view)
-        if (gone[view]) losing[IndexMember(document.Elements(Kind::kBufferView)[view], "buffer")] = true;
     return losing;
 }
 
@@ -162,16 +141,6 @@ void Erase(std::vector<bool>& items, const std::vector<bool>& gone) {
     for (std::size_t i = 0; i < items.size(); ++i)
         if (i >= gone.size() || !gone[i]) left.push_back(items[i]);
     items = std::move(left);
-}
-
-std::size_t CompactBuffers(Document& document, const std::vector<bool>& chosen) {
-    std::vector<std::vector<Json*>> ranges(document.Elements(Kind::kBuffer).size());
-    ForEachBufferRange(document,
-                       [&](Json& range) { ranges[IndexMember(range, "buffer")].push_back(&range); });
-    std::size_t freed = 0;
-    for (std::size_t i = 0; i < ranges.size(); ++i)
-        if (chosen[i]) freed += Compact(document, i, ranges[i]);
-    return freed;
 }
 
 // `spared`: null when nothing is spared.
@@ -197,12 +166,15 @@ Collected Collect(Document& document, KindSet kinds, bool force, const Removal* 
         for (std::size_t k = 0; k < removal[i].size(); ++k)
             if (removal[i][k]) collected.bytes += document.BufferBytes(k).value_or(Bytes()).size();
     }
-    std::vector<bool> compacted = spared != nullptr
-                                      ? LosingBuffers(document, removal)
-                                      : std::vector<bool>(document.Elements(Kind::kBuffer).size(), true);
-    Erase(compacted, removal[Ordinal(Kind::kBuffer)]);
+    Losing losing = LosingData(document, removal);
+    if (spared == nullptr) {
+        losing.views.assign(losing.views.size(), kinds.Has(Kind::kBufferView));
+        losing.buffers.assign(losing.buffers.size(), true);
+    }
+    Erase(losing.views, removal[Ordinal(Kind::kBufferView)]);
+    Erase(losing.buffers, removal[Ordinal(Kind::kBuffer)]);
     RemoveElements(document, removal);
-    if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document, compacted);
+    if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document, losing.buffers, losing.views);
     return collected;
 }
 

@@ -25,12 +25,13 @@ inline constexpr KindSet kDataKinds{Kind::kTexture,  Kind::kImage,      Kind::kS
 Removal Unreferenced(Document& document, KindSet kinds);
 
 // Removes these elements and (with kAccessor) the samplers of animations that no channel uses; with kBuffer
-// also the bytes of buffers that no view covers. A kind that something opaque may refer to is left alone
-// unless `force`. Takes linear time.
+// also the bytes of buffers that no view covers and, in views that only accessors read, those that none
+// reads. A kind that something opaque may refer to is left alone unless `force`. Takes linear time.
 Collected CollectGarbage(Document& document, KindSet kinds, bool force);
 
-// The same, but leaves alone the elements of `spared`, what they refer to, and buffers that lose no view.
-// With what was unreferenced before a change as `spared`, it collects only what the change left behind.
+// The same, but leaves alone the elements of `spared`, what they refer to, and buffers and views that lose
+// nothing. With what was unreferenced before a change as `spared`, it collects only what the change left
+// behind.
 Collected CollectGarbage(Document& document, KindSet kinds, bool force, const Removal& spared);
 
 }  // namespace zr::gltf

@@ -8,6 +8,7 @@
 
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
+#include "gltf/uri.h"
 #include "tests/gltf/sample.h"
 
 namespace zr::gltf {
@@ -247,6 +248,43 @@ TEST(Collect, UnusedDataIsRemovedAndTheRestReadsTheSame) {
     Document again = Document::Load(folder / "small.glb");
     EXPECT_EQ(again.BufferBytes(0)->size(), 216U);
     EXPECT_EQ(CollectGarbage(again, kDataKinds, false).bytes, 0U);
+}
+
+// The bytes 0, 1, 2 ...: a packed view, an interleaved one, and one that an image holds too.
+TEST(Collect, BytesOfAViewThatNoAccessorReadsAnyMoreGo) {
+    const auto make = [] {
+        std::string bytes;
+        for (int i = 0; i < 72; ++i) bytes += static_cast<char>(i);
+        return test::FromText(R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":72,"uri":")" +
+                              EncodeDataUri("application/octet-stream", bytes) + R"("}],
+            "bufferViews":[{"buffer":0,"byteLength":24},{"buffer":0,"byteOffset":24,"byteLength":36,"byteStride":12},
+                           {"buffer":0,"byteOffset":60,"byteLength":12}],
+            "images":[{"bufferView":2,"mimeType":"image/png"}],"textures":[{"source":0}],
+            "materials":[{"normalTexture":{"index":0}}],
+            "accessors":[{"bufferView":0,"componentType":5121,"count":3,"type":"SCALAR"},
+                         {"bufferView":0,"byteOffset":6,"componentType":5123,"count":1,"type":"SCALAR"},
+                         {"bufferView":0,"byteOffset":12,"componentType":5121,"count":2,"type":"SCALAR"},
+                         {"bufferView":0,"byteOffset":20,"componentType":5121,"count":4,"type":"SCALAR"},
+                         {"bufferView":1,"byteOffset":4,"componentType":5121,"count":2,"type":"VEC3"},
+                         {"bufferView":1,"byteOffset":28,"componentType":5121,"count":1,"type":"VEC3"},
+                         {"bufferView":2,"componentType":5121,"count":1,"type":"SCALAR"}],
+            "meshes":[{"primitives":[{"attributes":{"_A":1}},{"attributes":{"_A":3}},{"attributes":{"_A":5}}]}],"nodes":[{"mesh":0}],"scenes":[{"nodes":[0]}]})");
+    };
+    Document document = make();
+    const Removal unused = Unreferenced(document, kDataKinds);
+    EXPECT_EQ(CollectGarbage(document, kDataKinds, false, unused).bytes, 0U) << "it was so before";
+
+    const auto b = ReadIntegers(document, 3), a = ReadIntegers(document, 1), c = ReadIntegers(document, 5);
+    EXPECT_EQ(CollectGarbage(document, kDataKinds, false).bytes, 4U + 12 + 24);
+    EXPECT_EQ(ReadIntegers(document, 0), a);
+    EXPECT_EQ(ReadIntegers(document, 1), b);
+    EXPECT_EQ(ReadIntegers(document, 2), c);
+    const auto views = document.Elements(Kind::kBufferView);
+    EXPECT_EQ(IndexMember(views[0], "byteLength"), 8U);
+    EXPECT_EQ(IndexMember(views[1], "byteLength"), 12U) << "a row";
+    EXPECT_EQ(document.ViewBytes(2)->front(), std::byte{60});
+    EXPECT_EQ(IndexMember(views[2], "byteLength"), 12U) << "an image";
+    EXPECT_EQ(CollectGarbage(document, kDataKinds, false).bytes, 0U);
 }
 
 TEST(Collect, SharedAndOverlappingBytesMoveTogether) {

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "gltf/compact.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "gltf/accessor.h"
+#include "gltf/references.h"
+
+namespace zr::gltf {
+namespace {
+
+// The bytes [begin, end) of a buffer.
+struct Block {
+    std::size_t begin;
+    std::size_t end;
+};
+
+// What an accessor reads of a view that may shrink.
+struct Part {
+    Json* object;  // its byteOffset counts from the view's begin
+    Block block;   // whole rows of the view
+};
+
+// An object that names a range of a buffer: a view, or the compressed form of the view before it.
+struct Range {
+    Json* object;
+    Block block;
+    std::vector<Part> parts;  // none: the range stays whole
+};
+
+// Calls visit(Json&, layout, count) for each part of an accessor that names a view.
+template <typename Visit>
+void ForEachPart(Document& document, std::size_t accessor, Visit visit) {
+    Json& json = document.Elements(Kind::kAccessor)[accessor];
+    const AccessorInfo info = Describe(document, accessor);
+    if (json.Find("bufferView") != nullptr) visit(json, info, info.count);
+    Json* sparse = json.Find("sparse");
+    if (sparse == nullptr) return;
+    const std::size_t count = IndexMember(*sparse, "count");
+    Json& indices = *sparse->Find("indices");
+    AccessorInfo places;
+    places.component = static_cast<Component>(IndexMember(indices, "componentType"));
+    visit(indices, places, count);
+    visit(*sparse->Find("values"), info, count);
+}
+
+// The marked views that only accessors read, in ways that are known.
+std::vector<bool> Shrinkable(Document& document, std::vector<bool> views) {
+    const ReferenceTable references = ListReferences(document, {Kind::kAccessor, Kind::kBufferView});
+    if (references.opaque.kinds.Has(Kind::kBufferView)) return std::vector<bool>(views.size(), false);
+    const std::vector<bool>& held = references.held[Ordinal(Kind::kBufferView)];
+    for (std::size_t view = 0; view < held.size(); ++view)
+        if (held[view]) views[view] = false;
+    for (const ReferenceTable::Link& link : references.links) {
+        if (link.targetKind != Kind::kBufferView) continue;
+        const bool isKnown = link.ownerKind == Kind::kAccessor &&
+                             document.Elements(Kind::kAccessor)[link.owner].Find("extensions") == nullptr;
+        if (!isKnown) views[link.target] = false;
+    }
+    for (std::size_t view = 0; view < views.size(); ++view)
+        if (document.Elements(Kind::kBufferView)[view].Find("extensions") != nullptr) views[view] = false;
+    return views;
+}
+
+std::vector<std::vector<Range>> RangesOf(Document& document) {
+    std::vector<std::vector<Range>> ranges(document.Elements(Kind::kBuffer).size());
+    ForEachBufferRange(document, [&](Json& range) {
+        const std::size_t begin = IndexMember(range, "byteOffset");
+        ranges[IndexMember(range, "buffer")].push_back(
+            {&range, {begin, begin + IndexMember(range, "byteLength")}, {}});
+    });
+    return ranges;
+}
+
+// Lists what accessors read of the marked views.
+void AddParts(Document& document, const std::vector<bool>& views, std::vector<std::vector<Range>>& ranges) {
+    const std::span<Json> elements = document.Elements(Kind::kBufferView);
+    std::vector<Range*> rangeOf(views.size(), nullptr);
+    {
+        std::unordered_map<const Json*, Range*> byObject;
+        for (std::vector<Range>& ofBuffer : ranges)
+            for (Range& range : ofBuffer) byObject.emplace(range.object, &range);
+        for (std::size_t view = 0; view < views.size(); ++view)
+            if (views[view]) rangeOf[view] = byObject.at(&elements[view]);
+    }
+    for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
+        ForEachPart(document, i, [&](Json& part, const AccessorInfo& info, std::size_t count) {
+            const std::size_t view = IndexMember(part, "bufferView");
+            Range* range = rangeOf[view];
+            if (range == nullptr) return;
+            if (count == 0) {
+                range->parts.clear();
+                rangeOf[view] = nullptr;
+                return;
+            }
+            // Whole rows, so that elements stay aligned and no view becomes shorter than its stride.
+            const std::size_t stride = IndexMember(elements[view], "byteStride");
+            const std::size_t row = stride != 0 ? stride : 4;
+            const std::size_t begin = IndexMember(part, "byteOffset");
+            const std::size_t end =
+                begin + (stride != 0 ? stride : info.ElementSize()) * (count - 1) + info.LastElementSize();
+            const Block& whole = range->block;
+            range->parts.push_back({&part,
+                                    {whole.begin + begin / row * row,
+                                     std::min(whole.end, whole.begin + (end + row - 1) / row * row)}});
+        });
+    }
+}
+
+// The blocks of a buffer that stay, and where each byte of them goes. Every block keeps its offset modulo 4,
+// so that elements stay aligned and a second run finds nothing to do.
+class Packing {
+public:
+    explicit Packing(const std::vector<Range>& ranges) {
+        std::vector<Block> blocks;
+        for (const Range& range : ranges) {
+            if (range.parts.empty()) blocks.push_back(range.block);
+            for (const Part& part : range.parts) blocks.push_back(part.block);
+        }
+        std::sort(blocks.begin(), blocks.end(),
+                  [](const Block& a, const Block& b) { return a.begin < b.begin; });
+        std::vector<Block> merged;
+        for (const Block& block : blocks) {
+            if (!merged.empty() && block.begin <= merged.back().end)
+                merged.back().end = std::max(merged.back().end, block.end);
+            else
+                merged.push_back(block);
+        }
+        for (const Block& block : merged) {
+            const std::size_t to = m_size + (block.begin - m_size) % 4;
+            m_moves.push_back({block.begin, block.end - block.begin, to});
+            m_size = to + m_moves.back().size;
+        }
+    }
+
+    std::size_t Size() const { return m_size; }
+    std::span<const Document::BlockMove> Moves() const { return m_moves; }
+
+    std::size_t PlaceOf(std::size_t byte) const {
+        const auto after = std::upper_bound(m_moves.begin(), m_moves.end(), byte,
+                                            [](std::size_t at, const auto& move) { return at < move.from; });
+        const Document::BlockMove& move = *std::prev(after);
+        return byte - move.from + move.to;
+    }
+
+private:
+    std::vector<Document::BlockMove> m_moves;
+    std::size_t m_size = 0;
+};
+
+void SetIndex(JsonTree& tree, Json& object, std::string_view name, std::size_t value) {
+    if (IndexMember(object, name) != value) tree.Member(object, name) = tree.MakeIndex(value);
+}
+
+void Move(JsonTree& tree, const Range& range, const Packing& packing) {
+    Block kept = range.parts.empty() ? range.block : range.parts.front().block;
+    for (const Part& part : range.parts) {
+        kept.begin = std::min(kept.begin, part.block.begin);
+        kept.end = std::max(kept.end, part.block.end);
+    }
+    const std::size_t begin = packing.PlaceOf(kept.begin);
+    SetIndex(tree, *range.object, "byteOffset", begin);
+    if (range.parts.empty()) return;
+    SetIndex(tree, *range.object, "byteLength", packing.PlaceOf(kept.end - 1) + 1 - begin);
+    for (const Part& part : range.parts) {
+        const std::size_t at = range.block.begin + IndexMember(*part.object, "byteOffset");
+        SetIndex(tree, *part.object, "byteOffset", packing.PlaceOf(at) - begin);
+    }
+}
+
+std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Range>& ranges) {
+    const auto bytes = document.BufferBytes(buffer);
+    if (!bytes) return 0;
+    const Packing packing(ranges);
+    // Padding to a multiple of 4 after the last block is not worth removing.
+    if ((packing.Size() + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
+    const std::size_t freed = bytes->size() - packing.Size();
+    for (const Range& range : ranges) Move(document.Tree(), range, packing);
+    document.PackBuffer(buffer, packing.Moves());
+    return freed;
+}
+
+}  // namespace
+
+std::size_t CompactBuffers(Document& document, const std::vector<bool>& buffers,
+                           const std::vector<bool>& views) {
+    std::vector<std::vector<Range>> ranges = RangesOf(document);
+    if (std::find(views.begin(), views.end(), true) != views.end())
+        AddParts(document, Shrinkable(document, views), ranges);
+    std::size_t freed = 0;
+    for (std::size_t i = 0; i < ranges.size(); ++i)
+        if (buffers[i]) freed += Compact(document, i, ranges[i]);
+    return freed;
+}
+
+}  // namespace zr::gltf
