@@ -211,20 +211,31 @@ std::vector<std::uint32_t> ReadIntegers(const Document& document, std::size_t ac
 }
 
 std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values) {
+    std::optional<std::size_t> view;
+    return AppendFloats(document, type, use, values, view);
+}
+
+std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values,
+                         std::optional<std::size_t>& view) {
     const unsigned components = ShapeOf(type)->Components();
     if (!std::all_of(values.begin(), values.end(), [](float value) { return std::isfinite(value); }))
         document.Fail(ErrorKind::kNumber, Join("/accessors/", document.Elements(Kind::kAccessor).size()),
                       "a number to be written is not finite");
-    const bool isVertexData = use == Use::kPosition || use == Use::kAttribute;
-    const std::size_t view = document.AppendView(std::as_bytes(values), isVertexData ? kVertexTarget : 0, 0);
-    Json json = NewAccessor(document, view, Component::kFloat, values.size() / components, type);
+    JsonTree& tree = document.Tree();
+    const Bytes bytes = std::as_bytes(values);
+    const auto offset = view ? document.ExtendView(*view, bytes) : std::nullopt;
+    if (!offset) {
+        const bool isVertexData = use == Use::kPosition || use == Use::kAttribute;
+        view = document.AppendView(bytes, isVertexData ? kVertexTarget : 0, 0);
+    }
+    Json json = NewAccessor(document, *view, Component::kFloat, values.size() / components, type);
+    if (offset) tree.Member(json, "byteOffset") = tree.MakeIndex(*offset);
     if ((use == Use::kPosition || use == Use::kKeyTimes) && !values.empty()) {
         std::vector<float> low(values.begin(), values.begin() + components), high = low;
         for (std::size_t i = 0; i < values.size(); ++i) {
             low[i % components] = std::min(low[i % components], values[i]);
             high[i % components] = std::max(high[i % components], values[i]);
         }
-        JsonTree& tree = document.Tree();
         tree.Member(json, "min") = tree.MakeNumbers(low);
         tree.Member(json, "max") = tree.MakeNumbers(high);
     }

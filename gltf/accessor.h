@@ -79,6 +79,10 @@ enum class Use {
 // Adds an accessor of floats with a view of its own and returns its index. values.size() is a multiple of the
 // components of `type` and not 0. Throws Error (kNumber) and adds nothing unless all values are finite.
 std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values);
+// The same in a view that several accessors share, which is not for vertex data. `view` is empty before the
+// first call and holds the view afterwards.
+std::size_t AppendFloats(Document& document, std::string_view type, Use use, std::span<const float> values,
+                         std::optional<std::size_t>& view);
 // Adds an accessor of vertex indices (at least one) and returns its index. The indices have 16 bits where all
 // are below 0xFFFF, the primitive restart value, else 32.
 std::size_t AppendIndices(Document& document, std::span<const std::uint32_t> values);

@@ -272,7 +272,8 @@ void Document::ForgetSupplied() {
     m_suppliedAccessors.clear();
 }
 
-std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) {
+// Returns the offset of the bytes.
+std::size_t Document::AppendToNewBuffer(Bytes bytes) {
     if (!m_newBuffer) {
         m_newBuffer = Append(Kind::kBuffer, JsonTree::MakeObject());
         m_buffers[*m_newBuffer].origin = Origin::kNew;
@@ -284,7 +285,11 @@ std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) 
     buffer.bytes = buffer.owned;
     Json& json = Elements(Kind::kBuffer)[*m_newBuffer];
     m_tree.Member(json, "byteLength") = m_tree.MakeIndex(buffer.owned.size());
+    return offset;
+}
 
+std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) {
+    const std::size_t offset = AppendToNewBuffer(bytes);
     Json view = JsonTree::MakeObject();
     m_tree.Member(view, "buffer") = m_tree.MakeIndex(*m_newBuffer);
     m_tree.Member(view, "byteOffset") = m_tree.MakeIndex(offset);
@@ -292,6 +297,17 @@ std::size_t Document::AppendView(Bytes bytes, unsigned target, unsigned stride) 
     if (stride != 0) m_tree.Member(view, "byteStride") = m_tree.MakeIndex(stride);
     if (target != 0) m_tree.Member(view, "target") = m_tree.MakeIndex(target);
     return Append(Kind::kBufferView, view);
+}
+
+std::optional<std::size_t> Document::ExtendView(std::size_t index, Bytes bytes) {
+    const Json& json = Elements(Kind::kBufferView)[index];
+    const std::size_t begin = IndexMember(json, "byteOffset");
+    const std::size_t end = begin + IndexMember(json, "byteLength");
+    if (IndexMember(json, "buffer") != m_newBuffer || end != m_buffers[*m_newBuffer].owned.size())
+        return std::nullopt;
+    const std::size_t offset = AppendToNewBuffer(bytes) - begin;
+    m_tree.Member(Elements(Kind::kBufferView)[index], "byteLength") = m_tree.MakeIndex(offset + bytes.size());
+    return offset;
 }
 
 void Document::PackBuffer(std::size_t index, std::span<const BlockMove> blocks) {

@@ -97,6 +97,9 @@ public:
     // Appends bytes, 4-byte aligned, to a new buffer that Save will place; returns the index of the new view.
     // `target` and `stride`: 0 for none.
     std::size_t AppendView(Bytes bytes, unsigned target, unsigned stride);
+    // Appends bytes, 4-byte aligned, to a view that AppendView made and returns their offset in it; nullopt,
+    // with nothing done, once other bytes stand behind the view.
+    std::optional<std::size_t> ExtendView(std::size_t view, Bytes bytes);
     // Moves blocks of a buffer down in place: bytes between them become zeros, bytes after the last one are
     // dropped, and byteLength is updated. Blocks are in order, move down or stay, and do not overlap.
     struct BlockMove {
@@ -146,6 +149,7 @@ private:
     [[noreturn]] void FailOverBudget(std::string_view place) const;
     void LoadBuffers(std::span<std::byte> bin, bool hasBin);
     Buffer LoadBuffer(const Json& json, std::size_t index);
+    std::size_t AppendToNewBuffer(Bytes bytes);
 
     std::filesystem::path m_file;
     LoadOptions m_options;

@@ -262,13 +262,10 @@ Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler) {
 
 std::size_t CurveWriter::Append(std::size_t animation, const Curve& curve, std::string_view type) {
     gltf::JsonTree& tree = m_document.Tree();
-    const std::string_view times(reinterpret_cast<const char*>(curve.times.data()),
-                                 curve.times.size() * sizeof(float));
-    const auto [input, isNew] = m_inputs.try_emplace(times);
-    if (isNew) input->second = gltf::AppendFloats(m_document, "SCALAR", gltf::Use::kKeyTimes, curve.times);
-    const std::size_t output = gltf::AppendFloats(m_document, type, gltf::Use::kKeyValues, curve.values);
+    const std::size_t input = m_keys.Times(curve.times);
+    const std::size_t output = m_keys.Values(type, curve.values);
     gltf::Json sampler = gltf::JsonTree::MakeObject();
-    tree.Member(sampler, "input") = tree.MakeIndex(input->second);
+    tree.Member(sampler, "input") = tree.MakeIndex(input);
     tree.Member(sampler, "output") = tree.MakeIndex(output);
     if (curve.interpolation != vl::zr::kInterpolationLinear)
         tree.Member(sampler, "interpolation") = tree.MakeString(NameOf(curve.interpolation));

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <string_view>
-#include <unordered_map>
 
 #include "gltf/document.h"
+#include "gltf/key_accessors.h"
 #include "kernix/scene/curve.h"
 #include "kernix/scene/transform_track.h"
 
@@ -26,18 +26,18 @@ Curve ReadCurve(const gltf::Document& document, const gltf::Json& sampler);
 // that rounding cannot reverse the direction of interpolation. Leaves cubic curves alone.
 void KeepWays(Curve& rotations);
 
-// Adds curves to a document. Equal key times are stored once.
+// Adds curves to a document.
 class CurveWriter {
 public:
-    explicit CurveWriter(gltf::Document& document) : m_document(document) {}
+    explicit CurveWriter(gltf::Document& document) : m_document(document), m_keys(document) {}
 
     // Adds the data and a sampler to the animation; returns the sampler's index. `type` is the accessor type
-    // of a value. The curve must outlive the writer.
+    // of a value.
     std::size_t Append(std::size_t animation, const Curve& curve, std::string_view type);
 
 private:
     gltf::Document& m_document;
-    std::unordered_map<std::string_view, std::size_t> m_inputs;  // accessors, by the bytes of the times
+    gltf::KeyAccessors m_keys;
 };
 
 // Adds a curve's keys to a track.

@@ -15,6 +15,7 @@
 #include "base/text.h"
 #include "gltf/accessor.h"
 #include "gltf/collect.h"
+#include "gltf/key_accessors.h"
 
 namespace zr {
 namespace {
@@ -41,7 +42,8 @@ public:
         : m_document(document),
           m_options(options),
           m_evaluator(document),
-          m_watched(reduce::WatchedPoints(m_evaluator)) {}
+          m_watched(reduce::WatchedPoints(m_evaluator)),
+          m_keys(document) {}
 
     ReduceReport Run() {
         const std::vector<compare::Animation>& animations = m_evaluator.Animations();
@@ -144,7 +146,6 @@ private:
     }
 
     void Write(std::size_t animation, const std::map<std::size_t, KeyCurve>& reduced) {
-        std::map<std::vector<float>, std::size_t> inputs;  // accessors of equal times are one
         for (const compare::Channel& channel : m_evaluator.Animations()[animation].channels) {
             const KeyCurve& curve = reduced.at(channel.index);
             if (IsSame(curve, channel.curve)) continue;
@@ -156,18 +157,10 @@ private:
             const std::string type(m_document.Elements(Kind::kAccessor)[gltf::IndexMember(old, "output")]
                                        .Find("type")
                                        ->String());
-            const std::vector<float> times(curve.Times().begin(), curve.Times().end());
-            auto input = inputs.find(times);
-            if (input == inputs.end()) {
-                input =
-                    inputs
-                        .emplace(times, gltf::AppendFloats(m_document, "SCALAR", gltf::Use::kKeyTimes, times))
-                        .first;
-            }
-            const std::size_t output =
-                gltf::AppendFloats(m_document, type, gltf::Use::kKeyValues, curve.Values());
+            const std::size_t input = m_keys.Times(curve.Times());
+            const std::size_t output = m_keys.Values(type, curve.Values());
             Json sampler = tree.Clone(element().Find("samplers")->Items()[oldSampler]);
-            tree.Member(sampler, "input") = tree.MakeIndex(input->second);
+            tree.Member(sampler, "input") = tree.MakeIndex(input);
             tree.Member(sampler, "output") = tree.MakeIndex(output);
             if (curve.IsLinear() && !channel.curve.IsLinear()) sampler.EraseMember("interpolation");
             Json& samplers = *element().Find("samplers");
@@ -181,6 +174,7 @@ private:
     const ReduceOptions& m_options;
     compare::Evaluator m_evaluator;
     std::vector<reduce::Watched> m_watched;
+    gltf::KeyAccessors m_keys;
     ReduceReport m_report;
 };
 

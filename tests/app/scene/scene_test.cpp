@@ -333,6 +333,40 @@ TEST(WriteBack, ChangedAndNewKeysAreStored) {
     EXPECT_EQ(scaled.values, (std::vector<float>{1, 2, 3}));
 }
 
+TEST(Curves, EqualTimesAndValuesAreStoredOnce) {
+    gltf::Document document = gltf::test::Sample();
+    const gltf::Json& stored = document.Elements(Kind::kAnimation)[0].Find("samplers")->Items()[0];
+    const std::size_t input = gltf::IndexMember(stored, "input"),
+                      output = gltf::IndexMember(stored, "output");
+    const std::size_t accessors = document.Elements(Kind::kAccessor).size();
+    Curve known = ReadCurve(document, stored), other = known;
+    known.interpolation = vl::zr::kInterpolationStep;
+    other.values.back() += 1;
+
+    CurveWriter writer(document);
+    const auto added = [&](const Curve& curve, std::string_view type) {
+        const std::size_t sampler = writer.Append(0, curve, type);
+        return document.Elements(Kind::kAnimation)[0].Find("samplers")->Items()[sampler];
+    };
+    const gltf::Json first = added(known, "VEC3");
+    EXPECT_EQ(gltf::IndexMember(first, "input"), input);
+    EXPECT_EQ(gltf::IndexMember(first, "output"), output);
+    EXPECT_EQ(document.Elements(Kind::kAccessor).size(), accessors);
+
+    EXPECT_EQ(gltf::IndexMember(added(other, "VEC3"), "output"), accessors);
+    EXPECT_EQ(gltf::IndexMember(added(other, "VEC3"), "output"), accessors);
+    const Curve times{vl::zr::kInterpolationLinear, other.values, other.values};
+    const gltf::Json weights = added(times, "SCALAR");
+    EXPECT_EQ(gltf::IndexMember(weights, "input"), accessors + 1) << "times need bounds";
+    EXPECT_EQ(gltf::IndexMember(weights, "output"), accessors + 2) << "of another type";
+    EXPECT_EQ(gltf::ReadFloats(document, accessors + 2), other.values);
+    EXPECT_EQ(gltf::ReadFloats(document, accessors), other.values);
+    const auto views = document.Elements(Kind::kBufferView);
+    EXPECT_EQ(gltf::IndexMember(document.Elements(Kind::kAccessor)[accessors + 2], "bufferView"),
+              views.size() - 1);
+    EXPECT_EQ(gltf::IndexMember(views.back(), "byteLength"), 3 * other.values.size() * sizeof(float));
+}
+
 TEST(Curves, MixedKeysBecomeLinearOnTheCurve) {
     kernix::SceneModel* scene = new kernix::SceneModel;
     const auto owner = vl::Ref<kernix::SceneModel>::Adopt(scene);
