@@ -58,6 +58,9 @@ void AddHelpCommand(CLI::App& app, Session& session) {
     CLI::App* command = app.add_subcommand("help", "Print the help of a command");
     const auto name = std::make_shared<std::string>();
     command->add_option("command", *name, "The command; without one, all are listed")->type_name("[COMMAND]");
+    AddExamples(*command, {{"help", "List all commands."},
+                           {"help export", "The options of one, by group, with examples."},
+                           {"help --json export", "The same for a program."}});
     OnRun(*command, session, [name, &app, &session] {
         const CLI::App& chosen = name->empty() ? app : CommandNamed(app, *name);
         // Formatting help without enough memory would end the process or drop part of the text.

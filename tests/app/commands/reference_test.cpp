@@ -55,7 +55,7 @@ TEST(Reference, EveryOptionIsInEveryFormat) {
             }
         }
         EXPECT_TRUE(manual.starts_with(".TH ZR-")) << manual;
-        EXPECT_EQ(command.footer.empty(), command.name == "help") << command.name;
+        EXPECT_FALSE(command.footer.empty()) << command.name;
     }
 }
 
