@@ -59,9 +59,8 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
                  "Write data compressed by meshopt, Draco or quantization uncompressed")
         ->group(kGroup);
     app.add_flag("--strict", options.strict, "Treat content that cannot be read as an error")->group(kGroup);
-    app.add_option("--language", options.language,
-                   "Language of the module's texts: en, de, fr, ja or zh; default: the user's")
-        ->type_name("LANGUAGE")
+    app.add_option("--language", options.language, "Language of the module's texts; default: the user's")
+        ->type_name("en|de|fr|ja|zh")
         ->check([](const std::string& language) {
             return kernix::LanguageTable(language) ? std::string()
                                                    : Join("unknown language \"", language, "\"");

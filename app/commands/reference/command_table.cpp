@@ -3,6 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cctype>
+
 #include "app/commands/help.h"
 #include "app/commands/options.h"
 #include "app/commands/program.h"
@@ -29,13 +31,18 @@ OptionEntry ReadOption(const CLI::Option& option) {
     entry.value = option.get_type_name();
     entry.kind = ValueKind::kOther;
     entry.isRepeatable = option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+    entry.isList = option.get_delimiter() == ',';
     if (entry.value == kFolderType) entry.kind = ValueKind::kFolder;
-    for (const char* type : {kFileType, kSceneType, kOutType}) {
-        if (entry.value == type) entry.kind = ValueKind::kFile;
-    }
+    if (entry.value == kSceneType) entry.kind = ValueKind::kScene;
+    if (entry.value == kFileType || entry.value == kOutType) entry.kind = ValueKind::kFile;
     if (entry.value.find('|') != entry.value.npos) {
         entry.kind = ValueKind::kWord;
-        entry.words = Parts(entry.value, '|');
+        for (const std::string& word : Parts(entry.value, '|')) {
+            if (word == kFileType)
+                entry.kind = ValueKind::kWordOrFile;
+            else if (!std::isupper(static_cast<unsigned char>(word.front())))  // "N" is no word
+                entry.words.push_back(word);
+        }
     }
     return entry;
 }

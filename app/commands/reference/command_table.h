@@ -12,8 +12,10 @@ namespace zr {
 enum class ValueKind {
     kNone,  // a flag
     kFile,
+    kScene,  // a file to read
     kFolder,
-    kWord,  // one of a fixed set
+    kWord,        // one of a fixed set
+    kWordOrFile,  // a file's name as well
     kOther,
 };
 
@@ -22,7 +24,8 @@ struct OptionEntry {
     std::string value;               // as help shows it, "SECONDS"; empty: a flag
     std::string text;
     ValueKind kind = ValueKind::kNone;
-    std::vector<std::string> words;  // of kWord
+    std::vector<std::string> words;  // of kWord and kWordOrFile
+    bool isList = false;             // several values, separated by commas
     bool isRepeatable = false;
 };
 

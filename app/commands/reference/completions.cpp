@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "app/commands/options.h"
 #include "base/text.h"
 
 namespace zr {
@@ -40,14 +41,26 @@ std::vector<std::string> OperandWords(const CommandTable& program, const Command
     return command.name == "help" ? NamesOf(program.commands) : NamesOf(command.commands);
 }
 
+// What the shell offers for the operands of a command that has no words for them.
+ValueKind OperandKind(const CommandTable& command) {
+    if (command.operands.empty()) return ValueKind::kOther;
+    const std::string& value = command.operands.front().value;
+    if (value.starts_with(kSceneType)) return ValueKind::kScene;
+    return value.find(kOutType) != value.npos ? ValueKind::kFile : ValueKind::kOther;
+}
+
 // The commands that complete an option's value; ":" leaves it to the shell's own file completion.
 std::string BashValue(const OptionEntry& option) {
+    const std::string words = Join("'", Joined(option.words, " "), "'");
     switch (option.kind) {
         case ValueKind::kFolder:
             return "compopt -o dirnames +o default";
         case ValueKind::kWord:
-            return "compopt +o default; COMPREPLY=($(compgen -W '" + Joined(option.words, " ") +
-                   "' -- \"$word\"))";
+            return Join("compopt +o default; ", option.isList ? "_zr_list " : "_zr_words ", words);
+        case ValueKind::kWordOrFile:
+            return Join("_zr_words ", words, "; _zr_files");
+        case ValueKind::kScene:
+            return "_zr_scenes";
         case ValueKind::kOther:
             return "compopt +o default";
         default:
@@ -73,18 +86,36 @@ std::string ZshText(std::string text) {
     return text;
 }
 
-std::string ZshOption(const OptionEntry& option) {
-    std::string value;
-    if (option.kind != ValueKind::kNone) {
-        value = ":" + ZshText(option.value) + ":";
-        if (option.kind == ValueKind::kFile) value += "_files";
-        if (option.kind == ValueKind::kFolder) value += "_files -/";
-        if (option.kind == ValueKind::kWord) value += "(" + Joined(option.words, " ") + ")";
+constexpr const char* kZshScenes = "_files -g \"*.(glb|gltf)(-.)\"";
+
+std::string ZshValue(const OptionEntry& option) {
+    const std::string words = Joined(option.words, " ");
+    switch (option.kind) {
+        case ValueKind::kFile:
+            return "_files";
+        case ValueKind::kScene:
+            return kZshScenes;
+        case ValueKind::kFolder:
+            return "_files -/";
+        case ValueKind::kWord:
+            return option.isList ? Join("_values -s , value ", words) : Join("(", words, ")");
+        case ValueKind::kWordOrFile:
+            // The space keeps _arguments from adding options of its own.
+            return Join(" _alternative \"words\\:word\\:(", words, ")\" \"files\\:file\\:_files\"");
+        default:
+            return "";
     }
+}
+
+std::string ZshOption(const OptionEntry& option) {
     std::string lines;
     for (const std::string& name : option.names) {
+        const bool takesValue = option.kind != ValueKind::kNone;
         const std::string others = option.isRepeatable ? "*" : "(" + Joined(option.names, " ") + ")";
-        lines += " \\\n        " + Quoted(others + name + "[" + ZshText(option.text) + "]" + value);
+        std::string text = Join(others, name, takesValue && name.starts_with("--") ? "=" : "", "[",
+                                ZshText(option.text), "]");
+        if (takesValue) text += Join(":", ZshText(option.value), ":", ZshValue(option));
+        lines += " \\\n        " + Quoted(text);
     }
     return lines;
 }
@@ -93,14 +124,34 @@ std::string FishText(std::string text) {
     return "'" + Replaced(Replaced(std::move(text), "\\", "\\\\"), "'", "\\'") + "'";
 }
 
+constexpr const char* kFishScenes = "'(__fish_complete_suffix .glb; __fish_complete_suffix .gltf)'";
+
+std::string FishValue(const OptionEntry& option) {
+    const std::string words = Joined(option.words, " ");
+    switch (option.kind) {
+        case ValueKind::kNone:
+            return "";
+        case ValueKind::kFile:
+            return " -r -F";
+        case ValueKind::kScene:
+            return Join(" -x -k -a ", kFishScenes);
+        case ValueKind::kFolder:
+            return " -x -a '(__fish_complete_directories)'";
+        case ValueKind::kWord:
+            return Join(" -x -a ", option.isList ? Join("'(__fish_append , ", words, ")'") : FishText(words));
+        case ValueKind::kWordOrFile:
+            return Join(" -r -F -a ", FishText(words));
+        case ValueKind::kOther:
+            break;
+    }
+    return " -x";
+}
+
 std::string FishOption(const std::string& condition, const OptionEntry& option) {
     std::string line = "complete -c zr -n " + FishText(condition);
     for (const std::string& name : option.names)
         line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-    if (option.kind == ValueKind::kFile) line += " -r -F";
-    if (option.kind == ValueKind::kFolder) line += " -x -a '(__fish_complete_directories)'";
-    if (option.kind == ValueKind::kWord) line += " -x -a " + FishText(Joined(option.words, " "));
-    if (option.kind == ValueKind::kOther) line += " -x";
+    line += FishValue(option);
     return line + " -d " + FishText(option.text) + "\n";
 }
 
@@ -110,9 +161,28 @@ std::string BashCompletion(const CommandTable& program) {
     std::string names = Joined(NamesOf(program.commands), "|");
     std::string text = Join(
         "# bash completion of zr\n"
+        "_zr_words() { mapfile -t COMPREPLY < <(compgen -W \"$1\" -- \"$word\"); }\n"
+        "_zr_list() {\n"
+        "    local last=${word##*,}\n"
+        "    mapfile -t COMPREPLY < <(compgen -P \"${word%\"$last\"}\" -W \"$1\" -- \"$last\")\n"
+        "}\n"
+        "_zr_files() {\n"
+        "    compopt -o filenames\n"
+        "    mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- \"$word\")\n"
+        "}\n"
+        "_zr_scenes() {\n"
+        "    compopt -o filenames -o plusdirs\n"
+        "    mapfile -t COMPREPLY < <(compgen -f -X '!*.glb' -- \"$word\"; compgen -f -X '!*.gltf' -- "
+        "\"$word\")\n"
+        "}\n"
         "_zr() {\n"
         "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= i\n"
         "    COMPREPLY=()\n"
+        "    if [[ $before == = ]]; then\n"
+        "        before=${COMP_WORDS[COMP_CWORD - 2]}\n"
+        "    elif [[ $word == = ]]; then\n"
+        "        word=\n"
+        "    fi\n"
         "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
         "        case ${COMP_WORDS[i]} in ",
         names, ") command=${COMP_WORDS[i]}; break ;; esac\n    done\n    case $command:$before in\n");
@@ -123,13 +193,16 @@ std::string BashCompletion(const CommandTable& program) {
             for (const std::string& each : option.names)
                 text += Join("        ", name, ":", each, ") ", BashValue(option), "; return ;;\n");
         });
-        options += Join("            ", name.empty() ? "''" : name, ") COMPREPLY=($(compgen -W '",
-                        OptionNames(command), "' -- \"$word\")) ;;\n");
+        options +=
+            Join("            ", name.empty() ? "''" : name, ") _zr_words '", OptionNames(command), "' ;;\n");
         const std::vector<std::string> words = OperandWords(program, command);
         if (!words.empty())
-            operands += Join("        ", name.empty() ? "''" : name,
-                             ") compopt +o default; COMPREPLY=($(compgen -W '", Joined(words, " "),
-                             "' -- \"$word\")) ;;\n");
+            operands += Join("        ", name.empty() ? "''" : name, ") compopt +o default; _zr_words '",
+                             Joined(words, " "), "' ;;\n");
+        else if (OperandKind(command) == ValueKind::kScene)
+            operands += Join("        ", name, ") _zr_scenes ;;\n");
+        else if (OperandKind(command) == ValueKind::kOther)
+            operands += Join("        ", name.empty() ? "''" : name, ") compopt +o default ;;\n");
     };
     add(program, "");
     for (const CommandTable& command : program.commands) add(command, command.name);
@@ -152,8 +225,13 @@ std::string ZshCompletion(const CommandTable& program) {
         text += Join("        ", command.name, ") _arguments");
         ForEachOption(command, [&](const OptionEntry& option) { text += ZshOption(option); });
         const std::vector<std::string> words = OperandWords(program, command);
-        text += words.empty() ? " \\\n        '*:file:_files' ;;\n"
-                              : " \\\n        '1:word:(" + Joined(words, " ") + ")' ;;\n";
+        if (!words.empty())
+            text += Join(" \\\n        '1:word:(", Joined(words, " "), ")'");
+        else if (OperandKind(command) == ValueKind::kScene)
+            text += Join(" \\\n        '*:file:", kZshScenes, "'");
+        else if (OperandKind(command) == ValueKind::kFile)
+            text += " \\\n        '*:file:_files'";
+        text += " ;;\n";
     }
     return text + "        esac ;;\n    esac\n}\n_zr \"$@\"\n";
 }
@@ -172,6 +250,10 @@ std::string FishCompletion(const CommandTable& program) {
         if (!words.empty())
             text += Join("complete -c zr -f -n ", FishText(condition), " -a ", FishText(Joined(words, " ")),
                          "\n");
+        else if (OperandKind(command) == ValueKind::kScene)
+            text += Join("complete -c zr -k -x -n ", FishText(condition), " -a ", kFishScenes, "\n");
+        else if (OperandKind(command) == ValueKind::kOther)
+            text += Join("complete -c zr -f -n ", FishText(condition), "\n");
     }
     return text;
 }

@@ -3,6 +3,7 @@
 
 #include "app/commands/reference/completions.h"
 #include "app/commands/reference/pages.h"
+#include "base/text.h"
 #include "tests/app/commands/command_kit.h"
 
 namespace zr::test {
@@ -37,7 +38,15 @@ TEST(Reference, BashCompletesCommandsOptionsAndWords) {
     EXPECT_EQ(Completed(folder, "zr --quiet export a.glb --mer"), "--merge-keys\n");
     EXPECT_EQ(Completed(folder, "zr export --up \"\""), "y z\n");
     EXPECT_EQ(Completed(folder, "zr merge a.glb b.glb --keep r"), "rotation\n");
-    EXPECT_EQ(Completed(folder, "zr info a"), "\n") << "files are the shell's";
+    EXPECT_EQ(Completed(folder, "zr merge a.glb b.glb --keep position,r"), "position,rotation\n");
+    EXPECT_EQ(Completed(folder, "zr export --up ="), "y z\n");
+    EXPECT_EQ(Completed(folder, "zr inspect --format = c"), "csv\n");
+    EXPECT_EQ(Completed(folder, "zr text x a"), "\n") << "files are the shell's";
+    folder.Write("a b.glb", "");
+    folder.Write("a.txt", "");
+    EXPECT_EQ(Completed(folder, "zr info a"), "a b.glb\n");
+    EXPECT_EQ(Completed(folder, "zr merge a b --match \"\""), "path name a b.glb a.txt zr.bash\n");
+    EXPECT_EQ(Completed(folder, "zr merge --from x --from a"), "a b.glb\n");
 }
 
 TEST(Reference, EveryOptionIsInEveryFormat) {
@@ -48,7 +57,7 @@ TEST(Reference, EveryOptionIsInEveryFormat) {
             for (const OptionEntry& option : heading.options) {
                 const std::string& name = option.names.back();
                 SCOPED_TRACE(command.name + " " + name);
-                EXPECT_NE(zsh.find(name + "["), std::string::npos);
+                EXPECT_NE(zsh.find(Join(name, option.value.empty() ? "[" : "=[")), std::string::npos);
                 EXPECT_NE(fish.find(" -l " + name.substr(2) + " "), std::string::npos);
                 EXPECT_NE(page.find(name), std::string::npos);
                 EXPECT_FALSE(option.text.empty());
@@ -70,14 +79,15 @@ TEST(Reference, ValuesHaveTheirKinds) {
     std::string kinds;
     for (const OptionHeading& heading : Command("export").headings) {
         for (const OptionEntry& option : heading.options) {
-            for (const char* name : {"--out-dir", "--settings", "--up", "--scale", "--flip", "--rename"}) {
+            for (const char* name :
+                 {"--out-dir", "--settings", "--up", "--scale", "--flip", "--rename", "--scene"}) {
                 if (option.names.back() == name)
                     kinds += std::string(name) + std::to_string(static_cast<int>(option.kind)) +
                              (option.isRepeatable ? "+ " : " ");
             }
         }
     }
-    EXPECT_EQ(kinds, "--settings1 --up3 --scale4 --flip0 --rename4+ --out-dir2 ");
+    EXPECT_EQ(kinds, "--scene4 --settings1 --up4 --scale6 --flip0 --rename6+ --out-dir3 ");
 }
 
 }  // namespace
