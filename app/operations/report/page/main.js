@@ -40,7 +40,7 @@ class Report {
   }
 
   async makeView() {
-    this.view = new View($("view"));
+    this.view = new View($("view"), Math.max(...this.glbs.map((glb) => glb.nodes.length)));
     for (const scene of data.scenes) {
       await this.view.add(bytesOf(scene.glb), scene.matrix);
       const label = $("labels").appendChild(document.createElement("span"));

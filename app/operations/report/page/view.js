@@ -3,6 +3,7 @@
 import * as THREE from "three";
 import { OrbitControls } from "three/addons/controls/OrbitControls.js";
 import { GLTFLoader } from "three/addons/loaders/GLTFLoader.js";
+import { Batches } from "./batches.js";
 
 const cssColour = (name) => new THREE.Color(getComputedStyle(document.documentElement).getPropertyValue(name).trim());
 
@@ -17,7 +18,9 @@ class Shown {
     this.scene = new THREE.Scene();
     this.lights = [new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5), new THREE.DirectionalLight(0xffffff, 1.3)];
     this.lights[1].position.set(1, 2, 3);
-    this.scene.add(this.root, ...this.lights);
+    this.batches = new Batches(this.root);
+    this.scene.add(this.root, this.batches.group, ...this.lights);
+    this.scene.matrixWorldAutoUpdate = false;
     this.mixer = new THREE.AnimationMixer(this.root);
     this.lit = new Map();
   }
@@ -42,24 +45,30 @@ class Shown {
     this.mixer.setTime(Math.min(Math.max(seconds, 0), this.duration));
   }
 
-  // Highlights the nodes and dims all others; without nodes, restores the materials.
+  // Highlights the nodes and dims all others; without nodes, restores the materials. To be called once before drawing.
   light(nodes, colour) {
     for (const [mesh, material] of this.lit) mesh.material = material;
     this.lit.clear();
-    if (!nodes?.length) return;
+    if (nodes?.length) this.mark(nodes, colour);
+    this.scene.updateMatrixWorld(true);
+    this.batches.gather();
+  }
+
+  mark(nodes, colour) {
     // Flat-shaded, since not every mesh has normals; drawn in front of coinciding meshes.
     const bright = new THREE.MeshStandardMaterial({ color: colour, emissive: colour, emissiveIntensity: 0.55, flatShading: true,
       side: THREE.DoubleSide, polygonOffset: true, polygonOffsetFactor: -2, polygonOffsetUnits: -2 });
     const dim = new THREE.MeshStandardMaterial({ color: 0x9aa0a6, flatShading: true, transparent: true, opacity: 0.28,
       depthWrite: false });
+    dim.userData.isPlain = true;
     // A node's objects, without those of its child nodes.
     const gone = new Set();
     const isNode = new Set(this.objects);
-    const mark = (object) => {
+    const add = (object) => {
       gone.add(object);
-      for (const child of object.children) if (!isNode.has(child)) mark(child);
+      for (const child of object.children) if (!isNode.has(child)) add(child);
     };
-    for (const node of nodes) if (this.objects[node]) mark(this.objects[node]);
+    for (const node of nodes) if (this.objects[node]) add(this.objects[node]);
     this.root.traverse((object) => {
       if (!object.material) return;
       this.lit.set(object, object.material);
@@ -69,13 +78,15 @@ class Shown {
 }
 
 export class View {
-  constructor(canvas) {
+  // nodes: of the scenes that will be shown.
+  constructor(canvas, nodes) {
     this.canvas = canvas;
     this.scenes = [];
     this.camera = new THREE.PerspectiveCamera(40, 1, 0.01, 1000);
     this.side = new THREE.Vector3(0.45, 0.4, 1);
     this.turn = new THREE.Matrix4();
-    this.renderer = new THREE.WebGLRenderer({ canvas, antialias: true });
+    // Edges are smoothed at several times the cost of a picture without a graphics card.
+    this.renderer = new THREE.WebGLRenderer({ canvas, antialias: nodes < 5000 });
     this.renderer.toneMapping = THREE.NeutralToneMapping;
     this.renderer.setScissorTest(true);
     new ResizeObserver(() => this.draw()).observe(canvas);
@@ -89,6 +100,7 @@ export class View {
       shown.root.matrix.fromArray(matrix);
       this.turn = shown.root.matrix;
     }
+    shown.light([]);
     this.scenes.push(shown);
     return shown;
   }
@@ -141,6 +153,7 @@ export class View {
         this.renderer.setViewport(i * each, 0, each, height);
         this.renderer.setScissor(i * each, 0, each, height);
         this.renderer.setClearColor(back);
+        shown.scene.updateMatrixWorld();
         this.renderer.render(shown.scene, this.camera);
       });
       this.frames = (this.frames ?? 0) + 1;

@@ -93,6 +93,10 @@ async function testClean() {
   expect((await tabs()).startsWith("changes,summary,tree"), `tabs of a clean report: ${await tabs()}`);
   expect((await text("#content")).includes("removed: "), "removed elements are listed");
   expect((await browser.evaluate("document.querySelectorAll('.row').length")) < 200, "only visible rows exist");
+  await browser.evaluate("new Promise((resolve) => { zrReport.setPart(0.5); requestAnimationFrame(() => requestAnimationFrame(resolve)); })");
+  const calls = await browser.evaluate("zrReport.view.renderer.info.render.calls");
+  expect(calls > 0 && calls < 20, `10,000 nodes are drawn with ${calls} calls`);
+  expect((await drawn()) > 500, "10,000 nodes are drawn");
   await browser.press("/");
   await browser.type("empty 4443");
   await browser.until("document.querySelectorAll('.row').length === 2", 10);
