@@ -86,6 +86,7 @@ bench-reduction: bench-peers
 check:
 	@$(call packages,qt test bench check)
 	@tools/check-layers
+	@tools/check-links
 	@tools/check-format
 	@cmake --preset check >/dev/null
 	@tools/check-code build/check

@@ -33,7 +33,7 @@ endif()
 if(TARGET zrui)
   install(TARGETS zrui LIBRARY DESTINATION ${shared_folder} COMPONENT qt)
 endif()
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${document_folder} COMPONENT zrtools)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${document_folder} COMPONENT zrtools)
 install(DIRECTORY docs DESTINATION ${document_folder} COMPONENT zrtools)
 
 install(DIRECTORY host kernix DESTINATION ${header_folder} COMPONENT dev FILES_MATCHING PATTERN "*.h")

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Installs BUILD into FOLDER, builds the installed examples against the installed package and compares what the host
-# prints, which has loaded the module and the example's plug-in.
+# prints, which has loaded the module and the example's plug-in. No link of the installed pages is dead, with the
+# examples or without them.
 set(prefix ${FOLDER}/prefix)
 file(REMOVE_RECURSE ${FOLDER})
 
@@ -19,6 +20,10 @@ function(build example)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/program --component zrtools)
+foreach(tree ${prefix} ${FOLDER}/program)
+  run(${CMAKE_CURRENT_LIST_DIR}/../../tools/check-links ${tree})
+endforeach()
 build(plugin)
 build(host -DPLUGIN=${FOLDER}/plugin/node_counter.so)
 run(${CMAKE_COMMAND} --build ${FOLDER}/host --target run)
