@@ -2,33 +2,67 @@
 #include "kernix/tiered_vector.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kernix {
 
-void TieredVector::Ring::Close(std::size_t i, std::size_t end) {
-    const auto at = [this](std::size_t k) {
-        return words.begin() + static_cast<std::ptrdiff_t>((head + k) & Mask());
-    };
-    if (i < end - i) {
-        const auto first = at(0), gap = at(i);
-        head = (head + 1) & Mask();
+void TieredVector::Ring::Close(std::size_t i, std::size_t count) {
+    const auto at = [this](std::size_t k) { return words.get() + Slot(k); };
+    vl::Word* const begin = words.get();
+    vl::Word* const end = begin + room;
+    vl::Word* const gap = at(i);
+    if (2 * i < count) {
+        vl::Word* const first = at(0);
+        head = static_cast<std::uint32_t>(Slot(1));
         if (first <= gap) {
             std::copy_backward(first, gap, gap + 1);
             return;
         }
-        std::copy_backward(words.begin(), gap, gap + 1);
-        words.front() = words.back();
-        std::copy_backward(first, words.end() - 1, words.end());
+        std::copy_backward(begin, gap, gap + 1);
+        *begin = end[-1];
+        std::copy_backward(first, end - 1, end);
         return;
     }
-    const auto from = at(i), to = at(end);
-    if (from <= to) {
-        std::copy(from + 1, to + 1, from);
+    vl::Word* const last = at(count - 1);
+    if (gap <= last) {
+        std::copy(gap + 1, last + 1, gap);
         return;
     }
-    std::copy(from + 1, words.end(), from);
-    words.back() = words.front();
-    std::copy(words.begin() + 1, to + 1, words.begin());
+    std::copy(gap + 1, end, gap);
+    end[-1] = *begin;
+    std::copy(begin + 1, last + 1, begin);
+}
+
+std::size_t TieredVector::LaterRingOf(std::size_t i) const {
+    const auto after =
+        std::upper_bound(m_rings.begin() + static_cast<std::ptrdiff_t>(i / kRing), m_rings.end(), i,
+                         [](std::size_t index, const Ring& ring) { return index < ring.start; });
+    return static_cast<std::size_t>(after - m_rings.begin()) - 1;
+}
+
+std::size_t TieredVector::CountOf(std::size_t ring) const {
+    const std::size_t end = ring + 1 < m_rings.size() ? m_rings[ring + 1].start : m_size;
+    return end - m_rings[ring].start;
+}
+
+// The later half becomes a ring of its own.
+void TieredVector::Split(std::size_t ring) {
+    const std::size_t count = CountOf(ring), kept = count / 2;
+    Ring later(kRing, m_rings[ring].start + kept);
+    for (std::size_t i = kept; i < count; ++i) later.At(i - kept) = m_rings[ring].At(i);
+    m_rings.insert(m_rings.begin() + static_cast<std::ptrdiff_t>(ring + 1), std::move(later));
+}
+
+// Fills every ring but the last and frees the others. No word moves past one that is still to be read.
+void TieredVector::Pack() {
+    std::size_t to = 0;
+    for (std::size_t ring = 0; ring < m_rings.size(); ++ring) {
+        for (std::size_t i = 0, count = CountOf(ring); i < count; ++i, ++to)
+            m_rings[to / kRing].At(to % kRing) = m_rings[ring].At(i);
+    }
+    m_rings.erase(m_rings.begin() + static_cast<std::ptrdiff_t>(RingsNeeded()), m_rings.end());
+    for (std::size_t ring = 0; ring < m_rings.size(); ++ring)
+        m_rings[ring].start = static_cast<std::uint32_t>(ring * kRing);
 }
 
 void TieredVector::Clear() {
@@ -36,53 +70,51 @@ void TieredVector::Clear() {
     m_size = 0;
 }
 
-// Makes room for one more word at the end.
-void TieredVector::Reserve() {
-    if (m_rings.empty()) {
-        m_rings.push_back({std::vector<vl::Word>(4)});
-    } else if (Ring& first = m_rings.front(); first.words.size() < kRing) {
-        if (m_size < first.words.size()) return;
-        std::vector<vl::Word> larger(first.words.size() * 2);
-        for (std::size_t i = 0; i < m_size; ++i) larger[i] = first.At(i);
-        first = {std::move(larger)};
-    } else if (m_size == m_rings.size() * kRing) {
-        m_rings.push_back({std::vector<vl::Word>(kRing)});
-    }
+void TieredVector::Grow() {
+    Ring larger(m_rings[0].room * std::size_t{2}, 0);
+    for (std::size_t i = 0; i < m_size; ++i) larger.At(i) = m_rings[0].At(i);
+    m_rings[0] = std::move(larger);
 }
 
 void TieredVector::PushBack(vl::Word value) {
-    Reserve();
-    (*this)[m_size++] = value;
+    if (m_rings.empty()) {
+        m_rings.emplace_back(4, 0);
+    } else if (IsFull(m_rings.size() - 1)) {
+        if (m_rings.back().room == kRing) {
+            m_rings.emplace_back(kRing, m_size);
+        } else {
+            Grow();
+        }
+    }
+    Ring& last = m_rings.back();
+    last.At(m_size++ - last.start) = value;
 }
 
 void TieredVector::Insert(std::size_t index, vl::Word value) {
-    Reserve();
-    const std::size_t ring = index / kRing;
-    // The last word of each ring becomes the first of the next one.
-    for (std::size_t r = m_size / kRing; r > ring; --r) {
-        const vl::Word carried = m_rings[r - 1].At(kRing - 1);
-        m_rings[r].head = (m_rings[r].head + m_rings[r].Mask()) & m_rings[r].Mask();
-        m_rings[r].At(0) = carried;
+    if (index == m_size) return PushBack(value);
+    std::size_t ring = RingOf(index);
+    if (IsFull(ring)) {
+        if (m_rings[ring].room == kRing) {
+            Split(ring);
+            ring = RingOf(index);
+        } else {
+            Grow();
+        }
     }
     Ring& target = m_rings[ring];
-    const std::size_t end = m_size / kRing > ring ? kRing - 1 : m_size - ring * kRing;
-    for (std::size_t i = end; i > index % kRing; --i) target.At(i) = target.At(i - 1);
-    target.At(index % kRing) = value;
+    const std::size_t at = index - target.start;
+    for (std::size_t i = CountOf(ring); i > at; --i) target.At(i) = target.At(i - 1);
+    target.At(at) = value;
+    for (std::size_t later = ring + 1; later < m_rings.size(); ++later) ++m_rings[later].start;
     ++m_size;
 }
 
 void TieredVector::Erase(std::size_t index) {
-    const std::size_t ring = index / kRing;
-    const std::size_t last = (m_size - 1) / kRing;
-    Ring& target = m_rings[ring];
-    const std::size_t end = last > ring ? kRing - 1 : m_size - 1 - ring * kRing;
-    target.Close(index % kRing, end);
-    for (std::size_t r = ring + 1; r <= last; ++r) {
-        m_rings[r - 1].At(kRing - 1) = m_rings[r].At(0);
-        m_rings[r].head = (m_rings[r].head + 1) & m_rings[r].Mask();
-    }
+    const std::size_t ring = RingOf(index);
+    m_rings[ring].Close(index - m_rings[ring].start, CountOf(ring));
+    for (std::size_t later = ring + 1; later < m_rings.size(); ++later) --m_rings[later].start;
     --m_size;
-    if (m_size == last * kRing && last != 0) m_rings.pop_back();
+    if (m_rings.size() > 1 && RingsNeeded() <= m_rings.size() * 3 / 4) Pack();
 }
 
 }  // namespace kernix
