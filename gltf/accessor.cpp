@@ -232,9 +232,14 @@ std::size_t AppendFloats(Document& document, std::string_view type, Use use, std
     if (offset) tree.Member(json, "byteOffset") = tree.MakeIndex(*offset);
     if ((use == Use::kPosition || use == Use::kKeyTimes) && !values.empty()) {
         std::vector<float> low(values.begin(), values.begin() + components), high = low;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            low[i % components] = std::min(low[i % components], values[i]);
-            high[i % components] = std::max(high[i % components], values[i]);
+        for (std::size_t c = 0; c < components; ++c) {
+            float least = low[c], most = high[c];
+            for (std::size_t i = c; i < values.size(); i += components) {
+                least = std::min(least, values[i]);
+                most = std::max(most, values[i]);
+            }
+            low[c] = least;
+            high[c] = most;
         }
         tree.Member(json, "min") = tree.MakeNumbers(low);
         tree.Member(json, "max") = tree.MakeNumbers(high);

@@ -2,13 +2,14 @@
 #include "app/scene/curves.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <functional>
 #include <initializer_list>
 #include <limits>
 #include <memory>
 #include <vector>
 
+#include "app/scene/straighten.h"
 #include "gltf/accessor.h"
 
 namespace zr {
@@ -116,55 +117,16 @@ void AppendKey(Curve& curve, const KeyView& key, std::size_t width) {
     if (curve.IsCubic()) add(key.slopeOut != nullptr ? key.slopeOut : none);
 }
 
-std::array<float, 4> Sample(const kernix::TransformTrack& track, int keyType, float time) {
-    if (keyType == vl::zr::kKeyRotation) {
-        const kernix::StoredCurve* packed = track.Packed(keyType);
-        const kernix::Rotation rotation = packed != nullptr ? kernix::EvaluateRotation(packed->Get(), time)
-                                                            : track.Evaluate(time, {}).rotation;
-        const vl::Quaternion q = rotation.ToQuaternion();
-        return {q.x, q.y, q.z, q.w};
-    }
-    double value[3];
-    if (const kernix::StoredCurve* packed = track.Packed(keyType)) {
-        kernix::EvaluateNumbers(packed->Get(), time, value);
+template <std::size_t kWidth>
+KeyValue Sample(const kernix::TransformTrack& track, int keyType, float time) {
+    const auto sample = track.Evaluate(time, {});
+    if constexpr (kWidth == 4) {
+        const vl::Quaternion q = sample.rotation.ToQuaternion();
+        return KeyValue{q.x, q.y, q.z, q.w};
     } else {
-        const auto sample = track.Evaluate(time, {});
-        std::copy_n(keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale, 3, value);
-    }
-    return {static_cast<float>(value[0]), static_cast<float>(value[1]), static_cast<float>(value[2]), 0};
-}
-
-// Samples the curve between two keys until the chords lie within the tolerance.
-void Refine(Curve& curve, const kernix::TransformTrack& track, int keyType, float from, float to,
-            float tolerance) {
-    using Value = std::array<float, 4>;
-    struct Piece {
-        float from, to;
-        Value first, last;
-        int depth;
-    };
-    constexpr int kDeepest = 10;  // 1024 pieces
-    const auto sample = [&](float time) { return Sample(track, keyType, time); };
-    std::vector<Piece> open{{from, to, sample(from), sample(to), 0}};
-    while (!open.empty()) {
-        const Piece piece = open.back();
-        open.pop_back();
-        const float middle = piece.from + (piece.to - piece.from) / 2;
-        const Value &a = piece.first, &b = piece.last, m = sample(middle);
-        const std::size_t width = WidthOf(keyType);
-        float off = 0;
-        for (std::size_t i = 0; i < width; ++i) off = std::max(off, std::abs(m[i] - (a[i] + b[i]) / 2));
-        // A curve may cross its chord in the middle; the first cuts are always made.
-        const bool close = piece.depth >= 2 && off <= tolerance;
-        if (close || piece.depth == kDeepest || middle <= piece.from || middle >= piece.to) {
-            if (piece.to < to) {
-                curve.times.push_back(piece.to);
-                curve.values.insert(curve.values.end(), b.begin(), b.begin() + width);
-            }
-            continue;
-        }
-        open.push_back({middle, piece.to, m, b, piece.depth + 1});
-        open.push_back({piece.from, middle, a, m, piece.depth + 1});
+        const double* value = keyType == vl::zr::kKeyPosition ? sample.translation : sample.scale;
+        return KeyValue{static_cast<float>(value[0]), static_cast<float>(value[1]),
+                        static_cast<float>(value[2])};
     }
 }
 
@@ -203,24 +165,39 @@ std::vector<KeyView> Distinct(const kernix::TransformTrack& track, int keyType) 
     return keys;
 }
 
+template <std::size_t kWidth>
 Curve Baked(const kernix::TransformTrack& track, int keyType, const std::vector<KeyView>& keys) {
-    const std::size_t width = WidthOf(keyType);
     float range = 1;
     for (const KeyView& key : keys)
-        for (std::size_t i = 0; i < width; ++i) range = std::max(range, std::abs(key.value[i]));
+        for (std::size_t i = 0; i < kWidth; ++i) range = std::max(range, std::abs(key.value[i]));
+    const auto sample = [&](float time) { return Sample<kWidth>(track, keyType, time); };
     Curve curve;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        AppendKey(curve, keys[i], width);
+        const float time = keys[i].time;
+        AppendLinearKey<kWidth>(curve, time, keys[i].value);
         if (i + 1 == keys.size()) break;
+        const float next = keys[i + 1].time;
         if (keys[i].interpolation == vl::zr::kInterpolationStep) {
-            KeyView held = keys[i];
-            held.time = std::nextafter(keys[i + 1].time, -std::numeric_limits<float>::infinity());
-            if (held.time > keys[i].time) AppendKey(curve, held, width);
+            const float held = std::nextafter(next, -std::numeric_limits<float>::infinity());
+            if (held > time) AppendLinearKey<kWidth>(curve, held, keys[i].value);
         } else if (keys[i].interpolation == vl::zr::kInterpolationCubic) {
-            Refine(curve, track, keyType, keys[i].time, keys[i + 1].time, range * 1e-5F);
+            AppendStraightPieces<kWidth>(curve, time, next, sample(time), sample(next),
+                                         range * kStraightTolerance,
+                                         [&sample](float timeA, KeyValue& a, float timeB, KeyValue& b) {
+                                             a = sample(timeA);
+                                             b = sample(timeB);
+                                         });
         }
     }
     return curve;
+}
+
+Curve Baked(const kernix::TransformTrack& track, int keyType, const std::vector<KeyView>& keys) {
+    return keyType == vl::zr::kKeyRotation ? Baked<4>(track, keyType, keys) : Baked<3>(track, keyType, keys);
+}
+
+bool AscendsStrictly(const std::vector<float>& times) {
+    return std::adjacent_find(times.begin(), times.end(), std::greater_equal<>()) == times.end();
 }
 
 }  // namespace
@@ -307,9 +284,7 @@ namespace {
 
 // Whether a curve can be stored as it is.
 bool IsPlain(const Curve& curve) {
-    if (curve.IsCubic() && curve.times.size() == 1) return false;
-    return std::adjacent_find(curve.times.begin(), curve.times.end(),
-                              [](float a, float b) { return a >= b; }) == curve.times.end();
+    return (!curve.IsCubic() || curve.times.size() != 1) && AscendsStrictly(curve.times);
 }
 
 }  // namespace
@@ -346,7 +321,10 @@ void MakeAscending(Curve& curve) {
 }
 
 Curve BakedKeys(const kernix::TransformTrack& track, int keyType) {
-    return Baked(track, keyType, Distinct(track, keyType));
+    const kernix::StoredCurve* packed = track.Packed(keyType);
+    if (packed == nullptr || !AscendsStrictly(packed->Get().times))
+        return Baked(track, keyType, Distinct(track, keyType));
+    return keyType == vl::zr::kKeyRotation ? Straightened<4>(packed->Get()) : Straightened<3>(packed->Get());
 }
 
 }  // namespace zr
