@@ -104,6 +104,9 @@ OutputFile& FileTransaction::Begin(const fs::path& target, bool isNew) {
     if (!isNew && fs::exists(status) && !fs::is_regular_file(status))
         throw Error(PathToUtf8(target), "", "cannot be replaced: it is not a regular file");
 
+    if (!isNew && fs::IsWriteProtected(name))
+        throw Error(PathToUtf8(target), "", "cannot be replaced: it is write-protected");
+
     fs::path folder = FolderOf(name);
     std::vector<fs::path> missing;
     for (; folder.has_relative_path() && !fs::exists(folder, none); folder = FolderOf(folder))
@@ -225,7 +228,8 @@ void FileTransaction::TidyUp() noexcept {
     std::error_code ignored;
     for (const OutputFile& file : m_files)
         if (!file.m_backup.empty()) fs::remove(file.m_backup, ignored);
-    for (const fs::path& file : m_superseded) fs::remove(file, ignored);
+    for (const fs::path& file : m_superseded)
+        if (!fs::IsWriteProtected(file)) fs::remove(file, ignored);
     m_files.clear();
     m_missing.clear();
     m_made.clear();

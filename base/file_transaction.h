@@ -56,7 +56,8 @@ public:
     FileTransaction& operator=(const FileTransaction&) = delete;
 
     // Begins a file. Commit creates missing folders. The reference is valid as long as the transaction.
-    // Throws Error, also when the transaction already has a file of that name.
+    // Throws Error, also when the transaction already has a file of that name, or the target is
+    // write-protected.
     OutputFile& Create(const std::filesystem::path& target) { return Begin(target, false); }
     // The same for a name that must be unused, now and when Commit reaches it.
     OutputFile& CreateNew(const std::filesystem::path& target) { return Begin(target, true); }
@@ -67,7 +68,8 @@ public:
     // Whether it has a file of that name.
     bool Has(const std::filesystem::path& target) const;
 
-    // Deletes a file once all others are in place. Failing to delete it is not an error.
+    // Deletes a file once all others are in place, unless it is write-protected. Failing to delete it is not
+    // an error.
     void RemoveAfterwards(const std::filesystem::path& file) { m_superseded.push_back(file); }
 
     // Throws Error and restores everything when a file cannot be put in place.

@@ -24,6 +24,10 @@ std::vector<path> NamesIn(const path& folder, std::error_code& failure);
 // matches in its folder. Elsewhere, and when nothing matches: the name itself.
 std::vector<path> Expanded(const path& file);
 
+// Whether the file exists and must not be written: its owner or the system forbids it. Where files have
+// modes, one without any write permission counts, also for a user who may write everything.
+bool IsWriteProtected(const path& file);
+
 // Opens a file for binary reading; the caller closes it. Returns null and sets `errno` on failure.
 std::FILE* OpenToRead(const path& file);
 

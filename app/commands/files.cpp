@@ -68,6 +68,7 @@ OutputTarget::OutputTarget(Session& session, const std::string& name, std::strin
     if (session.Options().noClobber && fs::exists(m_path, ignored)) {
         throw Error(name, "", "already exists, and --no-clobber was given");
     }
+    FileTransaction().Create(m_path);  // what cannot be written is better known now
 }
 
 void OutputTarget::Commit(const Session& session) {

@@ -33,8 +33,8 @@ gltf::Document LoadDocument(const Session& session, const std::string& name, Rep
 // everything unchanged.
 class OutputTarget {
 public:
-    // ending: the format of a result on standard output, ".glb". Throws Error when the file exists and
-    // --no-clobber was given, and UsageError when standard output is taken.
+    // ending: the format of a result on standard output, ".glb". Throws Error when the file cannot be
+    // written, or exists and --no-clobber was given, and UsageError when standard output is taken.
     OutputTarget(Session& session, const std::string& name, std::string_view ending);
     OutputTarget(const OutputTarget&) = delete;
     OutputTarget& operator=(const OutputTarget&) = delete;

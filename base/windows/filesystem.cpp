@@ -227,6 +227,13 @@ std::vector<path> Expanded(const path& file) {
     return files;
 }
 
+bool IsWriteProtected(const path& file) {
+    const Handle handle(CreateFileW(Reachable(file).c_str(), FILE_WRITE_DATA,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return !handle && GetLastError() == ERROR_ACCESS_DENIED;
+}
+
 std::FILE* OpenToRead(const path& file) {
     Handle handle(CreateFileW(Reachable(file).c_str(), GENERIC_READ,
                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,

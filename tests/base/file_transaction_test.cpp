@@ -103,6 +103,25 @@ TEST(FileTransaction, ANewFileReplacesNoOther) {
     EXPECT_EQ(folder.Read("b"), "theirs");
 }
 
+TEST(FileTransaction, WriteProtectedFilesStay) {
+    constexpr auto kWriting = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
+                              std::filesystem::perms::others_write;
+    const TemporaryFolder folder;
+    for (const char* name : {"result", "old data"}) {
+        folder.Write(name, "kept");
+        std::filesystem::permissions(folder / name, kWriting, std::filesystem::perm_options::remove);
+    }
+    FileTransaction files;
+    EXPECT_THROW(files.Create(folder / "result"), Error);
+    files.Add(folder / "other", BytesOf("new"));
+    files.RemoveAfterwards(folder / "old data");
+    files.Commit();
+    EXPECT_EQ(folder.Files(), (Names{"old data", "other", "result"}));
+    EXPECT_EQ(folder.Read("result"), "kept");
+    for (const char* name : {"result", "old data"})
+        std::filesystem::permissions(folder / name, kWriting, std::filesystem::perm_options::add);
+}
+
 TEST(FileTransaction, ManyFilesAndLongNames) {
     const TemporaryFolder folder;
     const std::string longest(255, 'n');

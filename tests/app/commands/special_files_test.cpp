@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Wherever the command line takes a file, it may be given something else: an endless device, a folder, a
-// socket, a dangling or cyclic link. One line says so, and nothing is left behind.
+// socket, a dangling or cyclic link, a write-protected file. One line says so, and nothing is left behind.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -58,6 +58,8 @@ protected:
             fs::create_symlink("/dev/zero", at("endless"));
             fs::create_symlink(m_folder / "a.glb" / "inside", at("below"));
             mkfifo(at("pipe").c_str(), 0600);
+            m_folder.Write(Join("protected", ending), "kept");
+            fs::permissions(at("protected"), fs::perms::owner_read);
             sockaddr_un address{AF_UNIX, {}};
             std::strncpy(address.sun_path, at("socket").c_str(), sizeof address.sun_path - 1);
             const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
@@ -98,8 +100,9 @@ TEST_F(SpecialFiles, AreNotRead) {
 TEST_F(SpecialFiles, AreNotReplaced) {
     Make();
     for (const char* line : kWriters)
-        for (const char* name : {"folder", "loop", "endless", "below", "pipe", "socket"})
+        for (const char* name : {"folder", "loop", "endless", "below", "pipe", "socket", "protected"})
             ExpectRefused(line, name);
+    EXPECT_EQ(m_folder.Read("protected.glb"), "kept");
 }
 
 TEST_F(SpecialFiles, NamesMayBeAsLongAsTheSystemAllows) {
