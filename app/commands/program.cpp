@@ -49,8 +49,8 @@ void AddGlobalOptions(CLI::App& app, Session& session) {
                               constexpr double kMebibyte = 1 << 20;
                               options.load.maxMemory = static_cast<std::uint64_t>(mebibytes * kMebibyte);
                           },
-                          Join("Memory that the content of a scene may take; default: 256, or 32 times the "
-                               "scene's size if that is more (",
+                          Join("Memory that a scene or text may take; default: 256, or 32 times its size if "
+                               "that is more (",
                                Text(kMemory), ")"))
                        ->type_name("MIB")
                        ->group(kGroup);

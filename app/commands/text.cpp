@@ -80,9 +80,10 @@ void RefuseOrNote(const std::vector<TextShortcoming>& shortcomings, bool isAccep
     }
 }
 
-// The text of a file, or of standard input.
+// The text of a file, or of standard input. Much more could not be drawn within the budget.
 std::u16string ReadText(const Session& session, const std::string& file) {
-    const std::uint64_t limit = Budget(session.Options().load.maxMemory).Total();
+    constexpr std::uint64_t kLeastForEachByte = 8;
+    const std::uint64_t limit = Budget(session.Options().load.maxMemory).Total() / kLeastForEachByte;
     if (file == kStandardStream) return DecodeTextFile(ReadStandardInput(limit), "standard input");
     return DecodeTextFile(ReadFile(PathFromUtf8(file), limit).View(), file);
 }
@@ -106,6 +107,7 @@ public:
         Report report;
         RefuseOrNote(m_style == TextStyle::kStroke ? CheckStrokeText(text) : CheckFontText(text, m_font),
                      m_arguments.acceptsSubstitutes, report);
+        RequireRoom(text);
         if (NeedsShaping(text)) {
             report.notes.push_back(
                 "the text has right-to-left characters, which are drawn one by one from left to right");
@@ -139,8 +141,20 @@ public:
     }
 
 private:
+    TextRequest RequestOf(const std::u16string& text) const {
+        return {text, m_style, m_font, m_arguments.size};
+    }
+
+    void RequireRoom(const std::u16string& text) const {
+        Budget budget(m_session.Options().load.maxMemory);
+        budget.AddInput(text.size());
+        if (!budget.Take(MemoryOf(RequestOf(text), m_arguments.drawing.depth > 0)))
+            throw std::runtime_error(
+                Join("the text needs more memory than the budget of ", budget.Total() >> 20, " MiB"));
+    }
+
     TextDrawing Draw(const std::u16string& text, bool isDrawing, const DrawingOptions& options) const {
-        const TextRequest request{text, m_style, m_font, m_arguments.size};
+        const TextRequest request = RequestOf(text);
         if (isDrawing) return MakeDrawing(m_session.GetHost(), request, options);
         return {MakeText(m_session.GetHost(), request), {}};
     }

@@ -21,6 +21,7 @@ public:
     // An operation or flag other than kCombineLetter and 1 yields null, the empty region.
     Polygon* Combine(Polygon* a, Polygon* b, int operation, int flag) override;
 
+    // Throws TooIntricate (poly_boolean_contacts.h) for a region that would take minutes.
     void Triangulate(Polygon* polygon, TriangleCallback callback, void* user) override;
     void SetScale(double sx, double sy) override;
     void DeletePolygon(Polygon* polygon) override;

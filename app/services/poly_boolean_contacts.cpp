@@ -21,6 +21,11 @@ int Sign(std::int64_t value) {
     return (value > 0) - (value < 0);
 }
 
+// Work for pairs of edges that reach the same place from left to right, which filling does once more.
+constexpr std::size_t kMostPairs = std::size_t{1} << 26;
+// Corners of the contours that cross, and of crossings: what unites them goes over all for each.
+constexpr std::size_t kMostCorners = std::size_t{1} << 14;
+
 struct Edge {
     GridPoint before;  // the point before `a` on the contour
     GridPoint a;
@@ -110,17 +115,25 @@ std::vector<int> CrossingGroups(const std::vector<GridLoop>& loops) {
     // Sweeps the edges by their left ends: an edge meets only those that reach as far as its own.
     const std::vector<Edge> edges = SortedEdges(loops);
     std::vector<const Edge*> open;
+    std::size_t pairs = 0, corners = 0;
+    const auto cross = [&](int loop) {
+        if (crosses[loop] == 0) corners += loops[loop].size();
+        crosses[loop] = 1;
+    };
     for (const Edge& e : edges) {
         std::size_t kept = 0;
         for (const Edge* f : open) {
             if (f->MaxX() < e.MinX()) continue;
             open[kept++] = f;
             if (f->MaxY() < e.MinY() || e.MaxY() < f->MinY() || !AreCrossing(e, *f)) continue;
-            crosses[e.loop] = crosses[f->loop] = 1;
+            cross(e.loop);
+            cross(f->loop);
+            corners += 2;
             const int a = Root(parents, e.loop);
             const int b = Root(parents, f->loop);
             parents[std::max(a, b)] = std::min(a, b);
         }
+        if ((pairs += open.size()) > kMostPairs || corners > kMostCorners) throw TooIntricate();
         open.resize(kept);
         open.push_back(&e);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
 #include <vector>
 
 namespace zr {
@@ -17,6 +18,12 @@ struct GridPoint {
 // A closed contour of at least three points, no point equal to the next one, the last not equal to the first.
 using GridLoop = std::vector<GridPoint>;
 
+// Contours that cross so often, or of which so much lies side by side, that uniting or filling them would
+// take minutes. The bound is some fifty times what letters reach; at it, a contour takes less than a second.
+struct TooIntricate : std::runtime_error {
+    TooIntricate() : std::runtime_error("contours cross too often") {}
+};
+
 // Finds which contours cross one another or themselves: edges that cut through each other, run along each
 // other, or pass through a common point from one side to the other. Touching at a point without passing is
 // not a crossing. Exact.
@@ -26,6 +33,8 @@ using GridLoop = std::vector<GridPoint>;
 //
 //   outer and hole of an O        kApart, kApart
 //   two strokes of an X           0, 0
+//
+// Throws TooIntricate.
 inline constexpr int kApart = -1;
 std::vector<int> CrossingGroups(const std::vector<GridLoop>& loops);
 

@@ -52,9 +52,10 @@ bool SystemFont::Has(char16_t c) const {
     return GetGlyphIndicesW(m_dc, &text, 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS) == 1 && glyph != 0xFFFF;
 }
 
-bool SystemFont::CanDraw(char16_t c) const {
+std::optional<std::size_t> SystemFont::OutlineSize(char16_t c) const {
     GLYPHMETRICS metrics;
-    return AskMetrics(m_dc, c, metrics) != GDI_ERROR;
+    const DWORD size = AskMetrics(m_dc, c, metrics);
+    return size != GDI_ERROR ? std::optional<std::size_t>(size) : std::nullopt;
 }
 
 int SystemFont::Advance(char16_t c) const {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include "app/services/device_context.h"
@@ -34,8 +36,9 @@ public:
 
     bool Has(char16_t c) const;
 
-    // False when the system has no outline at this height, not even an empty one.
-    bool CanDraw(char16_t c) const;
+    // Bytes of the character's outline in native form; nothing when the system has none at this height, not
+    // even an empty one.
+    std::optional<std::size_t> OutlineSize(char16_t c) const;
 
     // In device units; 0 for what cannot be drawn.
     int Advance(char16_t c) const;

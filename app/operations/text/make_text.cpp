@@ -2,8 +2,12 @@
 #include "app/operations/text/make_text.h"
 
 #include <cmath>
+#include <set>
 #include <stdexcept>
 
+#include "app/operations/text/text_source.h"
+#include "base/memory_watch.h"
+#include "base/text.h"
 #include "host/cad_text.h"
 
 namespace zr {
@@ -14,6 +18,21 @@ using vl::zr::legacy::GlyphContour;
 using vl::zr::legacy::GlyphTesselated;
 
 constexpr char kFailure[] = "the text could not be converted to geometry";
+
+// Unless memory is short, only a letter that is too intricate has no mesh: names that letter.
+[[noreturn]] void FailToFill(Host& host, const TextRequest& request) {
+    RequireMemory();
+    const std::set<char16_t> characters(request.text.begin(), request.text.end());
+    if (characters.size() == 1)
+        throw std::runtime_error(Join("the outline of ", CharacterName(*characters.begin()),
+                                      " crosses itself too often to be filled"));
+    TextRequest one = request;
+    for (const char16_t c : characters) {
+        one.text = c;
+        MakeText(host, one);
+    }
+    throw std::runtime_error(kFailure);
+}
 
 void CopyContours(GlyphContour& contours, TextGeometry& geometry) {
     for (int k = 0; k < contours.GetContourCount(); ++k) {
@@ -45,7 +64,7 @@ TextGeometry MakeText(Host& host, const TextRequest& request) {
     if (geometry.isMesh) {
         const auto mesh =
             vl::Ref<GlyphTesselated>::Adopt(cadText->CreatePolygons(text, font, request.size, nullptr));
-        if (!mesh) throw std::runtime_error(kFailure);
+        if (!mesh) FailToFill(host, request);
         CopyMesh(*mesh, geometry);
         return geometry;
     }

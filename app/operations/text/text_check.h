@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "app/services/system_font.h"
+#include "app/operations/text/make_text.h"
 
 namespace zr {
 
@@ -21,6 +22,9 @@ std::vector<TextShortcoming> CheckStrokeText(std::u16string_view text);
 // The same for a text drawn with a font, which may be another one than that requested. Throws
 // std::runtime_error for a character that cannot be drawn at all.
 std::vector<TextShortcoming> CheckFontText(std::u16string_view text, const TextFont& font);
+
+// About the bytes of memory that the text takes as geometry.
+std::uint64_t MemoryOf(const TextRequest& request, bool isSolid);
 
 // Whether the text has characters that are read from right to left or joined to their neighbours, as in
 // Arabic. They are drawn one by one from left to right nevertheless.

@@ -95,6 +95,7 @@ TEST_F(TextCommand, NamesWhatIsMissingAndWritesNothing) {
         {"A out.svg --cap-height 5 --size 3", 2, "--size"},
         {"A out.svg --font-file /dev/null", 1, "/dev/null: "},
         {"--file missing.txt out.svg", 1, "missing.txt"},
+        {"--file long.txt out.svg --max-memory 1", 1, "the budget of 1 MiB"},
         {"A out.obj", 2, "--style mesh"},
         {"A out.stl", 2, "--depth"},
         {"A out.svg --depth 3", 2, "--depth"},
@@ -103,6 +104,7 @@ TEST_F(TextCommand, NamesWhatIsMissingAndWritesNothing) {
         {"A", 2, "TEXT"},
         {"out.svg", 2, "TEXT"},
     };
+    std::ofstream(m_folder / "long.txt") << std::string(10'000, 'g');
     for (const auto& c : cases) {
         SCOPED_TRACE(c.arguments);
         EXPECT_EQ(Run(c.arguments), c.status);

@@ -260,4 +260,20 @@ TEST(CrossingGroups, DistinguishesCrossingFromTouching) {
               (std::vector<int>{kApart, 1, 2, 2}));
 }
 
+TEST(CrossingGroups, RefusesWhatWouldTakeMinutes) {
+    const auto bars = [](int count, bool areCrossed) {
+        const std::int64_t length = 4 * count;
+        std::vector<zr::GridLoop> loops;
+        for (std::int64_t at = 0; at < length; at += 4) {
+            loops.push_back({{0, at}, {length, at}, {length, at + 2}, {0, at + 2}});
+            if (areCrossed) loops.push_back({{at, 0}, {at + 2, 0}, {at + 2, length}, {at, length}});
+        }
+        return loops;
+    };
+    EXPECT_NO_THROW(zr::CrossingGroups(bars(40, true)));
+    EXPECT_THROW(zr::CrossingGroups(bars(100, true)), zr::TooIntricate);
+    EXPECT_NO_THROW(zr::CrossingGroups(bars(2000, false)));
+    EXPECT_THROW(zr::CrossingGroups(bars(20'000, false)), zr::TooIntricate);
+}
+
 }  // namespace
