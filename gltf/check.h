@@ -14,6 +14,8 @@ void CheckStructure(Document& document);
 void CheckResources(Document& document);
 // Byte ranges of views and accessors, strides, sparse indices. Buffers are loaded.
 void CheckAccessors(const Document& document);
+// Images that share their bytes are bounded together, since each is read by itself.
+void CheckImages(const Document& document);
 // Floats are finite; those that are not cause a warning.
 void CheckNumbers(Document& document);
 // Nodes form trees, scenes list roots, joints of a skin share a root.

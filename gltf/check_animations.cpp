@@ -20,7 +20,7 @@ struct Path {
 constexpr Path kPaths[] = {{"translation", 3}, {"rotation", 4}, {"scale", 3}};
 
 // Bytes of memory that a key takes while it is edited, for each byte of its floats.
-constexpr std::uint64_t kSharedWeight = 4;
+constexpr std::uint64_t kWeight = 4;
 
 // A sampler or channel, turned into text only when there is a fault to report.
 struct Part {
@@ -36,9 +36,7 @@ struct Part {
 class Animations {
 public:
     explicit Animations(const Document& document)
-        : m_document(document),
-          m_timesRead(document.Elements(Kind::kAccessor).size(), false),
-          m_isPlayed(document.Elements(Kind::kAccessor).size(), false) {}
+        : m_document(document), m_timesRead(document.Elements(Kind::kAccessor).size(), false) {}
 
     void Animation(const Json& animation, std::size_t index) {
         const Json* samplers = animation.Find("samplers");
@@ -108,15 +106,11 @@ private:
         }
     }
 
-    // In memory each channel has its own keys, even where channels share them in the file.
+    // In memory each channel has its own keys, even where channels share their bytes in the file.
     void Play(std::size_t accessor, const Part& part) {
-        if (!m_isPlayed[accessor]) {
-            m_isPlayed[accessor] = true;
-            return;
-        }
         const AccessorInfo info = Describe(m_document, accessor);
-        m_again += std::uint64_t{info.count} * info.shape.Components() * sizeof(float) * kSharedWeight;
-        if (m_again > m_document.Budget().Total())
+        m_played += std::uint64_t{info.count} * info.shape.Components() * sizeof(float) * kWeight;
+        if (m_played > m_document.Budget().Total())
             m_document.Fail(ErrorKind::kLimit, part.Place("/sampler"),
                             "more keys than a file of this size may claim");
     }
@@ -162,8 +156,7 @@ private:
 
     const Document& m_document;
     std::vector<bool> m_timesRead;
-    std::vector<bool> m_isPlayed;
-    std::uint64_t m_again = 0;  // bytes of keys, for each channel that uses them after the first
+    std::uint64_t m_played = 0;  // bytes of keys
 };
 
 }  // namespace

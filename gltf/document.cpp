@@ -15,6 +15,10 @@
 namespace zr::gltf {
 namespace {
 
+// Bytes that an element may take in a scene, in tables and reports, apart from what it holds. In a file,
+// three are enough.
+constexpr std::uint64_t kForEachElement = 1024;
+
 // Whether a text is broken into lines, judged by its beginning.
 bool IsIndented(std::string_view text) {
     constexpr std::size_t kLooked = 4096;
@@ -115,12 +119,16 @@ void Document::Read(FileContent content) {
         GiveBack(std::as_writable_bytes(std::span(text, size)));
     else
         m_content = {};
-    for (std::size_t i = 0; i < kKinds; ++i) Elements(static_cast<Kind>(i));
     Claim(m_tree.Size(), "");
+    for (const KindInfo& info : kKindInfo) {
+        const Kind kind = static_cast<Kind>(&info - kKindInfo.data());
+        Claim(Elements(kind).size() * kForEachElement, Join("/", info.path[info.depth - 1]));
+    }
     CheckStructure(*this);
     CheckResources(*this);
     LoadBuffers(bin, hasBin);
     CheckAccessors(*this);
+    CheckImages(*this);
     if (m_options.decoder != nullptr) {
         m_options.decoder->Decode(*this);
         if (!m_suppliedViews.empty() || !m_suppliedAccessors.empty()) CheckAccessors(*this);

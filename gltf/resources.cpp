@@ -28,29 +28,16 @@ bool IsInside(const fs::path& file, const fs::path& folder) {
     return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
-// Each image is read on its own, so bytes that images share count again for each further one.
-void CheckImages(const Document& document) {
-    std::set<std::string_view> uris;
-    std::set<std::size_t> views;
-    std::uint64_t again = 0;
-    const auto images = document.Elements(Kind::kImage);
-    for (std::size_t i = 0; i < images.size(); ++i) {
-        const Json* uri = images[i].Find("uri");
-        const std::size_t view = IndexMember(images[i], "bufferView");
-        std::error_code missing;
-        if (images[i].Find("bufferView") != nullptr) {
-            if (!views.insert(view).second)
-                again += IndexMember(document.Elements(Kind::kBufferView)[view], "byteLength");
-        } else if (uri != nullptr && uri->IsString() && !IsDataUri(uri->String()) &&
-                   !uris.insert(uri->String()).second) {
-            const auto path = document.FileOf(uri->String(), "");
-            const std::uintmax_t size = path ? fs::file_size(document.Folder() / *path, missing) : 0;
-            again += missing ? 0 : size;
-        }
-        if (again > document.Budget().Total())
-            document.Fail(ErrorKind::kLimit, Join("/images/", i),
-                          "more image data than a file of this size may claim");
-    }
+std::uint64_t SizeOf(const Document& document, const Json& image) {
+    if (image.Find("bufferView") != nullptr)
+        return IndexMember(document.Elements(Kind::kBufferView)[IndexMember(image, "bufferView")],
+                           "byteLength");
+    const Json* uri = image.Find("uri");
+    if (uri == nullptr || !uri->IsString() || IsDataUri(uri->String())) return 0;
+    const auto path = PathOfUri(uri->String());
+    std::error_code missing;
+    const std::uintmax_t size = path ? fs::file_size(document.Folder() / *path, missing) : 0;
+    return missing ? 0 : size;
 }
 
 }  // namespace
@@ -108,7 +95,17 @@ void CheckResources(Document& document) {
         else
             document.Warn(ErrorKind::kFile, at, Join(Quoted(uri->String()), " is missing"));
     });
-    CheckImages(document);
+}
+
+void CheckImages(const Document& document) {
+    std::uint64_t total = 0;
+    const auto images = document.Elements(Kind::kImage);
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        total += SizeOf(document, images[i]);
+        if (total > document.SourceSize() + document.Budget().Total())
+            document.Fail(ErrorKind::kLimit, Join("/images/", i),
+                          "more image data than a file of this size may claim");
+    }
 }
 
 }  // namespace zr::gltf

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "gltf/uri.h"
 #include "tests/gltf/sample.h"
 
@@ -156,7 +157,10 @@ TEST(Document, MemoryHasABudget) {
     EXPECT_EQ(fault(0), "/b");
     EXPECT_EQ(fault(1000000), "/b");
     EXPECT_EQ(fault(1000), "");
-    const std::uint64_t tree = 256 << 10;
+    std::uint64_t tree = 256 << 10;
+    const Document sample = Document::Load(folder / "in.gltf");
+    for (std::size_t kind = 0; kind < kKinds; ++kind)
+        tree += 1024 * sample.Elements(static_cast<Kind>(kind)).size();
     EXPECT_EQ(fault(folder.Read("in.gltf").size() + tree + 100), "/buffers/0/uri");
     // Few bytes that many accessors share.
     std::string accessors, separator;
@@ -201,6 +205,22 @@ TEST(Document, SharedDataIsBounded) {
     const auto images = [&](int count) { return "\"images\":" + times(count, R"({"uri":"a.bin"})"); };
     EXPECT_EQ(fault(images(9), 10 << 20), "");
     EXPECT_EQ(fault(images(20), 10 << 20), "/images");
+    // Views that overlap share bytes, too.
+    const auto views = [&](int count) {
+        std::string list = "[", overlapping = list;
+        for (int i = 0; i < count; ++i) {
+            list += Join(i == 0 ? "" : ",", "{\"bufferView\":", i, ",\"mimeType\":\"image/png\"}");
+            overlapping +=
+                Join(i == 0 ? "" : ",", "{\"buffer\":0,\"byteOffset\":", i, ",\"byteLength\":1000000}");
+        }
+        return buffers(1) + ",\"images\":" + list + "],\"bufferViews\":" + overlapping + "]";
+    };
+    EXPECT_EQ(fault(views(9), 10 << 20), "");
+    EXPECT_EQ(fault(views(20), 10 << 20), "/images");
+    // Elements that hold nothing.
+    const auto empty = [&](int count) { return "\"nodes\":" + times(count, "{}"); };
+    EXPECT_EQ(fault(empty(9'000), 10 << 20), "");
+    EXPECT_EQ(fault(empty(11'000), 10 << 20), "/nodes");
     std::string keys;
     for (int i = 0; i < 1000; ++i) keys += test::Floats({static_cast<float>(i)});
     folder.Write("keys.bin", keys + std::string(12000, '\0'));
