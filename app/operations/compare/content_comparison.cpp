@@ -2,6 +2,8 @@
 #include "app/operations/compare/content_comparison.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -22,6 +24,26 @@ using gltf::Kind;
 using gltf::SchemaNode;
 
 namespace {
+
+// The members of an object by name, of which there may be any number.
+class MemberIndex {
+public:
+    explicit MemberIndex(const Json& object) : m_object(object) {
+        constexpr std::size_t kFew = 32;
+        if (object.Members().size() <= kFew) return;
+        for (const JsonMember& member : object.Members()) m_members.try_emplace(member.Name(), &member.value);
+    }
+
+    const Json* Find(std::string_view name) const {
+        if (m_members.empty()) return m_object.Find(name);
+        const auto found = m_members.find(name);
+        return found != m_members.end() ? found->second : nullptr;
+    }
+
+private:
+    const Json& m_object;
+    std::unordered_map<std::string_view, const Json*> m_members;
+};
 
 constexpr gltf::Rule kTexture{"", gltf::Shape::kIndex, Kind::kTexture};
 
@@ -162,9 +184,10 @@ void ContentComparison::Members(const Json& a, const Json& b, const SchemaNode* 
         else
             Values(left, right, Below(schema, parent, name), at);
     };
-    for (const JsonMember& member : a.Members()) compare(member, &member.value, b.Find(member.Name()));
+    const MemberIndex inA(a), inB(b);
+    for (const JsonMember& member : a.Members()) compare(member, &member.value, inB.Find(member.Name()));
     for (const JsonMember& member : b.Members())
-        if (a.Find(member.Name()) == nullptr) compare(member, nullptr, &member.value);
+        if (inA.Find(member.Name()) == nullptr) compare(member, nullptr, &member.value);
 }
 
 void ContentComparison::References(const gltf::Rule& rule, const Json& a, const Json& b,

@@ -2,6 +2,7 @@
 #include "app/operations/compare/drawn.h"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 
 #include "base/text.h"
@@ -16,9 +17,9 @@ using gltf::Kind;
 
 namespace {
 
-// Limits on the vertices of all parts together and on the instances of a node: a document of a few bytes can
-// ask for any number.
-constexpr std::size_t kMostVertices = std::size_t{1} << 26;
+// Limits on the numbers of all vertices together and on the instances of a node: a document of a few bytes
+// can ask for any number.
+constexpr std::size_t kMostNumbers = std::size_t{1} << 29;
 constexpr std::size_t kMostInstances = std::size_t{1} << 20;
 
 Role RoleOf(std::string_view name) {
@@ -91,19 +92,20 @@ bool CanRead(const gltf::Document& document, const Json& primitive) {
     return true;
 }
 
-Attribute ReadAttribute(const gltf::Document& document, const Json& primitive,
-                        const gltf::JsonMember& member) {
+using FloatsOf = std::function<std::span<const float>(std::size_t accessor)>;
+
+Attribute ReadAttribute(const gltf::Document& document, const Json& primitive, const gltf::JsonMember& member,
+                        const FloatsOf& floats) {
     Attribute attribute;
     attribute.name = member.Name();
     attribute.role = RoleOf(member.Name());
     attribute.width = gltf::Describe(document, *member.value.Index()).shape.Components();
-    attribute.values = gltf::ReadFloats(document, *member.value.Index());
+    attribute.values = floats(*member.value.Index());
     const Json* targets = primitive.Find("targets");
     if (targets == nullptr) return attribute;
     for (const Json& target : targets->Items()) {
         const Json* moved = target.Find(member.Name());
-        attribute.targets.push_back(moved != nullptr ? gltf::ReadFloats(document, *moved->Index())
-                                                     : std::vector<float>());
+        attribute.targets.push_back(moved != nullptr ? floats(*moved->Index()) : std::span<const float>());
     }
     return attribute;
 }
@@ -124,7 +126,7 @@ std::string KeyOf(const Json& primitive) {
     return key;
 }
 
-Primitive Read(const gltf::Document& document, const Json& primitive) {
+Primitive Read(const gltf::Document& document, const Json& primitive, const FloatsOf& floats) {
     Primitive shape;
     const std::size_t mode = IndexMember(primitive, "mode", 4);
     shape.corners = mode == 0 ? 1 : mode < 4 ? 2 : 3;
@@ -133,7 +135,7 @@ Primitive Read(const gltf::Document& document, const Json& primitive) {
     if (!shape.isRead || attributes.Find("POSITION") == nullptr) return shape;
     for (const gltf::JsonMember& member : attributes.Members()) {
         if (member.Name().starts_with("JOINTS_") || member.Name().starts_with("WEIGHTS_")) continue;
-        shape.attributes.push_back(ReadAttribute(document, primitive, member));
+        shape.attributes.push_back(ReadAttribute(document, primitive, member, floats));
     }
     std::sort(shape.attributes.begin(), shape.attributes.end(), [](const Attribute& a, const Attribute& b) {
         return std::make_tuple(a.role != Role::kPosition, a.name) <
@@ -160,7 +162,7 @@ std::string Primitive::Layout() const {
 
 Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) : m_evaluator(evaluator) {
     const gltf::Document& document = evaluator.Document();
-    std::size_t vertices = 0, weights = 0;
+    std::size_t numbers = 0, weights = 0;
     for (const std::size_t node : nodes) {
         const Json& json = document.Elements(Kind::kNode)[node];
         if (json.Find("mesh") == nullptr) continue;
@@ -170,23 +172,34 @@ Drawn::Drawn(const Evaluator& evaluator, const std::vector<std::size_t>& nodes) 
         part.skin = IndexMember(json, "skin", kNone);
         if (part.skin != kNone) ReadSkin(part.skin);
         const auto primitives = document.Elements(Kind::kMesh)[part.mesh].Find("primitives")->Items();
-        const Shapes& shapes = ReadMesh(part.mesh);
+        const Shapes& shapes = ReadMesh(part.mesh, node);
         weights += TargetCount(document.Elements(Kind::kMesh)[part.mesh]);
         for (part.primitive = 0; part.primitive < primitives.size(); ++part.primitive) {
             part.material = IndexMember(primitives[part.primitive], "material", kNone);
             part.shape = shapes[part.primitive];
             const std::size_t before = m_parts.size();
             AddInstances(json, part);
-            vertices += (m_parts.size() - before) * std::max<std::size_t>(part.shape->vertices, 1);
-            if (vertices > kMostVertices ||
-                m_parts.size() * sizeof(Part) + weights * sizeof(double) > document.Budget().Total())
-                document.Fail(gltf::ErrorKind::kLimit, Join("/nodes/", node),
-                              "the scene draws too much to compare");
+            const std::size_t own = part.shape->vertices * part.shape->stride;
+            numbers += (m_parts.size() - before) * std::max<std::size_t>(own, 1);
+            if (numbers > kMostNumbers || own * sizeof(double) > Budget() ||
+                m_parts.size() * sizeof(Part) + weights * sizeof(double) > Budget())
+                FailTooMuch(node);
         }
     }
 }
 
-const Drawn::Shapes& Drawn::ReadMesh(std::size_t mesh) {
+void Drawn::FailTooMuch(std::size_t node) const {
+    m_evaluator.Document().Fail(gltf::ErrorKind::kLimit, Join("/nodes/", node),
+                                "the scene draws too much to compare");
+}
+
+std::span<const float> Drawn::ReadFloats(std::size_t accessor) {
+    const auto [known, isNew] = m_floats.try_emplace(accessor);
+    if (isNew) known->second = gltf::ReadFloats(m_evaluator.Document(), accessor);
+    return known->second;
+}
+
+const Drawn::Shapes& Drawn::ReadMesh(std::size_t mesh, std::size_t node) {
     const auto [known, isNew] = m_meshes.try_emplace(mesh);
     if (!isNew) return known->second;
     const gltf::Document& document = m_evaluator.Document();
@@ -194,7 +207,11 @@ const Drawn::Shapes& Drawn::ReadMesh(std::size_t mesh) {
     for (std::size_t i = 0; i < primitives.size(); ++i) {
         auto& shape = m_shapes[KeyOf(primitives[i])];
         if (!shape) {
-            shape = std::make_shared<const Primitive>(Read(document, primitives[i]));
+            shape = std::make_shared<const Primitive>(
+                Read(document, primitives[i], [this](std::size_t accessor) { return ReadFloats(accessor); }));
+            m_read += (shape->faces.size() + shape->joints.size()) * sizeof(std::uint32_t) +
+                      shape->weights.size() * sizeof(float);
+            if (m_read > Budget()) FailTooMuch(node);
             if (!shape->isRead) m_unread.push_back(Join("/meshes/", mesh, "/primitives/", i));
         }
         known->second.push_back(shape);
@@ -298,7 +315,7 @@ std::vector<double> Drawn::Vertices(const Part& part) const {
                 to[i] = static_cast<double>(attribute.values[vertex * width + i]);
             for (std::size_t target = 0; target < attribute.targets.size() && target < morph.size();
                  ++target) {
-                const std::vector<float>& moved = attribute.targets[target];
+                const std::span<const float> moved = attribute.targets[target];
                 // Morph targets move tangents by three numbers; the handedness stays.
                 const std::size_t moves = moved.size() / shape.vertices;
                 if (morph[target] == 0) continue;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -19,12 +20,13 @@ enum class Role { kPosition, kNormal, kTangent, kValue };
 struct Attribute {
     std::string name;
     Role role = Role::kValue;
-    std::size_t width = 0;                    // numbers per vertex
-    std::vector<float> values;                // vertex after vertex
-    std::vector<std::vector<float>> targets;  // what each morph target adds; empty: nothing
+    std::size_t width = 0;                        // numbers per vertex
+    std::span<const float> values;                // vertex after vertex
+    std::vector<std::span<const float>> targets;  // what each morph target adds; empty: nothing
 };
 
-// A primitive as faces of 1 (points), 2 (lines) or 3 (triangles) corners.
+// A primitive, valid as long as its Drawn, as faces of 1 (points), 2 (lines) or 3 (triangles)
+// corners.
 struct Primitive {
     std::size_t corners = 3;
     std::size_t vertices = 0;
@@ -50,7 +52,7 @@ struct Part {
     std::shared_ptr<const Primitive> shape;
 };
 
-// What a document draws. Each primitive is read once, even if used often.
+// What a document draws. Each primitive and each accessor is read once, even if used often.
 class Drawn {
 public:
     // Collects the parts that the nodes draw, in the order of the nodes. The evaluator must outlive it.
@@ -62,6 +64,9 @@ public:
     const std::vector<std::string>& Unread() const { return m_unread; }
     // Faces of all parts.
     std::size_t Faces() const;
+    // Throws gltf::Error: the node draws more than the budget allows.
+    [[noreturn]] void FailTooMuch(std::size_t node) const;
+    std::uint64_t Budget() const { return m_evaluator.Document().Budget().Total(); }
 
     // The vertices of a part in world space in the evaluator's current pose, `stride` numbers each, in the
     // order of the attributes. Normals and tangents have unit length.
@@ -70,7 +75,8 @@ public:
 private:
     using Shapes = std::vector<std::shared_ptr<const Primitive>>;  // of a mesh
 
-    const Shapes& ReadMesh(std::size_t mesh);
+    const Shapes& ReadMesh(std::size_t mesh, std::size_t node);
+    std::span<const float> ReadFloats(std::size_t accessor);
     void AddInstances(const gltf::Json& node, Part part);
     void ReadSkin(std::size_t skin);
     std::vector<Affine> JointWorlds(const Part& part) const;
@@ -82,11 +88,13 @@ private:
 
     const Evaluator& m_evaluator;
     std::vector<Part> m_parts;
+    std::map<std::size_t, std::vector<float>> m_floats;  // of accessors
     // By mode and accessors; primitives that share these share the data.
     std::map<std::string, std::shared_ptr<const Primitive>> m_shapes;
     std::map<std::size_t, Shapes> m_meshes;
     std::map<std::size_t, Skin> m_skins;
     std::vector<std::string> m_unread;
+    std::uint64_t m_read = 0;  // bytes of faces and influences
 };
 
 }  // namespace zr::compare

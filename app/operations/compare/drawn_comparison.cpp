@@ -212,9 +212,13 @@ using Groups = std::map<std::pair<std::size_t, std::string>, Faces>;
 Groups GroupsOf(const Drawn& drawn, const std::vector<std::size_t>& classes) {
     Groups groups;
     std::map<const Primitive*, std::string> layouts;
+    std::uint64_t bytes = 0;
     for (const Part& part : drawn.Parts()) {
         const Primitive& shape = *part.shape;
         if (shape.faces.empty()) continue;
+        bytes += shape.vertices * shape.stride * sizeof(double) +
+                 shape.faces.size() / shape.corners * sizeof(Faces::Face);
+        if (bytes > drawn.Budget()) drawn.FailTooMuch(part.node);
         std::string& layout = layouts[&shape];
         if (layout.empty()) layout = shape.Layout();
         Faces& group = groups[{part.material == kNone ? kNone : classes[part.material], layout}];

@@ -253,7 +253,7 @@ TEST(MaterialPairs, GoByPlaceThenByOrder) {
     EXPECT_EQ(pairs.ofB, (std::vector<std::size_t>{2, 3, 1, 0, compare::kNone}));
 }
 
-// A small file can have many nodes that share many primitives or morph targets.
+// A small file can have many nodes that share many primitives, morph targets or vertex data.
 TEST(Compare, BoundsWhatNodesShare) {
     const auto compare = [](const std::string& primitive, int primitives, int nodes) {
         const auto times = [](int count, const std::string& element) {
@@ -275,6 +275,10 @@ TEST(Compare, BoundsWhatNodesShare) {
     std::string morphed = R"({"attributes": {"POSITION": 0}, "targets": [{})";
     for (int i = 0; i < 1000; ++i) morphed += ",{}";
     EXPECT_THROW(compare(morphed + "]}", 1, 1000), gltf::Error);
+    std::string wide = R"({"attributes": {"POSITION": 0)";
+    for (int i = 0; i < 10'000; ++i) wide += Join(",\"_", i, "\":0");
+    EXPECT_NO_THROW(compare(wide + "}}", 1, 3));
+    EXPECT_THROW(compare(wide + "}}", 1, 10), gltf::Error);
 }
 
 TEST(Compare, TheSampleEqualsItself) {
