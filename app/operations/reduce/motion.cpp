@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zr::reduce {
 namespace {
@@ -50,8 +51,7 @@ void Motion::FindNodes() {
         if (isSeen[*node] && parent != kNone) isSeen[parent] = true;
     }
 
-    // By node in m_nodes: the movers from a root down to the node, itself included.
-    std::vector<std::vector<std::size_t>> chains;
+    std::vector<std::size_t> lowest;  // by node in m_nodes: the mover at or next above it
     std::vector<std::size_t> placeOf(count, kNone);
     for (const std::size_t node : order) {
         if (!isSeen[node]) continue;
@@ -61,15 +61,16 @@ void Motion::FindNodes() {
         placeOf[node] = m_nodes.size();
         Node added{node, above, kNone, kNone, {}, m_evaluator.RestLocal(node)};
         if (above == kNone && parent != kNone) added.above = m_evaluator.World(parent);
-        chains.push_back(above == kNone ? std::vector<std::size_t>() : chains[above]);
+        lowest.push_back(above == kNone ? kNone : lowest[above]);
         if (!tracksOf[node].empty()) {
             added.mover = m_movers.size();
-            chains.back().push_back(added.mover);
-            m_movers.emplace_back().tracks = std::move(tracksOf[node]);
+            Mover& mover = m_movers.emplace_back();
+            mover.tracks = std::move(tracksOf[node]);
+            mover.next = std::exchange(lowest.back(), added.mover);
         }
         if (!m_watched[node].IsEmpty()) {
             added.watch = m_watches.size();
-            m_watches.push_back({node, chains.back()});
+            m_watches.push_back({node, lowest.back()});
         }
         m_nodes.push_back(added);
     }
@@ -124,9 +125,16 @@ void Motion::FindReaches() {
             std::max(reach[node.parent], GreatestDistance(node) + GreatestScale(node) * reach[i]);
         if (direction[i]) direction[node.parent] = true;
     }
-    for (const Watch& watch : m_watches)
-        for (const std::size_t mover : watch.movers)
-            m_movers[mover].depth = std::max(m_movers[mover].depth, watch.movers.size());
+    FindDepths();
+}
+
+void Motion::FindDepths() {
+    std::vector<std::size_t> line;  // movers from the root to each
+    for (const Mover& mover : m_movers) line.push_back(mover.next == kNone ? 1 : line[mover.next] + 1);
+    for (const Watch& watch : m_watches) m_movers[watch.mover].depth = line[watch.mover];
+    for (std::size_t i = m_movers.size(); i-- > 0;)
+        if (const std::size_t next = m_movers[i].next; next != kNone)
+            m_movers[next].depth = std::max(m_movers[next].depth, m_movers[i].depth);
 }
 
 void Motion::FindTimes() {

@@ -36,6 +36,7 @@ public:
     // A node with tracks.
     struct Mover {
         std::vector<std::size_t> tracks;
+        std::size_t next = compare::kNone;  // the next mover above it, whose index is lower
         double reach = 0;  // from the node's origin to the farthest watched point below it, in its own space
         double scale = 1;  // the greatest of the node
         double above = 1;  // the greatest combined scale of its ancestors
@@ -44,10 +45,10 @@ public:
     };
     const std::vector<Mover>& Movers() const { return m_movers; }
 
-    // A watched node that moves, and the movers it depends on.
+    // A watched node that moves, and the lowest of the movers it depends on.
     struct Watch {
         std::size_t node;
-        std::vector<std::size_t> movers;
+        std::size_t mover;
     };
     const std::vector<Watch>& Watches() const { return m_watches; }
 
@@ -71,6 +72,7 @@ private:
 
     void FindNodes();
     void FindReaches();
+    void FindDepths();
     void FindTimes();
     void PlayGiven(double time, std::vector<compare::Affine>& worlds) const;
     void KeepGiven();

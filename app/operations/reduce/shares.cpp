@@ -127,8 +127,12 @@ private:
             idle = Keep(strays) ? 0 : idle + 1;
             std::vector<double> use(m_shares.size(), 0);
             for (std::size_t watch = 0; watch < strays.size(); ++watch) {
-                for (const std::size_t mover : m_motion.Watches()[watch].movers)
-                    use[mover] = std::max(use[mover], Use(strays[watch]));
+                double& own = use[m_motion.Watches()[watch].mover];
+                own = std::max(own, Use(strays[watch]));
+            }
+            for (std::size_t mover = use.size(); mover-- > 0;) {
+                const std::size_t next = m_motion.Movers()[mover].next;
+                if (next != compare::kNone) use[next] = std::max(use[next], use[mover]);
             }
             // Steps that shrink from round to round let the shares come to rest.
             const int slowness = 1 + round / 6;
