@@ -24,6 +24,16 @@ Tool RunChecked(Host& host, LoadedScene& loaded, kernix::AnimationModel* animati
     return runs.records;
 }
 
+// Every animation has a record of every node, however few of them it moves.
+void CheckRecordCount(const LoadedScene& loaded, std::size_t animations) {
+    constexpr std::uint64_t kRecord = 256;  // bytes of text, at the least
+    const gltf::Document& document = loaded.Document();
+    const std::uint64_t nodes = document.Elements(gltf::Kind::kNode).size();
+    if (animations * nodes * kRecord > document.Budget().Total())
+        document.Fail(gltf::ErrorKind::kLimit, "/animations",
+                      "more records than a file of this size may claim; --animation chooses");
+}
+
 }  // namespace
 
 MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions& given,
@@ -37,7 +47,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
     if (scene.m_pNodes->m_nCount == 0) {
         Tool none = host.Create<vl::tk::Serializer>(kTypeKeyframeTool);
         none->m_pScene = &scene;
-        if (renameMap != nullptr) *renameMap = RenameMap(none);
+        if (renameMap != nullptr) *renameMap = RenameMap(loaded, none);
         WriteRecordJson(loaded, none, options, nullptr, out);
         return report;
     }
@@ -52,6 +62,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
         keys.push_back(animation != nullptr ? CountKeys(*animation) : 0);
     const Clips clips(scene, options.clip);
 
+    CheckRecordCount(loaded, animations.size());
     const bool isList = animations.size() > 1;
     if (isList) {
         out.Open('{');
@@ -63,7 +74,7 @@ MotionReport ExportRecords(Host& host, LoadedScene& loaded, const ExportOptions&
         one.keysBefore = keys[i];
         const Tool tool = RunChecked(host, loaded, animations[i], options, clips, one);
         CheckDeviation(one, options);
-        if (renameMap != nullptr && i == 0) *renameMap = RenameMap(tool);
+        if (renameMap != nullptr && i == 0) *renameMap = RenameMap(loaded, tool);
         WriteRecordJson(loaded, tool, options, isList ? animations[i] : nullptr, out);
         Add(report, one);
     }

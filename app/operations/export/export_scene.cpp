@@ -87,7 +87,7 @@ std::optional<DocumentChanges> RunExport(Host& host, LoadedScene& loaded, const 
     CheckDeviation(report, options);
     progress(kChecked);
     report.unreadKeys = CheckUnreadKeys(loaded, runs.records, options);
-    if (renameMap != nullptr) *renameMap = RenameMap(runs.records);
+    if (renameMap != nullptr) *renameMap = RenameMap(loaded, runs.records);
     times = TimesOf(runs, clips);
     DocumentChanges changes = Changes(loaded, options, std::move(runs), camera);
     auto& removedSkins = changes.removal[gltf::Ordinal(gltf::Kind::kSkin)];

@@ -46,14 +46,17 @@ std::vector<std::pair<std::size_t, std::string>> MaterialNamesOf(const LoadedSce
     return names;
 }
 
-std::string RenameMap(const Tool& tool) {
+std::string RenameMap(LoadedScene& loaded, const Tool& tool) {
+    constexpr std::uint64_t kCopies = 3;  // of a path: as it is made, in the tree and in the text
     JsonTree tree;
     Json list = JsonTree::MakeArray();
     for (const ExportNode* record : AllRecords(tool)) {
         const auto* node = static_cast<kernix::NodeModel*>(record->pNode);
         if (node == nullptr) continue;
+        const std::string path = NodePath(node);
+        loaded.Document().Claim(kCopies * path.size(), "/nodes");
         Json entry = JsonTree::MakeObject();
-        tree.Member(entry, "path") = tree.MakeString(NodePath(node));
+        tree.Member(entry, "path") = tree.MakeString(path);
         tree.Member(entry, "name") = tree.MakeString(node->GetNameText());
         tree.Member(entry, "exported") = tree.MakeString(NameOf(*record));
         tree.Append(list, entry);

@@ -18,7 +18,7 @@ std::string NameOf(const ExportNode& record);
 std::vector<std::pair<std::size_t, std::string>> MaterialNamesOf(const LoadedScene& loaded, const Tool& tool);
 
 // A JSON array with an object for each exported node: its original "path" ("/root/arm") and "name", and the
-// name "exported".
-std::string RenameMap(const Tool& tool);
+// name "exported". Throws Error if the paths take more than the document's budget of memory.
+std::string RenameMap(LoadedScene& loaded, const Tool& tool);
 
 }  // namespace zr
