@@ -30,10 +30,10 @@ KeyValue Shown(const float* value) {
     }
 }
 
-// Numbers of two times, which the processor reckons side by side.
+// Numbers at two times, computed together.
 using Pair = double __attribute__((vector_size(16)));
 
-// As kernix::Hermite, at two times and the same to the bit: what each of the values and slopes counts.
+// As kernix::Hermite, at two times and the same to the bit: the weights of both values and slopes.
 struct HermiteWeights {
     Pair a, slopeA, b, slopeB;
 
