@@ -25,8 +25,8 @@ public:
     // one another when wound against each other.
     virtual Polygon* Combine(Polygon* a, Polygon* b, int operation, int flag) = 0;
 
-    // Reports the triangles in the units that the contours came in. Throws std::exception, having reported none,
-    // for a region that it refuses, such as contours that cross thousands of times.
+    // Reports the triangles in the units that the contours came in. Throws std::exception, having reported
+    // none, for a region that it refuses, such as contours that cross thousands of times.
     virtual void Triangulate(Polygon* polygon, TriangleCallback callback, void* user) = 0;
 
     // Factors from contour units to the unit of the integer grid, which the extension may divide further. A
