@@ -21,7 +21,7 @@ protected:
 
     // Runs zr with these words; the steps happen in the dialog.
     ForkedRun Run(const std::vector<std::string>& words, const std::function<void()>& steps) const {
-        return RunForked(m_folder, words, [&](const std::function<int()>& run) {
+        return RunForked(m_folder / "", words, [&](const std::function<int()>& run) {
             if (!driver::Start().empty()) return 99;
             driver::WhenDialogOpens(steps);
             return run();

@@ -296,7 +296,7 @@ TEST_F(Commands, NoClobberKeepsExistingFiles) {
           "split a.glb b.glb --animation 0 --each", "remove-animations a.glb b.glb --unused",
           "text --style stroke A b.glb", "export a.glb c.glb --rename-map b.glb"}) {
         m_folder.Write("b.glb", "mine");
-        ExpectFailure(std::string("--no-clobber ") + command, "b.glb: exists");
+        ExpectFailure(std::string("--no-clobber ") + command, "b.glb: already exists");
         EXPECT_EQ(m_folder.Read("b.glb"), "mine");
     }
 }
