@@ -17,16 +17,16 @@ struct Block {
 };
 
 // What an accessor reads of a view that may shrink.
-struct Part {
+struct ReadPart {
     Json* object;  // its byteOffset counts from the view's begin
     Block block;   // whole rows of the view
 };
 
 // An object that names a range of a buffer: a view, or the compressed form of the view before it.
-struct Range {
+struct BufferRange {
     Json* object;
     Block block;
-    std::vector<Part> parts;  // none: the range stays whole
+    std::vector<ReadPart> parts;  // none: the range stays whole
 };
 
 // Calls visit(Json&, layout, count) for each part of an accessor that names a view.
@@ -63,8 +63,8 @@ std::vector<bool> Shrinkable(Document& document, std::vector<bool> views) {
     return views;
 }
 
-std::vector<std::vector<Range>> RangesOf(Document& document) {
-    std::vector<std::vector<Range>> ranges(document.Elements(Kind::kBuffer).size());
+std::vector<std::vector<BufferRange>> RangesOf(Document& document) {
+    std::vector<std::vector<BufferRange>> ranges(document.Elements(Kind::kBuffer).size());
     ForEachBufferRange(document, [&](Json& range) {
         const std::size_t begin = IndexMember(range, "byteOffset");
         ranges[IndexMember(range, "buffer")].push_back(
@@ -74,20 +74,21 @@ std::vector<std::vector<Range>> RangesOf(Document& document) {
 }
 
 // Lists what accessors read of the marked views.
-void AddParts(Document& document, const std::vector<bool>& views, std::vector<std::vector<Range>>& ranges) {
+void AddParts(Document& document, const std::vector<bool>& views,
+              std::vector<std::vector<BufferRange>>& ranges) {
     const std::span<Json> elements = document.Elements(Kind::kBufferView);
-    std::vector<Range*> rangeOf(views.size(), nullptr);
+    std::vector<BufferRange*> rangeOf(views.size(), nullptr);
     {
-        std::unordered_map<const Json*, Range*> byObject;
-        for (std::vector<Range>& ofBuffer : ranges)
-            for (Range& range : ofBuffer) byObject.emplace(range.object, &range);
+        std::unordered_map<const Json*, BufferRange*> byObject;
+        for (std::vector<BufferRange>& ofBuffer : ranges)
+            for (BufferRange& range : ofBuffer) byObject.emplace(range.object, &range);
         for (std::size_t view = 0; view < views.size(); ++view)
             if (views[view]) rangeOf[view] = byObject.at(&elements[view]);
     }
     for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
         ForEachPart(document, i, [&](Json& part, const AccessorInfo& info, std::size_t count) {
             const std::size_t view = IndexMember(part, "bufferView");
-            Range* range = rangeOf[view];
+            BufferRange* range = rangeOf[view];
             if (range == nullptr) return;
             if (count == 0) {
                 range->parts.clear();
@@ -112,11 +113,11 @@ void AddParts(Document& document, const std::vector<bool>& views, std::vector<st
 // so that elements stay aligned and a second run finds nothing to do.
 class Packing {
 public:
-    explicit Packing(const std::vector<Range>& ranges) {
+    explicit Packing(const std::vector<BufferRange>& ranges) {
         std::vector<Block> blocks;
-        for (const Range& range : ranges) {
+        for (const BufferRange& range : ranges) {
             if (range.parts.empty()) blocks.push_back(range.block);
-            for (const Part& part : range.parts) blocks.push_back(part.block);
+            for (const ReadPart& part : range.parts) blocks.push_back(part.block);
         }
         std::sort(blocks.begin(), blocks.end(),
                   [](const Block& a, const Block& b) { return a.begin < b.begin; });
@@ -153,9 +154,9 @@ void SetIndex(JsonTree& tree, Json& object, std::string_view name, std::size_t v
     if (IndexMember(object, name) != value) tree.Member(object, name) = tree.MakeIndex(value);
 }
 
-void Move(JsonTree& tree, const Range& range, const Packing& packing) {
+void Move(JsonTree& tree, const BufferRange& range, const Packing& packing) {
     Block kept = range.parts.empty() ? range.block : range.parts.front().block;
-    for (const Part& part : range.parts) {
+    for (const ReadPart& part : range.parts) {
         kept.begin = std::min(kept.begin, part.block.begin);
         kept.end = std::max(kept.end, part.block.end);
     }
@@ -163,20 +164,20 @@ void Move(JsonTree& tree, const Range& range, const Packing& packing) {
     SetIndex(tree, *range.object, "byteOffset", begin);
     if (range.parts.empty()) return;
     SetIndex(tree, *range.object, "byteLength", packing.PlaceOf(kept.end - 1) + 1 - begin);
-    for (const Part& part : range.parts) {
+    for (const ReadPart& part : range.parts) {
         const std::size_t at = range.block.begin + IndexMember(*part.object, "byteOffset");
         SetIndex(tree, *part.object, "byteOffset", packing.PlaceOf(at) - begin);
     }
 }
 
-std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Range>& ranges) {
+std::size_t Compact(Document& document, std::size_t buffer, const std::vector<BufferRange>& ranges) {
     const auto bytes = document.BufferBytes(buffer);
     if (!bytes) return 0;
     const Packing packing(ranges);
     // Padding to a multiple of 4 after the last block is not worth removing.
     if ((packing.Size() + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
     const std::size_t freed = bytes->size() - packing.Size();
-    for (const Range& range : ranges) Move(document.Tree(), range, packing);
+    for (const BufferRange& range : ranges) Move(document.Tree(), range, packing);
     document.PackBuffer(buffer, packing.Moves());
     return freed;
 }
@@ -185,7 +186,7 @@ std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Ra
 
 std::size_t CompactBuffers(Document& document, const std::vector<bool>& buffers,
                            const std::vector<bool>& views) {
-    std::vector<std::vector<Range>> ranges = RangesOf(document);
+    std::vector<std::vector<BufferRange>> ranges = RangesOf(document);
     if (std::find(views.begin(), views.end(), true) != views.end())
         AddParts(document, Shrinkable(document, views), ranges);
     std::size_t freed = 0;

@@ -8,12 +8,12 @@
 namespace zr::gltf {
 namespace {
 
-std::string_view BytesOf(std::span<const float> floats) {
+std::string_view RawText(std::span<const float> floats) {
     return {reinterpret_cast<const char*>(floats.data()), floats.size_bytes()};
 }
 
 std::size_t HashOf(std::span<const float> floats) {
-    return std::hash<std::string_view>()(BytesOf(floats));
+    return std::hash<std::string_view>()(RawText(floats));
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ const std::size_t* KeyAccessors::Find(const Stored& stored, std::size_t hash, st
     const auto equal = std::find_if(first, last, [&](const auto& entry) {
         const Json& accessor = m_document.Elements(Kind::kAccessor)[entry.second];
         return accessor.Find("type")->String() == type &&
-               BytesOf(StoredFloats(m_document, entry.second)) == BytesOf(floats);
+               RawText(StoredFloats(m_document, entry.second)) == RawText(floats);
     });
     return equal != last ? &equal->second : nullptr;
 }

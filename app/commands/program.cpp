@@ -115,7 +115,9 @@ std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
         return Join(text.substr(0, text.find(':')),
                     text.ends_with(" missing") ? ": its value is missing" : ": given more than once");
     if (!isMissing) return text;
-    return Join("missing argument; usage: ", UsagesOf(LastCommand(app)).front());
+    // The parser names operands by words that the usage does not show.
+    return Join(text.starts_with('-') ? text : "missing argument",
+                "; usage: ", UsagesOf(LastCommand(app)).front());
 }
 
 bool NamesFiles(const CLI::Option& option) {

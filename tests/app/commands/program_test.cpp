@@ -49,6 +49,7 @@ TEST(Program, NamesTheWrongWordInOneLine) {
         {"export --mrege-keys", "\"--mrege-keys\"; did you mean \"--merge-keys\"?"},
         {"info a.glb --jsno", "\"--jsno\"; did you mean \"--json\"?"},
         {"info", "usage: zr info [OPTIONS] SCENE"},
+        {"reduce a.glb b.glb", "--tolerance is required"},
         {"info a.glb b.glb", "unexpected argument \"b.glb\""},
         {"info a.glb \"$(printf 'b\\nc')\"", "unexpected argument \"b\\nc\""},
         {"--language zz info a.glb", "unknown language \"zz\""},
