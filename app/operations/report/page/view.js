@@ -8,13 +8,11 @@ import { Batches } from "./batches.js";
 const cssColour = (name) => new THREE.Color(getComputedStyle(document.documentElement).getPropertyValue(name).trim());
 
 class Shown {
-  constructor(gltf) {
+  // objects: by index of the node in the document.
+  constructor(gltf, objects) {
     this.root = gltf.scene;
     this.clips = gltf.animations;
-    this.objects = [];  // by index of the node in the document
-    // The default material has no association.
-    for (const [object, of] of gltf.parser.associations)
-      if (of?.nodes !== undefined && object.isObject3D && !this.objects[of.nodes]) this.objects[of.nodes] = object;
+    this.objects = objects;
     this.scene = new THREE.Scene();
     this.lights = [new THREE.HemisphereLight(0xffffff, 0x8890a0, 1.5), new THREE.DirectionalLight(0xffffff, 1.3)];
     this.lights[1].position.set(1, 2, 3);
@@ -94,7 +92,10 @@ export class View {
 
   // matrix: takes the scene to the space of the other one.
   async add(bytes, matrix) {
-    const shown = new Shown(await new GLTFLoader().parseAsync(bytes.buffer, ""));
+    const gltf = await new GLTFLoader().parseAsync(bytes.buffer, "");
+    // The loader's own table of objects takes nodes that share a mesh for one.
+    const nodes = (gltf.parser.json.nodes ?? []).map((_, node) => gltf.parser.getDependency("node", node));
+    const shown = new Shown(gltf, await Promise.all(nodes));
     if (matrix) {
       shown.root.matrixAutoUpdate = false;
       shown.root.matrix.fromArray(matrix);

@@ -20,8 +20,11 @@ const run = (...words) => execFileSync(zr, words, { encoding: "utf8" });
 // A scene of many nodes, some of which cleaning removes.
 function manyNodes(count) {
   const nodes = [{ name: "root", children: Array.from({ length: count }, (_, i) => i + 1) }];
-  for (let i = 0; i < count; ++i)
-    nodes.push(i % 4 === 3 ? { name: `empty ${i}` } : { name: `box ${i}`, mesh: 0, translation: [(i % 100) * 2, Math.floor(i / 100) * 2, 0] });
+  for (let i = 0; i < count; ++i) {
+    const isCopy = i % 1000 === 1, place = isCopy ? i - 1 : i;
+    nodes.push(i % 4 === 3 ? { name: `empty ${i}` } : { name: `${isCopy ? "copy" : "box"} ${i}`, mesh: 0,
+      translation: [(place % 100) * 2, Math.floor(place / 100) * 2, 0] });
+  }
   const positions = new Float32Array([0, 0, 0, 1, 0, 0, 0, 1, 0]);
   const uri = `data:application/octet-stream;base64,${Buffer.from(positions.buffer).toString("base64")}`;
   return JSON.stringify({ asset: { version: "2.0" }, scene: 0, scenes: [{ nodes: [0] }], nodes,
@@ -97,6 +100,8 @@ async function testClean() {
   const calls = await browser.evaluate("zrReport.view.renderer.info.render.calls");
   expect(calls > 0 && calls < 20, `10,000 nodes are drawn with ${calls} calls`);
   expect((await drawn()) > 500, "10,000 nodes are drawn");
+  const bright = await browser.evaluate("[...zrReport.view.scenes[0].lit.keys()].filter((mesh) => mesh.material.emissiveIntensity < 1).length");
+  expect(bright === 10, `${bright} of 10 removed meshes are highlighted`);
   await browser.press("/");
   await browser.type("empty 4443");
   await browser.until("document.querySelectorAll('.row').length === 2", 10);
