@@ -58,8 +58,8 @@ std::vector<std::pair<std::string, std::string>> MeasuresOf(const TextDrawing& d
     if (!drawing.metrics.lines.empty()) {
         double widest = 0;
         for (const TextMetrics::Line& line : drawing.metrics.lines) widest = std::max(widest, line.advance);
-        measures.emplace_back("height of a capital", length(drawing.metrics.capHeight));
-        measures.emplace_back("distance of lines", length(drawing.metrics.lineDistance));
+        measures.emplace_back("cap height", length(drawing.metrics.capHeight));
+        measures.emplace_back("line spacing", length(drawing.metrics.lineDistance));
         measures.emplace_back("lines", std::to_string(drawing.metrics.lines.size()));
         measures.emplace_back("longest line", length(widest));
     }

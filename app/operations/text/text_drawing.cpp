@@ -17,7 +17,7 @@ constexpr double kStrokeLineDistance = 29;
 constexpr double kFontLineDistance = 1.2;  // times the height of the font
 constexpr int kEnlargement = 10;
 constexpr int kOwnHeight = 16;         // of a font for which no height is set
-constexpr double kFontPen = 1.0 / 87;  // times the height of a capital
+constexpr double kFontPen = 1.0 / 87;  // times the cap height
 constexpr double kStrokePen = 1.0 / 21;
 constexpr double kUnscaledSize = 12;
 
