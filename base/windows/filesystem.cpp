@@ -228,7 +228,11 @@ std::vector<path> Expanded(const path& file) {
 }
 
 bool IsWriteProtected(const path& file) {
-    const Handle handle(CreateFileW(Reachable(file).c_str(), FILE_WRITE_DATA,
+    const path name = Reachable(file);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return true;
+    const Handle handle(CreateFileW(name.c_str(), FILE_WRITE_DATA,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     return !handle && GetLastError() == ERROR_ACCESS_DENIED;
