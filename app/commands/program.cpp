@@ -110,7 +110,7 @@ std::string UsageText(const CLI::App& app, const CLI::ParseError& error) {
     // An argument often seems to be missing because another is mistyped.
     if (!app.remaining(true).empty() && (isMissing || is(CLI::ExitCodes::ExtrasError)))
         return UnknownWord(app);
-    const std::string text = error.what();
+    std::string text = error.what();
     if (is(CLI::ExitCodes::ArgumentMismatch))
         return Join(text.substr(0, text.find(':')),
                     text.ends_with(" missing") ? ": its value is missing" : ": given more than once");
