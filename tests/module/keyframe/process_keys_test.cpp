@@ -137,4 +137,23 @@ TEST_F(ProcessKeysTest, ChangeNothingWhereTheRecordsDependOnTheAnimation) {
     EXPECT_EQ(fresh->ProcessKeys(), 0);
 }
 
+// A turn below a scene matrix that stretches one axis needs a record above.
+TEST_F(ProcessKeysTest, ChangeNothingWhereTheSceneMatrixCannotBeFolded) {
+    kernix::AnimationModel* moves = m_scene->AddAnimation(u"moves");
+    kernix::AnimationModel* turns = m_scene->AddAnimation(u"turns");
+    kernix::TransformControllerModel* controller = AddMesh(*m_scene, nullptr)->AddTransformController();
+    controller->AddTransformTrack(moves)->AddPosition(0)->SetValue({1, 2, 3});
+    controller->AddTransformTrack(turns)->AddRotation(0)->SetQuaternion(
+        vl::Quaternion(vl::AngleAxis(1, 0, 0, 0.5F)));
+    Matrix stretched;
+    stretched.SetScale({1, 1, 2});
+    m_scene->SetSceneMatrix(stretched);
+    m_scene->SetActiveAnimation(moves);
+    const auto tool = NewTool(0, 0);
+    m_scene->SetActiveAnimation(turns);
+    EXPECT_EQ(tool->ProcessKeys(), 0);
+    m_scene->SetActiveAnimation(moves);
+    EXPECT_EQ(tool->ProcessKeys(), 1);
+}
+
 }  // namespace

@@ -181,6 +181,8 @@ TEST_F(TargetPassTest, RecordIsMadeForAnAimWithoutNode) {
         EXPECT_EQ(target->vPosition, (V3f{1, 2, 2}));
         EXPECT_EQ(target->mLocal.m[3][2], 2);
         EXPECT_EQ(Times(target->pPosKeys), severalKeys ? (std::vector<float>{2, 4}) : std::vector<float>());
+        for (const auto* key : vl::ArrayOf<ExportPositionKey*>(target->pPosKeys))
+            EXPECT_EQ(key->vValue, (V3f{1, 2, 2})) << key->fTime;
     }
 }
 
