@@ -299,6 +299,25 @@ TEST_F(TargetPassTest, StepsLeadToWhatIsShown) {
     }
 }
 
+// The scene matrix is folded into the keys of the record above.
+TEST_F(TargetPassTest, StepsBelowAnotherNodeLeadToWhatIsShown) {
+    AimingCamera camera(new kernix::CameraModel, false);
+    M scene = AimingCamera::Identity();
+    scene.RotateX(1.5707963267948966);
+    camera.m_scene->SetSceneMatrix(scene);
+    camera.m_node->SetObject({});
+    camera.m_node = camera.m_scene->AddNode(camera.m_node, "child");
+    auto* object = new kernix::CameraModel;
+    object->SetObjectPosition({0, 2, 0});
+    camera.m_node->SetObject(Ref<vl::zr::Object3D>::Adopt(object));
+    camera.Turn(true);
+    camera.m_tool->m_dwAnimFlags |= kAngleAxisKeys;
+    ExportNode* record = camera.Export(kAllChoices | kKeepAllNodes);
+    ASSERT_NE(record->pRotKeys, nullptr);
+    ExpectStepsLeadTo(record);
+    ExpectShown(camera, record, 2);
+}
+
 // Each object has its place and time; lights that aim at one target share the sampled times.
 TEST_F(TargetPassTest, ManyFollowTheirTargetsAtOnce) {
     AimingLight light(new kernix::LightModel(vl::zr::kLightSpot));
