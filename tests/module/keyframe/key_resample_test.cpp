@@ -98,14 +98,17 @@ TEST(ResampleKeys, EqualsThePlainRuleOnRandomTracks) {
     std::mt19937 random(5);
     const auto pick = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     for (unsigned run = 0; run < zr::test::Rounds(20000); ++run) {
-        const bool ordered = pick(4) != 0;
+        const bool keysAscend = pick(4) != 0, timesAscend = pick(4) != 0;
         std::vector<Key> keys(static_cast<std::size_t>(pick(12)));
         std::vector<float> times(static_cast<std::size_t>(pick(12)));
-        const auto time = [&] { return !ordered && pick(9) == 0 ? NAN : static_cast<float>(pick(40)) / 3; };
-        for (Key& key : keys) key = {time(), static_cast<float>(pick(600)) / 100};
-        for (float& t : times) t = time();
-        if (ordered) {
+        const auto time = [&](bool ascend) {
+            return !ascend && pick(9) == 0 ? NAN : static_cast<float>(pick(40)) / 3;
+        };
+        for (Key& key : keys) key = {time(keysAscend), static_cast<float>(pick(600)) / 100};
+        for (float& t : times) t = time(timesAscend);
+        if (keysAscend)
             std::sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) { return a.time < b.time; });
+        if (timesAscend) {
             std::sort(times.begin(), times.end());
             times.erase(std::unique(times.begin(), times.end()), times.end());
         }
