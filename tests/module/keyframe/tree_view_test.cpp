@@ -143,4 +143,18 @@ TEST_F(TreeViewTest, ToolFillsTheCallersTreeOrAWindowOfItsOwn) {
     driver::CloseTreeWindows();
 }
 
+TEST_F(TreeViewTest, ProcessShowsTheTreeOnRequestOnly) {
+    ASSERT_EQ(driver::Start(), "");
+    m_scene->AddNode(nullptr, "node");
+    const auto tool = vl::Ref<ZR_TK>::Adopt(new ZR_TK);
+    tool->m_pScene = m_scene.Get();
+    tool->m_dwExportFlags = vl::tk::kKeepAllNodes;
+    for (const int isWanted : {0, 1}) {
+        m_host.SetSetting("Features\\ShowTweenkitInfo", isWanted);
+        EXPECT_EQ(tool->Process(0), 1);
+        EXPECT_EQ(driver::TreeWindows().size(), static_cast<std::size_t>(isWanted));
+    }
+    driver::CloseTreeWindows();
+}
+
 }  // namespace
