@@ -22,12 +22,8 @@ struct ReadPart {
     Block block;   // whole rows of the view
 };
 
-// An object that names a range of a buffer: a view, or the compressed form of the view before it.
-struct BufferRange {
-    Json* object;
-    Block block;
-    std::vector<ReadPart> parts;  // none: the range stays whole
-};
+// By view, the parts of those that may shrink; every other range of a buffer stays whole.
+using PartsOfViews = std::unordered_map<const Json*, std::vector<ReadPart>>;
 
 // Calls visit(Json&, layout, count) for each part of an accessor that names a view.
 template <typename Visit>
@@ -63,36 +59,22 @@ std::vector<bool> Shrinkable(Document& document, std::vector<bool> views) {
     return views;
 }
 
-std::vector<std::vector<BufferRange>> RangesOf(Document& document) {
-    std::vector<std::vector<BufferRange>> ranges(document.Elements(Kind::kBuffer).size());
-    ForEachBufferRange(document, [&](Json& range) {
-        const std::size_t begin = IndexMember(range, "byteOffset");
-        ranges[IndexMember(range, "buffer")].push_back(
-            {&range, {begin, begin + IndexMember(range, "byteLength")}, {}});
-    });
-    return ranges;
+Block BlockOf(const Json& range) {
+    const std::size_t begin = IndexMember(range, "byteOffset");
+    return {begin, begin + IndexMember(range, "byteLength")};
 }
 
-// Lists what accessors read of the marked views.
-void AddParts(Document& document, const std::vector<bool>& views,
-              std::vector<std::vector<BufferRange>>& ranges) {
+// What accessors read of the marked views.
+PartsOfViews PartsOf(Document& document, std::vector<bool> views) {
     const std::span<Json> elements = document.Elements(Kind::kBufferView);
-    std::vector<BufferRange*> rangeOf(views.size(), nullptr);
-    {
-        std::unordered_map<const Json*, BufferRange*> byObject;
-        for (std::vector<BufferRange>& ofBuffer : ranges)
-            for (BufferRange& range : ofBuffer) byObject.emplace(range.object, &range);
-        for (std::size_t view = 0; view < views.size(); ++view)
-            if (views[view]) rangeOf[view] = byObject.at(&elements[view]);
-    }
+    PartsOfViews parts;
     for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
         ForEachPart(document, i, [&](Json& part, const AccessorInfo& info, std::size_t count) {
             const std::size_t view = IndexMember(part, "bufferView");
-            BufferRange* range = rangeOf[view];
-            if (range == nullptr) return;
+            if (!views[view]) return;
             if (count == 0) {
-                range->parts.clear();
-                rangeOf[view] = nullptr;
+                parts.erase(&elements[view]);
+                views[view] = false;
                 return;
             }
             // Whole rows, so that elements stay aligned and no view becomes shorter than its stride.
@@ -101,23 +83,33 @@ void AddParts(Document& document, const std::vector<bool>& views,
             const std::size_t begin = IndexMember(part, "byteOffset");
             const std::size_t end =
                 begin + (stride != 0 ? stride : info.ElementSize()) * (count - 1) + info.LastElementSize();
-            const Block& whole = range->block;
-            range->parts.push_back({&part,
-                                    {whole.begin + begin / row * row,
-                                     std::min(whole.end, whole.begin + (end + row - 1) / row * row)}});
+            const Block whole = BlockOf(elements[view]);
+            parts[&elements[view]].push_back(
+                {&part,
+                 {whole.begin + begin / row * row,
+                  std::min(whole.end, whole.begin + (end + row - 1) / row * row)}});
         });
     }
+    return parts;
+}
+
+std::span<const ReadPart> PartsOf(const PartsOfViews& parts, const Json& range) {
+    if (parts.empty()) return {};
+    const auto found = parts.find(&range);
+    return found != parts.end() ? std::span<const ReadPart>(found->second) : std::span<const ReadPart>();
 }
 
 // The blocks of a buffer that stay, and where each byte of them goes. Every block keeps its offset modulo 4,
 // so that elements stay aligned and a second run finds nothing to do.
 class Packing {
 public:
-    explicit Packing(const std::vector<BufferRange>& ranges) {
+    // ranges: the objects that name a range of the buffer, views and compressed forms of views.
+    Packing(const std::vector<Json*>& ranges, const PartsOfViews& partsOfViews) {
         std::vector<Block> blocks;
-        for (const BufferRange& range : ranges) {
-            if (range.parts.empty()) blocks.push_back(range.block);
-            for (const ReadPart& part : range.parts) blocks.push_back(part.block);
+        for (const Json* range : ranges) {
+            const std::span<const ReadPart> parts = PartsOf(partsOfViews, *range);
+            if (parts.empty()) blocks.push_back(BlockOf(*range));
+            for (const ReadPart& part : parts) blocks.push_back(part.block);
         }
         std::sort(blocks.begin(), blocks.end(),
                   [](const Block& a, const Block& b) { return a.begin < b.begin; });
@@ -154,30 +146,32 @@ void SetIndex(JsonTree& tree, Json& object, std::string_view name, std::size_t v
     if (IndexMember(object, name) != value) tree.Member(object, name) = tree.MakeIndex(value);
 }
 
-void Move(JsonTree& tree, const BufferRange& range, const Packing& packing) {
-    Block kept = range.parts.empty() ? range.block : range.parts.front().block;
-    for (const ReadPart& part : range.parts) {
+void Move(JsonTree& tree, Json& range, std::span<const ReadPart> parts, const Packing& packing) {
+    const Block whole = BlockOf(range);
+    Block kept = parts.empty() ? whole : parts.front().block;
+    for (const ReadPart& part : parts) {
         kept.begin = std::min(kept.begin, part.block.begin);
         kept.end = std::max(kept.end, part.block.end);
     }
     const std::size_t begin = packing.PlaceOf(kept.begin);
-    SetIndex(tree, *range.object, "byteOffset", begin);
-    if (range.parts.empty()) return;
-    SetIndex(tree, *range.object, "byteLength", packing.PlaceOf(kept.end - 1) + 1 - begin);
-    for (const ReadPart& part : range.parts) {
-        const std::size_t at = range.block.begin + IndexMember(*part.object, "byteOffset");
+    SetIndex(tree, range, "byteOffset", begin);
+    if (parts.empty()) return;
+    SetIndex(tree, range, "byteLength", packing.PlaceOf(kept.end - 1) + 1 - begin);
+    for (const ReadPart& part : parts) {
+        const std::size_t at = whole.begin + IndexMember(*part.object, "byteOffset");
         SetIndex(tree, *part.object, "byteOffset", packing.PlaceOf(at) - begin);
     }
 }
 
-std::size_t Compact(Document& document, std::size_t buffer, const std::vector<BufferRange>& ranges) {
+std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Json*>& ranges,
+                    const PartsOfViews& parts) {
     const auto bytes = document.BufferBytes(buffer);
     if (!bytes) return 0;
-    const Packing packing(ranges);
+    const Packing packing(ranges, parts);
     // Padding to a multiple of 4 after the last block is not worth removing.
     if ((packing.Size() + 3) / 4 >= (bytes->size() + 3) / 4) return 0;
     const std::size_t freed = bytes->size() - packing.Size();
-    for (const BufferRange& range : ranges) Move(document.Tree(), range, packing);
+    for (Json* range : ranges) Move(document.Tree(), *range, PartsOf(parts, *range), packing);
     document.PackBuffer(buffer, packing.Moves());
     return freed;
 }
@@ -186,12 +180,15 @@ std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Bu
 
 std::size_t CompactBuffers(Document& document, const std::vector<bool>& buffers,
                            const std::vector<bool>& views) {
-    std::vector<std::vector<BufferRange>> ranges = RangesOf(document);
+    PartsOfViews parts;
     if (std::find(views.begin(), views.end(), true) != views.end())
-        AddParts(document, Shrinkable(document, views), ranges);
+        parts = PartsOf(document, Shrinkable(document, views));
+    std::vector<std::vector<Json*>> ranges(document.Elements(Kind::kBuffer).size());
+    ForEachBufferRange(document,
+                       [&](Json& range) { ranges[IndexMember(range, "buffer")].push_back(&range); });
     std::size_t freed = 0;
     for (std::size_t i = 0; i < ranges.size(); ++i)
-        if (buffers[i]) freed += Compact(document, i, ranges[i]);
+        if (buffers[i]) freed += Compact(document, i, ranges[i], parts);
     return freed;
 }
 
