@@ -173,6 +173,7 @@ Collected Collect(Document& document, KindSet kinds, bool force, const Removal* 
     }
     Erase(losing.views, removal[Ordinal(Kind::kBufferView)]);
     Erase(losing.buffers, removal[Ordinal(Kind::kBuffer)]);
+    references = {};
     RemoveElements(document, removal);
     if (kinds.Has(Kind::kBuffer)) collected.bytes += CompactBuffers(document, losing.buffers, losing.views);
     return collected;

@@ -64,33 +64,48 @@ Block BlockOf(const Json& range) {
     return {begin, begin + IndexMember(range, "byteLength")};
 }
 
+// What a part reads of its view: whole rows, so that elements stay aligned and no view becomes shorter than
+// its stride.
+Block RowsOf(const Json& view, const Json& part, const AccessorInfo& info, std::size_t count) {
+    const std::size_t stride = IndexMember(view, "byteStride");
+    const std::size_t row = stride != 0 ? stride : 4;
+    const std::size_t begin = IndexMember(part, "byteOffset");
+    const std::size_t end =
+        begin + (stride != 0 ? stride : info.ElementSize()) * (count - 1) + info.LastElementSize();
+    const Block whole = BlockOf(view);
+    return {whole.begin + begin / row * row, std::min(whole.end, whole.begin + (end + row - 1) / row * row)};
+}
+
+// The marked views without those that one accessor reads whole, as is common.
+std::vector<bool> ReadInParts(Document& document, std::vector<bool> views) {
+    for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
+        ForEachPart(document, i, [&](Json& part, const AccessorInfo& info, std::size_t count) {
+            const std::size_t view = IndexMember(part, "bufferView");
+            if (!views[view]) return;
+            const Json& json = document.Elements(Kind::kBufferView)[view];
+            const Block whole = BlockOf(json), rows = count != 0 ? RowsOf(json, part, info, count) : whole;
+            views[view] = rows.begin != whole.begin || rows.end != whole.end;
+        });
+    }
+    return views;
+}
+
 // What accessors read of the marked views.
-PartsOfViews PartsOf(Document& document, std::vector<bool> views) {
-    const std::span<Json> elements = document.Elements(Kind::kBufferView);
+PartsOfViews PartsOf(Document& document, const std::vector<bool>& views) {
     PartsOfViews parts;
     for (std::size_t i = 0; i < document.Elements(Kind::kAccessor).size(); ++i) {
         ForEachPart(document, i, [&](Json& part, const AccessorInfo& info, std::size_t count) {
             const std::size_t view = IndexMember(part, "bufferView");
             if (!views[view]) return;
-            if (count == 0) {
-                parts.erase(&elements[view]);
-                views[view] = false;
-                return;
-            }
-            // Whole rows, so that elements stay aligned and no view becomes shorter than its stride.
-            const std::size_t stride = IndexMember(elements[view], "byteStride");
-            const std::size_t row = stride != 0 ? stride : 4;
-            const std::size_t begin = IndexMember(part, "byteOffset");
-            const std::size_t end =
-                begin + (stride != 0 ? stride : info.ElementSize()) * (count - 1) + info.LastElementSize();
-            const Block whole = BlockOf(elements[view]);
-            parts[&elements[view]].push_back(
-                {&part,
-                 {whole.begin + begin / row * row,
-                  std::min(whole.end, whole.begin + (end + row - 1) / row * row)}});
+            const Json& json = document.Elements(Kind::kBufferView)[view];
+            parts[&json].push_back({&part, RowsOf(json, part, info, count)});
         });
     }
     return parts;
+}
+
+bool HasAny(const std::vector<bool>& views) {
+    return std::find(views.begin(), views.end(), true) != views.end();
 }
 
 std::span<const ReadPart> PartsOf(const PartsOfViews& parts, const Json& range) {
@@ -181,8 +196,8 @@ std::size_t Compact(Document& document, std::size_t buffer, const std::vector<Js
 std::size_t CompactBuffers(Document& document, const std::vector<bool>& buffers,
                            const std::vector<bool>& views) {
     PartsOfViews parts;
-    if (std::find(views.begin(), views.end(), true) != views.end())
-        parts = PartsOf(document, Shrinkable(document, views));
+    const std::vector<bool> inParts = HasAny(views) ? ReadInParts(document, views) : views;
+    if (HasAny(inParts)) parts = PartsOf(document, Shrinkable(document, inParts));
     std::vector<std::vector<Json*>> ranges(document.Elements(Kind::kBuffer).size());
     ForEachBufferRange(document,
                        [&](Json& range) { ranges[IndexMember(range, "buffer")].push_back(&range); });
